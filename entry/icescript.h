@@ -1,0 +1,169 @@
+/*
+ * icescript: the interface between the script-execution plug-in and the debug server (the host)
+ * that loads it. C11 and C++11 or later.
+ *
+ * Conventions, for everything below:
+ *
+ *  1. Loading. The plug-in exports ImplementScr and imports the five link_ functions by name. The
+ *     host process must export all five (an executable: link it with -rdynamic or an export list);
+ *     they are bound when the plug-in is loaded, and dlopen fails if one is missing.
+ *  2. Threads. Everything happens on the thread that called ImplementScr, one call at a time, in
+ *     script order. The plug-in starts no thread and takes no lock, and the number of the next pin
+ *     read is plain state of the loaded plug-in: never run two scripts at the same time.
+ *  3. Pointers. A pointer handed to the host is valid until that host function returns; the host
+ *     keeps none. The plug-in keeps none of the host's after ImplementScr returns.
+ *  4. Bits. Scan data travels as bytes, least significant first: byte 0 holds bits 0 to 7, of which
+ *     bit 0 is the first to be shifted. n bits take (n + 7) / 8 bytes.
+ *  5. Results. Every function returns an int, which the plug-in judges as stated at each function;
+ *     the tests differ on purpose. A failed call is not retried and ends the script.
+ *  6. Exceptions. The plug-in throws none of its own and catches none. One thrown by a host
+ *     function, by the callback or by the standard library (no memory) passes through
+ *     ImplementScr to the host after everything that the call allocated has been freed.
+ *  7. Messages are the user's to read, NUL-terminated, in English. They end in a line break only
+ *     where their text does: a line may arrive in pieces. Show each as it stands and add nothing.
+ */
+#ifndef ICESCRIPT_ENTRY_ICESCRIPT_H_
+#define ICESCRIPT_ENTRY_ICESCRIPT_H_
+
+#include <stdint.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+#pragma GCC visibility push(default)
+
+/* The host's own handle, passed through unchanged to every link_ function, never examined. */
+typedef void* LinkHandle;
+
+/* Shows one message. The result is not examined. The text is valid during the call only. */
+typedef int (*PrintCallback)(const char* message);
+
+/* ---- Codes that the plug-in passes --------------------------------------------------------- */
+
+enum {
+  LINK_CONFIG_CDI_MODE = 3, /* link_config: set the wire mode to a CDI_MODE_ value */
+  LINK_CONFIG_GET_CDI = 22  /* link_config: query the wire mode; the answer is a CDI_ANSWER_ */
+};
+
+enum {
+  CDI_MODE_JTAG5 = 0, /* 5-wire JTAG */
+  CDI_MODE_2WIRE = 1  /* 2-wire interface */
+};
+
+/* Answers to LINK_CONFIG_GET_CDI. Any other answer counts as 5-wire JTAG too, but a scan then shows
+ * captured data for reads only. */
+enum {
+  CDI_ANSWER_JTAG5 = 0,
+  CDI_ANSWER_2WIRE = 1, /* "zeva-j2": scans carry an extra byte, see link_jtag_insert */
+  CDI_ANSWER_CJTAG2 = 2 /* "cjtag2" */
+};
+
+enum { LINK_RESET_TARGET = 1 };
+
+/* Pin bits of the output levels, the output enables and the data word of link_gpio_operator. */
+enum {
+  GPIO_PIN_NRST = 0x01,
+  GPIO_PIN_TRST = 0x02,
+  GPIO_PIN_TCK = 0x04,
+  GPIO_PIN_TMS = 0x08,
+  GPIO_PIN_TDI = 0x10,
+  GPIO_PIN_TDO = 0x20,
+  GPIO_PIN_ALL = 0x3F
+};
+
+/* Flags of link_gpio_operator: what one operation asks for. Several may be set, or none. */
+enum {
+  GPIO_FLAG_WRITE_OUT = 0x01, /* write the output levels */
+  GPIO_FLAG_READ_IN = 0x02,   /* read the pins into the data word */
+  GPIO_FLAG_WRITE_OE = 0x04,  /* write the output enables */
+  GPIO_FLAG_START = 0x08,     /* first operation of a script */
+  GPIO_FLAG_END = 0x10        /* last operation of a script */
+};
+
+enum {
+  JTAG_IR_MAX_BYTES = 36, /* size of the IR array of link_jtag_insert */
+  JTAG_DR_MAX_BYTES = 36, /* size of its DR array */
+  JTAG_CAPTURE_BYTES = 32 /* what a host may count on in the capture buffer of link_jtag_execute */
+};
+
+/* ---- Functions that the host provides ------------------------------------------------------- */
+
+/*
+ * Sets or queries the probe's wire mode.
+ *
+ *   code                  value            failure when the result is
+ *   LINK_CONFIG_CDI_MODE  CDI_MODE_JTAG5   not zero
+ *   LINK_CONFIG_CDI_MODE  CDI_MODE_2WIRE   negative
+ *   LINK_CONFIG_GET_CDI   0                never: the result is the answer
+ *
+ * The query is made before every scan.
+ */
+int link_config(LinkHandle handle, int code, int value);
+
+/* Resets the target; kind is LINK_RESET_TARGET. Failure when the result is negative. */
+int link_reset(LinkHandle handle, int kind);
+
+/*
+ * Hands over one scan: ir_bits bits for an IR scan, then dr_bits bits for a DR scan (IEEE 1149.1:
+ * through Shift-IR, then through Shift-DR). Failure when the result is not zero; link_jtag_execute
+ * is then not called.
+ *
+ * ir and dr are arrays of JTAG_IR_MAX_BYTES and JTAG_DR_MAX_BYTES bytes, never null, which stay in
+ * place until the link_jtag_execute that follows returns. The lengths are the script's: up to 288,
+ * and zero or negative where the script says so.
+ *
+ * After the answer CDI_ANSWER_2WIRE each register carries one more byte at its least significant
+ * end, counted in its length: 0x00 in the IR, the read flag (0x01 read, 0x00 write) in the DR. This
+ * mode is made for registers of up to 32 bytes. A script that gives more still gets here, its bytes
+ * from the 33rd on disarranged and its length up to 296 bits: a host must not read more than the 36
+ * bytes of an array.
+ */
+int link_jtag_insert(LinkHandle handle, int ir_bits, unsigned char* ir, int dr_bits,
+                     unsigned char* dr);
+
+/*
+ * Runs the scan of the link_jtag_insert before it and stores what was captured. Failure when the
+ * result is not zero.
+ *
+ * capture has JTAG_CAPTURE_BYTES bytes, all zero at the call. The plug-in reads the DR bits shifted
+ * out from byte 2 on, or from byte 3 on after the answer CDI_ANSWER_2WIRE, and shows them; it looks
+ * at no other byte. (This version's buffer also takes the longest DR whole, 36 bytes from byte 3.)
+ */
+int link_jtag_execute(LinkHandle handle, unsigned char* capture);
+
+/*
+ * One pin operation. Failure when the result is negative.
+ *
+ *   out_value  output levels, GPIO_PIN_ bits; a script's GPIO_OUT may set bits above them
+ *   data       the operation's own word, never null: with GPIO_FLAG_READ_IN the host stores the
+ *              levels read here. It is 0 before the first run of the operation; in a repeat block
+ *              it holds what the run before left. The value 0 after a read counts, for the user, as
+ *              a read that failed; the script goes on.
+ *   oe_mask    output enables, same bits
+ *   flags      GPIO_FLAG_ bits
+ */
+int link_gpio_operator(LinkHandle handle, int out_value, uint32_t* data, int oe_mask, int flags);
+
+/* ---- The function that the plug-in provides ------------------------------------------------- */
+
+/*
+ * Runs the script at path to its end or to the first failing host call.
+ *
+ *   handle    passed on to the link_ functions; may be null
+ *   path      NUL-terminated, not modified; null is a failure
+ *   callback  receives every message; null: nothing is printed, all else is the same
+ *
+ * Returns 0 when the script ran to its end, -1 on every failure; there is no other result.
+ *
+ * A section of a JTAG script that is not understood is reported as "<section> syntax error" on the
+ * process's standard output, not through the callback; the other sections still run, and the
+ * result of such a script is 0 when they all succeed.
+ */
+int ImplementScr(LinkHandle handle, char* path, PrintCallback callback);
+
+#pragma GCC visibility pop
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* ICESCRIPT_ENTRY_ICESCRIPT_H_ */
