@@ -1,0 +1,39 @@
+// The INI reader of CIniFile.
+#include <cstdio>
+#include <fstream>
+#include <string_view>
+
+#include "base/ini_file.h"
+#include "base/text.h"
+
+namespace icescript {
+
+bool CIniFile::ReadFile() {
+  std::ifstream file(path.Text());
+  if (!file) {
+    std::snprintf(error_msg, sizeof error_msg, "Unable to open Script file: %s.\n",
+                  path.Text().c_str());
+    return false;
+  }
+  std::string section;  // values before the first header belong to the section named ""
+  CString raw;
+  while (getline(file, raw)) {
+    const std::string_view line = TrimBlanks(raw.Text());
+    if (line.empty()) continue;
+    if (line.front() == '[' && line.back() == ']') {
+      section = TrimRight(TrimLeft(line, '['), ']');
+      continue;
+    }
+    const std::size_t equals = line.find('=');
+    if (equals == std::string_view::npos) {
+      std::snprintf(error_msg, sizeof error_msg, "%s in %s: Syntax error\n",
+                    std::string(line).c_str(), section.c_str());
+      return false;
+    }
+    SetValue(section, std::string(line.substr(0, equals)), std::string(line.substr(equals + 1)),
+             true);
+  }
+  return true;
+}
+
+}  // namespace icescript

@@ -1,0 +1,89 @@
+// The INI store of CIniFile.
+#include <cstdio>
+#include <cstring>
+
+#include "base/ini_file.h"
+
+namespace icescript {
+namespace {
+
+// Up to the first NUL, as C strings compare: a name given through SetValue may hold one.
+bool SameName(const CString& a, const CString& b) {
+  return std::strcmp(a.Text().c_str(), b.Text().c_str()) == 0;
+}
+
+// Position of `name` among `names`, or -1.
+int FindName(const std::vector<CString>& names, const CString& name) {
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    if (SameName(name, names[i])) return static_cast<int>(i);
+  }
+  return -1;
+}
+
+}  // namespace
+
+// In the lookups below a negative index becomes a size_t beyond any section.
+
+CString CIniFile::GetKeyName(int keyID) const {
+  const auto index = static_cast<std::size_t>(keyID);
+  return index < keys.size() ? key_names.at(index) : CString();
+}
+
+int CIniFile::FindKey(CString keyname) const {
+  return FindName(key_names, keyname);
+}
+
+int CIniFile::GetNumValues(CString keyname) const {
+  const int keyID = FindKey(std::move(keyname));
+  if (keyID == -1) return -1;
+  return static_cast<int>(keys[static_cast<std::size_t>(keyID)].value_names.size());
+}
+
+int CIniFile::FindValue(int keyID, CString valuename) const {
+  const auto index = static_cast<std::size_t>(keyID);
+  return index < keys.size() ? FindName(keys[index].value_names, valuename) : -1;
+}
+
+CString CIniFile::GetValue(CString keyname, CString valuename) {
+  const int keyID = FindKey(std::move(keyname));
+  if (keyID == -1) {
+    std::snprintf(error_msg, sizeof error_msg, "Unable to locate specified key.");
+    return {};
+  }
+  return GetValue(keyID, std::move(valuename));
+}
+
+CString CIniFile::GetValue(int keyID, CString valuename) {
+  const int valueID = FindValue(keyID, std::move(valuename));
+  if (valueID == -1) {
+    std::snprintf(error_msg, sizeof error_msg, "Unable to locate specified value.");
+    return {};
+  }
+  return keys[static_cast<std::size_t>(keyID)].values[static_cast<std::size_t>(valueID)];
+}
+
+bool CIniFile::SetValue(CString keyname, CString valuename, CString value, bool create) {
+  int keyID = FindKey(keyname);
+  if (keyID == -1) {
+    if (!create) return false;
+    key_names.emplace_back();
+    keys.emplace_back();
+    key_names.back() = std::move(keyname);
+    keyID = GetNumKeys() - 1;
+  }
+  key& section = keys[static_cast<std::size_t>(keyID)];
+  const int valueID = FindName(section.value_names, valuename);
+  if (valueID != -1) {
+    section.values[static_cast<std::size_t>(valueID)] = std::move(value);
+    return true;
+  }
+  if (!create) return false;
+  const std::size_t added = section.value_names.size();
+  section.value_names.emplace_back();
+  section.values.resize(added + 2);  // the new value and the spare entry behind it
+  section.value_names[added] = std::move(valuename);
+  section.values[added] = std::move(value);
+  return true;
+}
+
+}  // namespace icescript
