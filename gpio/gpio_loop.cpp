@@ -1,0 +1,53 @@
+#include "gpio/gpio_loop.h"
+
+#include <cstdio>
+
+namespace icescript {
+namespace {
+
+// Unsigned, so that counting on past the largest int is defined; shown as an int.
+std::uint32_t gpio_read_counter = 0;
+
+void ReportRead(PrintCallback print, std::uint32_t data) {
+  const int number = static_cast<int>(gpio_read_counter++);
+  char line[256];
+  if (data != 0) {
+    std::snprintf(line, sizeof line, "GPIO_DATA_%d = 0x%08x\n", number, data);
+  } else {
+    std::snprintf(line, sizeof line, "error: Get GPIO_DATA_%d fail.", number);
+  }
+  print(line);
+}
+
+// REPT: into the block while runs are left; else past it, its count set again for the next time.
+GpioOperatorData* NextAfterRept(GpioOperatorData* rept) {
+  if (rept->repeat_count > 0) {
+    --rept->repeat_count;
+    return rept->next;
+  }
+  rept->repeat_count = rept->partner->repeat_count;
+  return rept->partner->next;
+}
+
+}  // namespace
+
+bool RunGpioOperators(LinkHandle handle, PrintCallback print, GpioOperatorData* first) {
+  GpioOperatorData* node = first;
+  while (node != nullptr) {
+    if (node->kind == GPIO_KIND_REPT) {
+      node = NextAfterRept(node);
+    } else if (node->kind == GPIO_KIND_ENDR) {
+      node = node->partner;
+    } else {
+      if (link_gpio_operator(handle, node->out_value, &node->gpio_data, node->oe_mask,
+                             node->flags) < 0) {
+        return false;
+      }
+      if ((node->flags & GPIO_FLAG_READ_IN) != 0) ReportRead(print, node->gpio_data);
+      node = node->next;
+    }
+  }
+  return true;
+}
+
+}  // namespace icescript

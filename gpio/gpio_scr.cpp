@@ -1,0 +1,105 @@
+#include "gpio/gpio_scr.h"
+
+#include <memory>
+
+namespace icescript {
+
+// Delegating makes the object complete before parsing starts, so that the destructor frees the list
+// when the callback or an allocation throws.
+GpioScr::GpioScr(char* path, PrintCallback callback) : GpioScr(callback) {
+  status = ParseScr(path);
+}
+
+GpioScr::~GpioScr() {
+  while (RepeatNodePop() != nullptr) {
+  }
+  while (head != nullptr) {
+    GpioOperatorData* const next = head->next;
+    delete head;
+    head = next;
+  }
+}
+
+int GpioScr::ParseScr(char* path) {
+  if (path == nullptr) {
+    error = "No scr file specified.\n";
+    return -1;
+  }
+  CIniFile ini(path);
+  const int result = ini.ReadGpioFile();
+  if (result < 0) {
+    print(ini.error_msg);  // the empty text when the file is no GPIO script
+    return result == GPIO_READ_NOT_GPIO || result == GPIO_READ_OPEN_FAILED ? result : -1;
+  }
+  return AppendElements(ini) == 0 ? RefuseOpenRepeat() : -1;
+}
+
+int GpioScr::AppendElements(CIniFile& ini) {
+  const auto refuse = [this](const char* message) {
+    print(message);
+    return -1;
+  };
+  const int elements = static_cast<int>(ini.GetGpioNum());
+  for (int i = 0; i < elements; ++i) {
+    // A negative value is one that the script gave (GPIO_OUT=-2) as well as one that is missing:
+    // in the first case error_msg is as it was, empty as a rule.
+    const int kind = ini.GetGpioValue(i, GPIO_FIELD_KIND);
+    if (kind < 0) return refuse(ini.error_msg);
+    const int out_value = ini.GetGpioValue(i, GPIO_FIELD_OUT_VALUE);
+    if (out_value < 0) return refuse(ini.error_msg);
+    const int oe_mask = ini.GetGpioValue(i, GPIO_FIELD_OE_MASK);
+    if (oe_mask < 0) return refuse(",inifile.error");
+    const int flags = ini.GetGpioValue(i, GPIO_FIELD_FLAGS);
+    if (flags < 0) return refuse("inifile.error");
+    const int repeat_count = ini.GetGpioValue(i, GPIO_FIELD_REPEAT_COUNT);
+    if (repeat_count < 0) return refuse(ini.error_msg);
+
+    GpioOperatorData* const node =
+        ParseGpioOperatorData(out_value, oe_mask, flags, kind, repeat_count);
+    if (node == nullptr) return -1;
+    (head == nullptr ? head : tail->next) = node;
+    tail = node;
+    ++count;
+  }
+  return 0;
+}
+
+// Only the innermost REPT left open is reported.
+int GpioScr::RefuseOpenRepeat() {
+  if (RepeatNodePop() == nullptr) return 0;
+  error = "syntax error: rept & endr not match.";
+  print(error);
+  return -1;
+}
+
+GpioOperatorData* GpioScr::ParseGpioOperatorData(int out_value, int oe_mask, int flags, int kind,
+                                                 int repeat_count) {
+  auto node = std::make_unique<GpioOperatorData>(GpioOperatorData{
+      out_value, oe_mask, flags, /*gpio_data=*/0, kind, repeat_count, nullptr, nullptr});
+  if (kind == GPIO_KIND_REPT) RepeatNodePush(node.get());
+  if (kind == GPIO_KIND_ENDR) {
+    GpioOperatorData* const rept = RepeatNodePop();
+    if (rept == nullptr) {
+      error = "error: rept & endr not match.";
+      print(error);
+      return nullptr;
+    }
+    rept->partner = node.get();
+    node->partner = rept;
+    node->repeat_count = rept->repeat_count;
+  }
+  return node.release();
+}
+
+void GpioScr::RepeatNodePush(GpioOperatorData* node) {
+  repeat_stack = new RepeatStackEntry{node, repeat_stack};
+}
+
+GpioOperatorData* GpioScr::RepeatNodePop() {
+  if (repeat_stack == nullptr) return nullptr;
+  const std::unique_ptr<RepeatStackEntry> top(repeat_stack);
+  repeat_stack = top->below;
+  return top->node;
+}
+
+}  // namespace icescript
