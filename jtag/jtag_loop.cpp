@@ -1,0 +1,145 @@
+#include "jtag/jtag_loop.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+
+namespace icescript {
+namespace {
+
+// Twice what the host may count on, so that a host which captures the longest DR (36 bytes from
+// byte 3) stays inside.
+constexpr int kCaptureStorage = 64;
+static_assert(kCaptureStorage >= JTAG_CAPTURE_BYTES && kCaptureStorage >= 3 + JTAG_DR_MAX_BYTES);
+
+constexpr std::size_t kLineSize = 256;
+
+// How the wire interface in force shapes a scan.
+struct Interface {
+  const char* name;
+  int dump_offset;     // of the script's own bytes in the arrays
+  int capture_offset;  // of the DR bits in the capture buffer
+};
+
+Interface InterfaceOf(int answer) {
+  switch (answer) {
+    case CDI_ANSWER_2WIRE:
+      return {"zeva-j2", 1, 3};
+    case CDI_ANSWER_CJTAG2:
+      return {"cjtag2", 0, 2};
+    default:
+      return {"jtag5", 0, 2};
+  }
+}
+
+// Rounds towards zero, so that a negative length has no bytes.
+int ByteCount(int bits) {
+  return (bits + 7) / 8;
+}
+
+// Moves bytes 0 to 31 up by one to make room for the 2-wire interface's own byte. Bytes 33 to 35
+// keep what they held: the interface carries no more than 32.
+void InsertByte(std::uint8_t* data, std::uint8_t byte) {
+  std::memmove(data + 1, data, 32);
+  data[0] = byte;
+}
+
+void RewriteFor2Wire(JtagOperatorData& scan) {
+  InsertByte(scan.irData, 0x00);
+  InsertByte(scan.drData, scan.readFlag != 0 ? 0x01 : 0x00);
+  scan.irBitLength += 8;
+  scan.drBitLength += 8;
+}
+
+void PrintByte(PrintCallback print, std::uint8_t byte) {
+  static constexpr char kDigits[] = "0123456789abcdef";
+  const char text[] = {kDigits[byte >> 4], kDigits[byte & 0xF], '\0'};
+  print(text);
+}
+
+// Bytes of an array that stand for one register.
+struct Bytes {
+  const std::uint8_t* array;
+  int size;   // of the array
+  int first;  // index of the register's least significant byte
+  int count;  // zero or negative: none
+};
+
+// Prints one register, most significant byte first. What would lie beyond the array is left out.
+void PrintDump(PrintCallback print, const char* reg, int bits, const char* direction,
+               const Bytes& bytes) {
+  char line[kLineSize];
+  std::snprintf(line, sizeof line, "\t%s %3d bits %-3s value 0x", reg, bits, direction);
+  print(line);
+  const int last = std::min(bytes.first + bytes.count, bytes.size) - 1;
+  for (int i = last; i >= bytes.first; --i) PrintByte(print, bytes.array[i]);
+  print("\n");
+}
+
+bool RunScan(LinkHandle handle, PrintCallback print, int number, JtagOperatorData& scan) {
+  const int ir_bytes = ByteCount(scan.irBitLength);
+  const int dr_bytes = ByteCount(scan.drBitLength);
+  std::uint8_t capture[kCaptureStorage] = {};
+  const int answer = link_config(handle, LINK_CONFIG_GET_CDI, 0);
+  const Interface wires = InterfaceOf(answer);
+  if (answer == CDI_ANSWER_2WIRE) RewriteFor2Wire(scan);
+
+  if (link_jtag_insert(handle, scan.irBitLength, scan.irData, scan.drBitLength, scan.drData) != 0 ||
+      link_jtag_execute(handle, capture) != 0) {
+    return false;
+  }
+
+  char line[kLineSize];
+  std::snprintf(line, sizeof line,
+                "Operator No.%d success: IR size %d bits, %s DR size %d bits with %s:\n", number,
+                scan.irBitLength, scan.readFlag != 0 ? "Read" : "Write", scan.drBitLength,
+                wires.name);
+  print(line);
+  PrintDump(print, "IR", scan.irBitLength, "in",
+            {scan.irData, JTAG_IR_MAX_BYTES, wires.dump_offset, ir_bytes});
+  PrintDump(print, "DR", scan.drBitLength, "in",
+            {scan.drData, JTAG_DR_MAX_BYTES, wires.dump_offset, dr_bytes});
+  // By the answer itself, not by its name: an unknown answer is called "jtag5" too, but shows what
+  // was captured for reads only.
+  if (answer == CDI_ANSWER_JTAG5 || scan.readFlag != 0) {
+    PrintDump(print, "DR", scan.drBitLength, "out",
+              {capture, kCaptureStorage, wires.capture_offset, dr_bytes});
+  }
+  return true;
+}
+
+bool Succeed(PrintCallback print, int number, const char* what) {
+  char line[kLineSize];
+  std::snprintf(line, sizeof line, "Operator No.%d success: %s\n", number, what);
+  print(line);
+  return true;
+}
+
+bool RunOperator(LinkHandle handle, PrintCallback print, int number, JtagOperatorData& record) {
+  switch (record.operatorType) {
+    case JTAG_OP_CDI_2WIRE:  // any result that is not negative will do, unlike for 5 wires
+      return link_config(handle, LINK_CONFIG_CDI_MODE, CDI_MODE_2WIRE) >= 0 &&
+             Succeed(print, number, "Set CDI to SWD(2-wires)");
+    case JTAG_OP_CDI_JTAG5:
+      return link_config(handle, LINK_CONFIG_CDI_MODE, CDI_MODE_JTAG5) == 0 &&
+             Succeed(print, number, "Set CDI JTAG(5-wires)");
+    case JTAG_OP_RESET:
+      return link_reset(handle, LINK_RESET_TARGET) >= 0 &&
+             Succeed(print, number, "Reset the target.");
+    default:
+      return RunScan(handle, print, number, record);
+  }
+}
+
+}  // namespace
+
+bool RunJtagOperators(LinkHandle handle, PrintCallback print, JtagOperatorData* first) {
+  int number = 0;
+  for (JtagOperatorData* record = first; record != nullptr; record = record->next) {
+    if (!RunOperator(handle, print, number, *record)) return false;
+    ++number;
+  }
+  return true;
+}
+
+}  // namespace icescript

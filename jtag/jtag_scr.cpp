@@ -1,0 +1,149 @@
+#include "jtag/jtag_scr.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+
+#include "base/number.h"
+
+namespace icescript {
+namespace {
+
+// The arrays of a record are of one size, so that StoreBytes serves both.
+static_assert(JTAG_IR_MAX_BYTES == JTAG_DR_MAX_BYTES);
+constexpr int kMaxBytes = JTAG_DR_MAX_BYTES;
+
+// The fields of one value, trimmed; null when it has no comma.
+std::unique_ptr<CString[]> SplitFields(JtagScr& scr, CString value, int& count) {
+  std::unique_ptr<CString[]> fields(scr.SplitString(std::move(value), ',', count));
+  for (int i = 0; fields != nullptr && i < count; ++i) {
+    fields[static_cast<std::size_t>(i)].TrimLeft();
+    fields[static_cast<std::size_t>(i)].TrimRight();
+  }
+  return fields;
+}
+
+// Hexadecimal with or without one "0x" or "0X"; the low 8 bits.
+std::uint8_t ParseByte(std::string_view text) {
+  if (text.size() >= 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X')) {
+    text.remove_prefix(2);
+  }
+  return static_cast<std::uint8_t>(ParseNumber(text, 16));
+}
+
+// Stores the listed bytes, no more than the length in bits says (in bits, not bytes: four bits
+// listed as two bytes keep both). False when the array cannot hold them or the length.
+bool StoreBytes(const CString* fields, int count, int bitLength, std::uint8_t* data) {
+  if (bitLength > 8 * kMaxBytes) return false;
+  const int stored = std::min(count, std::max(bitLength, 0));
+  if (stored > kMaxBytes) return false;
+  std::transform(fields, fields + stored, data,
+                 [](const CString& field) { return ParseByte(field.Text()); });
+  return true;
+}
+
+}  // namespace
+
+// Delegating makes the object complete before parsing starts, so that the destructor frees the list
+// when the callback or an allocation throws.
+JtagScr::JtagScr(char* path, PrintCallback callback) : JtagScr(callback) {
+  ParseScr(path);
+}
+
+JtagScr::~JtagScr() {
+  while (firstOperator != nullptr) {
+    JtagOperatorData* const next = firstOperator->next;
+    delete firstOperator;
+    firstOperator = next;
+  }
+}
+
+int JtagScr::ParseScr(char* path) {
+  if (path == nullptr) {
+    errorMessage = "No scr file specified.\n";
+    return -1;
+  }
+  CIniFile ini(path);
+  if (!ini.ReadFile()) {
+    printCallback(ini.error_msg);
+    return -1;
+  }
+  int status = 0;
+  const int sections = ini.GetNumKeys();
+  for (int i = 0; i < sections; ++i) {
+    JtagOperatorData* record = nullptr;
+    if (ini.GetKeyName(i) == "CONTROL") {
+      record = ParsingControl(ini, i);
+    } else {
+      CString ir = ini.GetValue(i, "IR");
+      CString dr = ir != "" ? ini.GetValue(i, "DR") : CString();
+      if (dr == "") {
+        // The message of the last failed lookup: this one's, or an earlier one's, or none, when
+        // the value is there but empty.
+        printCallback(ini.error_msg);
+        return -1;
+      }
+      record = ParseJtagOperatorData(std::move(ir), std::move(dr));
+    }
+    if (record != nullptr) {
+      Append(record);
+    } else {
+      // Flushed, so that a redirected log has it in its place.
+      std::printf("%s syntax error\n", ini.GetKeyName(i).Text().c_str());
+      std::fflush(stdout);
+      status = -1;
+    }
+  }
+  return status;
+}
+
+void JtagScr::Append(JtagOperatorData* record) {
+  (firstOperator == nullptr ? firstOperator : lastOperator->next) = record;
+  lastOperator = record;
+  ++operatorCount;
+}
+
+JtagOperatorData* JtagScr::ParsingControl(CIniFile& ini, int sectionIndex) {
+  if (ini.GetValue(sectionIndex, "RESET") != "") return ParseJtagOperatorData(true);
+  const CString cdi = ini.GetValue(sectionIndex, "CDI");
+  return cdi != "" ? ParseJtagOperatorData(ParseNumber(cdi.Text(), 10)) : nullptr;
+}
+
+JtagOperatorData* JtagScr::ParseJtagOperatorData(CString ir, CString dr) {
+  int irCount = 0;
+  int drCount = 0;
+  const auto irFields = SplitFields(*this, std::move(ir), irCount);
+  const auto drFields = SplitFields(*this, std::move(dr), drCount);
+  if (irFields == nullptr || drFields == nullptr) return nullptr;
+
+  // IR: length, bytes. DR: flag, length, bytes. A split value has two fields at least.
+  auto record = std::make_unique<JtagOperatorData>();
+  const std::string& flag = drFields[0].Text();
+  record->readFlag = flag[0] == 'R' || flag[0] == 'r' ? 1 : 0;  // "" ends in a NUL at [0]
+  record->irBitLength = ParseNumber(irFields[0].Text(), 10);
+  record->drBitLength = ParseNumber(drFields[1].Text(), 10);
+  if (!StoreBytes(irFields.get() + 1, irCount - 1, record->irBitLength, record->irData) ||
+      !StoreBytes(drFields.get() + 2, drCount - 2, record->drBitLength, record->drData)) {
+    return nullptr;
+  }
+  return record.release();
+}
+
+JtagOperatorData* JtagScr::ParseJtagOperatorData(int cdi) {
+  if (cdi != 2 && cdi != 5) return nullptr;
+  auto* const record = new JtagOperatorData{};
+  record->operatorType = cdi == 2 ? JTAG_OP_CDI_2WIRE : JTAG_OP_CDI_JTAG5;
+  return record;
+}
+
+JtagOperatorData* JtagScr::ParseJtagOperatorData(bool /*reset*/) {
+  auto* const record = new JtagOperatorData{};
+  record->operatorType = JTAG_OP_RESET;
+  return record;
+}
+
+CString* JtagScr::SplitString(CString text, char separator, int& count) {
+  return CIniFile::SplitString(std::move(text), separator, count);
+}
+
+}  // namespace icescript
