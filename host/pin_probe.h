@@ -1,0 +1,45 @@
+// A probe made of pins: it walks the TAP itself.
+#ifndef ICESCRIPT_HOST_PIN_PROBE_H_
+#define ICESCRIPT_HOST_PIN_PROBE_H_
+
+#include "entry/icescript.h"
+#include "host/bits.h"
+#include "host/pin_port.h"
+#include "host/probe.h"
+#include "host/tap.h"
+
+namespace icehost {
+
+class PinProbe : public Probe {
+ public:
+  // `port` must outlive the probe.
+  explicit PinProbe(PinPort& port) : port_(port) {}
+
+  int Config(int code, int value) override;
+  int Reset(int kind) override;
+  int Insert(int ir_bits, const std::uint8_t* ir, int dr_bits, const std::uint8_t* dr) override;
+  int Execute(std::uint8_t* capture) override;
+  int Gpio(int out_value, std::uint32_t& data, int oe_mask, int flags) override;
+
+ private:
+  Bits ScanBits(int bits, const std::uint8_t* data) const;
+  void Write(int levels, int enables);
+  void ClockTck(bool tms, bool tdi, bool sample);
+  void TakeTap();
+  void MoveTo(TapState state);
+  Bits Scan(TapState shift, const Bits& in);
+
+  PinPort& port_;
+  int wire_mode_ = CDI_ANSWER_JTAG5;
+  int levels_ = GPIO_PIN_ALL;
+  int enables_ = 0;
+  Bits ir_;
+  Bits dr_;
+  // The target's TAP as far as the edges so far tell; unknown until it is reset once.
+  TapState tap_ = TapState::kTestLogicReset;
+  bool tap_known_ = false;
+};
+
+}  // namespace icehost
+
+#endif  // ICESCRIPT_HOST_PIN_PROBE_H_

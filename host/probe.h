@@ -1,0 +1,24 @@
+// A debug probe as the plug-in sees it.
+#ifndef ICESCRIPT_HOST_PROBE_H_
+#define ICESCRIPT_HOST_PROBE_H_
+
+#include <cstdint>
+
+namespace icehost {
+
+// One function for each link_ function of entry/icescript.h, whose arguments and results it takes
+// over; the LinkHandle that icehost gives to the plug-in points at a Probe.
+class Probe {
+ public:
+  virtual ~Probe() = default;
+
+  virtual int Config(int code, int value) = 0;
+  virtual int Reset(int kind) = 0;
+  virtual int Insert(int ir_bits, const std::uint8_t* ir, int dr_bits, const std::uint8_t* dr) = 0;
+  virtual int Execute(std::uint8_t* capture) = 0;
+  virtual int Gpio(int out_value, std::uint32_t& data, int oe_mask, int flags) = 0;
+};
+
+}  // namespace icehost
+
+#endif  // ICESCRIPT_HOST_PROBE_H_
