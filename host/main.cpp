@@ -27,7 +27,9 @@ ExitStatus Run(const RunCommand& command) {
   SimPort port{TargetOptions{}};
   PinProbe probe(port);
   for (const std::string& script : command.scripts) {
-    if (!plugin->Run(probe, script, Show)) {
+    const bool ran = plugin->Run(probe, script, Show);
+    std::fflush(stdout);
+    if (!ran) {
       std::fprintf(stderr, "icehost: %s failed\n", script.c_str());
       return kScriptFailed;
     }

@@ -1,0 +1,60 @@
+// The entry: what is true of every script.
+#include <gtest/gtest.h>
+
+#include "tests/fake_host.h"
+
+namespace {
+
+constexpr char kGpio[] = "[ORVEX_ICE_GPIO]\nSTART\nREPT=2\nPRINT=GPIO_IN\nENDR\nEND";
+constexpr char kBadGpio[] = "[ORVEX_ICE_GPIO]\nSTART\nREPT=2\nREPT=2\nEND";
+constexpr char kBadEndr[] = "[ORVEX_ICE_GPIO]\nSTART\nTCK=1\nENDR\nEND";
+constexpr char kJtag[] = "[A]\nIR=5,1\nDR=R,8,1\n[B]\nIR=";
+
+TEST(Entry, RefusesWhatItCannotOpen) {
+  FakeHost no_path;
+  EXPECT_EQ(no_path.RunFile(nullptr), "= -1\n");
+  FakeHost no_file;
+  EXPECT_EQ(no_file.RunFile("/nowhere/%s"),
+            "\"Unable to open Script file: /nowhere/%s.\\n\"\n= -1\n");
+  FakeHost folder;
+  EXPECT_EQ(folder.RunFile("/"), "\"Syntax error, no end found\"\n= -1\n");
+}
+
+TEST(Entry, NumbersReadsAcrossCalls) {
+  TempFile script(kGpio);
+  FakeHost host;
+  host.pin_reads = {1, 2, 3};
+  const Module module;
+  EXPECT_EQ(module.entry(&host, script.Path(), [](const char*) { return 0; }), 0);
+  static std::string last;
+  const auto keep = [](const char* text) {
+    if (std::string(text).find("GPIO_DATA") != std::string::npos) last = text;
+    return 0;
+  };
+  EXPECT_EQ(module.entry(&host, script.Path(), keep), 0);
+  EXPECT_EQ(last, "GPIO_DATA_3 = 0x00000003\n");
+}
+
+TEST(Entry, PrintsNothingWithoutACallback) {
+  for (const char* const text : {kGpio, kBadGpio, kJtag}) {
+    TempFile script(text);
+    FakeHost host;
+    const Module module;
+    EXPECT_EQ(module.entry(&host, script.Path(), nullptr), text == kBadGpio ? -1 : 0);
+  }
+}
+
+// Thrown from the parsers' constructors as well as from the loops: it arrives, and nothing leaks.
+TEST(Entry, PassesTheHostsExceptionOn) {
+  for (const char* const text : {kGpio, kBadGpio, kBadEndr, kJtag}) {
+    int k = 0;
+    for (bool thrown = true; thrown; ++k) {
+      FakeHost host;
+      host.throw_after = k;
+      thrown = host.RunText(text).find("thrown 42\n") != std::string::npos;
+    }
+    EXPECT_GT(k, 1) << text;
+  }
+}
+
+}  // namespace
