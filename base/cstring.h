@@ -3,6 +3,7 @@
 #define ICESCRIPT_BASE_CSTRING_H_
 
 #include <string>
+#include <utility>
 
 namespace icescript {
 
@@ -36,7 +37,7 @@ class CString {
   bool operator==(const char* s) const { return text == NotNull(s); }
   bool operator!=(const char* s) const { return !(*this == s); }
 
-  // Unchecked: 0 <= i <= length is the caller's to ensure.
+  // Unchecked: 0 <= i < length is the caller's to ensure.
   char& operator[](int i) { return text[static_cast<std::size_t>(i)]; }
 
   int GetLength() const { return static_cast<int>(text.size()); }

@@ -61,14 +61,7 @@ struct Item {
     value = TrimBlanks(equals != std::string_view::npos ? text.substr(equals + 1) : text);
   }
 
-  // `name` is in upper case; the case of the key does not matter.
-  bool KeyIs(std::string_view name) const {
-    if (key.size() != name.size()) return false;
-    for (std::size_t i = 0; i < name.size(); ++i) {
-      if (UpperCase(key[i]) != name[i]) return false;
-    }
-    return true;
-  }
+  bool KeyIs(std::string_view name) const { return EqualsUpper(key, name); }
 
   std::string_view key;
   std::string_view value;
@@ -79,16 +72,14 @@ int ItemNumber(std::string_view value) {
   return ParseNumber(value, value.substr(0, 2) == "0x" ? 16 : 10);
 }
 
-}  // namespace
-
 // Turns the lines after START into table elements, one a line.
-class CIniFile::GpioLineParser {
+class GpioLineParser {
  public:
   enum class Result { kLine, kEnd, kSyntaxError, kBadWord };
 
   // Parses a line whose pin state starts as `previous` left it. Afterwards Element() is the line's
   // element (kLine, kEnd) or BadItem() the item that was refused (kSyntaxError, kBadWord).
-  Result Parse(std::string_view line, const gpio_element& previous) {
+  Result Parse(std::string_view line, const CIniFile::gpio_element& previous) {
     element_ = {previous.out_value, previous.oe_mask, 0, GPIO_KIND_PIN, 0};
     alone_ = line.find(',') == std::string_view::npos;
     for (;;) {
@@ -100,7 +91,7 @@ class CIniFile::GpioLineParser {
     }
   }
 
-  const gpio_element& Element() const { return element_; }
+  const CIniFile::gpio_element& Element() const { return element_; }
   // As it stands between the commas, blanks included.
   std::string_view BadItem() const { return item_; }
 
@@ -123,7 +114,7 @@ class CIniFile::GpioLineParser {
     } else {
       element_.out_value &= GPIO_PIN_ALL & ~bit;  // clears the bits above the pins as well
     }
-    // Releasing the reset forgets what the line asked for before: scripts in use count on it.
+    // Deliberate: releasing the reset forgets what the line asked for before.
     if (bit == GPIO_PIN_NRST && number_ == 1) element_.flags = 0;
     element_.flags |= GPIO_FLAG_WRITE_OUT;
     return Result::kLine;
@@ -159,12 +150,14 @@ class CIniFile::GpioLineParser {
     return Result::kSyntaxError;
   }
 
-  gpio_element element_{};
+  CIniFile::gpio_element element_{};
   bool alone_ = false;  // the line has one item
   std::string_view item_;
   // The number of the last item that had a value, anywhere before: an empty value repeats it.
   int number_ = -1;
 };
+
+}  // namespace
 
 int CIniFile::ReadGpioFile() {
   std::ifstream file(path.Text());
@@ -181,7 +174,7 @@ int CIniFile::ReadGpioFile() {
   if (!lines.Next()) return fail("Syntax error, no end found");
   if (!IsSectionTag(lines.Text())) return GPIO_READ_NOT_GPIO;
   if (!lines.Next()) return fail("Syntax error, no end found");
-  if (CString(std::string(lines.Text())).MakeUpper() != "START") {
+  if (!EqualsUpper(lines.Text(), "START")) {
     return fail("Syntax error: no start found.");
   }
   gpio_elements.push_back({0, GPIO_PIN_ALL, GPIO_FLAG_START, GPIO_KIND_PIN, 0});

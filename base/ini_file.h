@@ -3,6 +3,7 @@
 #define ICESCRIPT_BASE_INI_FILE_H_
 
 #include <istream>
+#include <utility>
 #include <vector>
 
 #include "base/cstring.h"
@@ -35,10 +36,20 @@ constexpr int GPIO_FIELD_REPEAT_COUNT = 4;
 // values, both in order of first assignment) and the table of GPIO lines. Copies of text go in and
 // out by value.
 //
-// Failures answer with -1, false or an empty text and leave a message in error_msg, cut at 1023
-// bytes; nothing but construction clears it. Only memory exhaustion raises an exception.
+// Failures answer with -1, false or an empty text; those of GetValue, GetGpioValue and the readers
+// leave a message in error_msg, cut at 1023 bytes, which nothing but construction clears. Only
+// memory exhaustion raises an exception.
 class CIniFile {
  public:
+  // One line of a GPIO script: the pin state after it, and what it asks for.
+  struct gpio_element {
+    int out_value;
+    int oe_mask;
+    int flags;
+    int kind;
+    int repeat_count;  // 1 or more on a REPT line, else 0
+  };
+
   CIniFile() = default;
   explicit CIniFile(CString file_path) : path(std::move(file_path)) {}
   explicit CIniFile(char* file_path) { path = file_path; }
@@ -53,7 +64,7 @@ class CIniFile {
 
   // Number of sections.
   int GetNumKeys() const { return static_cast<int>(keys.size()); }
-  // Name of section keyID; empty, without a message, when there is no such section.
+  // Name of section keyID; empty when there is no such section.
   CString GetKeyName(int keyID) const;
   // Index of a section, or -1.
   int FindKey(CString keyname) const;
@@ -64,8 +75,8 @@ class CIniFile {
   // A value's text. Empty when it is empty, and, with a message, when it is missing.
   CString GetValue(CString keyname, CString valuename);
   CString GetValue(int keyID, CString valuename);
-  // Stores a value, with `create` making section and value where they are missing; false, without a
-  // message, when one is missing and `create` is false.
+  // Stores a value, with `create` making section and value where they are missing; false when one
+  // is missing and `create` is false.
   bool SetValue(CString keyname, CString valuename, CString value, bool create);
 
   // ---- Readers
@@ -93,23 +104,12 @@ class CIniFile {
   static CString* SplitString(CString str, char separator, int& count);
 
  private:
-  // One line of a GPIO script: the pin state after it, and what it asks for.
-  struct gpio_element {
-    int out_value;
-    int oe_mask;
-    int flags;
-    int kind;
-    int repeat_count;  // 1 or more on a REPT line, else 0
-  };
-
   // One section. values holds one spare empty entry at its end as soon as there is a value;
   // value_names is the true count.
   struct key {
     std::vector<CString> values;
     std::vector<CString> value_names;
   };
-
-  class GpioLineParser;
 
   CString path;
   std::vector<gpio_element> gpio_elements;

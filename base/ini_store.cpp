@@ -1,6 +1,7 @@
 // The INI store of CIniFile.
 #include <cstdio>
 #include <cstring>
+#include <utility>
 
 #include "base/ini_file.h"
 
@@ -22,7 +23,8 @@ int FindName(const std::vector<CString>& names, const CString& name) {
 
 }  // namespace
 
-// In the lookups below a negative index becomes a size_t beyond any section.
+// In the lookups below a negative index becomes a size_t beyond any section. Accesses are checked
+// where names and what they name would differ in number after an allocation failed between them.
 
 CString CIniFile::GetKeyName(int keyID) const {
   const auto index = static_cast<std::size_t>(keyID);
@@ -36,7 +38,7 @@ int CIniFile::FindKey(CString keyname) const {
 int CIniFile::GetNumValues(CString keyname) const {
   const int keyID = FindKey(std::move(keyname));
   if (keyID == -1) return -1;
-  return static_cast<int>(keys[static_cast<std::size_t>(keyID)].value_names.size());
+  return static_cast<int>(keys.at(static_cast<std::size_t>(keyID)).value_names.size());
 }
 
 int CIniFile::FindValue(int keyID, CString valuename) const {
@@ -59,7 +61,7 @@ CString CIniFile::GetValue(int keyID, CString valuename) {
     std::snprintf(error_msg, sizeof error_msg, "Unable to locate specified value.");
     return {};
   }
-  return keys[static_cast<std::size_t>(keyID)].values[static_cast<std::size_t>(valueID)];
+  return keys[static_cast<std::size_t>(keyID)].values.at(static_cast<std::size_t>(valueID));
 }
 
 bool CIniFile::SetValue(CString keyname, CString valuename, CString value, bool create) {
@@ -71,10 +73,10 @@ bool CIniFile::SetValue(CString keyname, CString valuename, CString value, bool 
     key_names.back() = std::move(keyname);
     keyID = GetNumKeys() - 1;
   }
-  key& section = keys[static_cast<std::size_t>(keyID)];
+  key& section = keys.at(static_cast<std::size_t>(keyID));
   const int valueID = FindName(section.value_names, valuename);
   if (valueID != -1) {
-    section.values[static_cast<std::size_t>(valueID)] = std::move(value);
+    section.values.at(static_cast<std::size_t>(valueID)) = std::move(value);
     return true;
   }
   if (!create) return false;

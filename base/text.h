@@ -6,14 +6,17 @@
 
 namespace icescript {
 
+// Capacity of one formatted line of progress.
+constexpr int PRINT_LINE_BUFFER = 256;
+
 // Drops every leading `ch`; a text of nothing else becomes empty.
 inline std::string_view TrimLeft(std::string_view text, char ch) {
   while (!text.empty() && text.front() == ch) text.remove_prefix(1);
   return text;
 }
 
-// Drops trailing `ch` but never the first byte, whatever it is: three spaces become one. Scripts in
-// use depend on the difference from TrimLeft (the section header "[]" names the section "]").
+// Drops trailing `ch` but never the first byte, whatever it is: three spaces become one.
+// Deliberate, and seen by users: the section header "[]" names the section "]".
 inline std::string_view TrimRight(std::string_view text, char ch) {
   while (text.size() > 1 && text.back() == ch) text.remove_suffix(1);
   return text;
@@ -29,6 +32,15 @@ inline std::string_view TrimBlanks(std::string_view text) {
 // 'a' to 'z' folded to upper case, any other byte as it is; no locale.
 inline char UpperCase(char ch) {
   return ch >= 'a' && ch <= 'z' ? static_cast<char>(ch - 'a' + 'A') : ch;
+}
+
+// Whether `text`, folded to upper case, is `upper`.
+inline bool EqualsUpper(std::string_view text, std::string_view upper) {
+  if (text.size() != upper.size()) return false;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (UpperCase(text[i]) != upper[i]) return false;
+  }
+  return true;
 }
 
 }  // namespace icescript

@@ -1,26 +1,31 @@
 /*
- * icescript: the interface between the script-execution plug-in and the debug server (the host)
- * that loads it. C11 and C++11 or later.
+ * icescript: the interface between the script-execution plug-in, libicescript.so, and the debug
+ * server (the host) that loads it. C11 and C++11 or later.
  *
  * Conventions, for everything below:
  *
- *  1. Loading. The plug-in exports ImplementScr and imports the five link_ functions by name. The
- *     host process must export all five (an executable: link it with -rdynamic or an export list);
- *     they are bound when the plug-in is loaded, and dlopen fails if one is missing.
+ *  1. Loading. The plug-in exports ImplementScr, found by dlsym under that name, and imports the
+ *     five link_ functions by theirs. The host process must export all five (an executable: link it
+ *     with -rdynamic or an export list); they are bound when the plug-in is loaded, and dlopen
+ *     fails if one is missing.
  *  2. Threads. Everything happens on the thread that called ImplementScr, one call at a time, in
  *     script order. The plug-in starts no thread and takes no lock, and the number of the next pin
  *     read is plain state of the loaded plug-in: never run two scripts at the same time.
- *  3. Pointers. A pointer handed to the host is valid until that host function returns; the host
- *     keeps none. The plug-in keeps none of the host's after ImplementScr returns.
+ *  3. Pointers. A pointer handed to the host is valid until that host function returns, the arrays
+ *     of link_jtag_insert until the link_jtag_execute after it does. The plug-in keeps none of the
+ *     host's after ImplementScr returns.
  *  4. Bits. Scan data travels as bytes, least significant first: byte 0 holds bits 0 to 7, of which
  *     bit 0 is the first to be shifted. n bits take (n + 7) / 8 bytes.
- *  5. Results. Every function returns an int, which the plug-in judges as stated at each function;
- *     the tests differ on purpose. A failed call is not retried and ends the script.
+ *  5. Results. Each link_ function is judged by its own test, stated there; the tests differ on
+ *     purpose. A failed call is not retried and ends the script: a GPIO script with a message, a
+ *     JTAG script without one, so that the host has to say what went wrong.
  *  6. Exceptions. The plug-in throws none of its own and catches none. One thrown by a host
  *     function, by the callback or by the standard library (no memory) passes through
  *     ImplementScr to the host after everything that the call allocated has been freed.
- *  7. Messages are the user's to read, NUL-terminated, in English. They end in a line break only
- *     where their text does: a line may arrive in pieces. Show each as it stands and add nothing.
+ *  7. Messages are for the user to read: NUL-terminated, at most 1023 bytes, in English but for
+ *     what they quote of the script and its path. They end in a line break only where their text
+ *     does, a line may arrive in pieces, and a message may be empty. Show each as it stands and add
+ *     nothing.
  */
 #ifndef ICESCRIPT_ENTRY_ICESCRIPT_H_
 #define ICESCRIPT_ENTRY_ICESCRIPT_H_
@@ -35,7 +40,7 @@ extern "C" {
 /* The host's own handle, passed through unchanged to every link_ function, never examined. */
 typedef void* LinkHandle;
 
-/* Shows one message. The result is not examined. The text is valid during the call only. */
+/* Shows one message. The result is not examined. */
 typedef int (*PrintCallback)(const char* message);
 
 /* ---- Codes that the plug-in passes --------------------------------------------------------- */
@@ -50,10 +55,10 @@ enum {
   CDI_MODE_2WIRE = 1  /* 2-wire interface */
 };
 
-/* Answers to LINK_CONFIG_GET_CDI. Any other answer counts as 5-wire JTAG too, but a scan then shows
- * captured data for reads only. */
+/* Answers to LINK_CONFIG_GET_CDI. Any other answer, negative ones too, is called "jtag5" as well.
+ */
 enum {
-  CDI_ANSWER_JTAG5 = 0,
+  CDI_ANSWER_JTAG5 = 0, /* "jtag5" */
   CDI_ANSWER_2WIRE = 1, /* "zeva-j2": scans carry an extra byte, see link_jtag_insert */
   CDI_ANSWER_CJTAG2 = 2 /* "cjtag2" */
 };
@@ -71,7 +76,7 @@ enum {
   GPIO_PIN_ALL = 0x3F
 };
 
-/* Flags of link_gpio_operator: what one operation asks for. Several may be set, or none. */
+/* Flags of link_gpio_operator: what one operation asks for, one or more. */
 enum {
   GPIO_FLAG_WRITE_OUT = 0x01, /* write the output levels */
   GPIO_FLAG_READ_IN = 0x02,   /* read the pins into the data word */
@@ -108,15 +113,16 @@ int link_reset(LinkHandle handle, int kind);
  * through Shift-IR, then through Shift-DR). Failure when the result is not zero; link_jtag_execute
  * is then not called.
  *
- * ir and dr are arrays of JTAG_IR_MAX_BYTES and JTAG_DR_MAX_BYTES bytes, never null, which stay in
- * place until the link_jtag_execute that follows returns. The lengths are the script's: up to 288,
- * and zero or negative where the script says so.
+ * ir and dr are arrays of JTAG_IR_MAX_BYTES and JTAG_DR_MAX_BYTES bytes, never null, zero where the
+ * script lists no byte. The host does not write to them: after link_jtag_execute the plug-in shows
+ * them as what was shifted in. The lengths are the script's: up to 288, and zero or negative where
+ * the script says so.
  *
  * After the answer CDI_ANSWER_2WIRE each register carries one more byte at its least significant
  * end, counted in its length: 0x00 in the IR, the read flag (0x01 read, 0x00 write) in the DR. This
- * mode is made for registers of up to 32 bytes. A script that gives more still gets here, its bytes
- * from the 33rd on disarranged and its length up to 296 bits: a host must not read more than the 36
- * bytes of an array.
+ * mode is made for registers of up to 32 bytes. A script that gives more still gets here, its 33rd
+ * byte lost, its 34th to 36th in their old places and its length up to 296 bits: a host must not
+ * read more than the 36 bytes of an array.
  */
 int link_jtag_insert(LinkHandle handle, int ir_bits, unsigned char* ir, int dr_bits,
                      unsigned char* dr);
@@ -125,14 +131,19 @@ int link_jtag_insert(LinkHandle handle, int ir_bits, unsigned char* ir, int dr_b
  * Runs the scan of the link_jtag_insert before it and stores what was captured. Failure when the
  * result is not zero.
  *
- * capture has JTAG_CAPTURE_BYTES bytes, all zero at the call. The plug-in reads the DR bits shifted
- * out from byte 2 on, or from byte 3 on after the answer CDI_ANSWER_2WIRE, and shows them; it looks
- * at no other byte. (This version's buffer also takes the longest DR whole, 36 bytes from byte 3.)
+ * capture has JTAG_CAPTURE_BYTES bytes, all zero at the call. The plug-in takes the DR bits shifted
+ * out from byte 2 on, or from byte 3 on after the answer CDI_ANSWER_2WIRE, and looks at no other
+ * byte. It shows them after a read, and after a write too where the answer was CDI_ANSWER_JTAG5.
+ * (This version's buffer also takes the longest DR whole, 36 bytes from byte 3.)
  */
 int link_jtag_execute(LinkHandle handle, unsigned char* capture);
 
 /*
  * One pin operation. Failure when the result is negative.
+ *
+ * out_value and oe_mask carry the script's state in every operation and are to be written to the
+ * pins only with their flag: GPIO_FLAG_START comes with all pins enabled, all levels low and
+ * neither write flag.
  *
  *   out_value  output levels, GPIO_PIN_ bits; a script's GPIO_OUT may set bits above them
  *   data       the operation's own word, never null: with GPIO_FLAG_READ_IN the host stores the
@@ -153,11 +164,16 @@ int link_gpio_operator(LinkHandle handle, int out_value, uint32_t* data, int oe_
  *   path      NUL-terminated, not modified; null is a failure
  *   callback  receives every message; null: nothing is printed, all else is the same
  *
- * Returns 0 when the script ran to its end, -1 on every failure; there is no other result.
+ * Returns 0 or -1, nothing else. -1: no path, a file that cannot be opened, anything wrong in a
+ * GPIO script (then nothing of it has run), or a host call that failed.
  *
- * A section of a JTAG script that is not understood is reported as "<section> syntax error" on the
- * process's standard output, not through the callback; the other sections still run, and the
- * result of such a script is 0 when they all succeed.
+ * A JTAG script that is not understood is run as far as it is, and its result is 0 when all that
+ * succeeds; the user is told, but not the host:
+ *  - a line that is neither a section header nor KEY=VALUE: a message, and nothing runs;
+ *  - a section without IR or DR, or with an empty one: a message (at times the empty one), and
+ *    neither it nor any section after it runs;
+ *  - a section that is wrong in another way: "<section> syntax error" on the process's standard
+ *    output, not through the callback, and the sections after it run.
  */
 int ImplementScr(LinkHandle handle, char* path, PrintCallback callback);
 

@@ -12,7 +12,7 @@ int PrintNothing(const char* /*message*/) {
   return 0;
 }
 
-int RunGpioScript(LinkHandle handle, PrintCallback print, const GpioScr& gpio) {
+int RunGpioScript(LinkHandle handle, PrintCallback print, GpioScr& gpio) {
   print("Execute ORVEX_ICE_GPIO Script.\n");
   if (gpio.error != nullptr) {
     print(gpio.error);
@@ -29,7 +29,7 @@ int RunGpioScript(LinkHandle handle, PrintCallback print, const GpioScr& gpio) {
 int RunJtagScript(LinkHandle handle, char* path, PrintCallback print) {
   print("Execute ORVEX_JTAG Script.\n");
   {
-    const JtagScr jtag(path, print);
+    JtagScr jtag(path, print);
     if (jtag.errorMessage != nullptr) {
       print(jtag.errorMessage);
       return -1;
@@ -46,7 +46,7 @@ int RunJtagScript(LinkHandle handle, char* path, PrintCallback print) {
 int ImplementScr(LinkHandle handle, char* path, PrintCallback callback) {
   using namespace icescript;
   const PrintCallback print = callback != nullptr ? callback : PrintNothing;
-  const GpioScr gpio(path, print);
+  GpioScr gpio(path, print);
   if (gpio.status >= 0) return RunGpioScript(handle, print, gpio);
   if (gpio.status == GPIO_READ_NOT_GPIO) return RunJtagScript(handle, path, print);
   return -1;

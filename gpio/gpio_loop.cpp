@@ -2,6 +2,8 @@
 
 #include <cstdio>
 
+#include "base/text.h"
+
 namespace icescript {
 namespace {
 
@@ -10,7 +12,7 @@ std::uint32_t gpio_read_counter = 0;
 
 void ReportRead(PrintCallback print, std::uint32_t data) {
   const int number = static_cast<int>(gpio_read_counter++);
-  char line[256];
+  char line[PRINT_LINE_BUFFER];
   if (data != 0) {
     std::snprintf(line, sizeof line, "GPIO_DATA_%d = 0x%08x\n", number, data);
   } else {

@@ -11,8 +11,7 @@ GpioScr::GpioScr(char* path, PrintCallback callback) : GpioScr(callback) {
 }
 
 GpioScr::~GpioScr() {
-  while (RepeatNodePop() != nullptr) {
-  }
+  while (repeat_stack != nullptr) RepeatNodePop();
   while (head != nullptr) {
     GpioOperatorData* const next = head->next;
     delete head;
@@ -41,8 +40,8 @@ int GpioScr::AppendElements(CIniFile& ini) {
   };
   const int elements = static_cast<int>(ini.GetGpioNum());
   for (int i = 0; i < elements; ++i) {
-    // A negative value is one that the script gave (GPIO_OUT=-2) as well as one that is missing:
-    // in the first case error_msg is as it was, empty as a rule.
+    // The lines are all there: a negative value is one that the script gave, such as GPIO_OUT=-2,
+    // and error_msg is empty.
     const int kind = ini.GetGpioValue(i, GPIO_FIELD_KIND);
     if (kind < 0) return refuse(ini.error_msg);
     const int out_value = ini.GetGpioValue(i, GPIO_FIELD_OUT_VALUE);

@@ -14,7 +14,7 @@ struct GpioOperatorData {
   std::int32_t out_value;     // output levels, GPIO_PIN_ bits
   std::int32_t oe_mask;       // output enables, GPIO_PIN_ bits
   std::int32_t flags;         // GPIO_FLAG_ bits
-  std::uint32_t gpio_data;    // written by the host when it reads the pins
+  std::uint32_t gpio_data;    // 0 at first, then what the host stored last
   std::int32_t kind;          // GPIO_KIND_
   std::int32_t repeat_count;  // REPT: runs still to go; ENDR: the count of its REPT; else 0
   GpioOperatorData* next;     // null at the tail
@@ -26,7 +26,7 @@ struct GpioOperatorData {
 // library pass through; nothing leaks.
 class GpioScr {
  public:
-  // `path` may be null; `callback` must not.
+  // `path` may be null, which sets `error` and prints nothing; `callback` must not.
   GpioScr(char* path, PrintCallback callback);
   ~GpioScr();
   GpioScr(const GpioScr&) = delete;
@@ -34,8 +34,8 @@ class GpioScr {
 
   // Appends the script's operations to the list and returns the status to keep.
   int ParseScr(char* path);
-  // A new node, which the caller owns. A REPT is opened, an ENDR paired with the innermost open
-  // REPT; null, with `error` set and printed, when there is none.
+  // A new node, which the caller owns; a REPT must live until its ENDR. A REPT is opened, an ENDR
+  // paired with the innermost open REPT; null, with `error` set and printed, when there is none.
   GpioOperatorData* ParseGpioOperatorData(int out_value, int oe_mask, int flags, int kind,
                                           int repeat_count);
   void RepeatNodePush(GpioOperatorData* node);
@@ -43,7 +43,7 @@ class GpioScr {
   GpioOperatorData* RepeatNodePop();
 
   // First node, or null; owned by this object.
-  GpioOperatorData* GetFirstGpioOperatorData() const { return head; }
+  GpioOperatorData* GetFirstGpioOperatorData() { return head; }
   GpioOperatorData* GetNextGpioOperatorData(GpioOperatorData* node) const {
     return node != nullptr ? node->next : nullptr;
   }
@@ -66,7 +66,7 @@ class GpioScr {
   PrintCallback print;
 
  public:
-  // A message kept for the host's sake, or null.
+  // Null, or the message of a null path or of REPT and ENDR that do not pair.
   const char* error = nullptr;
   // GPIO_READ_OK, or a negative GPIO_READ_ status: GPIO_READ_NOT_GPIO for a file that is no GPIO
   // script.

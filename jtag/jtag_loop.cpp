@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <cstring>
 
+#include "base/text.h"
+
 namespace icescript {
 namespace {
 
@@ -11,8 +13,6 @@ namespace {
 // byte 3) stays inside.
 constexpr int kCaptureStorage = 64;
 static_assert(kCaptureStorage >= JTAG_CAPTURE_BYTES && kCaptureStorage >= 3 + JTAG_DR_MAX_BYTES);
-
-constexpr std::size_t kLineSize = 256;
 
 // How the wire interface in force shapes a scan.
 struct Interface {
@@ -37,8 +37,8 @@ int ByteCount(int bits) {
   return (bits + 7) / 8;
 }
 
-// Moves bytes 0 to 31 up by one to make room for the 2-wire interface's own byte. Bytes 33 to 35
-// keep what they held: the interface carries no more than 32.
+// Moves bytes 0 to 31 up by one to make room for the 2-wire interface's own byte. The interface
+// carries no more than 32: byte 32 is lost, bytes 33 to 35 stay where they are.
 void InsertByte(std::uint8_t* data, std::uint8_t byte) {
   std::memmove(data + 1, data, 32);
   data[0] = byte;
@@ -68,8 +68,8 @@ struct Bytes {
 // Prints one register, most significant byte first. What would lie beyond the array is left out.
 void PrintDump(PrintCallback print, const char* reg, int bits, const char* direction,
                const Bytes& bytes) {
-  char line[kLineSize];
-  std::snprintf(line, sizeof line, "\t%s %3d bits %-3s value 0x", reg, bits, direction);
+  char line[PRINT_LINE_BUFFER];
+  std::snprintf(line, sizeof line, "\t%s %3d bits %s value 0x", reg, bits, direction);
   print(line);
   const int last = std::min(bytes.first + bytes.count, bytes.size) - 1;
   for (int i = last; i >= bytes.first; --i) PrintByte(print, bytes.array[i]);
@@ -89,15 +89,15 @@ bool RunScan(LinkHandle handle, PrintCallback print, int number, JtagOperatorDat
     return false;
   }
 
-  char line[kLineSize];
+  char line[PRINT_LINE_BUFFER];
   std::snprintf(line, sizeof line,
                 "Operator No.%d success: IR size %d bits, %s DR size %d bits with %s:\n", number,
                 scan.irBitLength, scan.readFlag != 0 ? "Read" : "Write", scan.drBitLength,
                 wires.name);
   print(line);
-  PrintDump(print, "IR", scan.irBitLength, "in",
+  PrintDump(print, "IR", scan.irBitLength, "in ",
             {scan.irData, JTAG_IR_MAX_BYTES, wires.dump_offset, ir_bytes});
-  PrintDump(print, "DR", scan.drBitLength, "in",
+  PrintDump(print, "DR", scan.drBitLength, "in ",
             {scan.drData, JTAG_DR_MAX_BYTES, wires.dump_offset, dr_bytes});
   // By the answer itself, not by its name: an unknown answer is called "jtag5" too, but shows what
   // was captured for reads only.
@@ -109,7 +109,7 @@ bool RunScan(LinkHandle handle, PrintCallback print, int number, JtagOperatorDat
 }
 
 bool Succeed(PrintCallback print, int number, const char* what) {
-  char line[kLineSize];
+  char line[PRINT_LINE_BUFFER];
   std::snprintf(line, sizeof line, "Operator No.%d success: %s\n", number, what);
   print(line);
   return true;

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstdio>
 #include <memory>
+#include <string_view>
+#include <utility>
 
 #include "base/number.h"
 
@@ -14,8 +16,8 @@ static_assert(JTAG_IR_MAX_BYTES == JTAG_DR_MAX_BYTES);
 constexpr int kMaxBytes = JTAG_DR_MAX_BYTES;
 
 // The fields of one value, trimmed; null when it has no comma.
-std::unique_ptr<CString[]> SplitFields(JtagScr& scr, CString value, int& count) {
-  std::unique_ptr<CString[]> fields(scr.SplitString(std::move(value), ',', count));
+std::unique_ptr<CString[]> SplitFields(CString value, int& count) {
+  std::unique_ptr<CString[]> fields(CIniFile::SplitString(std::move(value), ',', count));
   for (int i = 0; fields != nullptr && i < count; ++i) {
     fields[static_cast<std::size_t>(i)].TrimLeft();
     fields[static_cast<std::size_t>(i)].TrimRight();
@@ -112,8 +114,8 @@ JtagOperatorData* JtagScr::ParsingControl(CIniFile& ini, int sectionIndex) {
 JtagOperatorData* JtagScr::ParseJtagOperatorData(CString ir, CString dr) {
   int irCount = 0;
   int drCount = 0;
-  const auto irFields = SplitFields(*this, std::move(ir), irCount);
-  const auto drFields = SplitFields(*this, std::move(dr), drCount);
+  const auto irFields = SplitFields(std::move(ir), irCount);
+  const auto drFields = SplitFields(std::move(dr), drCount);
   if (irFields == nullptr || drFields == nullptr) return nullptr;
 
   // IR: length, bytes. DR: flag, length, bytes. A split value has two fields at least.

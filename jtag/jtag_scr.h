@@ -16,21 +16,23 @@ constexpr std::int32_t JTAG_OP_CDI_2WIRE = 2;
 constexpr std::int32_t JTAG_OP_CDI_JTAG5 = 3;
 
 // One operation, a list node. Resets and wire settings use operatorType alone. In the arrays byte 0
-// is the first byte listed in the script and the least significant.
+// is the first byte listed in the script and the least significant. The 2-wire interface adds 8 to
+// the lengths when the scan is run.
 struct JtagOperatorData {
-  std::int32_t irBitLength;  // at most 8 * JTAG_IR_MAX_BYTES; may be zero or negative
+  std::int32_t irBitLength;  // as parsed at most 8 * JTAG_IR_MAX_BYTES; may be negative
   std::uint8_t irData[JTAG_IR_MAX_BYTES];
-  std::int32_t drBitLength;  // at most 8 * JTAG_DR_MAX_BYTES; may be zero or negative
+  std::int32_t drBitLength;  // as parsed at most 8 * JTAG_DR_MAX_BYTES; may be negative
   std::uint8_t drData[JTAG_DR_MAX_BYTES];
   std::int32_t readFlag;      // 1 read, 0 write
   std::int32_t operatorType;  // JTAG_OP_
   JtagOperatorData* next;     // null at the tail
 };
 
-// Reads a JTAG script when it is constructed: each section of the file becomes one operation. A
-// file that cannot be read, and a section without IR or DR, are reported to `printCallback`; a
-// section that is not understood is reported on standard output and left out. Owns the list.
-// Exceptions of the callback and of the standard library pass through; nothing leaks.
+// Reads a JTAG script when it is constructed: each section of the file becomes one operation. Told
+// to the callback: a file that cannot be read, which leaves the list empty, and a section without
+// IR or DR, which ends the list before it. Told on standard output: a section that is not
+// understood, which is left out. Owns the list. Exceptions of the callback and of the standard
+// library pass through; nothing leaks.
 class JtagScr {
  public:
   // `path` may be null, which sets errorMessage; `callback` must not.
@@ -39,7 +41,7 @@ class JtagScr {
   JtagScr(const JtagScr&) = delete;
   JtagScr& operator=(const JtagScr&) = delete;
 
-  // Appends the script's operations to the list. 0, or -1 when anything was reported.
+  // Appends the script's operations to the list. 0, or -1 when anything was wrong.
   int ParseScr(char* path);
 
   // Each makes a new record, which the caller owns, or null where the section's text does not
@@ -53,7 +55,7 @@ class JtagScr {
   CString* SplitString(CString text, char separator, int& count);
 
   // First record, or null; owned by this object.
-  JtagOperatorData* GetFirstJtagOperatorData() const { return firstOperator; }
+  JtagOperatorData* GetFirstJtagOperatorData() { return firstOperator; }
   JtagOperatorData* GetNextJtagOperatorData(JtagOperatorData* p) const {
     return p != nullptr ? p->next : nullptr;
   }

@@ -1,5 +1,6 @@
 // The entry: what is true of every script.
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include "tests/fake_host.h"
 
@@ -55,6 +56,20 @@ TEST(Entry, PassesTheHostsExceptionOn) {
     }
     EXPECT_GT(k, 1) << text;
   }
+}
+
+// What goes to standard output must be there when the host dies of something else.
+TEST(Entry, FlushesStandardOutput) {
+  TempFile script("[A]\nIR=1\nDR=W,0\n");
+  const Module module;
+  const auto run = [&] {
+    dup2(STDERR_FILENO, STDOUT_FILENO);
+    module.entry(nullptr, script.Path(), [](const char* text) -> int {
+      if (std::string(text).find("End") != std::string::npos) _exit(0);
+      return 0;
+    });
+  };
+  EXPECT_EXIT(run(), testing::ExitedWithCode(0), "A syntax error");
 }
 
 }  // namespace

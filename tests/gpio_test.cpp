@@ -193,7 +193,7 @@ TEST(GpioTable, AnswersBadAccess) {
 
 TEST(GpioList, PairsRepeatsByNesting) {
   TempFile file("[ZEVA_ICE_GPIO]\nSTART\nREPT=2\nREPT=3\nENDR\nENDR\nEND");
-  const icescript::GpioScr scr(file.Path(), [](const char*) { return 0; });
+  icescript::GpioScr scr(file.Path(), [](const char*) { return 0; });
   ASSERT_EQ(scr.status, 0);
   ASSERT_EQ(scr.GetGpioOperatorDataCount(), 6);
   auto* const outer = scr.GetNextGpioOperatorData(scr.GetFirstGpioOperatorData());
@@ -204,6 +204,8 @@ TEST(GpioList, PairsRepeatsByNesting) {
   EXPECT_EQ(outer->partner->repeat_count, 2);
   EXPECT_EQ(inner->partner->repeat_count, 3);
   EXPECT_EQ(scr.GetNextGpioOperatorData(nullptr), nullptr);
+  EXPECT_EQ(scr.error, nullptr);
+  EXPECT_STREQ(icescript::GpioScr(nullptr, nullptr).error, "No scr file specified.\n");
 }
 
 }  // namespace
