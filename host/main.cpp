@@ -25,7 +25,7 @@ ExitStatus Run(const RunCommand& command) {
     return kNotLoaded;
   }
   SimPort port{TargetOptions{}};
-  PinProbe probe(port);
+  PinProbe probe(port, CDI_ANSWER_JTAG5, true);
   for (const std::string& script : command.scripts) {
     const bool ran = plugin->Run(probe, script, Show);
     std::fflush(stdout);

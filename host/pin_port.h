@@ -7,6 +7,7 @@
 namespace icehost {
 
 // Levels and enables are GPIO_PIN_ bits (entry/icescript.h). Pins that are not enabled float high.
+// Every function may throw IoError, Interrupted, or Unsupported where the pins cannot do that.
 class PinPort {
  public:
   virtual ~PinPort() = default;
@@ -21,6 +22,8 @@ class PinPort {
   virtual void SampleTdo() = 0;
   // The samples since the last call, in order.
   virtual Bits CollectTdo() = 0;
+  // Ends what is under way: buffered writes go out.
+  virtual void Flush() {}
 };
 
 }  // namespace icehost

@@ -2,12 +2,12 @@
 
 #include <algorithm>
 
+#include "host/errors.h"
+
 namespace icehost {
 namespace {
 
-// The capture buffer: two bytes for the IR, then the DR, behind the extra byte of the 2-wire mode.
-constexpr int kIrCaptureBits = 16;
-constexpr int kDrCaptureByte = 2;
+constexpr int kIrCaptureBits = 8 * kDrCaptureByte;
 
 constexpr int kScanEnables = GPIO_PIN_ALL & ~GPIO_PIN_TDO;
 constexpr int kNoReset = GPIO_PIN_NRST | GPIO_PIN_TRST;
@@ -19,6 +19,9 @@ int PinProbe::Config(int code, int value) {
     case LINK_CONFIG_GET_CDI:
       return wire_mode_;
     case LINK_CONFIG_CDI_MODE:
+      if (value == CDI_MODE_2WIRE && !two_wire_) {
+        throw Unsupported("these pins have no 2-wire interface");
+      }
       wire_mode_ = value == CDI_MODE_2WIRE ? CDI_ANSWER_2WIRE : CDI_ANSWER_JTAG5;
       return 0;
     default:
@@ -70,18 +73,10 @@ Bits PinProbe::ScanBits(int bits, const std::uint8_t* data) const {
 }
 
 void PinProbe::Write(int levels, int enables) {
-  // Wires that are not driven float high.
-  const int before = levels_ | ~enables_;
-  const int after = levels | ~enables;
+  port_.Write(levels, enables);
   levels_ = levels;
   enables_ = enables;
-  port_.Write(levels, enables);
-  if ((after & GPIO_PIN_TRST) == 0) {
-    tap_ = TapState::kTestLogicReset;
-    tap_known_ = true;
-  } else if ((~before & after & GPIO_PIN_TCK) != 0) {
-    tap_ = NextTapState(tap_, (after & GPIO_PIN_TMS) != 0);
-  }
+  tap_.Update(WireLevels(levels, enables));
 }
 
 // One TCK cycle. TMS and TDI are set up, and TDO is sampled, while TCK is low: the target takes
@@ -96,16 +91,12 @@ void PinProbe::ClockTck(bool tms, bool tdi, bool sample) {
 // Makes the pins and the TAP this probe's own, wherever a GPIO script left them.
 void PinProbe::TakeTap() {
   Write(kNoReset, kScanEnables);
-  if (!tap_known_) {
-    for (int i = 0; i < kTapResetEdges; ++i) ClockTck(true, false, false);
-    tap_ = TapState::kTestLogicReset;
-    tap_known_ = true;
-  }
+  while (!tap_.State().has_value()) ClockTck(true, false, false);
   MoveTo(TapState::kRunTestIdle);
 }
 
 void PinProbe::MoveTo(TapState state) {
-  while (tap_ != state) ClockTck(TmsTowards(tap_, state), false, false);
+  while (tap_.State() != state) ClockTck(TmsTowards(*tap_.State(), state), false, false);
 }
 
 // One scan from Run-Test/Idle and back, with TCK low at its end.

@@ -6,14 +6,16 @@
 #include "host/bits.h"
 #include "host/pin_port.h"
 #include "host/probe.h"
-#include "host/tap.h"
+#include "host/tap_tracker.h"
 
 namespace icehost {
 
 class PinProbe : public Probe {
  public:
-  // `port` must outlive the probe.
-  explicit PinProbe(PinPort& port) : port_(port) {}
+  // `port` must outlive the probe. `wire_mode` is the CDI_ANSWER_ in force at the start; where
+  // `two_wire` is false, selecting the 2-wire interface throws Unsupported.
+  PinProbe(PinPort& port, int wire_mode, bool two_wire)
+      : port_(port), two_wire_(two_wire), wire_mode_(wire_mode) {}
 
   int Config(int code, int value) override;
   int Reset(int kind) override;
@@ -30,14 +32,13 @@ class PinProbe : public Probe {
   Bits Scan(TapState shift, const Bits& in);
 
   PinPort& port_;
-  int wire_mode_ = CDI_ANSWER_JTAG5;
+  bool two_wire_;
+  int wire_mode_;
   int levels_ = GPIO_PIN_ALL;
   int enables_ = 0;
   Bits ir_;
   Bits dr_;
-  // The target's TAP as far as the edges so far tell; unknown until it is reset once.
-  TapState tap_ = TapState::kTestLogicReset;
-  bool tap_known_ = false;
+  TapTracker tap_;
 };
 
 }  // namespace icehost

@@ -6,8 +6,13 @@
 
 namespace icehost {
 
+// Where a probe stores the captured DR; the captured IR goes to the bytes before it. On the 2-wire
+// interface an extra byte stands between.
+constexpr int kDrCaptureByte = 2;
+
 // One function for each link_ function of entry/icescript.h, whose arguments and results it takes
 // over; the LinkHandle that icehost gives to the plug-in points at a Probe.
+// They may throw IoError, Interrupted, or Unsupported for what the probe cannot do.
 class Probe {
  public:
   virtual ~Probe() = default;

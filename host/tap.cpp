@@ -32,6 +32,13 @@ constexpr Ways kWays[kTapStates] = {
     {S::kRunTestIdle, S::kSelectDrScan},    // Update-IR
 };
 
+constexpr const char* kNames[kTapStates] = {
+    "Test-Logic-Reset", "Run-Test/Idle",  "Select-DR-Scan", "Capture-DR",
+    "Shift-DR",         "Exit1-DR",       "Pause-DR",       "Exit2-DR",
+    "Update-DR",        "Select-IR-Scan", "Capture-IR",     "Shift-IR",
+    "Exit1-IR",         "Pause-IR",       "Exit2-IR",       "Update-IR",
+};
+
 // Number of edges of the shortest way.
 int Distance(TapState from, TapState to) {
   std::array<int, kTapStates> distance{};
@@ -53,6 +60,10 @@ int Distance(TapState from, TapState to) {
 }
 
 }  // namespace
+
+const char* TapStateName(TapState state) {
+  return kNames[static_cast<int>(state)];
+}
 
 TapState NextTapState(TapState state, bool tms) {
   const Ways& ways = kWays[static_cast<int>(state)];

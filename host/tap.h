@@ -25,6 +25,9 @@ enum class TapState {
 };
 constexpr int kTapStates = 16;
 
+// The state's name in the standard, such as "Shift-DR".
+const char* TapStateName(TapState state);
+
 // TCK edges with TMS high that reach Test-Logic-Reset from any state.
 constexpr int kTapResetEdges = 5;
 
