@@ -1,0 +1,27 @@
+// The events of a run as lines for people.
+#ifndef ICESCRIPT_HOST_TRACE_WRITER_H_
+#define ICESCRIPT_HOST_TRACE_WRITER_H_
+
+#include <ostream>
+
+#include "host/events.h"
+
+namespace icehost {
+
+// One line a host call: "link_reset(kind=TARGET) = 0". Messages are not repeated.
+class TraceWriter : public EventListener {
+ public:
+  // `stream` must outlive the writer.
+  explicit TraceWriter(std::ostream& stream) : stream_(stream) {}
+  void OnScript(const std::string& path) override;
+  void OnCall(const CallEvent& call) override;
+  void OnMessage(const char* text) override;
+  void OnScriptEnd(bool ran) override;
+
+ private:
+  std::ostream& stream_;
+};
+
+}  // namespace icehost
+
+#endif  // ICESCRIPT_HOST_TRACE_WRITER_H_
