@@ -1,0 +1,110 @@
+#include "host/check_scan.h"
+
+#include <memory>
+#include <vector>
+
+#include "base/ini_file.h"
+#include "base/number.h"
+#include "base/text.h"
+#include "jtag/jtag_scr.h"
+
+namespace icehost {
+namespace {
+
+using icescript::CIniFile;
+using icescript::CString;
+
+// One value as the parser splits it.
+struct Fields {
+  Fields(const CString& value, const ValuePlace& place) : line(*place.line), at(place.at) {
+    int count = 0;
+    const std::unique_ptr<CString[]> split(CIniFile::SplitString(value, ',', count));
+    for (int i = 0; split != nullptr && i < count; ++i) {
+      text.push_back(split[static_cast<std::size_t>(i)]);
+    }
+  }
+
+  // Column of field i.
+  int Column(std::size_t i) const {
+    std::size_t position = at;
+    for (std::size_t before = 0; before < i; ++before) position += text[before].Text().size() + 1;
+    const std::size_t blanks = text[i].Text().find_first_not_of(' ');
+    return line.ColumnAt(position + (blanks != std::string::npos ? blanks : 0));
+  }
+
+  const ScriptLine& line;
+  std::size_t at;
+  std::vector<CString> text;
+};
+
+std::string_view Trimmed(const CString& field) {
+  return icescript::TrimRight(icescript::TrimLeft(field.Text(), ' '), ' ');
+}
+
+// The length, in field `length_at`, against the bytes behind it.
+void CheckBytes(const Fields& fields, std::size_t length_at, bool may_be_absent,
+                Problems& problems) {
+  const std::string_view length_text = Trimmed(fields.text[length_at]);
+  const int bits = icescript::ParseNumber(length_text, 10);
+  if (length_text.size() > 1 && (length_text[1] == 'x' || length_text[1] == 'X')) {
+    problems.Warn(fields.line, fields.Column(length_at), "a length is decimal: this one is 0");
+    return;
+  }
+  // An IR has a byte at least, even of no bits.
+  if (bits <= 0) return;
+  const std::size_t first = length_at + 1;
+  const std::size_t listed = fields.text.size() - first;
+  const auto held = static_cast<std::size_t>((bits + 7) / 8);
+  if (listed > held) {
+    problems.Warn(fields.line, fields.Column(first + held),
+                  "more bytes than the " + std::to_string(bits) + " bits hold");
+  } else if (listed < held && !(may_be_absent && listed == 0)) {
+    problems.Warn(fields.line, fields.Column(length_at),
+                  std::to_string(bits) + " bits need " + std::to_string(held) + " bytes, not " +
+                      std::to_string(listed) + ": the rest is 0");
+  } else if (listed == held && bits % 8 != 0) {
+    std::string_view last = Trimmed(fields.text.back());
+    if (last.size() > 1 && (last[1] == 'x' || last[1] == 'X')) last.remove_prefix(2);
+    if ((icescript::ParseNumber(last, 16) & 0xFF) >> bits % 8 == 0) return;
+    problems.Warn(fields.line, fields.Column(fields.text.size() - 1),
+                  "bits are set beyond the " + std::to_string(bits) + " of the length");
+  }
+}
+
+// Whether the parser refuses a register of this length or of so many bytes.
+bool IsTooLong(const Fields& fields, std::size_t length_at) {
+  const int bits = icescript::ParseNumber(Trimmed(fields.text[length_at]), 10);
+  const std::size_t listed = fields.text.size() - length_at - 1;
+  return bits > 8 * JTAG_DR_MAX_BYTES || (bits > JTAG_DR_MAX_BYTES && listed > JTAG_DR_MAX_BYTES);
+}
+
+// Why the parser refuses a value.
+void ExplainRefusal(const Fields& fields, std::size_t length_at, const char* form,
+                    Problems& problems) {
+  const int column = fields.line.ColumnAt(fields.at);
+  if (fields.text.empty()) {
+    problems.Error(fields.line, column, form);
+  } else if (IsTooLong(fields, length_at)) {
+    problems.Error(fields.line, column, "a register has at most 288 bits in 36 bytes");
+  }
+}
+
+}  // namespace
+
+void CheckScan(const CString& ir, const CString& dr, const IniSection& section,
+               const std::string& name, Problems& problems) {
+  const Fields ir_fields(ir, section.values.at("IR"));
+  const Fields dr_fields(dr, section.values.at("DR"));
+  icescript::JtagScr scr(nullptr, nullptr);  // reads no file, so it prints nothing
+  const std::unique_ptr<icescript::JtagOperatorData> record(scr.ParseJtagOperatorData(ir, dr));
+  if (record == nullptr) {
+    problems.Error(*section.first, section.first->column, name + " syntax error");
+    ExplainRefusal(ir_fields, 0, "IR is LENGTH,BYTE,...", problems);
+    ExplainRefusal(dr_fields, 1, "DR is R or W,LENGTH,BYTE,...", problems);
+    return;
+  }
+  CheckBytes(ir_fields, 0, false, problems);
+  CheckBytes(dr_fields, 1, true, problems);
+}
+
+}  // namespace icehost

@@ -1,0 +1,69 @@
+#include "host/script_text.h"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <sstream>
+#include <utility>
+
+#include "base/ini_file.h"
+#include "base/text.h"
+#include "host/errors.h"
+
+namespace icehost {
+namespace {
+
+std::string ReadAll(std::istream& stream) {
+  return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+}
+
+std::string ReadFile(const std::string& path) {
+  struct stat status = {};
+  if (stat(path.c_str(), &status) != 0) throw IoError(path + ": " + std::strerror(errno));
+  if (S_ISDIR(status.st_mode)) throw IoError(path + ": is a directory");
+  std::ifstream file(path, std::ios::binary);
+  if (!file) throw IoError(path + ": " + std::strerror(errno));
+  return ReadAll(file);
+}
+
+}  // namespace
+
+std::string ReadScript(const std::string& path) {
+  std::string content = path == "-" ? ReadAll(std::cin) : ReadFile(path);
+  if (content.find('\0') != std::string::npos) throw IoError(path + ": is binary, not a script");
+  return content;
+}
+
+ScriptText::ScriptText(std::string name, std::string content)
+    : name_(std::move(name)), content_(std::move(content)) {
+  std::istringstream raw_lines(content_);
+  for (std::string raw; std::getline(raw_lines, raw);) {
+    const int number = static_cast<int>(lines_.size()) + 1;
+    std::istringstream one(raw);
+    icescript::CString read;
+    // An empty line fails to be read from a stream of its own, and reads as empty.
+    if (!icescript::CIniFile::getline(one, read) && !raw.empty()) {
+      too_long_ = {number, raw, "", 1};
+      return;
+    }
+    const std::string_view text = icescript::TrimBlanks(read.Text());
+    const auto column = static_cast<int>(text.data() - read.Text().data()) + 1;
+    lines_.push_back({number, raw, std::string(text), column});
+  }
+}
+
+std::string ScriptText::Without(const std::vector<int>& numbers) const {
+  std::string content;
+  for (const ScriptLine& line : lines_) {
+    const bool left_out = std::find(numbers.begin(), numbers.end(), line.number) != numbers.end();
+    content += (left_out ? "" : line.raw) + "\n";
+  }
+  return content;
+}
+
+}  // namespace icehost
