@@ -1,40 +1,55 @@
-// icehost: runs scripts without a debug server.
+// icehost: runs and checks scripts without a debug server.
 #include <cstdio>
 #include <exception>
-#include <optional>
+#include <iostream>
 
+#include "host/bitbang_server.h"
+#include "host/check.h"
 #include "host/command_line.h"
-#include "host/pin_probe.h"
-#include "host/plugin.h"
+#include "host/errors.h"
+#include "host/interrupt.h"
+#include "host/run.h"
+#include "host/script_text.h"
 #include "host/sim_port.h"
 
 namespace icehost {
 namespace {
 
-// Messages are shown as they stand: some are pieces of a line.
-int Show(const char* message) {
-  return std::fputs(message, stdout);
+ExitStatus Execute(const RunCommand& command) {
+  return Run(command);
 }
 
-ExitStatus Run(const RunCommand& command) {
-  std::optional<Plugin> plugin;
-  try {
-    plugin.emplace(command.plugin);
-  } catch (const std::exception& error) {
-    std::fprintf(stderr, "icehost: cannot load the plug-in: %s\n", error.what());
-    return kNotLoaded;
-  }
-  SimPort port{TargetOptions{}};
-  PinProbe probe(port, CDI_ANSWER_JTAG5, true);
-  for (const std::string& script : command.scripts) {
-    const bool ran = plugin->Run(probe, script, Show);
-    std::fflush(stdout);
-    if (!ran) {
-      std::fprintf(stderr, "icehost: %s failed\n", script.c_str());
-      return kScriptFailed;
+ExitStatus Execute(const CheckCommand& command) {
+  ExitStatus status = kAllWell;
+  for (const std::string& path : command.scripts) {
+    try {
+      const std::string name = path == "-" ? "<stdin>" : path;
+      const ScriptText script(name, ReadScript(path));
+      const Problems problems = Check(script);
+      problems.Write(std::cerr, name, command.quiet);
+      if (problems.HasErrors()) status = kScriptFailed;
+    } catch (const IoError& error) {
+      std::fprintf(stderr, "icehost: %s\n", error.what());
+      status = kScriptFailed;
     }
   }
-  return kAllRan;
+  return status;
+}
+
+ExitStatus Execute(const ServeCommand& command) {
+  try {
+    SimPort port(command.target);
+    Listener listener(command.endpoint);
+    if (!command.quiet) {
+      std::fprintf(stderr, "icehost: serving remote_bitbang on %s\n", listener.Name().c_str());
+    }
+    Serve(listener, port);
+  } catch (const Interrupted&) {
+    return kAllWell;  // that is how serving ends
+  } catch (const IoError& error) {
+    std::fprintf(stderr, "icehost: %s\n", error.what());
+    return kNotOpened;
+  }
 }
 
 }  // namespace
@@ -42,7 +57,14 @@ ExitStatus Run(const RunCommand& command) {
 
 int main(int argc, char** argv) {
   using namespace icehost;
-  const auto command = ParseCommandLine(argc, argv);
-  if (const auto* status = std::get_if<ExitStatus>(&command)) return *status;
-  return Run(std::get<RunCommand>(command));
+  try {
+    const auto parsed = ParseCommandLine(argc, argv);
+    if (const auto* status = std::get_if<ExitStatus>(&parsed)) return *status;
+    CatchInterrupts();
+    return std::visit([](const auto& command) { return Execute(command); },
+                      std::get<Command>(parsed));
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "icehost: %s\n", error.what());
+    return kNotOpened;
+  }
 }

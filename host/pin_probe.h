@@ -23,6 +23,8 @@ class PinProbe : public Probe {
   int Execute(std::uint8_t* capture) override;
   int Gpio(int out_value, std::uint32_t& data, int oe_mask, int flags) override;
 
+  long TckCycles() const { return tap_.TckCycles(); }
+
  private:
   Bits ScanBits(int bits, const std::uint8_t* data) const;
   void Write(int levels, int enables);

@@ -6,6 +6,7 @@ void TapTracker::Update(int wires) {
   const bool rising = (~wires_ & wires & GPIO_PIN_TCK) != 0;
   const bool tms = (wires & GPIO_PIN_TMS) != 0;
   wires_ = wires;
+  if (rising) ++tck_cycles_;
   if ((wires & GPIO_PIN_TRST) == 0) {
     state_ = TapState::kTestLogicReset;
   } else if (rising) {

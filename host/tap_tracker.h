@@ -22,10 +22,13 @@ class TapTracker {
 
   // Unknown until TRST has been low or TMS high for five rising edges of TCK.
   std::optional<TapState> State() const { return state_; }
+  // Rising edges of TCK so far.
+  long TckCycles() const { return tck_cycles_; }
 
  private:
   int wires_ = GPIO_PIN_ALL;
   int tms_high_edges_ = 0;
+  long tck_cycles_ = 0;
   std::optional<TapState> state_;
 };
 

@@ -1,5 +1,4 @@
-// icehost as a user runs it: command line, exit status, standard output against a golden file.
-// With ICESCRIPT_UPDATE_GOLDEN set the golden files are written anew instead.
+// icehost as a user runs it: command line, exit status, output.
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 
@@ -8,6 +7,10 @@
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
+#include <thread>
+
+#include "host/errors.h"
+#include "host/socket.h"
 
 namespace {
 
@@ -16,7 +19,9 @@ struct Outcome {
   std::string output;
 };
 
-Outcome RunShell(const std::string& command) {
+// Runs icehost in the source folder, with a shell's redirections.
+Outcome RunIcehost(const std::string& arguments) {
+  const std::string command = "cd " ICESCRIPT_SOURCE " && " ICESCRIPT_ICEHOST " " + arguments;
   FILE* const pipe = popen(command.c_str(), "r");  // NOLINT(cert-env33-c): as a user would
   std::string output;
   std::array<char, 4096> buffer;
@@ -27,6 +32,7 @@ Outcome RunShell(const std::string& command) {
   return {WEXITSTATUS(status), output};
 }
 
+// Output against golden files; with ICESCRIPT_UPDATE_GOLDEN set they are written anew instead.
 TEST(Icehost, RunsAsGolden) {
   const struct {
     const char* arguments;
@@ -38,26 +44,156 @@ TEST(Icehost, RunsAsGolden) {
       {"run examples/two_wire.ini", 0, "two_wire.ini"},
       {"run examples/reset.ini", 0, "reset.ini"},
       {"run examples/read_idcode.gpio", 0, "read_idcode.gpio"},
-      {"run examples/reset_pulse.gpio", 0, "reset_pulse.gpio"},
+      {"run - < examples/reset_pulse.gpio", 0, "reset_pulse.gpio"},
       {"run examples/read_idcode.gpio examples/two_wire.ini examples/read_idcode.ini", 0,
        "several"},
-      {"run tests/scripts/long_scans.ini", 0, "long_scans"},
-      {"run tests/scripts/no_such_file examples/reset.ini 2>&1", 1, "no_such_file"},
-      {"2>/dev/null", 2, "empty"},
-      {"run 2>/dev/null", 2, "empty"},
-      {"play x 2>/dev/null", 2, "empty"},
-      {"run --plugin /dev/null examples/reset.ini 2>/dev/null", 3, "empty"},
+      {"run tests/scripts/long_scans.ini --register 0x15:8=5a --ir-length 6 --idcode 5 --wire "
+       "2wire",
+       0, "long_scans"},
+      {"run tests/scripts/bad.ini examples/reset.ini 2>&1", 1, "run_bad"},
+      {"run --trace examples/read_idcode.gpio examples/two_wire.ini 2>&1 >/dev/null", 0, "trace"},
+      {"run --json /dev/stderr examples/reset_pulse.gpio examples/reset.ini 2>&1 >/dev/null", 0,
+       "json"},
+      {"run --vcd /dev/stderr examples/read_idcode.ini examples/reset_pulse.gpio 2>&1 >/dev/null",
+       0, "vcd"},
+      {"run --svg /dev/stderr examples/read_idcode.ini 2>&1 >/dev/null", 0, "svg"},
+      {"check tests/scripts/bad.ini 2>&1", 1, "check_ini"},
+      {"check tests/scripts/bad.gpio 2>&1", 1, "check_gpio"},
+      {"check -q tests/scripts/bad.gpio 2>&1", 1, "check_errors_only"},
+      {"check examples/* tests/scripts/long_scans.ini 2>&1", 0, "check_examples"},
   };
   const bool update = std::getenv("ICESCRIPT_UPDATE_GOLDEN") != nullptr;
   for (const auto& run : kRuns) {
-    const Outcome outcome =
-        RunShell("cd " ICESCRIPT_SOURCE " && " ICESCRIPT_ICEHOST " " + std::string(run.arguments));
+    const Outcome outcome = RunIcehost(run.arguments);
     EXPECT_EQ(outcome.status, run.status) << run.arguments;
     const std::string path = ICESCRIPT_SOURCE "/tests/golden/" + std::string(run.golden) + ".txt";
     if (update) std::ofstream(path) << outcome.output;
     std::stringstream golden;
     golden << std::ifstream(path).rdbuf();
     EXPECT_EQ(outcome.output, golden.str()) << run.arguments;
+  }
+}
+
+// Each fault ends with its status and one line that names what and why.
+TEST(Icehost, SaysWhatIsWrong) {
+  const std::string help = "\nRun with --help for more information.\n";
+  const struct {
+    const char* arguments;
+    int status;
+    std::string message;
+  } kFaults[] = {
+      {"", 2, "A subcommand is required" + help},
+      {"run", 2, "SCRIPT is required" + help},
+      {"run --idcode 2 x", 2, "--idcode: bit 0 of an IDCODE is 1" + help},
+      {"run --register 3 x", 2, "--register: expected IR:BITS or IR:BITS=HEX" + help},
+      {"run --register 3:8=100 x", 2, "--register: 0x100 does not fit 8 bits" + help},
+      {"run --register 3:5000 x", 2, "--register: \"5000\" is no number from 0 to 4096" + help},
+      {"run --timeout nan x", 2, "--timeout: expected seconds, more than 0 and up to 86400" + help},
+      {"run --probe openocd:h:1:t --idcode 1 x", 2, "--idcode: is for the simulated probe" + help},
+      {"run --probe openocd:h x", 2, "--probe: expected HOST:PORT or unix:PATH, not \"h\"" + help},
+      {"serve tcp:65536", 2, "ENDPOINT: \"65536\" is no port from 0 to 65535" + help},
+      {"serve unix:/nowhere/x", 3,
+       "icehost: unix:/nowhere/x: cannot listen: No such file or directory\n"},
+      {"run --plugin /dev/null x", 3,
+       "icehost: cannot load the plug-in: /dev/null: file too short\n"},
+      {"run --plugin libm.so.6 x", 3,
+       "icehost: cannot load the plug-in: libm.so.6: exports no ImplementScr\n"},
+      {"run --plugin " ICESCRIPT_THROWING_PLUGIN " examples/reset.ini", 1,
+       "icehost: examples/reset.ini: the plug-in threw an exception: out of sorts\n"},
+      {"run --json /nowhere/x x", 3, "icehost: /nowhere/x: No such file or directory\n"},
+      {"run --vcd /dev/full examples/reset.ini", 3,
+       "icehost: /dev/full: cannot write: No space left on device\n"},
+      {"run --probe remote-bitbang:unix:/nowhere x", 3,
+       "icehost: unix:/nowhere: cannot connect: No such file or directory\n"},
+      {"run --probe openocd:[::1]:1:t --svg x x", 3,
+       "icehost: OpenOCD shows no pins: no waveform of it\n"},
+      {"run /nowhere", 1, "icehost: /nowhere: No such file or directory\n"},
+      {"check /tmp", 1, "icehost: /tmp: is a directory\n"},
+      {"check " ICESCRIPT_ICEHOST, 1, "icehost: " ICESCRIPT_ICEHOST ": is binary, not a script\n"},
+      {"run -q - < tests/golden/empty.txt", 1, "icehost: - failed\n"},
+  };
+  for (const auto& fault : kFaults) {
+    const Outcome outcome = RunIcehost(std::string(fault.arguments) + " 2>&1 >/dev/null");
+    EXPECT_EQ(outcome.status, fault.status) << fault.arguments;
+    EXPECT_EQ(outcome.output, fault.message) << fault.arguments;
+  }
+}
+
+// A server on the loopback address that sends `answer` to its first client, once that has asked.
+Outcome RunAgainst(const std::string& probe, const std::string& answer, bool stay) {
+  icehost::Listener listener({"127.0.0.1", "0", ""});
+  std::thread server([&] {
+    try {
+      icehost::Socket client = listener.Accept();
+      client.Receive(4096);
+      client.Send(answer);
+      while (stay && !client.Receive(4096).empty()) {
+      }
+    } catch (const icehost::IoError&) {
+      // icehost is done with us
+    }
+  });
+  Outcome outcome = RunIcehost("run --timeout 0.2 --probe " + probe + ":" + listener.Name() +
+                               (probe == "openocd" ? "" : " --vcd /dev/stderr") +
+                               " examples/scratch_register.ini 2>&1 >/dev/null");
+  server.join();
+  const std::size_t at = outcome.output.find(listener.Name());
+  outcome.output =
+      at == std::string::npos ? outcome.output : outcome.output.substr(at + listener.Name().size());
+  return outcome;
+}
+
+TEST(Icehost, SurvivesBadServers) {
+  const struct {
+    const char* answer;
+    bool stay;
+    const char* message;
+  } kServers[] = {
+      {"", false, ": the server closed the connection\n"},
+      {"", true, ": no answer within 200 ms\n"},
+      {"0123", true, ": expected a TDO level, got the byte 50\n"},
+  };
+  for (const auto& server : kServers) {
+    const Outcome outcome = RunAgainst("remote-bitbang", server.answer, server.stay);
+    EXPECT_EQ(outcome.status, 3);
+    EXPECT_EQ(outcome.output.substr(0, outcome.output.find('$')), server.message);
+  }
+}
+
+TEST(Icehost, SurvivesABadOpenocd) {
+  const struct {
+    std::string answer;
+    bool stay;
+    const char* message;
+  } kServers[] = {
+      {"", false, ": OpenOCD closed the connection\n"},
+      {"", true, ": no answer within 200 ms\n"},
+      {"what\x1a", true, ": this is no answer of OpenOCD's: \"what\"\n"},
+      {"0 \x1a", true, "icehost: OpenOCD has no TAP\n"},
+      {"0 a b\x1a", true, "icehost: OpenOCD has several TAPs, name one: a, b\n"},
+      {"1 no such command\x1a", true, "icehost: OpenOCD: jtag names: no such command\n"},
+      {std::string(70000, 'x'), true, ": the answer to \"jtag names\" has no end\n"},
+      {"0 a\x1a"
+       "0 header\n 0 b Y 0x0 0x0 5 0x1 0x3\x1a",
+       true, "icehost: OpenOCD does not say the IR length of a\n"},
+      {"0 a\x1a"
+       "0 header\n 0 a Y 0x0 0x0 4 0x1 0x3\x1a",
+       true, "icehost: the script's IR has 5 bits, but OpenOCD's a has 4\n"},
+      {"0 a\x1a"
+       "0 header\n 0 a Y 0x0 0x0 5 0x1 0x3\x1a"
+       "0 \x1a"
+       "0 1 2 3\x1a",
+       true, "icehost: OpenOCD's answer to a DR scan is none: \"1 2 3\"\n"},
+      {"0 a\x1a"
+       "0 header\n 0 a Y 0x0 0x0 5 0x1 0x3\x1a"
+       "0 \x1a"
+       "0 1 2 3 100\x1a",
+       true, "icehost: OpenOCD's answer to a DR scan is none: \"1 2 3 100\"\n"},
+  };
+  for (const auto& server : kServers) {
+    const Outcome outcome = RunAgainst("openocd", server.answer, server.stay);
+    EXPECT_NE(outcome.status, 0);
+    EXPECT_EQ(outcome.output.substr(0, outcome.output.find('\n') + 1), server.message);
   }
 }
 

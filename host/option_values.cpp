@@ -1,0 +1,102 @@
+#include "host/option_values.h"
+
+#include <algorithm>
+#include <cctype>
+#include <stdexcept>
+
+namespace icehost {
+namespace {
+
+constexpr int kLongestRegister = 4096;
+
+bool TakePrefix(std::string& text, const std::string& prefix) {
+  if (text.compare(0, prefix.size(), prefix) != 0) return false;
+  text.erase(0, prefix.size());
+  return true;
+}
+
+// The whole text as a number in `base` (0: as in C) up to `most`.
+std::uint64_t Number(const std::string& text, int base, std::uint64_t most) {
+  const bool starts_well = !text.empty() && std::isxdigit(static_cast<unsigned char>(text[0])) != 0;
+  std::size_t end = 0;
+  std::uint64_t value = 0;
+  try {
+    if (starts_well) value = std::stoull(text, &end, base);
+  } catch (const std::exception&) {
+    end = 0;  // no digits, or too many
+  }
+  if (end == 0 || end != text.size() || value > most) {
+    throw std::invalid_argument("\"" + text + "\" is no number from 0 to " + std::to_string(most));
+  }
+  return value;
+}
+
+// `digits` most significant first, as the bits of a register that must hold them.
+Bits HexBits(std::string digits, int length) {
+  TakePrefix(digits, "0x");
+  Bits bits;
+  for (auto digit = digits.rbegin(); digit != digits.rend(); ++digit) {
+    const Bits four = BitsOfNumber(Number(std::string(1, *digit), 16, 15), 4);
+    bits.insert(bits.end(), four.begin(), four.end());
+  }
+  const auto length_bits = static_cast<std::ptrdiff_t>(length);
+  bits.resize(std::max(bits.size(), static_cast<std::size_t>(length)));
+  if (digits.empty() || std::count(bits.begin() + length_bits, bits.end(), true) > 0) {
+    throw std::invalid_argument("0x" + digits + " does not fit " + std::to_string(length) +
+                                " bits");
+  }
+  bits.resize(static_cast<std::size_t>(length));
+  return bits;
+}
+
+}  // namespace
+
+ProbeChoice ParseProbe(const std::string& text) {
+  std::string rest = text;
+  if (text == "sim") return {};
+  if (TakePrefix(rest, "remote-bitbang:")) {
+    return {ProbeChoice::Kind::kBitbang, ParseEndpoint(rest), ""};
+  }
+  if (!TakePrefix(rest, "openocd:")) {
+    throw std::invalid_argument(
+        "expected sim, remote-bitbang:HOST:PORT, remote-bitbang:unix:PATH or "
+        "openocd:HOST:PORT[:TAP]");
+  }
+  // A colon behind the port begins the TAP; those of an IPv6 address stand in brackets.
+  const std::size_t host_end = std::min(rest.find(']'), rest.size()) % rest.size();
+  const std::size_t port = std::min(rest.find(':', host_end), rest.size() - 1);
+  const std::size_t port_end = std::min(rest.find(':', port + 1), rest.size());
+  const std::string tap = rest.substr(std::min(port_end + 1, rest.size()));
+  return {ProbeChoice::Kind::kOpenocd, ParseEndpoint(rest.substr(0, port_end)), tap};
+}
+
+Endpoint ParseServeEndpoint(const std::string& text) {
+  std::string rest = text;
+  if (!TakePrefix(rest, "tcp:")) {
+    if (text.compare(0, 5, "unix:") == 0) return ParseEndpoint(text);
+    throw std::invalid_argument("expected tcp:PORT, tcp:ADDRESS:PORT or unix:PATH");
+  }
+  return ParseEndpoint(rest.find(':') == std::string::npos ? "127.0.0.1:" + rest : rest);
+}
+
+std::uint32_t ParseIdcode(const std::string& text) {
+  const auto idcode = static_cast<std::uint32_t>(Number(text, 16, UINT32_MAX));
+  if ((idcode & 1) == 0) throw std::invalid_argument("bit 0 of an IDCODE is 1");
+  return idcode;
+}
+
+void ParseRegister(const std::string& text, TargetOptions& target) {
+  const std::size_t colon = text.find(':');
+  const std::size_t equals = std::min(text.find('='), text.size());
+  if (colon == std::string::npos || colon > equals) {
+    throw std::invalid_argument("expected IR:BITS or IR:BITS=HEX");
+  }
+  const std::uint64_t instruction = Number(text.substr(0, colon), 0, UINT32_MAX);
+  const auto bits =
+      static_cast<int>(Number(text.substr(colon + 1, equals - colon - 1), 10, kLongestRegister));
+  if (bits == 0) throw std::invalid_argument("a register has 1 bit or more");
+  target.registers[instruction] =
+      equals == text.size() ? BitsOfNumber(0, bits) : HexBits(text.substr(equals + 1), bits);
+}
+
+}  // namespace icehost

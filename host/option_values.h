@@ -1,0 +1,24 @@
+// The values of options that have a form of their own. Each throws std::invalid_argument that says
+// what is expected.
+#ifndef ICESCRIPT_HOST_OPTION_VALUES_H_
+#define ICESCRIPT_HOST_OPTION_VALUES_H_
+
+#include <cstdint>
+#include <string>
+
+#include "host/command_line.h"
+
+namespace icehost {
+
+// "sim", "remote-bitbang:HOST:PORT", "remote-bitbang:unix:PATH" or "openocd:HOST:PORT[:TAP]".
+ProbeChoice ParseProbe(const std::string& text);
+// "tcp:PORT" on the loopback address, "tcp:ADDRESS:PORT" or "unix:PATH".
+Endpoint ParseServeEndpoint(const std::string& text);
+// Hexadecimal, with or without "0x". Bit 0 of an IDCODE is 1 (IEEE 1149.1).
+std::uint32_t ParseIdcode(const std::string& text);
+// "IR:BITS[=HEX]": adds a register to the target.
+void ParseRegister(const std::string& text, TargetOptions& target);
+
+}  // namespace icehost
+
+#endif  // ICESCRIPT_HOST_OPTION_VALUES_H_

@@ -1,0 +1,37 @@
+#include "host/outputs.h"
+
+#include <iostream>
+
+namespace icehost {
+
+Outputs::Outputs(const RunCommand& command) {
+  if (!command.trace.empty()) {
+    trace.emplace(command.trace == "-" ? std::cerr : Open(command.trace));
+    listeners.push_back(&*trace);
+  }
+  if (!command.json.empty()) {
+    json.emplace(Open(command.json));
+    listeners.push_back(&*json);
+  }
+  if (!command.vcd.empty()) {
+    vcd.emplace(Open(command.vcd));
+    recorders.push_back(&*vcd);
+  }
+  if (!command.svg.empty()) {
+    svg_stream_ = &Open(command.svg);
+    svg.emplace();
+    recorders.push_back(&*svg);
+  }
+}
+
+void Outputs::Complete() {
+  if (svg.has_value()) svg->Write(*svg_stream_);
+  for (const auto& file : files) file->Close();
+}
+
+std::ostream& Outputs::Open(const std::string& path) {
+  files.push_back(std::make_unique<OutputFile>(path));
+  return files.back()->Stream();
+}
+
+}  // namespace icehost

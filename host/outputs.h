@@ -1,0 +1,41 @@
+// What a run writes besides the plug-in's messages.
+#ifndef ICESCRIPT_HOST_OUTPUTS_H_
+#define ICESCRIPT_HOST_OUTPUTS_H_
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "host/command_line.h"
+#include "host/json_writer.h"
+#include "host/output_file.h"
+#include "host/svg_writer.h"
+#include "host/trace_writer.h"
+#include "host/vcd_writer.h"
+
+namespace icehost {
+
+// Members that are not asked for are empty.
+struct Outputs {
+  // Opens the files; throws IoError.
+  explicit Outputs(const RunCommand& command);
+  // Throws IoError where not everything could be written.
+  void Complete();
+
+  std::vector<std::unique_ptr<OutputFile>> files;
+  std::optional<TraceWriter> trace;
+  std::optional<JsonWriter> json;
+  std::optional<VcdWriter> vcd;
+  std::optional<SvgWriter> svg;
+  std::vector<EventListener*> listeners;  // those of the above
+  std::vector<StepRecorder*> recorders;   // likewise
+
+ private:
+  std::ostream& Open(const std::string& path);
+
+  std::ostream* svg_stream_ = nullptr;
+};
+
+}  // namespace icehost
+
+#endif  // ICESCRIPT_HOST_OUTPUTS_H_

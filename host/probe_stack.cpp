@@ -1,0 +1,44 @@
+#include "host/probe_stack.h"
+
+#include <utility>
+
+#include "host/bitbang_port.h"
+#include "host/errors.h"
+#include "host/openocd_probe.h"
+#include "host/sim_port.h"
+
+namespace icehost {
+
+ProbeStack::ProbeStack(const RunCommand& command, const std::vector<StepRecorder*>& recorders) {
+  const auto connect = [&] { return Socket::Connect(command.probe.endpoint, command.timeout); };
+  switch (command.probe.kind) {
+    case ProbeChoice::Kind::kSim:
+      port_ = std::make_unique<SimPort>(command.target);
+      break;
+    case ProbeChoice::Kind::kBitbang:
+      port_ = std::make_unique<BitbangPort>(connect());
+      break;
+    case ProbeChoice::Kind::kOpenocd:
+      if (!recorders.empty()) throw IoError("OpenOCD shows no pins: no waveform of it");
+      probe_ = std::make_unique<OpenocdProbe>(connect(), command.probe.tap);
+      return;
+  }
+  if (!recorders.empty()) recording_ = std::make_unique<RecordingPort>(*port_, recorders);
+  PinPort& top = recording_ != nullptr ? *recording_ : *port_;
+  const bool two_wire = command.probe.kind == ProbeChoice::Kind::kSim;
+  auto pin_probe = std::make_unique<PinProbe>(top, command.wire_mode, two_wire);
+  pin_probe_ = pin_probe.get();
+  probe_ = std::move(pin_probe);
+}
+
+void ProbeStack::Flush() const {
+  if (recording_ != nullptr) recording_->Flush();
+  if (port_ != nullptr) port_->Flush();
+}
+
+std::optional<long> ProbeStack::TckCycles() const {
+  if (pin_probe_ == nullptr) return std::nullopt;
+  return pin_probe_->TckCycles();
+}
+
+}  // namespace icehost

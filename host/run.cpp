@@ -1,0 +1,187 @@
+#include "host/run.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <optional>
+
+#include "host/check.h"
+#include "host/errors.h"
+#include "host/memory_file.h"
+#include "host/observed_probe.h"
+#include "host/outputs.h"
+#include "host/plugin.h"
+#include "host/probe_stack.h"
+#include "host/progress.h"
+
+namespace icehost {
+namespace {
+
+void Complain(const std::string& what) {
+  std::fprintf(stderr, "icehost: %s\n", what.c_str());
+}
+
+// The plug-in reads a script twice, from a path: a pipe would be empty the second time.
+bool IsRegularFile(const std::string& path) {
+  struct stat status = {};
+  return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+}
+
+class Runner {
+ public:
+  explicit Runner(const RunCommand& command)
+      : command_(command),
+        outputs_(command),
+        plugin_(LoadPlugin(command.plugin)),
+        progress_(!command.quiet && isatty(STDERR_FILENO) != 0),
+        stack_(command, outputs_.recorders),
+        observed_(
+            stack_.Top(), outputs_.listeners, [this](const std::string& why) { Say(why); },
+            [this](const std::string& operation) { OnOperation(operation); }) {
+    running = this;
+  }
+  ~Runner() { running = nullptr; }
+  Runner(const Runner&) = delete;
+  Runner& operator=(const Runner&) = delete;
+
+  ExitStatus RunAll() {
+    ExitStatus status = kAllWell;
+    for (const std::string& script : command_.scripts) {
+      status = RunOne(script);
+      if (status != kAllWell) break;
+    }
+    return Complete(status);
+  }
+
+ private:
+  static Plugin LoadPlugin(const std::string& path) {
+    try {
+      return Plugin(path);
+    } catch (const std::runtime_error& error) {
+      throw IoError(std::string("cannot load the plug-in: ") + error.what());
+    }
+  }
+
+  // Messages are shown as they stand: some are pieces of a line.
+  static int Show(const char* message) {
+    running->progress_.Erase();
+    for (EventListener* const listener : running->outputs_.listeners) listener->OnMessage(message);
+    return std::fputs(message, stdout);
+  }
+
+  void Say(const std::string& what) {
+    progress_.Erase();
+    std::fflush(stdout);
+    Complain(what);
+  }
+
+  void OnOperation(const std::string& operation) {
+    progress_.OnOperation();
+    if (outputs_.svg.has_value()) {
+      outputs_.svg->BeginOperation(stack_.Steps(), operation);
+    }
+  }
+
+  ExitStatus RunOne(const std::string& script) {
+    for (EventListener* const listener : outputs_.listeners) listener->OnScript(script);
+    const ExitStatus status = Guarded(script);
+    for (EventListener* const listener : outputs_.listeners) {
+      listener->OnScriptEnd(status == kAllWell);
+    }
+    return status;
+  }
+
+  ExitStatus Guarded(const std::string& script) {
+    std::string content;
+    try {
+      content = ReadScript(script);
+    } catch (const IoError& error) {
+      Say(error.what());
+      return kScriptFailed;
+    }
+    try {
+      return RunContent(script, std::move(content));
+    } catch (const Interrupted& error) {
+      Say(error.what());
+      return kInterrupted;
+    } catch (const IoError& error) {
+      Say(error.what());
+      return kNotOpened;
+    } catch (const std::exception& error) {
+      Say(script + ": the plug-in threw an exception: " + error.what());
+    } catch (...) {
+      Say(script + ": the plug-in threw an exception");
+    }
+    return kScriptFailed;
+  }
+
+  ExitStatus RunContent(const std::string& script, std::string content) {
+    std::optional<MemoryFile> copy;
+    if (!IsRegularFile(script)) copy.emplace(content);
+    const bool ran = plugin_.Run(observed_, copy.has_value() ? copy->Path() : script, Show);
+    stack_.Flush();
+    const ScriptText text(script, std::move(content));
+    if (!ran) {
+      Say(script + " failed");
+      return kScriptFailed;
+    }
+    // The plug-in's result is 0 for a JTAG script with errors.
+    if (!IsGpioScript(text) && Check(text).HasErrors()) {
+      Say(script + " has errors; icehost check shows them");
+      return kScriptFailed;
+    }
+    return kAllWell;
+  }
+
+  ExitStatus Complete(ExitStatus status) {
+    progress_.Erase();
+    std::fflush(stdout);
+    if (command_.summary) Summarise();
+    try {
+      outputs_.Complete();
+    } catch (const IoError& error) {
+      Complain(error.what());
+      if (status == kAllWell) return kNotOpened;
+    }
+    return status;
+  }
+
+  void Summarise() const {
+    const RunCounts& counts = observed_.Counts();
+    const std::optional<long> tck_cycles = stack_.TckCycles();
+    const std::string cycles = tck_cycles.has_value() ? std::to_string(*tck_cycles) : "unknown";
+    std::fprintf(stderr, "operations %ld, TCK cycles %s, bits shifted %ld, reads %ld, %.3f s\n",
+                 counts.operations, cycles.c_str(), counts.bits, counts.reads,
+                 progress_.Elapsed().count());
+  }
+
+  static Runner* running;  // callbacks carry no handle
+
+  const RunCommand& command_;
+  Outputs outputs_;
+  Plugin plugin_;
+  Progress progress_;
+  ProbeStack stack_;
+  ObservedProbe observed_;
+};
+
+Runner* Runner::running = nullptr;
+
+}  // namespace
+
+ExitStatus Run(const RunCommand& command) {
+  // The plug-in writes to standard output itself, too.
+  if (command.quiet && std::freopen("/dev/null", "w", stdout) == nullptr) return kNotOpened;
+  try {
+    return Runner(command).RunAll();
+  } catch (const Interrupted& error) {
+    Complain(error.what());
+    return kInterrupted;
+  } catch (const IoError& error) {
+    Complain(error.what());
+    return kNotOpened;
+  }
+}
+
+}  // namespace icehost

@@ -1,0 +1,118 @@
+#!/usr/bin/env bash
+# icehost with programs that are not ours: OpenOCD as client and as probe, sigrok-cli on the waveform,
+# an XML parser on the picture. usage: peers.sh ICEHOST SOURCE_FOLDER
+set -euo pipefail
+icehost=$1
+cd "$2"
+scratch=$(mktemp -d)
+trap 'kill $(jobs -p) 2>/dev/null || true; rm -rf "$scratch"' EXIT
+
+fail() { echo "FAILED: $*"; cat "$scratch"/*.log; exit 1; }
+
+# wait_for PATTERN FILE: what the pattern matches, once the file has it.
+wait_for() {
+  local found
+  for _ in $(seq 100); do
+    found=$(grep -oE "$1" "$2" 2>/dev/null | head -n 1) && { echo "$found"; return; }
+    sleep 0.1
+  done
+  fail "no $1 in $2"
+}
+
+"$icehost" serve tcp:0 --idcode 0x2BADC0DF 2>"$scratch/serve.log" &
+server=$!
+port=$(wait_for '[0-9]+$' "$scratch/serve.log")
+
+# A client that sends nonsense and goes; the TAP is asked twice, bytes without a meaning between.
+exec 3<>"/dev/tcp/127.0.0.1/$port"
+printf 'BxRb\n~R' >&3
+read -r -t 5 -n 2 -u 3 answers || fail "no answer to R"
+[ "$answers" = 11 ] || fail "TDO read as $answers"
+exec 3>&-
+
+cat >"$scratch/openocd.cfg" <<END
+adapter driver remote_bitbang
+remote_bitbang host 127.0.0.1
+remote_bitbang port $port
+transport select jtag
+reset_config srst_only
+jtag newtap sim tap -irlen 5 -expected-id 0x2BADC0DF
+gdb_port disabled
+telnet_port disabled
+tcl_port 0
+END
+openocd -f "$scratch/openocd.cfg" -c init \
+  -c 'irscan sim.tap 2; drscan sim.tap 32 0x12345678' \
+  -c 'echo "scratch [drscan sim.tap 32 0]"' >"$scratch/openocd.log" 2>&1 &
+openocd=$!
+grep -q 'tap/device found: 0x2badc0df' <(wait_for 'tap/device found: 0x[0-9a-f]+' \
+  "$scratch/openocd.log") || fail "OpenOCD found another IDCODE"
+[ "$(wait_for 'scratch .*' "$scratch/openocd.log")" = "scratch 12345678" ] || fail "scratch register"
+tcl_port=$(wait_for 'port [0-9]+ for tcl' "$scratch/openocd.log" | tr -dc 0-9)
+
+# same_as_simulated PROBE SCRIPT...
+same_as_simulated() {
+  local probe=$1 script
+  shift
+  for script; do
+    "$icehost" run --idcode 0x2BADC0DF "$script" >"$scratch/simulated.txt"
+    "$icehost" run --probe "$probe" "$script" >"$scratch/run.txt" 2>"$scratch/run.log" ||
+      fail "$script on $probe"
+    diff "$scratch/simulated.txt" "$scratch/run.txt" || fail "$script differs on $probe"
+  done
+}
+# refused PROBE SCRIPT MESSAGE
+refused() {
+  "$icehost" run --probe "$1" "$2" >/dev/null 2>"$scratch/run.log" && fail "$2 ran on $1"
+  [ "$(cat "$scratch/run.log")" = "icehost: $3
+icehost: $2 failed" ] || fail "$2 on $1 said something else"
+}
+
+scans=(examples/read_idcode.ini examples/scratch_register.ini examples/reset.ini)
+same_as_simulated "openocd:localhost:$tcl_port" "${scans[@]}"
+same_as_simulated "openocd:localhost:$tcl_port:sim.tap" examples/read_idcode.ini
+refused "openocd:localhost:$tcl_port" examples/two_wire.ini \
+  "OpenOCD cannot select the 2-wire interface"
+refused "openocd:localhost:$tcl_port" examples/read_idcode.gpio \
+  "OpenOCD cannot drive single pins: GPIO scripts do not run on it"
+kill "$openocd"
+wait "$openocd" || true
+
+bitbang="remote-bitbang:127.0.0.1:$port"
+same_as_simulated "$bitbang" "${scans[@]}" examples/read_idcode.gpio
+refused "$bitbang" examples/two_wire.ini "these pins have no 2-wire interface"
+refused "$bitbang" examples/reset_pulse.gpio \
+  "remote_bitbang has no output enables: only TDO can be released"
+
+# The waveform, of the simulated probe and across the network, as a logic analyser decodes it.
+for run in "--idcode 0x2BADC0DF examples/read_idcode.ini" \
+  "--idcode 0x2BADC0DF examples/read_idcode.gpio" "--probe $bitbang examples/read_idcode.ini"; do
+  # shellcheck disable=SC2086
+  "$icehost" run -q --vcd "$scratch/run.vcd" --svg "$scratch/run.svg" $run
+  sigrok-cli -l 1 -I vcd -i "$scratch/run.vcd" -P jtag:tdi=tdi:tdo=tdo:tck=tck:tms=tms \
+    -A jtag=bitstring-tdi:bitstring-tdo >"$scratch/decoded.log"
+  grep -q 'DR TDO: .* (0x2badc0df), 32 bits' "$scratch/decoded.log" || fail "decoding $run"
+  xmllint --noout "$scratch/run.svg" || fail "the picture is not well-formed"
+done
+
+kill -TERM "$server"
+wait "$server" || fail "serve ended with $?"
+"$icehost" serve "unix:$scratch/socket" 2>"$scratch/unix.log" &
+server=$!
+wait_for 'unix:.*' "$scratch/unix.log" >/dev/null
+"$icehost" run -q --probe "remote-bitbang:unix:$scratch/socket" examples/reset.ini || fail "UNIX socket"
+kill -INT "$server"
+wait "$server" || fail "serve ended with $?"
+[ ! -e "$scratch/socket" ] || fail "the socket file is left"
+
+# An endless run is interrupted, and what it wrote is complete.
+printf '[ZEVA_ICE_GPIO]\nSTART\nREPT=2000000000\nTCK=1\nTCK=0\nENDR\nEND\n' >"$scratch/endless.gpio"
+"$icehost" run --svg "$scratch/endless.svg" "$scratch/endless.gpio" >/dev/null 2>"$scratch/end.log" &
+run=$!
+sleep 0.5
+kill -INT "$run"
+status=0
+wait "$run" || status=$?
+[ "$status" = 130 ] && [ "$(cat "$scratch/end.log")" = "icehost: interrupted" ] || fail "interrupt"
+xmllint --noout "$scratch/endless.svg" || fail "the picture of an interrupted run"
+echo "peers: all well"
