@@ -31,7 +31,7 @@ char ResetByte(int levels) {
 BitbangPort::~BitbangPort() {
   try {
     Put('Q');
-    Flush();
+    SendBuffered();
   } catch (const std::exception&) {
     // The connection is gone, or the user wants to be: there is nobody to say good-bye to.
   }
@@ -85,16 +85,16 @@ void BitbangPort::PutChanged(char byte, char& last) {
 
 void BitbangPort::Put(char byte) {
   unsent_ += byte;
-  if (unsent_.size() == kSendAt) Flush();
+  if (unsent_.size() == kSendAt) SendBuffered();
 }
 
-void BitbangPort::Flush() {
+void BitbangPort::SendBuffered() {
   const std::string bytes = std::exchange(unsent_, {});
   socket_.Send(bytes);
 }
 
 void BitbangPort::TakeAnswers() {
-  Flush();
+  SendBuffered();
   while (unanswered_ > 0) {
     const std::string answers = socket_.Receive(unanswered_);
     if (answers.empty()) throw IoError(socket_.Name() + ": the server closed the connection");

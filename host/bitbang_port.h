@@ -27,12 +27,13 @@ class BitbangPort : public PinPort {
   int Read() override;
   void SampleTdo() override;
   Bits CollectTdo() override;
-  void Flush() override;
+  void Flush() override { SendBuffered(); }
 
  private:
   void Put(char byte);
   void PutChanged(char byte, char& last);
   void ClockTapReset();
+  void SendBuffered();
   void TakeAnswers();
 
   Socket socket_;

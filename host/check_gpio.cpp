@@ -1,13 +1,12 @@
 // What is wrong with a GPIO script.
 #include <algorithm>
-#include <cstdio>
-#include <memory>
 #include <optional>
+#include <string_view>
 
 #include "base/ini_file.h"
+#include "base/number.h"
 #include "base/text.h"
 #include "entry/icescript.h"
-#include "gpio/gpio_scr.h"
 #include "host/check.h"
 #include "host/memory_file.h"
 #include "host/pin_names.h"
@@ -39,14 +38,22 @@ std::string WithoutLineBreak(std::string text) {
   return text;
 }
 
+// A message of the reader about a line: "Syntax error in line3 : TCK=2".
+constexpr std::string_view kBeforeNumber = "Syntax error in line";
+constexpr std::string_view kBeforeItem = " : ";
+
+// The line that a message of the reader is about, or 0.
+int LineNumber(std::string_view message) {
+  if (message.substr(0, kBeforeNumber.size()) != kBeforeNumber) return 0;
+  return icescript::ParseNumber(message.substr(kBeforeNumber.size()), 10);
+}
+
 // The line and column that a message of the reader is about.
 void PlaceReaderError(const ScriptText& script, const std::string& message,
                       const std::vector<const ScriptLine*>& text_lines, Problems& problems) {
-  int number = 0;
-  int item_at = 0;
-  if (std::sscanf(message.c_str(), "Syntax error in line%d : %n", &number, &item_at) == 1) {
+  if (const int number = LineNumber(message); number != 0) {
     const ScriptLine& line = script.Lines()[static_cast<std::size_t>(number) - 1];
-    const std::string item = message.substr(static_cast<std::size_t>(item_at));
+    const std::string item = message.substr(message.find(kBeforeItem) + kBeforeItem.size());
     const std::size_t at = line.text.find(WithoutLineBreak(item));
     const std::size_t shown = at == std::string::npos ? 0 : line.text.find_first_not_of(' ', at);
     problems.Error(line, line.ColumnAt(std::min(shown, line.text.size())),
@@ -71,8 +78,8 @@ bool ReadRepaired(const ScriptText& script, std::optional<CIniFile>& ini,
     ini.emplace(CString(file.Path()));
     if (ini->ReadGpioFile() == icescript::GPIO_READ_OK) return true;
     PlaceReaderError(script, ini->error_msg, TextLines(script, left_out), problems);
-    int number = 0;
-    if (std::sscanf(ini->error_msg, "Syntax error in line%d", &number) != 1) return false;
+    const int number = LineNumber(ini->error_msg);
+    if (number == 0) return false;
     left_out.push_back(number);
   }
   return false;
@@ -88,6 +95,7 @@ struct Element {
 
 std::vector<Element> Elements(CIniFile& ini, const std::vector<const ScriptLine*>& text_lines) {
   std::vector<Element> elements;
+  elements.reserve(ini.GetGpioNum());
   for (int i = 0; i < static_cast<int>(ini.GetGpioNum()); ++i) {
     elements.push_back({text_lines[static_cast<std::size_t>(i) + 1],
                         ini.GetGpioValue(i, icescript::GPIO_FIELD_OUT_VALUE),

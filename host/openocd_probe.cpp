@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <sstream>
 
+#include "base/number.h"
 #include "entry/icescript.h"
 #include "host/errors.h"
 
@@ -54,7 +55,7 @@ std::string OpenocdProbe::Ask(const std::string& command) {
   }
   const std::string answer = received_.substr(0, end);
   received_.erase(0, end + 1);
-  const std::string result = answer.size() > 2 ? answer.substr(2) : "";
+  std::string result = answer.size() > 2 ? answer.substr(2) : "";
   if (answer.substr(0, 1) == "0") return result;
   if (answer.substr(0, 1) == "1") throw Unsupported("OpenOCD: " + command + ": " + result);
   throw IoError(socket_.Name() + ": this is no answer of OpenOCD's: \"" + answer + "\"");
@@ -75,7 +76,7 @@ int OpenocdProbe::DeclaredIrLength() {
   std::istringstream table(Ask("capture {scan_chain}"));
   for (std::string row; std::getline(table, row);) {
     const std::vector<std::string> columns = Words(row);
-    if (columns.size() >= 8 && columns[1] == tap_) return std::atoi(columns[5].c_str());
+    if (columns.size() >= 8 && columns[1] == tap_) return icescript::ParseNumber(columns[5], 10);
   }
   throw IoError("OpenOCD does not say the IR length of " + tap_);
 }
