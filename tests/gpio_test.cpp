@@ -70,6 +70,9 @@ TEST(GpioScript, TurnsLinesIntoOperations) {
       {"rept=2\nTCK=1\nREPT=3\nTCK=0\nENDR=9\nENDR\nREPT=1\nTMS=1\nENDR\nREPT=5\nENDR\nEND",
        "gpio 04 3f 01\ngpio 00 3f 01\ngpio 00 3f 01\ngpio 00 3f 01\ngpio 04 3f 01\ngpio 00 3f 01\n"
        "gpio 00 3f 01\ngpio 00 3f 01\ngpio 08 3f 01\ngpio 08 3f 10\n"},
+      // Blocks that do nothing take no time.
+      {"REPT=2\nTCK=1\nREPT=2147483647\nREPT=2147483647\nENDR\nREPT=9\nENDR\nENDR\nENDR\nEND",
+       "gpio 04 3f 01\ngpio 04 3f 01\ngpio 04 3f 10\n"},
   };
   for (const auto& test : kCases) EXPECT_EQ(Operations(test.lines), test.operations) << test.lines;
 }
