@@ -7,9 +7,6 @@
 namespace {
 
 constexpr char kGpio[] = "[ORVEX_ICE_GPIO]\nSTART\nREPT=2\nPRINT=GPIO_IN\nENDR\nEND";
-constexpr char kBadGpio[] = "[ORVEX_ICE_GPIO]\nSTART\nREPT=2\nREPT=2\nEND";
-constexpr char kBadEndr[] = "[ORVEX_ICE_GPIO]\nSTART\nTCK=1\nENDR\nEND";
-constexpr char kJtag[] = "[A]\nIR=5,1\nDR=R,8,1\n[B]\nIR=";
 
 TEST(Entry, RefusesWhatItCannotOpen) {
   FakeHost no_path;
@@ -34,28 +31,6 @@ TEST(Entry, NumbersReadsAcrossCalls) {
   };
   EXPECT_EQ(module.entry(&host, script.Path(), keep), 0);
   EXPECT_EQ(last, "GPIO_DATA_3 = 0x00000003\n");
-}
-
-TEST(Entry, PrintsNothingWithoutACallback) {
-  for (const char* const text : {kGpio, kBadGpio, kJtag}) {
-    TempFile script(text);
-    FakeHost host;
-    const Module module;
-    EXPECT_EQ(module.entry(&host, script.Path(), nullptr), text == kBadGpio ? -1 : 0);
-  }
-}
-
-// Thrown from the parsers' constructors as well as from the loops: it arrives, and nothing leaks.
-TEST(Entry, PassesTheHostsExceptionOn) {
-  for (const char* const text : {kGpio, kBadGpio, kBadEndr, kJtag}) {
-    int k = 0;
-    for (bool thrown = true; thrown; ++k) {
-      FakeHost host;
-      host.throw_after = k;
-      thrown = host.RunText(text).find("thrown 42\n") != std::string::npos;
-    }
-    EXPECT_GT(k, 1) << text;
-  }
 }
 
 // What goes to standard output must be there when the host dies of something else.

@@ -20,6 +20,9 @@ class FakeHost {
   // Results by the call's first word, or "query" for link_config(LINK_CONFIG_GET_CDI): the n-th
   // call gets the n-th, 0 where there is none.
   std::map<std::string, std::vector<int>> results;
+  // The call of this number, counted over all of them, gets `answer` instead; negative: none does.
+  int answered_call = -1;
+  int answer = 0;
   // What the n-th pin read stores; a read past the end stores nothing.
   std::vector<std::uint32_t> pin_reads;
   // Copied to the start of the capture buffer.

@@ -12,7 +12,6 @@ namespace {
 const std::string kHead = "[ORVEX_ICE_GPIO]\nSTART\n";
 const std::string kBanner = "\"Execute ORVEX_ICE_GPIO Script.\\n\"\n";
 const std::string kEnd = "\"Execute ORVEX ICE Script End.\\n\"\n= 0\n";
-const std::string kFailed = "\"error: fail to execute orvex_ice_gpio script.\\n\"\n= -1\n";
 
 // What a script of these lines after START does, between the START operation and the end banner;
 // the whole transcript where it does not come to that.
@@ -162,20 +161,6 @@ TEST(GpioScript, ReportsReads) {
                 "gpio 00 3f 02\n\"error: Get GPIO_DATA_4 fail.\"\n"
                 "gpio 00 3f 10\n" +
                 kEnd);
-}
-
-TEST(GpioScript, StopsAtTheFirstFailure) {
-  for (const int result : {-1, INT_MIN}) {
-    FakeHost host;
-    host.results["gpio"] = {0, 1, INT_MAX, result};
-    EXPECT_EQ(host.RunText(kHead + "REPT=9\nPRINT=GPIO_IN\nENDR\nEND"),
-              kBanner +
-                  "gpio 00 3f 08\n"
-                  "gpio 00 3f 02\n\"error: Get GPIO_DATA_0 fail.\"\n"
-                  "gpio 00 3f 02\n\"error: Get GPIO_DATA_1 fail.\"\n"
-                  "gpio 00 3f 02\n" +
-                  kFailed);
-  }
 }
 
 TEST(GpioTable, AnswersBadAccess) {
