@@ -52,7 +52,7 @@ class CIniFile {
 
   CIniFile() = default;
   explicit CIniFile(CString file_path) : path(std::move(file_path)) {}
-  explicit CIniFile(char* file_path) { path = file_path; }
+  explicit CIniFile(char* file_path) : path(file_path) {}
   virtual ~CIniFile() = default;
 
   void SetPath(CString file_path) { path = std::move(file_path); }
