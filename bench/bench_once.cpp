@@ -1,0 +1,35 @@
+// Runs one workload once, to be counted by valgrind: bench_once NAME SIZE. Without arguments lists
+// them all as NAME|UNIT|UNITS FOR EACH 1 OF SIZE|SIZE.
+#include <cstdlib>
+#include <iostream>
+
+#include "bench/workloads.h"
+
+namespace {
+
+void List() {
+  for (const Workload& workload : Workloads()) {
+    for (const int size : workload.sizes) {
+      std::cout << workload.name << '|' << workload.unit << '|' << workload.units << '|' << size
+                << '\n';
+    }
+  }
+}
+
+int RunOnce(const std::string& name, int size) {
+  for (const Workload& workload : Workloads()) {
+    if (workload.name != name) continue;
+    const ScriptFile script(workload, size);
+    RunWorkload(workload, script.Path(), size);
+    return 0;
+  }
+  std::cerr << "no workload " << name << '\n';
+  return 2;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc == 3) return RunOnce(argv[1], std::atoi(argv[2]));
+  List();
+}

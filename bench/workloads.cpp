@@ -1,0 +1,142 @@
+#include "bench/workloads.h"
+
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+
+#include "bench/idle_host.h"
+
+namespace {
+
+// ---- Scripts
+
+constexpr char kGpioStart[] = "[ORVEX_ICE_GPIO]\nSTART\n";
+
+// 13 bytes a line.
+void WriteFlat(std::ostream& script, int size) {
+  script << kGpioStart;
+  for (int i = 0; i < size; ++i) script << (i % 2 == 0 ? "TCK=1, TDI=0\n" : "TCK=0, TMS=1\n");
+  script << "END\n";
+}
+
+void WriteNested(std::ostream& script, int size) {
+  script << kGpioStart << "REPT=" << size
+         << "\nREPT=1000\nTCK=0\nTDI=1\nTCK=1\nTDI=0\nENDR\nENDR\nEND\n";
+}
+
+void WriteOneItemLines(std::ostream& script, int size) {
+  script << kGpioStart;
+  for (int i = 0; i < size; ++i) script << "TCK\n";
+  script << "END\n";
+}
+
+void WriteLongLines(std::ostream& script, int size) {
+  script << kGpioStart;
+  for (int i = 0; i < size; ++i) {
+    for (int item = 0; item < 499; ++item) script << "TCK,";
+    script << "TCK\n";
+  }
+  script << "END\n";
+}
+
+// 46 bytes a section.
+void WriteJtag(std::ostream& script, int size) {
+  for (int i = 0; i < size; ++i) {
+    const std::string number = std::to_string(i);
+    script << "[S" << std::string(4 - number.size(), '0') << number
+           << "]\nIR=5,0x01\nDR=R,32,0x12,0x34,0x56,0x78\n";
+  }
+}
+
+// ---- Runs
+
+int Implement(int& handle, const std::string& path) {
+  static const auto entry = [] {
+    void* const module = dlopen(ICESCRIPT_MODULE, RTLD_NOW | RTLD_LOCAL);
+    if (module == nullptr) throw std::runtime_error(dlerror());
+    return reinterpret_cast<decltype(&ImplementScr)>(dlsym(module, "ImplementScr"));
+  }();
+  std::string name = path;  // the entry takes a char* but does not write to it
+  return entry(&handle, name.data(), DropMessage);
+}
+
+void RunScript(const std::string& path, int /*size*/) {
+  if (Implement(idle_runs, path) != 0) std::abort();
+}
+
+void ParseScript(const std::string& path, int /*size*/) {
+  if (Implement(idle_stops, path) != -1) std::abort();
+}
+
+void CallHost(const std::string& /*path*/, int size) {
+  uint32_t data = 0;
+  for (int i = 0; i < size; ++i) {
+    if (link_gpio_operator(&idle_runs, 0, &data, 0, 0) < 0) std::abort();
+  }
+}
+
+void GetLines(const std::string& path, int size) {
+  std::ifstream file(path);
+  std::string line;
+  int lines = 0;
+  while (std::getline(file, line)) ++lines;
+  if (lines < size) std::abort();
+}
+
+void FindLineEnds(const std::string& path, int size) {
+  const auto bytes = static_cast<std::size_t>(std::filesystem::file_size(path));
+  const int file = open(path.c_str(), O_RDONLY);
+  void* const text = mmap(nullptr, bytes, PROT_READ, MAP_PRIVATE | MAP_POPULATE, file, 0);
+  if (text == MAP_FAILED) std::abort();
+  const char* const end = static_cast<const char*>(text) + bytes;
+  int lines = 0;
+  for (const void* at = text; at != nullptr; ++lines) {
+    const char* const rest = static_cast<const char*>(at) + (lines == 0 ? 0 : 1);
+    at = std::memchr(rest, '\n', static_cast<std::size_t>(end - rest));
+  }
+  munmap(text, bytes);
+  close(file);
+  if (lines < size) std::abort();
+}
+
+}  // namespace
+
+const std::vector<Workload>& Workloads() {
+  static const std::vector<int> kLineCounts = {1000, 10000, 100000, 1000000};
+  static const std::vector<Workload> workloads = {
+      {"gpio", "line", 1, kLineCounts, WriteFlat, RunScript},
+      {"gpio, parse and list", "line", 1, kLineCounts, WriteFlat, ParseScript},
+      {"gpio, nested REPT", "operation", 4000, {1000}, WriteNested, RunScript},
+      {"gpio, lines of 1 item", "item", 1, {10000}, WriteOneItemLines, ParseScript},
+      {"gpio, lines of 500 items", "item", 500, {100}, WriteLongLines, ParseScript},
+      {"jtag", "section", 1, {10, 100, 1000, 10000}, WriteJtag, RunScript},
+      {"limit: bare host call", "call", 1, {100000}, WriteFlat, CallHost},
+      {"limit: std::getline", "line", 1, {100000}, WriteFlat, GetLines},
+      {"limit: memchr", "line", 1, {100000}, WriteFlat, FindLineEnds},
+  };
+  return workloads;
+}
+
+ScriptFile::ScriptFile(const Workload& workload, int size) {
+  path_ = std::filesystem::temp_directory_path() / "icescript_benchXXXXXX";
+  const int file = mkstemp(path_.data());
+  if (file < 0) throw std::runtime_error("cannot write " + path_);
+  close(file);
+  std::ofstream script(path_);
+  workload.write(script, size);
+}
+
+ScriptFile::~ScriptFile() {
+  unlink(path_.c_str());
+}
+
+void RunWorkload(const Workload& workload, const std::string& path, int size) {
+  workload.run(path, size);
+}
