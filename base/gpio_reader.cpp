@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "base/ini_file.h"
+#include "base/line_reader.h"
 #include "base/number.h"
 #include "base/text.h"
 #include "entry/icescript.h"
@@ -33,12 +34,12 @@ class LineCursor {
 
   // Goes to the next line that is not blank; false when the file has no more.
   bool Next() {
-    while (CIniFile::getline(is_, raw_)) {
+    do {
+      text_ = TrimBlanks(ReadLine(is_, buffer_));
+      if (!is_) return false;
       ++number_;
-      text_ = TrimBlanks(raw_.Text());
-      if (!text_.empty()) return true;
-    }
-    return false;
+    } while (text_.empty());
+    return true;
   }
 
   std::string_view Text() const { return text_; }
@@ -47,8 +48,8 @@ class LineCursor {
 
  private:
   std::istream& is_;
-  CString raw_;
-  std::string_view text_;
+  char buffer_[INI_LINE_BUFFER];
+  std::string_view text_;     // in buffer_
   std::uint32_t number_ = 0;  // unsigned: a file may have more lines than an int counts
 };
 
@@ -81,13 +82,14 @@ class GpioLineParser {
   // element (kLine, kEnd) or BadItem() the item that was refused (kSyntaxError, kBadWord).
   Result Parse(std::string_view line, const CIniFile::gpio_element& previous) {
     element_ = {previous.out_value, previous.oe_mask, 0, GPIO_KIND_PIN, 0};
-    alone_ = line.find(',') == std::string_view::npos;
+    std::size_t comma = line.find(',');
+    alone_ = comma == std::string_view::npos;
     for (;;) {
-      const std::size_t comma = line.find(',');
       item_ = line.substr(0, comma);
       const Result result = Apply(Item(item_));
       if (result != Result::kLine || comma == std::string_view::npos) return result;
       line.remove_prefix(comma + 1);
+      comma = line.find(',');
     }
   }
 
@@ -196,28 +198,9 @@ int CIniFile::ReadGpioFile() {
   return fail("Syntax error, no end found");
 }
 
-int CIniFile::GetGpioValue(int index, int field) {
-  const auto at = static_cast<std::size_t>(index);  // a negative index is beyond any table
-  if (at >= gpio_elements.size()) {
-    std::snprintf(error_msg, sizeof error_msg, "internal error: fail to get valule.");
-    return -1;
-  }
-  const gpio_element& element = gpio_elements[at];
-  switch (field) {
-    case GPIO_FIELD_OUT_VALUE:
-      return element.out_value;
-    case GPIO_FIELD_OE_MASK:
-      return element.oe_mask;
-    case GPIO_FIELD_FLAGS:
-      return element.flags;
-    case GPIO_FIELD_KIND:
-      return element.kind;
-    case GPIO_FIELD_REPEAT_COUNT:
-      return element.repeat_count;
-    default:
-      std::snprintf(error_msg, sizeof error_msg, "internal error: invalid value access.");
-      return -1;
-  }
+int CIniFile::RefuseGpioValue(const char* message) {
+  std::snprintf(error_msg, sizeof error_msg, "%s", message);
+  return -1;
 }
 
 }  // namespace icescript

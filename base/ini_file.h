@@ -92,7 +92,25 @@ class CIniFile {
   // Number of lines in the table.
   unsigned long GetGpioNum() const { return gpio_elements.size(); }
   // Field `field` (GPIO_FIELD_) of line `index`; -1 with a message when there is none.
-  int GetGpioValue(int index, int field);
+  int GetGpioValue(int index, int field) {
+    const auto at = static_cast<std::size_t>(index);  // a negative index is beyond any table
+    if (at >= gpio_elements.size()) return RefuseGpioValue("internal error: fail to get valule.");
+    const gpio_element& element = gpio_elements[at];
+    switch (field) {
+      case GPIO_FIELD_OUT_VALUE:
+        return element.out_value;
+      case GPIO_FIELD_OE_MASK:
+        return element.oe_mask;
+      case GPIO_FIELD_FLAGS:
+        return element.flags;
+      case GPIO_FIELD_KIND:
+        return element.kind;
+      case GPIO_FIELD_REPEAT_COUNT:
+        return element.repeat_count;
+      default:
+        return RefuseGpioValue("internal error: invalid value access.");
+    }
+  }
 
   // Reads one line without its comment ("#" to the end) and trailing spaces. The line was read
   // unless the stream's fail or bad state is set: end of file, or a line of INI_LINE_BUFFER
@@ -110,6 +128,8 @@ class CIniFile {
     std::vector<CString> values;
     std::vector<CString> value_names;
   };
+
+  int RefuseGpioValue(const char* message);
 
   CString path;
   std::vector<gpio_element> gpio_elements;

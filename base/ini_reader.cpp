@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "base/ini_file.h"
+#include "base/line_reader.h"
 #include "base/text.h"
 
 namespace icescript {
@@ -16,9 +17,10 @@ bool CIniFile::ReadFile() {
     return false;
   }
   std::string section;  // values before the first header belong to the section named ""
-  CString raw;
-  while (getline(file, raw)) {
-    const std::string_view line = TrimBlanks(raw.Text());
+  char buffer[INI_LINE_BUFFER];
+  for (;;) {
+    const std::string_view line = TrimBlanks(ReadLine(file, buffer));
+    if (!file) return true;
     if (line.empty()) continue;
     if (line.front() == '[' && line.back() == ']') {
       section = TrimRight(TrimLeft(line, '['), ']');
@@ -33,7 +35,6 @@ bool CIniFile::ReadFile() {
     SetValue(section, std::string(line.substr(0, equals)), std::string(line.substr(equals + 1)),
              true);
   }
-  return true;
 }
 
 }  // namespace icescript

@@ -1,6 +1,6 @@
 // The INI store of CIniFile.
 #include <cstdio>
-#include <cstring>
+#include <string_view>
 #include <utility>
 
 #include "base/ini_file.h"
@@ -8,15 +8,21 @@
 namespace icescript {
 namespace {
 
-// Up to the first NUL, as C strings compare: a name given through SetValue may hold one.
-bool SameName(const CString& a, const CString& b) {
-  return std::strcmp(a.Text().c_str(), b.Text().c_str()) == 0;
+// Whether `name` up to its first NUL is `wanted`, which holds none. From the end backwards, since
+// the names of a long script tend to be numbered.
+bool IsNamed(const std::string& name, std::string_view wanted) {
+  std::size_t left = wanted.size();
+  if (name.size() < left || name[left] != '\0') return false;
+  while (left > 0 && name[left - 1] == wanted[left - 1]) --left;
+  return left == 0;
 }
 
-// Position of `name` among `names`, or -1.
+// Position of `name` among `names`, or -1. Both up to the first NUL, as C strings compare: a name
+// given through SetValue may hold one.
 int FindName(const std::vector<CString>& names, const CString& name) {
+  const std::string_view wanted = name.Text().c_str();
   for (std::size_t i = 0; i < names.size(); ++i) {
-    if (SameName(name, names[i])) return static_cast<int>(i);
+    if (IsNamed(names[i].Text(), wanted)) return static_cast<int>(i);
   }
   return -1;
 }

@@ -1,19 +1,22 @@
-// The line reader and the splitter of CIniFile.
+#include "base/line_reader.h"
+
 #include <algorithm>
+#include <cstring>
 #include <memory>
 #include <string_view>
 
-#include "base/ini_file.h"
 #include "base/text.h"
 
 namespace icescript {
 
+std::string_view ReadLine(std::istream& is, char (&buffer)[INI_LINE_BUFFER]) {
+  is.getline(buffer, INI_LINE_BUFFER);  // always terminates the buffer, also where it fails
+  return TrimRight({buffer, std::strcspn(buffer, "#")}, ' ');
+}
+
 std::istream& CIniFile::getline(std::istream& is, CString& str) {
   char buffer[INI_LINE_BUFFER];
-  is.getline(buffer, INI_LINE_BUFFER);  // always terminates the buffer, also where it fails
-  std::string_view line = buffer;
-  line = line.substr(0, line.find('#'));
-  str = std::string(TrimRight(line, ' '));
+  str = std::string(ReadLine(is, buffer));
   return is;
 }
 

@@ -4,19 +4,14 @@
 
 namespace icescript {
 
-// Delegating makes the object complete before parsing starts, so that the destructor frees the list
-// when the callback or an allocation throws.
+// Delegating makes the object complete before parsing starts, so that the destructor frees the
+// stack when the callback or an allocation throws.
 GpioScr::GpioScr(char* path, PrintCallback callback) : GpioScr(callback) {
   status = ParseScr(path);
 }
 
 GpioScr::~GpioScr() {
   while (repeat_stack != nullptr) RepeatNodePop();
-  while (head != nullptr) {
-    GpioOperatorData* const next = head->next;
-    delete head;
-    head = next;
-  }
 }
 
 int GpioScr::ParseScr(char* path) {
@@ -73,9 +68,10 @@ int GpioScr::RefuseOpenRepeat() {
 
 GpioOperatorData* GpioScr::ParseGpioOperatorData(int out_value, int oe_mask, int flags, int kind,
                                                  int repeat_count) {
-  auto node = std::make_unique<GpioOperatorData>(GpioOperatorData{
-      out_value, oe_mask, flags, /*gpio_data=*/0, kind, repeat_count, nullptr, nullptr});
-  if (kind == GPIO_KIND_REPT) RepeatNodePush(node.get());
+  nodes.push_back(
+      {out_value, oe_mask, flags, /*gpio_data=*/0, kind, repeat_count, nullptr, nullptr});
+  GpioOperatorData* const node = &nodes.back();
+  if (kind == GPIO_KIND_REPT) RepeatNodePush(node);
   if (kind == GPIO_KIND_ENDR) {
     GpioOperatorData* const rept = RepeatNodePop();
     if (rept == nullptr) {
@@ -83,11 +79,11 @@ GpioOperatorData* GpioScr::ParseGpioOperatorData(int out_value, int oe_mask, int
       print(error);
       return nullptr;
     }
-    rept->partner = node.get();
+    rept->partner = node;
     node->partner = rept;
     node->repeat_count = rept->repeat_count;
   }
-  return node.release();
+  return node;
 }
 
 void GpioScr::RepeatNodePush(GpioOperatorData* node) {

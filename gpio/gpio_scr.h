@@ -3,6 +3,7 @@
 #define ICESCRIPT_GPIO_GPIO_SCR_H_
 
 #include <cstdint>
+#include <deque>
 
 #include "base/ini_file.h"
 #include "entry/icescript.h"
@@ -34,8 +35,8 @@ class GpioScr {
 
   // Appends the script's operations to the list and returns the status to keep.
   int ParseScr(char* path);
-  // A new node, which the caller owns; a REPT must live until its ENDR. A REPT is opened, an ENDR
-  // paired with the innermost open REPT; null, with `error` set and printed, when there is none.
+  // A new node, owned by this object and not yet in the list. A REPT is opened, an ENDR paired with
+  // the innermost open REPT; null, with `error` set and printed, when there is none.
   GpioOperatorData* ParseGpioOperatorData(int out_value, int oe_mask, int flags, int kind,
                                           int repeat_count);
   void RepeatNodePush(GpioOperatorData* node);
@@ -59,6 +60,7 @@ class GpioScr {
   int AppendElements(CIniFile& ini);
   int RefuseOpenRepeat();
 
+  std::deque<GpioOperatorData> nodes;  // which never move
   GpioOperatorData* head = nullptr;
   GpioOperatorData* tail = nullptr;
   RepeatStackEntry* repeat_stack = nullptr;

@@ -1,10 +1,9 @@
 #include "jtag/jtag_loop.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <cstring>
 
-#include "base/text.h"
+#include "base/print_line.h"
 
 namespace icescript {
 namespace {
@@ -68,9 +67,10 @@ struct Bytes {
 // Prints one register, most significant byte first. What would lie beyond the array is left out.
 void PrintDump(PrintCallback print, const char* reg, int bits, const char* direction,
                const Bytes& bytes) {
-  char line[PRINT_LINE_BUFFER];
-  std::snprintf(line, sizeof line, "\t%s %3d bits %s value 0x", reg, bits, direction);
-  print(line);
+  PrintLine line;
+  line << "\t" << reg << " ";
+  line.Number(bits, 3) << " bits " << direction << " value 0x";
+  print(line.Text());
   const int last = std::min(bytes.first + bytes.count, bytes.size) - 1;
   for (int i = last; i >= bytes.first; --i) PrintByte(print, bytes.array[i]);
   print("\n");
@@ -89,12 +89,11 @@ bool RunScan(LinkHandle handle, PrintCallback print, int number, JtagOperatorDat
     return false;
   }
 
-  char line[PRINT_LINE_BUFFER];
-  std::snprintf(line, sizeof line,
-                "Operator No.%d success: IR size %d bits, %s DR size %d bits with %s:\n", number,
-                scan.irBitLength, scan.readFlag != 0 ? "Read" : "Write", scan.drBitLength,
-                wires.name);
-  print(line);
+  PrintLine line;
+  line << "Operator No." << number << " success: IR size " << scan.irBitLength << " bits, "
+       << (scan.readFlag != 0 ? "Read" : "Write") << " DR size " << scan.drBitLength
+       << " bits with " << wires.name << ":\n";
+  print(line.Text());
   PrintDump(print, "IR", scan.irBitLength, "in ",
             {scan.irData, JTAG_IR_MAX_BYTES, wires.dump_offset, ir_bytes});
   PrintDump(print, "DR", scan.drBitLength, "in ",
@@ -109,9 +108,9 @@ bool RunScan(LinkHandle handle, PrintCallback print, int number, JtagOperatorDat
 }
 
 bool Succeed(PrintCallback print, int number, const char* what) {
-  char line[PRINT_LINE_BUFFER];
-  std::snprintf(line, sizeof line, "Operator No.%d success: %s\n", number, what);
-  print(line);
+  PrintLine line;
+  line << "Operator No." << number << " success: " << what << "\n";
+  print(line.Text());
   return true;
 }
 

@@ -1,12 +1,12 @@
 #include "jtag/jtag_scr.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <memory>
 #include <string_view>
 #include <utility>
 
 #include "base/number.h"
+#include "base/text.h"
 
 namespace icescript {
 namespace {
@@ -15,15 +15,28 @@ namespace {
 static_assert(JTAG_IR_MAX_BYTES == JTAG_DR_MAX_BYTES);
 constexpr int kMaxBytes = JTAG_DR_MAX_BYTES;
 
-// The fields of one value, trimmed; null when it has no comma.
-std::unique_ptr<CString[]> SplitFields(CString value, int& count) {
-  std::unique_ptr<CString[]> fields(CIniFile::SplitString(std::move(value), ',', count));
-  for (int i = 0; fields != nullptr && i < count; ++i) {
-    fields[static_cast<std::size_t>(i)].TrimLeft();
-    fields[static_cast<std::size_t>(i)].TrimRight();
+// Walks the fields between the commas of one value.
+class FieldCursor {
+ public:
+  // `value` must outlive the cursor.
+  explicit FieldCursor(const CString& value) : rest_(value.Text()) {}
+
+  // Whether a field is left: an empty value has one, an empty one.
+  bool HasNext() const { return has_next_; }
+
+  // The next field, trimmed of spaces.
+  std::string_view Next() {
+    const std::size_t comma = rest_.find(',');
+    const std::string_view field = rest_.substr(0, comma);
+    has_next_ = comma != std::string_view::npos;
+    if (has_next_) rest_.remove_prefix(comma + 1);
+    return TrimRight(TrimLeft(field, ' '), ' ');
   }
-  return fields;
-}
+
+ private:
+  std::string_view rest_;
+  bool has_next_ = true;
+};
 
 // Hexadecimal with or without one "0x" or "0X"; the low 8 bits.
 std::uint8_t ParseByte(std::string_view text) {
@@ -35,12 +48,12 @@ std::uint8_t ParseByte(std::string_view text) {
 
 // Stores the listed bytes, no more than the length in bits says (in bits, not bytes: four bits
 // listed as two bytes keep both). False when the array cannot hold them or the length.
-bool StoreBytes(const CString* fields, int count, int bitLength, std::uint8_t* data) {
+bool StoreBytes(FieldCursor fields, int bitLength, std::uint8_t* data) {
   if (bitLength > 8 * kMaxBytes) return false;
-  const int stored = std::min(count, std::max(bitLength, 0));
-  if (stored > kMaxBytes) return false;
-  std::transform(fields, fields + stored, data,
-                 [](const CString& field) { return ParseByte(field.Text()); });
+  for (int stored = 0; stored < bitLength && fields.HasNext(); ++stored) {
+    if (stored == kMaxBytes) return false;
+    data[stored] = ParseByte(fields.Next());
+  }
   return true;
 }
 
@@ -112,20 +125,19 @@ JtagOperatorData* JtagScr::ParsingControl(CIniFile& ini, int sectionIndex) {
 }
 
 JtagOperatorData* JtagScr::ParseJtagOperatorData(CString ir, CString dr) {
-  int irCount = 0;
-  int drCount = 0;
-  const auto irFields = SplitFields(std::move(ir), irCount);
-  const auto drFields = SplitFields(std::move(dr), drCount);
-  if (irFields == nullptr || drFields == nullptr) return nullptr;
+  // IR: length, bytes. DR: flag, length, bytes. Each has two fields at least.
+  FieldCursor irFields(ir);
+  FieldCursor drFields(dr);
+  const std::string_view irLength = irFields.Next();
+  const std::string_view flag = drFields.Next();
+  if (!irFields.HasNext() || !drFields.HasNext()) return nullptr;
 
-  // IR: length, bytes. DR: flag, length, bytes. A split value has two fields at least.
   auto record = std::make_unique<JtagOperatorData>();
-  const std::string& flag = drFields[0].Text();
-  record->readFlag = flag[0] == 'R' || flag[0] == 'r' ? 1 : 0;  // "" ends in a NUL at [0]
-  record->irBitLength = ParseNumber(irFields[0].Text(), 10);
-  record->drBitLength = ParseNumber(drFields[1].Text(), 10);
-  if (!StoreBytes(irFields.get() + 1, irCount - 1, record->irBitLength, record->irData) ||
-      !StoreBytes(drFields.get() + 2, drCount - 2, record->drBitLength, record->drData)) {
+  record->readFlag = !flag.empty() && (flag[0] == 'R' || flag[0] == 'r') ? 1 : 0;
+  record->irBitLength = ParseNumber(irLength, 10);
+  record->drBitLength = ParseNumber(drFields.Next(), 10);
+  if (!StoreBytes(irFields, record->irBitLength, record->irData) ||
+      !StoreBytes(drFields, record->drBitLength, record->drData)) {
     return nullptr;
   }
   return record.release();
