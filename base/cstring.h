@@ -3,6 +3,7 @@
 #define ICESCRIPT_BASE_CSTRING_H_
 
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace icescript {
@@ -34,7 +35,7 @@ class CString {
   CString& operator+(const char* s);
 
   // Byte by byte, case-sensitive.
-  bool operator==(const char* s) const { return text == NotNull(s); }
+  bool operator==(const char* s) const { return text == std::string_view(NotNull(s)); }
   bool operator!=(const char* s) const { return !(*this == s); }
 
   // Unchecked: 0 <= i < length is the caller's to ensure.

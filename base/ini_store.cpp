@@ -18,13 +18,13 @@ bool IsNamed(const std::string& name, std::string_view wanted) {
 }
 
 // Position of `name` among `names`, or -1. Both up to the first NUL, as C strings compare: a name
-// given through SetValue may hold one.
+// given through SetValue may hold one. Names are unique, so the newest may come first: values follow
+// each other section by section.
 int FindName(const std::vector<CString>& names, const CString& name) {
   const std::string_view wanted = name.Text().c_str();
-  for (std::size_t i = 0; i < names.size(); ++i) {
-    if (IsNamed(names[i].Text(), wanted)) return static_cast<int>(i);
-  }
-  return -1;
+  std::size_t i = names.size();
+  while (i > 0 && !IsNamed(names[i - 1].Text(), wanted)) --i;
+  return static_cast<int>(i) - 1;
 }
 
 }  // namespace
@@ -71,12 +71,14 @@ CString CIniFile::GetValue(int keyID, CString valuename) {
 }
 
 bool CIniFile::SetValue(CString keyname, CString valuename, CString value, bool create) {
-  int keyID = FindKey(keyname);
+  int keyID = FindName(key_names, keyname);
   if (keyID == -1) {
     if (!create) return false;
     key_names.emplace_back();
     keys.emplace_back();
     key_names.back() = std::move(keyname);
+    keys.back().value_names.reserve(2);  // as a scan has
+    keys.back().values.reserve(3);
     keyID = GetNumKeys() - 1;
   }
   key& section = keys.at(static_cast<std::size_t>(keyID));

@@ -1,7 +1,6 @@
 #include "base/number.h"
 
-#include <charconv>
-#include <limits>
+#include "base/text.h"
 
 namespace icescript {
 namespace {
@@ -9,6 +8,13 @@ namespace {
 // What isspace accepts in the C locale.
 bool IsSpace(char ch) {
   return ch == ' ' || (ch >= '\t' && ch <= '\r');
+}
+
+// 36, which is a digit in no base, for a character that is none.
+int DigitOf(char ch) {
+  if (ch >= '0' && ch <= '9') return ch - '0';
+  const char upper = UpperCase(ch);
+  return upper >= 'A' && upper <= 'Z' ? upper - 'A' + 10 : 36;
 }
 
 bool IsHexPrefix(std::string_view text) {
@@ -23,11 +29,16 @@ int ParseNumber(std::string_view text, int base) {
   if (negative || (!text.empty() && text.front() == '+')) text.remove_prefix(1);
   if (base == 16 && IsHexPrefix(text)) text.remove_prefix(2);
 
-  unsigned long magnitude = 0;  // unsigned: no second sign is taken
-  const auto end = std::from_chars(text.data(), text.data() + text.size(), magnitude, base);
-  constexpr unsigned long kLargest = std::numeric_limits<long>::max();
-  if (end.ec == std::errc::result_out_of_range || magnitude > kLargest) return negative ? 0 : -1;
-  return static_cast<int>(negative ? 0 - magnitude : magnitude);
+  long magnitude = 0;
+  for (const char ch : text) {
+    const int digit = DigitOf(ch);
+    if (digit >= base) break;
+    if (__builtin_mul_overflow(magnitude, base, &magnitude) ||
+        __builtin_add_overflow(magnitude, digit, &magnitude)) {
+      return negative ? 0 : -1;  // the low bits of the smallest and the largest long
+    }
+  }
+  return static_cast<int>(negative ? -magnitude : magnitude);
 }
 
 }  // namespace icescript

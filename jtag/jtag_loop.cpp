@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <string_view>
 
 #include "base/print_line.h"
 
@@ -65,11 +66,10 @@ struct Bytes {
 };
 
 // Prints one register, most significant byte first. What would lie beyond the array is left out.
-void PrintDump(PrintCallback print, const char* reg, int bits, const char* direction,
+void PrintDump(PrintCallback print, std::string_view reg, int bits, std::string_view direction,
                const Bytes& bytes) {
   PrintLine line;
-  line << "\t" << reg << " ";
-  line.Number(bits, 3) << " bits " << direction << " value 0x";
+  (line << reg).Number(bits, 3) << direction;
   print(line.Text());
   const int last = std::min(bytes.first + bytes.count, bytes.size) - 1;
   for (int i = last; i >= bytes.first; --i) PrintByte(print, bytes.array[i]);
@@ -94,14 +94,14 @@ bool RunScan(LinkHandle handle, PrintCallback print, int number, JtagOperatorDat
        << (scan.readFlag != 0 ? "Read" : "Write") << " DR size " << scan.drBitLength
        << " bits with " << wires.name << ":\n";
   print(line.Text());
-  PrintDump(print, "IR", scan.irBitLength, "in ",
+  PrintDump(print, "\tIR ", scan.irBitLength, " bits in  value 0x",
             {scan.irData, JTAG_IR_MAX_BYTES, wires.dump_offset, ir_bytes});
-  PrintDump(print, "DR", scan.drBitLength, "in ",
+  PrintDump(print, "\tDR ", scan.drBitLength, " bits in  value 0x",
             {scan.drData, JTAG_DR_MAX_BYTES, wires.dump_offset, dr_bytes});
   // By the answer itself, not by its name: an unknown answer is called "jtag5" too, but shows what
   // was captured for reads only.
   if (answer == CDI_ANSWER_JTAG5 || scan.readFlag != 0) {
-    PrintDump(print, "DR", scan.drBitLength, "out",
+    PrintDump(print, "\tDR ", scan.drBitLength, " bits out value 0x",
               {capture, kCaptureStorage, wires.capture_offset, dr_bytes});
   }
   return true;
