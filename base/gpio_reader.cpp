@@ -18,9 +18,10 @@ struct Pin {
   int bit;
 };
 
+// In the order in which they are looked for, the busiest first.
 constexpr Pin kPins[] = {
-    {"NRST", GPIO_PIN_NRST}, {"TRST", GPIO_PIN_TRST}, {"TCK", GPIO_PIN_TCK},
-    {"TMS", GPIO_PIN_TMS},   {"TDI", GPIO_PIN_TDI},   {"TDO", GPIO_PIN_TDO},
+    {"TCK", GPIO_PIN_TCK}, {"TMS", GPIO_PIN_TMS},   {"TDI", GPIO_PIN_TDI},
+    {"TDO", GPIO_PIN_TDO}, {"NRST", GPIO_PIN_NRST}, {"TRST", GPIO_PIN_TRST},
 };
 
 bool IsSectionTag(std::string_view line) {

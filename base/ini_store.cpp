@@ -18,8 +18,8 @@ bool IsNamed(const std::string& name, std::string_view wanted) {
 }
 
 // Position of `name` among `names`, or -1. Both up to the first NUL, as C strings compare: a name
-// given through SetValue may hold one. Names are unique, so the newest may come first: values follow
-// each other section by section.
+// given through SetValue may hold one. Names are unique, so the newest may come first: values
+// follow each other section by section.
 int FindName(const std::vector<CString>& names, const CString& name) {
   const std::string_view wanted = name.Text().c_str();
   std::size_t i = names.size();
