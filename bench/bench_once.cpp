@@ -1,7 +1,7 @@
 // Runs one workload once, to be counted by valgrind: bench_once NAME SIZE. Without arguments lists
 // them all as NAME|UNIT|UNITS FOR EACH 1 OF SIZE|SIZE.
-#include <cstdlib>
 #include <iostream>
+#include <string>
 
 #include "bench/workloads.h"
 
@@ -30,6 +30,6 @@ int RunOnce(const std::string& name, int size) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc == 3) return RunOnce(argv[1], std::atoi(argv[2]));
+  if (argc == 3) return RunOnce(argv[1], std::stoi(argv[2]));
   List();
 }
