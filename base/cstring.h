@@ -24,6 +24,7 @@ class CString {
   CString(const char* s) : text(NotNull(s)) {}
   CString(char ch);  // a NUL gives the empty text
   CString(std::string s) : text(std::move(s)) {}
+  explicit CString(std::string_view s) : text(s) {}
 
   std::string GetString() const { return text; }
   // The text itself, without a copy; valid until the object changes.

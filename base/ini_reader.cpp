@@ -16,24 +16,23 @@ bool CIniFile::ReadFile() {
                   path.Text().c_str());
     return false;
   }
-  std::string section;  // values before the first header belong to the section named ""
+  CString section;  // values before the first header belong to the section named ""
   char buffer[INI_LINE_BUFFER];
   for (;;) {
     const std::string_view line = TrimBlanks(ReadLine(file, buffer));
     if (!file) return true;
     if (line.empty()) continue;
     if (line.front() == '[' && line.back() == ']') {
-      section = TrimRight(TrimLeft(line, '['), ']');
+      section = std::string(TrimRight(TrimLeft(line, '['), ']'));
       continue;
     }
     const std::size_t equals = line.find('=');
     if (equals == std::string_view::npos) {
       std::snprintf(error_msg, sizeof error_msg, "%s in %s: Syntax error\n",
-                    std::string(line).c_str(), section.c_str());
+                    std::string(line).c_str(), section.Text().c_str());
       return false;
     }
-    SetValue(section, std::string(line.substr(0, equals)), std::string(line.substr(equals + 1)),
-             true);
+    SetValue(section, CString(line.substr(0, equals)), CString(line.substr(equals + 1)), true);
   }
 }
 

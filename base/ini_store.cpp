@@ -1,6 +1,7 @@
 // The INI store of CIniFile.
+#include <algorithm>
 #include <cstdio>
-#include <string_view>
+#include <cstring>
 #include <utility>
 
 #include "base/ini_file.h"
@@ -8,22 +9,19 @@
 namespace icescript {
 namespace {
 
-// Whether `name` up to its first NUL is `wanted`, which holds none. From the end backwards, since
-// the names of a long script tend to be numbered.
-bool IsNamed(const std::string& name, std::string_view wanted) {
-  std::size_t left = wanted.size();
-  if (name.size() < left || name[left] != '\0') return false;
-  while (left > 0 && name[left - 1] == wanted[left - 1]) --left;
-  return left == 0;
-}
-
 // Position of `name` among `names`, or -1. Both up to the first NUL, as C strings compare: a name
 // given through SetValue may hold one. Names are unique, so the newest may come first: values
 // follow each other section by section.
 int FindName(const std::vector<CString>& names, const CString& name) {
-  const std::string_view wanted = name.Text().c_str();
+  const char* const wanted = name.Text().c_str();
+  // One byte tells most names apart: the last, since those of a long script tend to be numbered.
+  const std::size_t tell = std::max<std::size_t>(std::strlen(wanted), 1) - 1;
   std::size_t i = names.size();
-  while (i > 0 && !IsNamed(names[i - 1].Text(), wanted)) --i;
+  for (; i > 0; --i) {
+    const std::string& candidate = names[i - 1].Text();
+    if (candidate.size() < tell || candidate[tell] != wanted[tell]) continue;
+    if (std::strcmp(candidate.c_str(), wanted) == 0) break;
+  }
   return static_cast<int>(i) - 1;
 }
 
@@ -74,9 +72,8 @@ bool CIniFile::SetValue(CString keyname, CString valuename, CString value, bool 
   int keyID = FindName(key_names, keyname);
   if (keyID == -1) {
     if (!create) return false;
-    key_names.emplace_back();
+    key_names.push_back(std::move(keyname));
     keys.emplace_back();
-    key_names.back() = std::move(keyname);
     keys.back().value_names.reserve(2);  // as a scan has
     keys.back().values.reserve(3);
     keyID = GetNumKeys() - 1;
@@ -88,11 +85,10 @@ bool CIniFile::SetValue(CString keyname, CString valuename, CString value, bool 
     return true;
   }
   if (!create) return false;
-  const std::size_t added = section.value_names.size();
-  section.value_names.emplace_back();
-  section.values.resize(added + 2);  // the new value and the spare entry behind it
-  section.value_names[added] = std::move(valuename);
-  section.values[added] = std::move(value);
+  section.value_names.push_back(std::move(valuename));
+  if (section.values.empty()) section.values.emplace_back();
+  section.values.back() = std::move(value);  // what was the spare entry
+  section.values.emplace_back();
   return true;
 }
 

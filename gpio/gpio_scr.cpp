@@ -75,6 +75,7 @@ GpioOperatorData* GpioScr::ParseGpioOperatorData(int out_value, int oe_mask, int
   if (kind == GPIO_KIND_ENDR) {
     GpioOperatorData* const rept = RepeatNodePop();
     if (rept == nullptr) {
+      nodes.pop_back();
       error = "error: rept & endr not match.";
       print(error);
       return nullptr;
