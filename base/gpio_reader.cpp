@@ -49,7 +49,7 @@ class LineCursor {
 
  private:
   std::istream& is_;
-  char buffer_[INI_LINE_BUFFER];
+  char buffer_[INI_LINE_BUFFER] = "";
   std::string_view text_;     // in buffer_
   std::uint32_t number_ = 0;  // unsigned: a file may have more lines than an int counts
 };

@@ -19,8 +19,9 @@ int FindName(const std::vector<CString>& names, const CString& name) {
   std::size_t i = names.size();
   for (; i > 0; --i) {
     const std::string& candidate = names[i - 1].Text();
-    if (candidate.size() < tell || candidate[tell] != wanted[tell]) continue;
-    if (std::strcmp(candidate.c_str(), wanted) == 0) break;
+    const char* const text = candidate.c_str();
+    if (candidate.size() < tell || text[tell] != wanted[tell]) continue;
+    if (std::strcmp(text, wanted) == 0) break;
   }
   return static_cast<int>(i) - 1;
 }

@@ -124,8 +124,8 @@ const std::vector<Workload>& Workloads() {
   return workloads;
 }
 
-ScriptFile::ScriptFile(const Workload& workload, int size) {
-  path_ = std::filesystem::temp_directory_path() / "icescript_benchXXXXXX";
+ScriptFile::ScriptFile(const Workload& workload, int size)
+    : path_(std::filesystem::temp_directory_path() / "icescript_benchXXXXXX") {
   const int file = mkstemp(path_.data());
   if (file < 0) throw std::runtime_error("cannot write " + path_);
   close(file);

@@ -24,9 +24,10 @@ ProbeStack::ProbeStack(const RunCommand& command, const std::vector<StepRecorder
       return;
   }
   if (!recorders.empty()) recording_ = std::make_unique<RecordingPort>(*port_, recorders);
-  PinPort& top = recording_ != nullptr ? *recording_ : *port_;
+  PinPort* top = port_.get();
+  if (recording_ != nullptr) top = recording_.get();
   const bool two_wire = command.probe.kind == ProbeChoice::Kind::kSim;
-  auto pin_probe = std::make_unique<PinProbe>(top, command.wire_mode, two_wire);
+  auto pin_probe = std::make_unique<PinProbe>(*top, command.wire_mode, two_wire);
   pin_probe_ = pin_probe.get();
   probe_ = std::move(pin_probe);
 }
