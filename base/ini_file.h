@@ -2,6 +2,7 @@
 #ifndef ICESCRIPT_BASE_INI_FILE_H_
 #define ICESCRIPT_BASE_INI_FILE_H_
 
+#include <iosfwd>
 #include <istream>
 #include <utility>
 #include <vector>
@@ -129,6 +130,8 @@ class CIniFile {
     std::vector<CString> value_names;
   };
 
+  // Opens the file at `path`; false, with a message, when it cannot be opened.
+  bool Open(std::ifstream& file);
   int RefuseGpioValue(const char* message);
 
   CString path;

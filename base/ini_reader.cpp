@@ -10,12 +10,8 @@
 namespace icescript {
 
 bool CIniFile::ReadFile() {
-  std::ifstream file(path.Text());
-  if (!file) {
-    std::snprintf(error_msg, sizeof error_msg, "Unable to open Script file: %s.\n",
-                  path.Text().c_str());
-    return false;
-  }
+  std::ifstream file;
+  if (!Open(file)) return false;
   CString section;  // values before the first header belong to the section named ""
   char buffer[INI_LINE_BUFFER];
   for (;;) {

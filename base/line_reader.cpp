@@ -1,17 +1,20 @@
 #include "base/line_reader.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <cstring>
+#include <fstream>
 #include <memory>
-#include <string_view>
 
+#include "base/field_cursor.h"
 #include "base/text.h"
 
 namespace icescript {
 
 std::string_view ReadLine(std::istream& is, char (&buffer)[INI_LINE_BUFFER]) {
   is.getline(buffer, INI_LINE_BUFFER);  // always terminates the buffer, also where it fails
-  return TrimRight({buffer, std::strcspn(buffer, "#")}, ' ');
+  const char* const end = strchrnul(buffer, '#');
+  return TrimRight({buffer, static_cast<std::size_t>(end - buffer)}, ' ');
 }
 
 std::istream& CIniFile::getline(std::istream& is, CString& str) {
@@ -21,18 +24,22 @@ std::istream& CIniFile::getline(std::istream& is, CString& str) {
 }
 
 CString* CIniFile::SplitString(CString str, char separator, int& count) {
-  std::string_view rest = str.Text();
-  const auto separators = std::count(rest.begin(), rest.end(), separator);
-  count = static_cast<int>(separators) + 1;
-  if (separators == 0) return nullptr;
+  const std::string& text = str.Text();
+  count = static_cast<int>(std::count(text.begin(), text.end(), separator)) + 1;
+  if (count == 1) return nullptr;
 
   auto fields = std::make_unique<CString[]>(static_cast<std::size_t>(count));
-  for (int i = 0; i < count; ++i) {
-    const std::size_t end = std::min(rest.find(separator), rest.size());
-    fields[static_cast<std::size_t>(i)] = std::string(rest.substr(0, end));
-    rest.remove_prefix(std::min(end + 1, rest.size()));
-  }
+  FieldCursor cursor(text, separator);
+  std::generate_n(fields.get(), count, [&cursor] { return CString(cursor.Next()); });
   return fields.release();
+}
+
+bool CIniFile::Open(std::ifstream& file) {
+  file.open(path.Text());
+  if (file) return true;
+  std::snprintf(error_msg, sizeof error_msg, "Unable to open Script file: %s.\n",
+                path.Text().c_str());
+  return false;
 }
 
 }  // namespace icescript

@@ -25,6 +25,8 @@ inline std::string_view TrimRight(std::string_view text, char ch) {
 // The trim of a script line, and of the keys and values of a GPIO line: carriage returns at both
 // ends, then spaces at both ends. Tabs are text.
 inline std::string_view TrimBlanks(std::string_view text) {
+  // As a rule there is nothing to trim: neither end is a blank, nor a byte below it.
+  if (!text.empty() && text.front() > ' ' && text.back() > ' ') return text;
   text = TrimRight(TrimLeft(text, '\r'), '\r');
   return TrimRight(TrimLeft(text, ' '), ' ');
 }

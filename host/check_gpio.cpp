@@ -3,6 +3,8 @@
 #include <optional>
 #include <string_view>
 
+#include "base/field_cursor.h"
+#include "base/gpio_line_parser.h"
 #include "base/ini_file.h"
 #include "base/number.h"
 #include "base/text.h"
@@ -17,7 +19,6 @@ namespace {
 using icescript::CIniFile;
 using icescript::CString;
 using icescript::EqualsUpper;
-using icescript::TrimBlanks;
 
 // More errors than this tell the user nothing new.
 constexpr std::size_t kMostErrors = 100;
@@ -170,15 +171,12 @@ struct Item {
 
 std::vector<Item> Items(std::string_view text) {
   std::vector<Item> items;
-  for (std::size_t at = 0; at <= text.size();) {
-    const std::size_t end = std::min(text.find(',', at), text.size());
-    const std::string_view item = text.substr(at, end - at);
-    const std::size_t equals = std::min(item.find('='), item.size());
-    const std::string_view key = TrimBlanks(item.substr(0, equals));
-    const bool has_equals = equals < item.size();
-    items.push_back({key, has_equals ? TrimBlanks(item.substr(equals + 1)) : "", has_equals,
-                     static_cast<std::size_t>(key.data() - text.data())});
-    at = end + 1;
+  for (icescript::FieldCursor fields(text, ','); fields.HasNext();) {
+    const std::string_view field = fields.Next();
+    const icescript::GpioItem item(field);
+    const bool has_equals = field.find('=') != std::string_view::npos;
+    items.push_back({item.key, has_equals ? item.value : "", has_equals,
+                     static_cast<std::size_t>(item.key.data() - text.data())});
   }
   return items;
 }

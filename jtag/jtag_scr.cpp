@@ -5,6 +5,7 @@
 #include <string_view>
 #include <utility>
 
+#include "base/field_cursor.h"
 #include "base/number.h"
 #include "base/text.h"
 
@@ -15,28 +16,10 @@ namespace {
 static_assert(JTAG_IR_MAX_BYTES == JTAG_DR_MAX_BYTES);
 constexpr int kMaxBytes = JTAG_DR_MAX_BYTES;
 
-// Walks the fields between the commas of one value.
-class FieldCursor {
- public:
-  // `value` must outlive the cursor.
-  explicit FieldCursor(const CString& value) : rest_(value.Text()) {}
-
-  // Whether a field is left: an empty value has one, an empty one.
-  bool HasNext() const { return has_next_; }
-
-  // The next field, trimmed of spaces.
-  std::string_view Next() {
-    const std::size_t comma = rest_.find(',');
-    const std::string_view field = rest_.substr(0, comma);
-    has_next_ = comma != std::string_view::npos;
-    if (has_next_) rest_.remove_prefix(comma + 1);
-    return TrimRight(TrimLeft(field, ' '), ' ');
-  }
-
- private:
-  std::string_view rest_;
-  bool has_next_ = true;
-};
+// The next field, trimmed of spaces.
+std::string_view NextField(FieldCursor& fields) {
+  return TrimRight(TrimLeft(fields.Next(), ' '), ' ');
+}
 
 // Hexadecimal with or without one "0x" or "0X"; the low 8 bits.
 std::uint8_t ParseByte(std::string_view text) {
@@ -52,7 +35,7 @@ bool StoreBytes(FieldCursor fields, int bitLength, std::uint8_t* data) {
   if (bitLength > 8 * kMaxBytes) return false;
   for (int stored = 0; stored < bitLength && fields.HasNext(); ++stored) {
     if (stored == kMaxBytes) return false;
-    data[stored] = ParseByte(fields.Next());
+    data[stored] = ParseByte(NextField(fields));
   }
   return true;
 }
@@ -126,16 +109,16 @@ JtagOperatorData* JtagScr::ParsingControl(CIniFile& ini, int sectionIndex) {
 
 JtagOperatorData* JtagScr::ParseJtagOperatorData(CString ir, CString dr) {
   // IR: length, bytes. DR: flag, length, bytes. Each has two fields at least.
-  FieldCursor irFields(ir);
-  FieldCursor drFields(dr);
-  const std::string_view irLength = irFields.Next();
-  const std::string_view flag = drFields.Next();
+  FieldCursor irFields(ir.Text(), ',');
+  FieldCursor drFields(dr.Text(), ',');
+  const std::string_view irLength = NextField(irFields);
+  const std::string_view flag = NextField(drFields);
   if (!irFields.HasNext() || !drFields.HasNext()) return nullptr;
 
   auto record = std::make_unique<JtagOperatorData>();
   record->readFlag = !flag.empty() && (flag[0] == 'R' || flag[0] == 'r') ? 1 : 0;
   record->irBitLength = ParseNumber(irLength, 10);
-  record->drBitLength = ParseNumber(drFields.Next(), 10);
+  record->drBitLength = ParseNumber(NextField(drFields), 10);
   if (!StoreBytes(irFields, record->irBitLength, record->irData) ||
       !StoreBytes(drFields, record->drBitLength, record->drData)) {
     return nullptr;
