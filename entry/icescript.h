@@ -141,9 +141,9 @@ int link_jtag_execute(LinkHandle handle, unsigned char* capture);
 /*
  * One pin operation. Failure when the result is negative.
  *
- * out_value and oe_mask carry the script's state in every operation and are to be written to the
- * pins only with their flag: GPIO_FLAG_START comes with all pins enabled, all levels low and
- * neither write flag.
+ * out_value and oe_mask carry the script's state in every operation. GPIO_FLAG_START comes with the
+ * state that a script starts from, all pins enabled and all levels low; after it, each is to be
+ * written to the pins only with its own flag.
  *
  *   out_value  output levels, GPIO_PIN_ bits; a script's GPIO_OUT may set bits above them
  *   data       the operation's own word, never null: with GPIO_FLAG_READ_IN the host stores the
