@@ -146,7 +146,7 @@ Socket Socket::Connect(const Endpoint& endpoint, Timeout timeout) {
     Socket socket = attempt(AF_UNIX, reinterpret_cast<const sockaddr*>(&address), sizeof address);
     if (error == 0) return socket;
   } else {
-    const AddressList addresses = Resolve(endpoint, AI_ADDRCONFIG);
+    const AddressList addresses = Resolve(endpoint, 0);
     for (const addrinfo* at = addresses.get(); at != nullptr; at = at->ai_next) {
       Socket socket = attempt(at->ai_family, at->ai_addr, at->ai_addrlen);
       if (error == 0) return socket;

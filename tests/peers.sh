@@ -19,7 +19,7 @@ wait_for() {
   fail "no $1 in $2"
 }
 
-"$icehost" serve tcp:0 --idcode 0x2BADC0DF 2>"$scratch/serve.log" &
+"$icehost" serve tcp:0 --idcode 0x2BADC001 2>"$scratch/serve.log" &
 server=$!
 port=$(wait_for '[0-9]+$' "$scratch/serve.log")
 
@@ -36,7 +36,7 @@ remote_bitbang host 127.0.0.1
 remote_bitbang port $port
 transport select jtag
 reset_config srst_only
-jtag newtap sim tap -irlen 5 -expected-id 0x2BADC0DF
+jtag newtap sim tap -irlen 5 -expected-id 0x2BADC001
 gdb_port disabled
 telnet_port disabled
 tcl_port 0
@@ -45,7 +45,7 @@ openocd -f "$scratch/openocd.cfg" -c init \
   -c 'irscan sim.tap 2; drscan sim.tap 32 0x12345678' \
   -c 'echo "scratch [drscan sim.tap 32 0]"' >"$scratch/openocd.log" 2>&1 &
 openocd=$!
-grep -q 'tap/device found: 0x2badc0df' <(wait_for 'tap/device found: 0x[0-9a-f]+' \
+grep -q 'tap/device found: 0x2badc001' <(wait_for 'tap/device found: 0x[0-9a-f]+' \
   "$scratch/openocd.log") || fail "OpenOCD found another IDCODE"
 [ "$(wait_for 'scratch .*' "$scratch/openocd.log")" = "scratch 12345678" ] || fail "scratch register"
 tcl_port=$(wait_for 'port [0-9]+ for tcl' "$scratch/openocd.log" | tr -dc 0-9)
@@ -55,7 +55,7 @@ same_as_simulated() {
   local probe=$1 script
   shift
   for script; do
-    "$icehost" run --idcode 0x2BADC0DF "$script" >"$scratch/simulated.txt"
+    "$icehost" run --idcode 0x2BADC001 "$script" >"$scratch/simulated.txt"
     "$icehost" run --probe "$probe" "$script" >"$scratch/run.txt" 2>"$scratch/run.log" ||
       fail "$script on $probe"
     diff "$scratch/simulated.txt" "$scratch/run.txt" || fail "$script differs on $probe"
@@ -69,11 +69,11 @@ icehost: $2 failed" ] || fail "$2 on $1 said something else"
 }
 
 scans=(examples/read_idcode.ini examples/scratch_register.ini examples/reset.ini)
-same_as_simulated "openocd:localhost:$tcl_port" "${scans[@]}"
-same_as_simulated "openocd:localhost:$tcl_port:sim.tap" examples/read_idcode.ini
-refused "openocd:localhost:$tcl_port" examples/two_wire.ini \
+same_as_simulated "openocd:127.0.0.1:$tcl_port" "${scans[@]}"
+same_as_simulated "openocd:127.0.0.1:$tcl_port:sim.tap" examples/read_idcode.ini
+refused "openocd:127.0.0.1:$tcl_port" examples/two_wire.ini \
   "OpenOCD cannot select the 2-wire interface"
-refused "openocd:localhost:$tcl_port" examples/read_idcode.gpio \
+refused "openocd:127.0.0.1:$tcl_port" examples/read_idcode.gpio \
   "OpenOCD cannot drive single pins: GPIO scripts do not run on it"
 kill "$openocd"
 wait "$openocd" || true
@@ -85,13 +85,13 @@ refused "$bitbang" examples/reset_pulse.gpio \
   "remote_bitbang has no output enables: only TDO can be released"
 
 # The waveform, of the simulated probe and across the network, as a logic analyser decodes it.
-for run in "--idcode 0x2BADC0DF examples/read_idcode.ini" \
-  "--idcode 0x2BADC0DF examples/read_idcode.gpio" "--probe $bitbang examples/read_idcode.ini"; do
+for run in "--idcode 0x2BADC001 examples/read_idcode.ini" \
+  "--idcode 0x2BADC001 examples/read_idcode.gpio" "--probe $bitbang examples/read_idcode.ini"; do
   # shellcheck disable=SC2086
   "$icehost" run -q --vcd "$scratch/run.vcd" --svg "$scratch/run.svg" $run
   sigrok-cli -l 1 -I vcd -i "$scratch/run.vcd" -P jtag:tdi=tdi:tdo=tdo:tck=tck:tms=tms \
     -A jtag=bitstring-tdi:bitstring-tdo >"$scratch/decoded.log"
-  grep -q 'DR TDO: .* (0x2badc0df), 32 bits' "$scratch/decoded.log" || fail "decoding $run"
+  grep -q 'DR TDO: .* (0x2badc001), 32 bits' "$scratch/decoded.log" || fail "decoding $run"
   xmllint --noout "$scratch/run.svg" || fail "the picture is not well-formed"
 done
 
