@@ -83,6 +83,8 @@ bool ReadRepaired(const ScriptText& script, std::optional<CIniFile>& ini,
     if (number == 0) return false;
     left_out.push_back(number);
   }
+  const ScriptLine& last = script.Lines()[static_cast<std::size_t>(left_out.back()) - 1];
+  problems.Error(last, last.column, "too many errors: those after this line are not looked for");
   return false;
 }
 
