@@ -59,7 +59,9 @@ TEST(Icehost, RunsAsGolden) {
       {"run --svg /dev/stderr examples/read_idcode.ini 2>&1 >/dev/null", 0, "svg"},
       {"check tests/scripts/bad.ini 2>&1", 1, "check_ini"},
       {"check tests/scripts/bad.gpio 2>&1", 1, "check_gpio"},
-      {"check -q tests/scripts/bad.gpio 2>&1", 1, "check_errors_only"},
+      {"check -q tests/scripts/bad.gpio tests/scripts/no_start.gpio - <tests/scripts/no_end.gpio "
+       "2>&1",
+       1, "check_errors_only"},
       {"check examples/* tests/scripts/long_scans.ini 2>&1", 0, "check_examples"},
   };
   const bool update = std::getenv("ICESCRIPT_UPDATE_GOLDEN") != nullptr;
