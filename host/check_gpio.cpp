@@ -80,7 +80,7 @@ bool ReadRepaired(const ScriptText& script, std::optional<CIniFile>& ini,
     if (ini->ReadGpioFile() == icescript::GPIO_READ_OK) return true;
     PlaceReaderError(script, ini->error_msg, TextLines(script, left_out), problems);
     const int number = LineNumber(ini->error_msg);
-    if (number == 0) return false;
+    if (number == 0) return true;  // no START, or no END: the table holds what there is
     left_out.push_back(number);
   }
   const ScriptLine& last = script.Lines()[static_cast<std::size_t>(left_out.back()) - 1];
