@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "host/errors.h"
+#include "host/pin_names.h"
 #include "host/tap.h"
 
 namespace icehost {
@@ -12,8 +13,6 @@ constexpr std::size_t kSendAt = 4096;
 // More answers under way than this could fill the buffers of both sides while each waits for the
 // other to read.
 constexpr std::size_t kAnswersUnderWay = 2048;
-
-constexpr int kDriven = GPIO_PIN_ALL & ~GPIO_PIN_TDO;
 
 char PinByte(int levels) {
   return static_cast<char>('0' + ((levels & GPIO_PIN_TCK) != 0 ? 4 : 0) +
@@ -38,7 +37,7 @@ BitbangPort::~BitbangPort() {
 }
 
 void BitbangPort::Write(int levels, int enables) {
-  if ((enables & kDriven) != kDriven) {
+  if ((enables & kDrivenPins) != kDrivenPins) {
     throw Unsupported("remote_bitbang has no output enables: only TDO can be released");
   }
   if ((levels & enables & GPIO_PIN_TDO) != 0) {
@@ -65,7 +64,7 @@ int BitbangPort::Read() {
   TakeAnswers();
   const bool tdo = samples_.back();
   samples_.pop_back();
-  return (levels_ & kDriven) | (tdo ? GPIO_PIN_TDO : 0);
+  return (levels_ & kDrivenPins) | (tdo ? GPIO_PIN_TDO : 0);
 }
 
 void BitbangPort::SampleTdo() {

@@ -1,14 +1,15 @@
 #include "host/bitbang_server.h"
 
+#include <utility>
+
 #include "host/errors.h"
+#include "host/pin_names.h"
 
 namespace icehost {
 namespace {
 
 // Bounds what is buffered: the answers to so many bytes are sent before more are read.
 constexpr std::size_t kReadAtOnce = 4096;
-
-constexpr int kDriven = GPIO_PIN_ALL & ~GPIO_PIN_TDO;
 
 void ServeClient(Socket client, PinPort& port) {
   BitbangSession session(port);
@@ -36,20 +37,21 @@ void BitbangSession::SetPins(int bits) {
   levels_ &= GPIO_PIN_NRST | GPIO_PIN_TRST;
   levels_ |= ((bits & 4) != 0 ? GPIO_PIN_TCK : 0) | ((bits & 2) != 0 ? GPIO_PIN_TMS : 0) |
              ((bits & 1) != 0 ? GPIO_PIN_TDI : 0);
-  port_.Write(levels_, kDriven);
+  port_.Write(levels_, kDrivenPins);
 }
 
 // 1 asserts a reset, which drives its line low.
 void BitbangSession::SetResets(int bits) {
   levels_ |= GPIO_PIN_NRST | GPIO_PIN_TRST;
   levels_ &= ~(((bits & 2) != 0 ? GPIO_PIN_TRST : 0) | ((bits & 1) != 0 ? GPIO_PIN_NRST : 0));
-  port_.Write(levels_, kDriven);
+  port_.Write(levels_, kDrivenPins);
 }
 
 void Serve(Listener& listener, PinPort& port) {
   for (;;) {
+    Socket client = listener.Accept();
     try {
-      ServeClient(listener.Accept(), port);
+      ServeClient(std::move(client), port);
     } catch (const IoError&) {
       // The client is gone; the next one may come.
     }

@@ -30,7 +30,8 @@ class BitbangSession {
   int levels_ = GPIO_PIN_NRST | GPIO_PIN_TRST;
 };
 
-// Serves one client after the other until a signal ends it, by Interrupted.
+// Serves one client after the other until a signal ends it, by Interrupted. Throws IoError where no
+// client can be accepted any more.
 [[noreturn]] void Serve(Listener& listener, PinPort& port);
 
 }  // namespace icehost

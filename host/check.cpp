@@ -1,12 +1,12 @@
 #include "host/check.h"
 
 #include <algorithm>
-#include <cctype>
 #include <utility>
 
 #include "base/ini_file.h"
 #include "base/text.h"
 #include "host/memory_file.h"
+#include "host/printable.h"
 
 namespace icehost {
 namespace {
@@ -15,18 +15,15 @@ namespace {
 constexpr int kShownBefore = 60;
 constexpr int kShown = 100;
 
-std::string Printable(std::string text) {
-  for (char& ch : text) {
-    if (ch != '\t' && std::iscntrl(static_cast<unsigned char>(ch)) != 0) ch = ' ';
-  }
-  return text;
-}
-
 void WriteSource(std::ostream& stream, const std::string& raw, int column) {
   const int first = std::max(0, column - 1 - kShownBefore);
   const std::string shown =
       Printable(raw.substr(std::min(raw.size(), static_cast<std::size_t>(first)), kShown));
   std::string before = shown.substr(0, static_cast<std::size_t>(column - 1 - first));
+  // A character of UTF-8 takes one column, however many bytes.
+  before.erase(
+      std::remove_if(before.begin(), before.end(), [](char ch) { return (ch & 0xC0) == 0x80; }),
+      before.end());
   std::transform(before.begin(), before.end(), before.begin(),
                  [](char ch) { return ch == '\t' ? '\t' : ' '; });
   stream << shown << '\n' << before << "^\n";
@@ -46,19 +43,29 @@ std::size_t EditDistance(std::string_view a, std::string_view b) {
   return row[b.size()];
 }
 
-// Near enough for a byte-order mark, a tab, a lost bracket or a slip of the pen.
-constexpr std::size_t kNearTag = 4;
+// The letters of a line in upper case: what a lost bracket, a blank or a byte-order mark leaves.
+std::string Letters(const std::string& text) {
+  std::string letters;
+  for (const char ch : icescript::CString(text).MakeUpper()) {
+    if ((ch >= 'A' && ch <= 'Z') || ch == '_') letters += ch;
+  }
+  return letters;
+}
+
+// A slip of the pen or two.
+constexpr std::size_t kNearTag = 2;
 
 void WarnOfNearTag(const ScriptText& script, Problems& problems) {
   const auto& lines = script.Lines();
   const auto first = std::find_if_not(lines.begin(), lines.end(),
                                       [](const ScriptLine& line) { return line.Blank(); });
   if (first == lines.end() || first->text.size() > 40) return;
-  const std::string upper = icescript::CString(first->text).MakeUpper();
-  for (const char* const tag : {"[ORVEX_ICE_GPIO]", "[ZEVA_ICE_GPIO]"}) {
-    if (EditDistance(upper, tag) > kNearTag) continue;
+  const bool marked = first->text.compare(0, 3, "\xEF\xBB\xBF") == 0;
+  for (const std::string tag : {"ORVEX_ICE_GPIO", "ZEVA_ICE_GPIO"}) {
+    if (EditDistance(Letters(first->text), tag) > kNearTag) continue;
     problems.Warn(*first, first->column,
-                  std::string("this is not quite ") + tag + ": the file is run as a JTAG script");
+                  "this is not quite [" + tag + "]: the file is run as a JTAG script" +
+                      (marked ? " (a byte-order mark stands before it)" : ""));
     return;
   }
 }
@@ -78,7 +85,7 @@ void Problems::Write(std::ostream& stream, const std::string& file, bool errors_
   for (const Problem& problem : sorted) {
     if (errors_only && !problem.error) continue;
     stream << file << ':' << problem.line->number << ':' << problem.column << ": "
-           << (problem.error ? "error: " : "warning: ") << problem.text << '\n';
+           << (problem.error ? "error: " : "warning: ") << Printable(problem.text) << '\n';
     WriteSource(stream, problem.line->raw, problem.column);
   }
 }

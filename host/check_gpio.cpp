@@ -34,9 +34,23 @@ std::vector<const ScriptLine*> TextLines(const ScriptText& script,
   return lines;
 }
 
+// The message without the line break, and the full stop before it, that one of the two forms ends
+// in.
 std::string WithoutLineBreak(std::string text) {
-  while (!text.empty() && (text.back() == '\n' || text.back() == '.')) text.pop_back();
+  if (text.size() >= 2 && text.compare(text.size() - 2, 2, ".\n") == 0)
+    text.resize(text.size() - 2);
   return text;
+}
+
+// Where an item stands in a line's text; the beginning of the line where it is not found whole.
+std::size_t FindItem(std::string_view text, std::string_view item) {
+  for (icescript::FieldCursor fields(text, ','); fields.HasNext();) {
+    const std::string_view field = fields.Next();
+    if (field != item) continue;
+    const std::size_t blanks = std::min(field.find_first_not_of(' '), field.size());
+    return static_cast<std::size_t>(field.data() - text.data()) + blanks;
+  }
+  return 0;
 }
 
 // A message of the reader about a line: "Syntax error in line3 : TCK=2".
@@ -54,11 +68,9 @@ void PlaceReaderError(const ScriptText& script, const std::string& message,
                       const std::vector<const ScriptLine*>& text_lines, Problems& problems) {
   if (const int number = LineNumber(message); number != 0) {
     const ScriptLine& line = script.Lines()[static_cast<std::size_t>(number) - 1];
-    const std::string item = message.substr(message.find(kBeforeItem) + kBeforeItem.size());
-    const std::size_t at = line.text.find(WithoutLineBreak(item));
-    const std::size_t shown = at == std::string::npos ? 0 : line.text.find_first_not_of(' ', at);
-    problems.Error(line, line.ColumnAt(std::min(shown, line.text.size())),
-                   WithoutLineBreak(message));
+    const std::string shown = WithoutLineBreak(message);
+    const std::string item = shown.substr(shown.find(kBeforeItem) + kBeforeItem.size());
+    problems.Error(line, line.ColumnAt(FindItem(line.text, item)), shown);
     return;
   }
   // "no start": the second line with text is not START; "no end": the file ends.
@@ -67,7 +79,7 @@ void PlaceReaderError(const ScriptText& script, const std::string& message,
   const ScriptLine& line = no_start             ? *text_lines[1]
                            : text_lines.empty() ? kEmptyFile
                                                 : *text_lines.back();
-  problems.Error(line, line.column, WithoutLineBreak(message));
+  problems.Error(line, line.column, message);
 }
 
 // Reads the script with the reader, leaves out the line that it refuses, and so on, until what is
@@ -109,22 +121,58 @@ std::vector<Element> Elements(CIniFile& ini, const std::vector<const ScriptLine*
   return elements;
 }
 
+bool IsPin(std::string_view key) {
+  return std::any_of(std::begin(kPinNames), std::end(kPinNames),
+                     [key](const char* name) { return EqualsUpper(key, name); });
+}
+
+struct Item {
+  std::string_view key;
+  std::string_view value;
+  bool has_equals;
+  std::size_t at;  // of the key in the line's text
+};
+
+std::vector<Item> Items(std::string_view text) {
+  std::vector<Item> items;
+  for (icescript::FieldCursor fields(text, ','); fields.HasNext();) {
+    const std::string_view field = fields.Next();
+    const icescript::GpioItem item(field);
+    const bool has_equals = field.find('=') != std::string_view::npos;
+    items.push_back({item.key, has_equals ? item.value : "", has_equals,
+                     static_cast<std::size_t>(item.key.data() - text.data())});
+  }
+  return items;
+}
+
+// The column of the last item with this key, where there is one.
+int ColumnOfKey(const ScriptLine& line, std::string_view key) {
+  int column = line.column;
+  for (const Item& item : Items(line.text)) {
+    if (EqualsUpper(item.key, key)) column = line.ColumnAt(item.at);
+  }
+  return column;
+}
+
+// Reported where a word gets its value: the lines after it carry it on.
 void CheckWords(const std::vector<Element>& elements, Problems& problems) {
-  int high_bits_before = 0;
+  int out_before = 0;
+  int oe_before = 0;
   for (const Element& element : elements) {
-    const int high_bits = element.out_value & ~GPIO_PIN_ALL;
-    const bool writes_out = (element.flags & GPIO_FLAG_WRITE_OUT) != 0;
-    if (writes_out && element.out_value < 0) {
-      problems.Error(*element.line, element.line->column,
+    const ScriptLine& line = *element.line;
+    if (element.out_value < 0 && element.out_value != out_before) {
+      problems.Error(line, ColumnOfKey(line, "GPIO_OUT"),
                      "GPIO_OUT is negative: refused without a message");
-    } else if (writes_out && high_bits != 0 && high_bits != high_bits_before) {
-      problems.Warn(*element.line, element.line->column,
+    } else if ((element.out_value & ~GPIO_PIN_ALL) != (out_before & ~GPIO_PIN_ALL) &&
+               element.out_value > GPIO_PIN_ALL) {
+      problems.Warn(line, ColumnOfKey(line, "GPIO_OUT"),
                     "GPIO_OUT has bits above the six pins, until a pin is cleared");
     }
-    if ((element.flags & GPIO_FLAG_WRITE_OE) != 0 && element.oe_mask < 0) {
-      problems.Error(*element.line, element.line->column, ",inifile.error (GPIO_OE is negative)");
+    if (element.oe_mask < 0 && element.oe_mask != oe_before) {
+      problems.Error(line, ColumnOfKey(line, "GPIO_OE"), ",inifile.error (GPIO_OE is negative)");
     }
-    high_bits_before = high_bits;
+    out_before = element.out_value;
+    oe_before = element.oe_mask;
   }
 }
 
@@ -159,53 +207,58 @@ void CheckBlocks(const std::vector<Element>& elements, Problems& problems) {
   }
 }
 
-bool IsPin(std::string_view key) {
-  return std::any_of(std::begin(kPinNames), std::end(kPinNames),
-                     [key](const char* name) { return EqualsUpper(key, name); });
-}
-
-struct Item {
-  std::string_view key;
-  std::string_view value;
-  bool has_equals;
-  std::size_t at;  // of the key in the line's text
-};
-
-std::vector<Item> Items(std::string_view text) {
-  std::vector<Item> items;
-  for (icescript::FieldCursor fields(text, ','); fields.HasNext();) {
-    const std::string_view field = fields.Next();
-    const icescript::GpioItem item(field);
-    const bool has_equals = field.find('=') != std::string_view::npos;
-    items.push_back({item.key, has_equals ? item.value : "", has_equals,
-                     static_cast<std::size_t>(item.key.data() - text.data())});
-  }
-  return items;
-}
-
-// The traps of one line; true when it ends the script.
-bool CheckItems(const ScriptLine& line, Problems& problems) {
+bool NamesBlock(const ScriptLine& line) {
   const std::vector<Item> items = Items(line.text);
-  bool flag_before = false;
+  return std::any_of(items.begin(), items.end(), [](const Item& item) {
+    return EqualsUpper(item.key, "REPT") || EqualsUpper(item.key, "ENDR");
+  });
+}
+
+// As the reader converts it: decimal, or hexadecimal behind "0x".
+bool IsNumber(std::string_view text) {
+  if (text.substr(0, 1) == "-" || text.substr(0, 1) == "+") text.remove_prefix(1);
+  const bool hex = text.size() > 2 && text.substr(0, 2) == "0x";
+  if (hex) text.remove_prefix(2);
+  const char* const digits = hex ? "0123456789abcdefABCDEF" : "0123456789";
+  return !text.empty() && text.find_first_not_of(digits) == std::string_view::npos;
+}
+
+void CheckValue(const ScriptLine& line, const Item& item, Problems& problems) {
+  const int column = line.ColumnAt(item.at);
+  const bool takes_number = IsPin(item.key) || EqualsUpper(item.key, "GPIO_OUT") ||
+                            EqualsUpper(item.key, "GPIO_OE") || EqualsUpper(item.key, "REPT");
+  if (!takes_number) return;
+  if (!item.has_equals) {
+    problems.Warn(line, column, "without \"=\" this is set to 0");
+  } else if (item.value.empty()) {
+    problems.Warn(line, column, "an empty value takes the number of the last item that had one");
+  } else if (!IsNumber(item.value)) {
+    problems.Warn(
+        line, column,
+        "\"" + std::string(item.value) + "\" is no number: only what it begins with counts");
+  }
+}
+
+// The traps of one line, which asks for `flags`; true when it ends the script.
+bool CheckItems(const ScriptLine& line, int flags, Problems& problems) {
+  const std::vector<Item> items = Items(line.text);
+  int asked = 0;
   for (std::size_t i = 0; i < items.size(); ++i) {
     const Item& item = items[i];
-    const int column = line.ColumnAt(item.at);
     if (EqualsUpper(item.key, "END")) {
       if (i + 1 < items.size()) {
         problems.Warn(line, line.ColumnAt(items[i + 1].at), "text after END is not read");
       }
       return true;
     }
-    if (IsPin(item.key) && !item.has_equals) {
-      problems.Warn(line, column, "a pin without \"=\" is set to 0");
+    CheckValue(line, item, problems);
+    if (EqualsUpper(item.key, "PRINT")) asked |= GPIO_FLAG_READ_IN;
+    if (EqualsUpper(item.key, "GPIO_OE")) asked |= GPIO_FLAG_WRITE_OE;
+    if (EqualsUpper(item.key, "NRST") && (asked & ~flags) != 0) {
+      problems.Warn(line, line.ColumnAt(item.at),
+                    "NRST=1 undoes the PRINT or GPIO_OE before it on the line");
+      asked = 0;
     }
-    if (item.has_equals && item.value.empty() && !EqualsUpper(item.key, "ENDR")) {
-      problems.Warn(line, column, "an empty value takes the number of the last item that had one");
-    }
-    if (EqualsUpper(item.key, "NRST") && item.value == "1" && flag_before) {
-      problems.Warn(line, column, "NRST=1 undoes the PRINT or GPIO_OE before it on the line");
-    }
-    flag_before = flag_before || EqualsUpper(item.key, "PRINT") || EqualsUpper(item.key, "GPIO_OE");
   }
   return false;
 }
@@ -220,7 +273,11 @@ void CheckGpio(const ScriptText& script, Problems& problems) {
   if (read) {
     const std::vector<Element> elements = Elements(*ini, text_lines);
     CheckWords(elements, problems);
-    CheckBlocks(elements, problems);
+    // A refused REPT or ENDR leaves its partner alone: that is no second fault.
+    const bool blocks_whole = std::none_of(left_out.begin(), left_out.end(), [&script](int number) {
+      return NamesBlock(script.Lines()[static_cast<std::size_t>(number) - 1]);
+    });
+    if (blocks_whole) CheckBlocks(elements, problems);
   }
   bool ended = false;
   for (std::size_t i = 2; i < text_lines.size(); ++i) {
@@ -228,7 +285,11 @@ void CheckGpio(const ScriptText& script, Problems& problems) {
       problems.Warn(*text_lines[i], text_lines[i]->column, "text after END is not read");
       break;
     }
-    ended = CheckItems(*text_lines[i], problems);
+    // The table has the flags of every line that was read.
+    const int flags = i - 1 < ini->GetGpioNum()
+                          ? ini->GetGpioValue(static_cast<int>(i) - 1, icescript::GPIO_FIELD_FLAGS)
+                          : ~0;
+    ended = CheckItems(*text_lines[i], flags, problems);
   }
 }
 

@@ -18,9 +18,14 @@ using icescript::JtagScr;
 void CheckControl(CIniFile& ini, int index, const IniSection& section, Problems& problems) {
   JtagScr scr(nullptr, nullptr);  // reads no file, so it prints nothing
   const std::unique_ptr<icescript::JtagOperatorData> record(scr.ParsingControl(ini, index));
-  if (record != nullptr) return;
-  problems.Error(*section.first, section.first->column, "CONTROL syntax error");
   const auto cdi = section.values.find("CDI");
+  if (record != nullptr) {
+    if (record->operatorType == icescript::JTAG_OP_RESET && cdi != section.values.end()) {
+      problems.Warn(*cdi->second.line, cdi->second.line->column, "RESET wins: CDI is ignored");
+    }
+    return;
+  }
+  problems.Error(*section.first, section.first->column, "CONTROL syntax error");
   if (cdi == section.values.end()) return;
   problems.Error(*cdi->second.line, cdi->second.line->ColumnAt(cdi->second.at),
                  "CDI is 5 (5-wire JTAG) or 2 (2-wire interface)");

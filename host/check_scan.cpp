@@ -41,34 +41,70 @@ std::string_view Trimmed(const CString& field) {
   return icescript::TrimRight(icescript::TrimLeft(field.Text(), ' '), ' ');
 }
 
-// The length, in field `length_at`, against the bytes behind it.
-void CheckBytes(const Fields& fields, std::size_t length_at, bool may_be_absent,
-                Problems& problems) {
-  const std::string_view length_text = Trimmed(fields.text[length_at]);
-  const int bits = icescript::ParseNumber(length_text, 10);
-  if (length_text.size() > 1 && (length_text[1] == 'x' || length_text[1] == 'X')) {
-    problems.Warn(fields.line, fields.Column(length_at), "a length is decimal: this one is 0");
-    return;
+std::string Quoted(std::string_view text) {
+  return "\"" + std::string(text) + "\"";
+}
+
+bool IsDecimal(std::string_view text) {
+  return !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
+}
+
+// One or two digits behind an optional "0x".
+bool IsHexByte(std::string_view text) {
+  if (text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X'))
+    text.remove_prefix(2);
+  return !text.empty() && text.size() <= 2 &&
+         text.find_first_not_of("0123456789abcdefABCDEF") == std::string_view::npos;
+}
+
+// What the parser makes of a byte.
+unsigned ByteOf(std::string_view text) {
+  if (text.size() > 1 && (text[1] == 'x' || text[1] == 'X')) text.remove_prefix(2);
+  return static_cast<unsigned>(icescript::ParseNumber(text, 16)) & 0xFF;
+}
+
+// The length, in field `length_at`; false where nothing is shifted.
+bool CheckLength(const Fields& fields, std::size_t length_at, int bits, Problems& problems) {
+  const std::string_view text = Trimmed(fields.text[length_at]);
+  if (text == std::to_string(bits) && bits < 0) {
+    problems.Warn(fields.line, fields.Column(length_at), "a negative length shifts nothing");
+  } else if (!IsDecimal(text)) {
+    problems.Warn(
+        fields.line, fields.Column(length_at),
+        "a length is a decimal number: " + Quoted(text) + " is taken as " + std::to_string(bits));
   }
-  // An IR has a byte at least, even of no bits.
-  if (bits <= 0) return;
-  const std::size_t first = length_at + 1;
+  return bits > 0;
+}
+
+// The bytes from field `first` on against the length in bits.
+void CheckBytes(const Fields& fields, std::size_t first, int bits, Problems& problems) {
   const std::size_t listed = fields.text.size() - first;
   const auto held = static_cast<std::size_t>((bits + 7) / 8);
+  for (std::size_t i = first; i < fields.text.size(); ++i) {
+    const std::string_view text = Trimmed(fields.text[i]);
+    if (IsHexByte(text)) continue;
+    problems.Warn(
+        fields.line, fields.Column(i),
+        Quoted(text) + " is no hexadecimal byte: taken as " + std::to_string(ByteOf(text)));
+  }
   if (listed > held) {
     problems.Warn(fields.line, fields.Column(first + held),
                   "more bytes than the " + std::to_string(bits) + " bits hold");
-  } else if (listed < held && !(may_be_absent && listed == 0)) {
-    problems.Warn(fields.line, fields.Column(length_at),
+  } else if (listed < held && listed > 0) {
+    problems.Warn(fields.line, fields.Column(first - 1),
                   std::to_string(bits) + " bits need " + std::to_string(held) + " bytes, not " +
                       std::to_string(listed) + ": the rest is 0");
-  } else if (listed == held && bits % 8 != 0) {
-    std::string_view last = Trimmed(fields.text.back());
-    if (last.size() > 1 && (last[1] == 'x' || last[1] == 'X')) last.remove_prefix(2);
-    if ((icescript::ParseNumber(last, 16) & 0xFF) >> bits % 8 == 0) return;
+  } else if (listed == held && bits % 8 != 0 &&
+             ByteOf(Trimmed(fields.text.back())) >> bits % 8 != 0) {
     problems.Warn(fields.line, fields.Column(fields.text.size() - 1),
                   "bits are set beyond the " + std::to_string(bits) + " of the length");
   }
+}
+
+void CheckFlag(const Fields& dr, Problems& problems) {
+  const std::string_view flag = Trimmed(dr.text[0]);
+  if (!flag.empty() && std::string_view("RrWw").find(flag[0]) != std::string_view::npos) return;
+  problems.Warn(dr.line, dr.Column(0), Quoted(flag) + " is neither R nor W: taken as a write");
 }
 
 // Whether the parser refuses a register of this length or of so many bytes.
@@ -103,8 +139,13 @@ void CheckScan(const CString& ir, const CString& dr, const IniSection& section,
     ExplainRefusal(dr_fields, 1, "DR is R or W,LENGTH,BYTE,...", problems);
     return;
   }
-  CheckBytes(ir_fields, 0, false, problems);
-  CheckBytes(dr_fields, 1, true, problems);
+  CheckFlag(dr_fields, problems);
+  if (CheckLength(ir_fields, 0, record->irBitLength, problems)) {
+    CheckBytes(ir_fields, 1, record->irBitLength, problems);
+  }
+  if (CheckLength(dr_fields, 1, record->drBitLength, problems)) {
+    CheckBytes(dr_fields, 2, record->drBitLength, problems);
+  }
 }
 
 }  // namespace icehost

@@ -3,7 +3,6 @@
 #include <CLI/CLI.hpp>
 #include <functional>
 
-#include "entry/icescript.h"
 #include "host/option_values.h"
 #include "host/plugin.h"
 
@@ -46,7 +45,7 @@ void AddTargetOptions(CLI::App& verb, TargetOptions& target) {
 }
 
 void AddOutputs(CLI::App& verb, RunCommand& run) {
-  verb.add_flag("--trace{-}", run.trace,
+  verb.add_flag("--trace", run.trace,
                 "Write a line for every host call, to standard error or with --trace=FILE");
   verb.add_option("--json", run.json, "Write calls and messages as JSON lines")->type_name("FILE");
   verb.add_option("--vcd", run.vcd, "Write the waveform, for GTKWave, PulseView or sigrok-cli")
@@ -78,11 +77,8 @@ void AddRun(CLI::App& app, RunCommand& run) {
                   "The plug-in to load (default: the one built or installed with icehost)")
       ->type_name("FILE");
   AddTargetOptions(verb, run.target);
-  const std::map<std::string, int> modes = {
-      {"jtag5", CDI_ANSWER_JTAG5}, {"2wire", CDI_ANSWER_2WIRE}, {"cjtag2", CDI_ANSWER_CJTAG2}};
-  verb.add_option("--wire", run.wire_mode, "The wire mode at the start: jtag5, 2wire or cjtag2")
-      ->transform(CLI::CheckedTransformer(modes).description(""))
-      ->type_name("MODE")
+  AddParsed(verb, "--wire", "MODE", "The wire mode at the start: jtag5, 2wire or cjtag2",
+            [&run](const std::string& text) { run.wire_mode = ParseWireMode(text); })
       ->group("Simulated target");
   verb.final_callback([&run, &verb] {
     if (run.probe.kind == ProbeChoice::Kind::kSim) return;
@@ -135,6 +131,7 @@ std::variant<Command, ExitStatus> ParseCommandLine(int argc, char** argv) {
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? kAllWell : kBadUsage;
   }
+  if (run.trace == "true") run.trace = "-";  // given without a file
   run.quiet = check.quiet = serve.quiet = quiet;
   if (app.got_subcommand("run")) return run;
   if (app.got_subcommand("check")) return check;

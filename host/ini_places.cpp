@@ -42,7 +42,7 @@ void CheckKey(const ScriptLine& line, const std::string& section, const std::str
   const auto is = [&](const std::string& text) { return text == keys[0] || text == keys[1]; };
   if (is(bare)) {
     problems.Warn(line, line.ColumnAt(name.find_first_of(" \t")),
-                  "a blank here belongs to the name: \"" + bare + "\" is not given");
+                  "a blank here belongs to the name: this is not \"" + bare + "\"");
   } else if (is(CString(bare).MakeUpper())) {
     problems.Warn(line, line.column, "keys are in upper case: this one is ignored");
   } else {
@@ -71,7 +71,7 @@ IniSections ReadLines(const ScriptText& script, std::string& good, Problems& pro
       name = SectionName(line);
       header = &line;
     } else if (equals == std::string::npos) {
-      const MemoryFile file("[" + name + "]\n" + line.raw);
+      const MemoryFile file((name.empty() ? "" : "[" + name + "]\n") + line.raw);
       CIniFile ini{CString(file.Path())};
       ini.ReadFile();
       std::string message = ini.error_msg;
@@ -81,6 +81,9 @@ IniSections ReadLines(const ScriptText& script, std::string& good, Problems& pro
       IniSection& section = sections[name];
       if (section.first == nullptr) section.first = header != nullptr ? header : &line;
       const std::string key = line.text.substr(0, equals);
+      if (section.values.count(key) != 0) {
+        problems.Warn(line, line.column, "this replaces the value given above");
+      }
       section.values[key] = {&line, equals + 1};
       CheckKey(line, name, key, problems);
     }
@@ -94,10 +97,14 @@ void CheckHeaders(const ScriptText& script, const IniSections& sections, Problem
   for (const ScriptLine& line : script.Lines()) {
     if (line.Blank() || !IsHeader(line)) continue;
     const std::string name = SectionName(line);
+    if (name != "CONTROL" && CString(WithoutBlanks(name)).MakeUpper() == "CONTROL") {
+      problems.Warn(line, line.column, "this is not the section CONTROL, but a scan");
+    }
     if (!seen.emplace(name, &line).second) {
       problems.Warn(line, line.column,
-                    name == "CONTROL" ? "a second CONTROL never runs: it continues the first"
-                                      : "this section continues the one of the same name above");
+                    name == "CONTROL"
+                        ? "this continues the CONTROL above: the two are one operation"
+                        : "this section continues the one of the same name above");
     } else if (sections.count(name) == 0) {
       problems.Warn(line, line.column, "a section without a value is not run");
     }

@@ -63,6 +63,9 @@ int main(int argc, char** argv) {
     CatchInterrupts();
     return std::visit([](const auto& command) { return Execute(command); },
                       std::get<Command>(parsed));
+  } catch (const Interrupted& error) {
+    std::fprintf(stderr, "icehost: %s\n", error.what());
+    return kInterrupted;
   } catch (const std::exception& error) {
     std::fprintf(stderr, "icehost: %s\n", error.what());
     return kNotOpened;

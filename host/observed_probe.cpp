@@ -8,6 +8,7 @@
 #include "host/errors.h"
 #include "host/interrupt.h"
 #include "host/pin_names.h"
+#include "host/svg_writer.h"
 
 namespace icehost {
 namespace {
@@ -66,7 +67,7 @@ std::string ModeName(int value) {
 
 std::string GpioName(int flags) {
   if ((flags & GPIO_FLAG_START) != 0) return "START";
-  return (flags & GPIO_FLAG_END) != 0 ? "END" : "pins";
+  return (flags & GPIO_FLAG_END) != 0 ? "END" : kPinOperation;
 }
 
 }  // namespace
@@ -120,7 +121,8 @@ int ObservedProbe::Insert(int ir_bits, const std::uint8_t* ir, int dr_bits,
                           const std::uint8_t* dr) {
   ++counts_.operations;
   ++counts_.reads;
-  counts_.bits += std::max(ir_bits, 0) + std::max(dr_bits, 0);
+  const int extra = wire_mode_ == CDI_ANSWER_2WIRE ? 8 : 0;  // not shifted through the TAP
+  counts_.bits += std::max(ir_bits - extra, 0) + std::max(dr_bits - extra, 0);
   ir_bits_ = ir_bits;
   dr_bits_ = dr_bits;
   scan_name_ = "IR " + std::to_string(ir_bits) + " bits " + ByteText(ir, ir_bits) + ", DR " +
@@ -141,12 +143,15 @@ int ObservedProbe::Execute(std::uint8_t* capture) {
   const int result = Guard([&] { return probe_.Execute(capture); });
   Tell([&]() -> CallEvent {
     const int extra = wire_mode_ == CDI_ANSWER_2WIRE ? 1 : 0;
-    const int ir_bits = std::min(ir_bits_ - 8 * extra, 8 * kDrCaptureByte);
-    return {"link_jtag_execute",
-            {},
-            result,
-            {Bytes("ir_out", capture, ir_bits),
-             Bytes("dr_out", capture + kDrCaptureByte + extra, dr_bits_ - 8 * extra)}};
+    const int ir_bits = ir_bits_ - 8 * extra;
+    std::vector<Field> outputs;
+    if (result == 0 && probe_.CapturesIr() && ir_bits <= 8 * kDrCaptureByte) {
+      outputs.push_back(Bytes("ir_out", capture, ir_bits));
+    }
+    if (result == 0) {
+      outputs.push_back(Bytes("dr_out", capture + kDrCaptureByte + extra, dr_bits_ - 8 * extra));
+    }
+    return {"link_jtag_execute", {}, result, std::move(outputs)};
   });
   return result;
 }

@@ -23,6 +23,7 @@ class OpenocdProbe : public Probe {
   int Reset(int kind) override;
   int Insert(int ir_bits, const std::uint8_t* ir, int dr_bits, const std::uint8_t* dr) override;
   int Execute(std::uint8_t* capture) override;
+  bool CapturesIr() const override { return false; }
   int Gpio(int out_value, std::uint32_t& data, int oe_mask, int flags) override;
 
  private:

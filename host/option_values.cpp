@@ -4,6 +4,8 @@
 #include <cctype>
 #include <stdexcept>
 
+#include "entry/icescript.h"
+
 namespace icehost {
 namespace {
 
@@ -63,9 +65,10 @@ ProbeChoice ParseProbe(const std::string& text) {
         "openocd:HOST:PORT[:TAP]");
   }
   // A colon behind the port begins the TAP; those of an IPv6 address stand in brackets.
-  const std::size_t host_end = std::min(rest.find(']'), rest.size()) % rest.size();
-  const std::size_t port = std::min(rest.find(':', host_end), rest.size() - 1);
-  const std::size_t port_end = std::min(rest.find(':', port + 1), rest.size());
+  const std::size_t host_end = rest.substr(0, 1) == "[" ? std::min(rest.find(']'), rest.size()) : 0;
+  const std::size_t port = std::min(rest.find(':', host_end), rest.size());
+  const std::size_t port_end =
+      std::min(rest.find(':', std::min(port + 1, rest.size())), rest.size());
   const std::string tap = rest.substr(std::min(port_end + 1, rest.size()));
   return {ProbeChoice::Kind::kOpenocd, ParseEndpoint(rest.substr(0, port_end)), tap};
 }
@@ -76,7 +79,15 @@ Endpoint ParseServeEndpoint(const std::string& text) {
     if (text.compare(0, 5, "unix:") == 0) return ParseEndpoint(text);
     throw std::invalid_argument("expected tcp:PORT, tcp:ADDRESS:PORT or unix:PATH");
   }
+  if (rest.empty()) throw std::invalid_argument("expected tcp:PORT, tcp:ADDRESS:PORT or unix:PATH");
   return ParseEndpoint(rest.find(':') == std::string::npos ? "127.0.0.1:" + rest : rest);
+}
+
+int ParseWireMode(const std::string& text) {
+  if (text == "jtag5") return CDI_ANSWER_JTAG5;
+  if (text == "2wire") return CDI_ANSWER_2WIRE;
+  if (text == "cjtag2") return CDI_ANSWER_CJTAG2;
+  throw std::invalid_argument("expected jtag5, 2wire or cjtag2");
 }
 
 std::uint32_t ParseIdcode(const std::string& text) {

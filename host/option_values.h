@@ -14,9 +14,11 @@ namespace icehost {
 ProbeChoice ParseProbe(const std::string& text);
 // "tcp:PORT" on the loopback address, "tcp:ADDRESS:PORT" or "unix:PATH".
 Endpoint ParseServeEndpoint(const std::string& text);
+// "jtag5", "2wire" or "cjtag2", as a CDI_ANSWER_.
+int ParseWireMode(const std::string& text);
 // Hexadecimal, with or without "0x". Bit 0 of an IDCODE is 1 (IEEE 1149.1).
 std::uint32_t ParseIdcode(const std::string& text);
-// "IR:BITS[=HEX]": adds a register to the target.
+// "IR:BITS[=HEX]", the instruction IR as in C: adds a register to the target.
 void ParseRegister(const std::string& text, TargetOptions& target);
 
 }  // namespace icehost

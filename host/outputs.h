@@ -17,7 +17,8 @@ namespace icehost {
 
 // Members that are not asked for are empty.
 struct Outputs {
-  // Opens the files; throws IoError.
+  // Opens the files; throws IoError where one cannot be opened or is one of the scripts. `command`
+  // must outlive this object.
   explicit Outputs(const RunCommand& command);
   // Throws IoError where not everything could be written.
   void Complete();
@@ -33,6 +34,7 @@ struct Outputs {
  private:
   std::ostream& Open(const std::string& path);
 
+  const RunCommand& command_;
   std::ostream* svg_stream_ = nullptr;
 };
 

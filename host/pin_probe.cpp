@@ -3,13 +3,13 @@
 #include <algorithm>
 
 #include "host/errors.h"
+#include "host/pin_names.h"
 
 namespace icehost {
 namespace {
 
 constexpr int kIrCaptureBits = 8 * kDrCaptureByte;
 
-constexpr int kScanEnables = GPIO_PIN_ALL & ~GPIO_PIN_TDO;
 constexpr int kNoReset = GPIO_PIN_NRST | GPIO_PIN_TRST;
 
 }  // namespace
@@ -31,8 +31,8 @@ int PinProbe::Config(int code, int value) {
 
 int PinProbe::Reset(int kind) {
   if (kind != LINK_RESET_TARGET) return -1;
-  Write(kNoReset & ~GPIO_PIN_NRST, kScanEnables);
-  Write(kNoReset, kScanEnables);
+  Write(kNoReset & ~GPIO_PIN_NRST, kDrivenPins);
+  Write(kNoReset, kDrivenPins);
   return 0;
 }
 
@@ -83,14 +83,14 @@ void PinProbe::Write(int levels, int enables) {
 // them on the rising edge and changes TDO on the falling one.
 void PinProbe::ClockTck(bool tms, bool tdi, bool sample) {
   const int levels = kNoReset | (tms ? GPIO_PIN_TMS : 0) | (tdi ? GPIO_PIN_TDI : 0);
-  Write(levels, kScanEnables);
+  Write(levels, kDrivenPins);
   if (sample) port_.SampleTdo();
-  Write(levels | GPIO_PIN_TCK, kScanEnables);
+  Write(levels | GPIO_PIN_TCK, kDrivenPins);
 }
 
 // Makes the pins and the TAP this probe's own, wherever a GPIO script left them.
 void PinProbe::TakeTap() {
-  Write(kNoReset, kScanEnables);
+  Write(kNoReset, kDrivenPins);
   while (!tap_.State().has_value()) ClockTck(true, false, false);
   MoveTo(TapState::kRunTestIdle);
 }
@@ -104,7 +104,7 @@ Bits PinProbe::Scan(TapState shift, const Bits& in) {
   MoveTo(shift);
   for (std::size_t i = 0; i < in.size(); ++i) ClockTck(i + 1 == in.size(), in[i], true);
   MoveTo(TapState::kRunTestIdle);
-  Write(kNoReset, kScanEnables);
+  Write(kNoReset, kDrivenPins);
   return port_.CollectTdo();
 }
 

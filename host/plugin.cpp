@@ -31,7 +31,8 @@ std::string DefaultPluginPath() {
   std::error_code ignored;
   const fs::path folder = fs::read_symlink("/proc/self/exe", ignored).parent_path();
   const fs::path installed = folder.parent_path() / ICEHOST_LIBRARY_FOLDER / kName;
-  return fs::exists(installed, ignored) ? installed : folder / kName;
+  const fs::path built = folder / kName;
+  return fs::exists(built, ignored) ? built : installed;
 }
 
 }  // namespace icehost

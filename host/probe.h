@@ -21,6 +21,8 @@ class Probe {
   virtual int Reset(int kind) = 0;
   virtual int Insert(int ir_bits, const std::uint8_t* ir, int dr_bits, const std::uint8_t* dr) = 0;
   virtual int Execute(std::uint8_t* capture) = 0;
+  // Whether Execute stores the captured IR.
+  virtual bool CapturesIr() const { return true; }
   virtual int Gpio(int out_value, std::uint32_t& data, int oe_mask, int flags) = 0;
 };
 

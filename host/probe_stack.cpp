@@ -9,7 +9,8 @@
 
 namespace icehost {
 
-ProbeStack::ProbeStack(const RunCommand& command, const std::vector<StepRecorder*>& recorders) {
+ProbeStack::ProbeStack(const RunCommand& command)
+    : wire_mode_(command.wire_mode), two_wire_(command.probe.kind == ProbeChoice::Kind::kSim) {
   const auto connect = [&] { return Socket::Connect(command.probe.endpoint, command.timeout); };
   switch (command.probe.kind) {
     case ProbeChoice::Kind::kSim:
@@ -19,17 +20,23 @@ ProbeStack::ProbeStack(const RunCommand& command, const std::vector<StepRecorder
       port_ = std::make_unique<BitbangPort>(connect());
       break;
     case ProbeChoice::Kind::kOpenocd:
-      if (!recorders.empty()) throw IoError("OpenOCD shows no pins: no waveform of it");
+      if (!command.vcd.empty() || !command.svg.empty()) {
+        throw IoError("OpenOCD shows no pins: no waveform of it");
+      }
       probe_ = std::make_unique<OpenocdProbe>(connect(), command.probe.tap);
-      return;
+      break;
   }
+}
+
+Probe& ProbeStack::Build(const std::vector<StepRecorder*>& recorders) {
+  if (port_ == nullptr) return *probe_;
   if (!recorders.empty()) recording_ = std::make_unique<RecordingPort>(*port_, recorders);
   PinPort* top = port_.get();
   if (recording_ != nullptr) top = recording_.get();
-  const bool two_wire = command.probe.kind == ProbeChoice::Kind::kSim;
-  auto pin_probe = std::make_unique<PinProbe>(*top, command.wire_mode, two_wire);
+  auto pin_probe = std::make_unique<PinProbe>(*top, wire_mode_, two_wire_);
   pin_probe_ = pin_probe.get();
   probe_ = std::move(pin_probe);
+  return *probe_;
 }
 
 void ProbeStack::Flush() const {

@@ -14,11 +14,12 @@ namespace icehost {
 
 class ProbeStack {
  public:
-  // Connects where the probe is across a network; throws IoError. The recorders must outlive this
-  // object.
-  ProbeStack(const RunCommand& command, const std::vector<StepRecorder*>& recorders);
+  // Connects where the probe is across a network; throws IoError, also where the pins are to be
+  // recorded and the probe shows none.
+  explicit ProbeStack(const RunCommand& command);
 
-  Probe& Top() { return *probe_; }
+  // The probe, with its pins recorded; to be called once. The recorders must outlive this object.
+  Probe& Build(const std::vector<StepRecorder*>& recorders);
   // Lets what is buffered go out and be recorded.
   void Flush() const;
   // Writes to the pins that the recorders have seen or will see.
@@ -27,10 +28,12 @@ class ProbeStack {
   std::optional<long> TckCycles() const;
 
  private:
-  std::unique_ptr<PinPort> port_;
+  int wire_mode_;
+  bool two_wire_;
+  std::unique_ptr<PinPort> port_;  // null where the probe does not show its pins
   std::unique_ptr<RecordingPort> recording_;
   std::unique_ptr<Probe> probe_;
-  PinProbe* pin_probe_ = nullptr;  // probe_, where it is one
+  PinProbe* pin_probe_ = nullptr;  // probe_, where it is made of pins
 };
 
 }  // namespace icehost

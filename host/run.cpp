@@ -3,7 +3,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <optional>
 
 #include "host/check.h"
@@ -12,14 +14,16 @@
 #include "host/observed_probe.h"
 #include "host/outputs.h"
 #include "host/plugin.h"
+#include "host/printable.h"
 #include "host/probe_stack.h"
 #include "host/progress.h"
 
 namespace icehost {
 namespace {
 
-void Complain(const std::string& what) {
-  std::fprintf(stderr, "icehost: %s\n", what.c_str());
+void Complain(std::string what) {
+  while (!what.empty() && what.back() == '\n') what.pop_back();
+  std::fprintf(stderr, "icehost: %s\n", Printable(what).c_str());
 }
 
 // The plug-in reads a script twice, from a path: a pipe would be empty the second time.
@@ -32,12 +36,13 @@ class Runner {
  public:
   explicit Runner(const RunCommand& command)
       : command_(command),
-        outputs_(command),
         plugin_(LoadPlugin(command.plugin)),
-        progress_(!command.quiet && isatty(STDERR_FILENO) != 0),
-        stack_(command, outputs_.recorders),
+        progress_(!command.quiet && command.trace != "-" && isatty(STDERR_FILENO) != 0),
+        stack_(command),
+        outputs_(command),
         observed_(
-            stack_.Top(), outputs_.listeners, [this](const std::string& why) { Say(why); },
+            stack_.Build(outputs_.recorders), outputs_.listeners,
+            [this](const std::string& why) { Say(why); },
             [this](const std::string& operation) { OnOperation(operation); }) {
     running = this;
   }
@@ -67,7 +72,14 @@ class Runner {
   static int Show(const char* message) {
     running->progress_.Erase();
     for (EventListener* const listener : running->outputs_.listeners) listener->OnMessage(message);
-    return std::fputs(message, stdout);
+    running->last_message_ = message;
+    if (std::fputs(message, stdout) == EOF) FailOutput();
+    return 0;
+  }
+
+  // Nobody reads on: the rest of the script is not to run unseen.
+  [[noreturn]] static void FailOutput() {
+    throw IoError(std::string("standard output: ") + std::strerror(errno));
   }
 
   void Say(const std::string& what) {
@@ -93,15 +105,10 @@ class Runner {
   }
 
   ExitStatus Guarded(const std::string& script) {
-    std::string content;
     try {
-      content = ReadScript(script);
-    } catch (const IoError& error) {
-      Say(error.what());
-      return kScriptFailed;
-    }
-    try {
-      return RunContent(script, std::move(content));
+      std::optional<std::string> content = ReadContent(script);
+      if (!content.has_value()) return kScriptFailed;
+      return RunContent(script, std::move(*content));
     } catch (const Interrupted& error) {
       Say(error.what());
       return kInterrupted;
@@ -116,14 +123,25 @@ class Runner {
     return kScriptFailed;
   }
 
+  // Nothing where it cannot be read, which has been said then.
+  std::optional<std::string> ReadContent(const std::string& script) {
+    try {
+      return ReadScript(script);
+    } catch (const IoError& error) {
+      Say(error.what());
+      return std::nullopt;
+    }
+  }
+
   ExitStatus RunContent(const std::string& script, std::string content) {
     std::optional<MemoryFile> copy;
     if (!IsRegularFile(script)) copy.emplace(content);
     const bool ran = plugin_.Run(observed_, copy.has_value() ? copy->Path() : script, Show);
     stack_.Flush();
     const ScriptText text(script, std::move(content));
+    if (std::fflush(stdout) == EOF) FailOutput();
     if (!ran) {
-      Say(script + " failed");
+      Say(script + " failed" + (command_.quiet ? ": " + last_message_ : ""));
       return kScriptFailed;
     }
     // The plug-in's result is 0 for a JTAG script with errors.
@@ -159,11 +177,13 @@ class Runner {
   static Runner* running;  // callbacks carry no handle
 
   const RunCommand& command_;
-  Outputs outputs_;
   Plugin plugin_;
   Progress progress_;
+  // Before the outputs: a run that cannot begin leaves the files of the run before it alone.
   ProbeStack stack_;
+  Outputs outputs_;
   ObservedProbe observed_;
+  std::string last_message_;
 };
 
 Runner* Runner::running = nullptr;

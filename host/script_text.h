@@ -21,7 +21,7 @@ struct ScriptLine {
 };
 
 // The whole of `path`, "-" being standard input. Throws IoError that says why not: it does not
-// exist, is a directory, or is binary (holds a NUL).
+// exist, is a directory, or is binary (holds a NUL). Throws Interrupted.
 std::string ReadScript(const std::string& path);
 
 class ScriptText {

@@ -1,11 +1,13 @@
 #include "host/sim_port.h"
 
+#include "host/tap_tracker.h"
+
 namespace icehost {
 
 void SimPort::Write(int levels, int enables) {
   const int before = wires_;
   enables_ = enables & GPIO_PIN_ALL;
-  wires_ = (levels & enables_) | (GPIO_PIN_ALL & ~enables_);
+  wires_ = WireLevels(levels & enables_, enables_);
   const auto high = [this](int pin) { return (wires_ & pin) != 0; };
 
   if (!high(GPIO_PIN_NRST)) target_.ResetRegisters();

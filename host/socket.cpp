@@ -6,6 +6,7 @@
 #include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/un.h>
 #include <unistd.h>
 
@@ -85,6 +86,7 @@ void SetNoDelay(int fd) {
 // Binds a new socket and listens; the socket, or -1 with errno set.
 int ListenOn(int family, const sockaddr* address, socklen_t size) {
   const int fd = NewSocket(family);
+  if (fd < 0) return -1;
   const int on = 1;
   setsockopt(fd, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
   if (bind(fd, address, size) == 0 && listen(fd, 1) == 0) return fd;
@@ -94,8 +96,11 @@ int ListenOn(int family, const sockaddr* address, socklen_t size) {
   return -1;
 }
 
-// A socket file that nobody listens at any more is in the way of the next server.
+// A socket file that nobody listens at any more is in the way of the next server. Any other file
+// stays: connecting to one is refused as well.
 void RemoveStaleSocket(const sockaddr_un& address) {
+  struct stat status = {};
+  if (lstat(address.sun_path, &status) != 0 || !S_ISSOCK(status.st_mode)) return;
   const int fd = NewSocket(AF_UNIX);
   const bool refused =
       connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 &&

@@ -57,7 +57,8 @@ void WriteLabel(std::ostream& stream, const char* text, int y) {
 }  // namespace
 
 void SvgWriter::BeginOperation(std::size_t step, const std::string& name) {
-  if (step >= kMostSteps || (!operations_.empty() && operations_.back().name == name)) return;
+  const bool same = !operations_.empty() && operations_.back().name == name;
+  if (step >= kMostSteps || (same && name == kPinOperation)) return;
   // An operation without a step of its own leaves no room for its name.
   if (!operations_.empty() && operations_.back().begin == step) operations_.pop_back();
   operations_.push_back({step, name, ""});

@@ -11,6 +11,10 @@
 
 namespace icehost {
 
+// The name of operations that are drawn as one when they follow each other: a step or none is too
+// short for a name.
+constexpr char kPinOperation[] = "pins";
+
 // Collects a run and draws it: a row for the operations, one for the states of the TAP, one for
 // each pin. Follows the reader's light or dark scheme. Only the first steps of a long run are kept,
 // and a note says so.

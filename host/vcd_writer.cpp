@@ -43,4 +43,8 @@ void VcdWriter::Record(const PinStep& step) {
   last_ = step;
 }
 
+void VcdWriter::End() {
+  stream_ << '#' << time_ << '\n';
+}
+
 }  // namespace icehost

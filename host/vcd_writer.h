@@ -18,6 +18,8 @@ class VcdWriter : public StepRecorder {
   // `stream` must outlive the writer.
   explicit VcdWriter(std::ostream& stream);
   void Record(const PinStep& step) override;
+  // Gives the last step its length.
+  void End();
 
  private:
   std::ostream& stream_;

@@ -59,6 +59,7 @@ TEST(Icehost, RunsAsGolden) {
       {"run --svg /dev/stderr examples/read_idcode.ini 2>&1 >/dev/null", 0, "svg"},
       {"check tests/scripts/bad.ini 2>&1", 1, "check_ini"},
       {"check tests/scripts/bad.gpio 2>&1", 1, "check_gpio"},
+      {"check tests/scripts/traps.gpio tests/scripts/traps.ini 2>&1", 1, "check_traps"},
       {"check -q tests/scripts/bad.gpio tests/scripts/no_start.gpio - <tests/scripts/no_end.gpio "
        "2>&1",
        1, "check_errors_only"},
@@ -93,6 +94,8 @@ TEST(Icehost, SaysWhatIsWrong) {
       {"run --timeout nan x", 2, "--timeout: expected seconds, more than 0 and up to 86400" + help},
       {"run --probe openocd:h:1:t --idcode 1 x", 2, "--idcode: is for the simulated probe" + help},
       {"run --probe openocd:h x", 2, "--probe: expected HOST:PORT or unix:PATH, not \"h\"" + help},
+      {"run --probe openocd: x", 2, "--probe: expected HOST:PORT or unix:PATH, not \"\"" + help},
+      {"run --wire 7 x", 2, "--wire: expected jtag5, 2wire or cjtag2" + help},
       {"serve tcp:65536", 2, "ENDPOINT: \"65536\" is no port from 0 to 65535" + help},
       {"serve unix:/nowhere/x", 3,
        "icehost: unix:/nowhere/x: cannot listen: No such file or directory\n"},
@@ -109,13 +112,21 @@ TEST(Icehost, SaysWhatIsWrong) {
        "icehost: unix:/nowhere: cannot connect: No such file or directory\n"},
       {"run --probe openocd:[::1]:1:t --svg x x", 3,
        "icehost: OpenOCD shows no pins: no waveform of it\n"},
+      {"serve unix:examples/reset.ini", 3,
+       "icehost: unix:examples/reset.ini: cannot listen: Address already in use\n"},
+      {"run --svg examples/reset.ini examples/reset.ini", 3,
+       "icehost: examples/reset.ini: is a script to run, and would be overwritten\n"},
+      {"run 2>&1 >/dev/full examples/reset.ini", 3,
+       "icehost: standard output: No space left on device\n"},
       {"run /nowhere", 1, "icehost: /nowhere: No such file or directory\n"},
       {"check /tmp", 1, "icehost: /tmp: is a directory\n"},
       {"check " ICESCRIPT_ICEHOST, 1, "icehost: " ICESCRIPT_ICEHOST ": is binary, not a script\n"},
-      {"run -q - < tests/golden/empty.txt", 1, "icehost: - failed\n"},
+      {"run -q - < tests/golden/empty.txt", 1, "icehost: - failed: Syntax error, no end found\n"},
   };
   for (const auto& fault : kFaults) {
-    const Outcome outcome = RunIcehost(std::string(fault.arguments) + " 2>&1 >/dev/null");
+    const std::string arguments = fault.arguments;
+    const bool redirected = arguments.find(">/dev/full") != std::string::npos;
+    const Outcome outcome = RunIcehost(arguments + (redirected ? "" : " 2>&1 >/dev/null"));
     EXPECT_EQ(outcome.status, fault.status) << fault.arguments;
     EXPECT_EQ(outcome.output, fault.message) << fault.arguments;
   }
