@@ -30,6 +30,8 @@ class EventListener {
   virtual void OnScript(const std::string& path) = 0;
   virtual void OnCall(const CallEvent& call) = 0;
   virtual void OnMessage(const char* text) = 0;
+  // Why a call or a script failed, in icehost's words.
+  virtual void OnError(const std::string& text) = 0;
   virtual void OnScriptEnd(bool ran) = 0;
 };
 

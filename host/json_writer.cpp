@@ -35,6 +35,10 @@ void JsonWriter::OnMessage(const char* text) {
   WriteLine(stream_, {{"message", text}});
 }
 
+void JsonWriter::OnError(const std::string& text) {
+  WriteLine(stream_, {{"error", text}});
+}
+
 void JsonWriter::OnScriptEnd(bool ran) {
   WriteLine(stream_, {{"end", ran}});
 }

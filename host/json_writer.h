@@ -9,8 +9,8 @@
 namespace icehost {
 
 // One object a line, told apart by its first key: {"script":PATH}, {"call":NAME, arguments...,
-// "result":N, outputs...}, {"message":TEXT}, {"end":true or false}. Bits are hexadecimal texts. A
-// byte that is not UTF-8 is replaced by U+FFFD.
+// "result":N, outputs...}, {"message":TEXT}, {"error":TEXT}, {"end":true or false}. Bits are
+// hexadecimal texts. A byte that is not UTF-8 is replaced by U+FFFD.
 class JsonWriter : public EventListener {
  public:
   // `stream` must outlive the writer.
@@ -18,6 +18,7 @@ class JsonWriter : public EventListener {
   void OnScript(const std::string& path) override;
   void OnCall(const CallEvent& call) override;
   void OnMessage(const char* text) override;
+  void OnError(const std::string& text) override;
   void OnScriptEnd(bool ran) override;
 
  private:

@@ -85,6 +85,7 @@ class Runner {
   void Say(const std::string& what) {
     progress_.Erase();
     std::fflush(stdout);
+    for (EventListener* const listener : outputs_.listeners) listener->OnError(what);
     Complain(what);
   }
 

@@ -27,6 +27,9 @@ void TraceWriter::OnCall(const CallEvent& call) {
 
 void TraceWriter::OnMessage(const char* /*text*/) {}
 
+// On standard error it stands already.
+void TraceWriter::OnError(const std::string& /*text*/) {}
+
 void TraceWriter::OnScriptEnd(bool ran) {
   stream_ << (ran ? "# ran\n" : "# failed\n");
 }

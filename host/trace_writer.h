@@ -16,6 +16,7 @@ class TraceWriter : public EventListener {
   void OnScript(const std::string& path) override;
   void OnCall(const CallEvent& call) override;
   void OnMessage(const char* text) override;
+  void OnError(const std::string& text) override;
   void OnScriptEnd(bool ran) override;
 
  private:

@@ -54,6 +54,8 @@ TEST(Icehost, RunsAsGolden) {
       {"run --trace examples/read_idcode.gpio examples/two_wire.ini 2>&1 >/dev/null", 0, "trace"},
       {"run --json /dev/stderr examples/reset_pulse.gpio examples/reset.ini 2>&1 >/dev/null", 0,
        "json"},
+      {"run --json /dev/stderr tests/scripts/bad.ini 2>&1 >/dev/null | grep -v ^icehost", 0,
+       "json_errors"},
       {"run --vcd /dev/stderr examples/read_idcode.ini examples/reset_pulse.gpio 2>&1 >/dev/null",
        0, "vcd"},
       {"run --svg /dev/stderr examples/read_idcode.ini 2>&1 >/dev/null", 0, "svg"},
