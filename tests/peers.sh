@@ -107,9 +107,10 @@ wait "$server" || fail "serve ended with $?"
 
 # An endless run is interrupted, and what it wrote is complete.
 printf '[ZEVA_ICE_GPIO]\nSTART\nREPT=2000000000\nTCK=1\nTCK=0\nENDR\nEND\n' >"$scratch/endless.gpio"
-"$icehost" run --svg "$scratch/endless.svg" "$scratch/endless.gpio" >/dev/null 2>"$scratch/end.log" &
+"$icehost" run --svg "$scratch/endless.svg" --vcd "$scratch/endless.vcd" "$scratch/endless.gpio" \
+  >/dev/null 2>"$scratch/end.log" &
 run=$!
-sleep 0.5
+wait_for '^#100$' "$scratch/endless.vcd" >/dev/null
 kill -INT "$run"
 status=0
 wait "$run" || status=$?
