@@ -18,6 +18,12 @@ class Unsupported : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+// The plug-in threw an exception of its own. The script has failed.
+class PluginThrew : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
 // The user pressed Ctrl-C, or the program was told to end. The run ends with kInterrupted.
 class Interrupted : public std::runtime_error {
  public:

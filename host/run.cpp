@@ -116,12 +116,10 @@ class Runner {
     } catch (const IoError& error) {
       Say(error.what());
       return kNotOpened;
-    } catch (const std::exception& error) {
-      Say(script + ": the plug-in threw an exception: " + error.what());
-    } catch (...) {
-      Say(script + ": the plug-in threw an exception");
+    } catch (const PluginThrew& error) {
+      Say(script + ": the plug-in threw an exception" + error.what());
+      return kScriptFailed;
     }
-    return kScriptFailed;
   }
 
   // Nothing where it cannot be read, which has been said then.
@@ -134,10 +132,25 @@ class Runner {
     }
   }
 
+  // What the probe and the output throw passes through the plug-in as it is.
+  bool RunPlugin(const std::string& path) {
+    try {
+      return plugin_.Run(observed_, path, Show);
+    } catch (const Interrupted&) {
+      throw;
+    } catch (const IoError&) {
+      throw;
+    } catch (const std::exception& error) {
+      throw PluginThrew(std::string(": ") + error.what());
+    } catch (...) {
+      throw PluginThrew("");
+    }
+  }
+
   ExitStatus RunContent(const std::string& script, std::string content) {
     std::optional<MemoryFile> copy;
     if (!IsRegularFile(script)) copy.emplace(content);
-    const bool ran = plugin_.Run(observed_, copy.has_value() ? copy->Path() : script, Show);
+    const bool ran = RunPlugin(copy.has_value() ? copy->Path() : script);
     stack_.Flush();
     const ScriptText text(script, std::move(content));
     if (std::fflush(stdout) == EOF) FailOutput();
