@@ -11,14 +11,14 @@
 
 #include "entry/icescript.h"
 #include "fuzz/harness.h"
-#include "host/bitbang_port.h"
-#include "host/bitbang_server.h"
-#include "host/check.h"
-#include "host/errors.h"
-#include "host/openocd_probe.h"
-#include "host/pin_probe.h"
-#include "host/recording_port.h"
-#include "host/sim_port.h"
+#include "host/check/check.h"
+#include "host/probe/bitbang_port.h"
+#include "host/probe/bitbang_server.h"
+#include "host/probe/openocd_probe.h"
+#include "host/probe/pin_probe.h"
+#include "host/probe/sim_port.h"
+#include "host/record/recording_port.h"
+#include "host/system/errors.h"
 
 namespace {
 

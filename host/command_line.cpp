@@ -4,7 +4,7 @@
 #include <functional>
 
 #include "host/option_values.h"
-#include "host/plugin.h"
+#include "host/probe/plugin.h"
 
 namespace icehost {
 namespace {

@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "host/exit_status.h"
-#include "host/socket.h"
-#include "host/target.h"
+#include "host/system/socket.h"
+#include "host/target/target.h"
 
 namespace icehost {
 

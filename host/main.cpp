@@ -3,14 +3,14 @@
 #include <exception>
 #include <iostream>
 
-#include "host/bitbang_server.h"
-#include "host/check.h"
+#include "host/check/check.h"
+#include "host/check/script_text.h"
 #include "host/command_line.h"
-#include "host/errors.h"
-#include "host/interrupt.h"
+#include "host/probe/bitbang_server.h"
+#include "host/probe/sim_port.h"
 #include "host/run.h"
-#include "host/script_text.h"
-#include "host/sim_port.h"
+#include "host/system/errors.h"
+#include "host/system/interrupt.h"
 
 namespace icehost {
 namespace {

@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <iostream>
 
-#include "host/errors.h"
+#include "host/system/errors.h"
 
 namespace icehost {
 

@@ -7,11 +7,11 @@
 #include <vector>
 
 #include "host/command_line.h"
-#include "host/json_writer.h"
-#include "host/output_file.h"
-#include "host/svg_writer.h"
-#include "host/trace_writer.h"
-#include "host/vcd_writer.h"
+#include "host/record/json_writer.h"
+#include "host/record/svg_writer.h"
+#include "host/record/trace_writer.h"
+#include "host/record/vcd_writer.h"
+#include "host/system/output_file.h"
 
 namespace icehost {
 

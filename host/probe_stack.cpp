@@ -2,10 +2,10 @@
 
 #include <utility>
 
-#include "host/bitbang_port.h"
-#include "host/errors.h"
-#include "host/openocd_probe.h"
-#include "host/sim_port.h"
+#include "host/probe/bitbang_port.h"
+#include "host/probe/openocd_probe.h"
+#include "host/probe/sim_port.h"
+#include "host/system/errors.h"
 
 namespace icehost {
 

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "host/command_line.h"
-#include "host/pin_probe.h"
-#include "host/recording_port.h"
+#include "host/probe/pin_probe.h"
+#include "host/record/recording_port.h"
 
 namespace icehost {
 

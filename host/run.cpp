@@ -8,15 +8,15 @@
 #include <cstring>
 #include <optional>
 
-#include "host/check.h"
-#include "host/errors.h"
-#include "host/memory_file.h"
-#include "host/observed_probe.h"
+#include "host/check/check.h"
 #include "host/outputs.h"
-#include "host/plugin.h"
-#include "host/printable.h"
+#include "host/probe/plugin.h"
 #include "host/probe_stack.h"
 #include "host/progress.h"
+#include "host/record/observed_probe.h"
+#include "host/system/errors.h"
+#include "host/system/memory_file.h"
+#include "host/system/printable.h"
 
 namespace icehost {
 namespace {

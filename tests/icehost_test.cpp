@@ -9,8 +9,8 @@
 #include <sstream>
 #include <thread>
 
-#include "host/errors.h"
-#include "host/socket.h"
+#include "host/system/errors.h"
+#include "host/system/socket.h"
 
 namespace {
 

@@ -1,0 +1,111 @@
+#include "host/probe/bitbang_port.h"
+
+#include <utility>
+
+#include "host/system/errors.h"
+#include "host/target/pin_names.h"
+#include "host/target/tap.h"
+
+namespace icehost {
+namespace {
+
+constexpr std::size_t kSendAt = 4096;
+// More answers under way than this could fill the buffers of both sides while each waits for the
+// other to read.
+constexpr std::size_t kAnswersUnderWay = 2048;
+
+char PinByte(int levels) {
+  return static_cast<char>('0' + ((levels & GPIO_PIN_TCK) != 0 ? 4 : 0) +
+                           ((levels & GPIO_PIN_TMS) != 0 ? 2 : 0) +
+                           ((levels & GPIO_PIN_TDI) != 0 ? 1 : 0));
+}
+
+char ResetByte(int levels) {
+  return static_cast<char>('r' + ((levels & GPIO_PIN_TRST) == 0 ? 2 : 0) +
+                           ((levels & GPIO_PIN_NRST) == 0 ? 1 : 0));
+}
+
+}  // namespace
+
+BitbangPort::~BitbangPort() {
+  try {
+    Put('Q');
+    SendBuffered();
+  } catch (const std::exception&) {
+    // The connection is gone, or the user wants to be: there is nobody to say good-bye to.
+  }
+}
+
+void BitbangPort::Write(int levels, int enables) {
+  if ((enables & kDrivenPins) != kDrivenPins) {
+    throw Unsupported("remote_bitbang has no output enables: only TDO can be released");
+  }
+  if ((levels & enables & GPIO_PIN_TDO) != 0) {
+    throw Unsupported("remote_bitbang cannot drive TDO");
+  }
+  const bool trst_falls = (levels_ & ~levels & GPIO_PIN_TRST) != 0;
+  levels_ = levels;
+  PutChanged(PinByte(levels), pin_byte_);
+  PutChanged(ResetByte(levels), reset_byte_);
+  if (trst_falls) ClockTapReset();
+}
+
+// Several servers ignore the reset bytes, so that TRST alone would leave the TAP where it was.
+void BitbangPort::ClockTapReset() {
+  for (int i = 0; i < kTapResetEdges; ++i) {
+    PutChanged(PinByte(GPIO_PIN_TMS), pin_byte_);
+    PutChanged(PinByte(GPIO_PIN_TMS | GPIO_PIN_TCK), pin_byte_);
+  }
+  PutChanged(PinByte(levels_), pin_byte_);
+}
+
+int BitbangPort::Read() {
+  SampleTdo();
+  TakeAnswers();
+  const bool tdo = samples_.back();
+  samples_.pop_back();
+  return (levels_ & kDrivenPins) | (tdo ? GPIO_PIN_TDO : 0);
+}
+
+void BitbangPort::SampleTdo() {
+  Put('R');
+  if (++unanswered_ == kAnswersUnderWay) TakeAnswers();
+}
+
+Bits BitbangPort::CollectTdo() {
+  TakeAnswers();
+  return std::exchange(samples_, {});
+}
+
+void BitbangPort::PutChanged(char byte, char& last) {
+  if (byte != last) Put(byte);
+  last = byte;
+}
+
+void BitbangPort::Put(char byte) {
+  unsent_ += byte;
+  if (unsent_.size() == kSendAt) SendBuffered();
+}
+
+void BitbangPort::SendBuffered() {
+  const std::string bytes = std::exchange(unsent_, {});
+  socket_.Send(bytes);
+}
+
+void BitbangPort::TakeAnswers() {
+  SendBuffered();
+  while (unanswered_ > 0) {
+    const std::string answers = socket_.Receive(unanswered_);
+    if (answers.empty()) throw IoError(socket_.Name() + ": the server closed the connection");
+    for (const char answer : answers) {
+      if (answer != '0' && answer != '1') {
+        throw IoError(socket_.Name() + ": expected a TDO level, got the byte " +
+                      std::to_string(static_cast<unsigned char>(answer)));
+      }
+      samples_.push_back(answer == '1');
+    }
+    unanswered_ -= answers.size();
+  }
+}
+
+}  // namespace icehost

@@ -1,0 +1,51 @@
+// The pins behind a remote_bitbang server.
+#ifndef ICESCRIPT_HOST_PROBE_BITBANG_PORT_H_
+#define ICESCRIPT_HOST_PROBE_BITBANG_PORT_H_
+
+#include <string>
+
+#include "entry/icescript.h"
+#include "host/probe/pin_port.h"
+#include "host/system/socket.h"
+
+namespace icehost {
+
+// One byte an operation: '0' to '7' set TCK (4), TMS (2) and TDI (1), 'R' asks for TDO, 'r' 's' 't'
+// 'u' set TRST and SRST to 00 01 10 11, where 1 asserts; 'Q' quits. Writes are buffered, samples
+// are asked for without waiting for their answers.
+//
+// The protocol has no output enables, drives no TDO and reads no other pin.
+class BitbangPort : public PinPort {
+ public:
+  explicit BitbangPort(Socket socket) : socket_(std::move(socket)) {}
+  ~BitbangPort() override;
+  BitbangPort(const BitbangPort&) = delete;
+  BitbangPort& operator=(const BitbangPort&) = delete;
+
+  void Write(int levels, int enables) override;
+  // What is driven, and TDO as it is.
+  int Read() override;
+  void SampleTdo() override;
+  Bits CollectTdo() override;
+  void Flush() override { SendBuffered(); }
+
+ private:
+  void Put(char byte);
+  void PutChanged(char byte, char& last);
+  void ClockTapReset();
+  void SendBuffered();
+  void TakeAnswers();
+
+  Socket socket_;
+  std::string unsent_;
+  std::size_t unanswered_ = 0;
+  Bits samples_;
+  int levels_ = GPIO_PIN_ALL;
+  // The last of each kind that was sent; none before the first write.
+  char pin_byte_ = '\0';
+  char reset_byte_ = '\0';
+};
+
+}  // namespace icehost
+
+#endif  // ICESCRIPT_HOST_PROBE_BITBANG_PORT_H_

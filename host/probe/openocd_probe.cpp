@@ -1,0 +1,148 @@
+#include "host/probe/openocd_probe.h"
+
+#include <algorithm>
+#include <sstream>
+
+#include "base/number.h"
+#include "entry/icescript.h"
+#include "host/system/errors.h"
+
+namespace icehost {
+namespace {
+
+constexpr char kEndOfText = '\x1a';
+// Longer than any answer to the commands below.
+constexpr std::size_t kLongestAnswer = 1 << 16;
+constexpr int kLongestIr = 64;
+
+std::vector<std::string> Words(const std::string& text) {
+  std::istringstream stream(text);
+  std::vector<std::string> words;
+  for (std::string word; stream >> word;) words.push_back(word);
+  return words;
+}
+
+std::string Join(const std::vector<std::string>& words) {
+  std::string text;
+  for (const std::string& word : words) text += (text.empty() ? "" : ", ") + word;
+  return text;
+}
+
+}  // namespace
+
+OpenocdProbe::OpenocdProbe(Socket socket, std::string tap)
+    : socket_(std::move(socket)), tap_(std::move(tap)) {
+  try {
+    ChooseTap();
+    ir_length_ = DeclaredIrLength();
+  } catch (const Unsupported& error) {
+    throw IoError(error.what());  // without a TAP there is nothing to run on
+  }
+}
+
+// One command. Errors come back as text like answers do, so the command says which it is.
+std::string OpenocdProbe::Ask(const std::string& command) {
+  socket_.Send("if {[catch {" + command + "} result]} {concat 1 $result} else {concat 0 $result}" +
+               kEndOfText);
+  std::size_t end = 0;
+  while ((end = received_.find(kEndOfText)) == std::string::npos) {
+    const std::string bytes = socket_.Receive(kLongestAnswer);
+    if (bytes.empty()) throw IoError(socket_.Name() + ": OpenOCD closed the connection");
+    received_ += bytes;
+    if (received_.size() > kLongestAnswer) {
+      throw IoError(socket_.Name() + ": the answer to \"" + command + "\" has no end");
+    }
+  }
+  const std::string answer = received_.substr(0, end);
+  received_.erase(0, end + 1);
+  std::string result = answer.size() > 2 ? answer.substr(2) : "";
+  if (answer.substr(0, 1) == "0") return result;
+  if (answer.substr(0, 1) == "1") throw Unsupported("OpenOCD: " + command + ": " + result);
+  throw IoError(socket_.Name() + ": this is no answer of OpenOCD's: \"" + answer + "\"");
+}
+
+void OpenocdProbe::ChooseTap() {
+  const std::vector<std::string> taps = Words(Ask("jtag names"));
+  if (taps.empty()) throw IoError("OpenOCD has no TAP");
+  if (tap_.empty() && taps.size() == 1) tap_ = taps.front();
+  if (tap_.empty()) throw IoError("OpenOCD has several TAPs, name one: " + Join(taps));
+  if (std::find(taps.begin(), taps.end(), tap_) == taps.end()) {
+    throw IoError("OpenOCD has no TAP \"" + tap_ + "\", it has: " + Join(taps));
+  }
+}
+
+// From the table of the chain: a row is "N NAME ENABLED IDCODE EXPECTED IRLEN IRCAP IRMASK".
+int OpenocdProbe::DeclaredIrLength() {
+  std::istringstream table(Ask("capture {scan_chain}"));
+  for (std::string row; std::getline(table, row);) {
+    const std::vector<std::string> columns = Words(row);
+    if (columns.size() >= 8 && columns[1] == tap_) return icescript::ParseNumber(columns[5], 10);
+  }
+  throw IoError("OpenOCD does not say the IR length of " + tap_);
+}
+
+int OpenocdProbe::Config(int code, int value) {
+  if (code == LINK_CONFIG_GET_CDI) return CDI_ANSWER_JTAG5;
+  if (code == LINK_CONFIG_CDI_MODE && value == CDI_MODE_JTAG5) return 0;
+  throw Unsupported("OpenOCD cannot select the 2-wire interface");
+}
+
+int OpenocdProbe::Reset(int /*kind*/) {
+  Ask("adapter assert srst");
+  Ask("adapter deassert srst");
+  return 0;
+}
+
+int OpenocdProbe::Insert(int ir_bits, const std::uint8_t* ir, int dr_bits, const std::uint8_t* dr) {
+  if (ir_bits > 0 && ir_bits != ir_length_) {
+    throw Unsupported("the script's IR has " + std::to_string(ir_bits) + " bits, but OpenOCD's " +
+                      tap_ + " has " + std::to_string(ir_length_));
+  }
+  if (ir_bits > kLongestIr) throw Unsupported("OpenOCD takes an IR of up to 64 bits");
+  ir_ = BitsOfBytes(ir, 0, ir_bits);
+  dr_ = BitsOfBytes(dr, 0, std::min(dr_bits, 8 * JTAG_DR_MAX_BYTES));
+  return 0;
+}
+
+int OpenocdProbe::Execute(std::uint8_t* capture) {
+  if (!ir_.empty()) Ask("irscan " + tap_ + " " + std::to_string(NumberOfBits(ir_)));
+  if (!dr_.empty()) {
+    const Bits out = ParseDrscanAnswer(Ask(DrscanCommand(tap_, dr_)), dr_.size());
+    StoreBits(out, 8 * JTAG_DR_MAX_BYTES, capture + kDrCaptureByte);
+  }
+  return 0;
+}
+
+int OpenocdProbe::Gpio(int /*out_value*/, std::uint32_t& /*data*/, int /*oe_mask*/, int /*flags*/) {
+  throw Unsupported("OpenOCD cannot drive single pins: GPIO scripts do not run on it");
+}
+
+std::string DrscanCommand(const std::string& tap, const Bits& bits) {
+  std::string command = "drscan " + tap;
+  for (std::size_t at = 0; at < bits.size(); at += 8) {
+    const std::size_t end = std::min(at + 8, bits.size());
+    const Bits field(bits.begin() + static_cast<std::ptrdiff_t>(at),
+                     bits.begin() + static_cast<std::ptrdiff_t>(end));
+    command += " " + std::to_string(field.size()) + " " + std::to_string(NumberOfBits(field));
+  }
+  return command;
+}
+
+Bits ParseDrscanAnswer(const std::string& answer, std::size_t length) {
+  const std::vector<std::string> fields = Words(answer);
+  Bits bits;
+  for (const std::string& field : fields) {
+    char* end = nullptr;
+    const unsigned long value = std::strtoul(field.c_str(), &end, 16);
+    const std::size_t wanted = std::min<std::size_t>(8, length - bits.size());
+    if (*end != '\0' || wanted == 0 || value >> wanted != 0) break;
+    const Bits byte = BitsOfNumber(value, static_cast<int>(wanted));
+    bits.insert(bits.end(), byte.begin(), byte.end());
+  }
+  if (bits.size() != length || fields.size() != (length + 7) / 8) {
+    throw IoError("OpenOCD's answer to a DR scan is none: \"" + answer + "\"");
+  }
+  return bits;
+}
+
+}  // namespace icehost

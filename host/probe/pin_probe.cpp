@@ -1,0 +1,111 @@
+#include "host/probe/pin_probe.h"
+
+#include <algorithm>
+
+#include "host/system/errors.h"
+#include "host/target/pin_names.h"
+
+namespace icehost {
+namespace {
+
+constexpr int kIrCaptureBits = 8 * kDrCaptureByte;
+
+constexpr int kNoReset = GPIO_PIN_NRST | GPIO_PIN_TRST;
+
+}  // namespace
+
+int PinProbe::Config(int code, int value) {
+  switch (code) {
+    case LINK_CONFIG_GET_CDI:
+      return wire_mode_;
+    case LINK_CONFIG_CDI_MODE:
+      if (value == CDI_MODE_2WIRE && !two_wire_) {
+        throw Unsupported("these pins have no 2-wire interface");
+      }
+      wire_mode_ = value == CDI_MODE_2WIRE ? CDI_ANSWER_2WIRE : CDI_ANSWER_JTAG5;
+      return 0;
+    default:
+      return -1;
+  }
+}
+
+int PinProbe::Reset(int kind) {
+  if (kind != LINK_RESET_TARGET) return -1;
+  Write(kNoReset & ~GPIO_PIN_NRST, kDrivenPins);
+  Write(kNoReset, kDrivenPins);
+  return 0;
+}
+
+int PinProbe::Insert(int ir_bits, const std::uint8_t* ir, int dr_bits, const std::uint8_t* dr) {
+  ir_ = ScanBits(ir_bits, ir);
+  dr_ = ScanBits(dr_bits, dr);
+  return 0;
+}
+
+int PinProbe::Execute(std::uint8_t* capture) {
+  TakeTap();
+  if (!ir_.empty()) StoreBits(Scan(TapState::kShiftIr, ir_), kIrCaptureBits, capture);
+  const int extra = wire_mode_ == CDI_ANSWER_2WIRE ? 1 : 0;
+  if (!dr_.empty()) {
+    StoreBits(Scan(TapState::kShiftDr, dr_), 8 * JTAG_DR_MAX_BYTES,
+              capture + kDrCaptureByte + extra);
+  }
+  return 0;
+}
+
+int PinProbe::Gpio(int out_value, std::uint32_t& data, int oe_mask, int flags) {
+  // A script starts from the state that its START line stands for: every pin enabled and low.
+  const bool start = (flags & GPIO_FLAG_START) != 0;
+  const bool write_out = start || (flags & GPIO_FLAG_WRITE_OUT) != 0;
+  const bool write_oe = start || (flags & GPIO_FLAG_WRITE_OE) != 0;
+  if (write_out || write_oe) {
+    Write(write_out ? out_value : levels_, write_oe ? oe_mask : enables_);
+  }
+  if ((flags & GPIO_FLAG_READ_IN) != 0) data = static_cast<std::uint32_t>(port_.Read());
+  return 0;
+}
+
+// The bits of one register. On a 2-wire interface the first byte is the interface's own: it is not
+// shifted through the TAP.
+Bits PinProbe::ScanBits(int bits, const std::uint8_t* data) const {
+  const int extra = wire_mode_ == CDI_ANSWER_2WIRE ? 8 : 0;
+  return BitsOfBytes(data, extra, std::min(bits, 8 * JTAG_DR_MAX_BYTES));
+}
+
+void PinProbe::Write(int levels, int enables) {
+  port_.Write(levels, enables);
+  levels_ = levels;
+  enables_ = enables;
+  tap_.Update(WireLevels(levels, enables));
+}
+
+// One TCK cycle. TMS and TDI are set up, and TDO is sampled, while TCK is low: the target takes
+// them on the rising edge and changes TDO on the falling one.
+void PinProbe::ClockTck(bool tms, bool tdi, bool sample) {
+  const int levels = kNoReset | (tms ? GPIO_PIN_TMS : 0) | (tdi ? GPIO_PIN_TDI : 0);
+  Write(levels, kDrivenPins);
+  if (sample) port_.SampleTdo();
+  Write(levels | GPIO_PIN_TCK, kDrivenPins);
+}
+
+// Makes the pins and the TAP this probe's own, wherever a GPIO script left them.
+void PinProbe::TakeTap() {
+  Write(kNoReset, kDrivenPins);
+  while (!tap_.State().has_value()) ClockTck(true, false, false);
+  MoveTo(TapState::kRunTestIdle);
+}
+
+void PinProbe::MoveTo(TapState state) {
+  while (tap_.State() != state) ClockTck(TmsTowards(*tap_.State(), state), false, false);
+}
+
+// One scan from Run-Test/Idle and back, with TCK low at its end.
+Bits PinProbe::Scan(TapState shift, const Bits& in) {
+  MoveTo(shift);
+  for (std::size_t i = 0; i < in.size(); ++i) ClockTck(i + 1 == in.size(), in[i], true);
+  MoveTo(TapState::kRunTestIdle);
+  Write(kNoReset, kDrivenPins);
+  return port_.CollectTdo();
+}
+
+}  // namespace icehost

@@ -1,0 +1,48 @@
+// A probe made of pins: it walks the TAP itself.
+#ifndef ICESCRIPT_HOST_PROBE_PIN_PROBE_H_
+#define ICESCRIPT_HOST_PROBE_PIN_PROBE_H_
+
+#include "entry/icescript.h"
+#include "host/probe/pin_port.h"
+#include "host/probe/probe.h"
+#include "host/target/bits.h"
+#include "host/target/tap_tracker.h"
+
+namespace icehost {
+
+class PinProbe : public Probe {
+ public:
+  // `port` must outlive the probe. `wire_mode` is the CDI_ANSWER_ in force at the start; where
+  // `two_wire` is false, selecting the 2-wire interface throws Unsupported.
+  PinProbe(PinPort& port, int wire_mode, bool two_wire)
+      : port_(port), two_wire_(two_wire), wire_mode_(wire_mode) {}
+
+  int Config(int code, int value) override;
+  int Reset(int kind) override;
+  int Insert(int ir_bits, const std::uint8_t* ir, int dr_bits, const std::uint8_t* dr) override;
+  int Execute(std::uint8_t* capture) override;
+  int Gpio(int out_value, std::uint32_t& data, int oe_mask, int flags) override;
+
+  long TckCycles() const { return tap_.TckCycles(); }
+
+ private:
+  Bits ScanBits(int bits, const std::uint8_t* data) const;
+  void Write(int levels, int enables);
+  void ClockTck(bool tms, bool tdi, bool sample);
+  void TakeTap();
+  void MoveTo(TapState state);
+  Bits Scan(TapState shift, const Bits& in);
+
+  PinPort& port_;
+  bool two_wire_;
+  int wire_mode_;
+  int levels_ = GPIO_PIN_ALL;
+  int enables_ = 0;
+  Bits ir_;
+  Bits dr_;
+  TapTracker tap_;
+};
+
+}  // namespace icehost
+
+#endif  // ICESCRIPT_HOST_PROBE_PIN_PROBE_H_

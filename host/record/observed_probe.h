@@ -1,0 +1,60 @@
+// Wraps the probe that the plug-in sees, and tells every call to those who listen.
+#ifndef ICESCRIPT_HOST_RECORD_OBSERVED_PROBE_H_
+#define ICESCRIPT_HOST_RECORD_OBSERVED_PROBE_H_
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "host/probe/probe.h"
+#include "host/record/events.h"
+#include "host/target/bits.h"
+
+namespace icehost {
+
+struct RunCounts {
+  long operations = 0;  // pin operations, scans, resets, wire settings
+  long bits = 0;        // shifted through an IR or DR
+  long reads = 0;       // pin reads, and scans
+};
+
+// Calls that the probe refuses with Unsupported fail here with -1, after the reason was told. Each
+// call throws Interrupted once the user has pressed Ctrl-C.
+class ObservedProbe : public Probe {
+ public:
+  using Refused = std::function<void(const std::string& why)>;
+  // Called before an operation, with words for it.
+  using Begin = std::function<void(const std::string& operation)>;
+
+  // `probe` and the listeners must outlive this object.
+  ObservedProbe(Probe& probe, std::vector<EventListener*> listeners, Refused refused, Begin begin);
+
+  int Config(int code, int value) override;
+  int Reset(int kind) override;
+  int Insert(int ir_bits, const std::uint8_t* ir, int dr_bits, const std::uint8_t* dr) override;
+  int Execute(std::uint8_t* capture) override;
+  int Gpio(int out_value, std::uint32_t& data, int oe_mask, int flags) override;
+
+  const RunCounts& Counts() const { return counts_; }
+
+ private:
+  template <class Call>
+  int Guard(Call call);
+  template <class MakeEvent>
+  void Tell(MakeEvent make_event) const;
+
+  Probe& probe_;
+  std::vector<EventListener*> listeners_;
+  Refused refused_;
+  Begin begin_;
+  RunCounts counts_;
+  // Of the scan under way.
+  int wire_mode_ = 0;
+  int ir_bits_ = 0;
+  int dr_bits_ = 0;
+  std::string scan_name_;
+};
+
+}  // namespace icehost
+
+#endif  // ICESCRIPT_HOST_RECORD_OBSERVED_PROBE_H_

@@ -1,0 +1,60 @@
+// Wraps a pin port and shows every step of its pins to whoever records them.
+#ifndef ICESCRIPT_HOST_RECORD_RECORDING_PORT_H_
+#define ICESCRIPT_HOST_RECORD_RECORDING_PORT_H_
+
+#include <cstddef>
+#include <optional>
+#include <vector>
+
+#include "host/probe/pin_port.h"
+#include "host/target/tap.h"
+#include "host/target/tap_tracker.h"
+
+namespace icehost {
+
+// The pins from one write to the next.
+struct PinStep {
+  int wires;                    // GPIO_PIN_ bits as they are on the wires, TDO too
+  std::optional<TapState> tap;  // unknown until the TAP is first reset
+};
+
+class StepRecorder {
+ public:
+  virtual ~StepRecorder() = default;
+  virtual void Record(const PinStep& step) = 0;
+};
+
+// TDO is sampled after every write. Steps reach the recorders in order, but only once the port has
+// answered: at the latest at a read, a CollectTdo or a Flush.
+class RecordingPort : public PinPort {
+ public:
+  // Port and recorders must outlive this object.
+  RecordingPort(PinPort& port, std::vector<StepRecorder*> recorders);
+
+  void Write(int levels, int enables) override;
+  int Read() override;
+  void SampleTdo() override;
+  Bits CollectTdo() override;
+  void Flush() override;
+
+  // Number of writes so far.
+  std::size_t Steps() const { return steps_; }
+
+ private:
+  void Settle();
+
+  PinPort& port_;
+  std::vector<StepRecorder*> recorders_;
+  std::size_t steps_ = 0;
+  TapTracker tap_;
+  struct Pending {
+    PinStep step;
+    int user_samples;  // asked for between this write and the next
+  };
+  std::vector<Pending> pending_;
+  Bits samples_;
+};
+
+}  // namespace icehost
+
+#endif  // ICESCRIPT_HOST_RECORD_RECORDING_PORT_H_

@@ -1,0 +1,28 @@
+// The events of a run as lines for people.
+#ifndef ICESCRIPT_HOST_RECORD_TRACE_WRITER_H_
+#define ICESCRIPT_HOST_RECORD_TRACE_WRITER_H_
+
+#include <ostream>
+
+#include "host/record/events.h"
+
+namespace icehost {
+
+// One line a host call: "link_reset(kind=TARGET) = 0". Messages are not repeated.
+class TraceWriter : public EventListener {
+ public:
+  // `stream` must outlive the writer.
+  explicit TraceWriter(std::ostream& stream) : stream_(stream) {}
+  void OnScript(const std::string& path) override;
+  void OnCall(const CallEvent& call) override;
+  void OnMessage(const char* text) override;
+  void OnError(const std::string& text) override;
+  void OnScriptEnd(bool ran) override;
+
+ private:
+  std::ostream& stream_;
+};
+
+}  // namespace icehost
+
+#endif  // ICESCRIPT_HOST_RECORD_TRACE_WRITER_H_

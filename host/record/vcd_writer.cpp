@@ -1,0 +1,50 @@
+#include "host/record/vcd_writer.h"
+
+#include <algorithm>
+#include <cctype>
+#include <string>
+
+#include "host/target/pin_names.h"
+
+namespace icehost {
+namespace {
+
+constexpr char kFirstId = '!';  // identifiers of the pins, in their order
+constexpr char kTapId = 't';
+
+std::string LowerCase(std::string text) {
+  std::transform(text.begin(), text.end(), text.begin(),
+                 [](unsigned char ch) { return static_cast<char>(std::tolower(ch)); });
+  return text;
+}
+
+}  // namespace
+
+VcdWriter::VcdWriter(std::ostream& stream) : stream_(stream) {
+  stream_ << "$version icehost $end\n$timescale 1 us $end\n$scope module probe $end\n";
+  for (int pin = 0; pin < kPins; ++pin) {
+    stream_ << "$var wire 1 " << static_cast<char>(kFirstId + pin) << ' '
+            << LowerCase(kPinNames[pin]) << " $end\n";
+  }
+  stream_ << "$var string 1 " << kTapId << " tap $end\n$upscope $end\n$enddefinitions $end\n";
+}
+
+void VcdWriter::Record(const PinStep& step) {
+  stream_ << '#' << time_++ << '\n';
+  const int changed = last_.has_value() ? step.wires ^ last_->wires : GPIO_PIN_ALL;
+  for (int pin = 0; pin < kPins; ++pin) {
+    if ((changed >> pin & 1) == 0) continue;
+    stream_ << (step.wires >> pin & 1) << static_cast<char>(kFirstId + pin) << '\n';
+  }
+  if (!last_.has_value() || step.tap != last_->tap) {
+    stream_ << 's' << (step.tap.has_value() ? TapStateName(*step.tap) : "?") << ' ' << kTapId
+            << '\n';
+  }
+  last_ = step;
+}
+
+void VcdWriter::End() {
+  stream_ << '#' << time_ << '\n';
+}
+
+}  // namespace icehost

@@ -1,0 +1,33 @@
+#include "host/target/bits.h"
+
+#include <algorithm>
+
+namespace icehost {
+
+Bits BitsOfNumber(std::uint64_t number, int length) {
+  Bits bits(static_cast<std::size_t>(length));
+  for (std::size_t i = 0; i < bits.size() && i < 64; ++i) bits[i] = (number >> i & 1) != 0;
+  return bits;
+}
+
+std::uint64_t NumberOfBits(const Bits& bits) {
+  std::uint64_t number = 0;
+  for (std::size_t i = 0; i < bits.size() && i < 64; ++i) number |= std::uint64_t{bits[i]} << i;
+  return number;
+}
+
+Bits BitsOfBytes(const std::uint8_t* bytes, int first, int end) {
+  Bits bits;
+  for (int i = first; i < end; ++i) bits.push_back((bytes[i / 8] >> i % 8 & 1) != 0);
+  return bits;
+}
+
+void StoreBits(const Bits& bits, int limit, std::uint8_t* bytes) {
+  const int count = std::min(static_cast<int>(bits.size()), limit);
+  for (int i = 0; i < count; ++i) {
+    const int bit = bits[static_cast<std::size_t>(i)] ? 1 << i % 8 : 0;
+    bytes[i / 8] = static_cast<std::uint8_t>(bytes[i / 8] | bit);
+  }
+}
+
+}  // namespace icehost
