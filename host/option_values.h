@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string>
 
-#include "host/command_line.h"
+#include "host/commands.h"
 
 namespace icehost {
 

@@ -6,7 +6,7 @@
 #include <optional>
 #include <vector>
 
-#include "host/command_line.h"
+#include "host/commands.h"
 #include "host/record/json_writer.h"
 #include "host/record/svg_writer.h"
 #include "host/record/trace_writer.h"

@@ -6,7 +6,7 @@
 #include <optional>
 #include <vector>
 
-#include "host/command_line.h"
+#include "host/commands.h"
 #include "host/probe/pin_probe.h"
 #include "host/record/recording_port.h"
 

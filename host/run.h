@@ -2,7 +2,8 @@
 #ifndef ICESCRIPT_HOST_RUN_H_
 #define ICESCRIPT_HOST_RUN_H_
 
-#include "host/command_line.h"
+#include "host/commands.h"
+#include "host/exit_status.h"
 
 namespace icehost {
 

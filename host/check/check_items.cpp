@@ -8,16 +8,18 @@
 #include "base/gpio_line_parser.h"
 #include "base/text.h"
 #include "entry/icescript.h"
-#include "host/target/pin_names.h"
 
 namespace icehost {
 namespace {
 
 using icescript::EqualsUpper;
 
-bool IsPin(std::string_view key) {
-  return std::any_of(std::begin(kPinNames), std::end(kPinNames),
-                     [key](const char* name) { return EqualsUpper(key, name); });
+constexpr std::string_view kNumberKeys[] = {"NRST", "TRST", "TCK",      "TMS",    "TDI",
+                                            "TDO",  "REPT", "GPIO_OUT", "GPIO_OE"};
+
+bool TakesNumber(std::string_view key) {
+  return std::any_of(std::begin(kNumberKeys), std::end(kNumberKeys),
+                     [key](std::string_view name) { return EqualsUpper(key, name); });
 }
 
 struct Item {
@@ -50,9 +52,7 @@ bool IsNumber(std::string_view text) {
 
 void CheckValue(const ScriptLine& line, const Item& item, Problems& problems) {
   const int column = line.ColumnAt(item.at);
-  const bool takes_number = IsPin(item.key) || EqualsUpper(item.key, "GPIO_OUT") ||
-                            EqualsUpper(item.key, "GPIO_OE") || EqualsUpper(item.key, "REPT");
-  if (!takes_number) return;
+  if (!TakesNumber(item.key)) return;
   if (!item.has_equals) {
     problems.Warn(line, column, "without \"=\" this is set to 0");
   } else if (item.value.empty()) {

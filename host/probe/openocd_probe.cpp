@@ -1,9 +1,11 @@
 #include "host/probe/openocd_probe.h"
 
 #include <algorithm>
+#include <charconv>
+#include <optional>
 #include <sstream>
+#include <string_view>
 
-#include "base/number.h"
 #include "entry/icescript.h"
 #include "host/system/errors.h"
 
@@ -26,6 +28,15 @@ std::string Join(const std::vector<std::string>& words) {
   std::string text;
   for (const std::string& word : words) text += (text.empty() ? "" : ", ") + word;
   return text;
+}
+
+// The whole word as a number.
+std::optional<unsigned> Number(std::string_view word, int base) {
+  unsigned value = 0;
+  const char* const end = word.data() + word.size();
+  const auto [stopped, error] = std::from_chars(word.data(), end, value, base);
+  if (stopped != end || error != std::errc()) return std::nullopt;
+  return value;
 }
 
 }  // namespace
@@ -76,7 +87,8 @@ int OpenocdProbe::DeclaredIrLength() {
   std::istringstream table(Ask("capture {scan_chain}"));
   for (std::string row; std::getline(table, row);) {
     const std::vector<std::string> columns = Words(row);
-    if (columns.size() >= 8 && columns[1] == tap_) return icescript::ParseNumber(columns[5], 10);
+    if (columns.size() < 8 || columns[1] != tap_) continue;
+    if (const auto length = Number(columns[5], 10)) return static_cast<int>(*length);
   }
   throw IoError("OpenOCD does not say the IR length of " + tap_);
 }
@@ -132,11 +144,10 @@ Bits ParseDrscanAnswer(const std::string& answer, std::size_t length) {
   const std::vector<std::string> fields = Words(answer);
   Bits bits;
   for (const std::string& field : fields) {
-    char* end = nullptr;
-    const unsigned long value = std::strtoul(field.c_str(), &end, 16);
+    const std::optional<unsigned> value = Number(field, 16);
     const std::size_t wanted = std::min<std::size_t>(8, length - bits.size());
-    if (*end != '\0' || wanted == 0 || value >> wanted != 0) break;
-    const Bits byte = BitsOfNumber(value, static_cast<int>(wanted));
+    if (!value.has_value() || wanted == 0 || *value >> wanted != 0) break;
+    const Bits byte = BitsOfNumber(*value, static_cast<int>(wanted));
     bits.insert(bits.end(), byte.begin(), byte.end());
   }
   if (bits.size() != length || fields.size() != (length + 7) / 8) {

@@ -1,0 +1,53 @@
+// What a user may ask for: one structure a verb.
+#ifndef ICESCRIPT_HOST_COMMANDS_H_
+#define ICESCRIPT_HOST_COMMANDS_H_
+
+#include <chrono>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "host/system/socket.h"
+#include "host/target/target.h"
+
+namespace icehost {
+
+struct ProbeChoice {
+  enum class Kind { kSim, kBitbang, kOpenocd };
+  Kind kind = Kind::kSim;
+  Endpoint endpoint;
+  std::string tap;  // for OpenOCD; empty: the only one
+};
+
+// In the texts below, empty means "not asked for".
+struct RunCommand {
+  std::vector<std::string> scripts;  // "-": standard input
+  std::string plugin;
+  ProbeChoice probe;
+  TargetOptions target;
+  int wire_mode = 0;  // CDI_ANSWER_
+  std::chrono::milliseconds timeout{5000};
+  std::string trace;  // "-": standard error
+  std::string json;
+  std::string vcd;
+  std::string svg;
+  bool summary = false;
+  bool quiet = false;
+};
+
+struct CheckCommand {
+  std::vector<std::string> scripts;
+  bool quiet = false;
+};
+
+struct ServeCommand {
+  Endpoint endpoint;
+  TargetOptions target;
+  bool quiet = false;
+};
+
+using Command = std::variant<RunCommand, CheckCommand, ServeCommand>;
+
+}  // namespace icehost
+
+#endif  // ICESCRIPT_HOST_COMMANDS_H_
