@@ -64,14 +64,7 @@ void AddRun(CLI::App& app, RunCommand& run) {
             "or openocd:HOST:PORT[:TAP]",
             [&run](const std::string& text) { run.probe = ParseProbe(text); });
   AddParsed(verb, "--timeout", "SECONDS", "How long to wait for the probe's answers (default 5)",
-            [&run](const std::string& text) {
-              double seconds = 0;
-              if (!CLI::detail::lexical_cast(text, seconds) || !(seconds > 0 && seconds <= 86400)) {
-                throw std::invalid_argument("expected seconds, more than 0 and up to 86400");
-              }
-              const auto milliseconds = static_cast<long>(seconds * 1000);
-              run.timeout = std::chrono::milliseconds(std::max(milliseconds, 1L));
-            });
+            [&run](const std::string& text) { run.timeout = ParseSeconds(text); });
   AddOutputs(verb, run);
   verb.add_option("--plugin", run.plugin,
                   "The plug-in to load (default: the one built or installed with icehost)")
@@ -106,6 +99,9 @@ void AddServe(CLI::App& app, ServeCommand& serve) {
             "tcp:PORT (on the loopback address), tcp:ADDRESS:PORT or unix:PATH",
             [&serve](const std::string& text) { serve.endpoint = ParseServeEndpoint(text); })
       ->required();
+  AddParsed(verb, "--idle-limit", "SECONDS",
+            "How long a client may be silent until another takes its place (default 60)",
+            [&serve](const std::string& text) { serve.idle_limit = ParseSeconds(text); });
   AddTargetOptions(verb, serve.target);
 }
 

@@ -7,7 +7,7 @@
 #include <variant>
 #include <vector>
 
-#include "host/system/socket.h"
+#include "host/system/endpoint.h"
 #include "host/target/target.h"
 
 namespace icehost {
@@ -43,6 +43,7 @@ struct CheckCommand {
 struct ServeCommand {
   Endpoint endpoint;
   TargetOptions target;
+  std::chrono::milliseconds idle_limit{60000};
   bool quiet = false;
 };
 

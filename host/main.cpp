@@ -6,9 +6,8 @@
 #include "host/check/check.h"
 #include "host/check/script_text.h"
 #include "host/command_line.h"
-#include "host/probe/bitbang_server.h"
-#include "host/probe/sim_port.h"
 #include "host/run.h"
+#include "host/serve.h"
 #include "host/system/errors.h"
 #include "host/system/interrupt.h"
 
@@ -37,19 +36,7 @@ ExitStatus Execute(const CheckCommand& command) {
 }
 
 ExitStatus Execute(const ServeCommand& command) {
-  try {
-    SimPort port(command.target);
-    Listener listener(command.endpoint);
-    if (!command.quiet) {
-      std::fprintf(stderr, "icehost: serving remote_bitbang on %s\n", listener.Name().c_str());
-    }
-    Serve(listener, port);
-  } catch (const Interrupted&) {
-    return kAllWell;  // that is how serving ends
-  } catch (const IoError& error) {
-    std::fprintf(stderr, "icehost: %s\n", error.what());
-    return kNotOpened;
-  }
+  return Serve(command);
 }
 
 }  // namespace

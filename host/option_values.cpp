@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <sstream>
 #include <stdexcept>
 
 #include "entry/icescript.h"
@@ -88,6 +89,16 @@ int ParseWireMode(const std::string& text) {
   if (text == "2wire") return CDI_ANSWER_2WIRE;
   if (text == "cjtag2") return CDI_ANSWER_CJTAG2;
   throw std::invalid_argument("expected jtag5, 2wire or cjtag2");
+}
+
+std::chrono::milliseconds ParseSeconds(const std::string& text) {
+  constexpr double kDay = 86400;
+  std::istringstream stream(text);
+  double seconds = 0;
+  if (!(stream >> seconds) || !stream.eof() || !(seconds > 0 && seconds <= kDay)) {
+    throw std::invalid_argument("expected seconds, more than 0 and up to 86400");
+  }
+  return std::chrono::milliseconds(std::max(static_cast<long>(seconds * 1000), 1L));
 }
 
 std::uint32_t ParseIdcode(const std::string& text) {

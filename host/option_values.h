@@ -3,6 +3,7 @@
 #ifndef ICESCRIPT_HOST_OPTION_VALUES_H_
 #define ICESCRIPT_HOST_OPTION_VALUES_H_
 
+#include <chrono>
 #include <cstdint>
 #include <string>
 
@@ -16,6 +17,8 @@ ProbeChoice ParseProbe(const std::string& text);
 Endpoint ParseServeEndpoint(const std::string& text);
 // "jtag5", "2wire" or "cjtag2", as a CDI_ANSWER_.
 int ParseWireMode(const std::string& text);
+// More than 0 and up to a day.
+std::chrono::milliseconds ParseSeconds(const std::string& text);
 // Hexadecimal, with or without "0x". Bit 0 of an IDCODE is 1 (IEEE 1149.1).
 std::uint32_t ParseIdcode(const std::string& text);
 // "IR:BITS[=HEX]", the instruction IR as in C: adds a register to the target.

@@ -3,16 +3,16 @@
 #include <sys/wait.h>
 
 #include <array>
+#include <asio.hpp>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
 #include <thread>
 
-#include "host/system/errors.h"
-#include "host/system/socket.h"
-
 namespace {
+
+using asio::ip::tcp;
 
 struct Outcome {
   int status;
@@ -136,25 +136,24 @@ TEST(Icehost, SaysWhatIsWrong) {
 
 // A server on the loopback address that sends `answer` to its first client, once that has asked.
 Outcome RunAgainst(const std::string& probe, const std::string& answer, bool stay) {
-  icehost::Listener listener({"127.0.0.1", "0", ""});
+  asio::io_context io;
+  tcp::acceptor acceptor(io, {asio::ip::address_v4::loopback(), 0});
+  const std::string name = "127.0.0.1:" + std::to_string(acceptor.local_endpoint().port());
   std::thread server([&] {
-    try {
-      icehost::Socket client = listener.Accept();
-      client.Receive(4096);
-      client.Send(answer);
-      while (stay && !client.Receive(4096).empty()) {
-      }
-    } catch (const icehost::IoError&) {
-      // icehost is done with us
-    }
+    tcp::socket client = acceptor.accept();
+    std::array<char, 4096> bytes;
+    asio::error_code error;  // once icehost is done with us
+    client.read_some(asio::buffer(bytes), error);
+    asio::write(client, asio::buffer(answer), error);
+    while (stay && !error) client.read_some(asio::buffer(bytes), error);
   });
-  Outcome outcome = RunIcehost("run --timeout 0.2 --probe " + probe + ":" + listener.Name() +
+  Outcome outcome = RunIcehost("run --timeout 0.2 --probe " + probe + ":" + name +
                                (probe == "openocd" ? "" : " --vcd /dev/stderr") +
                                " examples/scratch_register.ini 2>&1 >/dev/null");
   server.join();
-  const std::size_t at = outcome.output.find(listener.Name());
+  const std::size_t at = outcome.output.find(name);
   outcome.output =
-      at == std::string::npos ? outcome.output : outcome.output.substr(at + listener.Name().size());
+      at == std::string::npos ? outcome.output : outcome.output.substr(at + name.size());
   return outcome;
 }
 

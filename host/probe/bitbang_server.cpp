@@ -1,8 +1,14 @@
 #include "host/probe/bitbang_server.h"
 
+#include <fmt/format.h>
+#include <netinet/tcp.h>
+
+#include <array>
+#include <asio/write.hpp>
 #include <utility>
 
 #include "host/system/errors.h"
+#include "host/system/interrupt.h"
 #include "host/target/pin_names.h"
 
 namespace icehost {
@@ -11,13 +17,18 @@ namespace {
 // Bounds what is buffered: the answers to so many bytes are sent before more are read.
 constexpr std::size_t kReadAtOnce = 4096;
 
-void ServeClient(Socket client, PinPort& port) {
-  BitbangSession session(port);
-  for (bool open = true; open;) {
-    const std::string bytes = client.Receive(kReadAtOnce);
-    std::string answers;
-    open = !bytes.empty() && session.Feed(bytes, answers);
-    client.Send(answers);
+// A client whose machine is gone is noticed after two minutes. None of the options is known to a
+// UNIX socket, whose other end cannot vanish.
+void SetTcpOptions(int fd) {
+  constexpr struct {
+    int level, name, value;
+  } kOptions[] = {{IPPROTO_TCP, TCP_NODELAY, 1},
+                  {SOL_SOCKET, SO_KEEPALIVE, 1},
+                  {IPPROTO_TCP, TCP_KEEPIDLE, 60},
+                  {IPPROTO_TCP, TCP_KEEPINTVL, 20},
+                  {IPPROTO_TCP, TCP_KEEPCNT, 3}};
+  for (const auto& option : kOptions) {
+    setsockopt(fd, option.level, option.name, &option.value, sizeof option.value);
   }
 }
 
@@ -47,15 +58,74 @@ void BitbangSession::SetResets(int bits) {
   port_.Write(levels_, kDrivenPins);
 }
 
-void Serve(Listener& listener, PinPort& port) {
+struct BitbangServer::Client {
+  using Clock = std::chrono::steady_clock;
+
+  Client(StreamProtocol::socket connection, PinPort& port)
+      : socket(std::move(connection)), session(port) {}
+
+  StreamProtocol::socket socket;
+  BitbangSession session;
+  std::array<char, kReadAtOnce> received{};
+  std::string answers;
+  Clock::time_point last_heard = Clock::now();
+};
+
+BitbangServer::BitbangServer(Listener& listener, PinPort& port,
+                             std::chrono::milliseconds idle_limit, Say say)
+    : listener_(listener), port_(port), idle_limit_(idle_limit), say_(std::move(say)) {}
+
+void BitbangServer::Run() {
+  asio::io_context& loop = EventLoop();
+  Accept();
   for (;;) {
-    Socket client = listener.Accept();
-    try {
-      ServeClient(std::move(client), port);
-    } catch (const IoError&) {
-      // The client is gone; the next one may come.
-    }
+    loop.restart();
+    ThrowIfInterrupted();
+    loop.run();
   }
+}
+
+void BitbangServer::Accept() {
+  listener_.GetAcceptor().async_accept(
+      [this](const asio::error_code& error, StreamProtocol::socket socket) {
+        if (error) {
+          throw IoError(fmt::format("{}: cannot accept: {}", listener_.Name(), error.message()));
+        }
+        Receive(std::move(socket));
+        Accept();
+      });
+}
+
+void BitbangServer::Receive(StreamProtocol::socket socket) {
+  if (const auto present = client_.lock()) {
+    if (Client::Clock::now() - present->last_heard < idle_limit_) {
+      say_("busy: a second client was sent away");
+      return;
+    }
+    say_("a client that had been silent made room for another");
+    present->socket.close();
+  }
+  SetTcpOptions(socket.native_handle());
+  const auto client = std::make_shared<Client>(std::move(socket), port_);
+  client_ = client;
+  Read(client);
+}
+
+void BitbangServer::Read(const std::shared_ptr<Client>& client) {
+  client->socket.async_receive(asio::buffer(client->received),
+                               [this, client](const asio::error_code& error, std::size_t received) {
+                                 if (!error) Answer(client, received);
+                               });
+}
+
+void BitbangServer::Answer(const std::shared_ptr<Client>& client, std::size_t received) {
+  client->last_heard = Client::Clock::now();
+  client->answers.clear();
+  const bool open = client->session.Feed({client->received.data(), received}, client->answers);
+  asio::async_write(client->socket, asio::buffer(client->answers),
+                    [this, client, open](const asio::error_code& error, std::size_t /*sent*/) {
+                      if (!error && open) Read(client);
+                    });
 }
 
 }  // namespace icehost

@@ -2,12 +2,15 @@
 #ifndef ICESCRIPT_HOST_PROBE_BITBANG_SERVER_H_
 #define ICESCRIPT_HOST_PROBE_BITBANG_SERVER_H_
 
+#include <chrono>
+#include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
 
 #include "entry/icescript.h"
 #include "host/probe/pin_port.h"
-#include "host/system/socket.h"
+#include "host/system/listener.h"
 
 namespace icehost {
 
@@ -30,9 +33,34 @@ class BitbangSession {
   int levels_ = GPIO_PIN_NRST | GPIO_PIN_TRST;
 };
 
-// Serves one client after the other until a signal ends it, by Interrupted. Throws IoError where no
-// client can be accepted any more.
-[[noreturn]] void Serve(Listener& listener, PinPort& port);
+// Serves one client at a time. Another that comes meanwhile finds its connection closed, unless the
+// first has been silent for the idle limit: then it takes its place. Clients that vanish without a
+// word are found out by TCP's keep-alive.
+class BitbangServer {
+ public:
+  using Say = std::function<void(const std::string& text)>;
+
+  // `listener` and `port` must outlive the server. `say` is told of clients that are sent away.
+  BitbangServer(Listener& listener, PinPort& port, std::chrono::milliseconds idle_limit, Say say);
+
+  // Serves until a signal ends it, by Interrupted. Throws IoError where no client can be accepted
+  // any more.
+  [[noreturn]] void Run();
+
+ private:
+  struct Client;
+
+  void Accept();
+  void Receive(StreamProtocol::socket socket);
+  void Read(const std::shared_ptr<Client>& client);
+  void Answer(const std::shared_ptr<Client>& client, std::size_t received);
+
+  Listener& listener_;
+  PinPort& port_;
+  std::chrono::milliseconds idle_limit_;
+  Say say_;
+  std::weak_ptr<Client> client_;  // owned by the operation that is under way for it
+};
 
 }  // namespace icehost
 

@@ -1,49 +1,62 @@
 #include "host/system/interrupt.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
-#include <cerrno>
+#include <asio/signal_set.hpp>
+#include <atomic>
 #include <csignal>
-#include <cstring>
+#include <cstdlib>
+#include <thread>
 
 #include "host/system/errors.h"
 
 namespace icehost {
 namespace {
 
-volatile std::sig_atomic_t interrupted = 0;
-// The handler writes a byte that nobody reads, so that a wait that begins after the signal ends
-// too.
-int pipe_fds[2] = {-1, -1};
+constexpr int kSignals[] = {SIGINT, SIGTERM};
 
-extern "C" void NoteInterrupt(int /*signal*/) {
-  const int saved_errno = errno;
-  interrupted = 1;
-  [[maybe_unused]] const ssize_t written = write(pipe_fds[1], "", 1);
-  errno = saved_errno;
+std::atomic<bool> interrupted{false};
+
+void AwaitSignal(asio::signal_set& signals) {
+  signals.async_wait([&signals](const asio::error_code& /*error*/, int signal) {
+    if (interrupted.exchange(true)) std::_Exit(128 + signal);  // as a shell counts it
+    EventLoop().stop();
+    AwaitSignal(signals);
+  });
+}
+
+// Of one thread: whether it takes the signals.
+void MaskSignals(int how) {
+  sigset_t set;
+  sigemptyset(&set);
+  for (const int signal : kSignals) sigaddset(&set, signal);
+  pthread_sigmask(how, &set, nullptr);
 }
 
 }  // namespace
 
-void CatchInterrupts() {
-  if (pipe2(pipe_fds, O_CLOEXEC | O_NONBLOCK) != 0) throw IoError(std::strerror(errno));
-  struct sigaction action = {};
-  action.sa_handler = NoteInterrupt;
-  action.sa_flags = static_cast<int>(SA_RESETHAND);
-  sigaction(SIGINT, &action, nullptr);
-  sigaction(SIGTERM, &action, nullptr);
-  action.sa_handler = SIG_IGN;
-  action.sa_flags = 0;
-  sigaction(SIGPIPE, &action, nullptr);
+void CatchInterrupts() try {
+  std::signal(SIGPIPE, SIG_IGN);
+  EventLoop();
+  // As long as the process lives, its thread waits here.
+  static auto& loop = *new asio::io_context;
+  static auto& signals = *new asio::signal_set(loop);
+  for (const int signal : kSignals) signals.add(signal);
+  AwaitSignal(signals);
+  MaskSignals(SIG_BLOCK);
+  std::thread([] {
+    MaskSignals(SIG_UNBLOCK);
+    loop.run();
+  }).detach();
+} catch (const std::system_error& error) {
+  throw IoError(error.what());
 }
 
 void ThrowIfInterrupted() {
-  if (interrupted != 0) throw Interrupted();
+  if (interrupted) throw Interrupted();
 }
 
-int InterruptFd() {
-  return pipe_fds[0];
+asio::io_context& EventLoop() {
+  static auto& loop = *new asio::io_context;
+  return loop;
 }
 
 }  // namespace icehost

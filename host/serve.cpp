@@ -1,0 +1,28 @@
+#include "host/serve.h"
+
+#include <fmt/format.h>
+
+#include "host/probe/bitbang_server.h"
+#include "host/probe/sim_port.h"
+#include "host/system/errors.h"
+
+namespace icehost {
+
+ExitStatus Serve(const ServeCommand& command) {
+  const auto say = [&command](const std::string& text) {
+    if (!command.quiet) fmt::print(stderr, "icehost: {}\n", text);
+  };
+  try {
+    SimPort port(command.target);
+    Listener listener(command.endpoint);
+    say("serving remote_bitbang on " + listener.Name());
+    BitbangServer(listener, port, command.idle_limit, say).Run();
+  } catch (const Interrupted&) {
+    return kAllWell;  // that is how serving ends
+  } catch (const IoError& error) {
+    fmt::print(stderr, "icehost: {}\n", error.what());
+    return kNotOpened;
+  }
+}
+
+}  // namespace icehost

@@ -1,0 +1,26 @@
+// Where to connect to or to listen.
+#ifndef ICESCRIPT_HOST_SYSTEM_ENDPOINT_H_
+#define ICESCRIPT_HOST_SYSTEM_ENDPOINT_H_
+
+#include <string>
+#include <string_view>
+
+namespace icehost {
+
+// A TCP host and port, or the path of a UNIX socket.
+struct Endpoint {
+  std::string host;
+  std::string port;  // empty for a UNIX socket
+  std::string path;
+
+  bool IsUnix() const { return port.empty(); }
+  // As the user writes it: "HOST:PORT", an IPv6 address in brackets, or "unix:PATH".
+  std::string Name() const;
+};
+
+// The reverse of Name. Throws std::invalid_argument that says what is expected.
+Endpoint ParseEndpoint(std::string_view text);
+
+}  // namespace icehost
+
+#endif  // ICESCRIPT_HOST_SYSTEM_ENDPOINT_H_

@@ -1,0 +1,35 @@
+// A socket that listens, TCP or UNIX.
+#ifndef ICESCRIPT_HOST_SYSTEM_LISTENER_H_
+#define ICESCRIPT_HOST_SYSTEM_LISTENER_H_
+
+#include <asio/basic_socket_acceptor.hpp>
+#include <string>
+
+#include "host/system/socket.h"
+
+namespace icehost {
+
+// Listens on the event loop, and keeps the file of a UNIX socket for as long.
+class Listener {
+ public:
+  using Acceptor = asio::basic_socket_acceptor<StreamProtocol>;
+
+  // Replaces the file of a UNIX socket that nobody listens at any more, and no other file. Throws
+  // IoError.
+  explicit Listener(const Endpoint& endpoint);
+  ~Listener();
+  Listener(const Listener&) = delete;
+  Listener& operator=(const Listener&) = delete;
+
+  // The endpoint as a client names it, with the real port where port 0 was asked for.
+  std::string Name() const;
+  Acceptor& GetAcceptor() { return acceptor_; }
+
+ private:
+  Endpoint endpoint_;
+  Acceptor acceptor_;
+};
+
+}  // namespace icehost
+
+#endif  // ICESCRIPT_HOST_SYSTEM_LISTENER_H_
