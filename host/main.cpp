@@ -1,11 +1,11 @@
 // icehost: runs and checks scripts without a debug server.
-#include <cstdio>
 #include <exception>
 #include <iostream>
 
 #include "host/check/check.h"
 #include "host/check/script_text.h"
 #include "host/command_line.h"
+#include "host/reporter.h"
 #include "host/run.h"
 #include "host/serve.h"
 #include "host/system/errors.h"
@@ -28,7 +28,7 @@ ExitStatus Execute(const CheckCommand& command) {
       problems.Write(std::cerr, name, command.quiet);
       if (problems.HasErrors()) status = kScriptFailed;
     } catch (const IoError& error) {
-      std::fprintf(stderr, "icehost: %s\n", error.what());
+      Complain(error.what());
       status = kScriptFailed;
     }
   }
@@ -51,10 +51,10 @@ int main(int argc, char** argv) {
     return std::visit([](const auto& command) { return Execute(command); },
                       std::get<Command>(parsed));
   } catch (const Interrupted& error) {
-    std::fprintf(stderr, "icehost: %s\n", error.what());
+    Complain(error.what());
     return kInterrupted;
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "icehost: %s\n", error.what());
+    Complain(error.what());
     return kNotOpened;
   }
 }

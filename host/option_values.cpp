@@ -1,5 +1,7 @@
 #include "host/option_values.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cctype>
 #include <sstream>
@@ -29,7 +31,7 @@ std::uint64_t Number(const std::string& text, int base, std::uint64_t most) {
     end = 0;  // no digits, or too many
   }
   if (end == 0 || end != text.size() || value > most) {
-    throw std::invalid_argument("\"" + text + "\" is no number from 0 to " + std::to_string(most));
+    throw std::invalid_argument(fmt::format("\"{}\" is no number from 0 to {}", text, most));
   }
   return value;
 }
@@ -45,8 +47,7 @@ Bits HexBits(std::string digits, int length) {
   const auto length_bits = static_cast<std::ptrdiff_t>(length);
   bits.resize(std::max(bits.size(), static_cast<std::size_t>(length)));
   if (digits.empty() || std::count(bits.begin() + length_bits, bits.end(), true) > 0) {
-    throw std::invalid_argument("0x" + digits + " does not fit " + std::to_string(length) +
-                                " bits");
+    throw std::invalid_argument(fmt::format("0x{} does not fit {} bits", digits, length));
   }
   bits.resize(static_cast<std::size_t>(length));
   return bits;

@@ -1,30 +1,23 @@
 #include "host/run.h"
 
+#include <fmt/format.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <optional>
 
 #include "host/check/check.h"
 #include "host/outputs.h"
 #include "host/probe/plugin.h"
 #include "host/probe_stack.h"
-#include "host/progress.h"
 #include "host/record/observed_probe.h"
+#include "host/reporter.h"
 #include "host/system/errors.h"
 #include "host/system/memory_file.h"
-#include "host/system/printable.h"
 
 namespace icehost {
 namespace {
-
-void Complain(std::string what) {
-  while (!what.empty() && what.back() == '\n') what.pop_back();
-  std::fprintf(stderr, "icehost: %s\n", Printable(what).c_str());
-}
 
 // The plug-in reads a script twice, from a path: a pipe would be empty the second time.
 bool IsRegularFile(const std::string& path) {
@@ -32,17 +25,26 @@ bool IsRegularFile(const std::string& path) {
   return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
 }
 
+Plugin LoadPlugin(const std::string& path) {
+  try {
+    return Plugin(path);
+  } catch (const std::runtime_error& error) {
+    throw IoError(fmt::format("cannot load the plug-in: {}", error.what()));
+  }
+}
+
 class Runner {
  public:
   explicit Runner(const RunCommand& command)
       : command_(command),
         plugin_(LoadPlugin(command.plugin)),
-        progress_(!command.quiet && command.trace != "-" && isatty(STDERR_FILENO) != 0),
         stack_(command),
         outputs_(command),
+        reporter_(outputs_.listeners,
+                  !command.quiet && command.trace != "-" && isatty(STDERR_FILENO) != 0),
         observed_(
             stack_.Build(outputs_.recorders), outputs_.listeners,
-            [this](const std::string& why) { Say(why); },
+            [this](const std::string& why) { reporter_.Say(why); },
             [this](const std::string& operation) { OnOperation(operation); }) {
     running = this;
   }
@@ -53,71 +55,40 @@ class Runner {
   ExitStatus RunAll() {
     ExitStatus status = kAllWell;
     for (const std::string& script : command_.scripts) {
+      reporter_.BeginScript(script);
       status = RunOne(script);
+      reporter_.EndScript(status == kAllWell);
       if (status != kAllWell) break;
     }
     return Complete(status);
   }
 
  private:
-  static Plugin LoadPlugin(const std::string& path) {
-    try {
-      return Plugin(path);
-    } catch (const std::runtime_error& error) {
-      throw IoError(std::string("cannot load the plug-in: ") + error.what());
-    }
-  }
-
-  // Messages are shown as they stand: some are pieces of a line.
   static int Show(const char* message) {
-    running->progress_.Erase();
-    for (EventListener* const listener : running->outputs_.listeners) listener->OnMessage(message);
-    running->last_message_ = message;
-    if (std::fputs(message, stdout) == EOF) FailOutput();
+    running->reporter_.Show(message);
     return 0;
   }
 
-  // Nobody reads on: the rest of the script is not to run unseen.
-  [[noreturn]] static void FailOutput() {
-    throw IoError(std::string("standard output: ") + std::strerror(errno));
-  }
-
-  void Say(const std::string& what) {
-    progress_.Erase();
-    std::fflush(stdout);
-    for (EventListener* const listener : outputs_.listeners) listener->OnError(what);
-    Complain(what);
-  }
-
   void OnOperation(const std::string& operation) {
-    progress_.OnOperation();
+    reporter_.CountOperation();
     if (outputs_.svg.has_value()) {
       outputs_.svg->BeginOperation(stack_.Steps(), operation);
     }
   }
 
   ExitStatus RunOne(const std::string& script) {
-    for (EventListener* const listener : outputs_.listeners) listener->OnScript(script);
-    const ExitStatus status = Guarded(script);
-    for (EventListener* const listener : outputs_.listeners) {
-      listener->OnScriptEnd(status == kAllWell);
-    }
-    return status;
-  }
-
-  ExitStatus Guarded(const std::string& script) {
     try {
       std::optional<std::string> content = ReadContent(script);
       if (!content.has_value()) return kScriptFailed;
       return RunContent(script, std::move(*content));
     } catch (const Interrupted& error) {
-      Say(error.what());
+      reporter_.Say(error.what());
       return kInterrupted;
     } catch (const IoError& error) {
-      Say(error.what());
+      reporter_.Say(error.what());
       return kNotOpened;
     } catch (const PluginThrew& error) {
-      Say(script + ": the plug-in threw an exception" + error.what());
+      reporter_.Say(fmt::format("{}: the plug-in threw an exception{}", script, error.what()));
       return kScriptFailed;
     }
   }
@@ -127,9 +98,29 @@ class Runner {
     try {
       return ReadScript(script);
     } catch (const IoError& error) {
-      Say(error.what());
+      reporter_.Say(error.what());
       return std::nullopt;
     }
+  }
+
+  ExitStatus RunContent(const std::string& script, std::string content) {
+    std::optional<MemoryFile> copy;
+    if (!IsRegularFile(script)) copy.emplace(content);
+    const bool ran = RunPlugin(copy.has_value() ? copy->Path() : script);
+    stack_.Flush();
+    const ScriptText text(script, std::move(content));
+    reporter_.Flush();
+    if (!ran) {
+      const std::string why = command_.quiet ? ": " + reporter_.LastMessage() : "";
+      reporter_.Say(fmt::format("{} failed{}", script, why));
+      return kScriptFailed;
+    }
+    // The plug-in's result is 0 for a JTAG script with errors.
+    if (!IsGpioScript(text) && Check(text).HasErrors()) {
+      reporter_.Say(fmt::format("{} has errors; icehost check shows them", script));
+      return kScriptFailed;
+    }
+    return kAllWell;
   }
 
   // What the probe and the output throw passes through the plug-in as it is.
@@ -147,27 +138,8 @@ class Runner {
     }
   }
 
-  ExitStatus RunContent(const std::string& script, std::string content) {
-    std::optional<MemoryFile> copy;
-    if (!IsRegularFile(script)) copy.emplace(content);
-    const bool ran = RunPlugin(copy.has_value() ? copy->Path() : script);
-    stack_.Flush();
-    const ScriptText text(script, std::move(content));
-    if (std::fflush(stdout) == EOF) FailOutput();
-    if (!ran) {
-      Say(script + " failed" + (command_.quiet ? ": " + last_message_ : ""));
-      return kScriptFailed;
-    }
-    // The plug-in's result is 0 for a JTAG script with errors.
-    if (!IsGpioScript(text) && Check(text).HasErrors()) {
-      Say(script + " has errors; icehost check shows them");
-      return kScriptFailed;
-    }
-    return kAllWell;
-  }
-
   ExitStatus Complete(ExitStatus status) {
-    progress_.Erase();
+    reporter_.Close();
     std::fflush(stdout);
     if (command_.summary) Summarise();
     try {
@@ -181,23 +153,21 @@ class Runner {
 
   void Summarise() const {
     const RunCounts& counts = observed_.Counts();
-    const std::optional<long> tck_cycles = stack_.TckCycles();
-    const std::string cycles = tck_cycles.has_value() ? std::to_string(*tck_cycles) : "unknown";
-    std::fprintf(stderr, "operations %ld, TCK cycles %s, bits shifted %ld, reads %ld, %.3f s\n",
-                 counts.operations, cycles.c_str(), counts.bits, counts.reads,
-                 progress_.Elapsed().count());
+    const std::optional<long> cycles = stack_.TckCycles();
+    fmt::print(stderr, "operations {}, TCK cycles {}, bits shifted {}, reads {}, {:.3f} s\n",
+               counts.operations, cycles.has_value() ? std::to_string(*cycles) : "unknown",
+               counts.bits, counts.reads, reporter_.Seconds());
   }
 
   static Runner* running;  // callbacks carry no handle
 
   const RunCommand& command_;
   Plugin plugin_;
-  Progress progress_;
   // Before the outputs: a run that cannot begin leaves the files of the run before it alone.
   ProbeStack stack_;
   Outputs outputs_;
+  Reporter reporter_;
   ObservedProbe observed_;
-  std::string last_message_;
 };
 
 Runner* Runner::running = nullptr;

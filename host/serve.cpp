@@ -1,16 +1,15 @@
 #include "host/serve.h"
 
-#include <fmt/format.h>
-
 #include "host/probe/bitbang_server.h"
 #include "host/probe/sim_port.h"
+#include "host/reporter.h"
 #include "host/system/errors.h"
 
 namespace icehost {
 
 ExitStatus Serve(const ServeCommand& command) {
   const auto say = [&command](const std::string& text) {
-    if (!command.quiet) fmt::print(stderr, "icehost: {}\n", text);
+    if (!command.quiet) Complain(text);
   };
   try {
     SimPort port(command.target);
@@ -20,7 +19,7 @@ ExitStatus Serve(const ServeCommand& command) {
   } catch (const Interrupted&) {
     return kAllWell;  // that is how serving ends
   } catch (const IoError& error) {
-    fmt::print(stderr, "icehost: {}\n", error.what());
+    Complain(error.what());
     return kNotOpened;
   }
 }

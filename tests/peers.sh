@@ -28,7 +28,11 @@ exec 3<>"/dev/tcp/127.0.0.1/$port"
 printf 'BxRb\n~R' >&3
 read -r -t 5 -n 2 -u 3 answers || fail "no answer to R"
 [ "$answers" = 11 ] || fail "TDO read as $answers"
-exec 3>&-
+# Another finds the door closed for as long as this one stays.
+exec 4<>"/dev/tcp/127.0.0.1/$port"
+read -r -t 5 -n 1 -u 4 && fail "two clients at once"
+wait_for '^icehost: busy: a second client was sent away$' "$scratch/serve.log" >/dev/null
+exec 3>&- 4>&-
 
 cat >"$scratch/openocd.cfg" <<END
 adapter driver remote_bitbang
@@ -97,10 +101,15 @@ done
 
 kill -TERM "$server"
 wait "$server" || fail "serve ended with $?"
-"$icehost" serve "unix:$scratch/socket" 2>"$scratch/unix.log" &
+"$icehost" serve --idle-limit 0.01 "unix:$scratch/socket" 2>"$scratch/unix.log" &
 server=$!
 wait_for 'unix:.*' "$scratch/unix.log" >/dev/null
+# One that waits for its script is silent, and makes room.
+mkfifo "$scratch/silence"
+"$icehost" run --probe "remote-bitbang:unix:$scratch/socket" - <>"$scratch/silence" 2>/dev/null &
+sleep 0.5
 "$icehost" run -q --probe "remote-bitbang:unix:$scratch/socket" examples/reset.ini || fail "UNIX socket"
+grep -q 'silent made room' "$scratch/unix.log" || fail "a silent client stays"
 kill -INT "$server"
 wait "$server" || fail "serve ended with $?"
 [ ! -e "$scratch/socket" ] || fail "the socket file is left"

@@ -10,7 +10,6 @@
 namespace icehost {
 namespace {
 
-using icescript::CIniFile;
 using icescript::CString;
 
 // More errors than this tell the user nothing new.

@@ -1,5 +1,7 @@
 #include "host/probe/bitbang_port.h"
 
+#include <fmt/format.h>
+
 #include <utility>
 
 #include "host/system/errors.h"
@@ -99,8 +101,8 @@ void BitbangPort::TakeAnswers() {
     if (answers.empty()) throw IoError(socket_.Name() + ": the server closed the connection");
     for (const char answer : answers) {
       if (answer != '0' && answer != '1') {
-        throw IoError(socket_.Name() + ": expected a TDO level, got the byte " +
-                      std::to_string(static_cast<unsigned char>(answer)));
+        throw IoError(fmt::format("{}: expected a TDO level, got the byte {}", socket_.Name(),
+                                  static_cast<unsigned char>(answer)));
       }
       samples_.push_back(answer == '1');
     }

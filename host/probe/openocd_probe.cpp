@@ -1,5 +1,7 @@
 #include "host/probe/openocd_probe.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <charconv>
 #include <optional>
@@ -22,12 +24,6 @@ std::vector<std::string> Words(const std::string& text) {
   std::vector<std::string> words;
   for (std::string word; stream >> word;) words.push_back(word);
   return words;
-}
-
-std::string Join(const std::vector<std::string>& words) {
-  std::string text;
-  for (const std::string& word : words) text += (text.empty() ? "" : ", ") + word;
-  return text;
 }
 
 // The whole word as a number.
@@ -53,32 +49,36 @@ OpenocdProbe::OpenocdProbe(Socket socket, std::string tap)
 
 // One command. Errors come back as text like answers do, so the command says which it is.
 std::string OpenocdProbe::Ask(const std::string& command) {
-  socket_.Send("if {[catch {" + command + "} result]} {concat 1 $result} else {concat 0 $result}" +
-               kEndOfText);
+  socket_.Send(
+      fmt::format("if {{[catch {{{}}} result]}} {{concat 1 $result}} else {{concat 0 $result}}{}",
+                  command, kEndOfText));
   std::size_t end = 0;
   while ((end = received_.find(kEndOfText)) == std::string::npos) {
     const std::string bytes = socket_.Receive(kLongestAnswer);
     if (bytes.empty()) throw IoError(socket_.Name() + ": OpenOCD closed the connection");
     received_ += bytes;
     if (received_.size() > kLongestAnswer) {
-      throw IoError(socket_.Name() + ": the answer to \"" + command + "\" has no end");
+      throw IoError(fmt::format("{}: the answer to \"{}\" has no end", socket_.Name(), command));
     }
   }
   const std::string answer = received_.substr(0, end);
   received_.erase(0, end + 1);
   std::string result = answer.size() > 2 ? answer.substr(2) : "";
   if (answer.substr(0, 1) == "0") return result;
-  if (answer.substr(0, 1) == "1") throw Unsupported("OpenOCD: " + command + ": " + result);
-  throw IoError(socket_.Name() + ": this is no answer of OpenOCD's: \"" + answer + "\"");
+  if (answer.substr(0, 1) == "1")
+    throw Unsupported(fmt::format("OpenOCD: {}: {}", command, result));
+  throw IoError(fmt::format("{}: this is no answer of OpenOCD's: \"{}\"", socket_.Name(), answer));
 }
 
 void OpenocdProbe::ChooseTap() {
   const std::vector<std::string> taps = Words(Ask("jtag names"));
   if (taps.empty()) throw IoError("OpenOCD has no TAP");
   if (tap_.empty() && taps.size() == 1) tap_ = taps.front();
-  if (tap_.empty()) throw IoError("OpenOCD has several TAPs, name one: " + Join(taps));
+  if (tap_.empty())
+    throw IoError(fmt::format("OpenOCD has several TAPs, name one: {}", fmt::join(taps, ", ")));
   if (std::find(taps.begin(), taps.end(), tap_) == taps.end()) {
-    throw IoError("OpenOCD has no TAP \"" + tap_ + "\", it has: " + Join(taps));
+    throw IoError(
+        fmt::format("OpenOCD has no TAP \"{}\", it has: {}", tap_, fmt::join(taps, ", ")));
   }
 }
 
@@ -107,8 +107,8 @@ int OpenocdProbe::Reset(int /*kind*/) {
 
 int OpenocdProbe::Insert(int ir_bits, const std::uint8_t* ir, int dr_bits, const std::uint8_t* dr) {
   if (ir_bits > 0 && ir_bits != ir_length_) {
-    throw Unsupported("the script's IR has " + std::to_string(ir_bits) + " bits, but OpenOCD's " +
-                      tap_ + " has " + std::to_string(ir_length_));
+    throw Unsupported(fmt::format("the script's IR has {} bits, but OpenOCD's {} has {}", ir_bits,
+                                  tap_, ir_length_));
   }
   if (ir_bits > kLongestIr) throw Unsupported("OpenOCD takes an IR of up to 64 bits");
   ir_ = BitsOfBytes(ir, 0, ir_bits);
@@ -117,7 +117,7 @@ int OpenocdProbe::Insert(int ir_bits, const std::uint8_t* ir, int dr_bits, const
 }
 
 int OpenocdProbe::Execute(std::uint8_t* capture) {
-  if (!ir_.empty()) Ask("irscan " + tap_ + " " + std::to_string(NumberOfBits(ir_)));
+  if (!ir_.empty()) Ask(fmt::format("irscan {} {}", tap_, NumberOfBits(ir_)));
   if (!dr_.empty()) {
     const Bits out = ParseDrscanAnswer(Ask(DrscanCommand(tap_, dr_)), dr_.size());
     StoreBits(out, 8 * JTAG_DR_MAX_BYTES, capture + kDrCaptureByte);
@@ -135,7 +135,7 @@ std::string DrscanCommand(const std::string& tap, const Bits& bits) {
     const std::size_t end = std::min(at + 8, bits.size());
     const Bits field(bits.begin() + static_cast<std::ptrdiff_t>(at),
                      bits.begin() + static_cast<std::ptrdiff_t>(end));
-    command += " " + std::to_string(field.size()) + " " + std::to_string(NumberOfBits(field));
+    command += fmt::format(" {} {}", field.size(), NumberOfBits(field));
   }
   return command;
 }
@@ -151,7 +151,7 @@ Bits ParseDrscanAnswer(const std::string& answer, std::size_t length) {
     bits.insert(bits.end(), byte.begin(), byte.end());
   }
   if (bits.size() != length || fields.size() != (length + 7) / 8) {
-    throw IoError("OpenOCD's answer to a DR scan is none: \"" + answer + "\"");
+    throw IoError(fmt::format("OpenOCD's answer to a DR scan is none: \"{}\"", answer));
   }
   return bits;
 }

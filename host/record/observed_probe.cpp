@@ -1,7 +1,9 @@
 #include "host/record/observed_probe.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
-#include <cstdio>
+#include <iterator>
 #include <utility>
 
 #include "entry/icescript.h"
@@ -15,12 +17,6 @@ namespace {
 
 constexpr const char* kFlagNames[] = {"WRITE_OUT", "READ_IN", "WRITE_OE", "START", "END"};
 
-std::string Hex(unsigned value) {
-  char text[16];
-  std::snprintf(text, sizeof text, "0x%02x", value);
-  return text;
-}
-
 // "A|B" for the bits that have a name, the rest in hexadecimal; "0" for none.
 template <std::size_t n>
 std::string BitNames(int value, const char* const (&names)[n]) {
@@ -30,19 +26,15 @@ std::string BitNames(int value, const char* const (&names)[n]) {
     if ((value >> bit & 1) != 0) add(names[bit]);
   }
   const unsigned rest = static_cast<unsigned>(value) & ~((1U << n) - 1U);
-  if (rest != 0) add(Hex(rest));
+  if (rest != 0) add(fmt::format("0x{:02x}", rest));
   return text.empty() ? "0" : text;
 }
 
 // The bytes of a register, most significant first; no byte beyond the array.
 std::string ByteText(const std::uint8_t* bytes, int bits) {
-  std::string text = "0x";
-  char byte[3];
-  for (int i = std::min((bits + 7) / 8, static_cast<int>(JTAG_DR_MAX_BYTES)) - 1; i >= 0; --i) {
-    std::snprintf(byte, sizeof byte, "%02x", bytes[i]);
-    text += byte;
-  }
-  return text;
+  const int count = std::clamp((bits + 7) / 8, 0, static_cast<int>(JTAG_DR_MAX_BYTES));
+  const auto last_first = std::make_reverse_iterator(bytes + count);
+  return fmt::format("0x{:02x}", fmt::join(last_first, std::make_reverse_iterator(bytes), ""));
 }
 
 Field Number(const char* name, std::int64_t value) {
@@ -125,8 +117,8 @@ int ObservedProbe::Insert(int ir_bits, const std::uint8_t* ir, int dr_bits,
   counts_.bits += std::max(ir_bits - extra, 0) + std::max(dr_bits - extra, 0);
   ir_bits_ = ir_bits;
   dr_bits_ = dr_bits;
-  scan_name_ = "IR " + std::to_string(ir_bits) + " bits " + ByteText(ir, ir_bits) + ", DR " +
-               std::to_string(dr_bits) + " bits " + ByteText(dr, dr_bits);
+  scan_name_ = fmt::format("IR {} bits {}, DR {} bits {}", ir_bits, ByteText(ir, ir_bits), dr_bits,
+                           ByteText(dr, dr_bits));
   const int result = Guard([&] { return probe_.Insert(ir_bits, ir, dr_bits, dr); });
   Tell([&]() -> CallEvent {
     return {"link_jtag_insert",

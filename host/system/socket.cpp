@@ -27,9 +27,8 @@ Socket::Socket(int fd, const std::string& name, Timeout timeout) : Socket(name, 
 Socket Socket::Connect(const Endpoint& endpoint, Timeout timeout) {
   Socket socket(endpoint.Name(), timeout);
   const Addresses addresses = socket.Resolve(endpoint);
-  const auto [error, address] = socket.Await<StreamProtocol::endpoint>([&](auto done) {
-    asio::async_connect(socket.socket_, addresses, std::move(done));
-  });
+  const auto [error, address] = socket.Await<StreamProtocol::endpoint>(
+      [&](auto done) { asio::async_connect(socket.socket_, addresses, std::move(done)); });
   if (error) socket.Fail("cannot connect", error);
   // Without it every short write waits for the answer to the one before. A UNIX socket has no such
   // delay, and no such option.
@@ -41,9 +40,8 @@ Socket Socket::Connect(const Endpoint& endpoint, Timeout timeout) {
 Socket::Addresses Socket::Resolve(const Endpoint& endpoint) try {
   if (endpoint.IsUnix()) return {asio::local::stream_protocol::endpoint(endpoint.path)};
   tcp::resolver resolver(EventLoop());
-  const auto [error, found] = Await<tcp::resolver::results_type>([&](auto done) {
-    resolver.async_resolve(endpoint.host, endpoint.port, std::move(done));
-  });
+  const auto [error, found] = Await<tcp::resolver::results_type>(
+      [&](auto done) { resolver.async_resolve(endpoint.host, endpoint.port, std::move(done)); });
   if (error) Fail("cannot be looked up", error);
   Addresses addresses;
   for (const auto& entry : found) addresses.emplace_back(entry.endpoint());
@@ -53,17 +51,15 @@ Socket::Addresses Socket::Resolve(const Endpoint& endpoint) try {
 }
 
 void Socket::Send(std::string_view bytes) {
-  const auto [error, sent] = Await<std::size_t>([&](auto done) {
-    asio::async_write(socket_, asio::buffer(bytes), std::move(done));
-  });
+  const auto [error, sent] = Await<std::size_t>(
+      [&](auto done) { asio::async_write(socket_, asio::buffer(bytes), std::move(done)); });
   if (error) Fail("connection lost", error);
 }
 
 std::string Socket::Receive(std::size_t limit) {
   std::string bytes(limit, '\0');
-  const auto [error, got] = Await<std::size_t>([&](auto done) {
-    socket_.async_receive(asio::buffer(bytes), std::move(done));
-  });
+  const auto [error, got] = Await<std::size_t>(
+      [&](auto done) { socket_.async_receive(asio::buffer(bytes), std::move(done)); });
   if (error == asio::error::timed_out) {
     throw IoError(fmt::format("{}: no answer within {} ms", name_, timeout_.count()));
   }
