@@ -5,6 +5,7 @@
 
 #include "host/option_values.h"
 #include "host/probe/plugin.h"
+#include "host/shared_files.h"
 
 namespace icehost {
 namespace {
@@ -44,6 +45,12 @@ void AddTargetOptions(CLI::App& verb, TargetOptions& target) {
       ->group("Simulated target");
 }
 
+void AddScripts(CLI::App& verb, std::vector<std::string>& scripts, std::size_t& size_limit) {
+  verb.add_option("SCRIPT", scripts, "Script files; - is standard input")->required();
+  AddParsed(verb, "--size-limit", "MIB", "How large a script may be (default 64)",
+            [&size_limit](const std::string& text) { size_limit = ParseMebibytes(text); });
+}
+
 void AddOutputs(CLI::App& verb, RunCommand& run) {
   verb.add_flag("--trace", run.trace,
                 "Write a line for every host call, to standard error or with --trace=FILE");
@@ -58,7 +65,7 @@ void AddRun(CLI::App& app, RunCommand& run) {
   CLI::App& verb =
       *app.add_subcommand("run", "Run scripts one after the other, up to the first that fails");
   verb.fallthrough();
-  verb.add_option("SCRIPT", run.scripts, "Script files; - is standard input")->required();
+  AddScripts(verb, run.scripts, run.size_limit);
   AddParsed(verb, "--probe", "PROBE",
             "sim (the default), remote-bitbang:HOST:PORT, remote-bitbang:unix:PATH\n"
             "or openocd:HOST:PORT[:TAP]",
@@ -74,6 +81,12 @@ void AddRun(CLI::App& app, RunCommand& run) {
             [&run](const std::string& text) { run.wire_mode = ParseWireMode(text); })
       ->group("Simulated target");
   verb.final_callback([&run, &verb] {
+    if (run.trace == "true") run.trace = "-";  // given without a file
+    try {
+      RefuseSharedFiles(run);
+    } catch (const std::invalid_argument& error) {
+      throw CLI::ValidationError(error.what());
+    }
     if (run.probe.kind == ProbeChoice::Kind::kSim) return;
     for (const CLI::Option* const option : verb.get_options()) {
       if (option->get_group() == "Simulated target" && option->count() > 0) {
@@ -87,7 +100,7 @@ void AddCheck(CLI::App& app, CheckCommand& check) {
   CLI::App& verb =
       *app.add_subcommand("check", "Report every problem of scripts without touching a probe");
   verb.fallthrough();
-  verb.add_option("SCRIPT", check.scripts, "Script files; - is standard input")->required();
+  AddScripts(verb, check.scripts, check.size_limit);
 }
 
 void AddServe(CLI::App& app, ServeCommand& serve) {
@@ -127,7 +140,6 @@ std::variant<Command, ExitStatus> ParseCommandLine(int argc, char** argv) {
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? kAllWell : kBadUsage;
   }
-  if (run.trace == "true") run.trace = "-";  // given without a file
   run.quiet = check.quiet = serve.quiet = quiet;
   if (app.got_subcommand("run")) return run;
   if (app.got_subcommand("check")) return check;

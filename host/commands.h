@@ -19,6 +19,9 @@ struct ProbeChoice {
   std::string tap;  // for OpenOCD; empty: the only one
 };
 
+// Far more than anybody writes, and no more than fits the memory of a small machine.
+constexpr std::size_t kDefaultSizeLimit = 64U << 20U;
+
 // In the texts below, empty means "not asked for".
 struct RunCommand {
   std::vector<std::string> scripts;  // "-": standard input
@@ -32,11 +35,13 @@ struct RunCommand {
   std::string vcd;
   std::string svg;
   bool summary = false;
+  std::size_t size_limit = kDefaultSizeLimit;  // of a script, in bytes
   bool quiet = false;
 };
 
 struct CheckCommand {
   std::vector<std::string> scripts;
+  std::size_t size_limit = kDefaultSizeLimit;
   bool quiet = false;
 };
 

@@ -10,6 +10,7 @@
 #include "host/serve.h"
 #include "host/system/errors.h"
 #include "host/system/interrupt.h"
+#include "host/system/standard_streams.h"
 
 namespace icehost {
 namespace {
@@ -23,7 +24,7 @@ ExitStatus Execute(const CheckCommand& command) {
   for (const std::string& path : command.scripts) {
     try {
       const std::string name = path == "-" ? "<stdin>" : path;
-      const ScriptText script(name, ReadScript(path));
+      const ScriptText script(name, ReadScript(path, command.size_limit));
       const Problems problems = Check(script);
       problems.Write(std::cerr, name, command.quiet);
       if (problems.HasErrors()) status = kScriptFailed;
@@ -39,17 +40,27 @@ ExitStatus Execute(const ServeCommand& command) {
   return Serve(command);
 }
 
+ExitStatus Main(int argc, char** argv) {
+  const auto parsed = ParseCommandLine(argc, argv);
+  if (const auto* status = std::get_if<ExitStatus>(&parsed)) return *status;
+  CatchInterrupts();
+  SetRescue([] {
+    Complain(Interrupted().what());
+    return true;
+  });
+  return std::visit([](const auto& command) { return Execute(command); },
+                    std::get<Command>(parsed));
+}
+
 }  // namespace
 }  // namespace icehost
 
 int main(int argc, char** argv) {
   using namespace icehost;
   try {
-    const auto parsed = ParseCommandLine(argc, argv);
-    if (const auto* status = std::get_if<ExitStatus>(&parsed)) return *status;
-    CatchInterrupts();
-    return std::visit([](const auto& command) { return Execute(command); },
-                      std::get<Command>(parsed));
+    OccupyStandardDescriptors();
+    const ExitStatus status = Main(argc, argv);
+    return CompleteStandardStreams() || status != kAllWell ? status : kNotOpened;
   } catch (const Interrupted& error) {
     Complain(error.what());
     return kInterrupted;

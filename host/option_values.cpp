@@ -102,6 +102,11 @@ std::chrono::milliseconds ParseSeconds(const std::string& text) {
   return std::chrono::milliseconds(std::max(static_cast<long>(seconds * 1000), 1L));
 }
 
+std::size_t ParseMebibytes(const std::string& text) {
+  constexpr std::uint64_t kMost = 1U << 20U;
+  return Number(text, 10, kMost) << 20U;
+}
+
 std::uint32_t ParseIdcode(const std::string& text) {
   const auto idcode = static_cast<std::uint32_t>(Number(text, 16, UINT32_MAX));
   if ((idcode & 1) == 0) throw std::invalid_argument("bit 0 of an IDCODE is 1");

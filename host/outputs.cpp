@@ -1,47 +1,53 @@
 #include "host/outputs.h"
 
-#include <filesystem>
 #include <iostream>
 
 #include "host/system/errors.h"
 
 namespace icehost {
 
-Outputs::Outputs(const RunCommand& command) : command_(command) {
+Outputs::Outputs(const RunCommand& command) {
+  using Rest = OutputFile::Rest;
   if (!command.trace.empty()) {
-    trace.emplace(command.trace == "-" ? std::cerr : Open(command.trace));
+    trace.emplace(command.trace == "-" ? std::cerr : Open(command.trace, Rest::kLines));
     listeners.push_back(&*trace);
   }
   if (!command.json.empty()) {
-    json.emplace(Open(command.json));
+    json.emplace(Open(command.json, Rest::kLines));
     listeners.push_back(&*json);
   }
   if (!command.vcd.empty()) {
-    vcd.emplace(Open(command.vcd));
+    vcd.emplace(Open(command.vcd, Rest::kLines));
     recorders.push_back(&*vcd);
   }
   if (!command.svg.empty()) {
-    svg_stream_ = &Open(command.svg);
+    svg_stream_ = &Open(command.svg, Rest::kNothing);
     svg.emplace();
     recorders.push_back(&*svg);
   }
 }
 
-void Outputs::Complete() {
-  if (vcd.has_value()) vcd->End();
-  if (svg.has_value()) svg->Write(*svg_stream_);
-  for (const auto& file : files) file->Close();
+void Outputs::Begin() {
+  for (const auto& file : files_) file->Begin();
 }
 
-std::ostream& Outputs::Open(const std::string& path) {
-  for (const std::string& script : command_.scripts) {
-    std::error_code none;  // neither need exist
-    if (std::filesystem::equivalent(path, script, none)) {
-      throw IoError(path + ": is a script to run, and would be overwritten");
+std::vector<std::string> Outputs::Complete() {
+  if (vcd.has_value()) vcd->End();
+  if (svg.has_value()) svg->Write(*svg_stream_);
+  std::vector<std::string> failures;
+  for (const auto& file : files_) {
+    try {
+      file->Close();
+    } catch (const IoError& error) {
+      failures.emplace_back(error.what());
     }
   }
-  files.push_back(std::make_unique<OutputFile>(path));
-  return files.back()->Stream();
+  return failures;
+}
+
+std::ostream& Outputs::Open(const std::string& path, OutputFile::Rest rest) {
+  files_.push_back(std::make_unique<OutputFile>(path, rest));
+  return files_.back()->Stream();
 }
 
 }  // namespace icehost

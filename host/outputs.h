@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "host/commands.h"
@@ -17,13 +18,13 @@ namespace icehost {
 
 // Members that are not asked for are empty.
 struct Outputs {
-  // Opens the files; throws IoError where one cannot be opened or is one of the scripts. `command`
-  // must outlive this object.
+  // Opens all files, and changes none; throws IoError where one cannot be opened.
   explicit Outputs(const RunCommand& command);
-  // Throws IoError where not everything could be written.
-  void Complete();
+  // The run begins, and the files are written anew.
+  void Begin();
+  // Returns what went wrong, a text for each file that could not be written whole.
+  std::vector<std::string> Complete();
 
-  std::vector<std::unique_ptr<OutputFile>> files;
   std::optional<TraceWriter> trace;
   std::optional<JsonWriter> json;
   std::optional<VcdWriter> vcd;
@@ -32,9 +33,9 @@ struct Outputs {
   std::vector<StepRecorder*> recorders;   // likewise
 
  private:
-  std::ostream& Open(const std::string& path);
+  std::ostream& Open(const std::string& path, OutputFile::Rest rest);
 
-  const RunCommand& command_;
+  std::vector<std::unique_ptr<OutputFile>> files_;
   std::ostream* svg_stream_ = nullptr;
 };
 

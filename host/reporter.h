@@ -2,11 +2,13 @@
 #ifndef ICESCRIPT_HOST_REPORTER_H_
 #define ICESCRIPT_HOST_REPORTER_H_
 
+#include <mutex>
 #include <string>
 #include <vector>
 
 #include "host/progress.h"
 #include "host/record/events.h"
+#include "host/system/captured_output.h"
 
 namespace icehost {
 
@@ -14,23 +16,35 @@ namespace icehost {
 void Complain(std::string what);
 
 // Tells the user, and all who listen, what happens. Each line makes room for itself: the line of
-// progress is erased before it.
+// progress is erased before it. What the plug-in writes to standard output itself is a message like
+// the others.
 class Reporter {
  public:
-  // `listeners` must outlive the reporter.
-  Reporter(const std::vector<EventListener*>& listeners, bool show_progress)
-      : listeners_(listeners), progress_(show_progress) {}
+  struct Options {
+    bool quiet;  // standard output stays empty
+    bool show_progress;
+  };
+
+  // `listeners` and `busy` must outlive the reporter. `busy` is held while the listeners are told,
+  // but not while the user is, who may keep us waiting.
+  Reporter(const std::vector<EventListener*>& listeners, std::recursive_mutex& busy,
+           const Options& options);
 
   void BeginScript(const std::string& script);
   void EndScript(bool ran);
-  void CountOperation() { progress_.OnOperation(); }
-  // A message of the plug-in's, as it stands: some are pieces of a line. Throws IoError where
-  // standard output takes no more, since the rest of the script is not to run unseen.
+  // To be called at every host call.
+  void CountOperation();
+  // A message of the plug-in's, as it stands: some are pieces of a line. For a terminal without
+  // control characters. Throws IoError where standard output takes no more, since the rest of the
+  // script is not to run unseen.
   void Show(const char* message);
+  // Shows the rest of what the plug-in had to say; throws as Show.
+  void Flush();
   // Why a call or a script failed, in icehost's words.
   void Say(const std::string& what);
-  // Ends with standard output written out; throws as Show.
-  void Flush();
+  // The last words of a run whose main thread does not come back, from another one: `busy` is held,
+  // and standard output is not touched.
+  void Abandon(const std::string& what);
   // Erases the line of progress for the last time.
   void Close() { progress_.Erase(); }
 
@@ -38,8 +52,17 @@ class Reporter {
   double Seconds() const { return progress_.Elapsed().count(); }
 
  private:
+  void Pass(const char* message);
+  void ShowCaptured();
+
   const std::vector<EventListener*>& listeners_;
+  std::recursive_mutex& busy_;
   Progress progress_;
+  CapturedOutput output_;
+  bool quiet_;
+  bool terminal_;
+  bool in_script_ = false;
+  bool parsing_ = false;  // when the plug-in may write to standard output itself
   std::string last_message_;
 };
 

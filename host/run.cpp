@@ -1,11 +1,14 @@
 #include "host/run.h"
 
 #include <fmt/format.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdio>
+#include <mutex>
+#include <new>
 #include <optional>
+#include <utility>
+#include <vector>
 
 #include "host/check/check.h"
 #include "host/outputs.h"
@@ -14,15 +17,24 @@
 #include "host/record/observed_probe.h"
 #include "host/reporter.h"
 #include "host/system/errors.h"
+#include "host/system/interrupt.h"
 #include "host/system/memory_file.h"
 
 namespace icehost {
 namespace {
 
-// The plug-in reads a script twice, from a path: a pipe would be empty the second time.
-bool IsRegularFile(const std::string& path) {
-  struct stat status = {};
-  return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+// Read once: what is judged is what is run.
+struct Script {
+  std::string path;
+  std::string content;
+};
+
+std::vector<Script> ReadScripts(const RunCommand& command) {
+  std::vector<Script> scripts;
+  for (const std::string& path : command.scripts) {
+    scripts.push_back({path, ReadScript(path, command.size_limit)});
+  }
+  return scripts;
 }
 
 Plugin LoadPlugin(const std::string& path) {
@@ -40,22 +52,31 @@ class Runner {
         plugin_(LoadPlugin(command.plugin)),
         stack_(command),
         outputs_(command),
-        reporter_(outputs_.listeners,
-                  !command.quiet && command.trace != "-" && isatty(STDERR_FILENO) != 0),
+        reporter_(
+            outputs_.listeners, busy_,
+            {command.quiet, !command.quiet && command.trace != "-" && isatty(STDERR_FILENO) != 0}),
         observed_(
-            stack_.Build(outputs_.recorders), outputs_.listeners,
+            stack_.Build(outputs_.recorders), busy_, outputs_.listeners,
             [this](const std::string& why) { reporter_.Say(why); },
             [this](const std::string& operation) { OnOperation(operation); }) {
     running = this;
+    SetRescue([this] { return Abandon(); });
   }
-  ~Runner() { running = nullptr; }
+  ~Runner() {
+    SetRescue(nullptr);
+    running = nullptr;
+  }
   Runner(const Runner&) = delete;
   Runner& operator=(const Runner&) = delete;
 
-  ExitStatus RunAll() {
+  ExitStatus RunAll(std::vector<Script> scripts) {
     ExitStatus status = kAllWell;
-    for (const std::string& script : command_.scripts) {
-      reporter_.BeginScript(script);
+    {
+      const std::lock_guard<std::recursive_mutex> lock(busy_);
+      outputs_.Begin();
+    }
+    for (Script& script : scripts) {
+      reporter_.BeginScript(script.path);
       status = RunOne(script);
       reporter_.EndScript(status == kAllWell);
       if (status != kAllWell) break;
@@ -76,11 +97,9 @@ class Runner {
     }
   }
 
-  ExitStatus RunOne(const std::string& script) {
+  ExitStatus RunOne(Script& script) {
     try {
-      std::optional<std::string> content = ReadContent(script);
-      if (!content.has_value()) return kScriptFailed;
-      return RunContent(script, std::move(*content));
+      return RunContent(script.path, std::move(script.content));
     } catch (const Interrupted& error) {
       reporter_.Say(error.what());
       return kInterrupted;
@@ -88,25 +107,17 @@ class Runner {
       reporter_.Say(error.what());
       return kNotOpened;
     } catch (const PluginThrew& error) {
-      reporter_.Say(fmt::format("{}: the plug-in threw an exception{}", script, error.what()));
+      reporter_.Say(fmt::format("{}: the plug-in threw an exception{}", script.path, error.what()));
       return kScriptFailed;
-    }
-  }
-
-  // Nothing where it cannot be read, which has been said then.
-  std::optional<std::string> ReadContent(const std::string& script) {
-    try {
-      return ReadScript(script);
-    } catch (const IoError& error) {
-      reporter_.Say(error.what());
-      return std::nullopt;
+    } catch (const std::bad_alloc&) {
+      reporter_.Say(fmt::format("{}: out of memory", script.path));
+      return kNotOpened;
     }
   }
 
   ExitStatus RunContent(const std::string& script, std::string content) {
-    std::optional<MemoryFile> copy;
-    if (!IsRegularFile(script)) copy.emplace(content);
-    const bool ran = RunPlugin(copy.has_value() ? copy->Path() : script);
+    const MemoryFile copy(content);
+    const bool ran = RunPlugin(copy.Path());
     stack_.Flush();
     const ScriptText text(script, std::move(content));
     reporter_.Flush();
@@ -131,6 +142,8 @@ class Runner {
       throw;
     } catch (const IoError&) {
       throw;
+    } catch (const std::bad_alloc&) {
+      throw;
     } catch (const std::exception& error) {
       throw PluginThrew(std::string(": ") + error.what());
     } catch (...) {
@@ -139,31 +152,40 @@ class Runner {
   }
 
   ExitStatus Complete(ExitStatus status) {
+    const std::lock_guard<std::recursive_mutex> lock(busy_);
     reporter_.Close();
-    std::fflush(stdout);
     if (command_.summary) Summarise();
-    try {
-      outputs_.Complete();
-    } catch (const IoError& error) {
-      Complain(error.what());
-      if (status == kAllWell) return kNotOpened;
-    }
-    return status;
+    const std::vector<std::string> failures = outputs_.Complete();
+    for (const std::string& failure : failures) Complain(failure);
+    return status == kAllWell && !failures.empty() ? kNotOpened : status;
+  }
+
+  // In place of Complete, where that is not reached. False while the main thread is at work.
+  bool Abandon() {
+    std::unique_lock<std::recursive_mutex> lock(busy_, std::try_to_lock);
+    if (!lock.owns_lock()) return false;
+    reporter_.Abandon("interrupted");
+    for (const std::string& failure : outputs_.Complete()) Complain(failure);
+    lock.release();  // the main thread is to touch nothing any more
+    return true;
   }
 
   void Summarise() const {
     const RunCounts& counts = observed_.Counts();
     const std::optional<long> cycles = stack_.TckCycles();
-    fmt::print(stderr, "operations {}, TCK cycles {}, bits shifted {}, reads {}, {:.3f} s\n",
-               counts.operations, cycles.has_value() ? std::to_string(*cycles) : "unknown",
-               counts.bits, counts.reads, reporter_.Seconds());
+    std::fputs(
+        fmt::format("operations {}, TCK cycles {}, bits shifted {}, reads {}, {:.3f} s\n",
+                    counts.operations, cycles.has_value() ? std::to_string(*cycles) : "unknown",
+                    counts.bits, counts.reads, reporter_.Seconds())
+            .c_str(),
+        stderr);
   }
 
   static Runner* running;  // callbacks carry no handle
 
   const RunCommand& command_;
+  std::recursive_mutex busy_;
   Plugin plugin_;
-  // Before the outputs: a run that cannot begin leaves the files of the run before it alone.
   ProbeStack stack_;
   Outputs outputs_;
   Reporter reporter_;
@@ -175,10 +197,15 @@ Runner* Runner::running = nullptr;
 }  // namespace
 
 ExitStatus Run(const RunCommand& command) {
-  // The plug-in writes to standard output itself, too.
-  if (command.quiet && std::freopen("/dev/null", "w", stdout) == nullptr) return kNotOpened;
+  std::vector<Script> scripts;
   try {
-    return Runner(command).RunAll();
+    scripts = ReadScripts(command);
+  } catch (const IoError& error) {
+    Complain(error.what());
+    return kScriptFailed;
+  }
+  try {
+    return Runner(command).RunAll(std::move(scripts));
   } catch (const Interrupted& error) {
     Complain(error.what());
     return kInterrupted;

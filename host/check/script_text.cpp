@@ -11,8 +11,8 @@
 
 namespace icehost {
 
-std::string ReadScript(const std::string& path) {
-  std::string content = ReadInput(path);
+std::string ReadScript(const std::string& path, std::size_t limit) {
+  std::string content = ReadInput(path, limit);
   if (content.find('\0') != std::string::npos) throw IoError(path + ": is binary, not a script");
   return content;
 }

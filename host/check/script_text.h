@@ -20,9 +20,9 @@ struct ScriptLine {
   int ColumnAt(std::size_t position) const { return column + static_cast<int>(position); }
 };
 
-// The whole of `path`, "-" being standard input. Throws IoError that says why not: it does not
-// exist, is a directory, or is binary (holds a NUL). Throws Interrupted.
-std::string ReadScript(const std::string& path);
+// The whole of `path`, "-" being standard input, up to `limit` bytes. Throws IoError that says why
+// not: it does not exist, is a directory, or is binary (holds a NUL). Throws Interrupted.
+std::string ReadScript(const std::string& path, std::size_t limit);
 
 class ScriptText {
  public:

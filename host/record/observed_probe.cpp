@@ -64,9 +64,10 @@ std::string GpioName(int flags) {
 
 }  // namespace
 
-ObservedProbe::ObservedProbe(Probe& probe, std::vector<EventListener*> listeners, Refused refused,
-                             Begin begin)
+ObservedProbe::ObservedProbe(Probe& probe, std::recursive_mutex& busy,
+                             std::vector<EventListener*> listeners, Refused refused, Begin begin)
     : probe_(probe),
+      busy_(busy),
       listeners_(std::move(listeners)),
       refused_(std::move(refused)),
       begin_(std::move(begin)) {}
@@ -90,6 +91,7 @@ void ObservedProbe::Tell(MakeEvent make_event) const {
 }
 
 int ObservedProbe::Config(int code, int value) {
+  const Lock lock(busy_);
   const bool query = code == LINK_CONFIG_GET_CDI;
   if (!query) ++counts_.operations;
   const int result = Guard([&] { return probe_.Config(code, value); });
@@ -102,6 +104,7 @@ int ObservedProbe::Config(int code, int value) {
 }
 
 int ObservedProbe::Reset(int kind) {
+  const Lock lock(busy_);
   ++counts_.operations;
   begin_("reset");
   const int result = Guard([&] { return probe_.Reset(kind); });
@@ -111,6 +114,7 @@ int ObservedProbe::Reset(int kind) {
 
 int ObservedProbe::Insert(int ir_bits, const std::uint8_t* ir, int dr_bits,
                           const std::uint8_t* dr) {
+  const Lock lock(busy_);
   ++counts_.operations;
   ++counts_.reads;
   const int extra = wire_mode_ == CDI_ANSWER_2WIRE ? 8 : 0;  // not shifted through the TAP
@@ -131,6 +135,7 @@ int ObservedProbe::Insert(int ir_bits, const std::uint8_t* ir, int dr_bits,
 }
 
 int ObservedProbe::Execute(std::uint8_t* capture) {
+  const Lock lock(busy_);
   begin_(scan_name_);
   const int result = Guard([&] { return probe_.Execute(capture); });
   Tell([&]() -> CallEvent {
@@ -149,6 +154,7 @@ int ObservedProbe::Execute(std::uint8_t* capture) {
 }
 
 int ObservedProbe::Gpio(int out_value, std::uint32_t& data, int oe_mask, int flags) {
+  const Lock lock(busy_);
   ++counts_.operations;
   const bool read = (flags & GPIO_FLAG_READ_IN) != 0;
   if (read) ++counts_.reads;

@@ -3,6 +3,7 @@
 #define ICESCRIPT_HOST_RECORD_OBSERVED_PROBE_H_
 
 #include <functional>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -26,8 +27,9 @@ class ObservedProbe : public Probe {
   // Called before an operation, with words for it.
   using Begin = std::function<void(const std::string& operation)>;
 
-  // `probe` and the listeners must outlive this object.
-  ObservedProbe(Probe& probe, std::vector<EventListener*> listeners, Refused refused, Begin begin);
+  // `busy` is held during every call. It, `probe` and the listeners must outlive this object.
+  ObservedProbe(Probe& probe, std::recursive_mutex& busy, std::vector<EventListener*> listeners,
+                Refused refused, Begin begin);
 
   int Config(int code, int value) override;
   int Reset(int kind) override;
@@ -38,12 +40,15 @@ class ObservedProbe : public Probe {
   const RunCounts& Counts() const { return counts_; }
 
  private:
+  using Lock = std::lock_guard<std::recursive_mutex>;
+
   template <class Call>
   int Guard(Call call);
   template <class MakeEvent>
   void Tell(MakeEvent make_event) const;
 
   Probe& probe_;
+  std::recursive_mutex& busy_;
   std::vector<EventListener*> listeners_;
   Refused refused_;
   Begin begin_;

@@ -1,6 +1,7 @@
 #include "host/system/input_file.h"
 
 #include <fcntl.h>
+#include <fmt/format.h>
 #include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -8,6 +9,7 @@
 #include <cerrno>
 #include <cstring>
 #include <memory>
+#include <new>
 
 #include "host/system/errors.h"
 #include "host/system/interrupt.h"
@@ -23,7 +25,7 @@ constexpr int kLookForSignalsEvery = 100;  // ms
 
 // Not on the event loop: that would make the standard input of the user's shell non-blocking, which
 // outlives this process.
-std::string ReadAll(int fd, const std::string& path) {
+std::string ReadAll(int fd, const std::string& path, std::size_t limit) {
   std::string content;
   char buffer[1 << 16];
   for (;;) {
@@ -35,13 +37,17 @@ std::string ReadAll(int fd, const std::string& path) {
     if (got == 0) return content;
     if (got < 0 && errno != EINTR && errno != EAGAIN) Fail(path);
     if (got > 0) content.append(buffer, static_cast<std::size_t>(got));
+    if (content.size() > limit) {
+      throw IoError(
+          fmt::format("{}: is larger than {} MiB; --size-limit lets more in", path, limit >> 20U));
+    }
   }
 }
 
 }  // namespace
 
-std::string ReadInput(const std::string& path) {
-  if (path == "-") return ReadAll(STDIN_FILENO, path);
+std::string ReadInput(const std::string& path, std::size_t limit) try {
+  if (path == "-") return ReadAll(STDIN_FILENO, path, limit);
   struct stat status = {};
   if (stat(path.c_str(), &status) != 0) Fail(path);
   if (S_ISDIR(status.st_mode)) throw IoError(path + ": is a directory");
@@ -50,7 +56,9 @@ std::string ReadInput(const std::string& path) {
   if (fd < 0) Fail(path);
   const std::unique_ptr<const int, void (*)(const int*)> closer(
       &fd, [](const int* file) { close(*file); });
-  return ReadAll(fd, path);
+  return ReadAll(fd, path, limit);
+} catch (const std::bad_alloc&) {
+  throw IoError(path + ": out of memory");
 }
 
 }  // namespace icehost

@@ -2,12 +2,14 @@
 #ifndef ICESCRIPT_HOST_SYSTEM_INPUT_FILE_H_
 #define ICESCRIPT_HOST_SYSTEM_INPUT_FILE_H_
 
+#include <cstddef>
 #include <string>
 
 namespace icehost {
 
-// The whole of `path`, "-" being standard input. Throws IoError that says why not, and Interrupted.
-std::string ReadInput(const std::string& path);
+// The whole of `path`, "-" being standard input, up to `limit` bytes. Throws IoError that says why
+// not, and Interrupted.
+std::string ReadInput(const std::string& path, std::size_t limit);
 
 }  // namespace icehost
 

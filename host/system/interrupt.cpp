@@ -2,56 +2,103 @@
 
 #include <asio/signal_set.hpp>
 #include <atomic>
+#include <chrono>
 #include <csignal>
 #include <cstdlib>
+#include <mutex>
 #include <thread>
+#include <utility>
 
 #include "host/system/errors.h"
 
 namespace icehost {
 namespace {
 
-constexpr int kSignals[] = {SIGINT, SIGTERM};
+constexpr int kSignalOffset = 128;  // of the exit status, as a shell counts it
+constexpr std::chrono::milliseconds kGrace{500};
 
 std::atomic<bool> interrupted{false};
 
+// Never destroyed: threads may use them while the process ends.
+std::mutex& rescue_lock = *new std::mutex;
+std::function<bool()>& rescue = *new std::function<bool()>;
+
+bool IsRescued() {
+  const std::lock_guard<std::mutex> lock(rescue_lock);
+  return rescue == nullptr || rescue();
+}
+
+void EndWithoutMain() {
+  do {
+    std::this_thread::sleep_for(kGrace);
+  } while (!IsRescued());
+  std::_Exit(kSignalOffset + SIGINT);
+}
+
+// On the thread of the signals. One signal may come twice: a program like timeout sends it to its
+// child and to the group of both.
+void OnSignal(int signal) {
+  using Clock = std::chrono::steady_clock;
+  static Clock::time_point first;
+  if (!interrupted) {
+    first = Clock::now();
+    interrupted = true;
+    EventLoop().stop();
+    std::thread(EndWithoutMain).detach();
+  } else if (Clock::now() - first > kGrace) {
+    std::_Exit(kSignalOffset + signal);
+  }
+}
+
 void AwaitSignal(asio::signal_set& signals) {
   signals.async_wait([&signals](const asio::error_code& /*error*/, int signal) {
-    if (interrupted.exchange(true)) std::_Exit(128 + signal);  // as a shell counts it
-    EventLoop().stop();
+    OnSignal(signal);
     AwaitSignal(signals);
   });
 }
 
-// Of one thread: whether it takes the signals.
-void MaskSignals(int how) {
-  sigset_t set;
-  sigemptyset(&set);
-  for (const int signal : kSignals) sigaddset(&set, signal);
-  pthread_sigmask(how, &set, nullptr);
+bool IsIgnored(int signal) {
+  struct sigaction action = {};
+  return sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+}
+
+void Watch(asio::io_context& loop, asio::signal_set& signals, const sigset_t& set) {
+  pthread_sigmask(SIG_BLOCK, &set, nullptr);
+  AwaitSignal(signals);
+  std::thread([&loop, set] {
+    pthread_sigmask(SIG_UNBLOCK, &set, nullptr);
+    loop.run();
+  }).detach();
 }
 
 }  // namespace
 
 void CatchInterrupts() try {
   std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
   EventLoop();
   // As long as the process lives, its thread waits here.
   static auto& loop = *new asio::io_context;
   static auto& signals = *new asio::signal_set(loop);
-  for (const int signal : kSignals) signals.add(signal);
-  AwaitSignal(signals);
-  MaskSignals(SIG_BLOCK);
-  std::thread([] {
-    MaskSignals(SIG_UNBLOCK);
-    loop.run();
-  }).detach();
+  sigset_t set;
+  sigemptyset(&set);
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    if (IsIgnored(signal)) continue;
+    signals.add(signal);
+    sigaddset(&set, signal);
+  }
+  Watch(loop, signals, set);
 } catch (const std::system_error& error) {
   throw IoError(error.what());
 }
 
 void ThrowIfInterrupted() {
   if (interrupted) throw Interrupted();
+}
+
+void SetRescue(std::function<bool()> wanted) {
+  const std::lock_guard<std::mutex> lock(rescue_lock);
+  rescue = std::move(wanted);
 }
 
 asio::io_context& EventLoop() {

@@ -2,23 +2,60 @@
 #ifndef ICESCRIPT_HOST_SYSTEM_OUTPUT_FILE_H_
 #define ICESCRIPT_HOST_SYSTEM_OUTPUT_FILE_H_
 
-#include <fstream>
+#include <memory>
+#include <ostream>
+#include <streambuf>
 #include <string>
 
 namespace icehost {
 
+// Writes in place, so that a run can be followed and the file's links, owner and mode stay; but not
+// before Begin. A file that was opened and not begun is as it was, or gone where it was not there.
+// Begun, it is whole at any time but for what Close has yet to write.
 class OutputFile {
  public:
-  // Opens the file anew; throws IoError that says why it cannot.
-  explicit OutputFile(const std::string& path);
+  // What may stay of a file that could not be written to its end: every whole line, or nothing.
+  enum class Rest { kLines, kNothing };
 
+  // Opens the file; throws IoError that says why it cannot.
+  OutputFile(const std::string& path, Rest rest);
+  ~OutputFile();
+  OutputFile(const OutputFile&) = delete;
+  OutputFile& operator=(const OutputFile&) = delete;
+
+  // Empties the file. What is written from here on goes there.
+  void Begin();
   std::ostream& Stream() { return stream_; }
   // Throws IoError where not everything could be written.
   void Close();
 
  private:
+  class Buffer : public std::streambuf {
+   public:
+    explicit Buffer(int fd);
+    // Of the first write that failed, or 0.
+    int Error() const { return error_; }
+    bool Write();
+
+   protected:
+    int_type overflow(int_type ch) override;
+    int sync() override { return Write() ? 0 : -1; }
+
+   private:
+    int fd_;
+    int error_ = 0;
+    std::unique_ptr<char[]> bytes_;
+  };
+
+  void CutUnfinished() const;
+
   std::string path_;
-  std::ofstream stream_;
+  Rest rest_;
+  bool created_;
+  bool begun_ = false;
+  int fd_;
+  Buffer buffer_;
+  std::ostream stream_;
 };
 
 }  // namespace icehost
