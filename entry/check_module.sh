@@ -1,19 +1,15 @@
 #!/usr/bin/env bash
-# Holds a built plug-in to what its loader sees: check_module.sh libicescript.so
+# Holds the built plug-in, and icehost, to what their loader sees: check_module.sh libicescript.so icehost
 set -euo pipefail
-readonly module=$1
+readonly HOST_FUNCTIONS="link_config link_gpio_operator link_jtag_execute link_jtag_insert link_reset"
 status=0
 
-# expect WHAT WANTED FOUND
+# expect FILE WHAT WANTED FOUND
 expect() {
-  [ "$2" = "$3" ] && return
-  printf '%s: %s: wanted "%s", found "%s"\n' "$module" "$1" "$2" "$3"
+  [ "$3" = "$4" ] && return
+  printf '%s: %s: wanted "%s", found "%s"\n' "$1" "$2" "$3" "$4"
   status=1
 }
-
-symbols=$(readelf -W --dyn-syms "$module")
-segments=$(readelf -W --program-headers "$module")
-dynamic=$(readelf -W --dynamic "$module")
 
 # The names of the symbols that a condition holds for, on one line. Fields: 5 binding, 7 section,
 # 8 name; what a library provides has a version behind an "@".
@@ -22,17 +18,32 @@ names() { awk '$1 ~ /^[0-9]+:$/ && $8 != "" && '"$1"' { print $8 }' <<<"$symbols
 flags() { awk -v type="$1" '$1 == type { $1=$2=$3=$4=$5=$6=$NF=""; gsub(" ", ""); print }' \
   <<<"$segments"; }
 
-expect "exports" "ImplementScr" "$(names '$7 != "UND"')"
-expect "imports from the host" \
-  "link_config link_gpio_operator link_jtag_execute link_jtag_insert link_reset" \
+# check FILE EXPORTS: what holds for both.
+check() {
+  local file=$1
+  symbols=$(readelf -W --dyn-syms "$file")
+  segments=$(readelf -W --program-headers "$file")
+  dynamic=$(readelf -W --dynamic "$file")
+  # What a program copies from its libraries has a version, too.
+  expect "$file" "exports" "$2" "$(names '$7 != "UND" && $8 !~ /@/')"
+  expect "$file" "bound when loaded" "BIND_NOW" "$(grep -o 'BIND_NOW' <<<"$dynamic" | head -n 1)"
+  expect "$file" "text relocations" "" "$(grep -o 'TEXTREL' <<<"$dynamic" || true)"
+  expect "$file" "read-only after relocation" "R" "$(flags GNU_RELRO)"
+  expect "$file" "stack" "RW" "$(flags GNU_STACK)"
+  expect "$file" "segments to be written and run" "" "$(flags LOAD | grep 'W.*E' || true)"
+  expect "$file" "loaded anywhere" "DYN" "$(readelf -h "$file" | awk '/Type:/ {print $2}')"
+  expect "$file" "stack protection" "__stack_chk_fail" \
+    "$(grep -o '__stack_chk_fail' <<<"$symbols" | uniq)"
+  expect "$file" "checked library calls" "some" \
+    "$(! grep -qE '__[a-z]+_chk@' <<<"$symbols" || echo some)"
+  expect "$file" "marked places to jump to" "endbr64" "$(objdump -d --no-show-raw-insn "$file" |
+    awk -v name="<${2%% *}>:" '$2 == name { getline; print $2; exit }')"
+}
+
+check "$1" "ImplementScr"
+expect "$1" "imports from the host" "$HOST_FUNCTIONS" \
   "$(names '$7 == "UND" && $5 == "GLOBAL" && $8 !~ /@/')"
-expect "libraries but the runtimes" "" "$(sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p' <<<"$dynamic" |
+expect "$1" "libraries but the runtimes" "" "$(sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p' <<<"$dynamic" |
   grep -vE '^lib(stdc\+\+|gcc_s|m|c)\.so' | xargs)"
-expect "bound when loaded" "BIND_NOW" "$(grep -o 'BIND_NOW' <<<"$dynamic" | head -n 1)"
-expect "text relocations" "" "$(grep -o 'TEXTREL' <<<"$dynamic" || true)"
-expect "read-only after relocation" "R" "$(flags GNU_RELRO)"
-expect "stack" "RW" "$(flags GNU_STACK)"
-expect "segments to be written and run" "" "$(flags LOAD | grep 'W.*E' || true)"
-expect "stack protection" "__stack_chk_fail" "$(grep -o '__stack_chk_fail' <<<"$symbols" | uniq)"
-expect "checked library calls" "some" "$(! grep -qE '__[a-z]+_chk@' <<<"$symbols" || echo some)"
+check "$2" "$HOST_FUNCTIONS"
 exit $status

@@ -15,13 +15,14 @@ fail() {
 }
 
 # expect STATUS MESSAGE COMMAND: what a shell command ends with, and the last line of standard error
-# (the file "$scratch/err", unless the command has it elsewhere).
+# as a pattern.
 expect() {
   : >"$scratch/err"
   timeout -k 1 30 bash -c "$3" >"$scratch/out" 2>"$scratch/err" </dev/null
   local status=$?
   [ "$status" = "$1" ] || fail "$3: status $status, not $1: $(cat "$scratch/err")"
-  [ "$(tail -n 1 "$scratch/err")" = "$2" ] || fail "$3: said \"$(cat "$scratch/err")\", not \"$2\""
+  # shellcheck disable=SC2053: the message may be a pattern
+  [[ $(tail -n 1 "$scratch/err") == $2 ]] || fail "$3: said \"$(cat "$scratch/err")\", not \"$2\""
 }
 
 printf '[ZEVA_ICE_GPIO]\nSTART\nREPT=2000000000\nTCK=1\nTCK=0\nENDR\nEND\n' >"$scratch/endless.gpio"
@@ -34,7 +35,7 @@ expect 1 'icehost: -: Bad file descriptor' '"$icehost" run - <&-'
 expect 3 'icehost: standard output: Bad file descriptor' '"$icehost" run "$script" >&-'
 expect 0 '' '"$icehost" run --vcd "$scratch/a" --json "$scratch/b" "$script" <&- 2>&-'
 head -c 8 "$scratch/a" | grep -q '^\$version' || fail "a waveform without standard error"
-expect 3 'icehost: signal_set_service pipe: Too many open files' 'ulimit -n 5; "$icehost" run "$script"'
+expect 3 'icehost: *: Too many open files' 'ulimit -n 5; "$icehost" run "$script"'
 expect 3 'icehost: cannot keep a script in memory: Too many open files' \
   'ulimit -n 15; exec 3</dev/null 4<&3 5<&3; "$icehost" run "$script"'
 
