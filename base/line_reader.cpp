@@ -13,8 +13,7 @@ namespace icescript {
 
 std::string_view ReadLine(std::istream& is, char (&buffer)[INI_LINE_BUFFER]) {
   is.getline(buffer, INI_LINE_BUFFER);  // always terminates the buffer, also where it fails
-  const char* const end = strchrnul(buffer, '#');
-  return TrimRight({buffer, static_cast<std::size_t>(end - buffer)}, ' ');
+  return TrimRight({buffer, std::strcspn(buffer, "#")}, ' ');
 }
 
 std::istream& CIniFile::getline(std::istream& is, CString& str) {

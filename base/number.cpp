@@ -1,5 +1,7 @@
 #include "base/number.h"
 
+#include <limits>
+
 #include "base/text.h"
 
 namespace icescript {
@@ -33,10 +35,10 @@ int ParseNumber(std::string_view text, int base) {
   for (const char ch : text) {
     const int digit = DigitOf(ch);
     if (digit >= base) break;
-    if (__builtin_mul_overflow(magnitude, base, &magnitude) ||
-        __builtin_add_overflow(magnitude, digit, &magnitude)) {
+    if (magnitude > (std::numeric_limits<long>::max() - digit) / base) {
       return negative ? 0 : -1;  // the low bits of the smallest and the largest long
     }
+    magnitude = magnitude * base + digit;
   }
   return static_cast<int>(negative ? -magnitude : magnitude);
 }
