@@ -21,17 +21,11 @@ void ReportRead(PrintCallback print, std::uint32_t data) {
   print(line);
 }
 
-// A block without one could keep the process busy for years, and a host that is never called can
-// stop nothing.
-bool HoldsPinOperation(const GpioOperatorData* rept) {
-  const GpioOperatorData* node = rept->next;
-  while (node != rept->partner && node->kind != GPIO_KIND_PIN) node = node->next;
-  return node != rept->partner;
-}
-
-// REPT: into the block while runs are left; else past it, its count set again for the next time.
+// REPT: into the block while runs are left; else past it, its count set again for the next time. A
+// block without a pin operation could keep the process busy for years, and a host that is never
+// called can stop nothing: it is passed by.
 GpioOperatorData* NextAfterRept(GpioOperatorData* rept) {
-  if (!HoldsPinOperation(rept)) return rept->partner->next;
+  if (!rept->holds_pins) return rept->partner->next;
   if (rept->repeat_count > 0) {
     --rept->repeat_count;
     return rept->next;

@@ -68,23 +68,36 @@ int GpioScr::RefuseOpenRepeat() {
 
 GpioOperatorData* GpioScr::ParseGpioOperatorData(int out_value, int oe_mask, int flags, int kind,
                                                  int repeat_count) {
-  nodes.push_back(
-      {out_value, oe_mask, flags, /*gpio_data=*/0, kind, repeat_count, nullptr, nullptr});
+  nodes.push_back({out_value, oe_mask, flags, /*gpio_data=*/0, kind, repeat_count, /*next=*/nullptr,
+                   /*partner=*/nullptr, /*holds_pins=*/false});
   GpioOperatorData* const node = &nodes.back();
-  if (kind == GPIO_KIND_REPT) RepeatNodePush(node);
-  if (kind == GPIO_KIND_ENDR) {
-    GpioOperatorData* const rept = RepeatNodePop();
-    if (rept == nullptr) {
-      nodes.pop_back();
-      error = "error: rept & endr not match.";
-      print(error);
-      return nullptr;
-    }
-    rept->partner = node;
-    node->partner = rept;
-    node->repeat_count = rept->repeat_count;
+  if (kind == GPIO_KIND_REPT) {
+    RepeatNodePush(node);
+  } else if (kind != GPIO_KIND_ENDR) {
+    MarkOpenBlock();
+  } else if (!CloseBlock(node)) {
+    nodes.pop_back();
+    error = "error: rept & endr not match.";
+    print(error);
+    return nullptr;
   }
   return node;
+}
+
+// False when no REPT is open.
+bool GpioScr::CloseBlock(GpioOperatorData* endr) {
+  GpioOperatorData* const rept = RepeatNodePop();
+  if (rept == nullptr) return false;
+  rept->partner = endr;
+  endr->partner = rept;
+  endr->repeat_count = rept->repeat_count;
+  if (rept->holds_pins) MarkOpenBlock();
+  return true;
+}
+
+// Only the innermost: the ones around it learn it when it is closed.
+void GpioScr::MarkOpenBlock() {
+  if (repeat_stack != nullptr) repeat_stack->node->holds_pins = true;
 }
 
 void GpioScr::RepeatNodePush(GpioOperatorData* node) {

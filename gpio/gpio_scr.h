@@ -20,6 +20,7 @@ struct GpioOperatorData {
   std::int32_t repeat_count;  // REPT: runs still to go; ENDR: the count of its REPT; else 0
   GpioOperatorData* next;     // null at the tail
   GpioOperatorData* partner;  // REPT and ENDR: each other's node; else null
+  bool holds_pins;            // REPT: whether a pin operation stands in its block, at any depth
 };
 
 // Reads a GPIO script when it is constructed, sends what is wrong with it to the callback, and
@@ -59,6 +60,8 @@ class GpioScr {
   explicit GpioScr(PrintCallback callback) : print(callback) {}
   int AppendElements(CIniFile& ini);
   int RefuseOpenRepeat();
+  bool CloseBlock(GpioOperatorData* endr);
+  void MarkOpenBlock();
 
   std::deque<GpioOperatorData> nodes;  // which never move
   GpioOperatorData* head = nullptr;

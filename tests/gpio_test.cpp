@@ -72,6 +72,9 @@ TEST(GpioScript, TurnsLinesIntoOperations) {
       // Blocks that do nothing take no time.
       {"REPT=2\nTCK=1\nREPT=2147483647\nREPT=2147483647\nENDR\nREPT=9\nENDR\nENDR\nENDR\nEND",
        "gpio 04 3f 01\ngpio 04 3f 01\ngpio 04 3f 10\n"},
+      {"REPT=2\nREPT=1\nREPT=2\nTCK=1\nENDR\nENDR\nENDR\nREPT=2147483647\nREPT=2147483647\nENDR\n"
+       "ENDR\nEND",
+       "gpio 04 3f 01\ngpio 04 3f 01\ngpio 04 3f 01\ngpio 04 3f 01\ngpio 04 3f 10\n"},
   };
   for (const auto& test : kCases) EXPECT_EQ(Operations(test.lines), test.operations) << test.lines;
 }

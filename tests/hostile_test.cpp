@@ -40,6 +40,10 @@ TEST(HostileScript, IsRunOrRefused) {
       {kGpio + Times(1000000, "TCK=1\n") + "END", "gpio 04 3f 10\n\"" + kEnd + "= 0\n"},
       {kGpio + Times(200, "REPT=1\n") + "TMS=1\n" + Times(200, "ENDR\n") + "END",
        "gpio 00 3f 08\ngpio 08 3f 01\ngpio 08 3f 10\n\"" + kEnd + "= 0\n"},
+      // To look through a block at each REPT would take half an hour here.
+      {kGpio + "REPT=50\n" + Times(100000, "REPT=1\n") + "TMS=1\n" + Times(100001, "ENDR\n") +
+           "END",
+       Times(50, "gpio 08 3f 01\n") + "gpio 08 3f 10\n\"" + kEnd + "= 0\n"},
       {kGpio + Times(200, "REPT=9\n") + "END", "\"syntax error: rept & endr not match.\"\n= -1\n"},
       {kGpio + std::string("TCK=1\0junk\nEND", 14), "gpio 04 3f 10\n\"" + kEnd + "= 0\n"},
       {kGpio + "\x80\xFF\nEND", "\"Syntax error in line3 : \x80\xFF\"\n= -1\n"},
