@@ -21,7 +21,10 @@
  *     JTAG script without one, so that the host has to say what went wrong.
  *  6. Exceptions. The plug-in throws none of its own and catches none. One thrown by a host
  *     function, by the callback or by the standard library (no memory) passes through
- *     ImplementScr to the host after everything that the call allocated has been freed.
+ *     ImplementScr to the host after everything that the call allocated has been freed. That takes
+ *     one unwinder in the process, as a rule the shared libgcc_s: in a host that keeps a static one
+ *     to itself (g++ -static-libgcc -static-libstdc++ with an export list; with -rdynamic the
+ *     plug-in uses the host's) any exception that meets the plug-in aborts the process.
  *  7. Messages are for the user to read: NUL-terminated, at most 1023 bytes, in English but for
  *     what they quote of the script and its path. They end in a line break only where their text
  *     does, a line may arrive in pieces, and a message may be empty. Show each as it stands and add
