@@ -83,8 +83,8 @@ TEST(CString, TrimsUnevenly) {
 }
 
 TEST(CString, UpperCasesACopy) {
-  const CString text = "Tck1_a\xe4" + std::string(3000, 'z');
-  EXPECT_EQ(text.MakeUpper(), "TCK1_A\xe4" + std::string(3000, 'Z'));
+  const CString text = "Tck1_a`{@[\xe4" + std::string(3000, 'z');
+  EXPECT_EQ(text.MakeUpper(), "TCK1_A`{@[\xe4" + std::string(3000, 'Z'));
   EXPECT_EQ(text.GetString().substr(0, 6), "Tck1_a");
 }
 

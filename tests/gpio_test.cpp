@@ -171,8 +171,12 @@ TEST(GpioTable, AnswersBadAccess) {
   icescript::CIniFile ini(file.Path());
   ASSERT_EQ(ini.ReadGpioFile(), 0);
   ASSERT_EQ(ini.GetGpioNum(), 5U);
-  const int rept[] = {0x08, 0x3F, 0, 1, 7};
-  for (int field = 0; field < 5; ++field) EXPECT_EQ(ini.GetGpioValue(2, field), rept[field]);
+  const int kLines[5][5] = {{0, 0x3F, 0x08, 0, 0},
+                            {0x08, 0x3F, 0x01, 0, 0},
+                            {0x08, 0x3F, 0, 1, 7},
+                            {0x08, 0x3F, 0, 2, 0},
+                            {0x08, 0x3F, 0x10, 0, 0}};
+  for (int i = 0; i < 25; ++i) EXPECT_EQ(ini.GetGpioValue(i / 5, i % 5), kLines[i / 5][i % 5]) << i;
   EXPECT_STREQ(ini.error_msg, "");
   for (const int bad : {-1, 5, INT_MIN, INT_MAX}) {
     EXPECT_EQ(ini.GetGpioValue(bad, 0), -1);
@@ -196,7 +200,26 @@ TEST(GpioList, PairsRepeatsByNesting) {
   EXPECT_EQ(inner->partner->repeat_count, 3);
   EXPECT_EQ(scr.GetNextGpioOperatorData(nullptr), nullptr);
   EXPECT_EQ(scr.error, nullptr);
-  EXPECT_STREQ(icescript::GpioScr(nullptr, nullptr).error, "No scr file specified.\n");
+}
+
+TEST(GpioList, KeepsAStatus) {
+  TempFile good("[ZEVA_ICE_GPIO]\nSTART\nEND"), cut("[ZEVA_ICE_GPIO]"), other("x");
+  char nowhere[] = "/nowhere";
+  const struct {
+    char* path;
+    int read;
+    int kept;
+  } kCases[] = {{good.Path(), 0, 0},
+                {cut.Path(), -1, -1},
+                {other.Path(), -5, -5},
+                {nowhere, -10, -10},
+                {nullptr, -10, -1}};
+  for (const auto& test : kCases) {
+    const icescript::GpioScr scr(test.path, [](const char*) { return 0; });
+    EXPECT_EQ(scr.status, test.kept);
+    EXPECT_STREQ(scr.error, test.path != nullptr ? nullptr : "No scr file specified.\n");
+    EXPECT_EQ(icescript::CIniFile(test.path).ReadGpioFile(), test.read);
+  }
 }
 
 }  // namespace

@@ -84,6 +84,7 @@ TEST(IniReader, ReadsSectionsAndValues) {
       {"A=B=C\n=x\nA =2\n", "[]{=x}{A=B=C}{A =2}", ""},
       {"[EMPTY]\n[S]\nA=", "[S]{A=}", ""},
       {"  [S]  \r\nA=1", "[S]{A=1}", ""},
+      {"\r[S]\n\rA=!\r # x\n", "[S]{A=!}", ""},
       {"[]\nA=1\n[[T]]\nA=2\n[ U ]\nA=3\n[a=b]\nA=4", "[]]{A=1}[T]{A=2}[ U ]{A=3}[a=b]{A=4}", ""},
       {"A=0\n[S]\nA=1\n[T]\nA=2\n[S]\nB=3\nA=4", "[]{A=0}[S]{A=4}{B=3}[T]{A=2}", ""},
       {"[S=1\nB=2", "[]{B=2}{[S=1}", ""},

@@ -82,7 +82,7 @@ TEST(JtagScript, FollowsTheWireInterface) {
                                                  : "13:0001 16:005a";
       const std::string out =
           "\\tDR " + dr_width + " bits out value 0x" + (wires.two_wire ? "33" : "22") + "\\n";
-      EXPECT_EQ(RunJtag(host, std::string("[A]\nIR=5,1\nDR=") + (read ? "read" : "W") + ",8,5a"),
+      EXPECT_EQ(RunJtag(host, std::string("[A]\nIR=5,1\nDR=") + (read ? " read" : "W") + ",8,5a"),
                 "\"\nconfig 22 0\ninsert " + insert + "\nexecute\n" +
                     "\"Operator No.0 success: IR size " + ir_bits + " bits, " +
                     (read ? "Read" : "Write") + " DR size " + dr_bits + " bits with " + wires.name +
@@ -106,6 +106,12 @@ TEST(JtagScript, ConvertsItsNumbers) {
        "32:1f00fffe 24:0300ff\n"},
       {"IR=-5,1\nDR=W,-2147483648,1", "-5: -2147483648:\n"},
       {"IR=4294967304,9\nDR=W,99999999999999999999,1", "8:09 -1:\n"},
+      {"IR=9223372036854775806,1\nDR=W,-9223372036854775807,1", "-2: 1:01\n"},
+      {"IR=24,7ffffffffffffffe,8000000000000000,-8000000000000001\nDR=W,-9999999999999999999",
+       "24:feff00 0:\n"},
+      // Of white space a number may begin with any; the neighbours of the digits end it.
+      {"IR=48,\v\r1,1/,1:,1@,1G,1`\nDR=W,40,1g,0X0x1f,0aX1,0x,\t 1",
+       "48:010101010101 40:011f0a0001\n"},
       {"IR=3,1,2,3,4\nDR=W,3,1,2,3,4", "3:01 3:01\n"},
   };
   for (const auto& test : kCases) {
@@ -118,6 +124,20 @@ TEST(JtagScript, ConvertsItsNumbers) {
       scr.ParseJtagOperatorData("3,1,2,3,4", "W,2,1,2,3"));
   EXPECT_TRUE(record->irData[2] == 3 && record->irData[3] == 0 && record->drData[1] == 2 &&
               record->drData[2] == 0);
+}
+
+TEST(JtagScript, AnswersWhetherAllWasUnderstood) {
+  icescript::JtagScr scr(nullptr, [](const char*) { return 0; });
+  EXPECT_EQ(scr.ParseScr(nullptr), -1);
+  const struct {
+    const char* text;
+    int status;
+  } kCases[] = {{"", 0}, {"[CONTROL]\nCDI=5", 0}, {"[CONTROL]\nCDI=3", -1}, {"[A]\nIR=5,1", -1}};
+  for (const auto& test : kCases) {
+    TempFile file(test.text);
+    EXPECT_EQ(scr.ParseScr(file.Path()), test.status) << test.text;
+  }
+  EXPECT_EQ(scr.GetJtagOperatorDataCount(), 1);
 }
 
 TEST(JtagScript, NeverHandsOverMoreThanARecordHolds) {
