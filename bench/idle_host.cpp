@@ -24,7 +24,8 @@ int link_jtag_execute(LinkHandle /*handle*/, unsigned char* /*capture*/) {
   return 0;
 }
 
-int link_gpio_operator(LinkHandle handle, int /*out_value*/, uint32_t* /*data*/, int /*oe_mask*/,
-                       int /*flags*/) {
+int link_gpio_operator(LinkHandle handle, int /*out_value*/, uint32_t* data, int /*oe_mask*/,
+                       int flags) {
+  if ((flags & GPIO_FLAG_READ_IN) != 0) *data = GPIO_PIN_TDO;
   return *static_cast<int*>(handle);
 }

@@ -1,4 +1,4 @@
-// A host that does nothing.
+// A host that does nothing; every pin read finds TDO high.
 #ifndef ICESCRIPT_BENCH_IDLE_HOST_H_
 #define ICESCRIPT_BENCH_IDLE_HOST_H_
 

@@ -9,6 +9,7 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <random>
 #include <stdexcept>
 
 #include "bench/idle_host.h"
@@ -46,13 +47,63 @@ void WriteLongLines(std::ostream& script, int size) {
   script << "END\n";
 }
 
+void WriteReads(std::ostream& script, int size) {
+  script << kGpioStart << "REPT=" << size << "\nREPT=1000\nPRINT=GPIO_IN\nENDR\nENDR\nEND\n";
+}
+
+// Every block holds the next one and, behind it, a pin operation.
+void WriteDeep(std::ostream& script, int size) {
+  script << kGpioStart;
+  for (int i = 0; i < size; ++i) script << "REPT=1\n";
+  for (int i = 0; i < size; ++i) script << "TCK=1\nENDR\n";
+  script << "END\n";
+}
+
+// The IDCODE read by hand, 81 lines each: to Test-Logic-Reset, to Shift-DR, 32 bits.
+void WriteIdcodes(std::ostream& script, int size) {
+  script << kGpioStart;
+  for (int i = 0; i < size; ++i) {
+    script << "TMS=1\n";
+    for (int clock = 0; clock < 5; ++clock) script << "TCK=1\nTCK=0\n";
+    script << "TMS=0\nTCK=1\nTCK=0, TMS=1\nTCK=1\nTCK=0, TMS=0\nTCK=1\n";
+    for (int bit = 0; bit < 32; ++bit) script << "TCK=0, PRINT=GPIO_IN\nTCK=1\n";
+  }
+  script << "END\n";
+}
+
+constexpr char kScan[] = "]\nIR=5,0x01\nDR=R,32,0x12,0x34,0x56,0x78\n";
+
+// S0000, S0001, ...
+std::string Numbered(int i) {
+  const std::string number = std::to_string(i);
+  return "S" + std::string(4 - number.size(), '0') + number;
+}
+
 // 46 bytes a section.
 void WriteJtag(std::ostream& script, int size) {
+  for (int i = 0; i < size; ++i) script << '[' << Numbered(i) << kScan;
+}
+
+void WriteLongScans(std::ostream& script, int size) {
   for (int i = 0; i < size; ++i) {
-    const std::string number = std::to_string(i);
-    script << "[S" << std::string(4 - number.size(), '0') << number
-           << "]\nIR=5,0x01\nDR=R,32,0x12,0x34,0x56,0x78\n";
+    script << '[' << Numbered(i) << "]\nIR=5,0x01\nDR=R,288";
+    for (int byte = 0; byte < JTAG_DR_MAX_BYTES; ++byte) script << ",0x" << 10 + byte;
+    script << '\n';
   }
+}
+
+// Names of 4 to 11 letters that have neither length nor ends in common.
+void WriteFreeNames(std::ostream& script, int size) {
+  std::minstd_rand random;
+  for (int i = 0; i < size; ++i) {
+    std::string name(3 + random() % 8, ' ');
+    for (char& ch : name) ch = static_cast<char>('a' + random() % 26);
+    script << '[' << name << static_cast<char>('A' + random() % 26) << kScan;
+  }
+}
+
+void WriteOneScan(std::ostream& script, int /*size*/) {
+  WriteJtag(script, 1);
 }
 
 // ---- Runs
@@ -73,6 +124,20 @@ void RunScript(const std::string& path, int /*size*/) {
 
 void ParseScript(const std::string& path, int /*size*/) {
   if (Implement(idle_stops, path) != -1) std::abort();
+}
+
+void RunOften(const std::string& path, int size) {
+  for (int i = 0; i < size; ++i) RunScript(path, 1);
+}
+
+// As a JTAG script is: once to find that it is none for the pins, once more to read it.
+void ReadTwiceOften(const std::string& path, int size) {
+  char text[4096];
+  for (int i = 0; i < 2 * size; ++i) {
+    const int file = open(path.c_str(), O_RDONLY);
+    if (read(file, text, sizeof text) < 0) std::abort();
+    close(file);
+  }
 }
 
 void CallHost(const std::string& /*path*/, int size) {
@@ -114,10 +179,17 @@ const std::vector<Workload>& Workloads() {
       {"gpio", "line", 1, kLineCounts, WriteFlat, RunScript},
       {"gpio, parse and list", "line", 1, kLineCounts, WriteFlat, ParseScript},
       {"gpio, nested REPT", "operation", 4000, {1000}, WriteNested, RunScript},
+      {"gpio, pin reads", "read", 1000, {100}, WriteReads, RunScript},
+      {"gpio, nested blocks", "host call", 1, {1000, 10000}, WriteDeep, RunScript},
+      {"gpio, IDCODE by hand", "line", 81, {1000}, WriteIdcodes, RunScript},
       {"gpio, lines of 1 item", "item", 1, {10000}, WriteOneItemLines, ParseScript},
       {"gpio, lines of 500 items", "item", 500, {100}, WriteLongLines, ParseScript},
       {"jtag", "section", 1, {10, 100, 1000, 10000}, WriteJtag, RunScript},
+      {"jtag, DR of 288 bits", "section", 1, {100}, WriteLongScans, RunScript},
+      {"jtag, names without a pattern", "section", 1, {10000}, WriteFreeNames, RunScript},
+      {"jtag, calls for one section", "call", 1, {1000}, WriteOneScan, RunOften},
       {"limit: bare host call", "call", 1, {100000}, WriteFlat, CallHost},
+      {"limit: two open/read/close", "call", 1, {1000}, WriteOneScan, ReadTwiceOften},
       {"limit: std::getline", "line", 1, {100000}, WriteFlat, GetLines},
       {"limit: memchr", "line", 1, {100000}, WriteFlat, FindLineEnds},
   };
