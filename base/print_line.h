@@ -2,31 +2,43 @@
 #ifndef ICESCRIPT_BASE_PRINT_LINE_H_
 #define ICESCRIPT_BASE_PRINT_LINE_H_
 
-#include <algorithm>
 #include <charconv>
+#include <cstdint>
+#include <iterator>
 #include <string_view>
+#include <system_error>
 
 #include "base/text.h"
 
 namespace icescript {
 
-// Takes PRINT_LINE_BUFFER - 1 bytes; what comes after them is cut.
+// Takes PRINT_LINE_BUFFER - 1 bytes; a piece that does not fit is left out.
 class PrintLine {
  public:
   PrintLine& operator<<(std::string_view piece) {
-    size_ += piece.copy(text_ + size_, sizeof text_ - 1 - size_);
+    if (piece.size() < sizeof text_ - size_) size_ += piece.copy(text_ + size_, piece.size());
     return *this;
   }
 
-  PrintLine& operator<<(int number) { return Number(number, 0); }
+  // In decimal.
+  PrintLine& operator<<(int number) {
+    const auto [end, error] = std::to_chars(text_ + size_, std::end(text_) - 1, number);
+    if (error == std::errc()) size_ = static_cast<std::size_t>(end - text_);
+    return *this;
+  }
 
-  // In decimal, with spaces on the left up to `width`, which is at most 3.
-  PrintLine& Number(int number, std::size_t width) {
-    char digits[16];
-    const char* const end = std::to_chars(digits, digits + sizeof digits, number).ptr;
-    const auto count = static_cast<std::size_t>(end - digits);
-    *this << std::string_view("   ", width - std::min(width, count));
-    return *this << std::string_view(digits, count);
+  // The same, at least three characters wide.
+  PrintLine& Aligned(int number) {
+    if (number > -10 && number < 100) *this << " ";
+    if (number >= 0 && number < 10) *this << " ";
+    return *this << number;
+  }
+
+  // In hexadecimal, eight digits.
+  PrintLine& Hex(std::uint32_t number) {
+    char digits[8];
+    for (char* at = std::end(digits); at != digits; number >>= 4) *--at = HexDigit(number & 0xF);
+    return *this << std::string_view(digits, sizeof digits);
   }
 
   // Valid until the line changes.

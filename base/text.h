@@ -2,6 +2,7 @@
 #ifndef ICESCRIPT_BASE_TEXT_H_
 #define ICESCRIPT_BASE_TEXT_H_
 
+#include <cstdint>
 #include <string_view>
 
 namespace icescript {
@@ -34,6 +35,11 @@ inline std::string_view TrimBlanks(std::string_view text) {
 // 'a' to 'z' folded to upper case, any other byte as it is; no locale.
 inline char UpperCase(char ch) {
   return ch >= 'a' && ch <= 'z' ? static_cast<char>(ch - 'a' + 'A') : ch;
+}
+
+// The digit of a number below 16, in lower case.
+inline char HexDigit(std::uint32_t number) {
+  return "0123456789abcdef"[number];
 }
 
 // Whether `text`, folded to upper case, is `upper`.

@@ -1,8 +1,6 @@
 #include "gpio/gpio_loop.h"
 
-#include <cstdio>
-
-#include "base/text.h"
+#include "base/print_line.h"
 
 namespace icescript {
 namespace {
@@ -12,13 +10,13 @@ std::uint32_t gpio_read_counter = 0;
 
 void ReportRead(PrintCallback print, std::uint32_t data) {
   const int number = static_cast<int>(gpio_read_counter++);
-  char line[PRINT_LINE_BUFFER];
+  PrintLine line;
   if (data != 0) {
-    std::snprintf(line, sizeof line, "GPIO_DATA_%d = 0x%08x\n", number, data);
+    (line << "GPIO_DATA_" << number << " = 0x").Hex(data) << "\n";
   } else {
-    std::snprintf(line, sizeof line, "error: Get GPIO_DATA_%d fail.", number);
+    line << "error: Get GPIO_DATA_" << number << " fail.";
   }
-  print(line);
+  print(line.Text());
 }
 
 // REPT: into the block while runs are left; else past it, its count set again for the next time. A

@@ -52,8 +52,7 @@ void RewriteFor2Wire(JtagOperatorData& scan) {
 }
 
 void PrintByte(PrintCallback print, std::uint8_t byte) {
-  static constexpr char kDigits[] = "0123456789abcdef";
-  const char text[] = {kDigits[byte >> 4], kDigits[byte & 0xF], '\0'};
+  const char text[] = {HexDigit(byte >> 4U), HexDigit(byte & 0xFU), '\0'};
   print(text);
 }
 
@@ -69,7 +68,7 @@ struct Bytes {
 void PrintDump(PrintCallback print, std::string_view reg, int bits, std::string_view direction,
                const Bytes& bytes) {
   PrintLine line;
-  (line << reg).Number(bits, 3) << direction;
+  (line << reg).Aligned(bits) << direction;
   print(line.Text());
   const int last = std::min(bytes.first + bytes.count, bytes.size) - 1;
   for (int i = last; i >= bytes.first; --i) PrintByte(print, bytes.array[i]);
