@@ -27,10 +27,11 @@ int ItemNumber(std::string_view value) {
 }  // namespace
 
 GpioItem::GpioItem(std::string_view text) {
-  const std::size_t equals = text.find('=');
+  FieldCursor parts(text, '=');
+  const std::string_view before = parts.Next();
   // "=x" has no key to cut off: the whole item is the key then.
-  key = TrimBlanks(equals != 0 ? text.substr(0, equals) : text);
-  value = TrimBlanks(equals != std::string_view::npos ? text.substr(equals + 1) : text);
+  key = TrimBlanks(before.empty() ? text : before);
+  value = TrimBlanks(parts.HasNext() ? text.substr(before.size() + 1) : text);
 }
 
 GpioLineParser::Result GpioLineParser::Parse(std::string_view line,

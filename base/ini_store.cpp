@@ -1,7 +1,7 @@
 // The INI store of CIniFile.
 #include <algorithm>
 #include <cstdio>
-#include <cstring>
+#include <string_view>
 #include <utility>
 
 #include "base/ini_file.h"
@@ -12,18 +12,19 @@ namespace {
 // Position of `name` among `names`, or -1. Both up to the first NUL, as C strings compare: a name
 // given through SetValue may hold one. Names are unique, so the newest may come first: values
 // follow each other section by section.
-int FindName(const std::vector<CString>& names, const CString& name) {
-  const char* const wanted = name.Text().c_str();
-  // One byte tells most names apart: the last, since those of a long script tend to be numbered.
-  const std::size_t tell = std::max<std::size_t>(std::strlen(wanted), 1) - 1;
-  std::size_t i = names.size();
-  for (; i > 0; --i) {
-    const std::string& candidate = names[i - 1].Text();
-    const char* const text = candidate.c_str();
-    if (candidate.size() < tell || text[tell] != wanted[tell]) continue;
-    if (std::strcmp(text, wanted) == 0) break;
-  }
-  return static_cast<int>(i) - 1;
+int FindName(const std::vector<CString>& names, std::string_view name) {
+  name = name.substr(0, name.find('\0'));
+  // One byte tells most names apart: the last, since those of a long script tend to be numbered. Of
+  // a name that is too short it is the NUL behind it, so that lengths, which may follow no pattern,
+  // are not branched on.
+  const std::size_t tell = name.empty() ? 0 : name.size() - 1;
+  const char last = name.empty() ? '\0' : name.back();
+  const auto found = std::find_if(names.rbegin(), names.rend(), [=](const CString& candidate) {
+    const std::string& text = candidate.Text();
+    return text[std::min(tell, text.size())] == last && text.compare(0, name.size(), name) == 0 &&
+           text[name.size()] == '\0';
+  });
+  return static_cast<int>(names.rend() - found) - 1;
 }
 
 }  // namespace
@@ -37,7 +38,7 @@ CString CIniFile::GetKeyName(int keyID) const {
 }
 
 int CIniFile::FindKey(CString keyname) const {
-  return FindName(key_names, keyname);
+  return FindName(key_names, keyname.Text());
 }
 
 int CIniFile::GetNumValues(CString keyname) const {
@@ -48,7 +49,7 @@ int CIniFile::GetNumValues(CString keyname) const {
 
 int CIniFile::FindValue(int keyID, CString valuename) const {
   const auto index = static_cast<std::size_t>(keyID);
-  return index < keys.size() ? FindName(keys[index].value_names, valuename) : -1;
+  return index < keys.size() ? FindName(keys[index].value_names, valuename.Text()) : -1;
 }
 
 CString CIniFile::GetValue(CString keyname, CString valuename) {
@@ -61,16 +62,18 @@ CString CIniFile::GetValue(CString keyname, CString valuename) {
 }
 
 CString CIniFile::GetValue(int keyID, CString valuename) {
-  const int valueID = FindValue(keyID, std::move(valuename));
+  const auto index = static_cast<std::size_t>(keyID);
+  const int valueID =
+      index < keys.size() ? FindName(keys[index].value_names, valuename.Text()) : -1;
   if (valueID == -1) {
     std::snprintf(error_msg, sizeof error_msg, "Unable to locate specified value.");
     return {};
   }
-  return keys[static_cast<std::size_t>(keyID)].values.at(static_cast<std::size_t>(valueID));
+  return keys[index].values.at(static_cast<std::size_t>(valueID));
 }
 
 bool CIniFile::SetValue(CString keyname, CString valuename, CString value, bool create) {
-  int keyID = FindName(key_names, keyname);
+  int keyID = FindName(key_names, keyname.Text());
   if (keyID == -1) {
     if (!create) return false;
     key_names.push_back(std::move(keyname));
@@ -80,7 +83,7 @@ bool CIniFile::SetValue(CString keyname, CString valuename, CString value, bool 
     keyID = GetNumKeys() - 1;
   }
   key& section = keys.at(static_cast<std::size_t>(keyID));
-  const int valueID = FindName(section.value_names, valuename);
+  const int valueID = FindName(section.value_names, valuename.Text());
   if (valueID != -1) {
     section.values.at(static_cast<std::size_t>(valueID)) = std::move(value);
     return true;

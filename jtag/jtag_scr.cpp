@@ -68,9 +68,10 @@ int JtagScr::ParseScr(char* path) {
   }
   int status = 0;
   const int sections = ini.GetNumKeys();
+  const int control = ini.FindKey("CONTROL");  // the one section of this name
   for (int i = 0; i < sections; ++i) {
     JtagOperatorData* record = nullptr;
-    if (ini.GetKeyName(i) == "CONTROL") {
+    if (i == control) {
       record = ParsingControl(ini, i);
     } else {
       CString ir = ini.GetValue(i, "IR");
