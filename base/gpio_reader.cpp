@@ -1,7 +1,6 @@
 // The GPIO script reader of CIniFile.
 #include <cstdint>
 #include <cstdio>
-#include <fstream>
 #include <string_view>
 
 #include "base/gpio_line_parser.h"
@@ -20,13 +19,13 @@ bool IsSectionTag(std::string_view line) {
 // Walks the lines of a file that are not blank.
 class LineCursor {
  public:
-  explicit LineCursor(std::istream& is) : is_(is) {}
+  explicit LineCursor(LineReader& lines) : lines_(lines) {}
 
   // Goes to the next line that is not blank; false when the file has no more.
   bool Next() {
     do {
-      text_ = TrimBlanks(ReadLine(is_, buffer_));
-      if (!is_) return false;
+      if (!lines_.Next()) return false;
+      text_ = TrimBlanks(lines_.Text());
       ++number_;
     } while (text_.empty());
     return true;
@@ -37,17 +36,16 @@ class LineCursor {
   int Number() const { return static_cast<int>(number_); }
 
  private:
-  std::istream& is_;
-  char buffer_[INI_LINE_BUFFER] = "";
-  std::string_view text_;     // in buffer_
+  LineReader& lines_;
+  std::string_view text_;
   std::uint32_t number_ = 0;  // unsigned: a file may have more lines than an int counts
 };
 
 }  // namespace
 
 int CIniFile::ReadGpioFile() {
-  std::ifstream file;
-  if (!Open(file)) return GPIO_READ_OPEN_FAILED;
+  LineReader file(path.Text());
+  if (!IsReadable(file)) return GPIO_READ_OPEN_FAILED;
   const auto fail = [this](const char* message) {
     std::snprintf(error_msg, sizeof error_msg, "%s", message);
     return GPIO_READ_SYNTAX_ERROR;

@@ -11,6 +11,8 @@
 
 namespace icescript {
 
+class LineReader;
+
 constexpr int ERROR_MSG_SIZE = 1024;
 // Capacity of the line reader, the terminating NUL included.
 constexpr int INI_LINE_BUFFER = 2048;
@@ -130,8 +132,8 @@ class CIniFile {
     std::vector<CString> value_names;
   };
 
-  // Opens the file at `path`; false, with a message, when it cannot be opened.
-  bool Open(std::ifstream& file);
+  // Whether the file at `path` could be opened; leaves a message when it could not.
+  bool IsReadable(const LineReader& lines);
   int RefuseGpioValue(const char* message);
 
   CString path;

@@ -1,41 +1,95 @@
 #include "base/line_reader.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <fstream>
 #include <memory>
 
 #include "base/field_cursor.h"
 #include "base/text.h"
 
 namespace icescript {
+namespace {
 
-std::string_view ReadLine(std::istream& is, char (&buffer)[INI_LINE_BUFFER]) {
-  is.getline(buffer, INI_LINE_BUFFER);  // always terminates the buffer, also where it fails
-  return TrimRight({buffer, std::strcspn(buffer, "#")}, ' ');
+// What a line says: up to its comment, without trailing spaces.
+std::string_view TextOf(std::string_view line) {
+  return TrimRight(line.substr(0, line.find('#')), ' ');
+}
+
+// A NUL ends the text of a line as a "#" does. Made one, it needs no search of its own.
+void CommentNuls(char* at, const char* end) {
+  while (at < end) {
+    at = static_cast<char*>(std::memchr(at, '\0', static_cast<std::size_t>(end - at)));
+    if (at == nullptr) return;
+    *at++ = '#';
+  }
+}
+
+}  // namespace
+
+LineReader::LineReader(const std::string& path) : file_(open(path.c_str(), O_RDONLY | O_CLOEXEC)) {}
+
+LineReader::~LineReader() {
+  if (IsOpen()) close(file_);
+}
+
+bool LineReader::Next() {
+  std::size_t size = rest_.find('\n');
+  if (size == std::string_view::npos) size = ReadOn();
+  if (rest_.empty() || size >= INI_LINE_BUFFER) return false;
+  text_ = TextOf({rest_.data(), size});
+  rest_.remove_prefix(std::min(size + 1, rest_.size()));
+  return true;
+}
+
+// Reads on until the line is whole or too long, and returns its length.
+std::size_t LineReader::ReadOn() {
+  while (rest_.size() < INI_LINE_BUFFER && !ended_) {
+    FillBlock();
+    const std::size_t size = rest_.find('\n');
+    if (size != std::string_view::npos) return size;
+  }
+  return rest_.size();  // the last line may lack its line feed
+}
+
+// Moves what is left to the start of the block and reads on behind it.
+void LineReader::FillBlock() {
+  std::memmove(block_, rest_.data(), rest_.size());
+  char* const end = block_ + rest_.size();
+  ssize_t count = 0;
+  do {
+    count = read(file_, end, sizeof block_ - rest_.size());
+  } while (count < 0 && errno == EINTR);
+  ended_ = count <= 0;
+  rest_ = {block_, count < 0 ? 0 : rest_.size() + static_cast<std::size_t>(count)};
+  CommentNuls(end, rest_.end());
 }
 
 std::istream& CIniFile::getline(std::istream& is, CString& str) {
   char buffer[INI_LINE_BUFFER];
-  str = std::string(ReadLine(is, buffer));
+  is.getline(buffer, INI_LINE_BUFFER);  // always terminates the buffer, also where it fails
+  str = std::string(TextOf(buffer));
   return is;
 }
 
 CString* CIniFile::SplitString(CString str, char separator, int& count) {
   const std::string& text = str.Text();
-  count = static_cast<int>(std::count(text.begin(), text.end(), separator)) + 1;
-  if (count == 1) return nullptr;
+  const auto size = static_cast<std::size_t>(std::count(text.begin(), text.end(), separator)) + 1;
+  count = static_cast<int>(size);
+  if (size == 1) return nullptr;
 
-  auto fields = std::make_unique<CString[]>(static_cast<std::size_t>(count));
+  auto fields = std::make_unique<CString[]>(size);
   FieldCursor cursor(text, separator);
-  std::generate_n(fields.get(), count, [&cursor] { return CString(cursor.Next()); });
+  std::generate_n(fields.get(), size, [&cursor] { return CString(cursor.Next()); });
   return fields.release();
 }
 
-bool CIniFile::Open(std::ifstream& file) {
-  file.open(path.Text());
-  if (file) return true;
+bool CIniFile::IsReadable(const LineReader& lines) {
+  if (lines.IsOpen()) return true;
   std::snprintf(error_msg, sizeof error_msg, "Unable to open Script file: %s.\n",
                 path.Text().c_str());
   return false;
