@@ -13,7 +13,6 @@ namespace {
 // given through SetValue may hold one. Names are unique, so the newest may come first: values
 // follow each other section by section.
 int FindName(const std::vector<CString>& names, std::string_view name) {
-  name = name.substr(0, name.find('\0'));
   // One byte tells most names apart: the last, since those of a long script tend to be numbered. Of
   // a name that is too short it is the NUL behind it, so that lengths, which may follow no pattern,
   // are not branched on.
@@ -21,8 +20,9 @@ int FindName(const std::vector<CString>& names, std::string_view name) {
   const char last = name.empty() ? '\0' : name.back();
   const auto found = std::find_if(names.rbegin(), names.rend(), [=](const CString& candidate) {
     const std::string& text = candidate.Text();
-    return text[std::min(tell, text.size())] == last && text.compare(0, name.size(), name) == 0 &&
-           text[name.size()] == '\0';
+    return text[std::min(tell, text.size())] == last && text[name.size()] == '\0' &&
+           std::equal(name.rbegin(), name.rend(),
+                      text.rend() - static_cast<std::ptrdiff_t>(name.size()));
   });
   return static_cast<int>(names.rend() - found) - 1;
 }
@@ -38,7 +38,7 @@ CString CIniFile::GetKeyName(int keyID) const {
 }
 
 int CIniFile::FindKey(CString keyname) const {
-  return FindName(key_names, keyname.Text());
+  return FindName(key_names, keyname.Text().c_str());
 }
 
 int CIniFile::GetNumValues(CString keyname) const {
@@ -49,7 +49,7 @@ int CIniFile::GetNumValues(CString keyname) const {
 
 int CIniFile::FindValue(int keyID, CString valuename) const {
   const auto index = static_cast<std::size_t>(keyID);
-  return index < keys.size() ? FindName(keys[index].value_names, valuename.Text()) : -1;
+  return index < keys.size() ? FindName(keys[index].value_names, valuename.Text().c_str()) : -1;
 }
 
 CString CIniFile::GetValue(CString keyname, CString valuename) {
@@ -64,7 +64,7 @@ CString CIniFile::GetValue(CString keyname, CString valuename) {
 CString CIniFile::GetValue(int keyID, CString valuename) {
   const auto index = static_cast<std::size_t>(keyID);
   const int valueID =
-      index < keys.size() ? FindName(keys[index].value_names, valuename.Text()) : -1;
+      index < keys.size() ? FindName(keys[index].value_names, valuename.Text().c_str()) : -1;
   if (valueID == -1) {
     std::snprintf(error_msg, sizeof error_msg, "Unable to locate specified value.");
     return {};
@@ -73,7 +73,7 @@ CString CIniFile::GetValue(int keyID, CString valuename) {
 }
 
 bool CIniFile::SetValue(CString keyname, CString valuename, CString value, bool create) {
-  int keyID = FindName(key_names, keyname.Text());
+  int keyID = FindName(key_names, keyname.Text().c_str());
   if (keyID == -1) {
     if (!create) return false;
     key_names.push_back(std::move(keyname));
@@ -83,7 +83,7 @@ bool CIniFile::SetValue(CString keyname, CString valuename, CString value, bool 
     keyID = GetNumKeys() - 1;
   }
   key& section = keys.at(static_cast<std::size_t>(keyID));
-  const int valueID = FindName(section.value_names, valuename.Text());
+  const int valueID = FindName(section.value_names, valuename.Text().c_str());
   if (valueID != -1) {
     section.values.at(static_cast<std::size_t>(valueID)) = std::move(value);
     return true;
