@@ -23,9 +23,23 @@ bool IsHexPrefix(std::string_view text) {
   return text.size() >= 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X');
 }
 
+// The number of a text that is nothing but digits and no more than fit an int in any case; -1 for
+// any other.
+int PlainNumber(std::string_view text, int base) {
+  if (text.empty() || text.size() > 7) return -1;
+  int number = 0;
+  for (const char ch : text) {
+    const int digit = DigitOf(ch);
+    if (digit >= base) return -1;
+    number = number * base + digit;
+  }
+  return number;
+}
+
 }  // namespace
 
 int ParseNumber(std::string_view text, int base) {
+  if (const int plain = PlainNumber(text, base); plain >= 0) return plain;  // as a rule
   while (!text.empty() && IsSpace(text.front())) text.remove_prefix(1);
   const bool negative = !text.empty() && text.front() == '-';
   if (negative || (!text.empty() && text.front() == '+')) text.remove_prefix(1);
