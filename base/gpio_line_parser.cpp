@@ -1,5 +1,7 @@
 #include "base/gpio_line_parser.h"
 
+#include <cstdint>
+
 #include "base/field_cursor.h"
 #include "base/number.h"
 #include "base/text.h"
@@ -8,16 +10,14 @@
 namespace icescript {
 namespace {
 
-struct Pin {
-  std::string_view name;
-  int bit;
-};
-
-// In the order in which they are looked for, the busiest first.
-constexpr Pin kPins[] = {
-    {"TCK", GPIO_PIN_TCK}, {"TMS", GPIO_PIN_TMS},   {"TDI", GPIO_PIN_TDI},
-    {"TDO", GPIO_PIN_TDO}, {"NRST", GPIO_PIN_NRST}, {"TRST", GPIO_PIN_TRST},
-};
+// A word of up to eight characters, folded to upper case, as one number, so that a switch can tell
+// words apart; 0 for a longer one. No line holds the NUL that could make two words one.
+constexpr std::uint64_t Word(std::string_view text) {
+  std::uint64_t word = 0;
+  if (text.size() > sizeof word) return word;
+  for (const char ch : text) word = word << 8U | static_cast<unsigned char>(UpperCase(ch));
+  return word;
+}
 
 // Base 16 after "0x", base 10 otherwise; "0X" starts no hexadecimal number.
 int ItemNumber(std::string_view value) {
@@ -48,13 +48,35 @@ GpioLineParser::Result GpioLineParser::Parse(std::string_view line,
 
 GpioLineParser::Result GpioLineParser::Apply(const GpioItem& item) {
   if (!item.value.empty()) number_ = ItemNumber(item.value);
-  for (const Pin& pin : kPins) {
-    if (EqualsUpper(item.key, pin.name)) return SetPin(pin.bit);
+  switch (Word(item.key)) {
+    case Word("NRST"):
+      return SetPin(GPIO_PIN_NRST);
+    case Word("TRST"):
+      return SetPin(GPIO_PIN_TRST);
+    case Word("TCK"):
+      return SetPin(GPIO_PIN_TCK);
+    case Word("TMS"):
+      return SetPin(GPIO_PIN_TMS);
+    case Word("TDI"):
+      return SetPin(GPIO_PIN_TDI);
+    case Word("TDO"):
+      return SetPin(GPIO_PIN_TDO);
+    case Word("GPIO_OUT"):
+      return SetWord(element_.out_value, GPIO_FLAG_WRITE_OUT);
+    case Word("GPIO_OE"):
+      return SetWord(element_.oe_mask, GPIO_FLAG_WRITE_OE);
+    case Word("PRINT"):
+      return SetPrint(item.value);
+    case Word("REPT"):
+      return number_ >= 1 ? SetBlock(GPIO_KIND_REPT, number_) : Result::kSyntaxError;
+    case Word("ENDR"):
+      return SetBlock(GPIO_KIND_ENDR, 0);
+    case Word("END"):
+      element_.flags |= GPIO_FLAG_END;
+      return Result::kEnd;
+    default:
+      return Result::kSyntaxError;
   }
-  if (EqualsUpper(item.key, "GPIO_OUT")) return SetWord(element_.out_value, GPIO_FLAG_WRITE_OUT);
-  if (EqualsUpper(item.key, "GPIO_OE")) return SetWord(element_.oe_mask, GPIO_FLAG_WRITE_OE);
-  if (EqualsUpper(item.key, "PRINT")) return SetPrint(item.value);
-  return ApplyDirective(item);
 }
 
 GpioLineParser::Result GpioLineParser::SetPin(int bit) {
@@ -83,21 +105,11 @@ GpioLineParser::Result GpioLineParser::SetPrint(std::string_view what) {
   return Result::kLine;
 }
 
-GpioLineParser::Result GpioLineParser::ApplyDirective(const GpioItem& item) {
-  if (EqualsUpper(item.key, "END")) {
-    element_.flags |= GPIO_FLAG_END;
-    return Result::kEnd;
-  }
-  if (alone_ && EqualsUpper(item.key, "REPT") && number_ >= 1) {
-    element_.kind = GPIO_KIND_REPT;
-    element_.repeat_count = number_;
-    return Result::kLine;
-  }
-  if (alone_ && EqualsUpper(item.key, "ENDR")) {
-    element_.kind = GPIO_KIND_ENDR;
-    return Result::kLine;
-  }
-  return Result::kSyntaxError;
+GpioLineParser::Result GpioLineParser::SetBlock(int kind, int repeat_count) {
+  if (!alone_) return Result::kSyntaxError;
+  element_.kind = kind;
+  element_.repeat_count = repeat_count;
+  return Result::kLine;
 }
 
 }  // namespace icescript

@@ -35,7 +35,7 @@ class GpioLineParser {
   Result SetPin(int bit);
   Result SetWord(int& word, int flag);
   Result SetPrint(std::string_view what);
-  Result ApplyDirective(const GpioItem& item);
+  Result SetBlock(int kind, int repeat_count);
 
   CIniFile::gpio_element element_{};
   bool alone_ = false;  // the line has one item

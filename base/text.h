@@ -33,7 +33,7 @@ inline std::string_view TrimBlanks(std::string_view text) {
 }
 
 // 'a' to 'z' folded to upper case, any other byte as it is; no locale.
-inline char UpperCase(char ch) {
+constexpr char UpperCase(char ch) {
   return ch >= 'a' && ch <= 'z' ? static_cast<char>(ch - 'a' + 'A') : ch;
 }
 
