@@ -210,7 +210,7 @@ TEST(JtagScript, ReportsWhatItDoesNotUnderstand) {
   } kCases[] = {
       {"[EMPTY]\n[S]", ok},
       {"[CONTROL]\nRESET=0\nCDI=2", reset + ok},
-      {"[CONTROL]\nRESET=\nCDI= 2x", two_wire + ok},
+      {"[CONTROL]\nRESET=\nCDI= 2a", two_wire + ok},
       {"[CONTROL]\nCDI=2\n[CONTROL]\nRESET=1", reset + ok},
       {"[CONTROL]\nCDI=3", syntax("CONTROL")},
       {"[CONTROL]\nCDI=five\n", syntax("CONTROL")},
