@@ -31,6 +31,7 @@ void CommentNuls(char* at, const char* end) {
 
 }  // namespace
 
+// cppcheck-suppress uninitMemberVar ; nothing of the block is read before it is filled
 LineReader::LineReader(const std::string& path) : file_(open(path.c_str(), O_RDONLY | O_CLOEXEC)) {}
 
 LineReader::~LineReader() {
@@ -58,7 +59,7 @@ std::size_t LineReader::ReadOn() {
 
 // Moves what is left to the start of the block and reads on behind it.
 void LineReader::FillBlock() {
-  std::memmove(block_, rest_.data(), rest_.size());
+  if (!rest_.empty()) std::memmove(block_, rest_.data(), rest_.size());
   char* const end = block_ + rest_.size();
   ssize_t count = 0;
   do {

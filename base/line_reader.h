@@ -33,7 +33,7 @@ class LineReader {
   int file_;
   bool ended_ = false;  // nothing more can be read
   char block_[8 * INI_LINE_BUFFER];
-  std::string_view rest_{block_, 0};  // what is still to be taken of the block
+  std::string_view rest_;  // what is still to be taken of the block
   std::string_view text_;
 };
 

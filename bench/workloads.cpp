@@ -5,11 +5,11 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <random>
 #include <stdexcept>
 
 #include "bench/idle_host.h"
@@ -94,11 +94,15 @@ void WriteLongScans(std::ostream& script, int size) {
 
 // Names of 4 to 11 letters that have neither length nor ends in common.
 void WriteFreeNames(std::ostream& script, int size) {
-  std::minstd_rand random;
+  std::uint32_t seed = 1;
+  const auto below = [&seed](std::uint32_t limit) {
+    seed = seed * 1664525 + 1013904223;
+    return (seed >> 16) % limit;
+  };
   for (int i = 0; i < size; ++i) {
-    std::string name(3 + random() % 8, ' ');
-    for (char& ch : name) ch = static_cast<char>('a' + random() % 26);
-    script << '[' << name << static_cast<char>('A' + random() % 26) << kScan;
+    std::string name(4 + below(8), ' ');
+    for (char& ch : name) ch = static_cast<char>('a' + below(26));
+    script << '[' << name << kScan;
   }
 }
 

@@ -90,6 +90,7 @@ TEST(GpioScript, RefusesWhatItCannotRun) {
       {"\n\n TCK=2 \nEND", "Syntax error in line5 : TCK=2"},
       {"TCK=\nEND", "Syntax error in line3 : TCK="},
       {"=1\nEND", "Syntax error in line3 : =1"},
+      {"1GPIO_OUT=1\nEND", "Syntax error in line3 : 1GPIO_OUT=1"},
       {";\nEND", "Syntax error in line3 : ;"},
       {"\tEND", "Syntax error in line3 : \\tEND"},
       {"START\nEND", "Syntax error in line3 : START"},
