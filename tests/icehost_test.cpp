@@ -7,9 +7,11 @@
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
+#include <string_view>
 #include <thread>
 
 #include "host/system/errors.h"
+#include "host/system/printable.h"
 #include "host/system/socket.h"
 
 namespace {
@@ -132,6 +134,27 @@ TEST(Icehost, SaysWhatIsWrong) {
     EXPECT_EQ(outcome.status, fault.status) << fault.arguments;
     EXPECT_EQ(outcome.output, fault.message) << fault.arguments;
   }
+}
+
+// Nothing that a terminal obeys passes, and each character keeps its column.
+TEST(Icehost, PrintsNoControls) {
+  const struct {
+    std::string_view text;
+    const char* printable;
+  } kTexts[] = {
+      {std::string_view("a\0b\t\x1b[2J\x7f\r~", 11), "a b\t [2J  ~"},
+      {"\xc3\xa9\xe2\x82\xac\xf0\x9f\x94\xa7", "\xc3\xa9\xe2\x82\xac\xf0\x9f\x94\xa7"},
+      {"\xc2\x80\xc2\x9b\xc2\x9f\xc2\xa0", "   \xc2\xa0"},  // C1, a no-break space
+      {"\x80\x9b\xbf\xc3(\xc3",
+       "???"
+       "?(?"},                                                           // stray, cut short
+      {"\xc0\x9b\xe0\x82\x9b\xf0\x80\x82\x9b", "?????????"},             // overlong
+      {"\xed\xa0\x80\xf4\x90\x80\x80\xff", "????????"},                  // beyond Unicode
+      {"\xef\xbf\xbf\xf4\x8f\xbf\xbf", "\xef\xbf\xbf\xf4\x8f\xbf\xbf"},  // its ends
+      {"\xe2\x80\xa7\xe2\x80\xa8\xe2\x80\xae\xe2\x80\xaf", "\xe2\x80\xa7  \xe2\x80\xaf"},
+      {"\xe2\x81\xa5\xe2\x81\xa6\xe2\x81\xa9\xe2\x81\xaa", "\xe2\x81\xa5  \xe2\x81\xaa"},
+  };
+  for (const auto& text : kTexts) EXPECT_EQ(icehost::Printable(text.text), text.printable);
 }
 
 // A server on the loopback address that sends `answer` to its first client, once that has asked.
