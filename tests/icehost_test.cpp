@@ -67,6 +67,10 @@ TEST(Icehost, RunsAsGolden) {
       {"check -q tests/scripts/bad.gpio tests/scripts/no_start.gpio - <tests/scripts/no_end.gpio "
        "2>&1",
        1, "check_errors_only"},
+      {"check tests/golden/empty.txt tests/scripts/marked.gpio tests/scripts/near.gpio 2>&1", 1,
+       "check_heads"},
+      {"check tests/scripts/nested.gpio tests/scripts/cut.gpio 2>&1", 1, "check_blocks_cut"},
+      {"check - 2>&1 <<END\n[ZEVA_ICE_GPIO]\nSTART\nP\nEND", 1, "check_unfinished"},
       {"check examples/* tests/scripts/long_scans.ini 2>&1", 0, "check_examples"},
   };
   const bool update = std::getenv("ICESCRIPT_UPDATE_GOLDEN") != nullptr;
@@ -125,6 +129,7 @@ TEST(Icehost, SaysWhatIsWrong) {
       {"run /nowhere", 1, "icehost: /nowhere: No such file or directory\n"},
       {"check /tmp", 1, "icehost: /tmp: is a directory\n"},
       {"check " ICESCRIPT_ICEHOST, 1, "icehost: " ICESCRIPT_ICEHOST ": is binary, not a script\n"},
+      {"check /nowhere/$(printf '\\033x')", 1, "icehost: /nowhere/ x: No such file or directory\n"},
       {"run -q - < tests/golden/empty.txt", 1, "icehost: - failed: Syntax error, no end found\n"},
   };
   for (const auto& fault : kFaults) {
@@ -155,6 +160,26 @@ TEST(Icehost, PrintsNoControls) {
       {"\xe2\x81\xa5\xe2\x81\xa6\xe2\x81\xa9\xe2\x81\xaa", "\xe2\x81\xa5  \xe2\x81\xaa"},
   };
   for (const auto& text : kTexts) EXPECT_EQ(icehost::Printable(text.text), text.printable);
+}
+
+TEST(Icehost, ChecksInColourOnATerminal) {
+  const std::string plain =
+      "tests/scripts/no_start.gpio:3:1: error: Syntax error: no start found.\r\nBEGIN\r\n^\r\n";
+  const struct {
+    const char* no_color;
+    std::string output;
+  } kChecks[] = {
+      {"",
+       "tests/scripts/no_start.gpio:3:1: \x1b[1m\x1b[31merror:\x1b[0m Syntax error: no start "
+       "found.\r\nBEGIN\r\n\x1b[1m\x1b[32m^\x1b[0m\r\n"},
+      {"1", plain},
+  };
+  for (const auto& check : kChecks) {
+    const std::string arguments = std::string("--version >/dev/null; NO_COLOR=") + check.no_color +
+                                  " script -qec '" ICESCRIPT_ICEHOST
+                                  " check tests/scripts/no_start.gpio' /dev/null";
+    EXPECT_EQ(RunIcehost(arguments).output, check.output);
+  }
 }
 
 // A server on the loopback address that sends `answer` to its first client, once that has asked.
