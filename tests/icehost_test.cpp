@@ -69,7 +69,8 @@ TEST(Icehost, RunsAsGolden) {
        1, "check_errors_only"},
       {"check tests/golden/empty.txt tests/scripts/marked.gpio tests/scripts/near.gpio 2>&1", 1,
        "check_heads"},
-      {"check tests/scripts/nested.gpio tests/scripts/cut.gpio 2>&1", 1, "check_blocks_cut"},
+      {"check tests/scripts/nested.gpio tests/scripts/cut.gpio tests/scripts/cut.ini 2>&1", 1,
+       "check_blocks_cut"},
       {"check - 2>&1 <<END\n[ZEVA_ICE_GPIO]\nSTART\nP\nEND", 1, "check_unfinished"},
       {"check examples/* tests/scripts/long_scans.ini 2>&1", 0, "check_examples"},
   };

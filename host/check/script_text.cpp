@@ -64,14 +64,26 @@ std::string_view TextOf(std::string_view raw) {
   return icescript::TrimBlanks(icescript::TrimRight(cut, ' '));
 }
 
+// Whether the reader of JTAG scripts does not refuse the line.
+bool IsIniLine(const ScriptLine& line) {
+  return line.IsHeader() || line.text.find('=') != std::string_view::npos;
+}
+
+// A GPIO script begins like a header, and a line or two may be wrong in any script.
 bool IsBinary(std::string_view content) {
   if (content.find('\0') == std::string_view::npos) return false;
+  std::size_t lines = 0;
+  std::size_t refused = 0;
   for (ScriptText::Iterator at(content, 0, 1); at.At() < content.size(); ++at) {
     const ScriptLine line = *at;
-    if (IsTooLong(line.raw)) return true;
-    if (!line.Blank()) return !line.IsHeader() && line.text.find('=') == std::string_view::npos;
+    const bool too_long = IsTooLong(line.raw);
+    if (line.Blank() && !too_long) continue;
+    if (lines == 0 && !too_long && line.IsHeader()) return false;
+    ++lines;
+    if (too_long || !IsIniLine(line)) ++refused;
+    if (too_long) break;
   }
-  return false;
+  return 2 * refused > lines;
 }
 
 }  // namespace

@@ -35,8 +35,8 @@ struct ScriptLine {
 };
 
 // The whole of `path`, "-" being standard input. Throws IoError that says why not: it does not
-// exist, is a directory, or is binary: it holds a NUL, and its first line with text is neither a
-// section header nor KEY=VALUE, or too long for the plug-in. Throws Interrupted.
+// exist, is a directory, or is binary: it holds a NUL, does not begin with a section header, and
+// the plug-in refuses more than half of its lines. Throws Interrupted.
 std::string ReadScript(const std::string& path);
 
 // The lines that the plug-in reads: up to the first that is too long for it. They are made anew
