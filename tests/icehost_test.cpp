@@ -71,7 +71,8 @@ TEST(Icehost, RunsAsGolden) {
        "check_heads"},
       {"check tests/scripts/nested.gpio tests/scripts/cut.gpio tests/scripts/cut.ini 2>&1", 1,
        "check_blocks_cut"},
-      {"check - 2>&1 <<END\n[ZEVA_ICE_GPIO]\nSTART\nP\nEND", 1, "check_unfinished"},
+      {"check - 2>&1 <<END\n[ZEVA_ICE_GPIO]\nSTART\nREPT=2\nPRINT=GPIO_IN\nENDR,\nP\nEND", 1,
+       "check_unfinished"},
       {"check examples/* tests/scripts/long_scans.ini 2>&1", 0, "check_examples"},
   };
   const bool update = std::getenv("ICESCRIPT_UPDATE_GOLDEN") != nullptr;
@@ -130,6 +131,8 @@ TEST(Icehost, SaysWhatIsWrong) {
       {"run /nowhere", 1, "icehost: /nowhere: No such file or directory\n"},
       {"check /tmp", 1, "icehost: /tmp: is a directory\n"},
       {"check " ICESCRIPT_ICEHOST, 1, "icehost: " ICESCRIPT_ICEHOST ": is binary, not a script\n"},
+      {"check tests/scripts/noise.bin", 1,
+       "icehost: tests/scripts/noise.bin: is binary, not a script\n"},
       {"check /nowhere/$(printf '\\033x')", 1, "icehost: /nowhere/ x: No such file or directory\n"},
       {"run -q - < tests/golden/empty.txt", 1, "icehost: - failed: Syntax error, no end found\n"},
   };
