@@ -102,8 +102,8 @@ void BeOpenocdClient(std::string_view bytes) {
 void CheckScript(std::string_view bytes) {
   const icehost::ScriptText script("script", std::string(bytes));
   std::ostringstream report;
-  const icehost::Problems problems = icehost::Check(script);
-  problems.Write(report, "script", false);
+  icehost::Problems problems = icehost::Check(script);
+  problems.Write(report, script, {});
   Check(!problems.HasErrors() || report.str().find(": error: ") != std::string::npos,
         "errors are reported");
 }

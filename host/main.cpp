@@ -1,9 +1,7 @@
 // icehost: runs and checks scripts without a debug server.
 #include <exception>
-#include <iostream>
 
-#include "host/check/check.h"
-#include "host/check/script_text.h"
+#include "host/check_verb.h"
 #include "host/command_line.h"
 #include "host/reporter.h"
 #include "host/run.h"
@@ -20,20 +18,7 @@ ExitStatus Execute(const RunCommand& command) {
 }
 
 ExitStatus Execute(const CheckCommand& command) {
-  ExitStatus status = kAllWell;
-  for (const std::string& path : command.scripts) {
-    try {
-      const std::string name = path == "-" ? "<stdin>" : path;
-      const ScriptText script(name, ReadScript(path, command.size_limit));
-      const Problems problems = Check(script);
-      problems.Write(std::cerr, name, command.quiet);
-      if (problems.HasErrors()) status = kScriptFailed;
-    } catch (const IoError& error) {
-      Complain(error.what());
-      status = kScriptFailed;
-    }
-  }
-  return status;
+  return CheckScripts(command);
 }
 
 ExitStatus Execute(const ServeCommand& command) {

@@ -21,10 +21,10 @@ namespace {
 std::string PrintableLines(std::string_view text) {
   std::string shown;
   for (std::size_t end = 0; (end = text.find('\n')) != std::string_view::npos;) {
-    shown += Printable(std::string(text.substr(0, end))) + '\n';
+    shown += Printable(text.substr(0, end)) + '\n';
     text.remove_prefix(end + 1);
   }
-  return shown + Printable(std::string(text));
+  return shown + Printable(text);
 }
 
 }  // namespace

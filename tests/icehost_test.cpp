@@ -8,7 +8,10 @@
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
+#include <string_view>
 #include <thread>
+
+#include "host/system/printable.h"
 
 namespace {
 
@@ -65,6 +68,12 @@ TEST(Icehost, RunsAsGolden) {
       {"check -q tests/scripts/bad.gpio tests/scripts/no_start.gpio - <tests/scripts/no_end.gpio "
        "2>&1",
        1, "check_errors_only"},
+      {"check tests/golden/empty.txt tests/scripts/marked.gpio tests/scripts/near.gpio 2>&1", 1,
+       "check_heads"},
+      {"check tests/scripts/nested.gpio tests/scripts/cut.gpio tests/scripts/cut.ini 2>&1", 1,
+       "check_blocks_cut"},
+      {"check - 2>&1 <<END\n[ZEVA_ICE_GPIO]\nSTART\nREPT=2\nPRINT=GPIO_IN\nENDR,\nP\nEND", 1,
+       "check_unfinished"},
       {"check examples/* tests/scripts/long_scans.ini 2>&1", 0, "check_examples"},
   };
   const bool update = std::getenv("ICESCRIPT_UPDATE_GOLDEN") != nullptr;
@@ -133,6 +142,9 @@ TEST(Icehost, SaysWhatIsWrong) {
       {"run /nowhere", 1, "icehost: /nowhere: No such file or directory\n"},
       {"check /tmp", 1, "icehost: /tmp: is a directory\n"},
       {"check " ICESCRIPT_ICEHOST, 1, "icehost: " ICESCRIPT_ICEHOST ": is binary, not a script\n"},
+      {"check tests/scripts/noise.bin", 1,
+       "icehost: tests/scripts/noise.bin: is binary, not a script\n"},
+      {"check /nowhere/$(printf '\\033x')", 1, "icehost: /nowhere/ x: No such file or directory\n"},
       {"run -q - < tests/golden/empty.txt", 1, "icehost: - failed: Syntax error, no end found\n"},
   };
   for (const auto& fault : kFaults) {
@@ -141,6 +153,48 @@ TEST(Icehost, SaysWhatIsWrong) {
     const Outcome outcome = RunIcehost(arguments + (redirected ? "" : " 2>&1 >/dev/null"));
     EXPECT_EQ(outcome.status, fault.status) << fault.arguments;
     EXPECT_EQ(outcome.output, fault.message) << fault.arguments;
+  }
+}
+
+// Nothing that a terminal obeys passes, and each character keeps its column.
+TEST(Icehost, PrintsNoControls) {
+  const struct {
+    std::string_view text;
+    const char* printable;
+  } kTexts[] = {
+      {std::string_view("a\0b\t\x1b[2J\x7f\r~", 11), "a b\t [2J  ~"},
+      {"\xc3\xa9\xe2\x82\xac\xf0\x9f\x94\xa7", "\xc3\xa9\xe2\x82\xac\xf0\x9f\x94\xa7"},
+      {"\xc2\x80\xc2\x9b\xc2\x9f\xc2\xa0", "   \xc2\xa0"},  // C1, a no-break space
+      {"\x80\x9b\xbf\xc3(\xc3",
+       "???"
+       "?(?"},                                                           // stray, cut short
+      {"\xc0\x9b\xe0\x82\x9b\xf0\x80\x82\x9b", "?????????"},             // overlong
+      {"\xed\xa0\x80\xf4\x90\x80\x80\xff", "????????"},                  // beyond Unicode
+      {"\xef\xbf\xbf\xf4\x8f\xbf\xbf", "\xef\xbf\xbf\xf4\x8f\xbf\xbf"},  // its ends
+      {"\xe2\x80\xa7\xe2\x80\xa8\xe2\x80\xae\xe2\x80\xac\xe2\x80\xaf",
+       "\xe2\x80\xa7   \xe2\x80\xaf"},
+      {"\xe2\x81\xa5\xe2\x81\xa6\xe2\x81\xa9\xe2\x81\xaa", "\xe2\x81\xa5  \xe2\x81\xaa"},
+  };
+  for (const auto& text : kTexts) EXPECT_EQ(icehost::Printable(text.text), text.printable);
+}
+
+TEST(Icehost, ChecksInColourOnATerminal) {
+  const std::string plain =
+      "tests/scripts/no_start.gpio:3:1: error: Syntax error: no start found.\r\nBEGIN\r\n^\r\n";
+  const struct {
+    const char* no_color;
+    std::string output;
+  } kChecks[] = {
+      {"",
+       "tests/scripts/no_start.gpio:3:1: \x1b[1m\x1b[31merror:\x1b[0m Syntax error: no start "
+       "found.\r\nBEGIN\r\n\x1b[1m\x1b[32m^\x1b[0m\r\n"},
+      {"1", plain},
+  };
+  for (const auto& check : kChecks) {
+    const std::string arguments = std::string("--version >/dev/null; NO_COLOR=") + check.no_color +
+                                  " script -qec '" ICESCRIPT_ICEHOST
+                                  " check tests/scripts/no_start.gpio' /dev/null";
+    EXPECT_EQ(RunIcehost(arguments).output, check.output);
   }
 }
 

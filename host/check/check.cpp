@@ -1,33 +1,17 @@
 #include "host/check/check.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <utility>
+#include <vector>
 
 #include "base/ini_file.h"
 #include "base/text.h"
 #include "host/system/memory_file.h"
-#include "host/system/printable.h"
 
 namespace icehost {
 namespace {
-
-// The part of a long line that is shown round the column.
-constexpr int kShownBefore = 60;
-constexpr int kShown = 100;
-
-void WriteSource(std::ostream& stream, const std::string& raw, int column) {
-  const int first = std::max(0, column - 1 - kShownBefore);
-  const std::string shown =
-      Printable(raw.substr(std::min(raw.size(), static_cast<std::size_t>(first)), kShown));
-  std::string before = shown.substr(0, static_cast<std::size_t>(column - 1 - first));
-  // A character of UTF-8 takes one column, however many bytes.
-  before.erase(
-      std::remove_if(before.begin(), before.end(), [](char ch) { return (ch & 0xC0) == 0x80; }),
-      before.end());
-  std::transform(before.begin(), before.end(), before.begin(),
-                 [](char ch) { return ch == '\t' ? '\t' : ' '; });
-  stream << shown << '\n' << before << "^\n";
-}
 
 // Number of single edits that make one text of another.
 std::size_t EditDistance(std::string_view a, std::string_view b) {
@@ -44,10 +28,11 @@ std::size_t EditDistance(std::string_view a, std::string_view b) {
 }
 
 // The letters of a line in upper case: what a lost bracket, a blank or a byte-order mark leaves.
-std::string Letters(const std::string& text) {
+std::string Letters(std::string_view text) {
   std::string letters;
-  for (const char ch : icescript::CString(text).MakeUpper()) {
-    if ((ch >= 'A' && ch <= 'Z') || ch == '_') letters += ch;
+  for (const char ch : text) {
+    const char upper = icescript::UpperCase(ch);
+    if ((upper >= 'A' && upper <= 'Z') || upper == '_') letters += upper;
   }
   return letters;
 }
@@ -56,57 +41,53 @@ std::string Letters(const std::string& text) {
 constexpr std::size_t kNearTag = 2;
 
 void WarnOfNearTag(const ScriptText& script, Problems& problems) {
-  const auto& lines = script.Lines();
-  const auto first = std::find_if_not(lines.begin(), lines.end(),
-                                      [](const ScriptLine& line) { return line.Blank(); });
-  if (first == lines.end() || first->text.size() > 40) return;
-  const bool marked = first->text.compare(0, 3, "\xEF\xBB\xBF") == 0;
-  for (const std::string tag : {"ORVEX_ICE_GPIO", "ZEVA_ICE_GPIO"}) {
-    if (EditDistance(Letters(first->text), tag) > kNearTag) continue;
-    problems.Warn(*first, first->column,
-                  "this is not quite [" + tag + "]: the file is run as a JTAG script" +
-                      (marked ? " (a byte-order mark stands before it)" : ""));
+  const ScriptText::Iterator at = script.WithText(script.begin());
+  const ScriptLine first = *at;
+  if (first.text.size() > 40) return;
+  const bool marked = first.text.substr(0, 3) == "\xEF\xBB\xBF";
+  for (const char* const tag : {"ORVEX_ICE_GPIO", "ZEVA_ICE_GPIO"}) {
+    if (EditDistance(Letters(first.text), tag) > kNearTag) continue;
+    problems.Warn(first.Start(),
+                  fmt::format("this is not quite [{}]: the file is run as a JTAG script{}", tag,
+                              marked ? " (a byte-order mark stands before it)" : ""));
     return;
+  }
+}
+
+// A NUL ends a line for the readers, which pass over what stands behind it.
+void WarnOfCutLines(const ScriptText& script, Problems& problems) {
+  if (script.Content().find('\0') == std::string::npos) return;
+  for (const ScriptLine line : script) {
+    const std::size_t nul = line.raw.find('\0');
+    if (nul >= line.raw.find('#')) continue;
+    const std::string_view passed = line.raw.substr(nul);
+    const std::size_t text = passed.find_first_not_of(std::string_view("\0\r ", 3));
+    if (text == std::string_view::npos || passed[text] == '#') continue;
+    problems.Warn(line.Of(passed), "a NUL cuts the line here: the rest of it is not read");
   }
 }
 
 }  // namespace
 
-bool Problems::HasErrors() const {
-  return std::any_of(found_.begin(), found_.end(),
-                     [](const Problem& problem) { return problem.error; });
-}
-
-void Problems::Write(std::ostream& stream, const std::string& file, bool errors_only) const {
-  std::vector<Problem> sorted = found_;
-  std::stable_sort(sorted.begin(), sorted.end(), [](const Problem& a, const Problem& b) {
-    return std::make_pair(a.line->number, a.column) < std::make_pair(b.line->number, b.column);
-  });
-  for (const Problem& problem : sorted) {
-    if (errors_only && !problem.error) continue;
-    stream << file << ':' << problem.line->number << ':' << problem.column << ": "
-           << (problem.error ? "error: " : "warning: ") << Printable(problem.text) << '\n';
-    WriteSource(stream, problem.line->raw, problem.column);
-  }
+Place CutAt(const ScriptLine& too_long) {
+  return {too_long.number, icescript::INI_LINE_BUFFER};
 }
 
 Problems Check(const ScriptText& script) {
   Problems problems;
+  WarnOfCutLines(script, problems);
   if (IsGpioScript(script)) {
     CheckGpio(script, problems);
   } else {
     WarnOfNearTag(script, problems);
     CheckJtag(script, problems);
   }
-  if (const ScriptLine* const line = script.TooLong()) {
-    problems.Warn(*line, icescript::INI_LINE_BUFFER,
-                  "the line is too long: the plug-in reads neither it nor anything after it");
-  }
   return problems;
 }
 
 bool IsGpioScript(const ScriptText& script) {
-  const MemoryFile file(script.Content());
+  const ScriptText::Iterator first = script.WithText(script.begin());
+  const MemoryFile file(first != script.end() ? first.Raw() : "");
   icescript::CIniFile ini{icescript::CString(file.Path())};
   return ini.ReadGpioFile() != icescript::GPIO_READ_NOT_GPIO;
 }

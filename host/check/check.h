@@ -2,42 +2,12 @@
 #ifndef ICESCRIPT_HOST_CHECK_CHECK_H_
 #define ICESCRIPT_HOST_CHECK_CHECK_H_
 
-#include <ostream>
-#include <string>
-#include <vector>
-
+#include "host/check/problems.h"
 #include "host/check/script_text.h"
 
 namespace icehost {
 
-// One problem. An error makes the plug-in refuse or skip something; a warning is legal and almost
-// never meant.
-struct Problem {
-  const ScriptLine* line;
-  int column;  // from 1
-  bool error;
-  std::string text;
-};
-
-// Collects the problems of one script, which must outlive it.
-class Problems {
- public:
-  void Error(const ScriptLine& line, int column, const std::string& text) {
-    found_.push_back({&line, column, true, text});
-  }
-  void Warn(const ScriptLine& line, int column, const std::string& text) {
-    found_.push_back({&line, column, false, text});
-  }
-
-  bool HasErrors() const;
-  // In the order of the lines: "file:line:column: error: text", the line, and a caret below it.
-  void Write(std::ostream& stream, const std::string& file, bool errors_only) const;
-
- private:
-  std::vector<Problem> found_;
-};
-
-// All problems of a script.
+// All problems of a script. Throws Interrupted, as does all of the below.
 Problems Check(const ScriptText& script);
 
 // What Check is made of: the problems of a script that the plug-in runs as a GPIO script, and as a
@@ -45,6 +15,11 @@ Problems Check(const ScriptText& script);
 bool IsGpioScript(const ScriptText& script);
 void CheckGpio(const ScriptText& script, Problems& problems);
 void CheckJtag(const ScriptText& script, Problems& problems);
+
+// Where the plug-in stops reading for a line that is too long.
+constexpr const char* kCutScript =
+    "the line is too long: the plug-in reads neither it nor anything after it";
+Place CutAt(const ScriptLine& too_long);
 
 }  // namespace icehost
 

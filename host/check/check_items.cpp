@@ -1,7 +1,8 @@
 #include "host/check/check_items.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
-#include <string>
 #include <vector>
 
 #include "base/field_cursor.h"
@@ -26,7 +27,6 @@ struct Item {
   std::string_view key;
   std::string_view value;
   bool has_equals;
-  std::size_t at;  // of the key in the line's text
 };
 
 std::vector<Item> Items(std::string_view text) {
@@ -35,8 +35,7 @@ std::vector<Item> Items(std::string_view text) {
     const std::string_view field = fields.Next();
     const icescript::GpioItem item(field);
     const bool has_equals = field.find('=') != std::string_view::npos;
-    items.push_back({item.key, has_equals ? item.value : "", has_equals,
-                     static_cast<std::size_t>(item.key.data() - text.data())});
+    items.push_back({item.key, has_equals ? item.value : "", has_equals});
   }
   return items;
 }
@@ -51,27 +50,26 @@ bool IsNumber(std::string_view text) {
 }
 
 void CheckValue(const ScriptLine& line, const Item& item, Problems& problems) {
-  const int column = line.ColumnAt(item.at);
+  const Place place = line.Of(item.key);
   if (!TakesNumber(item.key)) return;
   if (!item.has_equals) {
-    problems.Warn(line, column, "without \"=\" this is set to 0");
+    problems.Warn(place, "without \"=\" this is set to 0");
   } else if (item.value.empty()) {
-    problems.Warn(line, column, "an empty value takes the number of the last item that had one");
+    problems.Warn(place, "an empty value takes the number of the last item that had one");
   } else if (!IsNumber(item.value)) {
-    problems.Warn(
-        line, column,
-        "\"" + std::string(item.value) + "\" is no number: only what it begins with counts");
+    problems.Warn(place,
+                  fmt::format("\"{}\" is no number: only what it begins with counts", item.value));
   }
 }
 
 }  // namespace
 
-int ColumnOfKey(const ScriptLine& line, std::string_view key) {
-  int column = line.column;
+Place PlaceOfKey(const ScriptLine& line, std::string_view key) {
+  Place place = line.Start();
   for (const Item& item : Items(line.text)) {
-    if (EqualsUpper(item.key, key)) column = line.ColumnAt(item.at);
+    if (EqualsUpper(item.key, key)) place = line.Of(item.key);
   }
-  return column;
+  return place;
 }
 
 bool NamesBlock(const ScriptLine& line) {
@@ -81,27 +79,25 @@ bool NamesBlock(const ScriptLine& line) {
   });
 }
 
-bool CheckItems(const ScriptLine& line, int flags, Problems& problems) {
+void CheckItems(const ScriptLine& line, int flags, Problems& problems) {
   const std::vector<Item> items = Items(line.text);
   int asked = 0;
   for (std::size_t i = 0; i < items.size(); ++i) {
     const Item& item = items[i];
     if (EqualsUpper(item.key, "END")) {
       if (i + 1 < items.size()) {
-        problems.Warn(line, line.ColumnAt(items[i + 1].at), "text after END is not read");
+        problems.Warn(line.Of(items[i + 1].key), "text after END is not read");
       }
-      return true;
+      return;
     }
     CheckValue(line, item, problems);
     if (EqualsUpper(item.key, "PRINT")) asked |= GPIO_FLAG_READ_IN;
     if (EqualsUpper(item.key, "GPIO_OE")) asked |= GPIO_FLAG_WRITE_OE;
     if (EqualsUpper(item.key, "NRST") && (asked & ~flags) != 0) {
-      problems.Warn(line, line.ColumnAt(item.at),
-                    "NRST=1 undoes the PRINT or GPIO_OE before it on the line");
+      problems.Warn(line.Of(item.key), "NRST=1 undoes the PRINT or GPIO_OE before it on the line");
       asked = 0;
     }
   }
-  return false;
 }
 
 }  // namespace icehost

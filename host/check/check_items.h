@@ -4,19 +4,18 @@
 
 #include <string_view>
 
-#include "host/check/check.h"
+#include "host/check/problems.h"
 
 namespace icehost {
 
-// The column of the last item with this key, or of the line's text where there is none.
-int ColumnOfKey(const ScriptLine& line, std::string_view key);
+// Of the last item with this key, or of the line's text where there is none.
+Place PlaceOfKey(const ScriptLine& line, std::string_view key);
 
 // Whether an item has the key REPT or ENDR.
 bool NamesBlock(const ScriptLine& line);
 
-// Reports the traps of a line to which the reader gave the flags `flags`; true when it ends the
-// script.
-bool CheckItems(const ScriptLine& line, int flags, Problems& problems);
+// Reports the traps of a line to which the reader gave the flags `flags`.
+void CheckItems(const ScriptLine& line, int flags, Problems& problems);
 
 }  // namespace icehost
 

@@ -1,11 +1,14 @@
 // What is wrong with a JTAG script.
+#include <fmt/format.h>
+
 #include <memory>
+#include <string>
 
 #include "base/ini_file.h"
 #include "host/check/check.h"
 #include "host/check/check_scan.h"
-#include "host/check/ini_places.h"
-#include "host/system/memory_file.h"
+#include "host/check/ini_sections.h"
+#include "host/system/interrupt.h"
 #include "jtag/jtag_scr.h"
 
 namespace icehost {
@@ -15,57 +18,81 @@ using icescript::CIniFile;
 using icescript::CString;
 using icescript::JtagScr;
 
-void CheckControl(CIniFile& ini, int index, const IniSection& section, Problems& problems) {
-  JtagScr scr(nullptr, nullptr);  // reads no file, so it prints nothing
-  const std::unique_ptr<icescript::JtagOperatorData> record(scr.ParsingControl(ini, index));
-  const auto cdi = section.values.find("CDI");
-  if (record != nullptr) {
-    if (record->operatorType == icescript::JTAG_OP_RESET && cdi != section.values.end()) {
-      problems.Warn(*cdi->second.line, cdi->second.line->column, "RESET wins: CDI is ignored");
-    }
-    return;
-  }
-  problems.Error(*section.first, section.first->column, "CONTROL syntax error");
-  if (cdi == section.values.end()) return;
-  problems.Error(*cdi->second.line, cdi->second.line->ColumnAt(cdi->second.at),
-                 "CDI is 5 (5-wire JTAG) or 2 (2-wire interface)");
-}
+// The operations of a script, in order.
+class JtagOperations {
+ public:
+  JtagOperations(const ScriptText& script, Problems& problems)
+      : script_(script), problems_(problems) {}
 
-// A section without IR or DR, or with an empty one.
-void ReportMissing(const IniSection& section, const std::string& name, const char* key,
-                   const std::string& message, Problems& problems) {
-  const std::string text = (message.empty() ? "" : message + " ") + ("(" + name) + " has no " +
-                           key + ": neither it nor any section after it runs)";
-  problems.Error(*section.first, section.first->column, text);
-  const auto value = section.values.find(key);
-  if (value == section.values.end()) return;
-  problems.Error(*value->second.line, value->second.line->column, "the value is empty");
-}
+  void Take(const IniSection& section) {
+    // A store for each section: in one of them all, each lookup would walk through all.
+    CIniFile ini;
+    Fill(ini, section);
+    if (section.name == "CONTROL") {
+      TakeControl(ini, section);
+    } else {
+      TakeScan(ini, section);
+    }
+    if (ini.error_msg[0] != '\0') message_ = ini.error_msg;
+  }
+
+ private:
+  void Fill(CIniFile& ini, const IniSection& section) const {
+    const IniKeys& keys = KeysOf(section.name);
+    for (std::size_t i = 0; i < keys.size(); ++i) {
+      if (section.lines[i] == 0) continue;
+      const CString value(ValueOf(script_.Line(section.lines[i])));
+      ini.SetValue(CString(section.name), keys[i], value, true);
+    }
+  }
+
+  void TakeControl(CIniFile& ini, const IniSection& section) {
+    JtagScr scr(nullptr, nullptr);  // reads no file, so it prints nothing
+    const std::unique_ptr<icescript::JtagOperatorData> record(scr.ParsingControl(ini, 0));
+    if (record == nullptr) problems_.Error(section.first, "CONTROL syntax error");
+    if (section.lines[1] == 0) return;
+    const ScriptLine cdi = script_.Line(section.lines[1]);
+    if (record == nullptr) {
+      problems_.Error(cdi.Of(ValueOf(cdi)), "CDI is 5 (5-wire JTAG) or 2 (2-wire interface)");
+    } else if (record->operatorType == icescript::JTAG_OP_RESET) {
+      problems_.Warn(cdi.Start(), "RESET wins: CDI is ignored");
+    }
+  }
+
+  void TakeScan(CIniFile& ini, const IniSection& section) {
+    const IniKeys& keys = KeysOf(section.name);
+    for (std::size_t i = 0; i < keys.size(); ++i) {
+      if (ini.GetValue(0, keys[i]) != "") continue;
+      ReportMissing(section, i, ini.error_msg[0] != '\0' ? ini.error_msg : message_);
+      return;
+    }
+    CheckScan(section, script_.Line(section.lines[0]), script_.Line(section.lines[1]), problems_);
+  }
+
+  // A section without IR or DR, or with an empty one.
+  void ReportMissing(const IniSection& section, std::size_t key, const std::string& message) {
+    problems_.Error(
+        section.first,
+        fmt::format("{}{}({} has no {}: neither it nor any section after it runs)", message,
+                    message.empty() ? "" : " ", section.name, KeysOf(section.name)[key]));
+    if (section.lines[key] == 0) return;
+    problems_.Error(script_.Line(section.lines[key]).Start(), "the value is empty");
+  }
+
+  const ScriptText& script_;
+  Problems& problems_;
+  std::string message_;  // of the last failed lookup in the plug-in's one store
+};
 
 }  // namespace
 
 void CheckJtag(const ScriptText& script, Problems& problems) {
-  std::string good;
-  const IniSections sections = FindPlaces(script, good, problems);
-
-  const MemoryFile file(good);
-  CIniFile ini{CString(file.Path())};
-  ini.ReadFile();
-  for (int i = 0; i < ini.GetNumKeys(); ++i) {
-    const std::string name = ini.GetKeyName(i).GetString();
-    const IniSection& section = sections.at(name);
-    if (name == "CONTROL") {
-      CheckControl(ini, i, section, problems);
-      continue;
-    }
-    const CString ir = ini.GetValue(i, "IR");
-    const CString dr = ir != "" ? ini.GetValue(i, "DR") : CString();
-    if (dr == "") {
-      ReportMissing(section, name, ir == "" ? "IR" : "DR", ini.error_msg, problems);
-    } else {
-      CheckScan(ir, dr, section, name, problems);
-    }
+  JtagOperations operations(script, problems);
+  for (const IniSection& section : FindSections(script, problems)) {
+    ThrowIfInterrupted();
+    operations.Take(section);
   }
+  if (const auto line = script.TooLong()) problems.Error(CutAt(*line), kCutScript);
 }
 
 }  // namespace icehost

@@ -1,9 +1,11 @@
 #include "host/check/check_scan.h"
 
+#include <fmt/format.h>
+
 #include <memory>
 #include <vector>
 
-#include "base/ini_file.h"
+#include "base/field_cursor.h"
 #include "base/number.h"
 #include "base/text.h"
 #include "jtag/jtag_scr.h"
@@ -11,67 +13,62 @@
 namespace icehost {
 namespace {
 
-using icescript::CIniFile;
 using icescript::CString;
 
 // One value as the parser splits it.
 struct Fields {
-  Fields(const CString& value, const ValuePlace& place) : line(*place.line), at(place.at) {
-    int count = 0;
-    const std::unique_ptr<CString[]> split(CIniFile::SplitString(value, ',', count));
-    for (int i = 0; split != nullptr && i < count; ++i) {
-      text.push_back(split[static_cast<std::size_t>(i)]);
+  explicit Fields(const ScriptLine& at) : line(at), value(ValueOf(at)) {
+    if (value.find(',') == std::string_view::npos) return;
+    for (icescript::FieldCursor fields(value, ','); fields.HasNext();) {
+      text.push_back(fields.Next());
     }
   }
 
-  // Column of field i.
-  int Column(std::size_t i) const {
-    std::size_t position = at;
-    for (std::size_t before = 0; before < i; ++before) position += text[before].Text().size() + 1;
-    const std::size_t blanks = text[i].Text().find_first_not_of(' ');
-    return line.ColumnAt(position + (blanks != std::string::npos ? blanks : 0));
+  // Of field i.
+  Place Of(std::size_t i) const {
+    const std::size_t blanks = text[i].find_first_not_of(' ');
+    return line.Of(text[i].substr(blanks != std::string_view::npos ? blanks : 0));
   }
 
   const ScriptLine& line;
-  std::size_t at;
-  std::vector<CString> text;
+  std::string_view value;
+  std::vector<std::string_view> text;
 };
 
-std::string_view Trimmed(const CString& field) {
-  return icescript::TrimRight(icescript::TrimLeft(field.Text(), ' '), ' ');
-}
-
-std::string Quoted(std::string_view text) {
-  return "\"" + std::string(text) + "\"";
+std::string_view Trimmed(std::string_view field) {
+  return icescript::TrimRight(icescript::TrimLeft(field, ' '), ' ');
 }
 
 bool IsDecimal(std::string_view text) {
   return !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
-// One or two digits behind an optional "0x".
+// What stands behind an optional "0x".
+std::string_view HexDigits(std::string_view text) {
+  const bool prefixed = text.size() > 1 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X');
+  return text.substr(prefixed ? 2 : 0);
+}
+
+// One or two digits.
 bool IsHexByte(std::string_view text) {
-  if (text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X'))
-    text.remove_prefix(2);
-  return !text.empty() && text.size() <= 2 &&
-         text.find_first_not_of("0123456789abcdefABCDEF") == std::string_view::npos;
+  const std::string_view digits = HexDigits(text);
+  return !digits.empty() && digits.size() <= 2 &&
+         digits.find_first_not_of("0123456789abcdefABCDEF") == std::string_view::npos;
 }
 
 // What the parser makes of a byte.
 unsigned ByteOf(std::string_view text) {
-  if (text.size() > 1 && (text[1] == 'x' || text[1] == 'X')) text.remove_prefix(2);
-  return static_cast<unsigned>(icescript::ParseNumber(text, 16)) & 0xFF;
+  return static_cast<unsigned>(icescript::ParseNumber(HexDigits(text), 16)) & 0xFF;
 }
 
 // The length, in field `length_at`; false where nothing is shifted.
 bool CheckLength(const Fields& fields, std::size_t length_at, int bits, Problems& problems) {
   const std::string_view text = Trimmed(fields.text[length_at]);
-  if (text == std::to_string(bits) && bits < 0) {
-    problems.Warn(fields.line, fields.Column(length_at), "a negative length shifts nothing");
+  if (bits < 0 && text == fmt::to_string(bits)) {
+    problems.Warn(fields.Of(length_at), "a negative length shifts nothing");
   } else if (!IsDecimal(text)) {
-    problems.Warn(
-        fields.line, fields.Column(length_at),
-        "a length is a decimal number: " + Quoted(text) + " is taken as " + std::to_string(bits));
+    problems.Warn(fields.Of(length_at),
+                  fmt::format("a length is a decimal number: \"{}\" is taken as {}", text, bits));
   }
   return bits > 0;
 }
@@ -83,28 +80,25 @@ void CheckBytes(const Fields& fields, std::size_t first, int bits, Problems& pro
   for (std::size_t i = first; i < fields.text.size(); ++i) {
     const std::string_view text = Trimmed(fields.text[i]);
     if (IsHexByte(text)) continue;
-    problems.Warn(
-        fields.line, fields.Column(i),
-        Quoted(text) + " is no hexadecimal byte: taken as " + std::to_string(ByteOf(text)));
+    problems.Warn(fields.Of(i),
+                  fmt::format("\"{}\" is no hexadecimal byte: taken as {}", text, ByteOf(text)));
   }
   if (listed > held) {
-    problems.Warn(fields.line, fields.Column(first + held),
-                  "more bytes than the " + std::to_string(bits) + " bits hold");
+    problems.Warn(fields.Of(first + held), fmt::format("more bytes than the {} bits hold", bits));
   } else if (listed < held && listed > 0) {
-    problems.Warn(fields.line, fields.Column(first - 1),
-                  std::to_string(bits) + " bits need " + std::to_string(held) + " bytes, not " +
-                      std::to_string(listed) + ": the rest is 0");
+    problems.Warn(fields.Of(first - 1),
+                  fmt::format("{} bits need {} bytes, not {}: the rest is 0", bits, held, listed));
   } else if (listed == held && bits % 8 != 0 &&
              ByteOf(Trimmed(fields.text.back())) >> bits % 8 != 0) {
-    problems.Warn(fields.line, fields.Column(fields.text.size() - 1),
-                  "bits are set beyond the " + std::to_string(bits) + " of the length");
+    problems.Warn(fields.Of(fields.text.size() - 1),
+                  fmt::format("bits are set beyond the {} of the length", bits));
   }
 }
 
 void CheckFlag(const Fields& dr, Problems& problems) {
   const std::string_view flag = Trimmed(dr.text[0]);
   if (!flag.empty() && std::string_view("RrWw").find(flag[0]) != std::string_view::npos) return;
-  problems.Warn(dr.line, dr.Column(0), Quoted(flag) + " is neither R nor W: taken as a write");
+  problems.Warn(dr.Of(0), fmt::format("\"{}\" is neither R nor W: taken as a write", flag));
 }
 
 // Whether the parser refuses a register of this length or of so many bytes.
@@ -117,24 +111,25 @@ bool IsTooLong(const Fields& fields, std::size_t length_at) {
 // Why the parser refuses a value.
 void ExplainRefusal(const Fields& fields, std::size_t length_at, const char* form,
                     Problems& problems) {
-  const int column = fields.line.ColumnAt(fields.at);
+  const Place place = fields.line.Of(fields.value);
   if (fields.text.empty()) {
-    problems.Error(fields.line, column, form);
+    problems.Error(place, form);
   } else if (IsTooLong(fields, length_at)) {
-    problems.Error(fields.line, column, "a register has at most 288 bits in 36 bytes");
+    problems.Error(place, "a register has at most 288 bits in 36 bytes");
   }
 }
 
 }  // namespace
 
-void CheckScan(const CString& ir, const CString& dr, const IniSection& section,
-               const std::string& name, Problems& problems) {
-  const Fields ir_fields(ir, section.values.at("IR"));
-  const Fields dr_fields(dr, section.values.at("DR"));
+void CheckScan(const IniSection& section, const ScriptLine& ir, const ScriptLine& dr,
+               Problems& problems) {
+  const Fields ir_fields(ir);
+  const Fields dr_fields(dr);
   icescript::JtagScr scr(nullptr, nullptr);  // reads no file, so it prints nothing
-  const std::unique_ptr<icescript::JtagOperatorData> record(scr.ParseJtagOperatorData(ir, dr));
+  const std::unique_ptr<icescript::JtagOperatorData> record(
+      scr.ParseJtagOperatorData(CString(ir_fields.value), CString(dr_fields.value)));
   if (record == nullptr) {
-    problems.Error(*section.first, section.first->column, name + " syntax error");
+    problems.Error(section.first, fmt::format("{} syntax error", section.name));
     ExplainRefusal(ir_fields, 0, "IR is LENGTH,BYTE,...", problems);
     ExplainRefusal(dr_fields, 1, "DR is R or W,LENGTH,BYTE,...", problems);
     return;

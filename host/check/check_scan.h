@@ -2,18 +2,15 @@
 #ifndef ICESCRIPT_HOST_CHECK_CHECK_SCAN_H_
 #define ICESCRIPT_HOST_CHECK_CHECK_SCAN_H_
 
-#include <string>
-
-#include "base/cstring.h"
-#include "host/check/check.h"
-#include "host/check/ini_places.h"
+#include "host/check/ini_sections.h"
+#include "host/check/problems.h"
 
 namespace icehost {
 
-// Reports what is wrong with the values of IR and DR, neither of them empty. `name` and `section`
-// are the section's.
-void CheckScan(const icescript::CString& ir, const icescript::CString& dr,
-               const IniSection& section, const std::string& name, Problems& problems);
+// Reports what is wrong with the values of IR and DR, neither of them empty, which stand behind the
+// "=" of these lines.
+void CheckScan(const IniSection& section, const ScriptLine& ir, const ScriptLine& dr,
+               Problems& problems);
 
 }  // namespace icehost
 

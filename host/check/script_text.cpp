@@ -1,47 +1,105 @@
 #include "host/check/script_text.h"
 
 #include <algorithm>
-#include <sstream>
 #include <utility>
 
 #include "base/ini_file.h"
 #include "base/text.h"
 #include "host/system/errors.h"
 #include "host/system/input_file.h"
+#include "host/system/interrupt.h"
 
 namespace icehost {
+namespace {
+
+// Every so many lines their beginning is kept.
+constexpr int kStride = 16;
+
+// The line reader counts on room for a terminating NUL.
+bool IsTooLong(std::string_view raw) {
+  return raw.size() >= icescript::INI_LINE_BUFFER;
+}
+
+// As the line reader and the readers behind it cut and trim a line.
+std::string_view TextOf(std::string_view raw) {
+  const std::string_view cut = raw.substr(0, std::min(raw.find('#'), raw.find('\0')));
+  return icescript::TrimBlanks(icescript::TrimRight(cut, ' '));
+}
+
+// Whether the reader of JTAG scripts does not refuse the line.
+bool IsIniLine(const ScriptLine& line) {
+  return line.IsHeader() || line.text.find('=') != std::string_view::npos;
+}
+
+// A GPIO script begins like a header, and a line or two may be wrong in any script.
+bool IsBinary(std::string_view content) {
+  if (content.find('\0') == std::string_view::npos) return false;
+  std::size_t lines = 0;
+  std::size_t refused = 0;
+  for (ScriptText::Iterator at(content, 0, 1); at.At() < content.size(); ++at) {
+    const ScriptLine line = *at;
+    const bool too_long = IsTooLong(line.raw);
+    if (line.Blank() && !too_long) continue;
+    if (lines == 0 && !too_long && line.IsHeader()) return false;
+    ++lines;
+    if (too_long || !IsIniLine(line)) ++refused;
+    if (too_long) break;
+  }
+  return 2 * refused > lines;
+}
+
+}  // namespace
+
+ScriptLine::ScriptLine(int line_number, std::string_view line)
+    : number(line_number), raw(line), text(TextOf(line)) {}
 
 std::string ReadScript(const std::string& path, std::size_t limit) {
   std::string content = ReadInput(path, limit);
-  if (content.find('\0') != std::string::npos) throw IoError(path + ": is binary, not a script");
+  if (IsBinary(content)) throw IoError(path + ": is binary, not a script");
   return content;
+}
+
+ScriptText::Iterator::Iterator(std::string_view content, std::size_t at, int number)
+    : content_(content),
+      at_(at),
+      number_(number),
+      raw_(content.substr(at, content.find('\n', at) - at)) {}
+
+ScriptText::Iterator& ScriptText::Iterator::operator++() {
+  ThrowIfInterrupted();
+  // The last line may lack its line feed.
+  return *this = {content_, std::min(at_ + raw_.size() + 1, content_.size()), number_ + 1};
 }
 
 ScriptText::ScriptText(std::string name, std::string content)
     : name_(std::move(name)), content_(std::move(content)) {
-  std::istringstream raw_lines(content_);
-  for (std::string raw; std::getline(raw_lines, raw);) {
-    const int number = static_cast<int>(lines_.size()) + 1;
-    std::istringstream one(raw);
-    icescript::CString read;
-    // An empty line fails to be read from a stream of its own, and reads as empty.
-    if (!icescript::CIniFile::getline(one, read) && !raw.empty()) {
-      too_long_ = {number, raw, "", 1};
-      return;
+  Iterator at(content_, 0, 1);
+  starts_.push_back(0);
+  for (; at.At() < content_.size(); ++at) {
+    if (at.Number() % kStride == 0) starts_.push_back(at.At());
+    if (IsTooLong(at.Raw())) {
+      too_long_ = at.Number();
+      break;
     }
-    const std::string_view text = icescript::TrimBlanks(read.Text());
-    const auto column = static_cast<int>(text.data() - read.Text().data()) + 1;
-    lines_.push_back({number, raw, std::string(text), column});
   }
+  read_ = at.At();
 }
 
-std::string ScriptText::Without(const std::vector<int>& numbers) const {
-  std::string content;
-  for (const ScriptLine& line : lines_) {
-    const bool left_out = std::find(numbers.begin(), numbers.end(), line.number) != numbers.end();
-    content += (left_out ? "" : line.raw) + "\n";
-  }
-  return content;
+ScriptText::Iterator ScriptText::WithText(Iterator from) const {
+  while (from != end() && (*from).Blank()) ++from;
+  return from;
+}
+
+ScriptLine ScriptText::Line(int number) const {
+  const int stop = number / kStride;
+  Iterator at(content_, starts_[static_cast<std::size_t>(stop)], std::max(1, stop * kStride));
+  while (at.Number() < number) ++at;
+  return *at;
+}
+
+std::optional<ScriptLine> ScriptText::TooLong() const {
+  if (too_long_ == 0) return std::nullopt;
+  return Line(too_long_);
 }
 
 }  // namespace icehost

@@ -2,18 +2,15 @@
 #ifndef ICESCRIPT_HOST_SYSTEM_PRINTABLE_H_
 #define ICESCRIPT_HOST_SYSTEM_PRINTABLE_H_
 
-#include <cctype>
 #include <string>
+#include <string_view>
 
 namespace icehost {
 
-// Control characters but tabs become blanks: none of them reaches the terminal.
-inline std::string Printable(std::string text) {
-  for (char& ch : text) {
-    if (ch != '\t' && std::iscntrl(static_cast<unsigned char>(ch)) != 0) ch = ' ';
-  }
-  return text;
-}
+// The text as valid UTF-8 with nothing in it that a terminal obeys. A control character but a tab,
+// and what breaks lines or turns the direction of the text, becomes a blank; a byte that is no
+// UTF-8 becomes a question mark. Each character takes as many columns as before: one.
+std::string Printable(std::string_view text);
 
 }  // namespace icehost
 

@@ -1,0 +1,77 @@
+#include "host/check/problems.h"
+
+#include <fmt/color.h>
+
+#include <algorithm>
+#include <iterator>
+#include <tuple>
+
+#include "host/system/interrupt.h"
+#include "host/system/printable.h"
+
+namespace icehost {
+namespace {
+
+// The part of a long line that is shown round the column.
+constexpr std::size_t kShownBefore = 60;
+constexpr std::size_t kShown = 100;
+
+constexpr bool IsContinuation(char byte) {
+  return (byte & 0xC0) == 0x80;
+}
+
+// A character of UTF-8 takes one column, however many bytes.
+std::string BlanksBelow(const std::string& shown) {
+  std::string blanks;
+  for (const char ch : shown) {
+    if (!IsContinuation(ch)) blanks += ch == '\t' ? '\t' : ' ';
+  }
+  return blanks;
+}
+
+// The line, and the caret below its column.
+std::string Source(std::string_view raw, std::size_t column, const fmt::text_style& caret_style) {
+  const std::size_t at = std::min(column - 1, raw.size());
+  std::size_t first = at - std::min(at, kShownBefore);
+  std::size_t end = std::min(raw.size(), first + kShown);
+  // No character is cut in two.
+  while (first > 0 && first < at && IsContinuation(raw[first])) ++first;
+  while (end > at && end < raw.size() && IsContinuation(raw[end])) --end;
+  const std::string before = Printable(raw.substr(first, at - first));
+  return fmt::format("{}{}\n{}{}\n", before, Printable(raw.substr(at, end - at)),
+                     BlanksBelow(before), fmt::styled('^', caret_style));
+}
+
+}  // namespace
+
+void Problems::Add(Problems more) {
+  std::move(more.found_.begin(), more.found_.end(), std::back_inserter(found_));
+}
+
+bool Problems::HasErrors() const {
+  return std::any_of(found_.begin(), found_.end(),
+                     [](const Problem& problem) { return problem.error; });
+}
+
+void Problems::Write(std::ostream& stream, const ScriptText& script, ReportStyle style) {
+  std::stable_sort(found_.begin(), found_.end(), [](const Problem& a, const Problem& b) {
+    return std::tie(a.place.line, a.place.column) < std::tie(b.place.line, b.place.column);
+  });
+  const auto styled = [style](fmt::terminal_color of) {
+    return style.colour ? fmt::emphasis::bold | fg(of) : fmt::text_style();
+  };
+  const std::string file = Printable(script.Name());
+  for (const Problem& problem : found_) {
+    ThrowIfInterrupted();
+    if (style.errors_only && !problem.error) continue;
+    const auto [line, column] = problem.place;
+    const std::string_view word = problem.error ? "error:" : "warning:";
+    const auto colour = problem.error ? fmt::terminal_color::red : fmt::terminal_color::magenta;
+    stream << fmt::format("{}:{}:{}: {} {}\n", file, line, column,
+                          fmt::styled(word, styled(colour)), Printable(problem.text))
+           << Source(script.Line(line).raw, static_cast<std::size_t>(column),
+                     styled(fmt::terminal_color::green));
+  }
+}
+
+}  // namespace icehost

@@ -1,0 +1,16 @@
+// The check verb.
+#ifndef ICESCRIPT_HOST_CHECK_VERB_H_
+#define ICESCRIPT_HOST_CHECK_VERB_H_
+
+#include "host/commands.h"
+#include "host/exit_status.h"
+
+namespace icehost {
+
+// Checks the scripts and writes what is wrong with them to standard error, in colour on a terminal
+// unless NO_COLOR is set. Throws Interrupted.
+ExitStatus CheckScripts(const CheckCommand& command);
+
+}  // namespace icehost
+
+#endif  // ICESCRIPT_HOST_CHECK_VERB_H_

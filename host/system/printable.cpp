@@ -1,0 +1,69 @@
+#include "host/system/printable.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace icehost {
+namespace {
+
+struct Range {
+  char32_t first;
+  char32_t last;
+};
+
+constexpr Range kUnprintable[] = {
+    {0x00, 0x08},     {0x0A, 0x1F},  // C0 but the tab
+    {0x7F, 0x9F},                    // DEL and C1
+    {0x200E, 0x200F},                // marks of direction
+    {0x2028, 0x202E},                // line breaks, embeddings and overrides
+    {0x2066, 0x2069},                // isolates
+};
+
+bool IsPrintable(char32_t code) {
+  return std::none_of(std::begin(kUnprintable), std::end(kUnprintable), [code](const Range& range) {
+    return code >= range.first && code <= range.last;
+  });
+}
+
+// Number of bytes that a first byte announces; 0 for a byte that begins no character.
+std::size_t SizeOf(unsigned char first) {
+  if (first < 0x80) return 1;
+  if (first >= 0xC2 && first < 0xE0) return 2;  // 0xC0 and 0xC1 would only be overlong
+  if (first >= 0xE0 && first < 0xF0) return 3;
+  return first >= 0xF0 && first < 0xF5 ? 4 : 0;
+}
+
+// The character at the beginning of `text`, of `size` bytes; false where they are no UTF-8.
+bool Decode(std::string_view text, std::size_t size, char32_t& code) {
+  if (size == 0 || text.size() < size) return false;
+  const auto first = static_cast<unsigned char>(text[0]);
+  code = size == 1 ? first : first & (0x7FU >> size);
+  for (const char ch : text.substr(1, size - 1)) {
+    if ((ch & 0xC0) != 0x80) return false;
+    code = code << 6 | (static_cast<unsigned char>(ch) & 0x3FU);
+  }
+  const char32_t least[] = {0, 0x80, 0x800, 0x10000};
+  return code >= least[size - 1] && code <= 0x10FFFF && (code < 0xD800 || code > 0xDFFF);
+}
+
+}  // namespace
+
+std::string Printable(std::string_view text) {
+  std::string printable;
+  while (!text.empty()) {
+    std::size_t size = SizeOf(static_cast<unsigned char>(text[0]));
+    char32_t code = 0;
+    if (!Decode(text, size, code)) {
+      printable += '?';
+      size = 1;
+    } else if (IsPrintable(code)) {
+      printable += text.substr(0, size);
+    } else {
+      printable += ' ';
+    }
+    text.remove_prefix(size);
+  }
+  return printable;
+}
+
+}  // namespace icehost
