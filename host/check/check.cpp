@@ -55,7 +55,7 @@ void WarnOfNearTag(const ScriptText& script, Problems& problems) {
 }
 
 // A NUL ends a line for the readers, which pass over what stands behind it.
-void WarnOfCutLines(const ScriptText& script, Problems& problems) {
+void ReportCutLines(const ScriptText& script, Problems& problems) {
   if (script.Content().find('\0') == std::string::npos) return;
   for (const ScriptLine line : script) {
     const std::size_t nul = line.raw.find('\0');
@@ -63,7 +63,7 @@ void WarnOfCutLines(const ScriptText& script, Problems& problems) {
     const std::string_view passed = line.raw.substr(nul);
     const std::size_t text = passed.find_first_not_of(std::string_view("\0\r ", 3));
     if (text == std::string_view::npos || passed[text] == '#') continue;
-    problems.Warn(line.Of(passed), "a NUL cuts the line here: the rest of it is not read");
+    problems.Error(line.Of(passed), "a NUL cuts the line here: the rest of it is not read");
   }
 }
 
@@ -75,7 +75,7 @@ Place CutAt(const ScriptLine& too_long) {
 
 Problems Check(const ScriptText& script) {
   Problems problems;
-  WarnOfCutLines(script, problems);
+  ReportCutLines(script, problems);
   if (IsGpioScript(script)) {
     CheckGpio(script, problems);
   } else {
