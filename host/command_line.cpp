@@ -1,11 +1,15 @@
 #include "host/command_line.h"
 
 #include <CLI/CLI.hpp>
+#include <cstdio>
 #include <functional>
+#include <iostream>
+#include <sstream>
 
 #include "host/option_values.h"
 #include "host/probe/plugin.h"
 #include "host/shared_files.h"
+#include "host/system/printable.h"
 
 namespace icehost {
 namespace {
@@ -138,7 +142,10 @@ std::variant<Command, ExitStatus> ParseCommandLine(int argc, char** argv) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? kAllWell : kBadUsage;
+    std::ostringstream complaint;  // which may quote what it was given
+    const int status = app.exit(error, std::cout, complaint);
+    std::fputs(PrintableLines(complaint.str()).c_str(), stderr);
+    return status == 0 ? kAllWell : kBadUsage;
   }
   run.quiet = check.quiet = serve.quiet = quiet;
   if (app.got_subcommand("run")) return run;

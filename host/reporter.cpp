@@ -17,16 +17,6 @@ namespace {
   throw IoError(fmt::format("standard output: {}", std::strerror(errno)));
 }
 
-// Line by line: line breaks stay.
-std::string PrintableLines(std::string_view text) {
-  std::string shown;
-  for (std::size_t end = 0; (end = text.find('\n')) != std::string_view::npos;) {
-    shown += Printable(text.substr(0, end)) + '\n';
-    text.remove_prefix(end + 1);
-  }
-  return shown + Printable(text);
-}
-
 }  // namespace
 
 void Complain(std::string what) {

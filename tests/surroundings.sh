@@ -30,6 +30,11 @@ printf '[ZEVA_ICE_GPIO]\nSTART\nREPT=99999\nPRINT=GPIO_IN\nENDR\nEND\n' >"$scrat
 for i in $(seq 60000); do printf '[%s]\nIR=5,1\nDR=R,8,0\n' "$((i * 7919 % 60000))x"; done >"$scratch/many.ini"
 export script=examples/read_idcode.ini
 
+# on_terminal COMMAND: what a terminal gets, in "$scratch/terminal".
+on_terminal() { timeout -k 1 30 script -qec "$1" /dev/null >"$scratch/terminal" 2>&1 </dev/null; }
+# count TEXT: how often it stands there.
+count() { grep -oF "$1" "$scratch/terminal" | wc -l; }
+
 # Descriptors that the process was started without are nobody else's.
 expect 1 'icehost: -: Bad file descriptor' '"$icehost" run - <&-'
 expect 3 'icehost: standard output: Bad file descriptor' '"$icehost" run "$script" >&-'
@@ -44,6 +49,8 @@ for output in --help --version "run --summary $script" "run --trace $script"; do
   expect 3 '' "\"\$icehost\" $output >/dev/full 2>/dev/full"
 done
 expect 3 'icehost: standard output: No space left on device' '"$icehost" run "$script" >/dev/full'
+expect 3 'icehost: standard output: Broken pipe' \
+  '"$icehost" run "$scratch/reads.gpio" | head -n 1 >/dev/null; exit "${PIPESTATUS[0]}"'
 (
   ulimit -f 1
   trap '' XFSZ
@@ -104,5 +111,19 @@ kill -HUP $!
 sleep 0.3
 kill -TERM $! || fail "an ignored signal ended the run"
 wait $!
+
+# Progress is shown on a terminal only, and leaves nothing there.
+on_terminal "timeout -s INT 1.7 '$icehost' run '$scratch/endless.gpio'"
+[ "$(count 'operations, ')" -ge 2 ] || fail "no progress: $(cat "$scratch/terminal")"
+[ "$(count $'\r\e[K')" = $(($(count 'operations, ') + 1)) ] || fail "progress is left"
+timeout -s INT 1.7 "$icehost" run "$scratch/endless.gpio" >/dev/null 2>"$scratch/err"
+[ "$(cat "$scratch/err")" = "icehost: interrupted" ] || fail "progress in a file: $(cat "$scratch/err")"
+
+# Nothing that a script says is a command to the terminal; a file gets it as it stands.
+reverse=$'\e[7m'
+printf '[%s\302\233]\nIR=5\nDR=W,0\n' "$reverse" >"$scratch/bold.ini"
+on_terminal "'$icehost' run '$scratch/bold.ini'; '$icehost' check '$scratch/bold.ini' '$scratch/$reverse'"
+[ "$(count "$reverse")" = 0 ] && [ "$(count $'\302\233')" = 0 ] || fail "$(cat -v "$scratch/terminal")"
+{ "$icehost" run "$scratch/bold.ini" 2>&1 || true; } | grep -qF "$reverse"$'\302\233 syntax error' || fail "an altered message"
 
 [ "$failures" = 0 ] && echo "surroundings: all well"

@@ -8,7 +8,7 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 void WriteLine(std::ostream& stream, const Json& line) {
-  stream << line.dump(-1, ' ', false, Json::error_handler_t::replace) << '\n';
+  stream << line.dump(-1, ' ', true, Json::error_handler_t::replace) << '\n';
 }
 
 void AddFields(Json& line, const std::vector<Field>& fields) {

@@ -10,7 +10,8 @@ namespace icehost {
 
 // One object a line, told apart by its first key: {"script":PATH}, {"call":NAME, arguments...,
 // "result":N, outputs...}, {"message":TEXT}, {"error":TEXT}, {"end":true or false}. Bits are
-// hexadecimal texts. A byte that is not UTF-8 is replaced by U+FFFD.
+// hexadecimal texts. A byte that is not UTF-8 is replaced by U+FFFD; what is not ASCII is
+// escaped, so that no terminal takes it for a command.
 class JsonWriter : public EventListener {
  public:
   // `stream` must outlive the writer.

@@ -1,5 +1,7 @@
 #include "host/record/trace_writer.h"
 
+#include "host/system/printable.h"
+
 namespace icehost {
 namespace {
 
@@ -14,7 +16,7 @@ void WriteFields(std::ostream& stream, const std::vector<Field>& fields, const c
 }  // namespace
 
 void TraceWriter::OnScript(const std::string& path) {
-  stream_ << "# " << path << '\n';
+  stream_ << "# " << Printable(path) << '\n';
 }
 
 void TraceWriter::OnCall(const CallEvent& call) {

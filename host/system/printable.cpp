@@ -66,4 +66,13 @@ std::string Printable(std::string_view text) {
   return printable;
 }
 
+std::string PrintableLines(std::string_view text) {
+  std::string shown;
+  for (std::size_t end = 0; (end = text.find('\n')) != std::string_view::npos;) {
+    shown += Printable(text.substr(0, end)) + '\n';
+    text.remove_prefix(end + 1);
+  }
+  return shown + Printable(text);
+}
+
 }  // namespace icehost

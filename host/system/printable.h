@@ -11,6 +11,8 @@ namespace icehost {
 // and what breaks lines or turns the direction of the text, becomes a blank; a byte that is no
 // UTF-8 becomes a question mark. Each character takes as many columns as before: one.
 std::string Printable(std::string_view text);
+// The same line by line: line breaks stay.
+std::string PrintableLines(std::string_view text);
 
 }  // namespace icehost
 
