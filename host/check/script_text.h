@@ -34,9 +34,9 @@ struct ScriptLine {
   Place Start() const { return Of(text); }
 };
 
-// The whole of `path`, "-" being standard input, up to `limit` bytes. Throws IoError that says why not: it does not
-// exist, is a directory, or is binary: it holds a NUL, does not begin with a section header, and
-// the plug-in refuses more than half of its lines. Throws Interrupted.
+// The whole of `path`, "-" being standard input, up to `limit` bytes. Throws IoError that says why
+// not: it does not exist, is a directory, or is binary: it holds a NUL, does not begin with a
+// section header, and the plug-in refuses more than half of its lines. Throws Interrupted.
 std::string ReadScript(const std::string& path, std::size_t limit);
 
 // The lines that the plug-in reads: up to the first that is too long for it. They are made anew
