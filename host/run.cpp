@@ -6,6 +6,7 @@
 
 #include <cstdio>
 #include <optional>
+#include <utility>
 
 #include "host/check/check.h"
 #include "host/outputs.h"
@@ -43,8 +44,8 @@ class Runner {
         reporter_(outputs_.listeners,
                   !command.quiet && command.trace != "-" && isatty(STDERR_FILENO) != 0),
         observed_(
-            stack_.Build(outputs_.recorders), outputs_.listeners,
-            [this](const std::string& why) { reporter_.Say(why); },
+            stack_.Build(outputs_.recorders, [this](const std::string& why) { OnDoubt(why); }),
+            outputs_.listeners, [this](const std::string& why) { reporter_.Say(why); },
             [this](const std::string& operation) { OnOperation(operation); }) {
     running = this;
   }
@@ -76,7 +77,13 @@ class Runner {
     }
   }
 
+  void OnDoubt(const std::string& why) {
+    if (command_.strict) throw Unsupported(why);
+    if (!std::exchange(doubted_, true)) reporter_.Say(fmt::format("warning: {}", why));
+  }
+
   ExitStatus RunOne(const std::string& script) {
+    doubted_ = false;
     try {
       std::optional<std::string> content = ReadContent(script);
       if (!content.has_value()) return kScriptFailed;
@@ -107,7 +114,7 @@ class Runner {
     std::optional<MemoryFile> copy;
     if (!IsRegularFile(script)) copy.emplace(content);
     const bool ran = RunPlugin(copy.has_value() ? copy->Path() : script);
-    stack_.Flush();
+    observed_.Flush();
     const ScriptText text(script, std::move(content));
     reporter_.Flush();
     if (!ran) {
@@ -168,6 +175,7 @@ class Runner {
   Outputs outputs_;
   Reporter reporter_;
   ObservedProbe observed_;
+  bool doubted_ = false;  // in this script
 };
 
 Runner* Runner::running = nullptr;
