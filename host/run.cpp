@@ -4,7 +4,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <optional>
 #include <utility>
 
@@ -184,7 +186,10 @@ Runner* Runner::running = nullptr;
 
 ExitStatus Run(const RunCommand& command) {
   // The plug-in writes to standard output itself, too.
-  if (command.quiet && std::freopen("/dev/null", "w", stdout) == nullptr) return kNotOpened;
+  if (command.quiet && std::freopen("/dev/null", "w", stdout) == nullptr) {
+    Complain(fmt::format("/dev/null: {}", std::strerror(errno)));
+    return kNotOpened;
+  }
   try {
     return Runner(command).RunAll();
   } catch (const Interrupted& error) {

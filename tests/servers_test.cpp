@@ -3,6 +3,7 @@
 
 #include <array>
 #include <asio.hpp>
+#include <atomic>
 #include <functional>
 #include <thread>
 #include <utility>
@@ -14,6 +15,8 @@
 namespace {
 
 using asio::ip::tcp;
+
+std::atomic<bool> icehost_ended;
 
 // What a server does with its one client. It ends once an operation fails.
 using Server = std::function<void(tcp::socket& client)>;
@@ -93,7 +96,8 @@ Server OpenocdScan(std::vector<std::string> answers, const std::string& ir_lengt
 }
 
 // The status of a run against the server, and what it says first, with "SERVER" for its name.
-Outcome RunAgainst(const Server& server, const std::string& probe, const std::string& rest) {
+Outcome RunAgainst(const Server& server, const std::string& probe, const std::string& rest,
+                   const std::string& timeout) {
   asio::io_context io;
   tcp::acceptor acceptor(io, {asio::ip::address_v4::loopback(), 0});
   const std::string name = "127.0.0.1:" + std::to_string(acceptor.local_endpoint().port());
@@ -105,8 +109,10 @@ Outcome RunAgainst(const Server& server, const std::string& probe, const std::st
       // icehost is done with us
     }
   });
-  Outcome outcome = RunIcehost("run --timeout 0.2 --probe " + probe + ":" + name + " " + rest +
-                               " 2>&1 >/dev/null");
+  icehost_ended = false;
+  Outcome outcome = RunIcehost("run --timeout " + timeout + " --probe " + probe + ":" + name + " " +
+                               rest + " 2>&1 >/dev/null");
+  icehost_ended = true;
   thread.join();
   outcome.output = outcome.output.substr(0, outcome.output.find('\n'));
   const std::size_t at = outcome.output.find(name);
@@ -143,8 +149,8 @@ TEST(Servers, EndARunAsTheyShould) {
     for (;;) Write(client, std::string(4096, '0'));
   };
   const auto never_read = [](tcp::socket& client) {
-    std::this_thread::sleep_for(std::chrono::seconds(1));
-    client.close();
+    const std::chrono::milliseconds beat(10);
+    while (client.is_open() && !icehost_ended) std::this_thread::sleep_for(beat);
   };
   const auto trickle = [](tcp::socket& client) {
     for (;; std::this_thread::sleep_for(std::chrono::milliseconds(5))) {
@@ -229,7 +235,8 @@ TEST(Servers, EndARunAsTheyShould) {
       {OpenocdScan({"3 0 05", "4 0 06"}), openocd, dr_only, 3, silence},
   };
   for (const auto& run : kRuns) {
-    const Outcome outcome = RunAgainst(run.server, run.probe, run.script);
+    const Outcome outcome =
+        RunAgainst(run.server, run.probe, run.script, run.message == silence ? "0.2" : "5");
     EXPECT_EQ(outcome.status, run.status) << run.script;
     EXPECT_EQ(outcome.output, run.message) << run.script;
   }
@@ -270,6 +277,25 @@ TEST(Servers, CannotBeReached) {
     const Outcome outcome = RunIcehost(fault.command + " 2>&1");
     EXPECT_EQ(outcome.status, 3) << fault.command;
     EXPECT_EQ(outcome.output, "icehost: " + fault.message + "\n") << fault.command;
+  }
+}
+
+// However few files may be open, the reason is that and nothing else.
+TEST(Servers, AreOutOfReachWithoutFiles) {
+  asio::io_context io;
+  tcp::acceptor acceptor(io, {asio::ip::address_v4::loopback(), 0});
+  const std::string server = "127.0.0.1:" + std::to_string(acceptor.local_endpoint().port());
+  for (const std::string probe : {"remote-bitbang", "openocd"}) {
+    for (int files = 5; files < 20; ++files) {
+      const Outcome outcome =
+          RunShell("exec 2>&1; ulimit -n " + std::to_string(files) +
+                   "; exec " ICESCRIPT_ICEHOST " run -q --timeout 0.01 --probe " + probe + ":" +
+                   server + " examples/reset.ini");
+      const bool connected = outcome.output.find("no answer within") != std::string::npos;
+      const bool no_files = outcome.output.find("Too many open files") != std::string::npos;
+      EXPECT_TRUE(connected || no_files) << files << ": " << outcome.output;
+      EXPECT_NE(outcome.status, 0);
+    }
   }
 }
 

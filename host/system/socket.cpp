@@ -4,13 +4,13 @@
 #include <netinet/tcp.h>
 #include <poll.h>
 
-#include <asio/connect.hpp>
 #include <asio/ip/tcp.hpp>
 #include <asio/local/stream_protocol.hpp>
 #include <asio/write.hpp>
 #include <memory>
 #include <optional>
 #include <utility>
+#include <variant>
 
 #include "host/system/errors.h"
 #include "host/system/interrupt.h"
@@ -28,15 +28,30 @@ Socket::Socket(int fd, const std::string& name, Timeout timeout) : Socket(name, 
 
 Socket Socket::Connect(const Endpoint& endpoint, Timeout timeout) {
   Socket socket(endpoint.Name(), timeout);
-  const Addresses addresses = socket.Resolve(endpoint);
-  const auto [error, address] = socket.Await<StreamProtocol::endpoint>(
-      [&](auto done) { asio::async_connect(socket.socket_, addresses, std::move(done)); });
+  asio::error_code error = asio::error::host_not_found;
+  for (const StreamProtocol::endpoint& address : socket.Resolve(endpoint)) {
+    error = socket.ConnectTo(address);
+    if (!error) break;
+  }
   if (error) socket.Fail("cannot connect", error);
   // Without it every short write waits for the answer to the one before. A UNIX socket has no such
   // delay, and no such option.
   asio::error_code ignored;
   socket.socket_.set_option(tcp::no_delay(true), ignored);
   return socket;
+}
+
+asio::error_code Socket::ConnectTo(const StreamProtocol::endpoint& address) {
+  asio::error_code error;
+  socket_.close();
+  socket_.open(address.protocol(), error);
+  if (error) return error;
+  return Await<std::monostate>([&](auto done) {
+           socket_.async_connect(address, [done](const asio::error_code& outcome) {
+             done(outcome, std::monostate());
+           });
+         })
+      .first;
 }
 
 Socket::Addresses Socket::Resolve(const Endpoint& endpoint) try {

@@ -38,6 +38,7 @@ class Socket {
   using Addresses = std::vector<StreamProtocol::endpoint>;
 
   Socket(std::string name, Timeout timeout);
+  asio::error_code ConnectTo(const StreamProtocol::endpoint& address);
   Addresses Resolve(const Endpoint& endpoint);
   template <class Result, class Begin>
   std::pair<asio::error_code, Result> Await(Begin begin);
