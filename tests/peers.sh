@@ -75,6 +75,10 @@ icehost: $2 failed" ] || fail "$2 on $1 said something else"
 scans=(examples/read_idcode.ini examples/scratch_register.ini examples/reset.ini)
 same_as_simulated "openocd:127.0.0.1:$tcl_port" "${scans[@]}"
 same_as_simulated "openocd:127.0.0.1:$tcl_port:sim.tap" examples/read_idcode.ini
+"$icehost" run --probe "openocd:127.0.0.1:$tcl_port:nope" examples/reset.ini 2>"$scratch/run.log" &&
+  fail "a TAP that OpenOCD does not have"
+[ "$(cat "$scratch/run.log")" = 'icehost: OpenOCD has no TAP "nope", it has: sim.tap' ] ||
+  fail "wrong TAP"
 refused "openocd:127.0.0.1:$tcl_port" examples/two_wire.ini \
   "OpenOCD cannot select the 2-wire interface"
 refused "openocd:127.0.0.1:$tcl_port" examples/read_idcode.gpio \
@@ -101,6 +105,13 @@ done
 
 kill -TERM "$server"
 wait "$server" || fail "serve ended with $?"
+# A server that dies leaves its socket, which is in nobody's way.
+"$icehost" serve "unix:$scratch/socket" 2>"$scratch/stale.log" &
+server=$!
+wait_for 'unix:.*' "$scratch/stale.log" >/dev/null
+"$icehost" serve "unix:$scratch/socket" 2>"$scratch/twice.log" && fail "two servers on one socket"
+kill -KILL "$server"
+wait "$server" 2>/dev/null || true
 "$icehost" serve --idle-limit 0.01 "unix:$scratch/socket" 2>"$scratch/unix.log" &
 server=$!
 wait_for 'unix:.*' "$scratch/unix.log" >/dev/null
