@@ -17,30 +17,28 @@ void Serve(tcp::socket client, bool no_delay) {
   icehost::SimPort port{icehost::TargetOptions{}};
   icehost::BitbangSession session(port);
   std::string bytes(4096, '\0');
+  asio::error_code gone;
   bool open = true;
-  while (open) {
-    const std::size_t received = client.read_some(asio::buffer(bytes));
+  while (open && !gone) {
+    const std::size_t received = client.read_some(asio::buffer(bytes), gone);
     for (std::size_t i = 0; i < received && open; ++i) {
       std::string answer;
       open = session.Feed({&bytes[i], 1}, answer);
-      if (!answer.empty()) asio::write(client, asio::buffer(answer));
+      if (!answer.empty()) asio::write(client, asio::buffer(answer), gone);
     }
   }
 }
 
 }  // namespace
 
-int main(int argc, char** argv) {
+int main(int argc, char** argv) try {
   const bool no_delay = argc > 1 && std::string(argv[1]) == "nodelay";
   asio::io_context io;
   tcp::acceptor acceptor(io, {asio::ip::address_v4::loopback(), 0});
   std::printf("%d\n", acceptor.local_endpoint().port());
   std::fflush(stdout);
-  for (;;) {
-    try {
-      Serve(acceptor.accept(), no_delay);
-    } catch (const asio::system_error&) {
-      // the client is gone
-    }
-  }
+  for (;;) Serve(acceptor.accept(), no_delay);
+} catch (const std::exception& error) {
+  std::fprintf(stderr, "%s\n", error.what());
+  return 1;
 }

@@ -57,7 +57,7 @@ std::string OpenocdProbe::Ask(const std::string& command) {
   const std::string answer = ReceiveAnswer(command);
   const std::size_t head = number.size() + 2;
   const std::string numbered = (answer + " ").substr(0, head);
-  const std::string result = answer.size() > head ? answer.substr(head) : "";
+  std::string result = answer.size() > head ? answer.substr(head) : "";
   if (numbered == number + "0 ") return result;
   if (numbered == number + "1 ") {
     throw Unsupported(fmt::format("OpenOCD: {:.80}: {}", command, result));
@@ -76,7 +76,7 @@ std::string OpenocdProbe::ReceiveAnswer(const std::string& command) {
       throw IoError(fmt::format("{}: the answer to \"{}\" has no end", socket_.Name(), command));
     }
   }
-  const std::string answer = received_.substr(0, end);
+  std::string answer = received_.substr(0, end);
   received_.erase(0, end + 1);
   return answer;
 }
