@@ -170,6 +170,7 @@ TEST(Servers, EndARunAsTheyShould) {
       {Target("", "1"), bitbang, idcode, 3, step},
       {Target("", "1"), bitbang, walk, 3, step},
       {Target("0", ""), bitbang, reset, 3, step},
+      {Target("0", ""), bitbang, "--vcd /dev/null " + idcode, 3, step},
       {flood, bitbang, idcode, 3, step},
       {flood, bitbang, writes, 3, step},
       {Once("0123"), bitbang, idcode, 3, "icehost: SERVER: expected a TDO level, got the byte 50"},
