@@ -1,11 +1,14 @@
 // Fuzzes icehost's own doors. The first byte of an input says which: 's' what a client sends to the
 // server, 'b' what a remote_bitbang server answers, 'o' what an OpenOCD answers, 'c' a script to
 // check. Behind it comes what enters there.
-#include <sys/socket.h>
-#include <unistd.h>
-
+#include <algorithm>
+#include <array>
+#include <asio/local/connect_pair.hpp>
+#include <asio/local/stream_protocol.hpp>
+#include <asio/write.hpp>
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
 #include <sstream>
 #include <string_view>
 
@@ -19,6 +22,7 @@
 #include "host/probe/sim_port.h"
 #include "host/record/recording_port.h"
 #include "host/system/errors.h"
+#include "host/system/interrupt.h"
 
 namespace {
 
@@ -30,25 +34,62 @@ void Check(bool kept, const char* promise) {
   std::abort();
 }
 
-// The client's end of a connection whose other end has sent this and will send no more.
-class Peer {
- public:
-  explicit Peer(std::string_view bytes) {
-    const bool sent =
-        socketpair(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK, 0, fds_) == 0 &&
-        write(fds_[1], bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size()) &&
-        shutdown(fds_[1], SHUT_WR) == 0;
-    Check(sent, "the test's own socket");
-  }
-  ~Peer() { close(fds_[1]); }
-  Peer(const Peer&) = delete;
-  Peer& operator=(const Peer&) = delete;
+using asio::local::stream_protocol;
 
-  icehost::Socket Client() const { return {fds_[0], "peer", std::chrono::milliseconds(100)}; }
+// A server on the event loop that the client waits on. For every question that it is asked, it
+// sends the next of its answers, whatever they are, and it closes with the last.
+class Peer : public std::enable_shared_from_this<Peer> {
+ public:
+  // How many of these bytes are one answer.
+  using AnswerSize = std::size_t (*)(std::string_view bytes);
+
+  Peer(std::string_view answers, char question, AnswerSize size)
+      : answers_(answers), question_(question), size_(size) {}
+
+  icehost::Socket Client() {
+    stream_protocol::socket client(icehost::EventLoop());
+    asio::local::connect_pair(client, socket_);
+    Listen();
+    return {client.release(), "peer", std::chrono::milliseconds(100)};
+  }
 
  private:
-  int fds_[2] = {-1, -1};
+  void Listen() {
+    socket_.async_receive(asio::buffer(bytes_), [self = shared_from_this()](
+                                                    const asio::error_code& error, std::size_t n) {
+      if (!error && self->Answer({self->bytes_.data(), n})) self->Listen();
+    });
+  }
+
+  bool Answer(std::string_view questions) {
+    std::size_t size = 0;
+    for (const char byte : questions) {
+      if (byte == question_ && size < answers_.size()) size += size_(answers_.substr(size));
+    }
+    asio::error_code gone;
+    asio::write(socket_, asio::buffer(answers_.substr(0, size)), gone);
+    answers_.remove_prefix(size);
+    if (answers_.empty()) socket_.close();
+    return !answers_.empty();
+  }
+
+  std::string_view answers_;
+  char question_;
+  AnswerSize size_;
+  stream_protocol::socket socket_{icehost::EventLoop()};
+  std::array<char, 4096> bytes_{};
 };
+
+// A byte, or two where it is none of ASCII's.
+std::size_t BitbangAnswer(std::string_view bytes) {
+  return static_cast<unsigned char>(bytes.front()) < 0x80 ? 1
+                                                          : std::min<std::size_t>(2, bytes.size());
+}
+
+// Up to the end of the text.
+std::size_t OpenocdAnswer(std::string_view bytes) {
+  return std::min(bytes.find('\x1a'), bytes.size() - 1) + 1;
+}
 
 class StepCounter : public icehost::StepRecorder {
  public:
@@ -83,20 +124,22 @@ void Serve(std::string_view bytes) {
 }
 
 void BeBitbangClient(std::string_view bytes) {
-  const Peer peer(bytes);
-  icehost::BitbangPort port(peer.Client());
+  icehost::BitbangPort port(std::make_shared<Peer>(bytes, 'R', BitbangAnswer)->Client());
   StepCounter counter;
   icehost::RecordingPort recording(port, {&counter});
-  icehost::PinProbe probe(recording, CDI_ANSWER_JTAG5, false);
+  icehost::PinProbe probe(recording, CDI_ANSWER_JTAG5, false, [](const std::string& why) {
+    Check(!why.empty(), "a doubt has a reason");
+  });
   Scan(probe);
-  recording.Flush();
+  probe.Flush();
   Check(counter.steps == recording.Steps(), "every step is recorded");
 }
 
 void BeOpenocdClient(std::string_view bytes) {
-  const Peer peer(bytes);
-  icehost::OpenocdProbe probe(peer.Client(), "");
+  const auto peer = std::make_shared<Peer>(bytes, '\x1a', OpenocdAnswer);
+  icehost::OpenocdProbe probe(peer->Client(), "");
   Scan(probe);
+  probe.Flush();
 }
 
 void CheckScript(std::string_view bytes) {

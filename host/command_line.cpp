@@ -76,6 +76,8 @@ void AddRun(CLI::App& app, RunCommand& run) {
             [&run](const std::string& text) { run.probe = ParseProbe(text); });
   AddParsed(verb, "--timeout", "SECONDS", "How long to wait for the probe's answers (default 5)",
             [&run](const std::string& text) { run.timeout = ParseSeconds(text); });
+  verb.add_flag("--strict", run.strict,
+                "Fail a scan whose captured IR no TAP answers with, instead of a warning");
   AddOutputs(verb, run);
   verb.add_option("--plugin", run.plugin,
                   "The plug-in to load (default: the one built or installed with icehost)")

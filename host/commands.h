@@ -29,6 +29,7 @@ struct RunCommand {
   ProbeChoice probe;
   TargetOptions target;
   int wire_mode = 0;  // CDI_ANSWER_
+  bool strict = false;
   std::chrono::milliseconds timeout{5000};
   std::string trace;  // "-": standard error
   std::string json;

@@ -28,20 +28,15 @@ ProbeStack::ProbeStack(const RunCommand& command)
   }
 }
 
-Probe& ProbeStack::Build(const std::vector<StepRecorder*>& recorders) {
+Probe& ProbeStack::Build(const std::vector<StepRecorder*>& recorders, PinProbe::Doubt doubt) {
   if (port_ == nullptr) return *probe_;
   if (!recorders.empty()) recording_ = std::make_unique<RecordingPort>(*port_, recorders);
   PinPort* top = port_.get();
   if (recording_ != nullptr) top = recording_.get();
-  auto pin_probe = std::make_unique<PinProbe>(*top, wire_mode_, two_wire_);
+  auto pin_probe = std::make_unique<PinProbe>(*top, wire_mode_, two_wire_, std::move(doubt));
   pin_probe_ = pin_probe.get();
   probe_ = std::move(pin_probe);
   return *probe_;
-}
-
-void ProbeStack::Flush() const {
-  if (recording_ != nullptr) recording_->Flush();
-  if (port_ != nullptr) port_->Flush();
 }
 
 std::optional<long> ProbeStack::TckCycles() const {

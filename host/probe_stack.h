@@ -19,9 +19,7 @@ class ProbeStack {
   explicit ProbeStack(const RunCommand& command);
 
   // The probe, with its pins recorded; to be called once. The recorders must outlive this object.
-  Probe& Build(const std::vector<StepRecorder*>& recorders);
-  // Lets what is buffered go out and be recorded.
-  void Flush() const;
+  Probe& Build(const std::vector<StepRecorder*>& recorders, PinProbe::Doubt doubt);
   // Writes to the pins that the recorders have seen or will see.
   std::size_t Steps() const { return recording_ != nullptr ? recording_->Steps() : 0; }
   // Unknown where the probe does not show its pins.

@@ -56,8 +56,8 @@ class Runner {
             outputs_.listeners, busy_,
             {command.quiet, !command.quiet && command.trace != "-" && isatty(STDERR_FILENO) != 0}),
         observed_(
-            stack_.Build(outputs_.recorders), busy_, outputs_.listeners,
-            [this](const std::string& why) { reporter_.Say(why); },
+            stack_.Build(outputs_.recorders, [this](const std::string& why) { OnDoubt(why); }),
+            busy_, outputs_.listeners, [this](const std::string& why) { reporter_.Say(why); },
             [this](const std::string& operation) { OnOperation(operation); }) {
     running = this;
     SetRescue([this] { return Abandon(); });
@@ -97,7 +97,13 @@ class Runner {
     }
   }
 
+  void OnDoubt(const std::string& why) {
+    if (command_.strict) throw Unsupported(why);
+    if (!std::exchange(doubted_, true)) reporter_.Say(fmt::format("warning: {}", why));
+  }
+
   ExitStatus RunOne(Script& script) {
+    doubted_ = false;
     try {
       return RunContent(script.path, std::move(script.content));
     } catch (const Interrupted& error) {
@@ -118,7 +124,7 @@ class Runner {
   ExitStatus RunContent(const std::string& script, std::string content) {
     const MemoryFile copy(content);
     const bool ran = RunPlugin(copy.Path());
-    stack_.Flush();
+    observed_.Flush();
     const ScriptText text(script, std::move(content));
     reporter_.Flush();
     if (!ran) {
@@ -190,6 +196,7 @@ class Runner {
   Outputs outputs_;
   Reporter reporter_;
   ObservedProbe observed_;
+  bool doubted_ = false;  // in this script
 };
 
 Runner* Runner::running = nullptr;

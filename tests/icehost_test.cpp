@@ -1,39 +1,15 @@
 // icehost as a user runs it: command line, exit status, output.
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
-#include <array>
-#include <asio.hpp>
-#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
 #include <string_view>
-#include <thread>
 
 #include "host/system/printable.h"
+#include "tests/run_icehost.h"
 
 namespace {
-
-using asio::ip::tcp;
-
-struct Outcome {
-  int status;
-  std::string output;
-};
-
-// Runs icehost in the source folder, with a shell's redirections.
-Outcome RunIcehost(const std::string& arguments) {
-  const std::string command = "cd " ICESCRIPT_SOURCE " && " ICESCRIPT_ICEHOST " " + arguments;
-  FILE* const pipe = popen(command.c_str(), "r");  // NOLINT(cert-env33-c): as a user would
-  std::string output;
-  std::array<char, 4096> buffer;
-  std::size_t got = 0;
-  while ((got = fread(buffer.data(), 1, buffer.size(), pipe)) > 0)
-    output.append(buffer.data(), got);
-  const int status = pclose(pipe);
-  return {WEXITSTATUS(status), output};
-}
 
 // Output against golden files; with ICESCRIPT_UPDATE_GOLDEN set they are written anew instead.
 TEST(Icehost, RunsAsGolden) {
@@ -212,83 +188,6 @@ TEST(Icehost, ChecksInColourOnATerminal) {
                                   " script -qec '" ICESCRIPT_ICEHOST
                                   " check tests/scripts/no_start.gpio' /dev/null";
     EXPECT_EQ(RunIcehost(arguments).output, check.output);
-  }
-}
-
-// A server on the loopback address that sends `answer` to its first client, once that has asked.
-Outcome RunAgainst(const std::string& probe, const std::string& answer, bool stay) {
-  asio::io_context io;
-  tcp::acceptor acceptor(io, {asio::ip::address_v4::loopback(), 0});
-  const std::string name = "127.0.0.1:" + std::to_string(acceptor.local_endpoint().port());
-  std::thread server([&] {
-    tcp::socket client = acceptor.accept();
-    std::array<char, 4096> bytes;
-    asio::error_code error;  // once icehost is done with us
-    client.read_some(asio::buffer(bytes), error);
-    asio::write(client, asio::buffer(answer), error);
-    while (stay && !error) client.read_some(asio::buffer(bytes), error);
-  });
-  Outcome outcome = RunIcehost("run --timeout 0.2 --probe " + probe + ":" + name +
-                               (probe == "openocd" ? "" : " --vcd /dev/stderr") +
-                               " examples/scratch_register.ini 2>&1 >/dev/null");
-  server.join();
-  const std::size_t at = outcome.output.find(name);
-  outcome.output =
-      at == std::string::npos ? outcome.output : outcome.output.substr(at + name.size());
-  return outcome;
-}
-
-TEST(Icehost, SurvivesBadServers) {
-  const struct {
-    const char* answer;
-    bool stay;
-    const char* message;
-  } kServers[] = {
-      {"", false, ": the server closed the connection\n"},
-      {"", true, ": no answer within 200 ms\n"},
-      {"0123", true, ": expected a TDO level, got the byte 50\n"},
-  };
-  for (const auto& server : kServers) {
-    const Outcome outcome = RunAgainst("remote-bitbang", server.answer, server.stay);
-    EXPECT_EQ(outcome.status, 3);
-    EXPECT_EQ(outcome.output.substr(0, outcome.output.find('$')), server.message);
-  }
-}
-
-TEST(Icehost, SurvivesABadOpenocd) {
-  const struct {
-    std::string answer;
-    bool stay;
-    const char* message;
-  } kServers[] = {
-      {"", false, ": OpenOCD closed the connection\n"},
-      {"", true, ": no answer within 200 ms\n"},
-      {"what\x1a", true, ": this is no answer of OpenOCD's: \"what\"\n"},
-      {"0 \x1a", true, "icehost: OpenOCD has no TAP\n"},
-      {"0 a b\x1a", true, "icehost: OpenOCD has several TAPs, name one: a, b\n"},
-      {"1 no such command\x1a", true, "icehost: OpenOCD: jtag names: no such command\n"},
-      {std::string(70000, 'x'), true, ": the answer to \"jtag names\" has no end\n"},
-      {"0 a\x1a"
-       "0 header\n 0 b Y 0x0 0x0 5 0x1 0x3\x1a",
-       true, "icehost: OpenOCD does not say the IR length of a\n"},
-      {"0 a\x1a"
-       "0 header\n 0 a Y 0x0 0x0 4 0x1 0x3\x1a",
-       true, "icehost: the script's IR has 5 bits, but OpenOCD's a has 4\n"},
-      {"0 a\x1a"
-       "0 header\n 0 a Y 0x0 0x0 5 0x1 0x3\x1a"
-       "0 \x1a"
-       "0 1 2 3\x1a",
-       true, "icehost: OpenOCD's answer to a DR scan is none: \"1 2 3\"\n"},
-      {"0 a\x1a"
-       "0 header\n 0 a Y 0x0 0x0 5 0x1 0x3\x1a"
-       "0 \x1a"
-       "0 1 2 3 100\x1a",
-       true, "icehost: OpenOCD's answer to a DR scan is none: \"1 2 3 100\"\n"},
-  };
-  for (const auto& server : kServers) {
-    const Outcome outcome = RunAgainst("openocd", server.answer, server.stay);
-    EXPECT_NE(outcome.status, 0);
-    EXPECT_EQ(outcome.output.substr(0, outcome.output.find('\n') + 1), server.message);
   }
 }
 

@@ -75,6 +75,17 @@ icehost: $2 failed" ] || fail "$2 on $1 said something else"
 scans=(examples/read_idcode.ini examples/scratch_register.ini examples/reset.ini)
 same_as_simulated "openocd:127.0.0.1:$tcl_port" "${scans[@]}"
 same_as_simulated "openocd:127.0.0.1:$tcl_port:sim.tap" examples/read_idcode.ini
+# summary PROBE PATTERN
+summary() {
+  "$icehost" run -q --summary --probe "$1" examples/read_idcode.ini 2>"$scratch/run.log"
+  grep -qE "$2" "$scratch/run.log" || fail "summary of $1"
+}
+summary "openocd:127.0.0.1:$tcl_port" '^operations 2, TCK cycles unknown, bits shifted 37, reads 1,'
+summary sim '^operations 2, TCK cycles 5[0-9], bits shifted 37, reads 1,'
+"$icehost" run --probe "openocd:127.0.0.1:$tcl_port:nope" examples/reset.ini 2>"$scratch/run.log" &&
+  fail "a TAP that OpenOCD does not have"
+[ "$(cat "$scratch/run.log")" = 'icehost: OpenOCD has no TAP "nope", it has: sim.tap' ] ||
+  fail "wrong TAP"
 refused "openocd:127.0.0.1:$tcl_port" examples/two_wire.ini \
   "OpenOCD cannot select the 2-wire interface"
 refused "openocd:127.0.0.1:$tcl_port" examples/read_idcode.gpio \
@@ -99,8 +110,20 @@ for run in "--idcode 0x2BADC001 examples/read_idcode.ini" \
   xmllint --noout "$scratch/run.svg" || fail "the picture is not well-formed"
 done
 
+# Each operation of a picture begins where the one before ends.
+"$icehost" run -q --svg "$scratch/scans.svg" examples/scratch_register.ini
+begins=$(grep -oE 'IR 5 .*</title><rect class="segment" x="[0-9]+"' "$scratch/scans.svg" | sort -u -t'"' -k4)
+[ "$(wc -l <<<"$begins")" = 3 ] || fail "scans begin at $begins"
+
 kill -TERM "$server"
 wait "$server" || fail "serve ended with $?"
+# A server that dies leaves its socket, which is in nobody's way.
+"$icehost" serve "unix:$scratch/socket" 2>"$scratch/stale.log" &
+server=$!
+wait_for 'unix:.*' "$scratch/stale.log" >/dev/null
+"$icehost" serve "unix:$scratch/socket" 2>"$scratch/twice.log" && fail "two servers on one socket"
+kill -KILL "$server"
+wait "$server" 2>/dev/null || true
 env --default-signal=INT "$icehost" serve "unix:$scratch/socket" 2>"$scratch/unix.log" &
 server=$!
 wait_for 'unix:.*' "$scratch/unix.log" >/dev/null

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <utility>
 
 #include "host/system/errors.h"
@@ -15,6 +16,8 @@ constexpr std::size_t kSendAt = 4096;
 // More answers under way than this could fill the buffers of both sides while each waits for the
 // other to read.
 constexpr std::size_t kAnswersUnderWay = 2048;
+// How long an answer too many may be behind the last one that was asked for.
+constexpr std::chrono::milliseconds kStragglers{10};
 
 char PinByte(int levels) {
   return static_cast<char>('0' + ((levels & GPIO_PIN_TCK) != 0 ? 4 : 0) +
@@ -70,13 +73,19 @@ int BitbangPort::Read() {
 }
 
 void BitbangPort::SampleTdo() {
+  ++unanswered_;
   Put('R');
-  if (++unanswered_ == kAnswersUnderWay) TakeAnswers();
+  if (unanswered_ == kAnswersUnderWay) TakeAnswers();
 }
 
 Bits BitbangPort::CollectTdo() {
   TakeAnswers();
   return std::exchange(samples_, {});
+}
+
+void BitbangPort::Flush() {
+  Read();
+  CheckStep(socket_.Pending(kStragglers));
 }
 
 void BitbangPort::PutChanged(char byte, char& last) {
@@ -91,14 +100,17 @@ void BitbangPort::Put(char byte) {
 
 void BitbangPort::SendBuffered() {
   const std::string bytes = std::exchange(unsent_, {});
+  const auto asked = static_cast<std::size_t>(std::count(bytes.begin(), bytes.end(), 'R'));
+  CheckStep(socket_.Pending() + asked);
   socket_.Send(bytes);
 }
 
 void BitbangPort::TakeAnswers() {
   SendBuffered();
   while (unanswered_ > 0) {
-    const std::string answers = socket_.Receive(unanswered_);
+    const std::string answers = socket_.Receive(unanswered_ + 1);
     if (answers.empty()) throw IoError(socket_.Name() + ": the server closed the connection");
+    CheckStep(answers.size());
     for (const char answer : answers) {
       if (answer != '0' && answer != '1') {
         throw IoError(fmt::format("{}: expected a TDO level, got the byte {}", socket_.Name(),
@@ -108,6 +120,13 @@ void BitbangPort::TakeAnswers() {
     }
     unanswered_ -= answers.size();
   }
+  CheckStep(socket_.Pending());
+}
+
+void BitbangPort::CheckStep(std::size_t came) const {
+  if (came <= unanswered_) return;
+  throw IoError(
+      fmt::format("{}: the server is out of step: it answers what was not asked", socket_.Name()));
 }
 
 }  // namespace icehost

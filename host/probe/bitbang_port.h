@@ -14,7 +14,9 @@ namespace icehost {
 // 'u' set TRST and SRST to 00 01 10 11, where 1 asserts; 'Q' quits. Writes are buffered, samples
 // are asked for without waiting for their answers.
 //
-// The protocol has no output enables, drives no TDO and reads no other pin.
+// The protocol has no output enables, drives no TDO and reads no other pin. It does not number its
+// answers either: a server that sends one too many shifts all that follow, so that any byte which
+// was not asked for is an IoError.
 class BitbangPort : public PinPort {
  public:
   explicit BitbangPort(Socket socket) : socket_(std::move(socket)) {}
@@ -27,7 +29,8 @@ class BitbangPort : public PinPort {
   int Read() override;
   void SampleTdo() override;
   Bits CollectTdo() override;
-  void Flush() override { SendBuffered(); }
+  // Returns once a last sample has shown that the server has taken everything until then.
+  void Flush() override;
 
  private:
   void Put(char byte);
@@ -35,10 +38,11 @@ class BitbangPort : public PinPort {
   void ClockTapReset();
   void SendBuffered();
   void TakeAnswers();
+  void CheckStep(std::size_t came) const;
 
   Socket socket_;
   std::string unsent_;
-  std::size_t unanswered_ = 0;
+  std::size_t unanswered_ = 0;  // samples asked for, sent or not
   Bits samples_;
   int levels_ = GPIO_PIN_ALL;
   // The last of each kind that was sent; none before the first write.

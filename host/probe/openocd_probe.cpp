@@ -10,6 +10,7 @@
 
 #include "entry/icescript.h"
 #include "host/system/errors.h"
+#include "host/system/printable.h"
 
 namespace icehost {
 namespace {
@@ -47,11 +48,25 @@ OpenocdProbe::OpenocdProbe(Socket socket, std::string tap)
   }
 }
 
-// One command. Errors come back as text like answers do, so the command says which it is.
+// One command. The answer begins with its number, by which an answer too many is known, and with
+// whether it is an error: its text comes back like any other result.
 std::string OpenocdProbe::Ask(const std::string& command) {
+  const std::string number = fmt::format("{} ", ++commands_);
   socket_.Send(
-      fmt::format("if {{[catch {{{}}} result]}} {{concat 1 $result}} else {{concat 0 $result}}{}",
-                  command, kEndOfText));
+      fmt::format("concat {}[catch {{{}}} result] $result{}", number, command, kEndOfText));
+  const std::string answer = ReceiveAnswer(command);
+  const std::size_t head = number.size() + 2;
+  const std::string numbered = (answer + " ").substr(0, head);
+  std::string result = answer.size() > head ? answer.substr(head) : "";
+  if (numbered == number + "0 ") return result;
+  if (numbered == number + "1 ") {
+    throw Unsupported(fmt::format("OpenOCD: {:.80}: {}", command, result));
+  }
+  throw IoError(fmt::format("{}: this does not answer command {}\"{}\": \"{:.80}\"", socket_.Name(),
+                            number, command, Printable(answer)));
+}
+
+std::string OpenocdProbe::ReceiveAnswer(const std::string& command) {
   std::size_t end = 0;
   while ((end = received_.find(kEndOfText)) == std::string::npos) {
     const std::string bytes = socket_.Receive(kLongestAnswer);
@@ -61,13 +76,9 @@ std::string OpenocdProbe::Ask(const std::string& command) {
       throw IoError(fmt::format("{}: the answer to \"{}\" has no end", socket_.Name(), command));
     }
   }
-  const std::string answer = received_.substr(0, end);
+  std::string answer = received_.substr(0, end);
   received_.erase(0, end + 1);
-  std::string result = answer.size() > 2 ? answer.substr(2) : "";
-  if (answer.substr(0, 1) == "0") return result;
-  if (answer.substr(0, 1) == "1")
-    throw Unsupported(fmt::format("OpenOCD: {}: {}", command, result));
-  throw IoError(fmt::format("{}: this is no answer of OpenOCD's: \"{}\"", socket_.Name(), answer));
+  return answer;
 }
 
 void OpenocdProbe::ChooseTap() {
@@ -117,12 +128,19 @@ int OpenocdProbe::Insert(int ir_bits, const std::uint8_t* ir, int dr_bits, const
 }
 
 int OpenocdProbe::Execute(std::uint8_t* capture) {
-  if (!ir_.empty()) Ask(fmt::format("irscan {} {}", tap_, NumberOfBits(ir_)));
-  if (!dr_.empty()) {
-    const Bits out = ParseDrscanAnswer(Ask(DrscanCommand(tap_, dr_)), dr_.size());
-    StoreBits(out, 8 * JTAG_DR_MAX_BYTES, capture + kDrCaptureByte);
-  }
+  std::vector<std::string> commands;
+  if (!ir_.empty()) commands.push_back(fmt::format("irscan {} {}", tap_, NumberOfBits(ir_)));
+  if (!dr_.empty()) commands.push_back(DrscanCommand(tap_, dr_));
+  if (commands.empty()) return 0;
+  const std::string answer = Ask(fmt::format("{}", fmt::join(commands, "; ")));
+  if (dr_.empty()) return 0;
+  StoreBits(ParseDrscanAnswer(answer, dr_.size()), 8 * JTAG_DR_MAX_BYTES, capture + kDrCaptureByte);
   return 0;
+}
+
+// The answer to a command that does nothing shows that none came twice and that OpenOCD is there.
+void OpenocdProbe::Flush() {
+  Ask("");
 }
 
 int OpenocdProbe::Gpio(int /*out_value*/, std::uint32_t& /*data*/, int /*oe_mask*/, int /*flags*/) {
@@ -151,7 +169,7 @@ Bits ParseDrscanAnswer(const std::string& answer, std::size_t length) {
     bits.insert(bits.end(), byte.begin(), byte.end());
   }
   if (bits.size() != length || fields.size() != (length + 7) / 8) {
-    throw IoError(fmt::format("OpenOCD's answer to a DR scan is none: \"{}\"", answer));
+    throw IoError(fmt::format("OpenOCD's answer to a DR scan is none: \"{}\"", Printable(answer)));
   }
   return bits;
 }

@@ -23,16 +23,19 @@ class OpenocdProbe : public Probe {
   int Reset(int kind) override;
   int Insert(int ir_bits, const std::uint8_t* ir, int dr_bits, const std::uint8_t* dr) override;
   int Execute(std::uint8_t* capture) override;
+  void Flush() override;
   bool CapturesIr() const override { return false; }
   int Gpio(int out_value, std::uint32_t& data, int oe_mask, int flags) override;
 
  private:
   std::string Ask(const std::string& command);
+  std::string ReceiveAnswer(const std::string& command);
   void ChooseTap();
   int DeclaredIrLength();
 
   Socket socket_;
   std::string received_;  // behind the last answer
+  int commands_ = 0;
   std::string tap_;
   int ir_length_ = 0;
   Bits ir_;

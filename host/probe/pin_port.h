@@ -22,7 +22,8 @@ class PinPort {
   virtual void SampleTdo() = 0;
   // The samples since the last call, in order.
   virtual Bits CollectTdo() = 0;
-  // Ends what is under way: buffered writes go out.
+  // Ends what is under way: buffered writes go out, and whoever takes them has answered since.
+  // Everything sampled has been collected before.
   virtual void Flush() {}
 };
 

@@ -1,5 +1,7 @@
 #include "host/probe/pin_probe.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 
 #include "host/system/errors.h"
@@ -11,6 +13,19 @@ namespace {
 constexpr int kIrCaptureBits = 8 * kDrCaptureByte;
 
 constexpr int kNoReset = GPIO_PIN_NRST | GPIO_PIN_TRST;
+
+// IEEE 1149.1: the two bits of a captured IR that come first are 1 and 0. The others are the
+// design's own, so that they tell nothing of its length. Empty where this may be one.
+std::string WhyNoIr(const Bits& captured) {
+  if (captured.size() < 2 || (captured[0] && !captured[1])) return "";
+  const auto ones = std::count(captured.begin(), captured.end(), true);
+  const char* why = "its length is another, or it is one of several in a chain";
+  if (ones == 0) why = "all zeros: TDO is shorted, or the target is held in reset";
+  if (ones == static_cast<std::ptrdiff_t>(captured.size())) {
+    why = "all ones: nothing is powered, or nothing is connected";
+  }
+  return fmt::format("no TAP answers as it should: the captured IR does not end in 01 ({})", why);
+}
 
 }  // namespace
 
@@ -44,12 +59,16 @@ int PinProbe::Insert(int ir_bits, const std::uint8_t* ir, int dr_bits, const std
 
 int PinProbe::Execute(std::uint8_t* capture) {
   TakeTap();
-  if (!ir_.empty()) StoreBits(Scan(TapState::kShiftIr, ir_), kIrCaptureBits, capture);
+  if (!ir_.empty()) Scan(TapState::kShiftIr, ir_);
+  if (!dr_.empty()) Scan(TapState::kShiftDr, dr_);
+  // Both at once, for across a network a wait costs more than a scan.
+  const Bits out = port_.CollectTdo();
+  const auto dr_out = out.begin() + static_cast<std::ptrdiff_t>(ir_.size());
+  const Bits ir_out(out.begin(), dr_out);
+  if (const std::string why = WhyNoIr(ir_out); !why.empty()) doubt_(why);
   const int extra = wire_mode_ == CDI_ANSWER_2WIRE ? 1 : 0;
-  if (!dr_.empty()) {
-    StoreBits(Scan(TapState::kShiftDr, dr_), 8 * JTAG_DR_MAX_BYTES,
-              capture + kDrCaptureByte + extra);
-  }
+  StoreBits(ir_out, kIrCaptureBits, capture);
+  StoreBits({dr_out, out.end()}, 8 * JTAG_DR_MAX_BYTES, capture + kDrCaptureByte + extra);
   return 0;
 }
 
@@ -99,13 +118,13 @@ void PinProbe::MoveTo(TapState state) {
   while (tap_.State() != state) ClockTck(TmsTowards(*tap_.State(), state), false, false);
 }
 
-// One scan from Run-Test/Idle and back, with TCK low at its end.
-Bits PinProbe::Scan(TapState shift, const Bits& in) {
+// One scan from Run-Test/Idle and back, with TCK low at its end; what comes out is yet to be
+// collected.
+void PinProbe::Scan(TapState shift, const Bits& in) {
   MoveTo(shift);
   for (std::size_t i = 0; i < in.size(); ++i) ClockTck(i + 1 == in.size(), in[i], true);
   MoveTo(TapState::kRunTestIdle);
   Write(kNoReset, kDrivenPins);
-  return port_.CollectTdo();
 }
 
 }  // namespace icehost

@@ -2,6 +2,10 @@
 #ifndef ICESCRIPT_HOST_PROBE_PIN_PROBE_H_
 #define ICESCRIPT_HOST_PROBE_PIN_PROBE_H_
 
+#include <functional>
+#include <string>
+#include <utility>
+
 #include "entry/icescript.h"
 #include "host/probe/pin_port.h"
 #include "host/probe/probe.h"
@@ -12,16 +16,20 @@ namespace icehost {
 
 class PinProbe : public Probe {
  public:
+  // Told that a captured IR is none, and why; it may throw Unsupported to fail the call.
+  using Doubt = std::function<void(const std::string& why)>;
+
   // `port` must outlive the probe. `wire_mode` is the CDI_ANSWER_ in force at the start; where
   // `two_wire` is false, selecting the 2-wire interface throws Unsupported.
-  PinProbe(PinPort& port, int wire_mode, bool two_wire)
-      : port_(port), two_wire_(two_wire), wire_mode_(wire_mode) {}
+  PinProbe(PinPort& port, int wire_mode, bool two_wire, Doubt doubt)
+      : port_(port), two_wire_(two_wire), doubt_(std::move(doubt)), wire_mode_(wire_mode) {}
 
   int Config(int code, int value) override;
   int Reset(int kind) override;
   int Insert(int ir_bits, const std::uint8_t* ir, int dr_bits, const std::uint8_t* dr) override;
   int Execute(std::uint8_t* capture) override;
   int Gpio(int out_value, std::uint32_t& data, int oe_mask, int flags) override;
+  void Flush() override { port_.Flush(); }
 
   long TckCycles() const { return tap_.TckCycles(); }
 
@@ -31,10 +39,11 @@ class PinProbe : public Probe {
   void ClockTck(bool tms, bool tdi, bool sample);
   void TakeTap();
   void MoveTo(TapState state);
-  Bits Scan(TapState shift, const Bits& in);
+  void Scan(TapState shift, const Bits& in);
 
   PinPort& port_;
   bool two_wire_;
+  Doubt doubt_;
   int wire_mode_;
   int levels_ = GPIO_PIN_ALL;
   int enables_ = 0;

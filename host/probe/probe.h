@@ -24,6 +24,8 @@ class Probe {
   // Whether Execute stores the captured IR.
   virtual bool CapturesIr() const { return true; }
   virtual int Gpio(int out_value, std::uint32_t& data, int oe_mask, int flags) = 0;
+  // Ends a script: what is buffered goes out, and whoever takes it has answered since.
+  virtual void Flush() = 0;
 };
 
 }  // namespace icehost

@@ -36,6 +36,10 @@ class ObservedProbe : public Probe {
   int Insert(int ir_bits, const std::uint8_t* ir, int dr_bits, const std::uint8_t* dr) override;
   int Execute(std::uint8_t* capture) override;
   int Gpio(int out_value, std::uint32_t& data, int oe_mask, int flags) override;
+  void Flush() override {
+    const Lock lock(busy_);
+    probe_.Flush();
+  }
 
   const RunCounts& Counts() const { return counts_; }
 

@@ -28,6 +28,9 @@ class Socket {
   // Waits for at least one byte and returns what is there, at most `limit`; empty when the other
   // side has closed.
   std::string Receive(std::size_t limit);
+  // Bytes that have come and were not received yet; where there are none, waits for some as long as
+  // `patience`.
+  std::size_t Pending(std::chrono::milliseconds patience = {});
   // The endpoint as the user named it.
   const std::string& Name() const { return name_; }
 
@@ -35,9 +38,12 @@ class Socket {
   using Addresses = std::vector<StreamProtocol::endpoint>;
 
   Socket(std::string name, Timeout timeout);
+  asio::error_code ConnectTo(const StreamProtocol::endpoint& address);
   Addresses Resolve(const Endpoint& endpoint);
   template <class Result, class Begin>
   std::pair<asio::error_code, Result> Await(Begin begin);
+  void AcknowledgeNow();
+  [[noreturn]] void Lose(const asio::error_code& error) const;
   [[noreturn]] void Fail(const std::string& what, const asio::error_code& error) const;
 
   StreamProtocol::socket socket_;

@@ -1,0 +1,44 @@
+// Serves the simulated target by remote_bitbang as a plain server does: each answer is a write of
+// its own. usage: bit_server nagle|nodelay; it prints its port, and serves one client after the
+// other.
+#include <asio.hpp>
+#include <cstdio>
+#include <string>
+
+#include "host/probe/bitbang_server.h"
+#include "host/probe/sim_port.h"
+
+namespace {
+
+using asio::ip::tcp;
+
+void Serve(tcp::socket client, bool no_delay) {
+  client.set_option(tcp::no_delay(no_delay));
+  icehost::SimPort port{icehost::TargetOptions{}};
+  icehost::BitbangSession session(port);
+  std::string bytes(4096, '\0');
+  asio::error_code gone;
+  bool open = true;
+  while (open && !gone) {
+    const std::size_t received = client.read_some(asio::buffer(bytes), gone);
+    for (std::size_t i = 0; i < received && open; ++i) {
+      std::string answer;
+      open = session.Feed({&bytes[i], 1}, answer);
+      if (!answer.empty()) asio::write(client, asio::buffer(answer), gone);
+    }
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) try {
+  const bool no_delay = argc > 1 && std::string(argv[1]) == "nodelay";
+  asio::io_context io;
+  tcp::acceptor acceptor(io, {asio::ip::address_v4::loopback(), 0});
+  std::printf("%d\n", acceptor.local_endpoint().port());
+  std::fflush(stdout);
+  for (;;) Serve(acceptor.accept(), no_delay);
+} catch (const std::exception& error) {
+  std::fprintf(stderr, "%s\n", error.what());
+  return 1;
+}
