@@ -1,5 +1,6 @@
-// Runs one workload once, to be counted by valgrind: bench_once NAME SIZE. Without arguments lists
-// them all as NAME|UNIT|UNITS FOR EACH 1 OF SIZE|SIZE.
+// Runs one workload once, to be counted by valgrind: bench_once NAME SIZE; or any script, on a host
+// that does nothing: bench_once FILE. Without arguments lists the workloads as NAME|UNIT|UNITS FOR
+// EACH 1 OF SIZE|SIZE.
 #include <iostream>
 #include <string>
 
@@ -30,6 +31,7 @@ int RunOnce(const std::string& name, int size) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  if (argc == 2) return RunFile(argv[1]);
   if (argc == 3) return RunOnce(argv[1], std::stoi(argv[2]));
   List();
 }

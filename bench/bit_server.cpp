@@ -1,6 +1,6 @@
 // Serves the simulated target by remote_bitbang as a plain server does: each answer is a write of
 // its own. usage: bit_server nagle|nodelay; it prints its port, and serves one client after the
-// other.
+// other. Of each it prints how often it was answered and then asked on: its round trips.
 #include <asio.hpp>
 #include <cstdio>
 #include <string>
@@ -12,21 +12,28 @@ namespace {
 
 using asio::ip::tcp;
 
-void Serve(tcp::socket client, bool no_delay) {
+int Serve(tcp::socket client, bool no_delay) {
   client.set_option(tcp::no_delay(no_delay));
   icehost::SimPort port{icehost::TargetOptions{}};
   icehost::BitbangSession session(port);
   std::string bytes(4096, '\0');
   asio::error_code gone;
   bool open = true;
+  bool answered = false;
+  int round_trips = 0;
   while (open && !gone) {
     const std::size_t received = client.read_some(asio::buffer(bytes), gone);
+    if (answered) ++round_trips;
+    answered = false;
     for (std::size_t i = 0; i < received && open; ++i) {
       std::string answer;
       open = session.Feed({&bytes[i], 1}, answer);
-      if (!answer.empty()) asio::write(client, asio::buffer(answer), gone);
+      if (answer.empty()) continue;
+      asio::write(client, asio::buffer(answer), gone);
+      answered = true;
     }
   }
+  return round_trips;
 }
 
 }  // namespace
@@ -37,7 +44,10 @@ int main(int argc, char** argv) try {
   tcp::acceptor acceptor(io, {asio::ip::address_v4::loopback(), 0});
   std::printf("%d\n", acceptor.local_endpoint().port());
   std::fflush(stdout);
-  for (;;) Serve(acceptor.accept(), no_delay);
+  for (;;) {
+    std::printf("%d\n", Serve(acceptor.accept(), no_delay));
+    std::fflush(stdout);
+  }
 } catch (const std::exception& error) {
   std::fprintf(stderr, "%s\n", error.what());
   return 1;

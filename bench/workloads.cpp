@@ -216,3 +216,7 @@ ScriptFile::~ScriptFile() {
 void RunWorkload(const Workload& workload, const std::string& path, int size) {
   workload.run(path, size);
 }
+
+int RunFile(const std::string& path) {
+  return Implement(idle_runs, path);
+}

@@ -34,4 +34,7 @@ class ScriptFile {
 // Runs a workload once. What is counted is counted inside this function, found by its name.
 extern "C" void RunWorkload(const Workload& workload, const std::string& path, int size);
 
+// Runs the script of this path once, on a host that does nothing; the plug-in's result.
+int RunFile(const std::string& path);
+
 #endif  // ICESCRIPT_BENCH_WORKLOADS_H_

@@ -25,64 +25,75 @@ void Complain(std::string what) {
   std::fputs(fmt::format("icehost: {}\n", Printable(what)).c_str(), stderr);
 }
 
-Reporter::Reporter(const std::vector<EventListener*>& listeners, std::recursive_mutex& busy,
+Reporter::Reporter(const std::vector<EventListener*>& listeners, WorkLock& work,
                    const Options& options)
     : listeners_(listeners),
-      busy_(busy),
+      work_(work),
       progress_(options.show_progress),
       quiet_(options.quiet),
       terminal_(isatty(fileno(output_.User())) != 0) {}
 
 void Reporter::BeginScript(const std::string& script) {
-  const std::lock_guard<std::recursive_mutex> lock(busy_);
   for (EventListener* const listener : listeners_) listener->OnScript(script);
-  in_script_ = parsing_ = true;
+  in_script_ = true;
 }
 
 void Reporter::EndScript(bool ran) {
-  const std::lock_guard<std::recursive_mutex> lock(busy_);
   in_script_ = false;
   for (EventListener* const listener : listeners_) listener->OnScriptEnd(ran);
 }
 
-void Reporter::CountOperation() {
-  progress_.OnOperation();
+void Reporter::EnterPlugin() {
+  parsing_ = true;
+  work_.LetGo();
+}
+
+void Reporter::OnCall(const char* operation) {
+  work_.TakeUp();
   parsing_ = false;
+  if (operation != nullptr) progress_.OnOperation();
 }
 
 void Reporter::Show(const char* message) {
-  ShowCaptured();
+  if (parsing_) ShowCaptured();
   Pass(message);
 }
 
 void Reporter::Flush() {
-  parsing_ = true;
   ShowCaptured();
-  if (std::fflush(output_.User()) == EOF) FailOutput();
+  work_.LetGo();
+  const int flushed = std::fflush(output_.User());
+  work_.TakeUp();
+  if (flushed == EOF) FailOutput();
 }
 
 void Reporter::Pass(const char* message) {
-  {
-    const std::lock_guard<std::recursive_mutex> lock(busy_);
-    progress_.Erase();
-    for (EventListener* const listener : listeners_) listener->OnMessage(message);
-    last_message_ = message;
-  }
-  if (quiet_) return;
+  work_.TakeUp();
+  progress_.Erase();
+  for (EventListener* const listener : listeners_) listener->OnMessage(message);
+  last_message_ = message;
+  if (!quiet_) Write(message);
+  if (parsing_) work_.LetGo();
+}
+
+// Lets go of the work meanwhile: nobody may take what is written.
+void Reporter::Write(const char* message) {
+  work_.LetGo();
   const int written = terminal_ ? std::fputs(PrintableLines(message).c_str(), output_.User())
                                 : std::fputs(message, output_.User());
+  work_.TakeUp();
   if (written == EOF) FailOutput();
 }
 
 void Reporter::ShowCaptured() {
-  if (!parsing_) return;
   const std::string text = output_.Take();
   if (!text.empty()) Pass(text.c_str());
 }
 
 void Reporter::Say(const std::string& what) {
+  work_.LetGo();
   std::fflush(output_.User());
-  const std::lock_guard<std::recursive_mutex> lock(busy_);
+  work_.TakeUp();
   progress_.Erase();
   for (EventListener* const listener : listeners_) listener->OnError(what);
   Complain(what);

@@ -2,13 +2,13 @@
 #ifndef ICESCRIPT_HOST_REPORTER_H_
 #define ICESCRIPT_HOST_REPORTER_H_
 
-#include <mutex>
 #include <string>
 #include <vector>
 
 #include "host/progress.h"
 #include "host/record/events.h"
 #include "host/system/captured_output.h"
+#include "host/work_lock.h"
 
 namespace icehost {
 
@@ -25,15 +25,17 @@ class Reporter {
     bool show_progress;
   };
 
-  // `listeners` and `busy` must outlive the reporter. `busy` is held while the listeners are told,
-  // but not while the user is, who may keep us waiting.
-  Reporter(const std::vector<EventListener*>& listeners, std::recursive_mutex& busy,
-           const Options& options);
+  // `listeners` and `work` must outlive the reporter. `work` is held but while the user is told
+  // something, who may keep us waiting, and while the plug-in reads a script.
+  Reporter(const std::vector<EventListener*>& listeners, WorkLock& work, const Options& options);
 
   void BeginScript(const std::string& script);
   void EndScript(bool ran);
-  // To be called at every host call.
-  void CountOperation();
+  // Around the call of the plug-in.
+  void EnterPlugin();
+  void LeavePlugin() { work_.TakeUp(); }
+  // To be called at every host call, with the operation that begins there or null.
+  void OnCall(const char* operation);
   // A message of the plug-in's, as it stands: some are pieces of a line. For a terminal without
   // control characters. Throws IoError where standard output takes no more, since the rest of the
   // script is not to run unseen.
@@ -42,8 +44,8 @@ class Reporter {
   void Flush();
   // Why a call or a script failed, in icehost's words.
   void Say(const std::string& what);
-  // The last words of a run whose main thread does not come back, from another one: `busy` is held,
-  // and standard output is not touched.
+  // The last words of a run whose main thread does not come back, from the one that took over: does
+  // not touch standard output.
   void Abandon(const std::string& what);
   // Erases the line of progress for the last time.
   void Close() { progress_.Erase(); }
@@ -53,10 +55,11 @@ class Reporter {
 
  private:
   void Pass(const char* message);
+  void Write(const char* message);
   void ShowCaptured();
 
   const std::vector<EventListener*>& listeners_;
-  std::recursive_mutex& busy_;
+  WorkLock& work_;
   Progress progress_;
   CapturedOutput output_;
   bool quiet_;

@@ -4,7 +4,7 @@
 #include <unistd.h>
 
 #include <cstdio>
-#include <mutex>
+#include <memory>
 #include <new>
 #include <optional>
 #include <utility>
@@ -53,12 +53,12 @@ class Runner {
         stack_(command),
         outputs_(command),
         reporter_(
-            outputs_.listeners, busy_,
+            outputs_.listeners, work_,
             {command.quiet, !command.quiet && command.trace != "-" && isatty(STDERR_FILENO) != 0}),
         observed_(
             stack_.Build(outputs_.recorders, [this](const std::string& why) { OnDoubt(why); }),
-            busy_, outputs_.listeners, [this](const std::string& why) { reporter_.Say(why); },
-            [this](const std::string& operation) { OnOperation(operation); }) {
+            outputs_.listeners, [this](const std::string& why) { reporter_.Say(why); },
+            [this](const char* operation) { OnCall(operation); }) {
     running = this;
     SetRescue([this] { return Abandon(); });
   }
@@ -71,10 +71,7 @@ class Runner {
 
   ExitStatus RunAll(std::vector<Script> scripts) {
     ExitStatus status = kAllWell;
-    {
-      const std::lock_guard<std::recursive_mutex> lock(busy_);
-      outputs_.Begin();
-    }
+    outputs_.Begin();
     for (Script& script : scripts) {
       reporter_.BeginScript(script.path);
       status = RunOne(script);
@@ -90,9 +87,9 @@ class Runner {
     return 0;
   }
 
-  void OnOperation(const std::string& operation) {
-    reporter_.CountOperation();
-    if (outputs_.svg.has_value()) {
+  void OnCall(const char* operation) {
+    reporter_.OnCall(operation);
+    if (operation != nullptr && outputs_.svg.has_value()) {
       outputs_.svg->BeginOperation(stack_.Steps(), operation);
     }
   }
@@ -122,10 +119,12 @@ class Runner {
   }
 
   ExitStatus RunContent(const std::string& script, std::string content) {
-    const MemoryFile copy(content);
+    std::optional<ScriptText> text(std::in_place, script, std::move(content));
+    const MemoryFile copy(text->Content());
+    // Of a GPIO script with errors nothing runs: there is nothing to judge afterwards.
+    if (IsGpioScript(*text)) text.reset();
     const bool ran = RunPlugin(copy.Path());
     observed_.Flush();
-    const ScriptText text(script, std::move(content));
     reporter_.Flush();
     if (!ran) {
       const std::string why = command_.quiet ? ": " + reporter_.LastMessage() : "";
@@ -133,7 +132,7 @@ class Runner {
       return kScriptFailed;
     }
     // The plug-in's result is 0 for a JTAG script with errors.
-    if (!IsGpioScript(text) && Check(text).HasErrors()) {
+    if (text.has_value() && Check(*text).HasErrors()) {
       reporter_.Say(fmt::format("{} has errors; icehost check shows them", script));
       return kScriptFailed;
     }
@@ -142,6 +141,9 @@ class Runner {
 
   // What the probe and the output throw passes through the plug-in as it is.
   bool RunPlugin(const std::string& path) {
+    const std::unique_ptr<Reporter, void (*)(Reporter*)> leave(
+        &reporter_, [](Reporter* reporter) { reporter->LeavePlugin(); });
+    reporter_.EnterPlugin();
     try {
       return plugin_.Run(observed_, path, Show);
     } catch (const Interrupted&) {
@@ -158,7 +160,6 @@ class Runner {
   }
 
   ExitStatus Complete(ExitStatus status) {
-    const std::lock_guard<std::recursive_mutex> lock(busy_);
     reporter_.Close();
     if (command_.summary) Summarise();
     const std::vector<std::string> failures = outputs_.Complete();
@@ -168,11 +169,9 @@ class Runner {
 
   // In place of Complete, where that is not reached. False while the main thread is at work.
   bool Abandon() {
-    std::unique_lock<std::recursive_mutex> lock(busy_, std::try_to_lock);
-    if (!lock.owns_lock()) return false;
+    if (!work_.TakeOver()) return false;
     reporter_.Abandon("interrupted");
     for (const std::string& failure : outputs_.Complete()) Complain(failure);
-    lock.release();  // the main thread is to touch nothing any more
     return true;
   }
 
@@ -190,7 +189,7 @@ class Runner {
   static Runner* running;  // callbacks carry no handle
 
   const RunCommand& command_;
-  std::recursive_mutex busy_;
+  WorkLock work_;
   Plugin plugin_;
   ProbeStack stack_;
   Outputs outputs_;

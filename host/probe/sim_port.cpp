@@ -10,7 +10,7 @@ void SimPort::Write(int levels, int enables) {
   wires_ = WireLevels(levels & enables_, enables_);
   const auto high = [this](int pin) { return (wires_ & pin) != 0; };
 
-  if (!high(GPIO_PIN_NRST)) target_.ResetRegisters();
+  target_.HoldRegisters(!high(GPIO_PIN_NRST));
   if (!high(GPIO_PIN_TRST)) {
     target_.ResetTap();
   } else if ((~before & wires_ & GPIO_PIN_TCK) != 0) {

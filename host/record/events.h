@@ -2,19 +2,20 @@
 #ifndef ICESCRIPT_HOST_RECORD_EVENTS_H_
 #define ICESCRIPT_HOST_RECORD_EVENTS_H_
 
-#include <cstdint>
-#include <optional>
 #include <string>
 #include <vector>
 
 namespace icehost {
 
-// One argument or result of a host call: by name, as text for people, and as a number where it is
-// one.
+// One argument or result of a host call, by name.
 struct Field {
-  std::string name;
-  std::string text;
-  std::optional<std::int64_t> number;
+  // What a number stands for. The bytes of a register are no number.
+  enum class Kind { kNumber, kPins, kFlags, kCode, kMode, kReset, kBytes };
+
+  const char* name;
+  Kind kind;
+  int number;
+  std::string bytes;  // "0x" and two digits a byte, the most significant first
 };
 
 struct CallEvent {

@@ -3,6 +3,7 @@
 #define ICESCRIPT_HOST_RECORD_JSON_WRITER_H_
 
 #include <ostream>
+#include <string>
 
 #include "host/record/events.h"
 
@@ -24,6 +25,7 @@ class JsonWriter : public EventListener {
 
  private:
   std::ostream& stream_;
+  std::string line_;  // kept for its room
 };
 
 }  // namespace icehost

@@ -3,7 +3,6 @@
 #define ICESCRIPT_HOST_RECORD_OBSERVED_PROBE_H_
 
 #include <functional>
-#include <mutex>
 #include <string>
 #include <vector>
 
@@ -24,35 +23,29 @@ struct RunCounts {
 class ObservedProbe : public Probe {
  public:
   using Refused = std::function<void(const std::string& why)>;
-  // Called before an operation, with words for it.
-  using Begin = std::function<void(const std::string& operation)>;
+  // Called before every call: with words for the operation that begins with it, or null where it
+  // belongs to one.
+  using Begin = std::function<void(const char* operation)>;
 
-  // `busy` is held during every call. It, `probe` and the listeners must outlive this object.
-  ObservedProbe(Probe& probe, std::recursive_mutex& busy, std::vector<EventListener*> listeners,
-                Refused refused, Begin begin);
+  // `probe` and the listeners must outlive this object.
+  ObservedProbe(Probe& probe, std::vector<EventListener*> listeners, Refused refused, Begin begin);
 
   int Config(int code, int value) override;
   int Reset(int kind) override;
   int Insert(int ir_bits, const std::uint8_t* ir, int dr_bits, const std::uint8_t* dr) override;
   int Execute(std::uint8_t* capture) override;
   int Gpio(int out_value, std::uint32_t& data, int oe_mask, int flags) override;
-  void Flush() override {
-    const Lock lock(busy_);
-    probe_.Flush();
-  }
+  void Flush() override { probe_.Flush(); }
 
   const RunCounts& Counts() const { return counts_; }
 
  private:
-  using Lock = std::lock_guard<std::recursive_mutex>;
-
   template <class Call>
   int Guard(Call call);
   template <class MakeEvent>
   void Tell(MakeEvent make_event) const;
 
   Probe& probe_;
-  std::recursive_mutex& busy_;
   std::vector<EventListener*> listeners_;
   Refused refused_;
   Begin begin_;

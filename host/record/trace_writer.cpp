@@ -1,14 +1,18 @@
 #include "host/record/trace_writer.h"
 
+#include <fmt/format.h>
+
+#include "host/record/field_text.h"
 #include "host/system/printable.h"
 
 namespace icehost {
 namespace {
 
-void WriteFields(std::ostream& stream, const std::vector<Field>& fields, const char* separator) {
+void AppendFields(const std::vector<Field>& fields, const char* separator, std::string& line) {
   const char* before = "";
   for (const Field& field : fields) {
-    stream << before << field.name << '=' << field.text;
+    line.append(before).append(field.name) += '=';
+    AppendText(field, line);
     before = separator;
   }
 }
@@ -20,11 +24,12 @@ void TraceWriter::OnScript(const std::string& path) {
 }
 
 void TraceWriter::OnCall(const CallEvent& call) {
-  stream_ << call.function << '(';
-  WriteFields(stream_, call.arguments, ", ");
-  stream_ << ") = " << call.result << (call.outputs.empty() ? "" : "  ");
-  WriteFields(stream_, call.outputs, " ");
-  stream_ << '\n';
+  line_.assign(call.function) += '(';
+  AppendFields(call.arguments, ", ", line_);
+  line_.append(") = ").append(fmt::format_int(call.result).c_str());
+  if (!call.outputs.empty()) line_ += "  ";
+  AppendFields(call.outputs, " ", line_);
+  stream_ << (line_ += '\n');
 }
 
 void TraceWriter::OnMessage(const char* /*text*/) {}

@@ -3,6 +3,7 @@
 #define ICESCRIPT_HOST_RECORD_TRACE_WRITER_H_
 
 #include <ostream>
+#include <string>
 
 #include "host/record/events.h"
 
@@ -21,6 +22,7 @@ class TraceWriter : public EventListener {
 
  private:
   std::ostream& stream_;
+  std::string line_;  // kept for its room
 };
 
 }  // namespace icehost

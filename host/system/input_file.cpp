@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <memory>
@@ -27,6 +28,10 @@ constexpr int kLookForSignalsEvery = 100;  // ms
 // outlives this process.
 std::string ReadAll(int fd, const std::string& path, std::size_t limit) {
   std::string content;
+  struct stat status = {};
+  if (fstat(fd, &status) == 0 && S_ISREG(status.st_mode)) {
+    content.reserve(std::min(static_cast<std::size_t>(status.st_size), limit));
+  }
   char buffer[1 << 16];
   for (;;) {
     pollfd waiting = {fd, POLLIN, 0};

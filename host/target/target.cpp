@@ -38,8 +38,9 @@ void Target::ResetTap() {
   tdo_.reset();
 }
 
-void Target::ResetRegisters() {
-  registers_ = options_.registers;
+void Target::HoldRegisters(bool hold) {
+  if (hold && !held_) registers_ = options_.registers;
+  held_ = hold;
 }
 
 void Target::Shift(bool tdi) {
@@ -56,6 +57,7 @@ Bits Target::CapturedDr() const {
 }
 
 void Target::UpdateDr() {
+  if (held_) return;
   if (const auto found = registers_.find(instruction_); found != registers_.end()) {
     found->second = shift_;
   }

@@ -32,8 +32,9 @@ class Target {
   void LowerTck();
   // TRST low.
   void ResetTap();
-  // NRST low: the registers get their reset values; the TAP controller stays where it is.
-  void ResetRegisters();
+  // NRST low: the registers get their reset values and keep them; the TAP controller stays where it
+  // is.
+  void HoldRegisters(bool hold);
 
   // Level of TDO; nothing while the target does not drive it, outside Shift-IR and Shift-DR.
   std::optional<bool> Tdo() const { return tdo_; }
@@ -46,6 +47,7 @@ class Target {
 
   TargetOptions options_;
   std::map<std::uint64_t, Bits> registers_;
+  bool held_ = false;
   TapState state_ = TapState::kTestLogicReset;
   std::uint64_t instruction_ = kIdcodeInstruction;
   Bits shift_;
