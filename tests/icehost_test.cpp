@@ -39,8 +39,8 @@ TEST(Icehost, RunsAsGolden) {
       {"run --probe sim --ir-length 32 --wire cjtag2 --register 0x5a5a55aa:8 "
        "tests/scripts/register.ini",
        0, "register"},
-      {"run --ir-length 2 --register 0:5 - "
-       "<<END\n[A]\nIR=2,0\nDR=R,5,1f\n[B]\nIR=2,3\nDR=R,2,2\nEND",
+      {"run --ir-length 2 --register 0:5=0x1F - "
+       "<<END\n[A]\nIR=2,0\nDR=R,5,0\n[B]\nIR=2,3\nDR=R,2,2\nEND",
        0, "bounds"},
       {"run --json /dev/stderr examples/reset_pulse.gpio examples/reset.ini 2>&1 >/dev/null", 0,
        "json"},
@@ -55,6 +55,9 @@ TEST(Icehost, RunsAsGolden) {
       {"check -q tests/scripts/bad.gpio tests/scripts/no_start.gpio - <tests/scripts/no_end.gpio "
        "2>&1",
        1, "check_errors_only"},
+      {"--help; for verb in run check serve; do " ICESCRIPT_ICEHOST " $verb --help; done", 0,
+       "help"},
+      {"check - 2>&1 <<END\n[ZEVAA_ICE_GPPIO]\nA=1\nEND", 1, "check_near_tag"},
       {"check tests/golden/empty.txt tests/scripts/marked.gpio tests/scripts/near.gpio 2>&1", 1,
        "check_heads"},
       {"check tests/scripts/nested.gpio tests/scripts/cut.gpio tests/scripts/cut.ini 2>&1", 1,

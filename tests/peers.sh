@@ -32,6 +32,8 @@ read -r -t 5 -n 2 -u 3 answers || fail "no answer to R"
 exec 4<>"/dev/tcp/127.0.0.1/$port"
 read -r -t 5 -n 1 -u 4 && fail "two clients at once"
 wait_for '^icehost: busy: a second client was sent away$' "$scratch/serve.log" >/dev/null
+printf R >&3
+read -r -t 5 -n 1 -u 3 || fail "the first client had to go"
 exec 3>&- 4>&-
 
 cat >"$scratch/openocd.cfg" <<END

@@ -191,7 +191,7 @@ TEST(Servers, EndARunAsTheyShould) {
        "icehost: " + no_ir + "all zeros: TDO is shorted, or the target is held in reset)"},
       {Tdo("01"), bitbang, "--strict " + idcode, 1,
        "icehost: " + no_ir + "its length is another, or it is one of several in a chain)"},
-      {Tdo("11110"), bitbang, "--strict " + idcode, 1,
+      {Tdo("11011"), bitbang, "--strict " + idcode, 1,
        "icehost: " + no_ir + "its length is another, or it is one of several in a chain)"},
       {Tdo("1"), bitbang, "--strict " + dr_only + " " + walk, 0, ""},
       {Target("", ""), bitbang, "--strict " + idcode, 0, ""},

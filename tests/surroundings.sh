@@ -90,7 +90,8 @@ ends_by() {
 mkfifo "$scratch/fifo"
 for signal in INT TERM HUP; do
   ends_by $signal "$icehost" run --svg "$scratch/e.svg" --json "$scratch/e.json" "$scratch/endless.gpio"
-  xmllint --noout "$scratch/e.svg" || fail "the picture of an interrupted run"
+  xmllint --noout "$scratch/e.svg" && grep -q '>The first 1000 of [0-9]* steps<' "$scratch/e.svg" ||
+    fail "the picture of an interrupted run"
   tail -n 1 "$scratch/e.json" | grep -qx '{"end":false}' || fail "the calls of an interrupted run"
 done
 ends_by INT "$icehost" run --json "$scratch/many.json" "$scratch/many.ini"
