@@ -16,6 +16,7 @@
 #include "host/probe_stack.h"
 #include "host/record/observed_probe.h"
 #include "host/reporter.h"
+#include "host/scripts.h"
 #include "host/system/errors.h"
 #include "host/system/interrupt.h"
 #include "host/system/memory_file.h"
@@ -23,33 +24,11 @@
 namespace icehost {
 namespace {
 
-// Read once: what is judged is what is run.
-struct Script {
-  std::string path;
-  std::string content;
-};
-
-std::vector<Script> ReadScripts(const RunCommand& command) {
-  std::vector<Script> scripts;
-  for (const std::string& path : command.scripts) {
-    scripts.push_back({path, ReadScript(path, command.size_limit)});
-  }
-  return scripts;
-}
-
-Plugin LoadPlugin(const std::string& path) {
-  try {
-    return Plugin(path);
-  } catch (const std::runtime_error& error) {
-    throw IoError(fmt::format("cannot load the plug-in: {}", error.what()));
-  }
-}
-
 class Runner {
  public:
   explicit Runner(const RunCommand& command)
       : command_(command),
-        plugin_(LoadPlugin(command.plugin)),
+        plugin_(command.plugin),
         stack_(command),
         outputs_(command),
         reporter_(
@@ -139,24 +118,11 @@ class Runner {
     return kAllWell;
   }
 
-  // What the probe and the output throw passes through the plug-in as it is.
   bool RunPlugin(const std::string& path) {
     const std::unique_ptr<Reporter, void (*)(Reporter*)> leave(
         &reporter_, [](Reporter* reporter) { reporter->LeavePlugin(); });
     reporter_.EnterPlugin();
-    try {
-      return plugin_.Run(observed_, path, Show);
-    } catch (const Interrupted&) {
-      throw;
-    } catch (const IoError&) {
-      throw;
-    } catch (const std::bad_alloc&) {
-      throw;
-    } catch (const std::exception& error) {
-      throw PluginThrew(std::string(": ") + error.what());
-    } catch (...) {
-      throw PluginThrew("");
-    }
+    return plugin_.Run(observed_, path, Show);
   }
 
   ExitStatus Complete(ExitStatus status) {
@@ -205,7 +171,7 @@ Runner* Runner::running = nullptr;
 ExitStatus Run(const RunCommand& command) {
   std::vector<Script> scripts;
   try {
-    scripts = ReadScripts(command);
+    scripts = ReadScripts(command.scripts, command.size_limit);
   } catch (const IoError& error) {
     Complain(error.what());
     return kScriptFailed;

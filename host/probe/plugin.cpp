@@ -3,16 +3,26 @@
 #include <dlfcn.h>
 
 #include <filesystem>
-#include <stdexcept>
+#include <new>
+
+#include "host/system/errors.h"
 
 namespace icehost {
 
+namespace {
+
+[[noreturn]] void Refuse(const std::string& why) {
+  throw IoError("cannot load the plug-in: " + why);
+}
+
+}  // namespace
+
 Plugin::Plugin(const std::string& path) : library_(dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL)) {
-  if (library_ == nullptr) throw std::runtime_error(dlerror());
+  if (library_ == nullptr) Refuse(dlerror());
   entry_ = reinterpret_cast<decltype(entry_)>(dlsym(library_, "ImplementScr"));
   if (entry_ == nullptr) {
     dlclose(library_);
-    throw std::runtime_error(path + ": exports no ImplementScr");
+    Refuse(path + ": exports no ImplementScr");
   }
 }
 
@@ -22,7 +32,19 @@ Plugin::~Plugin() {
 
 bool Plugin::Run(Probe& probe, const std::string& script, PrintCallback print) const {
   std::string path = script;  // the entry takes a char* but does not write to it
-  return entry_(&probe, path.data(), print) == 0;
+  try {
+    return entry_(&probe, path.data(), print) == 0;
+  } catch (const Interrupted&) {
+    throw;
+  } catch (const IoError&) {
+    throw;
+  } catch (const std::bad_alloc&) {
+    throw;
+  } catch (const std::exception& error) {
+    throw PluginThrew(std::string(": ") + error.what());
+  } catch (...) {
+    throw PluginThrew("");
+  }
 }
 
 std::string DefaultPluginPath() {

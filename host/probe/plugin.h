@@ -11,15 +11,15 @@ namespace icehost {
 
 class Plugin {
  public:
-  // Loads the library at `path` and binds it to this process's link_ functions. Throws
-  // std::runtime_error that says why when it cannot.
+  // Loads the library at `path` and binds it to this process's link_ functions. Throws IoError that
+  // says why when it cannot.
   explicit Plugin(const std::string& path);
   ~Plugin();
   Plugin(const Plugin&) = delete;
   Plugin& operator=(const Plugin&) = delete;
 
-  // Runs one script on `probe`; true when it ran to its end. Exceptions of the probe and of `print`
-  // pass through.
+  // Runs one script on `probe`; true when it ran to its end. What the probe and `print` throw passes
+  // through, as does std::bad_alloc; any other exception becomes PluginThrew.
   bool Run(Probe& probe, const std::string& script, PrintCallback print) const;
 
  private:
