@@ -40,9 +40,6 @@ expect 1 'icehost: -: Bad file descriptor' '"$icehost" run - <&-'
 expect 3 'icehost: standard output: Bad file descriptor' '"$icehost" run "$script" >&-'
 expect 0 '' '"$icehost" run --vcd "$scratch/a" --json "$scratch/b" "$script" <&- 2>&-'
 head -c 8 "$scratch/a" | grep -q '^\$version' || fail "a waveform without standard error"
-expect 3 'icehost: *: Too many open files' 'ulimit -n 5; "$icehost" run "$script"'
-expect 3 'icehost: cannot keep a script in memory: Too many open files' \
-  'ulimit -n 15; exec 3</dev/null 4<&3 5<&3; "$icehost" run "$script"'
 
 # Every output that is not taken is told, and counts.
 for output in --help --version "run --summary $script" "run --trace $script"; do
