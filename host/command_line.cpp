@@ -111,8 +111,7 @@ void AddCheck(CLI::App& app, CheckCommand& check) {
 
 void AddServe(CLI::App& app, ServeCommand& serve) {
   CLI::App& verb = *app.add_subcommand(
-      "serve",
-      "Serve the simulated target by the remote_bitbang protocol, until a signal ends it");
+      "serve", "Serve the simulated target by the remote_bitbang protocol, until a signal ends it");
   verb.fallthrough();
   AddParsed(verb, "ENDPOINT", "",
             "tcp:PORT (on the loopback address), tcp:ADDRESS:PORT or unix:PATH",

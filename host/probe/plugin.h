@@ -18,8 +18,8 @@ class Plugin {
   Plugin(const Plugin&) = delete;
   Plugin& operator=(const Plugin&) = delete;
 
-  // Runs one script on `probe`; true when it ran to its end. What the probe and `print` throw passes
-  // through, as does std::bad_alloc; any other exception becomes PluginThrew.
+  // Runs one script on `probe`; true when it ran to its end. What the probe and `print` throw
+  // passes through, as does std::bad_alloc; any other exception becomes PluginThrew.
   bool Run(Probe& probe, const std::string& script, PrintCallback print) const;
 
  private:
