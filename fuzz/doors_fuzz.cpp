@@ -145,7 +145,7 @@ void BeOpenocdClient(std::string_view bytes) {
 void CheckScript(std::string_view bytes) {
   const icehost::ScriptText script("script", std::string(bytes));
   std::ostringstream report;
-  icehost::Problems problems = icehost::Check(script);
+  icehost::Problems problems = icehost::Check(script).problems;
   problems.Write(report, script, {});
   Check(!problems.HasErrors() || report.str().find(": error: ") != std::string::npos,
         "errors are reported");

@@ -23,7 +23,7 @@ bool WantsColour() {
 ExitStatus CheckOne(const std::string& path, std::size_t size_limit, ReportStyle style) {
   try {
     const ScriptText script(path == "-" ? "<stdin>" : path, ReadScript(path, size_limit));
-    Problems problems = Check(script);
+    Problems problems = Check(script).problems;
     problems.Write(std::cerr, script, style);
     return problems.HasErrors() ? kScriptFailed : kAllWell;
   } catch (const IoError& error) {

@@ -62,6 +62,9 @@ void AddOutputs(CLI::App& verb, RunCommand& run) {
   verb.add_option("--vcd", run.vcd, "Write the waveform, for GTKWave, PulseView or sigrok-cli")
       ->type_name("FILE");
   verb.add_option("--svg", run.svg, "Write the waveform as a picture")->type_name("FILE");
+  verb.add_option("--learn", run.learn,
+                  "Write the script with the values that were read as those it expects")
+      ->type_name("FILE");
   verb.add_flag("--summary", run.summary, "Say at the end what was done");
 }
 
@@ -78,6 +81,10 @@ void AddRun(CLI::App& app, RunCommand& run) {
             [&run](const std::string& text) { run.timeout = ParseSeconds(text); });
   verb.add_flag("--strict", run.strict,
                 "Fail a scan whose captured IR no TAP answers with, instead of a warning");
+  verb.add_flag("--force", run.force,
+                "Play scripts with errors as the plug-in takes them, instead of none");
+  verb.add_flag("--keep-going", run.keep_going,
+                "Play on where a value is not the expected one, and fail at the end");
   AddOutputs(verb, run);
   verb.add_option("--plugin", run.plugin,
                   "The plug-in to load (default: the one built or installed with icehost)")
@@ -88,6 +95,9 @@ void AddRun(CLI::App& app, RunCommand& run) {
       ->group("Simulated target");
   verb.final_callback([&run, &verb] {
     if (run.trace == "true") run.trace = "-";  // given without a file
+    if (!run.learn.empty() && run.scripts.size() > 1) {
+      throw CLI::ValidationError("--learn", "takes one script");
+    }
     try {
       RefuseSharedFiles(run);
     } catch (const std::invalid_argument& error) {

@@ -30,6 +30,9 @@ struct RunCommand {
   TargetOptions target;
   int wire_mode = 0;  // CDI_ANSWER_
   bool strict = false;
+  bool force = false;
+  bool keep_going = false;
+  std::string learn;
   std::chrono::milliseconds timeout{5000};
   std::string trace;  // "-": standard error
   std::string json;

@@ -25,6 +25,7 @@ Outputs::Outputs(const RunCommand& command) {
     svg.emplace();
     recorders.push_back(&*svg);
   }
+  if (!command.learn.empty()) learned_ = &Open(command.learn, Rest::kNothing);
 }
 
 void Outputs::Begin() {

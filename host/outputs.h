@@ -24,6 +24,8 @@ struct Outputs {
   void Begin();
   // Returns what went wrong, a text for each file that could not be written whole.
   std::vector<std::string> Complete();
+  // The script with the values read.
+  void Learn(const std::string& script) { *learned_ << script; }
 
   std::optional<TraceWriter> trace;
   std::optional<JsonWriter> json;
@@ -37,6 +39,7 @@ struct Outputs {
 
   std::vector<std::unique_ptr<OutputFile>> files_;
   std::ostream* svg_stream_ = nullptr;
+  std::ostream* learned_ = nullptr;
 };
 
 }  // namespace icehost

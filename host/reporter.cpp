@@ -6,8 +6,10 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <utility>
 
 #include "host/system/errors.h"
+#include "host/system/file_identity.h"
 #include "host/system/printable.h"
 
 namespace icehost {
@@ -17,12 +19,16 @@ namespace {
   throw IoError(fmt::format("standard output: {}", std::strerror(errno)));
 }
 
+void ComplainLine(std::string line) {
+  while (!line.empty() && line.back() == '\n') line.pop_back();
+  // Where standard error takes no more, there is nobody left to tell.
+  std::fputs((Printable(line) + "\n").c_str(), stderr);
+}
+
 }  // namespace
 
-void Complain(std::string what) {
-  while (!what.empty() && what.back() == '\n') what.pop_back();
-  // Where standard error takes no more, there is nobody left to tell.
-  std::fputs(fmt::format("icehost: {}\n", Printable(what)).c_str(), stderr);
+void Complain(const std::string& what) {
+  ComplainLine("icehost: " + what);
 }
 
 Reporter::Reporter(const std::vector<EventListener*>& listeners, WorkLock& work,
@@ -31,10 +37,12 @@ Reporter::Reporter(const std::vector<EventListener*>& listeners, WorkLock& work,
       work_(work),
       progress_(options.show_progress),
       quiet_(options.quiet),
-      terminal_(isatty(fileno(output_.User())) != 0) {}
+      terminal_(isatty(fileno(output_.User())) != 0),
+      shared_(IsSameFile(fileno(output_.User()), STDERR_FILENO)) {}
 
-void Reporter::BeginScript(const std::string& script) {
-  for (EventListener* const listener : listeners_) listener->OnScript(script);
+void Reporter::BeginScript(const std::string& path, const std::string& name) {
+  for (EventListener* const listener : listeners_) listener->OnScript(path);
+  name_ = name;
   in_script_ = true;
 }
 
@@ -73,6 +81,7 @@ void Reporter::Pass(const char* message) {
   for (EventListener* const listener : listeners_) listener->OnMessage(message);
   last_message_ = message;
   if (!quiet_) Write(message);
+  if (*message != '\0') mid_line_ = !quiet_ && last_message_.back() != '\n';
   if (parsing_) work_.LetGo();
 }
 
@@ -91,18 +100,30 @@ void Reporter::ShowCaptured() {
 }
 
 void Reporter::Say(const std::string& what) {
+  SayLine(what, 0, "icehost: " + what);
+}
+
+void Reporter::SayAt(int line, int column, const std::string& what) {
+  std::string text = fmt::format("{}:{}:", name_, line);
+  if (column != 0) text += fmt::format("{}:", column);
+  text.append(" ").append(what);
+  SayLine(text, line, text);
+}
+
+void Reporter::SayLine(const std::string& what, int line, const std::string& shown) {
   work_.LetGo();
   std::fflush(output_.User());
   work_.TakeUp();
   progress_.Erase();
-  for (EventListener* const listener : listeners_) listener->OnError(what);
-  Complain(what);
+  for (EventListener* const listener : listeners_) listener->OnError(what, line);
+  if (shared_ && std::exchange(mid_line_, false)) std::fputc('\n', stderr);
+  ComplainLine(shown);
 }
 
 void Reporter::Abandon(const std::string& what) {
   progress_.Erase();
   for (EventListener* const listener : listeners_) {
-    listener->OnError(what);
+    listener->OnError(what, 0);
     if (in_script_) listener->OnScriptEnd(false);
   }
   Complain(what);

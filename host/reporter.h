@@ -13,7 +13,7 @@
 namespace icehost {
 
 // icehost's own words, a line on standard error.
-void Complain(std::string what);
+void Complain(const std::string& what);
 
 // Tells the user, and all who listen, what happens. Each line makes room for itself: the line of
 // progress is erased before it. What the plug-in writes to standard output itself is a message like
@@ -29,7 +29,8 @@ class Reporter {
   // something, who may keep us waiting, and while the plug-in reads a script.
   Reporter(const std::vector<EventListener*>& listeners, WorkLock& work, const Options& options);
 
-  void BeginScript(const std::string& script);
+  // `name` is what messages call it.
+  void BeginScript(const std::string& path, const std::string& name);
   void EndScript(bool ran);
   // Around the call of the plug-in.
   void EnterPlugin();
@@ -44,6 +45,8 @@ class Reporter {
   void Flush();
   // Why a call or a script failed, in icehost's words.
   void Say(const std::string& what);
+  // Likewise, of a place in the script; a column of 0 is none.
+  void SayAt(int line, int column, const std::string& what);
   // The last words of a run whose main thread does not come back, from the one that took over: does
   // not touch standard output.
   void Abandon(const std::string& what);
@@ -57,6 +60,7 @@ class Reporter {
   void Pass(const char* message);
   void Write(const char* message);
   void ShowCaptured();
+  void SayLine(const std::string& what, int line, const std::string& shown);
 
   const std::vector<EventListener*>& listeners_;
   WorkLock& work_;
@@ -64,6 +68,9 @@ class Reporter {
   CapturedOutput output_;
   bool quiet_;
   bool terminal_;
+  bool shared_;            // standard output and standard error are one
+  bool mid_line_ = false;  // the last message has no line feed
+  std::string name_;
   bool in_script_ = false;
   bool parsing_ = false;  // when the plug-in may write to standard output itself
   std::string last_message_;

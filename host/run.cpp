@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <memory>
 #include <new>
@@ -11,6 +12,8 @@
 #include <vector>
 
 #include "host/check/check.h"
+#include "host/check/learn.h"
+#include "host/follower.h"
 #include "host/outputs.h"
 #include "host/probe/plugin.h"
 #include "host/probe_stack.h"
@@ -20,9 +23,15 @@
 #include "host/system/errors.h"
 #include "host/system/interrupt.h"
 #include "host/system/memory_file.h"
+#include "host/system/printable.h"
 
 namespace icehost {
 namespace {
+
+Follower::Mode ModeOf(const RunCommand& command) {
+  if (!command.learn.empty()) return Follower::Mode::kLearn;
+  return command.keep_going ? Follower::Mode::kKeepGoing : Follower::Mode::kFail;
+}
 
 class Runner {
  public:
@@ -34,9 +43,14 @@ class Runner {
         reporter_(
             outputs_.listeners, work_,
             {command.quiet, !command.quiet && command.trace != "-" && isatty(STDERR_FILENO) != 0}),
+        follower_(ModeOf(command),
+                  [this](Place place, const std::string& what) {
+                    explained_ = true;
+                    reporter_.SayAt(place.line, place.column, what);
+                  }),
         observed_(
             stack_.Build(outputs_.recorders, [this](const std::string& why) { OnDoubt(why); }),
-            outputs_.listeners, [this](const std::string& why) { reporter_.Say(why); },
+            follower_, outputs_.listeners, [this](const std::string& why) { SayOfCall(why); },
             [this](const char* operation) { OnCall(operation); }) {
     running = this;
     SetRescue([this] { return Abandon(); });
@@ -52,10 +66,12 @@ class Runner {
     ExitStatus status = kAllWell;
     outputs_.Begin();
     for (Script& script : scripts) {
-      reporter_.BeginScript(script.path);
-      status = RunOne(script);
-      reporter_.EndScript(status == kAllWell);
-      if (status != kAllWell) break;
+      reporter_.BeginScript(script.path, script.text.Name());
+      const ExitStatus ended = RunOne(script);
+      reporter_.EndScript(ended == kAllWell);
+      if (command_.summary) Summarise(script.text.Name());
+      status = std::max(status, ended);
+      if (ended != kAllWell && !(command_.keep_going && ran_)) break;
     }
     return Complete(status);
   }
@@ -75,18 +91,34 @@ class Runner {
 
   void OnDoubt(const std::string& why) {
     if (command_.strict) throw Unsupported(why);
-    if (!std::exchange(doubted_, true)) reporter_.Say(fmt::format("warning: {}", why));
+    if (std::exchange(doubted_, true)) return;
+    reporter_.SayAt(observed_.UnderWay().source.line, 0, fmt::format("warning: {}", why));
+  }
+
+  // Why the call under way fails; or else the script.
+  void SayOfCall(const std::string& why) {
+    const ObservedProbe::Call& call = observed_.UnderWay();
+    explained_ = true;
+    if (call.function == nullptr || call.source.line == 0) {
+      reporter_.Say(why);
+    } else {
+      reporter_.SayAt(call.source.line, 0, fmt::format("{} failed: {}", call.function, why));
+    }
   }
 
   ExitStatus RunOne(Script& script) {
     doubted_ = false;
+    ran_ = false;
+    explained_ = false;
+    follower_.Begin(script.plan);
+    observed_.Leave();
     try {
-      return RunContent(script.path, std::move(script.content));
+      return Judge(script, Play(script));
     } catch (const Interrupted& error) {
       reporter_.Say(error.what());
       return kInterrupted;
     } catch (const IoError& error) {
-      reporter_.Say(error.what());
+      SayOfCall(error.what());
       return kNotOpened;
     } catch (const PluginThrew& error) {
       reporter_.Say(fmt::format("{}: the plug-in threw an exception{}", script.path, error.what()));
@@ -97,23 +129,36 @@ class Runner {
     }
   }
 
-  ExitStatus RunContent(const std::string& script, std::string content) {
-    std::optional<ScriptText> text(std::in_place, script, std::move(content));
-    const MemoryFile copy(text->Content());
-    // Of a GPIO script with errors nothing runs: there is nothing to judge afterwards.
-    if (IsGpioScript(*text)) text.reset();
+  // Whether the plug-in ran it to its end.
+  bool Play(Script& script) {
+    const MemoryFile copy(script.text.Content());
+    // A long script need not be there twice.
+    if (command_.learn.empty()) script.text = ScriptText(script.text.Name(), "");
     const bool ran = RunPlugin(copy.Path());
     observed_.Flush();
     reporter_.Flush();
+    return ran;
+  }
+
+  ExitStatus Judge(const Script& script, bool ran) {
+    ran_ = ran;
     if (!ran) {
-      const std::string why = command_.quiet ? ": " + reporter_.LastMessage() : "";
-      reporter_.Say(fmt::format("{} failed{}", script, why));
+      const std::string why = command_.quiet && !explained_ ? ": " + reporter_.LastMessage() : "";
+      reporter_.Say(fmt::format("{} failed{}", script.path, why));
       return kScriptFailed;
     }
     // The plug-in's result is 0 for a JTAG script with errors.
-    if (text.has_value() && Check(*text).HasErrors()) {
-      reporter_.Say(fmt::format("{} has errors; icehost check shows them", script));
+    if (script.has_errors) {
+      reporter_.Say(fmt::format("{} has errors", script.path));
       return kScriptFailed;
+    }
+    if (follower_.Unmet() > 0) {
+      reporter_.Say(fmt::format("{} failed: not as expected: {} of the values read", script.path,
+                                follower_.Unmet()));
+      return kScriptFailed;
+    }
+    if (!command_.learn.empty()) {
+      outputs_.Learn(Learn(script.text, script.plan, follower_.Read()));
     }
     return kAllWell;
   }
@@ -127,7 +172,7 @@ class Runner {
 
   ExitStatus Complete(ExitStatus status) {
     reporter_.Close();
-    if (command_.summary) Summarise();
+    if (command_.summary) std::fputs((PrintableLines(summary_) + Counts()).c_str(), stderr);
     const std::vector<std::string> failures = outputs_.Complete();
     for (const std::string& failure : failures) Complain(failure);
     return status == kAllWell && !failures.empty() ? kNotOpened : status;
@@ -141,15 +186,16 @@ class Runner {
     return true;
   }
 
-  void Summarise() const {
+  void Summarise(const std::string& script) {
+    for (const std::string& line : follower_.Summary(script)) summary_ += line + '\n';
+  }
+
+  std::string Counts() const {
     const RunCounts& counts = observed_.Counts();
     const std::optional<long> cycles = stack_.TckCycles();
-    std::fputs(
-        fmt::format("operations {}, TCK cycles {}, bits shifted {}, reads {}, {:.3f} s\n",
-                    counts.operations, cycles.has_value() ? std::to_string(*cycles) : "unknown",
-                    counts.bits, counts.reads, reporter_.Seconds())
-            .c_str(),
-        stderr);
+    return fmt::format("operations {}, TCK cycles {}, bits shifted {}, reads {}, {:.3f} s\n",
+                       counts.operations, cycles.has_value() ? std::to_string(*cycles) : "unknown",
+                       counts.bits, counts.reads, reporter_.Seconds());
   }
 
   static Runner* running;  // callbacks carry no handle
@@ -160,8 +206,12 @@ class Runner {
   ProbeStack stack_;
   Outputs outputs_;
   Reporter reporter_;
+  Follower follower_;
   ObservedProbe observed_;
-  bool doubted_ = false;  // in this script
+  bool doubted_ = false;    // in this script
+  bool ran_ = false;        // this script, to its end
+  bool explained_ = false;  // why it fails
+  std::string summary_;     // what became of the expectations
 };
 
 Runner* Runner::running = nullptr;
@@ -171,11 +221,12 @@ Runner* Runner::running = nullptr;
 ExitStatus Run(const RunCommand& command) {
   std::vector<Script> scripts;
   try {
-    scripts = ReadScripts(command.scripts, command.size_limit);
+    scripts = LoadScripts(command);
   } catch (const IoError& error) {
     Complain(error.what());
     return kScriptFailed;
   }
+  if (scripts.empty()) return kScriptFailed;
   try {
     return Runner(command).RunAll(std::move(scripts));
   } catch (const Interrupted& error) {

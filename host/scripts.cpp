@@ -1,12 +1,46 @@
 #include "host/scripts.h"
 
-#include "host/check/script_text.h"
+#include <fmt/format.h>
+
+#include <iostream>
+#include <utility>
+
+#include "host/check/check.h"
+#include "host/reporter.h"
 
 namespace icehost {
+namespace {
 
-std::vector<Script> ReadScripts(const std::vector<std::string>& paths, std::size_t size_limit) {
+// Why a script with these problems is not played; empty: it is.
+std::string WhyNot(const Problems& problems, const RunCommand& command) {
+  if (problems.HasErrors() && !command.force) {
+    return "has errors: nothing is played (--force plays it as the plug-in takes it)";
+  }
+  if (problems.HasWarnings() && command.strict) {
+    return "has warnings, and --strict is given: nothing is played";
+  }
+  return "";
+}
+
+}  // namespace
+
+std::vector<Script> LoadScripts(const RunCommand& command) {
   std::vector<Script> scripts;
-  for (const std::string& path : paths) scripts.push_back({path, ReadScript(path, size_limit)});
+  for (const std::string& path : command.scripts) {
+    ScriptText text(path == "-" ? "<stdin>" : path, ReadScript(path, command.size_limit));
+    scripts.push_back({path, std::move(text), {}, false});
+  }
+  bool play = true;
+  for (Script& script : scripts) {
+    Checked checked = Check(script.text);
+    checked.problems.Write(std::cerr, script.text, {command.quiet, false});
+    const std::string why = WhyNot(checked.problems, command);
+    if (!why.empty()) Complain(fmt::format("{} {}", script.path, why));
+    play = play && why.empty();
+    script.plan = std::move(checked.plan);
+    script.has_errors = checked.problems.HasErrors();
+  }
+  if (!play) scripts.clear();
   return scripts;
 }
 

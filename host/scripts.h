@@ -2,20 +2,26 @@
 #ifndef ICESCRIPT_HOST_SCRIPTS_H_
 #define ICESCRIPT_HOST_SCRIPTS_H_
 
-#include <cstddef>
 #include <string>
 #include <vector>
+
+#include "host/check/plan.h"
+#include "host/check/script_text.h"
+#include "host/commands.h"
 
 namespace icehost {
 
 // Read once: what is judged is what is run.
 struct Script {
   std::string path;
-  std::string content;
+  ScriptText text;
+  Plan plan;
+  bool has_errors;
 };
 
-// All of them, each up to `size_limit` bytes. Throws as ReadScript.
-std::vector<Script> ReadScripts(const std::vector<std::string>& paths, std::size_t size_limit);
+// Reads and checks all of them, and shows what is wrong as check does, on standard error. None, and
+// a word why, where they are not to be played. Throws as ReadScript and Check.
+std::vector<Script> LoadScripts(const RunCommand& command);
 
 }  // namespace icehost
 

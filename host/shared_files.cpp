@@ -37,7 +37,8 @@ void RefuseSharedFiles(const RunCommand& command) {
   } kOutputs[] = {{"--trace", command.trace},
                   {"--json", command.json},
                   {"--vcd", command.vcd},
-                  {"--svg", command.svg}};
+                  {"--svg", command.svg},
+                  {"--learn", command.learn}};
   std::vector<Use> uses = UsesBesideOutputs(command);
   for (const auto& output : kOutputs) {
     if (output.path.empty() || output.path == "-") continue;

@@ -73,16 +73,16 @@ Place CutAt(const ScriptLine& too_long) {
   return {too_long.number, icescript::INI_LINE_BUFFER};
 }
 
-Problems Check(const ScriptText& script) {
-  Problems problems;
-  ReportCutLines(script, problems);
+Checked Check(const ScriptText& script) {
+  Checked checked;
+  ReportCutLines(script, checked.problems);
   if (IsGpioScript(script)) {
-    CheckGpio(script, problems);
+    CheckGpio(script, checked);
   } else {
-    WarnOfNearTag(script, problems);
-    CheckJtag(script, problems);
+    WarnOfNearTag(script, checked.problems);
+    CheckJtag(script, checked);
   }
-  return problems;
+  return checked;
 }
 
 bool IsGpioScript(const ScriptText& script) {

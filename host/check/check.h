@@ -2,19 +2,24 @@
 #ifndef ICESCRIPT_HOST_CHECK_CHECK_H_
 #define ICESCRIPT_HOST_CHECK_CHECK_H_
 
+#include "host/check/plan.h"
 #include "host/check/problems.h"
 #include "host/check/script_text.h"
 
 namespace icehost {
 
-// All problems of a script. Throws Interrupted, as does all of the below.
-Problems Check(const ScriptText& script);
+struct Checked {
+  Problems problems;
+  Plan plan;
+};
 
-// What Check is made of: the problems of a script that the plug-in runs as a GPIO script, and as a
-// JTAG script.
+// All problems of a script, and what runs of it. Throws Interrupted, as does all of the below.
+Checked Check(const ScriptText& script);
+
+// What Check is made of: a script that the plug-in runs as a GPIO script, and as a JTAG script.
 bool IsGpioScript(const ScriptText& script);
-void CheckGpio(const ScriptText& script, Problems& problems);
-void CheckJtag(const ScriptText& script, Problems& problems);
+void CheckGpio(const ScriptText& script, Checked& checked);
+void CheckJtag(const ScriptText& script, Checked& checked);
 
 // Where the plug-in stops reading for a line that is too long.
 constexpr const char* kCutScript =

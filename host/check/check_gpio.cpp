@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 
 #include "base/gpio_line_parser.h"
 #include "base/ini_file.h"
@@ -10,6 +11,7 @@
 #include "host/check/check.h"
 #include "host/check/check_items.h"
 #include "host/check/gpio_blocks.h"
+#include "host/check/pin_expectation.h"
 #include "host/system/memory_file.h"
 
 namespace icehost {
@@ -30,8 +32,10 @@ std::string ReaderMessage(const std::string& head) {
 // reported and left out: the ones after it are checked as if it were not there.
 class GpioLines {
  public:
-  explicit GpioLines(Problems& problems) : problems_(problems) {}
+  explicit GpioLines(Checked& checked) : problems_(checked.problems), plan_(checked.plan) {}
 
+  // START.
+  void Begin(const ScriptLine& line) { plan_.pins.push_back({line.number}); }
   void Take(const ScriptLine& line);
   // There are no more.
   void Finish();
@@ -41,9 +45,12 @@ class GpioLines {
 
  private:
   void Refuse(const ScriptLine& line, std::string_view item);
+  void Plan(const ScriptLine& line);
   void CheckWords(const ScriptLine& line, const CIniFile::gpio_element& element);
 
   Problems& problems_;
+  icehost::Plan& plan_;
+  bool begins_block_ = false;
   GpioLineParser parser_;
   CIniFile::gpio_element state_{0, GPIO_PIN_ALL, GPIO_FLAG_START, icescript::GPIO_KIND_PIN, 0};
   GpioBlocks blocks_;
@@ -62,8 +69,23 @@ void GpioLines::Take(const ScriptLine& line) {
   }
   CheckWords(line, parser_.Element());
   state_ = parser_.Element();
+  Plan(line);
   blocks_.Take(line, state_);
   CheckItems(line, state_.flags, problems_);
+}
+
+void GpioLines::Plan(const ScriptLine& line) {
+  if (state_.kind == icescript::GPIO_KIND_PIN) {
+    plan_.pins.push_back({line.number, std::exchange(begins_block_, false)});
+  } else if (state_.kind == icescript::GPIO_KIND_REPT) {
+    begins_block_ = true;
+  } else {
+    plan_.pins.back().ends_block = true;
+  }
+  auto expectation = PinExpectation(line, (state_.flags & GPIO_FLAG_READ_IN) != 0, problems_);
+  if (!expectation.has_value()) return;
+  expectation->operation = plan_.pins.size() - 1;
+  plan_.expectations.push_back(std::move(*expectation));
 }
 
 void GpioLines::Refuse(const ScriptLine& line, std::string_view item) {
@@ -95,7 +117,8 @@ void GpioLines::Finish() {
 
 }  // namespace
 
-void CheckGpio(const ScriptText& script, Problems& problems) {
+void CheckGpio(const ScriptText& script, Checked& checked) {
+  Problems& problems = checked.problems;
   std::string head;
   Place last{1, 1};
   auto at = script.WithText(script.begin());
@@ -108,7 +131,8 @@ void CheckGpio(const ScriptText& script, Problems& problems) {
     problems.Error(last, message);
     return;
   }
-  GpioLines lines(problems);
+  GpioLines lines(checked);
+  lines.Begin(script.Line(last.line));
   for (; at != script.end() && !lines.Ended(); at = script.WithText(++at)) {
     const ScriptLine line = *at;
     lines.Take(line);

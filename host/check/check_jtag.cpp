@@ -3,11 +3,14 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "base/ini_file.h"
 #include "host/check/check.h"
 #include "host/check/check_scan.h"
 #include "host/check/ini_sections.h"
+#include "host/check/scan_expectation.h"
+#include "host/check/scan_fields.h"
 #include "host/system/interrupt.h"
 #include "jtag/jtag_scr.h"
 
@@ -21,8 +24,8 @@ using icescript::JtagScr;
 // The operations of a script, in order.
 class JtagOperations {
  public:
-  JtagOperations(const ScriptText& script, Problems& problems)
-      : script_(script), problems_(problems) {}
+  JtagOperations(const ScriptText& script, Checked& checked)
+      : script_(script), problems_(checked.problems), plan_(checked.plan) {}
 
   void Take(const IniSection& section) {
     // A store for each section: in one of them all, each lookup would walk through all.
@@ -39,19 +42,24 @@ class JtagOperations {
  private:
   void Fill(CIniFile& ini, const IniSection& section) const {
     const IniKeys& keys = KeysOf(section.name);
-    for (std::size_t i = 0; i < keys.size(); ++i) {
+    for (std::size_t i = 0; i < kKeysRead; ++i) {
       if (section.lines[i] == 0) continue;
       const CString value(ValueOf(script_.Line(section.lines[i])));
-      ini.SetValue(CString(section.name), keys[i], value, true);
+      ini.SetValue(CString(section.name), CString(keys[i]), value, true);
     }
   }
 
   void TakeControl(CIniFile& ini, const IniSection& section) {
     JtagScr scr(nullptr, nullptr);  // reads no file, so it prints nothing
     const std::unique_ptr<icescript::JtagOperatorData> record(scr.ParsingControl(ini, 0));
-    if (record == nullptr) problems_.Error(section.first, "CONTROL syntax error");
-    if (section.lines[1] == 0) return;
-    const ScriptLine cdi = script_.Line(section.lines[1]);
+    if (record == nullptr) {
+      problems_.Error(section.first, "CONTROL syntax error");
+    } else {
+      const bool reset = record->operatorType == icescript::JTAG_OP_RESET;
+      Append(section, section.lines[reset ? kReset : kCdi], false);
+    }
+    if (section.lines[kCdi] == 0) return;
+    const ScriptLine cdi = script_.Line(section.lines[kCdi]);
     if (record == nullptr) {
       problems_.Error(cdi.Of(ValueOf(cdi)), "CDI is 5 (5-wire JTAG) or 2 (2-wire interface)");
     } else if (record->operatorType == icescript::JTAG_OP_RESET) {
@@ -61,12 +69,29 @@ class JtagOperations {
 
   void TakeScan(CIniFile& ini, const IniSection& section) {
     const IniKeys& keys = KeysOf(section.name);
-    for (std::size_t i = 0; i < keys.size(); ++i) {
-      if (ini.GetValue(0, keys[i]) != "") continue;
+    for (std::size_t i = 0; i < kKeysRead; ++i) {
+      if (ini.GetValue(0, CString(keys[i])) != "") continue;
       ReportMissing(section, i, ini.error_msg[0] != '\0' ? ini.error_msg : message_);
+      stopped_ = true;
       return;
     }
-    CheckScan(section, script_.Line(section.lines[0]), script_.Line(section.lines[1]), problems_);
+    const auto record = CheckScan(section, script_.Line(section.lines[kIr]),
+                                  script_.Line(section.lines[kDr]), problems_);
+    if (record == nullptr) return;
+    Append(section, section.lines[kDr], record->readFlag != 0);
+    TakeExpectation(section, kIrTdo, record->irBitLength);
+    TakeExpectation(section, kTdo, record->drBitLength);
+  }
+
+  void Append(const IniSection& section, int line, bool reads) {
+    if (!stopped_) plan_.jtag.push_back({line, std::string(section.name), reads});
+  }
+
+  void TakeExpectation(const IniSection& section, ScanKey value_key, int bits) {
+    auto expectation = ScanExpectation(script_, section, value_key, bits, problems_);
+    if (!expectation.has_value() || stopped_) return;
+    expectation->operation = plan_.jtag.size() - 1;
+    plan_.expectations.push_back(std::move(*expectation));
   }
 
   // A section without IR or DR, or with an empty one.
@@ -81,18 +106,20 @@ class JtagOperations {
 
   const ScriptText& script_;
   Problems& problems_;
-  std::string message_;  // of the last failed lookup in the plug-in's one store
+  Plan& plan_;
+  bool stopped_ = false;  // the plug-in has read its last section
+  std::string message_;   // of the last failed lookup in the plug-in's one store
 };
 
 }  // namespace
 
-void CheckJtag(const ScriptText& script, Problems& problems) {
-  JtagOperations operations(script, problems);
-  for (const IniSection& section : FindSections(script, problems)) {
+void CheckJtag(const ScriptText& script, Checked& checked) {
+  JtagOperations operations(script, checked);
+  for (const IniSection& section : FindSections(script, checked.problems)) {
     ThrowIfInterrupted();
     operations.Take(section);
   }
-  if (const auto line = script.TooLong()) problems.Error(CutAt(*line), kCutScript);
+  if (const auto line = script.TooLong()) checked.problems.Error(CutAt(*line), kCutScript);
 }
 
 }  // namespace icehost

@@ -3,11 +3,9 @@
 #include <fmt/format.h>
 
 #include <memory>
-#include <vector>
 
-#include "base/field_cursor.h"
 #include "base/number.h"
-#include "base/text.h"
+#include "host/check/scan_fields.h"
 #include "jtag/jtag_scr.h"
 
 namespace icehost {
@@ -15,50 +13,8 @@ namespace {
 
 using icescript::CString;
 
-// One value as the parser splits it.
-struct Fields {
-  explicit Fields(const ScriptLine& at) : line(at), value(ValueOf(at)) {
-    if (value.find(',') == std::string_view::npos) return;
-    for (icescript::FieldCursor fields(value, ','); fields.HasNext();) {
-      text.push_back(fields.Next());
-    }
-  }
-
-  // Of field i.
-  Place Of(std::size_t i) const {
-    const std::size_t blanks = text[i].find_first_not_of(' ');
-    return line.Of(text[i].substr(blanks != std::string_view::npos ? blanks : 0));
-  }
-
-  const ScriptLine& line;
-  std::string_view value;
-  std::vector<std::string_view> text;
-};
-
-std::string_view Trimmed(std::string_view field) {
-  return icescript::TrimRight(icescript::TrimLeft(field, ' '), ' ');
-}
-
 bool IsDecimal(std::string_view text) {
   return !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
-}
-
-// What stands behind an optional "0x".
-std::string_view HexDigits(std::string_view text) {
-  const bool prefixed = text.size() > 1 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X');
-  return text.substr(prefixed ? 2 : 0);
-}
-
-// One or two digits.
-bool IsHexByte(std::string_view text) {
-  const std::string_view digits = HexDigits(text);
-  return !digits.empty() && digits.size() <= 2 &&
-         digits.find_first_not_of("0123456789abcdefABCDEF") == std::string_view::npos;
-}
-
-// What the parser makes of a byte.
-unsigned ByteOf(std::string_view text) {
-  return static_cast<unsigned>(icescript::ParseNumber(HexDigits(text), 16)) & 0xFF;
 }
 
 // The length, in field `length_at`; false where nothing is shifted.
@@ -121,18 +77,19 @@ void ExplainRefusal(const Fields& fields, std::size_t length_at, const char* for
 
 }  // namespace
 
-void CheckScan(const IniSection& section, const ScriptLine& ir, const ScriptLine& dr,
-               Problems& problems) {
+std::unique_ptr<icescript::JtagOperatorData> CheckScan(const IniSection& section,
+                                                       const ScriptLine& ir, const ScriptLine& dr,
+                                                       Problems& problems) {
   const Fields ir_fields(ir);
   const Fields dr_fields(dr);
   icescript::JtagScr scr(nullptr, nullptr);  // reads no file, so it prints nothing
-  const std::unique_ptr<icescript::JtagOperatorData> record(
+  std::unique_ptr<icescript::JtagOperatorData> record(
       scr.ParseJtagOperatorData(CString(ir_fields.value), CString(dr_fields.value)));
   if (record == nullptr) {
     problems.Error(section.first, fmt::format("{} syntax error", section.name));
     ExplainRefusal(ir_fields, 0, "IR is LENGTH,BYTE,...", problems);
     ExplainRefusal(dr_fields, 1, "DR is R or W,LENGTH,BYTE,...", problems);
-    return;
+    return nullptr;
   }
   CheckFlag(dr_fields, problems);
   if (CheckLength(ir_fields, 0, record->irBitLength, problems)) {
@@ -141,6 +98,7 @@ void CheckScan(const IniSection& section, const ScriptLine& ir, const ScriptLine
   if (CheckLength(dr_fields, 1, record->drBitLength, problems)) {
     CheckBytes(dr_fields, 2, record->drBitLength, problems);
   }
+  return record;
 }
 
 }  // namespace icehost

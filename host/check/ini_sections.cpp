@@ -28,15 +28,15 @@ std::string WithoutBlanks(std::string_view text) {
 void WarnOfKey(const ScriptLine& line, const IniKeys& keys, std::string_view name,
                Problems& problems) {
   const std::string bare = WithoutBlanks(name);
-  if (bare == keys[0] || bare == keys[1]) {
+  const auto is_key = [&bare](std::string_view key) { return EqualsUpper(bare, key); };
+  if (std::find(keys.begin(), keys.end(), bare) != keys.end()) {
     problems.Warn(line.Of(name.substr(name.find_first_of(" \t"))),
                   fmt::format("a blank here belongs to the name: this is not \"{}\"", bare));
-  } else if (EqualsUpper(bare, keys[0]) || EqualsUpper(bare, keys[1])) {
+  } else if (std::any_of(keys.begin(), keys.end(), is_key)) {
     problems.Warn(line.Start(), "keys are in upper case: this one is ignored");
   } else {
-    problems.Warn(
-        line.Start(),
-        fmt::format("unknown key, ignored: a section like this has {} and {}", keys[0], keys[1]));
+    problems.Warn(line.Start(), fmt::format("unknown key, ignored: a section like this has {}",
+                                            fmt::join(keys, ", ")));
   }
 }
 
@@ -105,7 +105,7 @@ void SectionFinder::TakeValue(const ScriptLine& line, std::string_view key) {
   Named& named = named_[name_];
   if (named.section < 0) {
     named.section = static_cast<int>(sections_.size());
-    sections_.push_back({name_, header_.value_or(line.Start()), {0, 0}});
+    sections_.push_back({name_, header_.value_or(line.Start()), {}});
   }
   const IniKeys& keys = KeysOf(name_);
   const auto known =
@@ -133,8 +133,8 @@ std::vector<IniSection> SectionFinder::Finish() {
 }  // namespace
 
 const IniKeys& KeysOf(std::string_view section) {
-  static constexpr IniKeys kControl = {"RESET", "CDI"};
-  static constexpr IniKeys kScan = {"IR", "DR"};
+  static const IniKeys kControl = {"RESET", "CDI"};
+  static const IniKeys kScan = {"IR", "DR", "TDO", "MASK", "IR_TDO", "IR_MASK"};
   return section == "CONTROL" ? kControl : kScan;
 }
 

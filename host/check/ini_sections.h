@@ -10,20 +10,22 @@
 
 namespace icehost {
 
-// The two keys of a section that mean something.
-using IniKeys = std::array<const char*, 2>;
+// The keys of a section that mean something.
+using IniKeys = std::vector<std::string_view>;
 const IniKeys& KeysOf(std::string_view section);
 
-struct IniSection {
-  std::string_view name;     // in the script's text
-  Place first;               // its header, or its first value where it has none
-  std::array<int, 2> lines;  // that have the values of its keys, the last ones; 0: none has
-};
+// Where they are in it: first those that the plug-in reads, the others are icehost's.
+enum ControlKey : std::size_t { kReset, kCdi };
+enum ScanKey : std::size_t { kIr, kDr, kTdo, kMask, kIrTdo, kIrMask };
+constexpr std::size_t kKeysRead = 2;
+constexpr std::size_t kMostKeys = 6;
 
-// The value on a line KEY=VALUE.
-inline std::string_view ValueOf(const ScriptLine& line) {
-  return line.text.substr(line.text.find('=') + 1);
-}
+struct IniSection {
+  std::string_view name;  // in the script's text
+  Place first;            // its header, or its first value where it has none
+  // That have the values of its keys, the last ones; 0: none has.
+  std::array<int, kMostKeys> lines;
+};
 
 // Reads the lines as the reader does and reports what is wrong with single lines and headers; a
 // line that the reader refuses is left out. Returns the sections that have a value, in the order in

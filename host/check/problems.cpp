@@ -53,6 +53,11 @@ bool Problems::HasErrors() const {
                      [](const Problem& problem) { return problem.error; });
 }
 
+bool Problems::HasWarnings() const {
+  return std::any_of(found_.begin(), found_.end(),
+                     [](const Problem& problem) { return !problem.error; });
+}
+
 void Problems::Write(std::ostream& stream, const ScriptText& script, ReportStyle style) {
   std::stable_sort(found_.begin(), found_.end(), [](const Problem& a, const Problem& b) {
     return std::tie(a.place.line, a.place.column) < std::tie(b.place.line, b.place.column);

@@ -32,6 +32,7 @@ class Problems {
   void Add(Problems more);
 
   bool HasErrors() const;
+  bool HasWarnings() const;
   // In the order of the places: "file:line:column: error: text", the line, and a caret below it.
   // Throws Interrupted.
   void Write(std::ostream& stream, const ScriptText& script, ReportStyle style);

@@ -2,6 +2,8 @@
 #ifndef ICESCRIPT_HOST_RECORD_EVENTS_H_
 #define ICESCRIPT_HOST_RECORD_EVENTS_H_
 
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -18,12 +20,35 @@ struct Field {
   std::string bytes;  // "0x" and two digits a byte, the most significant first
 };
 
+// Where in its script a host call comes from.
+struct CallSource {
+  int line = 0;                          // from 1; 0: unknown
+  int operation = -1;                    // of a JTAG script, from 0
+  const std::string* section = nullptr;  // of a JTAG script
+};
+
+// A value that was read, beside what the script expects of it: bytes as in a Field.
+struct Comparison {
+  const char* of;  // the output that was compared
+  int line;        // of the expectation
+  int column;
+  std::string expected;
+  std::string mask;
+  std::string captured;  // empty where the probe does not tell
+  bool met;
+};
+
 struct CallEvent {
   const char* function;
   std::vector<Field> arguments;
   int result;
   std::vector<Field> outputs;  // what the call answered with, besides its result
+  std::vector<Comparison> comparisons;
+  CallSource source;
 };
+
+// The bytes of a register as text, most significant first.
+std::string ByteText(const std::uint8_t* bytes, std::size_t count);
 
 class EventListener {
  public:
@@ -31,8 +56,8 @@ class EventListener {
   virtual void OnScript(const std::string& path) = 0;
   virtual void OnCall(const CallEvent& call) = 0;
   virtual void OnMessage(const char* text) = 0;
-  // Why a call or a script failed, in icehost's words.
-  virtual void OnError(const std::string& text) = 0;
+  // Why a call or a script failed, in icehost's words; `line` is 0 where it is of no line.
+  virtual void OnError(const std::string& text, int line) = 0;
   virtual void OnScriptEnd(bool ran) = 0;
 };
 

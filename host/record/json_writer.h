@@ -20,7 +20,7 @@ class JsonWriter : public EventListener {
   void OnScript(const std::string& path) override;
   void OnCall(const CallEvent& call) override;
   void OnMessage(const char* text) override;
-  void OnError(const std::string& text) override;
+  void OnError(const std::string& text, int line) override;
   void OnScriptEnd(bool ran) override;
 
  private:

@@ -14,15 +14,14 @@
 namespace icehost {
 namespace {
 
-// The bytes of a register, most significant first; no byte beyond the array.
-std::string ByteText(const std::uint8_t* bytes, int bits) {
-  const int count = std::clamp((bits + 7) / 8, 0, static_cast<int>(JTAG_DR_MAX_BYTES));
-  const auto last_first = std::make_reverse_iterator(bytes + count);
-  return fmt::format("0x{:02x}", fmt::join(last_first, std::make_reverse_iterator(bytes), ""));
+// No byte beyond the array.
+std::string RegisterText(const std::uint8_t* bytes, int bits) {
+  return ByteText(bytes, static_cast<std::size_t>(
+                             std::clamp((bits + 7) / 8, 0, static_cast<int>(JTAG_DR_MAX_BYTES))));
 }
 
 Field Bytes(const char* name, const std::uint8_t* bytes, int bits) {
-  return {name, Field::Kind::kBytes, 0, ByteText(bytes, bits)};
+  return {name, Field::Kind::kBytes, 0, RegisterText(bytes, bits)};
 }
 
 const char* GpioName(int flags) {
@@ -32,42 +31,56 @@ const char* GpioName(int flags) {
 
 }  // namespace
 
-ObservedProbe::ObservedProbe(Probe& probe, std::vector<EventListener*> listeners, Refused refused,
-                             Begin begin)
+std::string ByteText(const std::uint8_t* bytes, std::size_t count) {
+  const auto last_first = std::make_reverse_iterator(bytes + count);
+  return fmt::format("0x{:02x}", fmt::join(last_first, std::make_reverse_iterator(bytes), ""));
+}
+
+ObservedProbe::ObservedProbe(Probe& probe, CallGuide& guide, std::vector<EventListener*> listeners,
+                             Refused refused, Begin begin)
     : probe_(probe),
+      guide_(guide),
       listeners_(std::move(listeners)),
       refused_(std::move(refused)),
       begin_(std::move(begin)) {}
 
-template <class Call>
-int ObservedProbe::Guard(Call call) {
+template <class Ask>
+int ObservedProbe::Guard(const char* function, Ask ask) {
+  under_way_.function = function;
   ThrowIfInterrupted();
   try {
-    return call();
+    const int result = ask();
+    Leave();
+    return result;
   } catch (const Unsupported& error) {
     refused_(error.what());
+    Leave();
     return -1;
   }
 }
 
 template <class MakeEvent>
-void ObservedProbe::Tell(MakeEvent make_event) const {
+void ObservedProbe::Tell(MakeEvent make_event) {
   if (listeners_.empty()) return;
-  const CallEvent event = make_event();
+  CallEvent event = make_event();
+  event.source = under_way_.source;
   for (EventListener* const listener : listeners_) listener->OnCall(event);
 }
 
 int ObservedProbe::Config(int code, int value) {
   const bool query = code == LINK_CONFIG_GET_CDI;
   if (!query) ++counts_.operations;
+  under_way_.source = guide_.NextOperation();
   begin_(nullptr);
-  const int result = Guard([&] { return probe_.Config(code, value); });
+  const int result = Guard("link_config", [&] { return probe_.Config(code, value); });
   if (query) wire_mode_ = result;
   Tell([&]() -> CallEvent {
     const auto kind = query ? Field::Kind::kNumber : Field::Kind::kMode;
     return {"link_config",
             {{"code", Field::Kind::kCode, code, ""}, {"value", kind, value, ""}},
             result,
+            {},
+            {},
             {}};
   });
   return result;
@@ -75,10 +88,11 @@ int ObservedProbe::Config(int code, int value) {
 
 int ObservedProbe::Reset(int kind) {
   ++counts_.operations;
+  under_way_.source = guide_.NextOperation();
   begin_("reset");
-  const int result = Guard([&] { return probe_.Reset(kind); });
+  const int result = Guard("link_reset", [&] { return probe_.Reset(kind); });
   Tell([&]() -> CallEvent {
-    return {"link_reset", {{"kind", Field::Kind::kReset, kind, ""}}, result, {}};
+    return {"link_reset", {{"kind", Field::Kind::kReset, kind, ""}}, result, {}, {}, {}};
   });
   return result;
 }
@@ -91,10 +105,11 @@ int ObservedProbe::Insert(int ir_bits, const std::uint8_t* ir, int dr_bits,
   counts_.bits += std::max(ir_bits - extra, 0) + std::max(dr_bits - extra, 0);
   ir_bits_ = ir_bits;
   dr_bits_ = dr_bits;
-  scan_name_ = fmt::format("IR {} bits {}, DR {} bits {}", ir_bits, ByteText(ir, ir_bits), dr_bits,
-                           ByteText(dr, dr_bits));
+  scan_name_ = fmt::format("IR {} bits {}, DR {} bits {}", ir_bits, RegisterText(ir, ir_bits),
+                           dr_bits, RegisterText(dr, dr_bits));
   begin_(nullptr);
-  const int result = Guard([&] { return probe_.Insert(ir_bits, ir, dr_bits, dr); });
+  const int result =
+      Guard("link_jtag_insert", [&] { return probe_.Insert(ir_bits, ir, dr_bits, dr); });
   Tell([&]() -> CallEvent {
     return {"link_jtag_insert",
             {{"ir_bits", Field::Kind::kNumber, ir_bits, ""},
@@ -102,6 +117,8 @@ int ObservedProbe::Insert(int ir_bits, const std::uint8_t* ir, int dr_bits,
              {"dr_bits", Field::Kind::kNumber, dr_bits, ""},
              Bytes("dr", dr, dr_bits)},
             result,
+            {},
+            {},
             {}};
   });
   return result;
@@ -109,18 +126,22 @@ int ObservedProbe::Insert(int ir_bits, const std::uint8_t* ir, int dr_bits,
 
 int ObservedProbe::Execute(std::uint8_t* capture) {
   begin_(scan_name_.c_str());
-  const int result = Guard([&] { return probe_.Execute(capture); });
+  int result = Guard("link_jtag_execute", [&] { return probe_.Execute(capture); });
+  const bool captured = result == 0;
+  const int extra = wire_mode_ == CDI_ANSWER_2WIRE ? 1 : 0;
+  const std::uint8_t* const dr = capture + kDrCaptureByte + extra;
+  const int dr_bits = dr_bits_ - 8 * extra;
+  const int ir_bits = ir_bits_ - 8 * extra;
+  const bool tells_ir = probe_.CapturesIr() && ir_bits <= 8 * kDrCaptureByte;
+  std::vector<Comparison> comparisons;
+  if (captured && !guide_.CompareScan(capture, tells_ir ? ir_bits : 0, dr, dr_bits, comparisons)) {
+    result = -1;
+  }
   Tell([&]() -> CallEvent {
-    const int extra = wire_mode_ == CDI_ANSWER_2WIRE ? 1 : 0;
-    const int ir_bits = ir_bits_ - 8 * extra;
     std::vector<Field> outputs;
-    if (result == 0 && probe_.CapturesIr() && ir_bits <= 8 * kDrCaptureByte) {
-      outputs.push_back(Bytes("ir_out", capture, ir_bits));
-    }
-    if (result == 0) {
-      outputs.push_back(Bytes("dr_out", capture + kDrCaptureByte + extra, dr_bits_ - 8 * extra));
-    }
-    return {"link_jtag_execute", {}, result, std::move(outputs)};
+    if (captured && tells_ir) outputs.push_back(Bytes("ir_out", capture, ir_bits));
+    if (captured) outputs.push_back(Bytes("dr_out", dr, dr_bits));
+    return {"link_jtag_execute", {}, result, std::move(outputs), std::move(comparisons), {}};
   });
   return result;
 }
@@ -129,14 +150,20 @@ int ObservedProbe::Gpio(int out_value, std::uint32_t& data, int oe_mask, int fla
   ++counts_.operations;
   const bool read = (flags & GPIO_FLAG_READ_IN) != 0;
   if (read) ++counts_.reads;
+  under_way_.source = guide_.NextPinOperation(data);
   begin_(GpioName(flags));
-  const int result = Guard([&] { return probe_.Gpio(out_value, data, oe_mask, flags); });
+  int result =
+      Guard("link_gpio_operator", [&] { return probe_.Gpio(out_value, data, oe_mask, flags); });
+  std::vector<Comparison> comparisons;
+  if (read && result >= 0 && !guide_.ComparePins(data, comparisons)) result = -1;
   Tell([&]() -> CallEvent {
     CallEvent event = {"link_gpio_operator",
                        {{"out_value", Field::Kind::kPins, out_value, ""},
                         {"oe_mask", Field::Kind::kPins, oe_mask, ""},
                         {"flags", Field::Kind::kFlags, flags, ""}},
                        result,
+                       {},
+                       std::move(comparisons),
                        {}};
     if (read) event.outputs.push_back({"data", Field::Kind::kPins, static_cast<int>(data), ""});
     return event;

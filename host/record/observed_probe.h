@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "host/probe/probe.h"
+#include "host/record/call_guide.h"
 #include "host/record/events.h"
 #include "host/target/bits.h"
 
@@ -18,17 +19,23 @@ struct RunCounts {
   long reads = 0;       // pin reads, and scans
 };
 
-// Calls that the probe refuses with Unsupported fail here with -1, after the reason was told. Each
-// call throws Interrupted once the user has pressed Ctrl-C.
+// Calls that the probe refuses with Unsupported fail here with -1, after the reason was told, and
+// so do those whose values the guide does not accept. Each call throws Interrupted once the user
+// has pressed Ctrl-C.
 class ObservedProbe : public Probe {
  public:
   using Refused = std::function<void(const std::string& why)>;
   // Called before every call: with words for the operation that begins with it, or null where it
   // belongs to one.
   using Begin = std::function<void(const char* operation)>;
+  struct Call {
+    const char* function = nullptr;
+    CallSource source;
+  };
 
-  // `probe` and the listeners must outlive this object.
-  ObservedProbe(Probe& probe, std::vector<EventListener*> listeners, Refused refused, Begin begin);
+  // `probe`, `guide` and the listeners must outlive this object.
+  ObservedProbe(Probe& probe, CallGuide& guide, std::vector<EventListener*> listeners,
+                Refused refused, Begin begin);
 
   int Config(int code, int value) override;
   int Reset(int kind) override;
@@ -38,17 +45,23 @@ class ObservedProbe : public Probe {
   void Flush() override { probe_.Flush(); }
 
   const RunCounts& Counts() const { return counts_; }
+  // The call that is under way, or that threw; without a function where there is none.
+  const Call& UnderWay() const { return under_way_; }
+  // Nothing is under way any longer.
+  void Leave() { under_way_.function = nullptr; }
 
  private:
-  template <class Call>
-  int Guard(Call call);
+  template <class Ask>
+  int Guard(const char* function, Ask ask);
   template <class MakeEvent>
-  void Tell(MakeEvent make_event) const;
+  void Tell(MakeEvent make_event);
 
   Probe& probe_;
+  CallGuide& guide_;
   std::vector<EventListener*> listeners_;
   Refused refused_;
   Begin begin_;
+  Call under_way_;
   RunCounts counts_;
   // Of the scan under way.
   int wire_mode_ = 0;

@@ -17,25 +17,36 @@ void AppendFields(const std::vector<Field>& fields, const char* separator, std::
   }
 }
 
+void Append(const Comparison& comparison, std::string& line) {
+  line += fmt::format("  {} expected={} mask={}: {}", comparison.of, comparison.expected,
+                      comparison.mask, comparison.met ? "met" : "NOT MET");
+}
+
 }  // namespace
 
 void TraceWriter::OnScript(const std::string& path) {
-  stream_ << "# " << Printable(path) << '\n';
+  path_ = Printable(path);
+  stream_ << "# " << path_ << '\n';
 }
 
 void TraceWriter::OnCall(const CallEvent& call) {
-  line_.assign(call.function) += '(';
+  line_.assign(path_);
+  if (call.source.line != 0) line_.append(":").append(fmt::format_int(call.source.line).c_str());
+  if (call.source.section != nullptr)
+    line_ += fmt::format(" [{}]", Printable(*call.source.section));
+  line_.append(" ").append(call.function) += '(';
   AppendFields(call.arguments, ", ", line_);
   line_.append(") = ").append(fmt::format_int(call.result).c_str());
   if (!call.outputs.empty()) line_ += "  ";
   AppendFields(call.outputs, " ", line_);
+  for (const Comparison& comparison : call.comparisons) Append(comparison, line_);
   stream_ << (line_ += '\n');
 }
 
 void TraceWriter::OnMessage(const char* /*text*/) {}
 
 // On standard error it stands already.
-void TraceWriter::OnError(const std::string& /*text*/) {}
+void TraceWriter::OnError(const std::string& /*text*/, int /*line*/) {}
 
 void TraceWriter::OnScriptEnd(bool ran) {
   stream_ << (ran ? "# ran\n" : "# failed\n");

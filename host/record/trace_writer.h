@@ -9,7 +9,8 @@
 
 namespace icehost {
 
-// One line a host call: "link_reset(kind=TARGET) = 0". Messages are not repeated.
+// One line a host call: "id.ini:11 [READ_ID] link_reset(kind=TARGET) = 0". Messages are not
+// repeated.
 class TraceWriter : public EventListener {
  public:
   // `stream` must outlive the writer.
@@ -17,11 +18,12 @@ class TraceWriter : public EventListener {
   void OnScript(const std::string& path) override;
   void OnCall(const CallEvent& call) override;
   void OnMessage(const char* text) override;
-  void OnError(const std::string& text) override;
+  void OnError(const std::string& text, int line) override;
   void OnScriptEnd(bool ran) override;
 
  private:
   std::ostream& stream_;
+  std::string path_;
   std::string line_;  // kept for its room
 };
 

@@ -28,4 +28,11 @@ std::string IdentityOf(int fd) {
   return fstat(fd, &status) == 0 ? TextOf(status) : "";
 }
 
+bool IsSameFile(int fd, int other) {
+  struct stat one {};
+  struct stat two {};
+  return fstat(fd, &one) == 0 && fstat(other, &two) == 0 && one.st_dev == two.st_dev &&
+         one.st_ino == two.st_ino;
+}
+
 }  // namespace icehost

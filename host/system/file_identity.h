@@ -11,6 +11,9 @@ namespace icehost {
 std::string IdentityOf(const std::string& path);
 // Of an open descriptor; empty where it is closed, too.
 std::string IdentityOf(int fd);
+// Whether what is written to one stands behind what is written to the other: a terminal or a pipe
+// too.
+bool IsSameFile(int fd, int other);
 
 }  // namespace icehost
 

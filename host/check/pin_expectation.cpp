@@ -1,0 +1,132 @@
+#include "host/check/pin_expectation.h"
+
+#include <algorithm>
+#include <cctype>
+#include <string>
+
+#include "base/field_cursor.h"
+#include "base/number.h"
+#include "base/text.h"
+#include "entry/icescript.h"
+
+namespace icehost {
+namespace {
+
+constexpr std::string_view kWord = "expect";
+constexpr std::string_view kForm =
+    "expected is NAME=LEVEL, ... with the names of pins, or VALUE or VALUE/MASK up to 0x3f";
+
+// The names of the pins, lowest bit first.
+constexpr std::string_view kPins[] = {"NRST", "TRST", "TCK", "TMS", "TDI", "TDO"};
+
+// Levels of pins, and which of them count.
+struct Levels {
+  int value = 0;
+  int mask = 0;
+};
+
+std::string_view Trimmed(std::string_view text) {
+  const std::size_t first = text.find_first_not_of(" \t\r");
+  if (first == std::string_view::npos) return text.substr(text.size());
+  return text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
+}
+
+// The letters that a comment begins with.
+std::string_view FirstWord(std::string_view comment) {
+  const std::string_view text = Trimmed(comment.substr(std::min<std::size_t>(1, comment.size())));
+  const auto* const end = std::find_if(text.begin(), text.end(),
+                                       [](unsigned char ch) { return std::isalpha(ch) == 0; });
+  return text.substr(0, static_cast<std::size_t>(end - text.begin()));
+}
+
+// A number of pins, decimal or hexadecimal behind "0x"; none where it is something else.
+std::optional<int> PinNumber(std::string_view text) {
+  const bool hex = text.substr(0, 2) == "0x";
+  const std::string_view digits = text.substr(hex ? 2 : 0);
+  const char* const allowed = hex ? "0123456789abcdefABCDEF" : "0123456789";
+  if (digits.empty() || digits.size() > 4) return std::nullopt;
+  if (digits.find_first_not_of(allowed) != std::string_view::npos) return std::nullopt;
+  const int number = icescript::ParseNumber(digits, hex ? 16 : 10);
+  if (number > GPIO_PIN_ALL) return std::nullopt;
+  return number;
+}
+
+std::optional<Levels> WordLevels(std::string_view text) {
+  const std::size_t slash = std::min(text.find('/'), text.size());
+  const std::optional<int> value = PinNumber(Trimmed(text.substr(0, slash)));
+  const std::optional<int> mask =
+      slash == text.size() ? GPIO_PIN_ALL : PinNumber(Trimmed(text.substr(slash + 1)));
+  if (!value.has_value() || !mask.has_value()) return std::nullopt;
+  return Levels{*value, *mask};
+}
+
+// NAME=LEVEL, no pin twice.
+std::optional<Levels> NamedLevels(std::string_view text) {
+  Levels levels;
+  for (icescript::FieldCursor items(text, ','); items.HasNext();) {
+    const std::string_view item = items.Next();
+    const std::size_t equals = std::min(item.find('='), item.size());
+    const std::string_view name = Trimmed(item.substr(0, equals));
+    const std::string_view level = Trimmed(item.substr(std::min(equals + 1, item.size())));
+    const auto* const pin = std::find_if(std::begin(kPins), std::end(kPins), [name](auto known) {
+      return icescript::EqualsUpper(name, known);
+    });
+    if (pin == std::end(kPins) || (level != "0" && level != "1")) return std::nullopt;
+    const int bit = 1 << (pin - std::begin(kPins));
+    if ((levels.mask & bit) != 0) return std::nullopt;
+    levels.mask |= bit;
+    if (level == "1") levels.value |= bit;
+  }
+  return levels;
+}
+
+std::optional<Levels> ReadLevels(std::string_view text) {
+  return text.find('=') != std::string_view::npos ? NamedLevels(text) : WordLevels(text);
+}
+
+}  // namespace
+
+std::string_view CommentOf(const ScriptLine& line) {
+  const auto behind =
+      static_cast<std::size_t>(line.text.data() + line.text.size() - line.raw.data());
+  const std::string_view rest = line.raw.substr(behind);
+  const std::size_t mark = rest.find_first_of(std::string_view("#\0", 2));
+  if (mark == std::string_view::npos || rest[mark] != '#') return rest.substr(rest.size());
+  return rest.substr(mark);
+}
+
+std::string_view ExpectIn(std::string_view comment) {
+  const std::string_view word = FirstWord(comment);
+  if (word != kWord) return {};
+  const std::string_view from =
+      comment.substr(static_cast<std::size_t>(word.data() - comment.data()));
+  return Trimmed(from.substr(0, from.find('#')));
+}
+
+std::optional<Expectation> PinExpectation(const ScriptLine& line, bool reads, Problems& problems) {
+  const std::string_view expect = ExpectIn(CommentOf(line));
+  if (expect.empty()) return std::nullopt;
+  const std::string_view text = Trimmed(expect.substr(kWord.size()));
+  const std::optional<Levels> levels = ReadLevels(text);
+  if (!reads) {
+    // Else it is a sentence.
+    if (levels.has_value()) problems.Error(line.Of(expect), "nothing is read on this line");
+    return std::nullopt;
+  }
+  if (!levels.has_value()) {
+    problems.Error(line.Of(text.empty() ? expect : text), std::string(kForm));
+    return std::nullopt;
+  }
+  if (levels->mask == 0) {
+    problems.Error(line.Of(text), "a mask of 0 compares nothing");
+    return std::nullopt;
+  }
+  return Expectation{0,
+                     Expectation::Of::kPins,
+                     line.Of(text),
+                     std::string(1, static_cast<char>(levels->value)),
+                     std::string(1, static_cast<char>(levels->mask)),
+                     levels->mask != GPIO_PIN_ALL};
+}
+
+}  // namespace icehost
