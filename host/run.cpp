@@ -84,9 +84,16 @@ class Runner {
 
   void OnCall(const char* operation) {
     reporter_.OnCall(operation);
-    if (operation != nullptr && outputs_.svg.has_value()) {
-      outputs_.svg->BeginOperation(stack_.Steps(), operation);
-    }
+    if (operation == nullptr) return;
+    if (outputs_.svg.has_value()) outputs_.svg->BeginOperation(stack_.Steps(), operation);
+    if (outputs_.vcd.has_value()) outputs_.vcd->BeginOperation(stack_.Steps(), Label());
+  }
+
+  // Of the operation under way, for a waveform.
+  std::string Label() const {
+    const CallSource& source = observed_.UnderWay().source;
+    return source.section != nullptr ? fmt::format("[{}]", *source.section)
+                                     : fmt::format("line {}", source.line);
   }
 
   void OnDoubt(const std::string& why) {

@@ -11,6 +11,7 @@ namespace {
 
 constexpr char kFirstId = '!';  // identifiers of the pins, in their order
 constexpr char kTapId = 't';
+constexpr char kOperationId = 'o';
 
 std::string LowerCase(std::string text) {
   std::transform(text.begin(), text.end(), text.begin(),
@@ -26,11 +27,25 @@ VcdWriter::VcdWriter(std::ostream& stream) : stream_(stream) {
     stream_ << "$var wire 1 " << static_cast<char>(kFirstId + pin) << ' '
             << LowerCase(kPinNames[pin]) << " $end\n";
   }
-  stream_ << "$var string 1 " << kTapId << " tap $end\n$upscope $end\n$enddefinitions $end\n";
+  stream_ << "$var string 1 " << kTapId << " tap $end\n$var string 1 " << kOperationId
+          << " operation $end\n$upscope $end\n$enddefinitions $end\n";
+}
+
+void VcdWriter::BeginOperation(std::size_t step, const std::string& name) {
+  if (!operations_.empty() && operations_.back().begin == step) operations_.pop_back();
+  operations_.push_back({step, name});
+  for (char& ch : operations_.back().name) {
+    if (std::isgraph(static_cast<unsigned char>(ch)) == 0) ch = '_';
+  }
 }
 
 void VcdWriter::Record(const PinStep& step) {
-  stream_ << '#' << time_++ << '\n';
+  stream_ << '#' << time_ << '\n';
+  if (!operations_.empty() && operations_.front().begin == time_) {
+    stream_ << 's' << operations_.front().name << ' ' << kOperationId << '\n';
+    operations_.pop_front();
+  }
+  ++time_;
   const int changed = last_.has_value() ? step.wires ^ last_->wires : GPIO_PIN_ALL;
   for (int pin = 0; pin < kPins; ++pin) {
     if ((changed >> pin & 1) == 0) continue;
