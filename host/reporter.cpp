@@ -104,6 +104,7 @@ void Reporter::Say(const std::string& what) {
 }
 
 void Reporter::SayAt(int line, int column, const std::string& what) {
+  if (line == 0) return Say(what);
   std::string text = fmt::format("{}:{}:", name_, line);
   if (column != 0) text += fmt::format("{}:", column);
   text.append(" ").append(what);

@@ -45,7 +45,7 @@ class Reporter {
   void Flush();
   // Why a call or a script failed, in icehost's words.
   void Say(const std::string& what);
-  // Likewise, of a place in the script; a column of 0 is none.
+  // Likewise, of a place in the script; a line of 0 is none, and so is a column.
   void SayAt(int line, int column, const std::string& what);
   // The last words of a run whose main thread does not come back, from the one that took over: does
   // not touch standard output.

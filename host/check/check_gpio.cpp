@@ -115,6 +115,15 @@ void GpioLines::Finish() {
   if (!refused_block_) problems_.Add(blocks_.Finish());
 }
 
+// An expectation on a line of its own, which reads nothing.
+void ReportLoneExpectations(const ScriptText& script, int last, Problems& problems) {
+  if (script.Content().find("expect") == std::string::npos) return;
+  for (const ScriptLine line : script) {
+    if (line.number > last) break;
+    if (line.Blank()) PinExpectation(line, false, problems);
+  }
+}
+
 }  // namespace
 
 void CheckGpio(const ScriptText& script, Checked& checked) {
@@ -139,6 +148,7 @@ void CheckGpio(const ScriptText& script, Checked& checked) {
     last = line.Start();
   }
   lines.Finish();
+  ReportLoneExpectations(script, last.line, problems);
   const auto too_long = script.TooLong();
   if (lines.Ended()) {
     if (at != script.end()) problems.Warn((*at).Start(), "text after END is not read");

@@ -1,0 +1,195 @@
+#include "host/runner.h"
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+#include <new>
+#include <optional>
+#include <utility>
+
+#include "host/check/learn.h"
+#include "host/system/errors.h"
+#include "host/system/interrupt.h"
+#include "host/system/memory_file.h"
+#include "host/system/printable.h"
+
+namespace icehost {
+namespace {
+
+Follower::Mode ModeOf(const RunCommand& command) {
+  if (!command.learn.empty()) return Follower::Mode::kLearn;
+  return command.keep_going ? Follower::Mode::kKeepGoing : Follower::Mode::kFail;
+}
+
+}  // namespace
+
+Runner* Runner::running = nullptr;
+
+Runner::Runner(const RunCommand& command)
+    : command_(command),
+      plugin_(command.plugin),
+      stack_(command),
+      outputs_(command),
+      reporter_(
+          outputs_.listeners, work_,
+          {command.quiet, !command.quiet && command.trace != "-" && isatty(STDERR_FILENO) != 0}),
+      follower_(ModeOf(command),
+                [this](Place place, const std::string& what) {
+                  explained_ = true;
+                  reporter_.SayAt(place.line, place.column, what);
+                }),
+      observed_(
+          stack_.Build(outputs_.recorders, [this](const std::string& why) { OnDoubt(why); }),
+          follower_, outputs_.listeners, [this](const std::string& why) { SayOfCall(why); },
+          [this](const char* operation) { OnCall(operation); }) {
+  running = this;
+  SetRescue([this] { return Abandon(); });
+}
+
+Runner::~Runner() {
+  SetRescue(nullptr);
+  running = nullptr;
+}
+
+ExitStatus Runner::RunAll(std::vector<Script> scripts) {
+  ExitStatus status = kAllWell;
+  outputs_.Begin();
+  for (Script& script : scripts) {
+    reporter_.BeginScript(script.path, script.text.Name());
+    const ExitStatus ended = RunOne(script);
+    reporter_.EndScript(ended == kAllWell);
+    if (command_.summary) Summarise(script.text.Name());
+    status = std::max(status, ended);
+    if (ended != kAllWell && !(command_.keep_going && ran_)) break;
+  }
+  return Complete(status);
+}
+
+int Runner::Show(const char* message) {
+  running->reporter_.Show(message);
+  return 0;
+}
+
+void Runner::OnCall(const char* operation) {
+  reporter_.OnCall(operation);
+  if (operation == nullptr) return;
+  if (outputs_.svg.has_value()) outputs_.svg->BeginOperation(stack_.Steps(), operation);
+  if (outputs_.vcd.has_value()) outputs_.vcd->BeginOperation(stack_.Steps(), Label());
+}
+
+std::string Runner::Label() const {
+  const CallSource& source = observed_.UnderWay().source;
+  return source.section != nullptr ? fmt::format("[{}]", *source.section)
+                                   : fmt::format("line {}", source.line);
+}
+
+void Runner::OnDoubt(const std::string& why) {
+  if (command_.strict) throw Unsupported(why);
+  if (std::exchange(doubted_, true)) return;
+  reporter_.SayAt(observed_.UnderWay().source.line, 0, fmt::format("warning: {}", why));
+}
+
+void Runner::SayOfCall(const std::string& why) {
+  const ObservedProbe::Call& call = observed_.UnderWay();
+  explained_ = true;
+  if (call.function == nullptr) {
+    reporter_.Say(why);
+  } else {
+    reporter_.SayAt(call.source.line, 0, fmt::format("{} failed: {}", call.function, why));
+  }
+}
+
+ExitStatus Runner::RunOne(Script& script) {
+  doubted_ = false;
+  ran_ = false;
+  explained_ = false;
+  follower_.Begin(script.plan);
+  observed_.Leave();
+  try {
+    return Judge(script, Play(script));
+  } catch (const Interrupted& error) {
+    reporter_.Say(error.what());
+    return kInterrupted;
+  } catch (const IoError& error) {
+    SayOfCall(error.what());
+    return kNotOpened;
+  } catch (const PluginThrew& error) {
+    reporter_.Say(fmt::format("{}: the plug-in threw an exception{}", script.path, error.what()));
+    return kScriptFailed;
+  } catch (const std::bad_alloc&) {
+    reporter_.Say(fmt::format("{}: out of memory", script.path));
+    return kNotOpened;
+  }
+}
+
+bool Runner::Play(Script& script) {
+  const MemoryFile copy(script.text.Content());
+  // A long script need not be there twice.
+  if (command_.learn.empty()) script.text = ScriptText(script.text.Name(), "");
+  const bool ran = RunPlugin(copy.Path());
+  observed_.Flush();
+  reporter_.Flush();
+  return ran;
+}
+
+ExitStatus Runner::Judge(const Script& script, bool ran) {
+  ran_ = ran;
+  if (!ran) {
+    const std::string why = command_.quiet && !explained_ ? ": " + reporter_.LastMessage() : "";
+    reporter_.Say(fmt::format("{} failed{}", script.path, why));
+    return kScriptFailed;
+  }
+  // The plug-in's result is 0 for a JTAG script with errors.
+  if (script.has_errors) {
+    reporter_.Say(fmt::format("{} has errors", script.path));
+    return kScriptFailed;
+  }
+  if (follower_.Unmet() > 0) {
+    reporter_.Say(fmt::format("{} failed: not as expected: {} of the values read", script.path,
+                              follower_.Unmet()));
+    return kScriptFailed;
+  }
+  if (!command_.learn.empty()) {
+    outputs_.Learn(Learn(script.text, script.plan, follower_.Read()));
+  }
+  return kAllWell;
+}
+
+bool Runner::RunPlugin(const std::string& path) {
+  const std::unique_ptr<Reporter, void (*)(Reporter*)> leave(
+      &reporter_, [](Reporter* reporter) { reporter->LeavePlugin(); });
+  reporter_.EnterPlugin();
+  return plugin_.Run(observed_, path, Show);
+}
+
+ExitStatus Runner::Complete(ExitStatus status) {
+  reporter_.Close();
+  if (command_.summary) std::fputs((PrintableLines(summary_) + Counts()).c_str(), stderr);
+  const std::vector<std::string> failures = outputs_.Complete();
+  for (const std::string& failure : failures) Complain(failure);
+  return status == kAllWell && !failures.empty() ? kNotOpened : status;
+}
+
+bool Runner::Abandon() {
+  if (!work_.TakeOver()) return false;
+  reporter_.Abandon("interrupted");
+  for (const std::string& failure : outputs_.Complete()) Complain(failure);
+  return true;
+}
+
+void Runner::Summarise(const std::string& script) {
+  for (const std::string& line : follower_.Summary(script)) summary_ += line + '\n';
+}
+
+std::string Runner::Counts() const {
+  const RunCounts& counts = observed_.Counts();
+  const std::optional<long> cycles = stack_.TckCycles();
+  return fmt::format("operations {}, TCK cycles {}, bits shifted {}, reads {}, {:.3f} s\n",
+                     counts.operations, cycles.has_value() ? std::to_string(*cycles) : "unknown",
+                     counts.bits, counts.reads, reporter_.Seconds());
+}
+
+}  // namespace icehost

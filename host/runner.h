@@ -1,0 +1,71 @@
+// The run put together.
+#ifndef ICESCRIPT_HOST_RUNNER_H_
+#define ICESCRIPT_HOST_RUNNER_H_
+
+#include <string>
+#include <vector>
+
+#include "host/commands.h"
+#include "host/exit_status.h"
+#include "host/follower.h"
+#include "host/outputs.h"
+#include "host/probe/plugin.h"
+#include "host/probe_stack.h"
+#include "host/record/observed_probe.h"
+#include "host/reporter.h"
+#include "host/scripts.h"
+#include "host/work_lock.h"
+
+namespace icehost {
+
+// Plays scripts one after the other. Only one at a time.
+class Runner {
+ public:
+  // Loads the plug-in, and opens the probe and the outputs; throws IoError where one cannot be.
+  explicit Runner(const RunCommand& command);
+  ~Runner();
+  Runner(const Runner&) = delete;
+  Runner& operator=(const Runner&) = delete;
+
+  // Completes what it writes however that ends. What ended it has been said.
+  ExitStatus RunAll(std::vector<Script> scripts);
+
+ private:
+  ExitStatus RunOne(Script& script);
+  // Whether the plug-in ran it to its end.
+  bool Play(Script& script);
+  bool RunPlugin(const std::string& path);
+  ExitStatus Judge(const Script& script, bool ran);
+  ExitStatus Complete(ExitStatus status);
+  // In place of Complete, where that is not reached. False while the main thread is at work.
+  bool Abandon();
+
+  static int Show(const char* message);
+  void OnCall(const char* operation);
+  // Of the operation under way, for a waveform.
+  std::string Label() const;
+  void OnDoubt(const std::string& why);
+  // Why the call under way fails; or else the script.
+  void SayOfCall(const std::string& why);
+  void Summarise(const std::string& script);
+  std::string Counts() const;
+
+  static Runner* running;  // callbacks carry no handle
+
+  const RunCommand& command_;
+  WorkLock work_;
+  Plugin plugin_;
+  ProbeStack stack_;
+  Outputs outputs_;
+  Reporter reporter_;
+  Follower follower_;
+  ObservedProbe observed_;
+  bool doubted_ = false;    // in this script
+  bool ran_ = false;        // this script, to its end
+  bool explained_ = false;  // why it fails
+  std::string summary_;     // what became of the expectations
+};
+
+}  // namespace icehost
+
+#endif  // ICESCRIPT_HOST_RUNNER_H_
