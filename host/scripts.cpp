@@ -26,6 +26,7 @@ std::string WhyNot(const Problems& problems, const RunCommand& command) {
 
 std::vector<Script> LoadScripts(const RunCommand& command) {
   std::vector<Script> scripts;
+  scripts.reserve(command.scripts.size());
   for (const std::string& path : command.scripts) {
     ScriptText text(path == "-" ? "<stdin>" : path, ReadScript(path, command.size_limit));
     scripts.push_back({path, std::move(text), {}, false});

@@ -74,16 +74,16 @@ refused() {
 icehost: $2 failed" ] || fail "$2 on $1 said something else"
 }
 
-scans=(examples/read_idcode.ini examples/scratch_register.ini examples/reset.ini)
+scans=(tests/scripts/idcode.ini examples/scratch_register.ini examples/reset.ini)
 same_as_simulated "openocd:127.0.0.1:$tcl_port" "${scans[@]}"
-same_as_simulated "openocd:127.0.0.1:$tcl_port:sim.tap" examples/read_idcode.ini
+same_as_simulated "openocd:127.0.0.1:$tcl_port:sim.tap" tests/scripts/idcode.ini
 # summary PROBE PATTERN
 summary() {
-  "$icehost" run -q --summary --probe "$1" examples/read_idcode.ini 2>"$scratch/run.log"
+  "$icehost" run -q --summary --probe "$1" tests/scripts/idcode.ini 2>"$scratch/run.log"
   grep -qE "$2" "$scratch/run.log" || fail "summary of $1"
 }
-summary "openocd:127.0.0.1:$tcl_port" '^operations 2, TCK cycles unknown, bits shifted 37, reads 1,'
-summary sim '^operations 2, TCK cycles 5[0-9], bits shifted 37, reads 1,'
+summary "openocd:127.0.0.1:$tcl_port" '^operations 1, TCK cycles unknown, bits shifted 37, reads 1,'
+summary sim '^operations 1, TCK cycles 5[0-9], bits shifted 37, reads 1,'
 "$icehost" run --probe "openocd:127.0.0.1:$tcl_port:nope" examples/reset.ini 2>"$scratch/run.log" &&
   fail "a TAP that OpenOCD does not have"
 [ "$(cat "$scratch/run.log")" = 'icehost: OpenOCD has no TAP "nope", it has: sim.tap' ] ||
@@ -102,8 +102,8 @@ refused "$bitbang" examples/reset_pulse.gpio \
   "remote_bitbang has no output enables: only TDO can be released"
 
 # The waveform, of the simulated probe and across the network, as a logic analyser decodes it.
-for run in "--idcode 0x2BADC001 examples/read_idcode.ini" \
-  "--idcode 0x2BADC001 examples/read_idcode.gpio" "--probe $bitbang examples/read_idcode.ini"; do
+for run in "--idcode 0x2BADC001 tests/scripts/idcode.ini" \
+  "--idcode 0x2BADC001 examples/read_idcode.gpio" "--probe $bitbang tests/scripts/idcode.ini"; do
   # shellcheck disable=SC2086
   "$icehost" run -q --vcd "$scratch/run.vcd" --svg "$scratch/run.svg" $run
   sigrok-cli -l 1 -I vcd -i "$scratch/run.vcd" -P jtag:tdi=tdi:tdo=tdo:tck=tck:tms=tms \
