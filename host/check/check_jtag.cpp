@@ -6,6 +6,7 @@
 
 #include "base/ini_file.h"
 #include "host/check/check.h"
+#include "host/check/check_control.h"
 #include "host/check/check_scan.h"
 #include "host/check/ini_sections.h"
 #include "host/system/interrupt.h"
@@ -49,13 +50,21 @@ class JtagOperations {
   void TakeControl(CIniFile& ini, const IniSection& section) {
     JtagScr scr(nullptr, nullptr);  // reads no file, so it prints nothing
     const std::unique_ptr<icescript::JtagOperatorData> record(scr.ParsingControl(ini, 0));
-    if (record == nullptr) problems_.Error(section.first, "CONTROL syntax error");
+    const bool reset = record != nullptr && record->operatorType == icescript::JTAG_OP_RESET;
+    if (record == nullptr) {
+      problems_.Error(section.first, section.lines[1] == 0
+                                         ? "CONTROL syntax error (it has neither RESET nor CDI)"
+                                         : "CONTROL syntax error");
+    }
+    if (reset) CheckReset(script_.Line(section.lines[0]), problems_);
     if (section.lines[1] == 0) return;
     const ScriptLine cdi = script_.Line(section.lines[1]);
     if (record == nullptr) {
       problems_.Error(cdi.Of(ValueOf(cdi)), "CDI is 5 (5-wire JTAG) or 2 (2-wire interface)");
-    } else if (record->operatorType == icescript::JTAG_OP_RESET) {
+    } else if (reset) {
       problems_.Warn(cdi.Start(), "RESET wins: CDI is ignored");
+    } else {
+      CheckCdi(cdi, problems_);
     }
   }
 
