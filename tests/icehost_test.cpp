@@ -64,7 +64,8 @@ TEST(Icehost, RunsAsGolden) {
        "check_blocks_cut"},
       {"check - 2>&1 <<END\n[ZEVA_ICE_GPIO]\nSTART\nREPT=2\nPRINT=GPIO_IN\nENDR,\nP\nEND", 1,
        "check_unfinished"},
-      {"check tests/scripts/slips.ini 2>&1", 1, "check_slips"},
+      {"check tests/scripts/slips.gpio tests/scripts/slips.ini 2>&1", 1, "check_slips"},
+      {"check tests/scripts/pins.gpio 2>&1", 0, "check_pins"},
       {"--version >/dev/null; for head in [orvex_ice_gpio] [ZEVA_ICE_GPIO '[ORVEX_ICE_GPIO]\\t' '[ "
        "ZEVA_ICE_GPIO ]' '[ZEVA_ICE_GPIO] START' '[VEZA_ICE_GPIO] ; x' "
        "'\\0357\\0273\\0277[CONTROL]' "
@@ -182,7 +183,9 @@ TEST(Icehost, PrintsNoControls) {
 }
 
 TEST(Icehost, ChecksInColourOnATerminal) {
-  const std::string message = " Syntax error: no start found.\r\nBEGIN\r\n";
+  const std::string message =
+      " Syntax error: no start found. (the line below the section tag is START, "
+      "alone)\r\nBEGIN\r\n";
   const std::string place = "tests/scripts/no_start.gpio:3:1: ";
   const struct {
     const char* no_color;
