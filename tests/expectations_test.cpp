@@ -131,7 +131,7 @@ TEST(Expectations, AreChecked) {
       {Gpio("PRINT=GPIO_IN # expect NRST=2\n"), "4:24: error: expected is NAME=LEVEL"},
       {Gpio("PRINT=GPIO_IN # expect 0x40\n"), "4:24: error: expected is NAME=LEVEL"},
       {Gpio("PRINT=GPIO_IN # expect 1/0\n"), "4:24: error: a mask of 0 compares nothing"},
-      {Gpio("PRINT=GPIO_IN # expct NRST=1\n"), "4:17: warning: did you mean \"expect\"?"},
+      {Gpio("PRINT=GPIO_IN # expct NRST=1\n"), "4:17: warning: did you mean expect?"},
       {Gpio("PRINT=GPIO_IN # except for NRST=1\n"), ""},
   };
   for (const auto& checked : kScripts) {

@@ -64,6 +64,14 @@ TEST(Icehost, RunsAsGolden) {
        "check_blocks_cut"},
       {"check - 2>&1 <<END\n[ZEVA_ICE_GPIO]\nSTART\nREPT=2\nPRINT=GPIO_IN\nENDR,\nP\nEND", 1,
        "check_unfinished"},
+      {"check tests/scripts/slips.gpio tests/scripts/slips.ini 2>&1", 1, "check_slips"},
+      {"check tests/scripts/pins.gpio 2>&1", 0, "check_pins"},
+      {"--version >/dev/null; for head in [orvex_ice_gpio] [ZEVA_ICE_GPIO '[ORVEX_ICE_GPIO]\\t' '[ "
+       "ZEVA_ICE_GPIO ]' '[ZEVA_ICE_GPIO] START' '[VEZA_ICE_GPIO] ; x' "
+       "'\\0357\\0273\\0277[CONTROL]' "
+       "'\\0357\\0273\\0277IR=5,1' '[CONTROL]\\nRESET=' '[ZEVA_ICE_GPIO]\\nSTART ; x'; do printf "
+       "'%b\\n' \"$head\" | " ICESCRIPT_ICEHOST " check - 2>&1 | grep :; done",
+       0, "check_first_lines"},
       {"check examples/* tests/scripts/long_scans.ini 2>&1", 0, "check_examples"},
   };
   const bool update = std::getenv("ICESCRIPT_UPDATE_GOLDEN") != nullptr;
@@ -175,16 +183,16 @@ TEST(Icehost, PrintsNoControls) {
 }
 
 TEST(Icehost, ChecksInColourOnATerminal) {
-  const std::string plain =
-      "tests/scripts/no_start.gpio:3:1: error: Syntax error: no start found.\r\nBEGIN\r\n^\r\n";
+  const std::string message =
+      " Syntax error: no start found. (the line below the section tag is START, "
+      "alone)\r\nBEGIN\r\n";
+  const std::string place = "tests/scripts/no_start.gpio:3:1: ";
   const struct {
     const char* no_color;
     std::string output;
   } kChecks[] = {
-      {"",
-       "tests/scripts/no_start.gpio:3:1: \x1b[1m\x1b[31merror:\x1b[0m Syntax error: no start "
-       "found.\r\nBEGIN\r\n\x1b[1m\x1b[32m^\x1b[0m\r\n"},
-      {"1", plain},
+      {"", place + "\x1b[1m\x1b[31merror:\x1b[0m" + message + "\x1b[1m\x1b[32m^\x1b[0m\r\n"},
+      {"1", place + "error:" + message + "^\r\n"},
   };
   for (const auto& check : kChecks) {
     const std::string arguments = std::string("--version >/dev/null; NO_COLOR=") + check.no_color +

@@ -10,8 +10,12 @@
 #include "entry/icescript.h"
 #include "host/check/check.h"
 #include "host/check/check_items.h"
+#include "host/check/explain_item.h"
 #include "host/check/gpio_blocks.h"
+#include "host/check/gpio_items.h"
+#include "host/check/gpio_pins.h"
 #include "host/check/pin_expectation.h"
+#include "host/check/remarks.h"
 #include "host/system/memory_file.h"
 
 namespace icehost {
@@ -28,11 +32,18 @@ std::string ReaderMessage(const std::string& head) {
   return ini.error_msg;
 }
 
+std::string WhyNoStart(std::string_view text) {
+  const std::string_view slip = SlipIn(text);
+  return fmt::format("{}{}the line below the section tag is START, alone", slip,
+                     slip.empty() ? "" : "; ");
+}
+
 // The lines after START, as the plug-in's parser takes them one by one. A line that is refused is
 // reported and left out: the ones after it are checked as if it were not there.
 class GpioLines {
  public:
-  explicit GpioLines(Checked& checked) : problems_(checked.problems), plan_(checked.plan) {}
+  explicit GpioLines(Checked& checked)
+      : problems_(checked.problems), plan_(checked.plan), pins_(problems_) {}
 
   // START.
   void Begin(const ScriptLine& line) { plan_.pins.push_back({line.number}); }
@@ -54,6 +65,7 @@ class GpioLines {
   GpioLineParser parser_;
   CIniFile::gpio_element state_{0, GPIO_PIN_ALL, GPIO_FLAG_START, icescript::GPIO_KIND_PIN, 0};
   GpioBlocks blocks_;
+  GpioPins pins_;
   bool refused_last_ = false;
   bool refused_block_ = false;
 };
@@ -71,7 +83,7 @@ void GpioLines::Take(const ScriptLine& line) {
   state_ = parser_.Element();
   Plan(line);
   blocks_.Take(line, state_);
-  CheckItems(line, state_.flags, problems_);
+  pins_.Take(line, state_, CheckItems(line, state_.flags, problems_));
 }
 
 void GpioLines::Plan(const ScriptLine& line) {
@@ -91,28 +103,33 @@ void GpioLines::Plan(const ScriptLine& line) {
 void GpioLines::Refuse(const ScriptLine& line, std::string_view item) {
   const std::size_t blanks = std::min(item.find_first_not_of(' '), item.size());
   problems_.Error(line.Of(item.substr(blanks)),
-                  fmt::format("Syntax error in line{} : {}", line.number, item));
+                  fmt::format("Syntax error in line{} : {} ({})", line.number, item,
+                              WhyRefused(item, line.text)));
   refused_block_ = refused_block_ || NamesBlock(line);
 }
 
 // Reported where a word gets its value: the lines after it carry it on.
 void GpioLines::CheckWords(const ScriptLine& line, const CIniFile::gpio_element& element) {
+  const auto rises = [](int word, int before) {
+    return word > GPIO_PIN_ALL && (word & ~GPIO_PIN_ALL) != (before & ~GPIO_PIN_ALL);
+  };
   if (element.out_value < 0 && element.out_value != state_.out_value) {
-    problems_.Error(PlaceOfKey(line, "GPIO_OUT"),
-                    "GPIO_OUT is negative: refused without a message");
-  } else if ((element.out_value & ~GPIO_PIN_ALL) != (state_.out_value & ~GPIO_PIN_ALL) &&
-             element.out_value > GPIO_PIN_ALL) {
-    problems_.Warn(PlaceOfKey(line, "GPIO_OUT"),
+    problems_.Error(PlaceOfKey(line, kOut), "GPIO_OUT is negative: refused without a message");
+  } else if (rises(element.out_value, state_.out_value)) {
+    problems_.Warn(PlaceOfKey(line, kOut),
                    "GPIO_OUT has bits above the six pins, until a pin is cleared");
   }
   if (element.oe_mask < 0 && element.oe_mask != state_.oe_mask) {
-    problems_.Error(PlaceOfKey(line, "GPIO_OE"), ",inifile.error (GPIO_OE is negative)");
+    problems_.Error(PlaceOfKey(line, kOe), ",inifile.error (GPIO_OE is negative)");
+  } else if (rises(element.oe_mask, state_.oe_mask)) {
+    problems_.Warn(PlaceOfKey(line, kOe), "GPIO_OE has bits above the six pins, 0x01 to 0x20");
   }
 }
 
 void GpioLines::Finish() {
   // A refused REPT or ENDR leaves its partner alone: that is no second fault.
   if (!refused_block_) problems_.Add(blocks_.Finish());
+  pins_.Finish();
 }
 
 // An expectation on a line of its own, which reads nothing.
@@ -137,7 +154,7 @@ void CheckGpio(const ScriptText& script, Checked& checked) {
   }
   const std::string message = ReaderMessage(head);
   if (message.find("no start") != std::string::npos) {
-    problems.Error(last, message);
+    problems.Error(last, message + InParentheses(WhyNoStart(script.Line(last.line).text)));
     return;
   }
   GpioLines lines(checked);
@@ -155,7 +172,7 @@ void CheckGpio(const ScriptText& script, Checked& checked) {
   } else if (too_long.has_value()) {
     problems.Error(CutAt(*too_long), fmt::format("{} ({})", message, kCutScript));
   } else if (!lines.RefusedLast()) {  // which may have been meant as the END
-    problems.Error(last, message);
+    problems.Error(last, message + InParentheses(head.empty() ? "the script is empty" : ""));
   }
 }
 

@@ -6,98 +6,97 @@
 #include <vector>
 
 #include "base/field_cursor.h"
-#include "base/gpio_line_parser.h"
-#include "base/text.h"
 #include "entry/icescript.h"
+#include "host/check/gpio_items.h"
+#include "host/check/remarks.h"
+#include "host/check/wide_numbers.h"
 
 namespace icehost {
 namespace {
 
-using icescript::EqualsUpper;
-
-constexpr std::string_view kNumberKeys[] = {"NRST", "TRST", "TCK",      "TMS",    "TDI",
-                                            "TDO",  "REPT", "GPIO_OUT", "GPIO_OE"};
-
-bool TakesNumber(std::string_view key) {
-  return std::any_of(std::begin(kNumberKeys), std::end(kNumberKeys),
-                     [key](std::string_view name) { return EqualsUpper(key, name); });
-}
-
-struct Item {
-  std::string_view key;
-  std::string_view value;
-  bool has_equals;
-};
-
-std::vector<Item> Items(std::string_view text) {
-  std::vector<Item> items;
-  for (icescript::FieldCursor fields(text, ','); fields.HasNext();) {
-    const std::string_view field = fields.Next();
-    const icescript::GpioItem item(field);
-    const bool has_equals = field.find('=') != std::string_view::npos;
-    items.push_back({item.key, has_equals ? item.value : "", has_equals});
-  }
-  return items;
-}
+constexpr const char* kHexDigits = "0123456789abcdefABCDEF";
 
 // As the reader converts it: decimal, or hexadecimal behind "0x".
-bool IsNumber(std::string_view text) {
-  if (text.substr(0, 1) == "-" || text.substr(0, 1) == "+") text.remove_prefix(1);
-  const bool hex = text.size() > 2 && text.substr(0, 2) == "0x";
-  if (hex) text.remove_prefix(2);
-  const char* const digits = hex ? "0123456789abcdefABCDEF" : "0123456789";
+bool IsNumber(std::string_view text, int base) {
+  text = text.substr(0, text.find_last_not_of(" \t") + 1);
+  if (base == 16) {
+    text.remove_prefix(2);
+  } else {
+    text.remove_prefix(std::min(text.find_first_not_of(" \t"), text.size()));
+    if (text.substr(0, 1) == "-" || text.substr(0, 1) == "+") text.remove_prefix(1);
+  }
+  const std::string_view digits(kHexDigits, base == 16 ? 22 : 10);
   return !text.empty() && text.find_first_not_of(digits) == std::string_view::npos;
 }
 
-void CheckValue(const ScriptLine& line, const Item& item, Problems& problems) {
+// What a value that is no number may have been meant to be.
+std::string NumberMeant(const NamedItem& item) {
+  if (const auto slip = SlipIn(item.value); !slip.empty()) return std::string(slip);
+  if (item.IsPin()) return fmt::format("{} is 0 or 1", item.key);
+  std::string_view digits = item.value;
+  if (digits.substr(0, 2) == "0X" || digits.substr(0, 2) == "0x") digits.remove_prefix(2);
+  const bool hex =
+      !digits.empty() && digits.find_first_not_of(kHexDigits) == std::string_view::npos;
+  return hex ? DidYouMean(fmt::format("0x{}", digits)) : "";
+}
+
+void CheckValue(const ScriptLine& line, const NamedItem& item, Problems& problems) {
+  if (!item.TakesNumber()) return;
   const Place place = line.Of(item.key);
-  if (!TakesNumber(item.key)) return;
   if (!item.has_equals) {
     problems.Warn(place, "without \"=\" this is set to 0");
   } else if (item.value.empty()) {
     problems.Warn(place, "an empty value takes the number of the last item that had one");
-  } else if (!IsNumber(item.value)) {
-    problems.Warn(place,
-                  fmt::format("\"{}\" is no number: only what it begins with counts", item.value));
+  } else if (!IsNumber(item.value, item.Base())) {
+    problems.Warn(place, fmt::format("\"{}\" is no number: only what it begins with counts{}",
+                                     item.value, InParentheses(NumberMeant(item))));
+  } else if (IsCutNumber(item.value, item.Base())) {
+    problems.Warn(line.Of(item.value), CutNumber(item.value, item.Base()));
+  }
+}
+
+// What an item takes back of those before it, which set the keys `set`.
+void CheckAgain(const ScriptLine& line, const NamedItem& item, unsigned set, Problems& problems) {
+  if (item.which > kOe || set == 0) return;
+  if ((set >> item.which & 1U) != 0) {
+    problems.Warn(line.Of(item.key),
+                  fmt::format("a line is one operation: of {} only the last counts", item.key));
+  } else if (item.which == kOut && (set & GPIO_PIN_ALL) != 0) {
+    problems.Warn(line.Of(item.key), "GPIO_OUT replaces what the line sets before it");
   }
 }
 
 }  // namespace
 
-Place PlaceOfKey(const ScriptLine& line, std::string_view key) {
-  Place place = line.Start();
-  for (const Item& item : Items(line.text)) {
-    if (EqualsUpper(item.key, key)) place = line.Of(item.key);
-  }
-  return place;
-}
-
 bool NamesBlock(const ScriptLine& line) {
-  const std::vector<Item> items = Items(line.text);
-  return std::any_of(items.begin(), items.end(), [](const Item& item) {
-    return EqualsUpper(item.key, "REPT") || EqualsUpper(item.key, "ENDR");
+  const std::vector<NamedItem> items = ItemsOf(line.text);
+  return std::any_of(items.begin(), items.end(), [](const NamedItem& item) {
+    return item.which == kRept || item.which == kEndr;
   });
 }
 
-void CheckItems(const ScriptLine& line, int flags, Problems& problems) {
-  const std::vector<Item> items = Items(line.text);
+int CheckItems(const ScriptLine& line, int flags, Problems& problems) {
+  unsigned set = 0;
   int asked = 0;
-  for (std::size_t i = 0; i < items.size(); ++i) {
-    const Item& item = items[i];
-    if (EqualsUpper(item.key, "END")) {
-      if (i + 1 < items.size()) {
-        problems.Warn(line.Of(items[i + 1].key), "text after END is not read");
+  for (icescript::FieldCursor fields(line.text, ','); fields.HasNext();) {
+    const NamedItem item(fields.Next());
+    if (item.which == kEnd) {
+      if (fields.HasNext()) {
+        problems.Warn(line.Of(NamedItem(fields.Next()).key), "text after END is not read");
       }
-      return;
+      break;
     }
     CheckValue(line, item, problems);
-    if (EqualsUpper(item.key, "PRINT")) asked |= GPIO_FLAG_READ_IN;
-    if (EqualsUpper(item.key, "GPIO_OE")) asked |= GPIO_FLAG_WRITE_OE;
-    if (EqualsUpper(item.key, "NRST") && (asked & ~flags) != 0) {
+    CheckAgain(line, item, set, problems);
+    set |= 1U << item.which;
+    if (item.which == kPrint) asked |= GPIO_FLAG_READ_IN;
+    if (item.which == kOe) asked |= GPIO_FLAG_WRITE_OE;
+    if (item.which == kNrst && (asked & ~flags) != 0) {
       problems.Warn(line.Of(item.key), "NRST=1 undoes the PRINT or GPIO_OE before it on the line");
       asked = 0;
     }
   }
+  return static_cast<int>(set) & GPIO_PIN_ALL;
 }
 
 }  // namespace icehost

@@ -7,6 +7,7 @@
 
 #include "base/ini_file.h"
 #include "host/check/check.h"
+#include "host/check/check_control.h"
 #include "host/check/check_scan.h"
 #include "host/check/ini_sections.h"
 #include "host/check/scan_expectation.h"
@@ -52,18 +53,23 @@ class JtagOperations {
   void TakeControl(CIniFile& ini, const IniSection& section) {
     JtagScr scr(nullptr, nullptr);  // reads no file, so it prints nothing
     const std::unique_ptr<icescript::JtagOperatorData> record(scr.ParsingControl(ini, 0));
+    const bool reset = record != nullptr && record->operatorType == icescript::JTAG_OP_RESET;
     if (record == nullptr) {
-      problems_.Error(section.first, "CONTROL syntax error");
+      problems_.Error(section.first, section.lines[kCdi] == 0
+                                         ? "CONTROL syntax error (it has neither RESET nor CDI)"
+                                         : "CONTROL syntax error");
     } else {
-      const bool reset = record->operatorType == icescript::JTAG_OP_RESET;
       Append(section, section.lines[reset ? kReset : kCdi], false);
     }
+    if (reset) CheckReset(script_.Line(section.lines[kReset]), problems_);
     if (section.lines[kCdi] == 0) return;
     const ScriptLine cdi = script_.Line(section.lines[kCdi]);
     if (record == nullptr) {
       problems_.Error(cdi.Of(ValueOf(cdi)), "CDI is 5 (5-wire JTAG) or 2 (2-wire interface)");
-    } else if (record->operatorType == icescript::JTAG_OP_RESET) {
+    } else if (reset) {
       problems_.Warn(cdi.Start(), "RESET wins: CDI is ignored");
+    } else {
+      CheckCdi(cdi, problems_);
     }
   }
 

@@ -2,10 +2,15 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <memory>
+#include <string>
 
 #include "base/number.h"
+#include "base/text.h"
+#include "host/check/remarks.h"
 #include "host/check/scan_fields.h"
+#include "host/check/wide_numbers.h"
 #include "jtag/jtag_scr.h"
 
 namespace icehost {
@@ -17,6 +22,21 @@ bool IsDecimal(std::string_view text) {
   return !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
+// What a text that is no byte may have been meant to be: all bytes of a number, the least
+// significant first.
+std::string BytesMeant(std::string_view text) {
+  if (const auto slip = SlipIn(text); !slip.empty()) return std::string(slip);
+  std::string_view digits = HexDigits(text);
+  if (digits.size() < 3 || digits.size() / 2 > JTAG_DR_MAX_BYTES || !IsHex(digits)) return {};
+  std::string bytes;
+  while (!digits.empty()) {
+    const std::size_t rest = digits.size() - std::min<std::size_t>(digits.size(), 2);
+    bytes += fmt::format("{}0x{:0>2}", bytes.empty() ? "" : ",", digits.substr(rest));
+    digits = digits.substr(0, rest);
+  }
+  return DidYouMean(bytes);
+}
+
 // The length, in field `length_at`; false where nothing is shifted.
 bool CheckLength(const Fields& fields, std::size_t length_at, int bits, Problems& problems) {
   const std::string_view text = Trimmed(fields.text[length_at]);
@@ -24,7 +44,10 @@ bool CheckLength(const Fields& fields, std::size_t length_at, int bits, Problems
     problems.Warn(fields.Of(length_at), "a negative length shifts nothing");
   } else if (!IsDecimal(text)) {
     problems.Warn(fields.Of(length_at),
-                  fmt::format("a length is a decimal number: \"{}\" is taken as {}", text, bits));
+                  fmt::format("a length is a decimal number: \"{}\" is taken as {}{}", text, bits,
+                              InParentheses(SlipIn(text))));
+  } else if (IsCutNumber(text, 10)) {
+    problems.Warn(fields.Of(length_at), CutNumber(text, 10));
   }
   return bits > 0;
 }
@@ -36,8 +59,8 @@ void CheckBytes(const Fields& fields, std::size_t first, int bits, Problems& pro
   for (std::size_t i = first; i < fields.text.size(); ++i) {
     const std::string_view text = Trimmed(fields.text[i]);
     if (IsHexByte(text)) continue;
-    problems.Warn(fields.Of(i),
-                  fmt::format("\"{}\" is no hexadecimal byte: taken as {}", text, ByteOf(text)));
+    problems.Warn(fields.Of(i), fmt::format("\"{}\" is no hexadecimal byte: taken as 0x{:02x}{}",
+                                            text, ByteOf(text), InParentheses(BytesMeant(text))));
   }
   if (listed > held) {
     problems.Warn(fields.Of(first + held), fmt::format("more bytes than the {} bits hold", bits));
@@ -53,8 +76,16 @@ void CheckBytes(const Fields& fields, std::size_t first, int bits, Problems& pro
 
 void CheckFlag(const Fields& dr, Problems& problems) {
   const std::string_view flag = Trimmed(dr.text[0]);
-  if (!flag.empty() && std::string_view("RrWw").find(flag[0]) != std::string_view::npos) return;
-  problems.Warn(dr.Of(0), fmt::format("\"{}\" is neither R nor W: taken as a write", flag));
+  for (const std::string_view known : {"R", "W", "READ", "WRITE"}) {
+    if (icescript::EqualsUpper(flag, known)) return;
+  }
+  const char first = flag.empty() ? '\0' : icescript::UpperCase(flag[0]);
+  if (first == 'R' || first == 'W') {
+    problems.Warn(dr.Of(0), fmt::format("\"{}\" is taken as a {}: the first letter alone counts",
+                                        flag, first == 'R' ? "read" : "write"));
+  } else {
+    problems.Warn(dr.Of(0), fmt::format("\"{}\" is neither R nor W: taken as a write", flag));
+  }
 }
 
 // Whether the parser refuses a register of this length or of so many bytes.

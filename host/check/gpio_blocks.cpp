@@ -2,24 +2,19 @@
 
 #include <utility>
 
-#include "entry/icescript.h"
-
 namespace icehost {
 
 void GpioBlocks::Take(const ScriptLine& line, const icescript::CIniFile::gpio_element& element) {
-  if (element.kind == icescript::GPIO_KIND_ENDR) Close(line);
-  if (!open_.empty()) {
-    Open& block = open_.back();
-    if (!block.first.has_value()) block.first = element;
-    block.idle = block.idle && element.out_value == block.first->out_value &&
-                 element.oe_mask == block.first->oe_mask &&
-                 (element.flags & GPIO_FLAG_READ_IN) == 0;
+  if (element.kind == icescript::GPIO_KIND_ENDR) {
+    Close(line);
+  } else if (element.kind == icescript::GPIO_KIND_REPT) {
+    open_.push_back({line.Start()});
+  } else if (!open_.empty()) {
+    open_.back().empty = false;
   }
-  if (element.kind == icescript::GPIO_KIND_REPT) open_.push_back({line.Start(), {}, true});
 }
 
-// What a block does, the block around it does. Its levels are then those of its ENDR, a line of
-// the block around it.
+// What a block holds, the block around it holds.
 void GpioBlocks::Close(const ScriptLine& endr) {
   if (open_.empty()) {
     problems_.Error(endr.Start(), "error: rept & endr not match. (no REPT is open)");
@@ -27,8 +22,12 @@ void GpioBlocks::Close(const ScriptLine& endr) {
   }
   const Open block = open_.back();
   open_.pop_back();
-  if (block.idle) problems_.Warn(block.rept, "no pin changes in this block and none is read");
-  if (!open_.empty() && !block.idle) open_.back().idle = false;
+  if (block.empty) {
+    problems_.Warn(block.rept,
+                   "this block holds no pin operation: it is skipped and delays nothing");
+  } else if (!open_.empty()) {
+    open_.back().empty = false;
+  }
 }
 
 Problems GpioBlocks::Finish() {

@@ -2,7 +2,6 @@
 #ifndef ICESCRIPT_HOST_CHECK_GPIO_BLOCKS_H_
 #define ICESCRIPT_HOST_CHECK_GPIO_BLOCKS_H_
 
-#include <optional>
 #include <vector>
 
 #include "base/ini_file.h"
@@ -20,9 +19,7 @@ class GpioBlocks {
  private:
   struct Open {
     Place rept;
-    // The block's first line: the REPT itself carries the levels from before the block.
-    std::optional<icescript::CIniFile::gpio_element> first;
-    bool idle = true;  // so far nothing changes from one run to the next, and nothing is read
+    bool empty = true;  // so far it holds no pin operation
   };
 
   void Close(const ScriptLine& endr);

@@ -10,35 +10,12 @@
 #include <utility>
 
 #include "base/text.h"
+#include "host/check/ini_hints.h"
 
 namespace icehost {
 namespace {
 
 using icescript::EqualsUpper;
-
-std::string WithoutBlanks(std::string_view text) {
-  std::string bare(text);
-  bare.erase(
-      std::remove_if(bare.begin(), bare.end(), [](char ch) { return ch == ' ' || ch == '\t'; }),
-      bare.end());
-  return bare;
-}
-
-// A key that means nothing in a section of these keys.
-void WarnOfKey(const ScriptLine& line, const IniKeys& keys, std::string_view name,
-               Problems& problems) {
-  const std::string bare = WithoutBlanks(name);
-  const auto is_key = [&bare](std::string_view key) { return EqualsUpper(bare, key); };
-  if (std::find(keys.begin(), keys.end(), bare) != keys.end()) {
-    problems.Warn(line.Of(name.substr(name.find_first_of(" \t"))),
-                  fmt::format("a blank here belongs to the name: this is not \"{}\"", bare));
-  } else if (std::any_of(keys.begin(), keys.end(), is_key)) {
-    problems.Warn(line.Start(), "keys are in upper case: this one is ignored");
-  } else {
-    problems.Warn(line.Start(), fmt::format("unknown key, ignored: a section like this has {}",
-                                            fmt::join(keys, ", ")));
-  }
-}
 
 void WarnOfTab(const ScriptLine& line, Problems& problems) {
   const std::size_t tab = line.text.find('\t');
@@ -81,7 +58,8 @@ void SectionFinder::Take(const ScriptLine& line) {
     TakeValue(line, line.text.substr(0, equals));
   } else {
     problems_.Error(line.Start(),
-                    fmt::format("{} in {}: Syntax error: nothing runs", line.text, name_));
+                    fmt::format("{} in {}: Syntax error: nothing runs ({})", line.text, name_,
+                                WhyNoIniLine(line.text, KeysOf(name_))));
   }
 }
 
@@ -91,6 +69,7 @@ void SectionFinder::TakeHeader(const ScriptLine& line) {
   if (name_ != "CONTROL" && EqualsUpper(WithoutBlanks(name_), "CONTROL")) {
     problems_.Warn(*header_, "this is not the section CONTROL, but a scan");
   }
+  WarnOfLateTag(line, name_, problems_);
   Named& named = named_[name_];
   if (named.header.has_value()) {
     problems_.Warn(*header_, name_ == "CONTROL"

@@ -6,12 +6,13 @@
 #include <string_view>
 #include <vector>
 
+#include "host/check/near_words.h"
 #include "host/check/problems.h"
 
 namespace icehost {
 
 // The keys of a section that mean something.
-using IniKeys = std::vector<std::string_view>;
+using IniKeys = Words;
 const IniKeys& KeysOf(std::string_view section);
 
 // Where they are in it: first those that the plug-in reads, the others are icehost's.

@@ -6,8 +6,10 @@
 
 #include "base/field_cursor.h"
 #include "base/number.h"
-#include "base/text.h"
 #include "entry/icescript.h"
+#include "host/check/gpio_items.h"
+#include "host/check/near_words.h"
+#include "host/check/remarks.h"
 
 namespace icehost {
 namespace {
@@ -15,9 +17,6 @@ namespace {
 constexpr std::string_view kWord = "expect";
 constexpr std::string_view kForm =
     "expected is NAME=LEVEL, ... with the names of pins, or VALUE or VALUE/MASK up to 0x3f";
-
-// The names of the pins, lowest bit first.
-constexpr std::string_view kPins[] = {"NRST", "TRST", "TCK", "TMS", "TDI", "TDO"};
 
 // Levels of pins, and which of them count.
 struct Levels {
@@ -68,11 +67,9 @@ std::optional<Levels> NamedLevels(std::string_view text) {
     const std::size_t equals = std::min(item.find('='), item.size());
     const std::string_view name = Trimmed(item.substr(0, equals));
     const std::string_view level = Trimmed(item.substr(std::min(equals + 1, item.size())));
-    const auto* const pin = std::find_if(std::begin(kPins), std::end(kPins), [name](auto known) {
-      return icescript::EqualsUpper(name, known);
-    });
-    if (pin == std::end(kPins) || (level != "0" && level != "1")) return std::nullopt;
-    const int bit = 1 << (pin - std::begin(kPins));
+    const unsigned pin = NamedItem(name).which;
+    if (pin >= kPins || (level != "0" && level != "1")) return std::nullopt;
+    const int bit = 1 << pin;
     if ((levels.mask & bit) != 0) return std::nullopt;
     levels.mask |= bit;
     if (level == "1") levels.value |= bit;
@@ -82,6 +79,17 @@ std::optional<Levels> NamedLevels(std::string_view text) {
 
 std::optional<Levels> ReadLevels(std::string_view text) {
   return text.find('=') != std::string_view::npos ? NamedLevels(text) : WordLevels(text);
+}
+
+// A word that is nearly "expect", before something that can be expected.
+void WarnOfNearWord(const ScriptLine& line, std::string_view comment, Problems& problems) {
+  const std::string_view word = FirstWord(comment);
+  if (Nearest(word, {kWord}).empty()) return;
+  const auto behind = static_cast<std::size_t>(word.data() + word.size() - comment.data());
+  const std::string_view rest = comment.substr(behind);
+  if (ReadLevels(Trimmed(rest.substr(0, rest.find('#')))).has_value()) {
+    problems.Warn(line.Of(word), DidYouMean("expect"));
+  }
 }
 
 }  // namespace
@@ -104,8 +112,13 @@ std::string_view ExpectIn(std::string_view comment) {
 }
 
 std::optional<Expectation> PinExpectation(const ScriptLine& line, bool reads, Problems& problems) {
-  const std::string_view expect = ExpectIn(CommentOf(line));
-  if (expect.empty()) return std::nullopt;
+  const std::string_view comment = CommentOf(line);
+  if (comment.empty()) return std::nullopt;
+  const std::string_view expect = ExpectIn(comment);
+  if (expect.empty()) {
+    if (reads) WarnOfNearWord(line, comment, problems);
+    return std::nullopt;
+  }
   const std::string_view text = Trimmed(expect.substr(kWord.size()));
   const std::optional<Levels> levels = ReadLevels(text);
   if (!reads) {

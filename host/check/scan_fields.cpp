@@ -5,16 +5,6 @@
 #include "base/text.h"
 
 namespace icehost {
-namespace {
-
-// What stands behind an optional "0x".
-std::string_view HexDigits(std::string_view text) {
-  const bool prefixed = text.size() > 1 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X');
-  return text.substr(prefixed ? 2 : 0);
-}
-
-}  // namespace
-
 std::string_view ValueOf(const ScriptLine& line) {
   return line.text.substr(line.text.find('=') + 1);
 }
@@ -33,10 +23,18 @@ std::string_view Trimmed(std::string_view field) {
   return icescript::TrimRight(icescript::TrimLeft(field, ' '), ' ');
 }
 
+std::string_view HexDigits(std::string_view text) {
+  const bool prefixed = text.size() > 1 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X');
+  return text.substr(prefixed ? 2 : 0);
+}
+
+bool IsHex(std::string_view digits) {
+  return digits.find_first_not_of("0123456789abcdefABCDEF") == std::string_view::npos;
+}
+
 bool IsHexByte(std::string_view text) {
   const std::string_view digits = HexDigits(text);
-  return !digits.empty() && digits.size() <= 2 &&
-         digits.find_first_not_of("0123456789abcdefABCDEF") == std::string_view::npos;
+  return !digits.empty() && digits.size() <= 2 && IsHex(digits);
 }
 
 unsigned ByteOf(std::string_view text) {

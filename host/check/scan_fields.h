@@ -26,6 +26,9 @@ struct Fields {
 
 // A field without its blanks.
 std::string_view Trimmed(std::string_view field);
+// What stands behind an optional "0x".
+std::string_view HexDigits(std::string_view text);
+bool IsHex(std::string_view digits);
 // One or two digits, behind an optional "0x".
 bool IsHexByte(std::string_view text);
 // What the parser makes of a byte.

@@ -1,0 +1,94 @@
+#include "host/check/near_words.h"
+
+#include <algorithm>
+#include <array>
+
+#include "base/text.h"
+
+namespace icehost {
+namespace {
+
+// Longer words are near none.
+constexpr std::size_t kLongest = 32;
+
+// Letters that look alike become one.
+char Shape(char ch) {
+  switch (const char upper = icescript::UpperCase(ch)) {
+    case '0':
+      return 'O';
+    case '1':
+    case 'L':
+      return 'I';
+    default:
+      return upper;
+  }
+}
+
+// How many slips make one word of the other, each no longer than kLongest.
+std::size_t Slips(std::string_view a, std::string_view b) {
+  std::array<std::array<std::size_t, kLongest + 1>, 3> rows{};
+  for (std::size_t j = 0; j <= b.size(); ++j) rows[0][j] = j;
+  for (std::size_t i = 1; i <= a.size(); ++i) {
+    const auto& above = rows[(i - 1) % 3];
+    auto& row = rows[i % 3];
+    row[0] = i;
+    for (std::size_t j = 1; j <= b.size(); ++j) {
+      const std::size_t change = Shape(a[i - 1]) == Shape(b[j - 1]) ? 0 : 1;
+      row[j] = std::min({above[j - 1] + change, above[j] + 1, row[j - 1] + 1});
+      if (i > 1 && j > 1 && Shape(a[i - 1]) == Shape(b[j - 2]) &&
+          Shape(a[i - 2]) == Shape(b[j - 1])) {
+        row[j] = std::min(row[j], rows[(i - 2) % 3][j - 2] + 1);
+      }
+    }
+  }
+  return rows[a.size() % 3][b.size()];
+}
+
+// That a word of this size forgives.
+std::size_t Forgiven(std::size_t size) {
+  return size < 6 ? 1 : 2;
+}
+
+}  // namespace
+
+std::string Listed(const Words& words, std::string_view last) {
+  std::string list;
+  for (std::size_t i = 0; i < words.size(); ++i) {
+    if (i > 0 && i + 1 < words.size()) list += ", ";
+    if (i > 0 && i + 1 == words.size()) list.append(" ").append(last).append(" ");
+    list += words[i];
+  }
+  return list;
+}
+
+std::string Nearest(std::string_view word, const Words& candidates) {
+  Words nearest;
+  std::size_t fewest = kLongest;
+  for (const std::string_view candidate : candidates) {
+    const std::size_t forgiven = Forgiven(candidate.size());
+    if (candidate.size() > kLongest || word.size() > kLongest || word.size() <= forgiven ||
+        word.size() > candidate.size() + forgiven || candidate.size() > word.size() + forgiven) {
+      continue;
+    }
+    const std::size_t slips = Slips(word, candidate);
+    if (slips > std::min(forgiven, fewest)) continue;
+    if (slips < fewest) nearest.clear();
+    fewest = slips;
+    nearest.push_back(candidate);
+  }
+  return Listed(nearest, "or");
+}
+
+std::string WithEquals(std::string_view text, const Words& keys) {
+  const std::size_t end = text.find_first_of(" :\t0123456789");
+  const std::size_t value = text.find_first_not_of(" :\t", end);
+  if (value == std::string_view::npos) return {};
+  for (const std::string_view key : keys) {
+    if (icescript::EqualsUpper(text.substr(0, end), key)) {
+      return std::string(key).append("=").append(text.substr(value));
+    }
+  }
+  return {};
+}
+
+}  // namespace icehost
