@@ -2,30 +2,15 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
-#include <utility>
-#include <vector>
+#include <string>
 
 #include "base/ini_file.h"
 #include "base/text.h"
 #include "host/system/memory_file.h"
+#include "host/system/near_word.h"
 
 namespace icehost {
 namespace {
-
-// Number of single edits that make one text of another.
-std::size_t EditDistance(std::string_view a, std::string_view b) {
-  std::vector<std::size_t> row(b.size() + 1);
-  for (std::size_t j = 0; j <= b.size(); ++j) row[j] = j;
-  for (std::size_t i = 1; i <= a.size(); ++i) {
-    std::size_t diagonal = std::exchange(row[0], i);
-    for (std::size_t j = 1; j <= b.size(); ++j) {
-      const std::size_t change = diagonal + (a[i - 1] == b[j - 1] ? 0 : 1);
-      diagonal = std::exchange(row[j], std::min({change, row[j] + 1, row[j - 1] + 1}));
-    }
-  }
-  return row[b.size()];
-}
 
 // The letters of a line in upper case: what a lost bracket, a blank or a byte-order mark leaves.
 std::string Letters(std::string_view text) {
@@ -37,16 +22,13 @@ std::string Letters(std::string_view text) {
   return letters;
 }
 
-// A slip of the pen or two.
-constexpr std::size_t kNearTag = 2;
-
 void WarnOfNearTag(const ScriptText& script, Problems& problems) {
   const ScriptText::Iterator at = script.WithText(script.begin());
   const ScriptLine first = *at;
   if (first.text.size() > 40) return;
   const bool marked = first.text.substr(0, 3) == "\xEF\xBB\xBF";
   for (const char* const tag : {"ORVEX_ICE_GPIO", "ZEVA_ICE_GPIO"}) {
-    if (EditDistance(Letters(first.text), tag) > kNearTag) continue;
+    if (EditDistance(Letters(first.text), tag) > kNear) continue;
     problems.Warn(first.Start(),
                   fmt::format("this is not quite [{}]: the file is run as a JTAG script{}", tag,
                               marked ? " (a byte-order mark stands before it)" : ""));
@@ -82,6 +64,7 @@ Problems Check(const ScriptText& script) {
     WarnOfNearTag(script, problems);
     CheckJtag(script, problems);
   }
+  problems.Sort();
   return problems;
 }
 

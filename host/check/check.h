@@ -7,7 +7,8 @@
 
 namespace icehost {
 
-// All problems of a script. Throws Interrupted, as does all of the below.
+// All problems of a script, in the order of their places. Throws Interrupted, as does all of the
+// below.
 Problems Check(const ScriptText& script);
 
 // What Check is made of: the problems of a script that the plug-in runs as a GPIO script, and as a
