@@ -22,16 +22,19 @@ struct ProbeChoice {
 // Far more than anybody writes, and no more than fits the memory of a small machine.
 constexpr std::size_t kDefaultSizeLimit = 64U << 20U;
 
-// In the texts below, empty means "not asked for".
+// No file can be written by this name.
+constexpr const char* kStandardError = "/";
+
+// In the texts below, empty means "not asked for". An output "-" is standard output.
 struct RunCommand {
   std::vector<std::string> scripts;  // "-": standard input
   std::string plugin;
   ProbeChoice probe;
   TargetOptions target;
-  int wire_mode = 0;  // CDI_ANSWER_
-  bool strict = false;
+  int wire_mode = 0;    // CDI_ANSWER_
+  bool strict = false;  // warnings fail
   std::chrono::milliseconds timeout{5000};
-  std::string trace;  // "-": standard error
+  std::string trace;  // or kStandardError
   std::string json;
   std::string vcd;
   std::string svg;
@@ -42,6 +45,8 @@ struct RunCommand {
 
 struct CheckCommand {
   std::vector<std::string> scripts;
+  std::string json;
+  bool strict = false;  // warnings fail
   std::size_t size_limit = kDefaultSizeLimit;
   bool quiet = false;
 };

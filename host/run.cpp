@@ -31,9 +31,9 @@ class Runner {
         plugin_(command.plugin),
         stack_(command),
         outputs_(command),
-        reporter_(
-            outputs_.listeners, work_,
-            {command.quiet, !command.quiet && command.trace != "-" && isatty(STDERR_FILENO) != 0}),
+        reporter_(outputs_.listeners, work_,
+                  {command.quiet, !command.quiet && command.trace != kStandardError &&
+                                      isatty(STDERR_FILENO) != 0}),
         observed_(
             stack_.Build(outputs_.recorders, [this](const std::string& why) { OnDoubt(why); }),
             outputs_.listeners, [this](const std::string& why) { reporter_.Say(why); },
@@ -68,6 +68,7 @@ class Runner {
 
   void OnCall(const char* operation) {
     reporter_.OnCall(operation);
+    outputs_.ThrowIfCut();
     if (operation != nullptr && outputs_.svg.has_value()) {
       outputs_.svg->BeginOperation(stack_.Steps(), operation);
     }
