@@ -15,6 +15,7 @@
 #include "entry/icescript.h"
 #include "fuzz/harness.h"
 #include "host/check/check.h"
+#include "host/check/check_stream.h"
 #include "host/probe/bitbang_port.h"
 #include "host/probe/bitbang_server.h"
 #include "host/probe/openocd_probe.h"
@@ -145,8 +146,9 @@ void BeOpenocdClient(std::string_view bytes) {
 void CheckScript(std::string_view bytes) {
   const icehost::ScriptText script("script", std::string(bytes));
   std::ostringstream report;
-  icehost::Problems problems = icehost::Check(script).problems;
+  const icehost::Problems problems = icehost::Check(script).problems;
   problems.Write(report, script, {});
+  icehost::CheckStream(report).Write(problems);
   Check(!problems.HasErrors() || report.str().find(": error: ") != std::string::npos,
         "errors are reported");
 }

@@ -7,8 +7,8 @@
 
 namespace icehost {
 
-// Checks the scripts and writes what is wrong with them to standard error, in colour on a terminal
-// unless NO_COLOR is set. Throws Interrupted.
+// Checks the scripts and writes what is wrong with them to standard output, in colour on a terminal
+// unless NO_COLOR is set; a script without fault leaves no word. Throws Interrupted.
 ExitStatus CheckScripts(const CheckCommand& command);
 
 }  // namespace icehost

@@ -22,22 +22,25 @@ struct ProbeChoice {
 // Far more than anybody writes, and no more than fits the memory of a small machine.
 constexpr std::size_t kDefaultSizeLimit = 64U << 20U;
 
-// In the texts below, empty means "not asked for".
+// No file can be written by this name.
+constexpr const char* kStandardError = "/";
+
+// In the texts below, empty means "not asked for". An output "-" is standard output.
 struct RunCommand {
   std::vector<std::string> scripts;  // "-": standard input
   std::string plugin;
   ProbeChoice probe;
   TargetOptions target;
-  int wire_mode = 0;  // CDI_ANSWER_
-  bool strict = false;
-  bool force = false;
-  bool keep_going = false;
-  std::string learn;
+  int wire_mode = 0;        // CDI_ANSWER_
+  bool strict = false;      // warnings fail
+  bool force = false;       // scripts with errors run
+  bool keep_going = false;  // past values that are not as expected
   std::chrono::milliseconds timeout{5000};
-  std::string trace;  // "-": standard error
+  std::string trace;  // or kStandardError
   std::string json;
   std::string vcd;
   std::string svg;
+  std::string learn;
   bool summary = false;
   std::size_t size_limit = kDefaultSizeLimit;  // of a script, in bytes
   bool quiet = false;
@@ -45,6 +48,8 @@ struct RunCommand {
 
 struct CheckCommand {
   std::vector<std::string> scripts;
+  std::string json;
+  bool strict = false;  // warnings fail
   std::size_t size_limit = kDefaultSizeLimit;
   bool quiet = false;
 };

@@ -4,10 +4,11 @@
 
 #include <algorithm>
 #include <cctype>
+#include <iterator>
 #include <sstream>
 #include <stdexcept>
 
-#include "entry/icescript.h"
+#include "host/target/interface_names.h"
 
 namespace icehost {
 namespace {
@@ -20,7 +21,7 @@ bool TakePrefix(std::string& text, const std::string& prefix) {
   return true;
 }
 
-// The whole text as a number in `base` (0: as in C) up to `most`.
+// The whole text as a number in base 10 or 16 up to `most`.
 std::uint64_t Number(const std::string& text, int base, std::uint64_t most) {
   const bool starts_well = !text.empty() && std::isxdigit(static_cast<unsigned char>(text[0])) != 0;
   std::size_t end = 0;
@@ -31,7 +32,9 @@ std::uint64_t Number(const std::string& text, int base, std::uint64_t most) {
     end = 0;  // no digits, or too many
   }
   if (end == 0 || end != text.size() || value > most) {
-    throw std::invalid_argument(fmt::format("\"{}\" is no number from 0 to {}", text, most));
+    throw std::invalid_argument(
+        base == 16 ? fmt::format("\"{}\" is no hexadecimal number up to {:#x}", text, most)
+                   : fmt::format("\"{}\" is no number from 0 to {}", text, most));
   }
   return value;
 }
@@ -86,9 +89,10 @@ Endpoint ParseServeEndpoint(const std::string& text) {
 }
 
 int ParseWireMode(const std::string& text) {
-  if (text == "jtag5") return CDI_ANSWER_JTAG5;
-  if (text == "2wire") return CDI_ANSWER_2WIRE;
-  if (text == "cjtag2") return CDI_ANSWER_CJTAG2;
+  const auto* const name = std::find(std::begin(kInterfaceNames), std::end(kInterfaceNames), text);
+  if (name != std::end(kInterfaceNames)) {
+    return static_cast<int>(name - std::begin(kInterfaceNames));
+  }
   throw std::invalid_argument("expected jtag5, 2wire or cjtag2");
 }
 
@@ -119,12 +123,21 @@ void ParseRegister(const std::string& text, TargetOptions& target) {
   if (colon == std::string::npos || colon > equals) {
     throw std::invalid_argument("expected IR:BITS or IR:BITS=HEX");
   }
-  const std::uint64_t instruction = Number(text.substr(0, colon), 0, UINT32_MAX);
+  const std::uint64_t instruction = Number(text.substr(0, colon), 16, UINT32_MAX);
   const auto bits =
       static_cast<int>(Number(text.substr(colon + 1, equals - colon - 1), 10, kLongestRegister));
   if (bits == 0) throw std::invalid_argument("a register has 1 bit or more");
   target.registers[instruction] =
       equals == text.size() ? BitsOfNumber(0, bits) : HexBits(text.substr(equals + 1), bits);
+}
+
+void RefuseUnfitRegisters(const TargetOptions& target) {
+  for (const auto& entry : target.registers) {
+    const std::uint64_t instruction = entry.first;
+    if (instruction >> static_cast<unsigned>(target.ir_length) == 0) continue;
+    throw std::invalid_argument(fmt::format("instruction {:#x} does not fit an IR of {} bits",
+                                            instruction, target.ir_length));
+  }
 }
 
 }  // namespace icehost

@@ -9,7 +9,7 @@ namespace icehost {
 Outputs::Outputs(const RunCommand& command) {
   using Rest = OutputFile::Rest;
   if (!command.trace.empty()) {
-    trace.emplace(command.trace == "-" ? std::cerr : Open(command.trace, Rest::kLines));
+    trace.emplace(command.trace == kStandardError ? std::cerr : Open(command.trace, Rest::kLines));
     listeners.push_back(&*trace);
   }
   if (!command.json.empty()) {
@@ -30,6 +30,7 @@ Outputs::Outputs(const RunCommand& command) {
 
 void Outputs::Begin() {
   for (const auto& file : files_) file->Begin();
+  if (json.has_value()) json->Begin();
 }
 
 std::vector<std::string> Outputs::Complete() {
@@ -48,6 +49,7 @@ std::vector<std::string> Outputs::Complete() {
 
 std::ostream& Outputs::Open(const std::string& path, OutputFile::Rest rest) {
   files_.push_back(std::make_unique<OutputFile>(path, rest));
+  if (path == "-") standard_output_ = files_.back().get();
   return files_.back()->Stream();
 }
 

@@ -22,6 +22,10 @@ struct Outputs {
   explicit Outputs(const RunCommand& command);
   // The run begins, and the files are written anew.
   void Begin();
+  // Throws once standard output takes no more: the rest of the run is not to go on unseen.
+  void ThrowIfCut() const {
+    if (standard_output_ != nullptr) standard_output_->ThrowIfCut();
+  }
   // Returns what went wrong, a text for each file that could not be written whole.
   std::vector<std::string> Complete();
   // The script with the values read.
@@ -38,6 +42,7 @@ struct Outputs {
   std::ostream& Open(const std::string& path, OutputFile::Rest rest);
 
   std::vector<std::unique_ptr<OutputFile>> files_;
+  OutputFile* standard_output_ = nullptr;  // where it is one of the files
   std::ostream* svg_stream_ = nullptr;
   std::ostream* learned_ = nullptr;
 };

@@ -33,9 +33,9 @@ Runner::Runner(const RunCommand& command)
       plugin_(command.plugin),
       stack_(command),
       outputs_(command),
-      reporter_(
-          outputs_.listeners, work_,
-          {command.quiet, !command.quiet && command.trace != "-" && isatty(STDERR_FILENO) != 0}),
+      reporter_(outputs_.listeners, work_,
+                {command.quiet,
+                 !command.quiet && command.trace != kStandardError && isatty(STDERR_FILENO) != 0}),
       follower_(ModeOf(command),
                 [this](Place place, const std::string& what) {
                   explained_ = true;
@@ -75,6 +75,7 @@ int Runner::Show(const char* message) {
 
 void Runner::OnCall(const char* operation) {
   reporter_.OnCall(operation);
+  outputs_.ThrowIfCut();
   if (operation == nullptr) return;
   if (outputs_.svg.has_value()) outputs_.svg->BeginOperation(stack_.Steps(), operation);
   if (outputs_.vcd.has_value()) outputs_.vcd->BeginOperation(stack_.Steps(), Label());

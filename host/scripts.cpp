@@ -1,11 +1,13 @@
 #include "host/scripts.h"
 
 #include <fmt/format.h>
+#include <unistd.h>
 
 #include <iostream>
 #include <utility>
 
 #include "host/check/check.h"
+#include "host/colour.h"
 #include "host/reporter.h"
 
 namespace icehost {
@@ -16,7 +18,7 @@ std::string WhyNot(const Problems& problems, const RunCommand& command) {
   if (problems.HasErrors() && !command.force) {
     return "has errors: nothing is played (--force plays it as the plug-in takes it)";
   }
-  if (problems.HasWarnings() && command.strict) {
+  if (problems.Warnings() > 0 && command.strict) {
     return "has warnings, and --strict is given: nothing is played";
   }
   return "";
@@ -34,7 +36,8 @@ std::vector<Script> LoadScripts(const RunCommand& command) {
   bool play = true;
   for (Script& script : scripts) {
     Checked checked = Check(script.text);
-    checked.problems.Write(std::cerr, script.text, {command.quiet, false});
+    checked.problems.Write(std::cerr, script.text,
+                           {command.quiet && !command.strict, WantsColour(STDERR_FILENO)});
     const std::string why = WhyNot(checked.problems, command);
     if (!why.empty()) Complain(fmt::format("{} {}", script.path, why));
     play = play && why.empty();

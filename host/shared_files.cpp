@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "host/system/file_identity.h"
@@ -18,31 +19,35 @@ struct Use {
   std::string what;
 };
 
-std::vector<Use> UsesBesideOutputs(const RunCommand& command) {
-  std::vector<Use> uses = {{IdentityOf(command.plugin), "the plug-in"},
-                           {IdentityOf(STDOUT_FILENO), "standard output"},
+struct Output {
+  const char* option;
+  const std::string& path;
+};
+
+using Outputs = std::vector<Output>;
+
+Outputs OutputsOf(const RunCommand& command) {
+  return {{"--trace", command.trace},
+          {"--json", command.json},
+          {"--vcd", command.vcd},
+          {"--svg", command.svg},
+          {"--learn", command.learn}};
+}
+
+std::vector<Use> UsesBesideOutputs(const std::vector<std::string>& scripts) {
+  std::vector<Use> uses = {{IdentityOf(STDOUT_FILENO), "standard output"},
                            {IdentityOf(STDERR_FILENO), "standard error"}};
-  for (const std::string& script : command.scripts) {
+  for (const std::string& script : scripts) {
     uses.push_back({script == "-" ? IdentityOf(STDIN_FILENO) : IdentityOf(script), "a script"});
   }
   return uses;
 }
 
-}  // namespace
-
-void RefuseSharedFiles(const RunCommand& command) {
-  const struct {
-    const char* option;
-    const std::string& path;
-  } kOutputs[] = {{"--trace", command.trace},
-                  {"--json", command.json},
-                  {"--vcd", command.vcd},
-                  {"--svg", command.svg},
-                  {"--learn", command.learn}};
-  std::vector<Use> uses = UsesBesideOutputs(command);
-  for (const auto& output : kOutputs) {
-    if (output.path.empty() || output.path == "-") continue;
-    const std::string identity = IdentityOf(output.path);
+void RefuseShared(const Outputs& outputs, std::vector<Use> uses) {
+  for (const Output& output : outputs) {
+    if (output.path.empty() || output.path == kStandardError) continue;
+    // A place of its own: two outputs may be on the same terminal, but not on the same "-".
+    const std::string identity = output.path == "-" ? "-" : IdentityOf(output.path);
     if (identity.empty()) continue;
     const auto other = std::find_if(
         uses.begin(), uses.end(), [&identity](const Use& use) { return use.identity == identity; });
@@ -52,6 +57,24 @@ void RefuseSharedFiles(const RunCommand& command) {
     }
     uses.push_back({identity, fmt::format("the file of {}", output.option)});
   }
+}
+
+}  // namespace
+
+void RefuseSharedFiles(const RunCommand& command) {
+  std::vector<Use> uses = UsesBesideOutputs(command.scripts);
+  uses.push_back({IdentityOf(command.plugin), "the plug-in"});
+  RefuseShared(OutputsOf(command), std::move(uses));
+}
+
+void RefuseSharedFiles(const CheckCommand& command) {
+  RefuseShared({{"--json", command.json}}, UsesBesideOutputs(command.scripts));
+}
+
+bool IsOnStandardOutput(const RunCommand& command) {
+  const Outputs outputs = OutputsOf(command);
+  return std::any_of(outputs.begin(), outputs.end(),
+                     [](const Output& output) { return output.path == "-"; });
 }
 
 }  // namespace icehost

@@ -1,4 +1,4 @@
-// Files that a run would both read and write, or write twice.
+// Files that would be both read and written, or written twice.
 #ifndef ICESCRIPT_HOST_SHARED_FILES_H_
 #define ICESCRIPT_HOST_SHARED_FILES_H_
 
@@ -9,6 +9,9 @@ namespace icehost {
 // Throws std::invalid_argument, which names the option and the other use of its file. Opens
 // nothing.
 void RefuseSharedFiles(const RunCommand& command);
+void RefuseSharedFiles(const CheckCommand& command);
+
+bool IsOnStandardOutput(const RunCommand& command);
 
 }  // namespace icehost
 

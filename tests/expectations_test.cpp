@@ -173,8 +173,9 @@ TEST(Expectations, AreLearned) {
     EXPECT_EQ(RunIcehost("run -q " + learned.Path()).status, 0) << run.learned;
   }
   const ScriptFile file(Idcode(""));
-  EXPECT_EQ(RunIcehost("run --learn " + file.Path() + " " + file.Path() + " 2>&1").output,
-            "--learn: " + file.Path() + " is also a script\nRun with --help for more information.\n");
+  EXPECT_EQ(
+      RunIcehost("run --learn " + file.Path() + " " + file.Path() + " 2>&1").output,
+      "--learn: " + file.Path() + " is also a script\nRun with --help for more information.\n");
   const ScriptFile other("as it was");
   EXPECT_EQ(RunIcehost("run -q --ir-length 4 --learn " + other.Path() + " " + file.Path() +
                        " examples/reset.ini 2>&1")

@@ -42,27 +42,27 @@ TEST(Icehost, RunsAsGolden) {
       {"run --ir-length 2 --register 0:5=0x1F - "
        "<<END\n[A]\nIR=2,0\nDR=R,5,0\n[B]\nIR=2,3\nDR=R,2,2\nEND",
        0, "bounds"},
-      {"run --json /dev/stderr examples/reset_pulse.gpio examples/reset.ini 2>&1 >/dev/null", 0,
-       "json"},
-      {"run --json /dev/stderr tests/scripts/bad.ini 2>&1 >/dev/null | grep -v ^icehost", 0,
-       "json_errors"},
+      {"run --json - examples/reset_pulse.gpio examples/reset.ini 2>&1", 0, "json"},
+      {"run --json - tests/scripts/bad.ini 2>/dev/null", 1, "json_errors"},
+      {"run --trace=- -q examples/two_wire.ini 2>&1", 0, "trace_standard_output"},
       {"run --vcd /dev/stderr examples/read_idcode.ini examples/reset_pulse.gpio 2>&1 >/dev/null",
        0, "vcd"},
       {"run --svg /dev/stderr examples/read_idcode.ini 2>&1 >/dev/null", 0, "svg"},
-      {"check tests/scripts/bad.ini 2>&1", 1, "check_ini"},
-      {"check tests/scripts/bad.gpio 2>&1", 1, "check_gpio"},
-      {"check tests/scripts/traps.gpio tests/scripts/traps.ini 2>&1", 1, "check_traps"},
-      {"check -q tests/scripts/bad.gpio tests/scripts/no_start.gpio - <tests/scripts/no_end.gpio "
-       "2>&1",
+      {"check tests/scripts/bad.ini", 1, "check_ini"},
+      {"check tests/scripts/bad.gpio", 1, "check_gpio"},
+      {"check tests/scripts/traps.gpio tests/scripts/traps.ini", 1, "check_traps"},
+      {"check -q tests/scripts/bad.gpio tests/scripts/no_start.gpio - <tests/scripts/no_end.gpio",
        1, "check_errors_only"},
       {"--help; for verb in run check serve; do " ICESCRIPT_ICEHOST " $verb --help; done", 0,
        "help"},
-      {"check - 2>&1 <<END\n[ZEVAA_ICE_GPPIO]\nA=1\nEND", 1, "check_near_tag"},
-      {"check tests/golden/empty.txt tests/scripts/marked.gpio tests/scripts/near.gpio 2>&1", 1,
+      {"help; for verb in run check serve; do " ICESCRIPT_ICEHOST " -q help $verb; done", 0,
+       "help"},
+      {"check - <<END\n[ZEVAA_ICE_GPPIO]\nA=1\nEND", 1, "check_near_tag"},
+      {"check tests/golden/empty.txt tests/scripts/marked.gpio tests/scripts/near.gpio", 1,
        "check_heads"},
-      {"check tests/scripts/nested.gpio tests/scripts/cut.gpio tests/scripts/cut.ini 2>&1", 1,
+      {"check tests/scripts/nested.gpio tests/scripts/cut.gpio tests/scripts/cut.ini", 1,
        "check_blocks_cut"},
-      {"check - 2>&1 <<END\n[ZEVA_ICE_GPIO]\nSTART\nREPT=2\nPRINT=GPIO_IN\nENDR,\nP\nEND", 1,
+      {"check - <<END\n[ZEVA_ICE_GPIO]\nSTART\nREPT=2\nPRINT=GPIO_IN\nENDR,\nP\nEND", 1,
        "check_unfinished"},
       {"check tests/scripts/slips.gpio tests/scripts/slips.ini 2>&1", 1, "check_slips"},
       {"check tests/scripts/pins.gpio 2>&1", 0, "check_pins"},
@@ -72,7 +72,11 @@ TEST(Icehost, RunsAsGolden) {
        "'\\0357\\0273\\0277IR=5,1' '[CONTROL]\\nRESET=' '[ZEVA_ICE_GPIO]\\nSTART ; x'; do printf "
        "'%b\\n' \"$head\" | " ICESCRIPT_ICEHOST " check - 2>&1 | grep :; done",
        0, "check_first_lines"},
-      {"check examples/* tests/scripts/long_scans.ini 2>&1", 0, "check_examples"},
+      {"check examples/* tests/scripts/long_scans.ini", 0, "check_examples"},
+      {"check -q examples/* tests/scripts/long_scans.ini 2>&1", 0, "empty"},
+      {"check -q --strict examples/reset.ini /nowhere tests/scripts/long_scans.ini", 1,
+       "check_strict"},
+      {"check --json - tests/scripts/bad.gpio /nowhere examples/reset.ini", 1, "check_json"},
   };
   const bool update = std::getenv("ICESCRIPT_UPDATE_GOLDEN") != nullptr;
   for (const auto& run : kRuns) {
@@ -94,12 +98,27 @@ TEST(Icehost, SaysWhatIsWrong) {
     int status;
     std::string message;
   } kFaults[] = {
-      {"", 2, "A subcommand is required" + help},
+      {"", 2, "a verb is required: run, check, serve" + help},
+      {"chek x", 2, "unknown verb \"chek\" (did you mean check?)" + help},
+      {"help chek", 2, "unknown verb \"chek\" (did you mean check?)" + help},
+      {"-q xyz --help", 2, "unknown verb \"xyz\"" + help},
+      {"run --trase", 2, "unknown option \"--trase\" (did you mean --trace?)" + help},
+      {"check --stric=1 x", 2, "unknown option \"--stric\" (did you mean --strict?)" + help},
+      {"--quite", 2, "unknown option \"--quite\" (did you mean --quiet?)" + help},
+      {"--trace run x", 2, "option \"--trace\" stands behind the verb" + help},
+      {"run x --version", 2, "option \"--version\" stands before the verb" + help},
+      {"serve tcp:1 2", 2, "The following argument was not expected: 2" + help},
       {"run", 2, "SCRIPT is required" + help},
       {"run --idcode 2 x", 2, "--idcode: bit 0 of an IDCODE is 1" + help},
       {"run --register 3 x", 2, "--register: expected IR:BITS or IR:BITS=HEX" + help},
       {"run --register 3:8=100 x", 2, "--register: 0x100 does not fit 8 bits" + help},
       {"run --register 3:5000 x", 2, "--register: \"5000\" is no number from 0 to 4096" + help},
+      {"run --register 1g:8 x", 2,
+       "--register: \"1g\" is no hexadecimal number up to 0xffffffff" + help},
+      {"run --register 0x40:8 x", 2,
+       "--register: instruction 0x40 does not fit an IR of 5 bits" + help},
+      {"serve --register 10:8 --ir-length 4 tcp:0", 2,
+       "--register: instruction 0x10 does not fit an IR of 4 bits" + help},
       {"run --ir-length 1 x", 2, "--ir-length: Value 1 not in range 2 to 32" + help},
       {"run --ir-length 33 x", 2, "--ir-length: Value 33 not in range 2 to 32" + help},
       {"serve udp:1", 2, "ENDPOINT: expected tcp:PORT, tcp:ADDRESS:PORT or unix:PATH" + help},
@@ -137,11 +156,18 @@ TEST(Icehost, SaysWhatIsWrong) {
        "--vcd: " ICESCRIPT_MODULE " is also the plug-in" + help},
       {"run --trace=/nowhere/x --svg /nowhere/../nowhere/x examples/reset.ini", 2,
        "--svg: /nowhere/../nowhere/x is also the file of --trace" + help},
+      {"run --json - --trace --svg - x", 2, "--svg: - is also the file of --json" + help},
+      {"check --json examples/reset.ini examples/../examples/reset.ini", 2,
+       "--json: examples/reset.ini is also a script" + help},
+      {"check --json /dev/full examples/reset.ini", 3,
+       "icehost: /dev/full: cannot write: No space left on device\n"},
       {"run --size-limit 1 - </dev/zero", 1,
        "icehost: -: is larger than 1 MiB; --size-limit lets more in\n"},
       {"check --size-limit 1 /dev/zero", 1,
        "icehost: /dev/zero: is larger than 1 MiB; --size-limit lets more in\n"},
       {"run 2>&1 >/dev/full examples/reset.ini", 3,
+       "icehost: standard output: No space left on device\n"},
+      {"check 2>&1 >/dev/full tests/scripts/bad.ini /nowhere", 3,
        "icehost: standard output: No space left on device\n"},
       {"run /nowhere", 1, "icehost: /nowhere: No such file or directory\n"},
       {"check /tmp", 1, "icehost: /tmp: is a directory\n"},
@@ -187,17 +213,19 @@ TEST(Icehost, ChecksInColourOnATerminal) {
       " Syntax error: no start found. (the line below the section tag is START, "
       "alone)\r\nBEGIN\r\n";
   const std::string place = "tests/scripts/no_start.gpio:3:1: ";
+  const std::string count = "1 error in 1 file\r\n";
   const struct {
     const char* no_color;
     std::string output;
   } kChecks[] = {
-      {"", place + "\x1b[1m\x1b[31merror:\x1b[0m" + message + "\x1b[1m\x1b[32m^\x1b[0m\r\n"},
-      {"1", place + "error:" + message + "^\r\n"},
+      {"",
+       place + "\x1b[1m\x1b[31merror:\x1b[0m" + message + "\x1b[1m\x1b[32m^\x1b[0m\r\n" + count},
+      {"1", place + "error:" + message + "^\r\n" + count},
   };
   for (const auto& check : kChecks) {
     const std::string arguments = std::string("--version >/dev/null; NO_COLOR=") + check.no_color +
                                   " script -qec '" ICESCRIPT_ICEHOST
-                                  " check tests/scripts/no_start.gpio' /dev/null";
+                                  " check tests/scripts/no_start.gpio 2>/dev/null' /dev/null";
     EXPECT_EQ(RunIcehost(arguments).output, check.output);
   }
 }

@@ -48,6 +48,19 @@ done
 expect 3 'icehost: standard output: No space left on device' '"$icehost" run "$script" >/dev/full'
 expect 3 'icehost: standard output: Broken pipe' \
   '"$icehost" run "$scratch/reads.gpio" | head -n 1 >/dev/null; exit "${PIPESTATUS[0]}"'
+for output in "run --json=-" "run --vcd=-" "run --svg=-" "run --trace=-" "check tests/scripts/bad.ini" \
+  "check --json=- tests/scripts/bad.ini"; do
+  expect 3 'icehost: standard output: No space left on device' "\"\$icehost\" $output \$script >/dev/full"
+done
+expect 3 'icehost: standard output: Bad file descriptor' '"$icehost" run --json - "$script" >&-'
+for output in --json=- --vcd=- --trace=-; do
+  expect 3 'icehost: standard output: Broken pipe' \
+    "\"\$icehost\" run $output \"\$scratch/endless.gpio\" | head -n 1; exit \"\${PIPESTATUS[0]}\""
+done
+echo before >"$scratch/appended"
+"$icehost" run --json - --vcd "$scratch/v" examples/reset.ini >>"$scratch/appended"
+[ "$(head -n 1 "$scratch/appended")$(tail -n 1 "$scratch/appended")" = 'before{"end":true}' ] ||
+  fail "standard output was not appended to"
 (
   ulimit -f 1
   trap '' XFSZ
@@ -82,7 +95,7 @@ ends_by() {
   wait $! || status=$?
   [ "$status" = 130 ] || fail "$* by $signal: status $status"
   [ $((($(date +%s%N) - start) / 1000000)) -lt 1500 ] || fail "$* by $signal: took too long"
-  [ "$(cat "$scratch/err")" = "icehost: interrupted" ] || fail "$* by $signal: $(cat "$scratch/err")"
+  [ "$(head -n 1 "$scratch/err")" = "icehost: interrupted" ] || fail "$* by $signal: $(cat "$scratch/err")"
 }
 mkfifo "$scratch/fifo"
 for signal in INT TERM HUP; do
@@ -99,6 +112,8 @@ ends_by INT "$icehost" check "$scratch/fifo"
 # Nobody takes what it says.
 exec 7<>"$scratch/fifo"
 ends_by INT bash -c 'exec "$icehost" run --svg "$scratch/full.svg" "$scratch/reads.gpio" >"$scratch/fifo"'
+ends_by INT bash -c 'exec "$icehost" run --json - "$scratch/endless.gpio" >"$scratch/fifo"'
+ends_by INT bash -c 'exec "$icehost" check "$scratch/many.ini" tests/scripts/*.ini examples/* >"$scratch/fifo"'
 xmllint --noout "$scratch/full.svg" || fail "the picture of a run that was not read"
 
 # What the process was started to ignore, it ignores.

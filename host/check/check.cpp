@@ -35,6 +35,7 @@ Checked Check(const ScriptText& script) {
     WarnOfNearTag(script, checked.problems);
     CheckJtag(script, checked);
   }
+  checked.problems.Sort();
   return checked;
 }
 

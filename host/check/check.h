@@ -13,7 +13,8 @@ struct Checked {
   Plan plan;
 };
 
-// All problems of a script, and what runs of it. Throws Interrupted, as does all of the below.
+// All problems of a script, in the order of their places, and what runs of it. Throws Interrupted,
+// as does all of the below.
 Checked Check(const ScriptText& script);
 
 // What Check is made of: a script that the plug-in runs as a GPIO script, and as a JTAG script.

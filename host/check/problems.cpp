@@ -48,20 +48,18 @@ void Problems::Add(Problems more) {
   std::move(more.found_.begin(), more.found_.end(), std::back_inserter(found_));
 }
 
-bool Problems::HasErrors() const {
-  return std::any_of(found_.begin(), found_.end(),
-                     [](const Problem& problem) { return problem.error; });
+long Problems::Errors() const {
+  return std::count_if(found_.begin(), found_.end(),
+                       [](const Problem& problem) { return problem.error; });
 }
 
-bool Problems::HasWarnings() const {
-  return std::any_of(found_.begin(), found_.end(),
-                     [](const Problem& problem) { return !problem.error; });
-}
-
-void Problems::Write(std::ostream& stream, const ScriptText& script, ReportStyle style) {
+void Problems::Sort() {
   std::stable_sort(found_.begin(), found_.end(), [](const Problem& a, const Problem& b) {
     return std::tie(a.place.line, a.place.column) < std::tie(b.place.line, b.place.column);
   });
+}
+
+void Problems::Write(std::ostream& stream, const ScriptText& script, ReportStyle style) const {
   const auto styled = [style](fmt::terminal_color of) {
     return style.colour ? fmt::emphasis::bold | fg(of) : fmt::text_style();
   };

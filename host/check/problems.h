@@ -31,11 +31,14 @@ class Problems {
   void Warn(Place place, std::string text) { found_.push_back({place, false, std::move(text)}); }
   void Add(Problems more);
 
-  bool HasErrors() const;
-  bool HasWarnings() const;
-  // In the order of the places: "file:line:column: error: text", the line, and a caret below it.
-  // Throws Interrupted.
-  void Write(std::ostream& stream, const ScriptText& script, ReportStyle style);
+  bool HasErrors() const { return Errors() > 0; }
+  long Errors() const;
+  long Warnings() const { return static_cast<long>(found_.size()) - Errors(); }
+  // By their places; to be called before they are written.
+  void Sort();
+  const std::vector<Problem>& Found() const { return found_; }
+  // "file:line:column: error: text", the line, and a caret below it. Throws Interrupted.
+  void Write(std::ostream& stream, const ScriptText& script, ReportStyle style) const;
 
  private:
   std::vector<Problem> found_;

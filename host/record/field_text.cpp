@@ -8,8 +8,6 @@
 namespace icehost {
 namespace {
 
-constexpr const char* kFlagNames[] = {"WRITE_OUT", "READ_IN", "WRITE_OE", "START", "END"};
-
 // "A|B" for the bits that have a name, the rest in hexadecimal; "0" for none.
 template <std::size_t n>
 void AppendBits(int value, const char* const (&names)[n], std::string& text) {
@@ -23,9 +21,11 @@ void AppendBits(int value, const char* const (&names)[n], std::string& text) {
   if (text.size() == begin) text += '0';
 }
 
-// The name of a number that has one.
-const char* NameOf(Field::Kind kind, int number) {
-  switch (kind) {
+}  // namespace
+
+const char* NameOf(const Field& field) {
+  const int number = field.number;
+  switch (field.kind) {
     case Field::Kind::kCode:
       if (number == LINK_CONFIG_CDI_MODE) return "CDI_MODE";
       return number == LINK_CONFIG_GET_CDI ? "GET_CDI" : nullptr;
@@ -39,8 +39,6 @@ const char* NameOf(Field::Kind kind, int number) {
   }
 }
 
-}  // namespace
-
 void AppendText(const Field& field, std::string& text) {
   if (field.kind == Field::Kind::kBytes) {
     text += field.bytes;
@@ -48,7 +46,7 @@ void AppendText(const Field& field, std::string& text) {
     AppendBits(field.number, kPinNames, text);
   } else if (field.kind == Field::Kind::kFlags) {
     AppendBits(field.number, kFlagNames, text);
-  } else if (const char* const name = NameOf(field.kind, field.number); name != nullptr) {
+  } else if (const char* const name = NameOf(field); name != nullptr) {
     text += name;
   } else {
     const fmt::format_int digits(field.number);

@@ -2,42 +2,75 @@
 
 #include <fmt/format.h>
 
-#include <nlohmann/json.hpp>
+#include "entry/icescript.h"
+#include "host/record/field_text.h"
+#include "host/system/json_text.h"
+#include "host/target/interface_names.h"
 
 namespace icehost {
 namespace {
 
-using Json = nlohmann::ordered_json;
-
-std::string Text(const Json& json) {
-  return json.dump(-1, ' ', true, Json::error_handler_t::replace);
+void AppendNumber(int number, std::string& line) {
+  const fmt::format_int digits(number);
+  line.append(digits.data(), digits.size());
 }
 
-void WriteLine(std::ostream& stream, const Json& line) {
-  stream << Text(line) << '\n';
+void AppendFlagNames(int flags, std::string& line) {
+  line += ",\"flag_names\":[";
+  const char* before = "\"";
+  for (int bit = 0; bit < kFlags; ++bit) {
+    if ((flags >> bit & 1) == 0) continue;
+    line.append(before).append(kFlagNames[bit]) += '"';
+    before = ",\"";
+  }
+  line += ']';
+}
+
+// The name under the key of the field, the number beside it.
+void AppendNamed(const Field& field, std::string& line) {
+  const char* const name = NameOf(field);
+  if (name != nullptr) {
+    line.append("\"").append(name) += '"';
+  } else {
+    line += "null";
+  }
+  line.append(",\"").append(field.name) += "_number\":";
+  AppendNumber(field.number, line);
 }
 
 // The names are ours and the bytes are digits: there is nothing to escape.
 void AppendFields(const std::vector<Field>& fields, std::string& line) {
   for (const Field& field : fields) {
     line.append(",\"").append(field.name) += "\":";
-    if (field.kind == Field::Kind::kBytes) {
-      line.append("\"").append(field.bytes) += '"';
-    } else {
-      line += fmt::format_int(field.number).c_str();
+    switch (field.kind) {
+      case Field::Kind::kBytes:
+        line.append("\"").append(field.bytes) += '"';
+        break;
+      case Field::Kind::kCode:
+      case Field::Kind::kMode:
+      case Field::Kind::kReset:
+        AppendNamed(field, line);
+        break;
+      case Field::Kind::kFlags:
+        AppendNumber(field.number, line);
+        AppendFlagNames(field.number, line);
+        break;
+      case Field::Kind::kNumber:
+      case Field::Kind::kPins:
+        AppendNumber(field.number, line);
+        break;
     }
   }
 }
 
-void AppendNumber(const char* key, int number, std::string& line) {
-  line.append(key).append(fmt::format_int(number).c_str());
-}
-
 void AppendSource(const CallSource& source, std::string& line) {
-  if (source.line != 0) AppendNumber(",\"line\":", source.line, line);
+  if (source.line != 0) {
+    line += ",\"line\":";
+    AppendNumber(source.line, line);
+  }
   if (source.section == nullptr) return;
-  line.append(",\"section\":").append(Text(*source.section));
-  AppendNumber(",\"operation\":", source.operation, line);
+  line.append(",\"section\":").append(JsonText(*source.section)).append(",\"operation\":");
+  AppendNumber(source.operation, line);
 }
 
 void AppendComparisons(const std::vector<Comparison>& comparisons, std::string& line) {
@@ -52,10 +85,19 @@ void AppendComparisons(const std::vector<Comparison>& comparisons, std::string& 
   if (!comparisons.empty()) line += ']';
 }
 
+bool AsksForInterface(const CallEvent& call) {
+  return !call.arguments.empty() && call.arguments[0].kind == Field::Kind::kCode &&
+         call.arguments[0].number == LINK_CONFIG_GET_CDI;
+}
+
 }  // namespace
 
+void JsonWriter::Begin() {
+  stream_ << "{\"schema\":\"icehost-run\",\"version\":1}\n";
+}
+
 void JsonWriter::OnScript(const std::string& path) {
-  WriteLine(stream_, {{"script", path}});
+  WriteText("script", path);
 }
 
 // Put together by hand: a long run has millions of them.
@@ -63,24 +105,36 @@ void JsonWriter::OnCall(const CallEvent& call) {
   line_.assign("{\"call\":\"").append(call.function) += '"';
   AppendSource(call.source, line_);
   AppendFields(call.arguments, line_);
-  line_.append(",\"result\":").append(fmt::format_int(call.result).c_str());
+  line_ += ",\"result\":";
+  AppendNumber(call.result, line_);
+  if (AsksForInterface(call) && call.result >= 0 && call.result < kInterfaces) {
+    line_.append(",\"interface\":\"").append(kInterfaceNames[call.result]) += '"';
+  }
   AppendFields(call.outputs, line_);
   AppendComparisons(call.comparisons, line_);
   stream_ << (line_ += "}\n");
 }
 
 void JsonWriter::OnMessage(const char* text) {
-  WriteLine(stream_, {{"message", text}});
+  WriteText("message", text);
 }
 
 void JsonWriter::OnError(const std::string& text, int line) {
-  Json error = {{"error", text}};
-  if (line != 0) error["line"] = line;
-  WriteLine(stream_, error);
+  line_.assign("{\"error\":").append(JsonText(text));
+  if (line != 0) {
+    line_ += ",\"line\":";
+    AppendNumber(line, line_);
+  }
+  stream_ << (line_ += "}\n");
 }
 
 void JsonWriter::OnScriptEnd(bool ran) {
-  WriteLine(stream_, {{"end", ran}});
+  stream_ << (ran ? "{\"end\":true}\n" : "{\"end\":false}\n");
+}
+
+void JsonWriter::WriteText(const char* key, std::string_view text) {
+  line_.assign("{\"").append(key).append("\":").append(JsonText(text)) += "}\n";
+  stream_ << line_;
 }
 
 }  // namespace icehost

@@ -4,19 +4,20 @@
 
 #include <ostream>
 #include <string>
+#include <string_view>
 
 #include "host/record/events.h"
 
 namespace icehost {
 
-// One object a line, told apart by its first key: {"script":PATH}, {"call":NAME, arguments...,
-// "result":N, outputs...}, {"message":TEXT}, {"error":TEXT}, {"end":true or false}. Bits are
-// hexadecimal texts. A byte that is not UTF-8 is replaced by U+FFFD; what is not ASCII is
-// escaped, so that no terminal takes it for a command.
+// One object a line, told apart by its first key: "schema", "script", "call", "message", "error" or
+// "end"; docs/json.md describes them. ASCII only.
 class JsonWriter : public EventListener {
  public:
   // `stream` must outlive the writer.
   explicit JsonWriter(std::ostream& stream) : stream_(stream) {}
+  // The line that says what follows.
+  void Begin();
   void OnScript(const std::string& path) override;
   void OnCall(const CallEvent& call) override;
   void OnMessage(const char* text) override;
@@ -24,6 +25,8 @@ class JsonWriter : public EventListener {
   void OnScriptEnd(bool ran) override;
 
  private:
+  void WriteText(const char* key, std::string_view text);
+
   std::ostream& stream_;
   std::string line_;  // kept for its room
 };

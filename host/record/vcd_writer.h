@@ -13,14 +13,14 @@
 namespace icehost {
 
 // Writes as the steps come: what is in the stream is a complete file at any time. One step is 1 us,
-// nominal. The state of the TAP and the operation are string variables, as GTKWave shows them; sigrok
-// passes over them with a warning.
+// nominal. The state of the TAP and the operation are string variables, as GTKWave shows them;
+// sigrok passes over them with a warning.
 class VcdWriter : public StepRecorder {
  public:
   // `stream` must outlive the writer.
   explicit VcdWriter(std::ostream& stream);
-  // From step `step` on (counted from 0, not yet recorded) the run is in this operation. What a name
-  // in this format cannot hold becomes "_".
+  // From step `step` on (counted from 0, not yet recorded) the run is in this operation. What a
+  // name in this format cannot hold becomes "_".
   void BeginOperation(std::size_t step, const std::string& name);
   void Record(const PinStep& step) override;
   // Gives the last step its length.

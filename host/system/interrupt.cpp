@@ -92,6 +92,10 @@ void CatchInterrupts() try {
   throw IoError(error.what());
 }
 
+bool IsInterrupted() {
+  return interrupted;
+}
+
 void ThrowIfInterrupted() {
   if (interrupted) throw Interrupted();
 }

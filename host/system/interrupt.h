@@ -15,7 +15,9 @@ namespace icehost {
 // IoError.
 void CatchInterrupts();
 
-// Throws Interrupted once a signal has been noted.
+// Whether a signal has been noted.
+bool IsInterrupted();
+// Throws Interrupted if so.
 void ThrowIfInterrupted();
 
 // The main thread may be where it looks for no signal: in the plug-in, which reads a long script,

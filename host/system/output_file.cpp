@@ -2,21 +2,36 @@
 
 #include <fcntl.h>
 #include <fmt/format.h>
+#include <poll.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <cstring>
 #include <utility>
 
 #include "host/system/errors.h"
+#include "host/system/interrupt.h"
 
 namespace icehost {
 namespace {
 
 constexpr int kBufferSize = 1 << 16;
+constexpr std::ptrdiff_t kPipePiece = PIPE_BUF;  // a pipe with room takes it whole
+constexpr int kLookForSignalsEvery = 100;        // ms
+
+// A descriptor of our own, which outlives that descriptor 1 is led elsewhere.
+int OpenStandardOutput() {
+  const int fd = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+  if (fd < 0) throw IoError(fmt::format("standard output: {}", std::strerror(errno)));
+  return fd;
+}
 
 // Opens a file that is there, or makes one; `created` says which.
 int Open(const std::string& path, bool& created) {
+  if (path == "-") return OpenStandardOutput();
   constexpr int kNew = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
   constexpr int kThere = O_WRONLY | O_CREAT | O_CLOEXEC;  // made all the same behind a dead link
   int fd = open(path.c_str(), kNew, 0666);
@@ -26,18 +41,40 @@ int Open(const std::string& path, bool& created) {
   return fd;
 }
 
+bool HasReader(int fd) {
+  struct stat status = {};
+  return fstat(fd, &status) == 0 && !S_ISREG(status.st_mode);
+}
+
 }  // namespace
 
-OutputFile::Buffer::Buffer(int fd) : fd_(fd), bytes_(std::make_unique<char[]>(kBufferSize)) {
+OutputFile::Buffer::Buffer(int fd)
+    : fd_(fd), has_reader_(HasReader(fd)), bytes_(std::make_unique<char[]>(kBufferSize)) {
   setp(bytes_.get(), bytes_.get() + kBufferSize);
+}
+
+// After a signal nobody is waited for.
+void OutputFile::Buffer::AwaitReader() {
+  pollfd waiting = {fd_, POLLOUT, 0};
+  while (poll(&waiting, 1, kLookForSignalsEvery) == 0) {
+    if (!IsInterrupted()) continue;
+    error_ = EINTR;
+    return;
+  }
 }
 
 bool OutputFile::Buffer::Write() {
   const char* at = pbase();
   while (error_ == 0 && at < pptr()) {
-    const ssize_t written = write(fd_, at, static_cast<std::size_t>(pptr() - at));
+    std::ptrdiff_t size = pptr() - at;
+    if (has_reader_) {
+      AwaitReader();
+      if (error_ != 0) break;
+      size = std::min(size, kPipePiece);
+    }
+    const ssize_t written = write(fd_, at, static_cast<std::size_t>(size));
     if (written >= 0) at += written;
-    if (written < 0 && errno != EINTR) error_ = errno;
+    if (written < 0 && errno != EINTR && errno != EAGAIN) error_ = errno;
   }
   setp(pbase(), epptr());
   return error_ == 0;
@@ -55,9 +92,12 @@ OutputFile::OutputFile(const std::string& path, Rest rest)
       created_(false),
       fd_(Open(path, created_)),
       buffer_(fd_),
-      stream_(&buffer_) {}
+      stream_(&buffer_) {
+  if (isatty(fd_) != 0) stream_.setf(std::ios::unitbuf);
+}
 
 OutputFile::~OutputFile() {
+  if (begun_ && fd_ >= 0) buffer_.Write();
   if (fd_ >= 0) close(fd_);
   if (created_ && !begun_) unlink(path_.c_str());
 }
@@ -65,15 +105,28 @@ OutputFile::~OutputFile() {
 void OutputFile::Begin() {
   begun_ = true;
   // A pipe or a device cannot be emptied, and need not be.
-  [[maybe_unused]] const int ignored = ftruncate(fd_, 0);
+  [[maybe_unused]] const int ignored = IsStandardOutput() ? 0 : ftruncate(fd_, 0);
+}
+
+void OutputFile::ThrowIfCut() {
+  if (buffer_.Error() == 0) return;
+  ThrowIfInterrupted();
+  Fail(buffer_.Error());
 }
 
 void OutputFile::Close() {
   buffer_.Write();
   int error = buffer_.Error();
-  if (error != 0) CutUnfinished();
+  if (error != 0 && !IsStandardOutput()) CutUnfinished();
   if (close(std::exchange(fd_, -1)) != 0 && error == 0) error = errno;
-  if (error != 0) throw IoError(fmt::format("{}: cannot write: {}", path_, std::strerror(error)));
+  if (error != 0) Fail(error);
+}
+
+void OutputFile::Fail(int error) {
+  if (std::exchange(told_, true)) return;
+  const char* const what = IsStandardOutput() ? "standard output" : path_.c_str();
+  const char* const act = IsStandardOutput() ? "" : "cannot write: ";
+  throw IoError(fmt::format("{}: {}{}", what, act, std::strerror(error)));
 }
 
 // Takes back a part of a line, or all, where the file can be read and cut.

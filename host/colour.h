@@ -1,0 +1,19 @@
+// Whether a user sees colours.
+#ifndef ICESCRIPT_HOST_COLOUR_H_
+#define ICESCRIPT_HOST_COLOUR_H_
+
+#include <unistd.h>
+
+#include <cstdlib>
+
+namespace icehost {
+
+// On a terminal, unless NO_COLOR is set and not empty.
+inline bool WantsColour(int fd) {
+  const char* const no_colour = std::getenv("NO_COLOR");
+  return isatty(fd) != 0 && (no_colour == nullptr || *no_colour == '\0');
+}
+
+}  // namespace icehost
+
+#endif  // ICESCRIPT_HOST_COLOUR_H_

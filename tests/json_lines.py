@@ -1,0 +1,107 @@
+#!/usr/bin/python3
+"""What icehost writes with --json, against its schema and its manual.
+
+usage: json_lines.py ICEHOST SOURCE_FOLDER. With ICESCRIPT_UPDATE_GOLDEN set what the manual's
+commands print is written anew instead.
+"""
+import glob
+import json
+import os
+import re
+import subprocess
+import sys
+
+import jsonschema
+
+ICEHOST = os.path.abspath(sys.argv[1])
+os.chdir(sys.argv[2])
+MANUAL = "docs/json.md"
+HOSTILE = b'[a"\\,}\x1b\x7f\x01\xff\xc3\xa9\xe2\x80\xae\xf0\x9f\x94\xa7]\nIR=5,1\nDR=R,8,0\n"x\n'
+
+with open("docs/icehost.schema.json", encoding="ascii") as file:
+    SCHEMA = json.load(file)
+jsonschema.Draft202012Validator.check_schema(SCHEMA)
+KINDS = {
+    kind["$ref"]: jsonschema.Draft202012Validator({**kind, "$defs": SCHEMA["$defs"]})
+    for kind in SCHEMA["oneOf"]
+}
+failures = []
+seen = {}  # the kind of each line
+
+
+def kinds_of(value):
+    return [name for name, kind in KINDS.items() if kind.is_valid(value)]
+
+
+def check_lines(what, lines):
+    """Each is of one kind, and of none with a key more or less."""
+    for line in lines:
+        if line in seen:
+            continue
+        if not re.fullmatch(r"[ -~]+", line):
+            failures.append(f"{what}: not plain ASCII: {line!r}")
+        value = json.loads(line)
+        kinds = kinds_of(value)
+        seen[line] = kinds
+        if len(kinds) != 1:
+            failures.append(f"{what}: {kinds}: {line}")
+        if kinds_of({**value, "unknown": 1}) or kinds_of(dict(list(value.items())[1:])):
+            failures.append(f"{what}: the schema takes anything for {line}")
+
+
+def run(*arguments, script=b""):
+    command = [ICEHOST, *arguments, "--json", "-"]
+    done = subprocess.run(command, input=script, capture_output=True, check=False)
+    lines = done.stdout.decode("ascii").splitlines()
+    check_lines(" ".join(arguments), lines)
+    values = [json.loads(line) for line in lines]
+    last = {key: values[-1].get(key) for key in ("end", "errors")}
+    if (done.returncode == 0) != (last["end"] is True or last["errors"] == 0):
+        failures.append(f"{arguments}: status {done.returncode}, at the end {values[-1]}")
+    return values
+
+
+def check_runs():
+    for verb in ("run", "check"):
+        for path in glob.glob("examples/*") + glob.glob("tests/scripts/*"):
+            if "endless" not in path and not path.endswith(".bin"):
+                run(verb, path)
+        values = run(verb, "-", script=HOSTILE)
+        if not any("\ufffd" in text for value in values for text in map(str, value.values())):
+            failures.append(f"{verb}: invalid UTF-8 is not replaced")
+    run("run", "--wire", "cjtag2", "examples/read_idcode.ini")
+    run("run", "/dev/null")
+    unseen = KINDS.keys() - {kind for kinds in seen.values() for kind in kinds}
+    if unseen:
+        failures.append(f"never seen: {unseen}")
+
+
+def output_of(command):
+    shell = f'icehost() {{ "{ICEHOST}" "$@"; }}\n{command}'
+    return subprocess.run(["bash", "-c", shell], capture_output=True, check=False).stdout.decode()
+
+
+def played(block):
+    """The block with what its commands print now."""
+    if ".section" in block[1] and not any('"section":' in line for line in seen):
+        return block[0]  # calls do not tell their section yet
+    commands = re.findall(r"^\$ .*\n", block[1], re.MULTILINE)
+    return "```console\n" + "".join(line + output_of(line[2:]) for line in commands) + "```"
+
+
+def check_manual():
+    with open(MANUAL, encoding="utf-8") as file:
+        manual = file.read()
+    now = re.sub(r"```console\n(.*?)```", played, manual, flags=re.DOTALL)
+    check_lines(MANUAL, re.findall(r"^\{.*", now, re.MULTILINE))
+    if os.environ.get("ICESCRIPT_UPDATE_GOLDEN"):
+        with open(MANUAL, "w", encoding="utf-8") as file:
+            file.write(now)
+    elif now != manual:
+        failures.append(f"{MANUAL} is no longer true; its commands print:\n{now}")
+
+
+check_runs()
+check_manual()
+print("\n".join(failures) or f"{len(seen)} lines, all well")
+sys.exit(1 if failures else 0)
