@@ -30,11 +30,12 @@ TEST(Icehost, RunsAsGolden) {
        "2wire",
        0, "long_scans"},
       {"run tests/scripts/bad.ini examples/reset.ini 2>&1", 1, "run_bad"},
+      {"run --force tests/scripts/bad.ini examples/reset.ini 2>/dev/null", 1, "run_forced"},
       {"run --trace --summary examples/read_idcode.gpio examples/two_wire.ini "
        "tests/scripts/walk.gpio tests/scripts/long_scans.ini 2>&1 >/dev/null | sed 's/[0-9.]* s$/T "
        "s/'",
        0, "trace"},
-      {"run --svg /dev/stderr examples/reset.ini tests/scripts/walk.gpio 2>&1 >/dev/null", 0,
+      {"run -q --svg /dev/stderr examples/reset.ini tests/scripts/walk.gpio 2>&1 >/dev/null", 0,
        "svg_walk"},
       {"run --probe sim --ir-length 32 --wire cjtag2 --register 0x5a5a55aa:8 "
        "tests/scripts/register.ini",
@@ -43,7 +44,7 @@ TEST(Icehost, RunsAsGolden) {
        "<<END\n[A]\nIR=2,0\nDR=R,5,0\n[B]\nIR=2,3\nDR=R,2,2\nEND",
        0, "bounds"},
       {"run --json - examples/reset_pulse.gpio examples/reset.ini 2>&1", 0, "json"},
-      {"run --json - tests/scripts/bad.ini 2>/dev/null", 1, "json_errors"},
+      {"run --force --json - tests/scripts/bad.ini 2>/dev/null", 1, "json_errors"},
       {"run --trace=- -q examples/two_wire.ini 2>&1", 0, "trace_standard_output"},
       {"run --vcd /dev/stderr examples/read_idcode.ini examples/reset_pulse.gpio 2>&1 >/dev/null",
        0, "vcd"},
@@ -175,7 +176,9 @@ TEST(Icehost, SaysWhatIsWrong) {
       {"check tests/scripts/noise.bin", 1,
        "icehost: tests/scripts/noise.bin: is binary, not a script\n"},
       {"check /nowhere/$(printf '\\033x')", 1, "icehost: /nowhere/ x: No such file or directory\n"},
-      {"run -q - < tests/golden/empty.txt", 1, "icehost: - failed: Syntax error, no end found\n"},
+      {"run -q --force - < tests/golden/empty.txt", 1,
+       "<stdin>:1:1: error: Syntax error, no end found (the script is empty)\n\n^\n"
+       "icehost: - failed: Syntax error, no end found\n"},
   };
   for (const auto& fault : kFaults) {
     const std::string arguments = fault.arguments;

@@ -70,7 +70,7 @@ same_as_simulated() {
 # refused PROBE SCRIPT MESSAGE
 refused() {
   "$icehost" run --probe "$1" "$2" >/dev/null 2>"$scratch/run.log" && fail "$2 ran on $1"
-  [ "$(cat "$scratch/run.log")" = "icehost: $3
+  [ "$(cat "$scratch/run.log")" = "$2:$3
 icehost: $2 failed" ] || fail "$2 on $1 said something else"
 }
 
@@ -89,17 +89,17 @@ summary sim '^operations 1, TCK cycles 5[0-9], bits shifted 37, reads 1,'
 [ "$(cat "$scratch/run.log")" = 'icehost: OpenOCD has no TAP "nope", it has: sim.tap' ] ||
   fail "wrong TAP"
 refused "openocd:127.0.0.1:$tcl_port" examples/two_wire.ini \
-  "OpenOCD cannot select the 2-wire interface"
+  "5: link_config failed: OpenOCD cannot select the 2-wire interface"
 refused "openocd:127.0.0.1:$tcl_port" examples/read_idcode.gpio \
-  "OpenOCD cannot drive single pins: GPIO scripts do not run on it"
+  "4: link_gpio_operator failed: OpenOCD cannot drive single pins: GPIO scripts do not run on it"
 kill "$openocd"
 wait "$openocd" || true
 
 bitbang="remote-bitbang:127.0.0.1:$port"
 same_as_simulated "$bitbang" "${scans[@]}" examples/read_idcode.gpio
-refused "$bitbang" examples/two_wire.ini "these pins have no 2-wire interface"
+refused "$bitbang" examples/two_wire.ini "5: link_config failed: these pins have no 2-wire interface"
 refused "$bitbang" examples/reset_pulse.gpio \
-  "remote_bitbang has no output enables: only TDO can be released"
+  "5: link_gpio_operator failed: remote_bitbang has no output enables: only TDO can be released"
 
 # The waveform, of the simulated probe and across the network, as a logic analyser decodes it.
 for run in "--idcode 0x2BADC001 tests/scripts/idcode.ini" \
