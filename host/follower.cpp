@@ -71,18 +71,18 @@ CallSource Follower::NextPinOperation(const std::uint32_t& data) {
   current_ = NextPin(data);
   next_ = current_ + 1;
   if (current_ >= plan_->pins.size()) return {};
-  return {plan_->pins[current_].line, -1, nullptr};
+  return {static_cast<int>(plan_->pins[current_].line), -1, nullptr};
 }
 
 // From one operation on to the next, but for where a block ends: there it may go back to the first
 // of a block, which has been there before with the same data word.
 std::size_t Follower::NextPin(const std::uint32_t& data) {
   std::size_t next = next_;
-  if (next > 0 && next <= plan_->pins.size() && plan_->pins[next - 1].ends_block) {
+  if (next > 0 && next <= plan_->pins.size() && plan_->pins[next - 1].ends_block != 0) {
     const auto begin = block_begins_.find(&data);
     if (begin != block_begins_.end()) return begin->second;
   }
-  if (next < plan_->pins.size() && plan_->pins[next].begins_block) block_begins_[&data] = next;
+  if (next < plan_->pins.size() && plan_->pins[next].begins_block != 0) block_begins_[&data] = next;
   return next;
 }
 

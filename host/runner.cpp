@@ -58,10 +58,10 @@ ExitStatus Runner::RunAll(std::vector<Script> scripts) {
   ExitStatus status = kAllWell;
   outputs_.Begin();
   for (Script& script : scripts) {
-    reporter_.BeginScript(script.path, script.text.Name());
+    reporter_.BeginScript(script.path, script.name);
     const ExitStatus ended = RunOne(script);
     reporter_.EndScript(ended == kAllWell);
-    if (command_.summary) Summarise(script.text.Name());
+    if (command_.summary) Summarise(script.name);
     status = std::max(status, ended);
     if (ended != kAllWell && !(command_.keep_going && ran_)) break;
   }
@@ -127,9 +127,9 @@ ExitStatus Runner::RunOne(Script& script) {
 }
 
 bool Runner::Play(Script& script) {
-  const MemoryFile copy(script.text.Content());
+  const MemoryFile copy(script.text->Content());
   // A long script need not be there twice.
-  if (command_.learn.empty()) script.text = ScriptText(script.text.Name(), "");
+  if (command_.learn.empty()) script.text.reset();
   const bool ran = RunPlugin(copy.Path());
   observed_.Flush();
   reporter_.Flush();
@@ -154,7 +154,7 @@ ExitStatus Runner::Judge(const Script& script, bool ran) {
     return kScriptFailed;
   }
   if (!command_.learn.empty()) {
-    outputs_.Learn(Learn(script.text, script.plan, follower_.Read()));
+    outputs_.Learn(Learn(*script.text, script.plan, follower_.Read()));
   }
   return kAllWell;
 }

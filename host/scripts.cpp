@@ -30,13 +30,14 @@ std::vector<Script> LoadScripts(const RunCommand& command) {
   std::vector<Script> scripts;
   scripts.reserve(command.scripts.size());
   for (const std::string& path : command.scripts) {
-    ScriptText text(path == "-" ? "<stdin>" : path, ReadScript(path, command.size_limit));
-    scripts.push_back({path, std::move(text), {}, false});
+    const std::string name = path == "-" ? "<stdin>" : path;
+    scripts.push_back(
+        {path, name, ScriptText(name, ReadScript(path, command.size_limit)), {}, false});
   }
   bool play = true;
   for (Script& script : scripts) {
-    Checked checked = Check(script.text);
-    checked.problems.Write(std::cerr, script.text,
+    Checked checked = Check(*script.text);
+    checked.problems.Write(std::cerr, *script.text,
                            {command.quiet && !command.strict, WantsColour(STDERR_FILENO)});
     const std::string why = WhyNot(checked.problems, command);
     if (!why.empty()) Complain(fmt::format("{} {}", script.path, why));

@@ -2,6 +2,7 @@
 #ifndef ICESCRIPT_HOST_SCRIPTS_H_
 #define ICESCRIPT_HOST_SCRIPTS_H_
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -14,7 +15,8 @@ namespace icehost {
 // Read once: what is judged is what is run.
 struct Script {
   std::string path;
-  ScriptText text;
+  std::string name;                // what messages call it
+  std::optional<ScriptText> text;  // for as long as it is needed
   Plan plan;
   bool has_errors;
 };

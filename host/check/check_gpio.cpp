@@ -10,6 +10,7 @@
 #include "entry/icescript.h"
 #include "host/check/check.h"
 #include "host/check/check_items.h"
+#include "host/check/clean_lines.h"
 #include "host/check/explain_item.h"
 #include "host/check/gpio_blocks.h"
 #include "host/check/gpio_items.h"
@@ -46,7 +47,7 @@ class GpioLines {
       : problems_(checked.problems), plan_(checked.plan), pins_(problems_) {}
 
   // START.
-  void Begin(const ScriptLine& line) { plan_.pins.push_back({line.number}); }
+  void Begin(const ScriptLine& line) { Append(line); }
   void Take(const ScriptLine& line);
   // There are no more.
   void Finish();
@@ -56,7 +57,10 @@ class GpioLines {
 
  private:
   void Refuse(const ScriptLine& line, std::string_view item);
+  void Append(const ScriptLine& line);
   void Plan(const ScriptLine& line);
+  // Checks the items too.
+  int NamedPins(const ScriptLine& line);
   void CheckWords(const ScriptLine& line, const CIniFile::gpio_element& element);
 
   Problems& problems_;
@@ -66,6 +70,7 @@ class GpioLines {
   CIniFile::gpio_element state_{0, GPIO_PIN_ALL, GPIO_FLAG_START, icescript::GPIO_KIND_PIN, 0};
   GpioBlocks blocks_;
   GpioPins pins_;
+  CleanLines clean_;
   bool refused_last_ = false;
   bool refused_block_ = false;
 };
@@ -83,16 +88,29 @@ void GpioLines::Take(const ScriptLine& line) {
   state_ = parser_.Element();
   Plan(line);
   blocks_.Take(line, state_);
-  pins_.Take(line, state_, CheckItems(line, state_.flags, problems_));
+  pins_.Take(line, state_, NamedPins(line));
+}
+
+int GpioLines::NamedPins(const ScriptLine& line) {
+  if (const auto known = clean_.Find(line.text, state_.flags)) return *known;
+  const std::size_t before = problems_.Found().size();
+  const int named = CheckItems(line, state_.flags, problems_);
+  if (problems_.Found().size() == before) clean_.Add(line.text, state_.flags, named);
+  return named;
+}
+
+void GpioLines::Append(const ScriptLine& line) {
+  const auto number = static_cast<unsigned>(line.number);
+  plan_.pins.push_back({number & 0x3FFFFFFFU, std::exchange(begins_block_, false) ? 1U : 0U, 0});
 }
 
 void GpioLines::Plan(const ScriptLine& line) {
   if (state_.kind == icescript::GPIO_KIND_PIN) {
-    plan_.pins.push_back({line.number, std::exchange(begins_block_, false)});
+    Append(line);
   } else if (state_.kind == icescript::GPIO_KIND_REPT) {
     begins_block_ = true;
   } else {
-    plan_.pins.back().ends_block = true;
+    plan_.pins.back().ends_block = 1;
   }
   auto expectation = PinExpectation(line, (state_.flags & GPIO_FLAG_READ_IN) != 0, problems_);
   if (!expectation.has_value()) return;
@@ -159,11 +177,13 @@ void CheckGpio(const ScriptText& script, Checked& checked) {
   }
   GpioLines lines(checked);
   lines.Begin(script.Line(last.line));
-  for (; at != script.end() && !lines.Ended(); at = script.WithText(++at)) {
+  for (; at != script.end() && !lines.Ended(); ++at) {
     const ScriptLine line = *at;
+    if (line.Blank()) continue;
     lines.Take(line);
     last = line.Start();
   }
+  at = script.WithText(at);
   lines.Finish();
   ReportLoneExpectations(script, last.line, problems);
   const auto too_long = script.TooLong();

@@ -27,7 +27,8 @@ class Learner {
   void Take(std::size_t operation, Of of, const Capture& capture) {
     const Expectation* const known = plan_.Expected(operation, of);
     if (of == Of::kPins) {
-      TakePins(plan_.pins[operation].line, known != nullptr ? known->mask[0] : '\x3F', capture);
+      TakePins(static_cast<int>(plan_.pins[operation].line),
+               known != nullptr ? known->mask[0] : '\x3F', capture);
     } else if (known != nullptr) {
       Replace(known->place, ByteList(capture.value));
     } else if (of == Of::kDr && plan_.jtag[operation].reads && !capture.value.empty()) {

@@ -11,11 +11,11 @@
 
 namespace icehost {
 
-// One pin operation.
+// One pin operation, in one word: a script may have millions.
 struct PinOperation {
-  int line;
-  bool begins_block = false;  // a REPT stands before it
-  bool ends_block = false;    // an ENDR stands behind it
+  unsigned line : 30;
+  unsigned begins_block : 1;  // a REPT stands before it
+  unsigned ends_block : 1;    // an ENDR stands behind it
 };
 
 // One operation of a JTAG script.
