@@ -16,6 +16,7 @@
 #include "fuzz/harness.h"
 #include "host/check/check.h"
 #include "host/check/check_stream.h"
+#include "host/check/learn.h"
 #include "host/probe/bitbang_port.h"
 #include "host/probe/bitbang_server.h"
 #include "host/probe/openocd_probe.h"
@@ -143,14 +144,48 @@ void BeOpenocdClient(std::string_view bytes) {
   probe.Flush();
 }
 
+// Other values than those that are expected, and some for lines that do nothing but read.
+icehost::Captures Read(const icehost::ScriptText& script, const icehost::Plan& plan) {
+  using Of = icehost::Expectation::Of;
+  icehost::Captures captures;
+  for (std::size_t i = 0; i < plan.pins.size(); ++i) {
+    const auto line = static_cast<int>(plan.pins[i].line);
+    if (plan.Expected(i, Of::kPins) == nullptr && script.Line(line).text != "PRINT=GPIO_IN")
+      continue;
+    captures[{i, Of::kPins}] = {{static_cast<char>(i % 64)}, {i % 5 == 0 ? '\0' : '\xFF'}};
+  }
+  for (const icehost::Expectation& one : plan.expectations) {
+    if (one.of == Of::kPins) continue;
+    std::string other = one.value;
+    for (std::size_t i = 0; i < other.size(); ++i)
+      other[i] = static_cast<char>(~other[i] & one.mask[i]);
+    captures[{one.operation, one.of}] = {other, std::string(other.size(), '\xFF')};
+  }
+  return captures;
+}
+
+// A line may have become too long.
+bool IsWhole(const icehost::ScriptText& script) {
+  return !script.TooLong().has_value();
+}
+
 void CheckScript(std::string_view bytes) {
   const icehost::ScriptText script("script", std::string(bytes));
   std::ostringstream report;
-  const icehost::Problems problems = icehost::Check(script).problems;
+  const icehost::Checked checked = icehost::Check(script);
+  const icehost::Problems& problems = checked.problems;
   problems.Write(report, script, {});
   icehost::CheckStream(report).Write(problems);
   Check(!problems.HasErrors() || report.str().find(": error: ") != std::string::npos,
         "errors are reported");
+  const icehost::ScriptText learned("learned",
+                                    Learn(script, checked.plan, Read(script, checked.plan)));
+  if (problems.HasErrors() || !IsWhole(learned)) return;
+  const icehost::Checked again = icehost::Check(learned);
+  Check(!again.problems.HasErrors(), "what is learned is right");
+  Check(again.plan.pins.size() == checked.plan.pins.size() &&
+            again.plan.jtag.size() == checked.plan.jtag.size(),
+        "what is learned changes no operation");
 }
 
 }  // namespace
