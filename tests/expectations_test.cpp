@@ -103,6 +103,36 @@ TEST(Expectations, DecideHowARunEnds) {
   }
 }
 
+// All scripts are checked before a probe is touched.
+TEST(Expectations, AreNotPlayedWithErrors) {
+  const ScriptFile warned(Gpio("NRST=1,NRST=0\n"));
+  const ScriptFile wrong(Gpio("NRST=2\n"));
+  const std::string nowhere = " --probe remote-bitbang:unix:/nowhere";
+  const struct {
+    std::string arguments;
+    int status;
+    std::string said;  // last
+  } kRuns[] = {
+      {warned.Path(), 0, "Execute ORVEX ICE Script End."},
+      {"--strict " + warned.Path() + nowhere, 1,
+       "icehost: FILE has warnings, and --strict is given: nothing is played"},
+      {"examples/reset.ini " + warned.Path() + " --strict" + nowhere, 1,
+       "icehost: FILE has warnings, and --strict is given: nothing is played"},
+      {wrong.Path() + " examples/reset.ini" + nowhere, 1,
+       "icehost: FILE has errors: nothing is played (--force plays it as the plug-in takes it)"},
+      {"--force " + wrong.Path() + nowhere, 3,
+       "icehost: unix:/nowhere: cannot connect: No such file or directory"},
+      {"--force " + wrong.Path(), 1, "icehost: FILE failed"},
+      {"examples/reset.ini /nowhere" + nowhere, 1, "icehost: /nowhere: No such file or directory"},
+  };
+  for (const auto& run : kRuns) {
+    const Outcome outcome = RunShell("exec bash -o pipefail -c \"" ICESCRIPT_ICEHOST " run " +
+                                     run.arguments + " 2>&1 | tail -n 1\"");
+    EXPECT_EQ(outcome.status, run.status) << run.arguments;
+    EXPECT_EQ(Anonymous(Anonymous(outcome.output, warned), wrong), run.said + "\n");
+  }
+}
+
 // An expectation that cannot be compared is an error, where it stumbles.
 TEST(Expectations, AreChecked) {
   const struct {
