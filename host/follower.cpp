@@ -137,6 +137,12 @@ void Follower::Keep(Expectation::Of of, const std::string& captured) {
   }
 }
 
+long Follower::Unread() const {
+  if (mode_ == Mode::kLearn) return 0;
+  return std::count_if(tallies_.begin(), tallies_.end(),
+                       [](const Tally& tally) { return tally.compared == 0; });
+}
+
 std::vector<std::string> Follower::Summary(const std::string& script) const {
   std::vector<std::string> lines;
   for (std::size_t i = 0; i < tallies_.size(); ++i) {

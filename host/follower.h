@@ -37,6 +37,8 @@ class Follower : public CallGuide {
 
   // How often a value was not the expected one, in this script.
   long Unmet() const { return unmet_; }
+  // How many of the values that this script expects were not read at all.
+  long Unread() const;
   // What has become of each expectation of this script, a line each: for people.
   std::vector<std::string> Summary(const std::string& script) const;
   const Captures& Read() const { return captures_; }

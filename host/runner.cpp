@@ -138,25 +138,30 @@ bool Runner::Play(Script& script) {
 
 ExitStatus Runner::Judge(const Script& script, bool ran) {
   ran_ = ran;
-  if (!ran) {
-    const std::string why = command_.quiet && !explained_ ? ": " + reporter_.LastMessage() : "";
-    reporter_.Say(fmt::format("{} failed{}", script.path, why));
-    return kScriptFailed;
-  }
-  // The plug-in's result is 0 for a JTAG script with errors.
-  if (script.has_errors) {
-    reporter_.Say(fmt::format("{} has errors", script.path));
-    return kScriptFailed;
-  }
-  if (follower_.Unmet() > 0) {
-    reporter_.Say(fmt::format("{} failed: not as expected: {} of the values read", script.path,
-                              follower_.Unmet()));
+  const std::string why = WhyFailed(script);
+  if (!why.empty()) {
+    reporter_.Say(fmt::format("{} {}", script.path, why));
     return kScriptFailed;
   }
   if (!command_.learn.empty()) {
     outputs_.Learn(Learn(*script.text, script.plan, follower_.Read()));
   }
   return kAllWell;
+}
+
+std::string Runner::WhyFailed(const Script& script) const {
+  const bool quiet = command_.quiet && !explained_;
+  if (!ran_) return quiet ? "failed: " + reporter_.LastMessage() : "failed";
+  // The plug-in's result is 0 for a JTAG script with errors.
+  if (script.has_errors) return "has errors";
+  if (follower_.Unmet() > 0) {
+    return fmt::format("failed: not as expected: {} of the values read", follower_.Unmet());
+  }
+  // Another plug-in may do less than the script says.
+  if (follower_.Unread() > 0) {
+    return fmt::format("failed: not read: {} of the values expected", follower_.Unread());
+  }
+  return "";
 }
 
 bool Runner::RunPlugin(const std::string& path) {

@@ -36,6 +36,8 @@ class Runner {
   bool Play(Script& script);
   bool RunPlugin(const std::string& path);
   ExitStatus Judge(const Script& script, bool ran);
+  // Empty where it did not.
+  std::string WhyFailed(const Script& script) const;
   ExitStatus Complete(ExitStatus status);
   // In place of Complete, where that is not reached. False while the main thread is at work.
   bool Abandon();

@@ -139,6 +139,8 @@ TEST(Icehost, SaysWhatIsWrong) {
        "icehost: cannot load the plug-in: libm.so.6: exports no ImplementScr\n"},
       {"run --plugin " ICESCRIPT_THROWING_PLUGIN " examples/reset.ini", 1,
        "icehost: examples/reset.ini: the plug-in threw an exception: out of sorts\n"},
+      {"run --plugin " ICESCRIPT_IDLE_PLUGIN " examples/scratch_register.ini", 1,
+       "icehost: examples/scratch_register.ini failed: not read: 2 of the values expected\n"},
       {"run --json /nowhere/x examples/reset.ini", 3,
        "icehost: /nowhere/x: No such file or directory\n"},
       {"run --vcd /dev/full examples/reset.ini", 3,
