@@ -25,6 +25,11 @@ constexpr char kTargetGroup[] = "Simulated target";
 constexpr char kOutputGroup[] =
     "Outputs (FILE - is standard output, where the plug-in's messages are then left out)";
 
+// An empty name is that of a variable that was not set.
+std::string IsGiven(const std::string& path) {
+  return path.empty() ? "a file has a name" : "";
+}
+
 CLI::App& AddVerb(CLI::App& app, const char* name, const char* description, bool& quiet) {
   CLI::App& verb = *app.add_subcommand(name, description);
   verb.group("Verbs");
@@ -70,7 +75,7 @@ void AddScripts(CLI::App& verb, std::vector<std::string>& scripts, std::size_t& 
 
 void AddOutputs(CLI::App& verb, RunCommand& run) {
   const auto add = [&verb](const char* name, std::string& path, const char* help) {
-    verb.add_option(name, path, help)->type_name("FILE")->group(kOutputGroup);
+    verb.add_option(name, path, help)->type_name("FILE")->group(kOutputGroup)->check(IsGiven);
   };
   verb.add_flag("--trace", run.trace,
                 "Write a line for every host call, to standard error or with --trace=FILE")

@@ -138,13 +138,18 @@ void Follower::Keep(Expectation::Of of, const std::string& captured) {
 }
 
 long Follower::Unread() const {
-  if (mode_ == Mode::kLearn) return 0;
-  return std::count_if(tallies_.begin(), tallies_.end(),
-                       [](const Tally& tally) { return tally.compared == 0; });
+  long unread = 0;
+  for (std::size_t i = 0; i < tallies_.size(); ++i) {
+    const Expectation& expected = plan_->expectations[i];
+    const bool kept = captures_.count({expected.operation, expected.of}) > 0;
+    if (tallies_[i].compared == 0 && !kept) ++unread;
+  }
+  return unread;
 }
 
 std::vector<std::string> Follower::Summary(const std::string& script) const {
   std::vector<std::string> lines;
+  if (mode_ == Mode::kLearn) return lines;
   for (std::size_t i = 0; i < tallies_.size(); ++i) {
     const Expectation& expected = plan_->expectations[i];
     const Tally& tally = tallies_[i];

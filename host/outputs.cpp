@@ -25,12 +25,23 @@ Outputs::Outputs(const RunCommand& command) {
     svg.emplace();
     recorders.push_back(&*svg);
   }
-  if (!command.learn.empty()) learned_ = &Open(command.learn, Rest::kNothing);
+  if (!command.learn.empty()) {
+    Open(command.learn, Rest::kNothing);
+    learned_ = files_.back().get();
+  }
 }
 
 void Outputs::Begin() {
-  for (const auto& file : files_) file->Begin();
+  for (const auto& file : files_) {
+    if (file.get() != learned_) file->Begin();
+  }
   if (json.has_value()) json->Begin();
+}
+
+// A run that fails leaves the script that was learned before it.
+void Outputs::Learn(const std::string& script) {
+  learned_->Begin();
+  learned_->Stream() << script;
 }
 
 std::vector<std::string> Outputs::Complete() {

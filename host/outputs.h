@@ -20,7 +20,7 @@ namespace icehost {
 struct Outputs {
   // Opens all files, and changes none; throws IoError where one cannot be opened.
   explicit Outputs(const RunCommand& command);
-  // The run begins, and the files are written anew.
+  // The run begins, and the files are written anew, but that of Learn.
   void Begin();
   // Throws once standard output takes no more: the rest of the run is not to go on unseen.
   void ThrowIfCut() const {
@@ -29,7 +29,7 @@ struct Outputs {
   // Returns what went wrong, a text for each file that could not be written whole.
   std::vector<std::string> Complete();
   // The script with the values read.
-  void Learn(const std::string& script) { *learned_ << script; }
+  void Learn(const std::string& script);
 
   std::optional<TraceWriter> trace;
   std::optional<JsonWriter> json;
@@ -44,7 +44,7 @@ struct Outputs {
   std::vector<std::unique_ptr<OutputFile>> files_;
   OutputFile* standard_output_ = nullptr;  // where it is one of the files
   std::ostream* svg_stream_ = nullptr;
-  std::ostream* learned_ = nullptr;
+  OutputFile* learned_ = nullptr;
 };
 
 }  // namespace icehost

@@ -10,6 +10,7 @@
 #include <optional>
 #include <utility>
 
+#include "host/check/check.h"
 #include "host/check/learn.h"
 #include "host/system/errors.h"
 #include "host/system/interrupt.h"
@@ -143,9 +144,19 @@ ExitStatus Runner::Judge(const Script& script, bool ran) {
     reporter_.Say(fmt::format("{} {}", script.path, why));
     return kScriptFailed;
   }
-  if (!command_.learn.empty()) {
-    outputs_.Learn(Learn(*script.text, script.plan, follower_.Read()));
+  return command_.learn.empty() ? kAllWell : WriteLearned(script);
+}
+
+ExitStatus Runner::WriteLearned(const Script& script) {
+  const std::string learned = Learn(*script.text, script.plan, follower_.Read());
+  const bool writable = !Check(ScriptText(script.name, learned)).problems.HasErrors();
+  if (!writable || follower_.Unread() > 0) {
+    reporter_.Say(fmt::format("{} is not learned: {}", script.path,
+                              writable ? "the probe does not tell all that it expects"
+                                       : "with what was read, a line is too long"));
+    return kScriptFailed;
   }
+  outputs_.Learn(learned);
   return kAllWell;
 }
 
@@ -158,7 +169,7 @@ std::string Runner::WhyFailed(const Script& script) const {
     return fmt::format("failed: not as expected: {} of the values read", follower_.Unmet());
   }
   // Another plug-in may do less than the script says.
-  if (follower_.Unread() > 0) {
+  if (command_.learn.empty() && follower_.Unread() > 0) {
     return fmt::format("failed: not read: {} of the values expected", follower_.Unread());
   }
   return "";

@@ -36,6 +36,7 @@ class Runner {
   bool Play(Script& script);
   bool RunPlugin(const std::string& path);
   ExitStatus Judge(const Script& script, bool ran);
+  ExitStatus WriteLearned(const Script& script);
   // Empty where it did not.
   std::string WhyFailed(const Script& script) const;
   ExitStatus Complete(ExitStatus status);

@@ -14,6 +14,8 @@
 namespace icehost {
 namespace {
 
+constexpr const char* kScript = "a script";
+
 struct Use {
   std::string identity;
   std::string what;
@@ -38,9 +40,15 @@ std::vector<Use> UsesBesideOutputs(const std::vector<std::string>& scripts) {
   std::vector<Use> uses = {{IdentityOf(STDOUT_FILENO), "standard output"},
                            {IdentityOf(STDERR_FILENO), "standard error"}};
   for (const std::string& script : scripts) {
-    uses.push_back({script == "-" ? IdentityOf(STDIN_FILENO) : IdentityOf(script), "a script"});
+    uses.push_back({script == "-" ? IdentityOf(STDIN_FILENO) : IdentityOf(script), kScript});
   }
   return uses;
+}
+
+bool IsScript(const std::string& identity, const std::vector<Use>& uses) {
+  return !identity.empty() && std::any_of(uses.begin(), uses.end(), [&identity](const Use& use) {
+    return use.what == kScript && use.identity == identity;
+  });
 }
 
 void RefuseShared(const Outputs& outputs, std::vector<Use> uses) {
@@ -49,6 +57,10 @@ void RefuseShared(const Outputs& outputs, std::vector<Use> uses) {
     // A place of its own: two outputs may be on the same terminal, but not on the same "-".
     const std::string identity = output.path == "-" ? "-" : IdentityOf(output.path);
     if (identity.empty()) continue;
+    if (identity == "-" && IsScript(IdentityOf(STDOUT_FILENO), uses)) {
+      throw std::invalid_argument(
+          fmt::format("{}: standard output is also a script", output.option));
+    }
     const auto other = std::find_if(
         uses.begin(), uses.end(), [&identity](const Use& use) { return use.identity == identity; });
     if (other != uses.end()) {

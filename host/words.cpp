@@ -37,6 +37,8 @@ void AppendOptions(const CLI::App& app, Texts& options) {
 
 // " (did you mean check?)" where a known word is near; else nothing.
 std::string Hint(const std::string& word, const Texts& known) {
+  // A single letter is near any other.
+  if (word.size() > 1 && word[0] == '-' && word[1] != '-') return "";
   return InParentheses(DidYouMean(Nearest(word, Words(known.begin(), known.end()))));
 }
 

@@ -47,6 +47,13 @@ std::string Idcode(const std::string& lines) {
   return "[ID]\nIR=5,1\nDR=R,32,0,0,0,0\n" + lines;
 }
 
+// 36 bytes.
+const std::string kZeros = [] {
+  std::string bytes = "0";
+  while (bytes.size() < 71) bytes += ",0";
+  return bytes;
+}();
+
 // On the simulated target: its IDCODE is 0x1ce51001, and pins that nobody drives are high.
 TEST(Expectations, DecideHowARunEnds) {
   const std::string failed = "icehost: FILE failed\n";
@@ -92,7 +99,17 @@ TEST(Expectations, DecideHowARunEnds) {
        "FILE:5:24: expected 0x00, captured 0x3f (mask 0x01): NRST is 1\n"
        "FILE:13:24: expected 0x00, captured 0x3f (mask 0x20): TDO is 1\n"
        "icehost: FILE failed: not as expected: 2 of the values read\n"},
-      {"", Gpio("PRINT=GPIO_IN # expecting rain, NRST=1\nNRST=1 # expect the worst\n"), 0, ""},
+      // Whatever stands before it in the comment, which the plug-in does not read.
+      {"", Gpio("PRINT=GPIO_IN ## expect NRST=1\n"), 1,
+       "FILE:4:25: expected 0x01, captured 0x3e (mask 0x01): NRST is 0\n" + failed},
+      {"", Gpio("PRINT=GPIO_IN # note # expect NRST=1\n"), 1,
+       "FILE:4:31: expected 0x01, captured 0x3e (mask 0x01): NRST is 0\n" + failed},
+      {"", Gpio(std::string("PRINT=GPIO_IN\0# expect NRST=1\n", 30)), 1,
+       "FILE:4:24: expected 0x01, captured 0x3e (mask 0x01): NRST is 0\n" + failed},
+      // Two wires carry 35 bytes and their own one, and what was not shifted is as nobody expects.
+      {"-q --wire 2wire", "[A]\nIR=5,1f\nDR=R,288,0\nTDO=" + kZeros + "\n", 1,
+       "FILE:4:5: expected 0x" + std::string(72, '0') + ", captured 0x" + std::string(70, '0') +
+           "\n" + failed},
   };
   for (const auto& run : kRuns) {
     const ScriptFile file(run.script);
@@ -161,8 +178,21 @@ TEST(Expectations, AreChecked) {
       {Gpio("PRINT=GPIO_IN # expect NRST=2\n"), "4:24: error: expected is NAME=LEVEL"},
       {Gpio("PRINT=GPIO_IN # expect 0x40\n"), "4:24: error: expected is NAME=LEVEL"},
       {Gpio("PRINT=GPIO_IN # expect 1/0\n"), "4:24: error: a mask of 0 compares nothing"},
-      {Gpio("PRINT=GPIO_IN # expct NRST=1\n"), "4:17: warning: did you mean expect?"},
+      {Gpio("PRINT=GPIO_IN # expect NRST=1 # expect TRST=0\n"),
+       "4:24: error: a line has one expectation, and this one has more"},
+      {Gpio("PRINT=GPIO_IN # expect: NRST=1\n"), "4:23: error: expected is NAME=LEVEL"},
+      {Gpio("PRINT=GPIO_IN # expct NRST=1\n"), "4:17: warning: nothing is expected here"},
+      {Gpio("PRINT=GPIO_IN # Expect: NRST=1\n"), "4:17: warning: nothing is expected here"},
+      {Gpio("PRINT=GPIO_IN # I must expect NRST=1\n"), "4:17: warning: nothing is expected here"},
       {Gpio("PRINT=GPIO_IN # except for NRST=1\n"), ""},
+      {Gpio("NRST=1 # expect TDO=1 (or so)\n"), "4:10: warning: nothing is read on this line"},
+      {Gpio("NRST=1 # expect the worst\n"), ""},
+      {"[ZEVA_ICE_GPIO]\nSTART # expect 1\nEND\n", "2:9: error: nothing is read on this line"},
+      {Idcode("# expect 1"), "4:3: warning: a JTAG script says with TDO and MASK what it expects"},
+      {Idcode("tdo=1,2,3,4"), "4:1: error: this expects nothing: keys are in upper case"},
+      {Idcode("TDO =1,2,3,4"), "4:1: error: this expects nothing: keys are in upper case"},
+      {Idcode("TDO=1,2,3,4\nTDO=1,2,3,4"), "5:1: error: this replaces the value given above"},
+      {"[CONTROL]\nCDI=5\nTDO=1\n", "3:1: error: CONTROL reads nothing"},
   };
   for (const auto& checked : kScripts) {
     const ScriptFile file(checked.script);
@@ -202,7 +232,19 @@ TEST(Expectations, AreLearned) {
     EXPECT_EQ(file.Text(), run.script);
     EXPECT_EQ(RunIcehost("run -q " + learned.Path()).status, 0) << run.learned;
   }
+  // A script that would not pass, or a run that failed, leaves what was there.
+  const ScriptFile old("as it was");
+  for (const ScriptFile& refused :
+       {ScriptFile(Gpio("PRINT=GPIO_IN #" + std::string(2025, 'x') + "\n")),
+        ScriptFile(Idcode("TDO=0,0,0,0 # " + std::string(2030, 'x'))),
+        ScriptFile("[CONTROL]\nCDI=2\n" + Idcode("TDO=1"))}) {
+    EXPECT_EQ(RunIcehost("run -q --learn " + old.Path() + " " + refused.Path() + " 2>&1").status,
+              1);
+    EXPECT_EQ(old.Text(), "as it was");
+  }
   const ScriptFile file(Idcode(""));
+  EXPECT_EQ(RunIcehost("run -q --learn - " + file.Path() + " 2>&1 >>" + file.Path()).output,
+            "--learn: standard output is also a script\nRun with --help for more information.\n");
   EXPECT_EQ(
       RunIcehost("run --learn " + file.Path() + " " + file.Path() + " 2>&1").output,
       "--learn: " + file.Path() + " is also a script\nRun with --help for more information.\n");

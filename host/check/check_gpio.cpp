@@ -150,12 +150,12 @@ void GpioLines::Finish() {
   pins_.Finish();
 }
 
-// An expectation on a line of its own, which reads nothing.
-void ReportLoneExpectations(const ScriptText& script, int last, Problems& problems) {
+// An expectation on a line that does nothing, up to START and where there is nothing but a comment.
+void ReportLoneExpectations(const ScriptText& script, int start, int last, Problems& problems) {
   if (script.Content().find("expect") == std::string::npos) return;
   for (const ScriptLine line : script) {
     if (line.number > last) break;
-    if (line.Blank()) PinExpectation(line, false, problems);
+    if (line.Blank() || line.number <= start) PinExpectation(line, false, problems);
   }
 }
 
@@ -176,7 +176,8 @@ void CheckGpio(const ScriptText& script, Checked& checked) {
     return;
   }
   GpioLines lines(checked);
-  lines.Begin(script.Line(last.line));
+  const int start = last.line;
+  lines.Begin(script.Line(start));
   for (; at != script.end() && !lines.Ended(); ++at) {
     const ScriptLine line = *at;
     if (line.Blank()) continue;
@@ -185,7 +186,7 @@ void CheckGpio(const ScriptText& script, Checked& checked) {
   }
   at = script.WithText(at);
   lines.Finish();
-  ReportLoneExpectations(script, last.line, problems);
+  ReportLoneExpectations(script, start, last.line, problems);
   const auto too_long = script.TooLong();
   if (lines.Ended()) {
     if (at != script.end()) problems.Warn((*at).Start(), "text after END is not read");

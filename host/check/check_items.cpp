@@ -8,6 +8,7 @@
 #include "base/field_cursor.h"
 #include "entry/icescript.h"
 #include "host/check/gpio_items.h"
+#include "host/check/near_words.h"
 #include "host/check/remarks.h"
 #include "host/check/wide_numbers.h"
 
@@ -68,10 +69,14 @@ void CheckAgain(const ScriptLine& line, const NamedItem& item, unsigned set, Pro
 
 }  // namespace
 
+// Or nearly so.
 bool NamesBlock(const ScriptLine& line) {
+  const Words blocks = {"REPT", "ENDR"};
   const std::vector<NamedItem> items = ItemsOf(line.text);
-  return std::any_of(items.begin(), items.end(), [](const NamedItem& item) {
-    return item.which == kRept || item.which == kEndr;
+  return std::any_of(items.begin(), items.end(), [&blocks](const NamedItem& item) {
+    return item.which == kRept || item.which == kEndr ||
+           (item.which == kOther &&
+            (!Nearest(item.key, blocks).empty() || !WithEquals(item.key, blocks).empty()));
   });
 }
 

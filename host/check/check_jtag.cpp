@@ -10,6 +10,7 @@
 #include "host/check/check_control.h"
 #include "host/check/check_scan.h"
 #include "host/check/ini_sections.h"
+#include "host/check/pin_expectation.h"
 #include "host/check/scan_expectation.h"
 #include "host/check/scan_fields.h"
 #include "host/system/interrupt.h"
@@ -124,6 +125,9 @@ void CheckJtag(const ScriptText& script, Checked& checked) {
   for (const IniSection& section : FindSections(script, checked.problems)) {
     ThrowIfInterrupted();
     operations.Take(section);
+  }
+  if (script.Content().find("expect") != std::string::npos) {
+    for (const ScriptLine line : script) WarnOfExpectation(line, checked.problems);
   }
   if (const auto line = script.TooLong()) checked.problems.Error(CutAt(*line), kCutScript);
 }

@@ -26,6 +26,13 @@ std::string KeyMeant(std::string_view name, const IniKeys& keys) {
   return DidYouMean(Nearest(name, keys));
 }
 
+// Of the keys that the plug-in does not know: what they say would be expected by nobody.
+bool IsExpectationKey(std::string_view name) {
+  const IniKeys& keys = KeysOf("");
+  return std::any_of(keys.begin() + kKeysRead, keys.end(),
+                     [name](std::string_view key) { return EqualsUpper(name, key); });
+}
+
 }  // namespace
 
 std::string WithoutBlanks(std::string_view text) {
@@ -50,7 +57,12 @@ std::string WhyNoIniLine(std::string_view text, const IniKeys& keys) {
 void WarnOfKey(const ScriptLine& line, const IniKeys& keys, std::string_view name,
                Problems& problems) {
   const std::string bare = WithoutBlanks(name);
-  if (Holds(keys, bare)) {
+  if (IsExpectationKey(bare)) {
+    problems.Error(line.Start(),
+                   Holds(keys, "IR")
+                       ? "this expects nothing: keys are in upper case, without blanks"
+                       : "CONTROL reads nothing: this belongs to a scan");
+  } else if (Holds(keys, bare)) {
     problems.Warn(line.Of(name.substr(name.find_first_of(" \t"))),
                   fmt::format("a blank here belongs to the name: this is not \"{}\"", bare));
   } else if (std::any_of(keys.begin(), keys.end(),

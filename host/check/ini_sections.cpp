@@ -91,7 +91,12 @@ void SectionFinder::TakeValue(const ScriptLine& line, std::string_view key) {
       static_cast<std::size_t>(std::find(keys.begin(), keys.end(), key) - keys.begin());
   if (known < keys.size()) {
     int& place = sections_[static_cast<std::size_t>(named.section)].lines[known];
-    WarnOfRepeat(line, std::exchange(place, line.number) != 0);
+    const bool repeated = std::exchange(place, line.number) != 0;
+    if (repeated && known >= kKeysRead) {
+      problems_.Error(line.Start(), "this replaces the value given above, which is not compared");
+    } else {
+      WarnOfRepeat(line, repeated);
+    }
   } else {
     WarnOfRepeat(line, !other_keys_.emplace(named.section, key).second);
     WarnOfKey(line, keys, key, problems_);

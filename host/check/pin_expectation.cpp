@@ -6,6 +6,7 @@
 
 #include "base/field_cursor.h"
 #include "base/number.h"
+#include "base/text.h"
 #include "entry/icescript.h"
 #include "host/check/gpio_items.h"
 #include "host/check/near_words.h"
@@ -30,9 +31,8 @@ std::string_view Trimmed(std::string_view text) {
   return text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
 }
 
-// The letters that a comment begins with.
-std::string_view FirstWord(std::string_view comment) {
-  const std::string_view text = Trimmed(comment.substr(std::min<std::size_t>(1, comment.size())));
+// The letters that a text begins with.
+std::string_view FirstWord(std::string_view text) {
   const auto* const end = std::find_if(text.begin(), text.end(),
                                        [](unsigned char ch) { return std::isalpha(ch) == 0; });
   return text.substr(0, static_cast<std::size_t>(end - text.begin()));
@@ -81,15 +81,31 @@ std::optional<Levels> ReadLevels(std::string_view text) {
   return text.find('=') != std::string_view::npos ? NamedLevels(text) : WordLevels(text);
 }
 
-// A word that is nearly "expect", before something that can be expected.
+bool SaysExpect(std::string_view text) {
+  return std::search(text.begin(), text.end(), kWord.begin(), kWord.end(),
+                     [](char ch, char letter) {
+                       return icescript::UpperCase(ch) == icescript::UpperCase(letter);
+                     }) != text.end();
+}
+
+// What may have been meant as an expectation.
 void WarnOfNearWord(const ScriptLine& line, std::string_view comment, Problems& problems) {
-  const std::string_view word = FirstWord(comment);
-  if (Nearest(word, {kWord}).empty()) return;
-  const auto behind = static_cast<std::size_t>(word.data() + word.size() - comment.data());
-  const std::string_view rest = comment.substr(behind);
-  if (ReadLevels(Trimmed(rest.substr(0, rest.find('#')))).has_value()) {
-    problems.Warn(line.Of(word), DidYouMean("expect"));
+  icescript::FieldCursor notes(comment, '#');
+  while (notes.HasNext()) {
+    const std::string_view note = Trimmed(notes.Next());
+    const std::string_view word = FirstWord(note);
+    const bool near = !Nearest(word, {kWord}).empty() &&
+                      ReadLevels(Trimmed(note.substr(word.size()))).has_value();
+    if (!near && !SaysExpect(note)) continue;
+    problems.Warn(line.Of(note), "nothing is expected here: " + DidYouMean("# expect ..."));
+    return;
   }
+}
+
+// Behind the expectation that counts.
+bool HasAnother(std::string_view behind) {
+  const std::size_t mark = behind.find('#');
+  return mark != std::string_view::npos && !ExpectIn(behind.substr(mark)).empty();
 }
 
 }  // namespace
@@ -97,18 +113,16 @@ void WarnOfNearWord(const ScriptLine& line, std::string_view comment, Problems& 
 std::string_view CommentOf(const ScriptLine& line) {
   const auto behind =
       static_cast<std::size_t>(line.text.data() + line.text.size() - line.raw.data());
-  const std::string_view rest = line.raw.substr(behind);
-  const std::size_t mark = rest.find_first_of(std::string_view("#\0", 2));
-  if (mark == std::string_view::npos || rest[mark] != '#') return rest.substr(rest.size());
-  return rest.substr(mark);
+  return line.raw.substr(std::min(line.raw.find('#', behind), line.raw.size()));
 }
 
 std::string_view ExpectIn(std::string_view comment) {
-  const std::string_view word = FirstWord(comment);
-  if (word != kWord) return {};
-  const std::string_view from =
-      comment.substr(static_cast<std::size_t>(word.data() - comment.data()));
-  return Trimmed(from.substr(0, from.find('#')));
+  icescript::FieldCursor notes(comment, '#');
+  while (notes.HasNext()) {
+    const std::string_view note = Trimmed(notes.Next());
+    if (FirstWord(note) == kWord) return note;
+  }
+  return {};
 }
 
 std::optional<Expectation> PinExpectation(const ScriptLine& line, bool reads, Problems& problems) {
@@ -122,24 +136,38 @@ std::optional<Expectation> PinExpectation(const ScriptLine& line, bool reads, Pr
   const std::string_view text = Trimmed(expect.substr(kWord.size()));
   const std::optional<Levels> levels = ReadLevels(text);
   if (!reads) {
-    // Else it is a sentence.
-    if (levels.has_value()) problems.Error(line.Of(expect), "nothing is read on this line");
+    // It may be a sentence.
+    constexpr const char* kNoRead = "nothing is read on this line";
+    if (levels.has_value()) {
+      problems.Error(line.Of(expect), kNoRead);
+    } else if (text.find('=') != std::string_view::npos) {
+      problems.Warn(line.Of(expect), kNoRead);
+    }
     return std::nullopt;
   }
+  const Place place = line.Of(text.empty() ? expect : text);
+  const auto behind = static_cast<std::size_t>(expect.data() + expect.size() - comment.data());
   if (!levels.has_value()) {
-    problems.Error(line.Of(text.empty() ? expect : text), std::string(kForm));
-    return std::nullopt;
+    problems.Error(place, std::string(kForm));
+  } else if (levels->mask == 0) {
+    problems.Error(place, "a mask of 0 compares nothing");
+  } else if (HasAnother(comment.substr(behind))) {
+    problems.Error(place, "a line has one expectation, and this one has more");
+  } else {
+    return Expectation{0,
+                       Expectation::Of::kPins,
+                       place,
+                       std::string(1, static_cast<char>(levels->value)),
+                       std::string(1, static_cast<char>(levels->mask)),
+                       levels->mask != GPIO_PIN_ALL};
   }
-  if (levels->mask == 0) {
-    problems.Error(line.Of(text), "a mask of 0 compares nothing");
-    return std::nullopt;
-  }
-  return Expectation{0,
-                     Expectation::Of::kPins,
-                     line.Of(text),
-                     std::string(1, static_cast<char>(levels->value)),
-                     std::string(1, static_cast<char>(levels->mask)),
-                     levels->mask != GPIO_PIN_ALL};
+  return std::nullopt;
+}
+
+void WarnOfExpectation(const ScriptLine& line, Problems& problems) {
+  const std::string_view expect = ExpectIn(CommentOf(line));
+  if (expect.empty() || !ReadLevels(Trimmed(expect.substr(kWord.size()))).has_value()) return;
+  problems.Warn(line.Of(expect), "a JTAG script says with TDO and MASK what it expects");
 }
 
 }  // namespace icehost

@@ -130,7 +130,8 @@ int ObservedProbe::Execute(std::uint8_t* capture) {
   const bool captured = result == 0;
   const int extra = wire_mode_ == CDI_ANSWER_2WIRE ? 1 : 0;
   const std::uint8_t* const dr = capture + kDrCaptureByte + extra;
-  const int dr_bits = dr_bits_ - 8 * extra;
+  // Of a length that is no longer made for two wires, no more is shifted than the arrays hold.
+  const int dr_bits = std::min(dr_bits_, 8 * static_cast<int>(JTAG_DR_MAX_BYTES)) - 8 * extra;
   const int ir_bits = ir_bits_ - 8 * extra;
   const bool tells_ir = probe_.CapturesIr() && ir_bits <= 8 * kDrCaptureByte;
   std::vector<Comparison> comparisons;
@@ -155,7 +156,8 @@ int ObservedProbe::Gpio(int out_value, std::uint32_t& data, int oe_mask, int fla
   int result =
       Guard("link_gpio_operator", [&] { return probe_.Gpio(out_value, data, oe_mask, flags); });
   std::vector<Comparison> comparisons;
-  if (read && result >= 0 && !guide_.ComparePins(data, comparisons)) result = -1;
+  const bool was_read = read && result >= 0;
+  if (was_read && !guide_.ComparePins(data, comparisons)) result = -1;
   Tell([&]() -> CallEvent {
     CallEvent event = {"link_gpio_operator",
                        {{"out_value", Field::Kind::kPins, out_value, ""},
@@ -165,7 +167,7 @@ int ObservedProbe::Gpio(int out_value, std::uint32_t& data, int oe_mask, int fla
                        {},
                        std::move(comparisons),
                        {}};
-    if (read) event.outputs.push_back({"data", Field::Kind::kPins, static_cast<int>(data), ""});
+    if (was_read) event.outputs.push_back({"data", Field::Kind::kPins, static_cast<int>(data), ""});
     return event;
   });
   return result;
