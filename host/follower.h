@@ -39,8 +39,8 @@ class Follower : public CallGuide {
   long Unmet() const { return unmet_; }
   // How many of the values that this script expects were not read at all.
   long Unread() const;
-  // What has become of each expectation of this script, a line each: for people. Nothing was compared
-  // in order to learn.
+  // What has become of each expectation of this script, a line each: for people. Nothing was
+  // compared in order to learn.
   std::vector<std::string> Summary(const std::string& script) const;
   const Captures& Read() const { return captures_; }
 
