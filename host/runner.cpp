@@ -42,10 +42,11 @@ Runner::Runner(const RunCommand& command)
                   explained_ = true;
                   reporter_.SayAt(place.line, place.column, what);
                 }),
-      observed_(
-          stack_.Build(outputs_.recorders, [this](const std::string& why) { OnDoubt(why); }),
-          follower_, outputs_.listeners, [this](const std::string& why) { SayOfCall(why); },
-          [this](const char* operation) { OnCall(operation); }) {
+      observed_(stack_.Build(outputs_.recorders, [this](const std::string& why) { OnDoubt(why); }),
+                follower_, outputs_.listeners,
+                {[this](const std::string& why) { SayOfCall(why); },
+                 [this](const char* operation) { OnCall(operation); },
+                 [this] { return stack_.Steps(); }}) {
   running = this;
   SetRescue([this] { return Abandon(); });
 }

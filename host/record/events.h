@@ -38,6 +38,12 @@ struct Comparison {
   bool met;
 };
 
+// The steps of a probe's pins (PinStep), counted from 0; of a probe that shows none, empty.
+struct StepRange {
+  std::size_t begin = 0;
+  std::size_t end = 0;
+};
+
 struct CallEvent {
   const char* function;
   std::vector<Field> arguments;
@@ -45,6 +51,7 @@ struct CallEvent {
   std::vector<Field> outputs;  // what the call answered with, besides its result
   std::vector<Comparison> comparisons;
   CallSource source;
+  StepRange steps;  // what the call did to the pins
 };
 
 // The bytes of a register as text, most significant first.

@@ -37,12 +37,16 @@ std::string ByteText(const std::uint8_t* bytes, std::size_t count) {
 }
 
 ObservedProbe::ObservedProbe(Probe& probe, CallGuide& guide, std::vector<EventListener*> listeners,
-                             Refused refused, Begin begin)
+                             Callbacks callbacks)
     : probe_(probe),
       guide_(guide),
       listeners_(std::move(listeners)),
-      refused_(std::move(refused)),
-      begin_(std::move(begin)) {}
+      callbacks_(std::move(callbacks)) {}
+
+void ObservedProbe::Begin(const char* operation) {
+  begin_step_ = callbacks_.steps();
+  callbacks_.begin(operation);
+}
 
 template <class Ask>
 int ObservedProbe::Guard(const char* function, Ask ask) {
@@ -53,7 +57,7 @@ int ObservedProbe::Guard(const char* function, Ask ask) {
     Leave();
     return result;
   } catch (const Unsupported& error) {
-    refused_(error.what());
+    callbacks_.refused(error.what());
     Leave();
     return -1;
   }
@@ -64,6 +68,7 @@ void ObservedProbe::Tell(MakeEvent make_event) {
   if (listeners_.empty()) return;
   CallEvent event = make_event();
   event.source = under_way_.source;
+  event.steps = {begin_step_, callbacks_.steps()};
   for (EventListener* const listener : listeners_) listener->OnCall(event);
 }
 
@@ -71,7 +76,7 @@ int ObservedProbe::Config(int code, int value) {
   const bool query = code == LINK_CONFIG_GET_CDI;
   if (!query) ++counts_.operations;
   under_way_.source = guide_.NextOperation();
-  begin_(nullptr);
+  Begin(nullptr);
   const int result = Guard("link_config", [&] { return probe_.Config(code, value); });
   if (query) wire_mode_ = result;
   Tell([&]() -> CallEvent {
@@ -79,6 +84,7 @@ int ObservedProbe::Config(int code, int value) {
     return {"link_config",
             {{"code", Field::Kind::kCode, code, ""}, {"value", kind, value, ""}},
             result,
+            {},
             {},
             {},
             {}};
@@ -89,10 +95,10 @@ int ObservedProbe::Config(int code, int value) {
 int ObservedProbe::Reset(int kind) {
   ++counts_.operations;
   under_way_.source = guide_.NextOperation();
-  begin_("reset");
+  Begin("reset");
   const int result = Guard("link_reset", [&] { return probe_.Reset(kind); });
   Tell([&]() -> CallEvent {
-    return {"link_reset", {{"kind", Field::Kind::kReset, kind, ""}}, result, {}, {}, {}};
+    return {"link_reset", {{"kind", Field::Kind::kReset, kind, ""}}, result, {}, {}, {}, {}};
   });
   return result;
 }
@@ -107,7 +113,7 @@ int ObservedProbe::Insert(int ir_bits, const std::uint8_t* ir, int dr_bits,
   dr_bits_ = dr_bits;
   scan_name_ = fmt::format("IR {} bits {}, DR {} bits {}", ir_bits, RegisterText(ir, ir_bits),
                            dr_bits, RegisterText(dr, dr_bits));
-  begin_(nullptr);
+  Begin(nullptr);
   const int result =
       Guard("link_jtag_insert", [&] { return probe_.Insert(ir_bits, ir, dr_bits, dr); });
   Tell([&]() -> CallEvent {
@@ -119,13 +125,14 @@ int ObservedProbe::Insert(int ir_bits, const std::uint8_t* ir, int dr_bits,
             result,
             {},
             {},
+            {},
             {}};
   });
   return result;
 }
 
 int ObservedProbe::Execute(std::uint8_t* capture) {
-  begin_(scan_name_.c_str());
+  Begin(scan_name_.c_str());
   int result = Guard("link_jtag_execute", [&] { return probe_.Execute(capture); });
   const bool captured = result == 0;
   const int extra = wire_mode_ == CDI_ANSWER_2WIRE ? 1 : 0;
@@ -142,7 +149,7 @@ int ObservedProbe::Execute(std::uint8_t* capture) {
     std::vector<Field> outputs;
     if (captured && tells_ir) outputs.push_back(Bytes("ir_out", capture, ir_bits));
     if (captured) outputs.push_back(Bytes("dr_out", dr, dr_bits));
-    return {"link_jtag_execute", {}, result, std::move(outputs), std::move(comparisons), {}};
+    return {"link_jtag_execute", {}, result, std::move(outputs), std::move(comparisons), {}, {}};
   });
   return result;
 }
@@ -152,7 +159,7 @@ int ObservedProbe::Gpio(int out_value, std::uint32_t& data, int oe_mask, int fla
   const bool read = (flags & GPIO_FLAG_READ_IN) != 0;
   if (read) ++counts_.reads;
   under_way_.source = guide_.NextPinOperation(data);
-  begin_(GpioName(flags));
+  Begin(GpioName(flags));
   int result =
       Guard("link_gpio_operator", [&] { return probe_.Gpio(out_value, data, oe_mask, flags); });
   std::vector<Comparison> comparisons;
@@ -166,6 +173,7 @@ int ObservedProbe::Gpio(int out_value, std::uint32_t& data, int oe_mask, int fla
                        result,
                        {},
                        std::move(comparisons),
+                       {},
                        {}};
     if (was_read) event.outputs.push_back({"data", Field::Kind::kPins, static_cast<int>(data), ""});
     return event;

@@ -2,6 +2,7 @@
 #ifndef ICESCRIPT_HOST_RECORD_OBSERVED_PROBE_H_
 #define ICESCRIPT_HOST_RECORD_OBSERVED_PROBE_H_
 
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <vector>
@@ -24,10 +25,15 @@ struct RunCounts {
 // has pressed Ctrl-C.
 class ObservedProbe : public Probe {
  public:
-  using Refused = std::function<void(const std::string& why)>;
-  // Called before every call: with words for the operation that begins with it, or null where it
-  // belongs to one.
-  using Begin = std::function<void(const char* operation)>;
+  struct Callbacks {
+    // Why the probe refuses a call.
+    std::function<void(const std::string& why)> refused;
+    // Called before every call: with words for the operation that begins with it, or null where it
+    // belongs to one.
+    std::function<void(const char* operation)> begin;
+    // Steps of the pins so far.
+    std::function<std::size_t()> steps;
+  };
   struct Call {
     const char* function = nullptr;
     CallSource source;
@@ -35,7 +41,7 @@ class ObservedProbe : public Probe {
 
   // `probe`, `guide` and the listeners must outlive this object.
   ObservedProbe(Probe& probe, CallGuide& guide, std::vector<EventListener*> listeners,
-                Refused refused, Begin begin);
+                Callbacks callbacks);
 
   int Config(int code, int value) override;
   int Reset(int kind) override;
@@ -51,6 +57,7 @@ class ObservedProbe : public Probe {
   void Leave() { under_way_.function = nullptr; }
 
  private:
+  void Begin(const char* operation);
   template <class Ask>
   int Guard(const char* function, Ask ask);
   template <class MakeEvent>
@@ -59,9 +66,9 @@ class ObservedProbe : public Probe {
   Probe& probe_;
   CallGuide& guide_;
   std::vector<EventListener*> listeners_;
-  Refused refused_;
-  Begin begin_;
+  Callbacks callbacks_;
   Call under_way_;
+  std::size_t begin_step_ = 0;  // of it
   RunCounts counts_;
   // Of the scan under way.
   int wire_mode_ = 0;

@@ -1,0 +1,82 @@
+#include "host/record/tap_decoder.h"
+
+#include <utility>
+
+namespace icehost {
+namespace {
+
+constexpr int kResetPins = GPIO_PIN_NRST | GPIO_PIN_TRST;
+
+}  // namespace
+
+void TapDecoder::Record(const PinStep& step) {
+  const bool rising = (~wires_ & step.wires & GPIO_PIN_TCK) != 0;
+  const std::optional<TapState> from = std::exchange(tap_, step.tap);
+  if (((wires_ ^ step.wires) & kResetPins) != 0) {
+    listener_.OnResetPins(step.wires & kResetPins, {step_, step_ + 1});
+  }
+  if ((step.wires & GPIO_PIN_TRST) == 0) {
+    if (from != TapState::kTestLogicReset) Reset(true);
+  } else if (rising && step.tap.has_value()) {
+    if (from.has_value()) {
+      OnEdge(*from, *step.tap, step.wires);
+    } else {
+      Reset(false);
+    }
+  }
+  wires_ = step.wires;
+  ++step_;
+}
+
+void TapDecoder::End() {
+  EndScan(false, step_);
+  EndIdle(step_);
+}
+
+void TapDecoder::OnEdge(TapState from, TapState to, int wires) {
+  if (from == TapState::kShiftDr || from == TapState::kShiftIr) {
+    scan_->in.push_back((wires & GPIO_PIN_TDI) != 0);
+    scan_->out.push_back((wires_ & GPIO_PIN_TDO) != 0);
+  }
+  if (from == TapState::kRunTestIdle && to == TapState::kRunTestIdle) ++idle_cycles_;
+  if (from == to) return;
+  if (from == TapState::kRunTestIdle) EndIdle(step_ + 1);
+  switch (to) {
+    case TapState::kCaptureDr:
+    case TapState::kCaptureIr:
+      scan_ = {to == TapState::kCaptureIr, {}, {}, false, {step_, step_}};
+      break;
+    case TapState::kUpdateDr:
+    case TapState::kUpdateIr:
+      EndScan(true, step_ + 1);
+      break;
+    case TapState::kRunTestIdle:
+      idle_begin_ = step_;
+      break;
+    case TapState::kTestLogicReset:
+      Reset(false);
+      break;
+    default:
+      break;
+  }
+}
+
+void TapDecoder::Reset(bool by_trst) {
+  EndScan(false, step_ + 1);
+  EndIdle(step_ + 1);
+  listener_.OnTapReset(by_trst, {step_, step_ + 1});
+}
+
+void TapDecoder::EndScan(bool updated, std::size_t end) {
+  if (!scan_.has_value()) return;
+  scan_->updated = updated;
+  scan_->steps.end = end;
+  listener_.OnScan(*std::exchange(scan_, std::nullopt));
+}
+
+void TapDecoder::EndIdle(std::size_t end) {
+  const long cycles = std::exchange(idle_cycles_, 0);
+  if (cycles > 0) listener_.OnIdle(cycles, {idle_begin_, end});
+}
+
+}  // namespace icehost

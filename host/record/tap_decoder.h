@@ -1,0 +1,65 @@
+// What happens to a TAP, read off the pins.
+#ifndef ICESCRIPT_HOST_RECORD_TAP_DECODER_H_
+#define ICESCRIPT_HOST_RECORD_TAP_DECODER_H_
+
+#include <cstddef>
+#include <optional>
+
+#include "entry/icescript.h"
+#include "host/record/events.h"
+#include "host/record/recording_port.h"
+#include "host/target/bits.h"
+#include "host/target/tap.h"
+
+namespace icehost {
+
+// One way through a column of the TAP's states, from Capture to Update, with or without Pause.
+struct TapScan {
+  bool ir;          // the IR column, else the DR column
+  Bits in;          // TDI at each rising TCK edge in Shift, the first bit first
+  Bits out;         // TDO before each of these edges
+  bool updated;     // false where a TAP reset, or the end, cut it short
+  StepRange steps;  // from the edge that captures to the one that updates
+};
+
+class TapListener {
+ public:
+  virtual ~TapListener() = default;
+  virtual void OnScan(const TapScan& scan) = 0;
+  // The TAP comes to Test-Logic-Reset from another state, or from an unknown one.
+  virtual void OnTapReset(bool by_trst, StepRange steps) = 0;
+  // How many rising TCK edges found the TAP in Run-Test/Idle and left it there, told once it goes
+  // on.
+  virtual void OnIdle(long cycles, StepRange steps) = 0;
+  // NRST or TRST changes: both levels as they are now, GPIO_PIN_ bits. High before the first step.
+  virtual void OnResetPins(int levels, StepRange steps) = 0;
+};
+
+// Tells everything in the order in which it ends.
+class TapDecoder : public StepRecorder {
+ public:
+  // `listener` must outlive the decoder.
+  explicit TapDecoder(TapListener& listener) : listener_(listener) {}
+
+  void Record(const PinStep& step) override;
+  // No step follows: tells what is still under way.
+  void End();
+
+ private:
+  void OnEdge(TapState from, TapState to, int wires);
+  void Reset(bool by_trst);
+  void EndScan(bool updated, std::size_t end);
+  void EndIdle(std::size_t end);
+
+  TapListener& listener_;
+  std::size_t step_ = 0;  // the one that is recorded
+  int wires_ = GPIO_PIN_ALL;
+  std::optional<TapState> tap_;
+  std::optional<TapScan> scan_;  // under way
+  long idle_cycles_ = 0;
+  std::size_t idle_begin_ = 0;
+};
+
+}  // namespace icehost
+
+#endif  // ICESCRIPT_HOST_RECORD_TAP_DECODER_H_
