@@ -2,7 +2,7 @@
 #include <exception>
 
 #include "host/check_verb.h"
-#include "host/command_line.h"
+#include "host/options/command_line.h"
 #include "host/reporter.h"
 #include "host/run.h"
 #include "host/serve.h"

@@ -8,20 +8,22 @@ namespace icehost {
 
 Outputs::Outputs(const RunCommand& command) {
   using Rest = OutputFile::Rest;
-  if (!command.trace.empty()) {
-    trace.emplace(command.trace == kStandardError ? std::cerr : Open(command.trace, Rest::kLines));
+  if (!command.record.trace.empty()) {
+    trace.emplace(command.record.trace == kStandardError
+                      ? std::cerr
+                      : Open(command.record.trace, Rest::kLines));
     listeners.push_back(&*trace);
   }
-  if (!command.json.empty()) {
-    json.emplace(Open(command.json, Rest::kLines));
+  if (!command.record.json.empty()) {
+    json.emplace(Open(command.record.json, Rest::kLines));
     listeners.push_back(&*json);
   }
-  if (!command.vcd.empty()) {
-    vcd.emplace(Open(command.vcd, Rest::kLines));
+  if (!command.record.vcd.empty()) {
+    vcd.emplace(Open(command.record.vcd, Rest::kLines));
     recorders.push_back(&*vcd);
   }
-  if (!command.svg.empty()) {
-    svg_stream_ = &Open(command.svg, Rest::kNothing);
+  if (!command.record.svg.empty()) {
+    svg_stream_ = &Open(command.record.svg, Rest::kNothing);
     svg.emplace();
     recorders.push_back(&*svg);
   }

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "host/commands.h"
+#include "host/options/commands.h"
 #include "host/record/json_writer.h"
 #include "host/record/svg_writer.h"
 #include "host/record/trace_writer.h"

@@ -2,30 +2,18 @@
 
 #include <utility>
 
-#include "host/probe/bitbang_port.h"
-#include "host/probe/openocd_probe.h"
-#include "host/probe/sim_port.h"
+#include "host/open_probe.h"
 #include "host/system/errors.h"
 
 namespace icehost {
 
-ProbeStack::ProbeStack(const RunCommand& command)
-    : wire_mode_(command.wire_mode), two_wire_(command.probe.kind == ProbeChoice::Kind::kSim) {
-  const auto connect = [&] { return Socket::Connect(command.probe.endpoint, command.timeout); };
-  switch (command.probe.kind) {
-    case ProbeChoice::Kind::kSim:
-      port_ = std::make_unique<SimPort>(command.target);
-      break;
-    case ProbeChoice::Kind::kBitbang:
-      port_ = std::make_unique<BitbangPort>(connect());
-      break;
-    case ProbeChoice::Kind::kOpenocd:
-      if (!command.vcd.empty() || !command.svg.empty()) {
-        throw IoError("OpenOCD shows no pins: no waveform of it");
-      }
-      probe_ = std::make_unique<OpenocdProbe>(connect(), command.probe.tap);
-      break;
+ProbeStack::ProbeStack(const ProbeOptions& options, int wire_mode, bool records_pins)
+    : wire_mode_(wire_mode), two_wire_(options.choice.kind == ProbeChoice::Kind::kSim) {
+  if (records_pins && options.choice.kind == ProbeChoice::Kind::kOpenocd) {
+    throw IoError("OpenOCD shows no pins: no waveform of it");
   }
+  port_ = OpenPins(options);
+  if (port_ == nullptr) probe_ = OpenOpenocd(options);
 }
 
 Probe& ProbeStack::Build(const std::vector<StepRecorder*>& recorders, PinProbe::Doubt doubt) {

@@ -6,7 +6,7 @@
 #include <optional>
 #include <vector>
 
-#include "host/commands.h"
+#include "host/options/commands.h"
 #include "host/probe/pin_probe.h"
 #include "host/record/recording_port.h"
 
@@ -14,9 +14,9 @@ namespace icehost {
 
 class ProbeStack {
  public:
-  // Connects where the probe is across a network; throws IoError, also where the pins are to be
-  // recorded and the probe shows none.
-  explicit ProbeStack(const RunCommand& command);
+  // `wire_mode` is the CDI_ANSWER_ in force at the start. Connects where the probe is across a
+  // network; throws IoError, also where the pins are to be recorded and the probe shows none.
+  ProbeStack(const ProbeOptions& options, int wire_mode, bool records_pins);
 
   // The probe, with its pins recorded; to be called once. The recorders must outlive this object.
   Probe& Build(const std::vector<StepRecorder*>& recorders, PinProbe::Doubt doubt);

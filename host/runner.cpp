@@ -32,11 +32,11 @@ Runner* Runner::running = nullptr;
 Runner::Runner(const RunCommand& command)
     : command_(command),
       plugin_(command.plugin),
-      stack_(command),
+      stack_(command.probe, command.wire_mode, command.record.HasWaveform()),
       outputs_(command),
       reporter_(outputs_.listeners, work_,
-                {command.quiet,
-                 !command.quiet && command.trace != kStandardError && isatty(STDERR_FILENO) != 0}),
+                {command.quiet, !command.quiet && command.record.trace != kStandardError &&
+                                    isatty(STDERR_FILENO) != 0}),
       follower_(ModeOf(command),
                 [this](Place place, const std::string& what) {
                   explained_ = true;

@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "host/commands.h"
-#include "host/exit_status.h"
 #include "host/follower.h"
+#include "host/options/commands.h"
+#include "host/options/exit_status.h"
 #include "host/outputs.h"
 #include "host/probe/plugin.h"
 #include "host/probe_stack.h"

@@ -8,7 +8,7 @@
 
 #include "host/check/plan.h"
 #include "host/check/script_text.h"
-#include "host/commands.h"
+#include "host/options/commands.h"
 
 namespace icehost {
 

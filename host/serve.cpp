@@ -12,7 +12,7 @@ ExitStatus Serve(const ServeCommand& command) {
     if (!command.quiet) Complain(text);
   };
   try {
-    SimPort port(command.target);
+    SimPort port(command.probe.target);
     Listener listener(command.endpoint);
     say("serving remote_bitbang on " + listener.Name());
     BitbangServer(listener, port, command.idle_limit, say).Run();

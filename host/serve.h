@@ -2,8 +2,8 @@
 #ifndef ICESCRIPT_HOST_SERVE_H_
 #define ICESCRIPT_HOST_SERVE_H_
 
-#include "host/commands.h"
-#include "host/exit_status.h"
+#include "host/options/commands.h"
+#include "host/options/exit_status.h"
 
 namespace icehost {
 

@@ -1,8 +1,8 @@
 // Files that would be both read and written, or written twice.
-#ifndef ICESCRIPT_HOST_SHARED_FILES_H_
-#define ICESCRIPT_HOST_SHARED_FILES_H_
+#ifndef ICESCRIPT_HOST_OPTIONS_SHARED_FILES_H_
+#define ICESCRIPT_HOST_OPTIONS_SHARED_FILES_H_
 
-#include "host/commands.h"
+#include "host/options/commands.h"
 
 namespace icehost {
 
@@ -15,4 +15,4 @@ bool IsOnStandardOutput(const RunCommand& command);
 
 }  // namespace icehost
 
-#endif  // ICESCRIPT_HOST_SHARED_FILES_H_
+#endif  // ICESCRIPT_HOST_OPTIONS_SHARED_FILES_H_

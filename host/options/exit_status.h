@@ -1,6 +1,6 @@
 // Exit statuses of icehost.
-#ifndef ICESCRIPT_HOST_EXIT_STATUS_H_
-#define ICESCRIPT_HOST_EXIT_STATUS_H_
+#ifndef ICESCRIPT_HOST_OPTIONS_EXIT_STATUS_H_
+#define ICESCRIPT_HOST_OPTIONS_EXIT_STATUS_H_
 
 namespace icehost {
 
@@ -14,4 +14,4 @@ enum ExitStatus : int {
 
 }  // namespace icehost
 
-#endif  // ICESCRIPT_HOST_EXIT_STATUS_H_
+#endif  // ICESCRIPT_HOST_OPTIONS_EXIT_STATUS_H_

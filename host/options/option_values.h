@@ -1,13 +1,13 @@
 // The values of options that have a form of their own. Each throws std::invalid_argument that says
 // what is expected.
-#ifndef ICESCRIPT_HOST_OPTION_VALUES_H_
-#define ICESCRIPT_HOST_OPTION_VALUES_H_
+#ifndef ICESCRIPT_HOST_OPTIONS_OPTION_VALUES_H_
+#define ICESCRIPT_HOST_OPTIONS_OPTION_VALUES_H_
 
 #include <chrono>
 #include <cstdint>
 #include <string>
 
-#include "host/commands.h"
+#include "host/options/commands.h"
 
 namespace icehost {
 
@@ -30,4 +30,4 @@ void RefuseUnfitRegisters(const TargetOptions& target);
 
 }  // namespace icehost
 
-#endif  // ICESCRIPT_HOST_OPTION_VALUES_H_
+#endif  // ICESCRIPT_HOST_OPTIONS_OPTION_VALUES_H_

@@ -1,4 +1,4 @@
-#include "host/shared_files.h"
+#include "host/options/shared_files.h"
 
 #include <fmt/format.h>
 #include <unistd.h>
@@ -29,10 +29,10 @@ struct Output {
 using Outputs = std::vector<Output>;
 
 Outputs OutputsOf(const RunCommand& command) {
-  return {{"--trace", command.trace},
-          {"--json", command.json},
-          {"--vcd", command.vcd},
-          {"--svg", command.svg},
+  return {{"--trace", command.record.trace},
+          {"--json", command.record.json},
+          {"--vcd", command.record.vcd},
+          {"--svg", command.record.svg},
           {"--learn", command.learn}};
 }
 

@@ -1,11 +1,11 @@
 // The command line.
-#ifndef ICESCRIPT_HOST_COMMAND_LINE_H_
-#define ICESCRIPT_HOST_COMMAND_LINE_H_
+#ifndef ICESCRIPT_HOST_OPTIONS_COMMAND_LINE_H_
+#define ICESCRIPT_HOST_OPTIONS_COMMAND_LINE_H_
 
 #include <variant>
 
-#include "host/commands.h"
-#include "host/exit_status.h"
+#include "host/options/commands.h"
+#include "host/options/exit_status.h"
 
 namespace icehost {
 
@@ -15,4 +15,4 @@ std::variant<Command, ExitStatus> ParseCommandLine(int argc, char** argv);
 
 }  // namespace icehost
 
-#endif  // ICESCRIPT_HOST_COMMAND_LINE_H_
+#endif  // ICESCRIPT_HOST_OPTIONS_COMMAND_LINE_H_

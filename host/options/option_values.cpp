@@ -1,4 +1,4 @@
-#include "host/option_values.h"
+#include "host/options/option_values.h"
 
 #include <fmt/format.h>
 

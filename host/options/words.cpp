@@ -1,4 +1,4 @@
-#include "host/words.h"
+#include "host/options/words.h"
 
 #include <fmt/format.h>
 

@@ -1,6 +1,6 @@
 // What a user may ask for: one structure a verb.
-#ifndef ICESCRIPT_HOST_COMMANDS_H_
-#define ICESCRIPT_HOST_COMMANDS_H_
+#ifndef ICESCRIPT_HOST_OPTIONS_COMMANDS_H_
+#define ICESCRIPT_HOST_OPTIONS_COMMANDS_H_
 
 #include <chrono>
 #include <string>
@@ -19,27 +19,40 @@ struct ProbeChoice {
   std::string tap;  // for OpenOCD; empty: the only one
 };
 
-// Far more than anybody writes, and no more than fits the memory of a small machine.
-constexpr std::size_t kDefaultSizeLimit = 64U << 20U;
+// What a verb works on.
+struct ProbeOptions {
+  ProbeChoice choice;
+  std::chrono::milliseconds timeout{5000};  // of its answers
+  TargetOptions target;                     // behind the simulated probe
+};
 
 // No file can be written by this name.
 constexpr const char* kStandardError = "/";
 
 // In the texts below, empty means "not asked for". An output "-" is standard output.
-struct RunCommand {
-  std::vector<std::string> scripts;  // "-": standard input
-  std::string plugin;
-  ProbeChoice probe;
-  TargetOptions target;
-  int wire_mode = 0;        // CDI_ANSWER_
-  bool strict = false;      // warnings fail
-  bool force = false;       // scripts with errors run
-  bool keep_going = false;  // past values that are not as expected
-  std::chrono::milliseconds timeout{5000};
+
+// What is recorded, and into which file.
+struct RecordFiles {
   std::string trace;  // or kStandardError
   std::string json;
   std::string vcd;
   std::string svg;
+
+  bool HasWaveform() const { return !vcd.empty() || !svg.empty(); }
+};
+
+// Far more than anybody writes, and no more than fits the memory of a small machine.
+constexpr std::size_t kDefaultSizeLimit = 64U << 20U;
+
+struct RunCommand {
+  std::vector<std::string> scripts;  // "-": standard input
+  std::string plugin;
+  ProbeOptions probe;
+  int wire_mode = 0;        // CDI_ANSWER_
+  bool strict = false;      // warnings fail
+  bool force = false;       // scripts with errors run
+  bool keep_going = false;  // past values that are not as expected
+  RecordFiles record;
   std::string learn;
   bool summary = false;
   std::size_t size_limit = kDefaultSizeLimit;  // of a script, in bytes
@@ -56,7 +69,7 @@ struct CheckCommand {
 
 struct ServeCommand {
   Endpoint endpoint;
-  TargetOptions target;
+  ProbeOptions probe;
   std::chrono::milliseconds idle_limit{60000};
   bool quiet = false;
 };
@@ -65,4 +78,4 @@ using Command = std::variant<RunCommand, CheckCommand, ServeCommand>;
 
 }  // namespace icehost
 
-#endif  // ICESCRIPT_HOST_COMMANDS_H_
+#endif  // ICESCRIPT_HOST_OPTIONS_COMMANDS_H_

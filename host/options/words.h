@@ -1,6 +1,6 @@
 // The words of a command line, and those that nothing knows.
-#ifndef ICESCRIPT_HOST_WORDS_H_
-#define ICESCRIPT_HOST_WORDS_H_
+#ifndef ICESCRIPT_HOST_OPTIONS_WORDS_H_
+#define ICESCRIPT_HOST_OPTIONS_WORDS_H_
 
 #include <CLI/CLI.hpp>
 #include <string>
@@ -14,4 +14,4 @@ void ParseWords(CLI::App& app, std::vector<std::string> words);
 
 }  // namespace icehost
 
-#endif  // ICESCRIPT_HOST_WORDS_H_
+#endif  // ICESCRIPT_HOST_OPTIONS_WORDS_H_
