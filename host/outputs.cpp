@@ -27,6 +27,12 @@ Outputs::Outputs(const RunCommand& command) {
     svg.emplace();
     recorders.push_back(&*svg);
   }
+  if (!command.record.html.empty()) {
+    page_stream_ = &Open(command.record.html, Rest::kNothing);
+    page.emplace();
+    listeners.push_back(&*page);
+    recorders.push_back(&*page);
+  }
   if (!command.learn.empty()) {
     Open(command.learn, Rest::kNothing);
     learned_ = files_.back().get();
@@ -46,9 +52,10 @@ void Outputs::Learn(const std::string& script) {
   learned_->Stream() << script;
 }
 
-std::vector<std::string> Outputs::Complete() {
+std::vector<std::string> Outputs::Complete(const PageHead& head) {
   if (vcd.has_value()) vcd->End();
   if (svg.has_value()) svg->Write(*svg_stream_);
+  if (page.has_value()) page->Write(*page_stream_, head);
   std::vector<std::string> failures;
   for (const auto& file : files_) {
     try {

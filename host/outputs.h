@@ -9,6 +9,7 @@
 
 #include "host/options/commands.h"
 #include "host/record/json_writer.h"
+#include "host/record/run_page.h"
 #include "host/record/svg_writer.h"
 #include "host/record/trace_writer.h"
 #include "host/record/vcd_writer.h"
@@ -26,8 +27,9 @@ struct Outputs {
   void ThrowIfCut() const {
     if (standard_output_ != nullptr) standard_output_->ThrowIfCut();
   }
-  // Returns what went wrong, a text for each file that could not be written whole.
-  std::vector<std::string> Complete();
+  // Returns what went wrong, a text for each file that could not be written whole. `head` is the
+  // page's.
+  std::vector<std::string> Complete(const PageHead& head);
   // The script with the values read.
   void Learn(const std::string& script);
 
@@ -35,6 +37,7 @@ struct Outputs {
   std::optional<JsonWriter> json;
   std::optional<VcdWriter> vcd;
   std::optional<SvgWriter> svg;
+  std::optional<RunPage> page;
   std::vector<EventListener*> listeners;  // those of the above
   std::vector<StepRecorder*> recorders;   // likewise
 
@@ -44,6 +47,7 @@ struct Outputs {
   std::vector<std::unique_ptr<OutputFile>> files_;
   OutputFile* standard_output_ = nullptr;  // where it is one of the files
   std::ostream* svg_stream_ = nullptr;
+  std::ostream* page_stream_ = nullptr;
   OutputFile* learned_ = nullptr;
 };
 

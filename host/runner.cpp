@@ -12,6 +12,7 @@
 
 #include "host/check/check.h"
 #include "host/check/learn.h"
+#include "host/run_head.h"
 #include "host/system/errors.h"
 #include "host/system/interrupt.h"
 #include "host/system/memory_file.h"
@@ -60,6 +61,7 @@ ExitStatus Runner::RunAll(std::vector<Script> scripts) {
   ExitStatus status = kAllWell;
   outputs_.Begin();
   for (Script& script : scripts) {
+    if (outputs_.page.has_value()) ShowSource(script);
     reporter_.BeginScript(script.path, script.name);
     const ExitStatus ended = RunOne(script);
     reporter_.EndScript(ended == kAllWell);
@@ -185,8 +187,8 @@ bool Runner::RunPlugin(const std::string& path) {
 
 ExitStatus Runner::Complete(ExitStatus status) {
   reporter_.Close();
-  if (command_.summary) std::fputs((PrintableLines(summary_) + Counts()).c_str(), stderr);
-  const std::vector<std::string> failures = outputs_.Complete();
+  if (command_.summary) std::fputs((PrintableLines(summary_) + Counts() + "\n").c_str(), stderr);
+  const std::vector<std::string> failures = outputs_.Complete(Head(status));
   for (const std::string& failure : failures) Complain(failure);
   return status == kAllWell && !failures.empty() ? kNotOpened : status;
 }
@@ -194,7 +196,7 @@ ExitStatus Runner::Complete(ExitStatus status) {
 bool Runner::Abandon() {
   if (!work_.TakeOver()) return false;
   reporter_.Abandon("interrupted");
-  for (const std::string& failure : outputs_.Complete()) Complain(failure);
+  for (const std::string& failure : outputs_.Complete(Head(kInterrupted))) Complain(failure);
   return true;
 }
 
@@ -202,10 +204,23 @@ void Runner::Summarise(const std::string& script) {
   for (const std::string& line : follower_.Summary(script)) summary_ += line + '\n';
 }
 
+void Runner::ShowSource(Script& script) {
+  std::vector<PageMark> marks;
+  for (const Problem& problem : script.problems.Found()) {
+    marks.push_back({problem.place.line, problem.place.column, problem.error, problem.text});
+  }
+  script.problems = {};
+  outputs_.page->AddSource(script.name, script.text->Content(), marks);
+}
+
+PageHead Runner::Head(ExitStatus status) const {
+  return RunHead(command_, status, Counts(), reporter_.Seconds());
+}
+
 std::string Runner::Counts() const {
   const RunCounts& counts = observed_.Counts();
   const std::optional<long> cycles = stack_.TckCycles();
-  return fmt::format("operations {}, TCK cycles {}, bits shifted {}, reads {}, {:.3f} s\n",
+  return fmt::format("operations {}, TCK cycles {}, bits shifted {}, reads {}, {:.3f} s",
                      counts.operations, cycles.has_value() ? std::to_string(*cycles) : "unknown",
                      counts.bits, counts.reads, reporter_.Seconds());
 }

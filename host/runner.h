@@ -51,6 +51,9 @@ class Runner {
   // Why the call under way fails; or else the script.
   void SayOfCall(const std::string& why);
   void Summarise(const std::string& script);
+  // To the page.
+  void ShowSource(Script& script);
+  PageHead Head(ExitStatus status) const;
   std::string Counts() const;
 
   static Runner* running;  // callbacks carry no handle

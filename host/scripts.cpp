@@ -32,7 +32,7 @@ std::vector<Script> LoadScripts(const RunCommand& command) {
   for (const std::string& path : command.scripts) {
     const std::string name = path == "-" ? "<stdin>" : path;
     scripts.push_back(
-        {path, name, ScriptText(name, ReadScript(path, command.size_limit)), {}, false});
+        {path, name, ScriptText(name, ReadScript(path, command.size_limit)), {}, false, {}});
   }
   bool play = true;
   for (Script& script : scripts) {
@@ -44,6 +44,7 @@ std::vector<Script> LoadScripts(const RunCommand& command) {
     play = play && why.empty();
     script.plan = std::move(checked.plan);
     script.has_errors = checked.problems.HasErrors();
+    if (!command.record.html.empty()) script.problems = std::move(checked.problems);
   }
   if (!play) scripts.clear();
   return scripts;

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "host/check/plan.h"
+#include "host/check/problems.h"
 #include "host/check/script_text.h"
 #include "host/options/commands.h"
 
@@ -19,6 +20,7 @@ struct Script {
   std::optional<ScriptText> text;  // for as long as it is needed
   Plan plan;
   bool has_errors;
+  Problems problems;  // only where a page is to show them
 };
 
 // Reads and checks all of them, and shows what is wrong as check does, on standard error. None, and

@@ -37,7 +37,9 @@ struct RecordFiles {
   std::string json;
   std::string vcd;
   std::string svg;
+  std::string html;
 
+  // Whether it needs a probe that shows its pins; a page does without.
   bool HasWaveform() const { return !vcd.empty() || !svg.empty(); }
 };
 

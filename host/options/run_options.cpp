@@ -19,6 +19,9 @@ void AddOutputs(CLI::App& verb, RunCommand& run) {
   AddFile(verb, "--vcd", record.vcd, "Write the waveform, for GTKWave, PulseView or sigrok-cli")
       ->group(kGroup);
   AddFile(verb, "--svg", record.svg, "Write the waveform as a picture")->group(kGroup);
+  AddFile(verb, "--html", record.html,
+          "Write all of it as one page for a browser: script, operations, waveform")
+      ->group(kGroup);
   AddFile(verb, "--learn", run.learn,
           "Write the script with the values that were read as those it expects")
       ->group(kGroup);

@@ -29,11 +29,9 @@ struct Output {
 using Outputs = std::vector<Output>;
 
 Outputs OutputsOf(const RunCommand& command) {
-  return {{"--trace", command.record.trace},
-          {"--json", command.record.json},
-          {"--vcd", command.record.vcd},
-          {"--svg", command.record.svg},
-          {"--learn", command.learn}};
+  return {{"--trace", command.record.trace}, {"--json", command.record.json},
+          {"--vcd", command.record.vcd},     {"--svg", command.record.svg},
+          {"--html", command.record.html},   {"--learn", command.learn}};
 }
 
 std::vector<Use> UsesBesideOutputs(const std::vector<std::string>& scripts) {

@@ -1,0 +1,90 @@
+// A list of lines of one height, of which only those in sight are in the document once it is long.
+class List {
+  static SHORT = 1500;  // up to here all are, so that the browser's search finds them
+  static MARGIN = 30;   // lines beyond the edges
+
+  // `render` makes the element of an item. An item that can be picked has a `key`, and those of the
+  // same key are picked together.
+  constructor(element, render) {
+    this.element = element;
+    this.render = render;
+    this.height = parseInt(getComputedStyle(element).getPropertyValue("--item"), 10);
+    this.inner = element.appendChild(document.createElement("div"));
+    this.inner.setAttribute("role", "presentation");
+    this.items = [];
+    this.picked = null;
+    element.addEventListener("scroll", () => this.show());
+    new ResizeObserver(() => this.show()).observe(element);
+  }
+
+  setItems(items) {
+    this.items = items;
+    this.shown = new Map();  // index to element
+    this.inner.replaceChildren();
+    this.inner.style.height = `${items.length * this.height}px`;
+    this.element.setAttribute("aria-rowcount", items.length);
+    this.show();
+  }
+
+  show() {
+    const all = this.items.length <= List.SHORT;
+    const {scrollTop, clientHeight} = this.element;
+    const top = Math.floor(scrollTop / this.height);
+    const first = all ? 0 : Math.max(0, top - List.MARGIN);
+    const last = all ? this.items.length
+      : Math.min(this.items.length, top + Math.ceil(clientHeight / this.height) + List.MARGIN);
+    for (const [index, element] of this.shown) {
+      if (index >= first && index < last) continue;
+      element.remove();
+      this.shown.delete(index);
+    }
+    for (let index = first; index < last; ++index) {
+      if (!this.shown.has(index)) this.add(index);
+    }
+  }
+
+  add(index) {
+    const item = this.items[index];
+    const element = this.render(item);
+    element.classList.add("item");
+    element.style.top = `${index * this.height}px`;
+    element.setAttribute("role", "row");
+    element.setAttribute("aria-rowindex", index + 1);
+    this.mark(element, item);
+    this.shown.set(index, element);
+    this.inner.append(element);
+  }
+
+  mark(element, item) {
+    const picked = item.key !== undefined && item.key === this.picked;
+    element.classList.toggle("picked", picked);
+    element.setAttribute("aria-selected", picked);
+  }
+
+  pick(key) {
+    this.picked = key;
+    for (const [index, element] of this.shown) this.mark(element, this.items[index]);
+    this.reveal(this.items.findIndex((item) => item.key === key));
+  }
+
+  reveal(index) {
+    if (index < 0) return;
+    const {scrollTop, clientHeight} = this.element;
+    const y = index * this.height;
+    if (y >= scrollTop && y + this.height <= scrollTop + clientHeight) return;
+    this.element.scrollTop = Math.max(0, y - clientHeight / 3);
+    this.show();
+  }
+
+  // The item to pick when a key leads from the one that is picked: null where there is none.
+  neighbour(key) {
+    const page = Math.max(1, Math.floor(this.element.clientHeight / this.height) - 1);
+    const ways = {ArrowDown: 1, ArrowUp: -1, PageDown: page, PageUp: -page,
+      Home: -Infinity, End: Infinity};
+    if (!(key in ways)) return null;
+    const choices = this.items.filter((item) => item.leads);
+    const at = choices.findIndex((item) => item.key === this.picked);
+    const to = at < 0 ? 0 : Math.min(choices.length - 1, Math.max(0, at + ways[key]));
+    return choices[to] ?? null;
+  }
+}

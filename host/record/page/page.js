@@ -1,0 +1,148 @@
+// The page put together: what is picked in one place is shown in the others.
+const sourceList = new List(document.getElementById("source-list"), renderSourceItem);
+const rowList = new List(document.getElementById("row-list"), renderRowItem);
+let wave = null;
+let pickedLine = null;  // {source, line}
+let pickedRow = null;
+
+function showHead() {
+  const {head} = data;
+  document.title = `${head.result}: ${visible(head.title)}`;
+  document.getElementById("title").textContent = visible(head.title);
+  const result = document.getElementById("result");
+  result.textContent = head.result;
+  result.classList.toggle("good", head.good);
+  for (const [name, text] of head.entries) {
+    const pair = document.getElementById("entries").appendChild(make("div"));
+    pair.append(make("dt", "", name), make("dd", "", text));
+  }
+}
+
+function showNotes() {
+  const notes = document.getElementById("notes");
+  const note = (style, text) => notes.append(make("li", style, text));
+  const plain = entries.filter((entry) => entry.kind === "error" && entry.line === 0);
+  for (const entry of plain) note("error", entry.text);
+  for (const source of data.sources) {
+    const left = source.total_marks - source.marks.length;
+    if (left > 0) note("warning", `${source.name}: ${left} more problems are left out`);
+  }
+  if (rows.length < data.total_rows || data.cut_messages) {
+    const late = data.late_faults > 0 ? ", and later ones that are not well" : "";
+    note("warning", `Cut: the first ${rows.length} of ${data.total_rows} operations${late}`);
+  }
+  if (data.cut_faults) note("warning", "Cut: more that is not well is left out");
+  if (steps.length < data.total_steps) {
+    note("warning", `Cut: the waveform holds the first ${steps.length} of ${data.total_steps} steps`);
+  }
+  if (data.total_steps === 0) note("", "No waveform: the probe showed no pins, or nothing moved them");
+}
+
+// Shows a row everywhere; a line may be picked that is not its own, but leads to it.
+function pick(row, line, from) {
+  pickedRow = row;
+  pickedLine = line;
+  showDetail(line, row);  // which takes room from the rows
+  sourceList.pick(line === null ? null : `${line.source}:${line.line}`);
+  rowList.pick(row === null ? null : row.index);
+  if (wave !== null && row !== null) {
+    if (from === "wave") wave.row = row;
+    else wave.showRow(row);
+    // One that only reads has no step of its own: it reads what the step before it left.
+    if (from !== "wave") wave.setCursor(row.end > row.begin ? row.begin : row.begin - 1);
+  }
+  if (line !== null && from !== "address" && from !== "start") setAddress(lineHash(line.source, line.line));
+}
+
+function pickRow(row, from) {
+  pick(row, row.line === 0 ? null : {source: row.source, line: row.line}, from);
+}
+
+// Its first row; picked again, the next one.
+function pickLine(source, line, from) {
+  const of = lineRows[source].get(lineInCharge(source, line)) ?? [];
+  const again = pickedLine?.source === source && pickedLine.line === line;
+  const next = again && from === "source" ? (of.indexOf(pickedRow) + 1) % (of.length || 1) : 0;
+  pick(of[next] ?? null, {source, line}, from);
+}
+
+function setAddress(hash) {
+  try {
+    history.replaceState(null, "", hash);
+  } catch {
+    // Where the page has no address, as within another one, its lines have none.
+  }
+}
+
+function openAddress() {
+  const parts = /^#(?:(\d+)-)?line-(\d+)$/.exec(location.hash);
+  const source = parts === null ? -1 : Number(parts[1] ?? 1) - 1;
+  if (data.sources[source] === undefined) return false;
+  pickLine(source, Number(parts[2]), "address");
+  return true;
+}
+
+function listenTo(list, onPick) {
+  list.element.addEventListener("click", (event) => {
+    const element = event.target.closest(".item");
+    if (element === null || String(getSelection()) !== "") return;
+    event.preventDefault();
+    onPick(list.items[Number(element.getAttribute("aria-rowindex")) - 1], true);
+  });
+  list.element.addEventListener("keydown", (event) => {
+    if (event.ctrlKey || event.altKey || event.metaKey) return;
+    const item = list.neighbour(event.key);
+    if (item === null) return;
+    event.preventDefault();
+    onPick(item, false);
+  });
+}
+
+function showReadout() {
+  const at = wave.hover ?? wave.cursor;
+  const last = Math.min(steps.length, wave.from + wave.room() / wave.scale);
+  document.getElementById("view").textContent =
+    `${Math.floor(wave.from)} to ${Math.ceil(last)} of ${steps.length} us`;
+  if (at === null) return;
+  const away = wave.cursor !== null && wave.cursor !== at ? ` (${at - wave.cursor} from the cursor)` : "";
+  const levels = data.pins.map((name, pin) => `${name} ${steps[at] >> pin & 1}`).join(" ");
+  document.getElementById("readout").textContent =
+    `${at} us${away}: ${levels}, ${tapName(tapOf(steps[at]))}`;
+}
+
+function startWave() {
+  document.getElementById("wave").hidden = steps.length === 0;
+  if (steps.length === 0) return;
+  const onPick = (step) => {
+    const row = rowAtStep(step);
+    if (row !== null) pickRow(row, "wave");
+  };
+  wave = new Wave(document.getElementById("canvas"), onPick, showReadout);
+  document.getElementById("zoom-in").onclick = () => wave.zoomAtCursor(1.5);
+  document.getElementById("zoom-out").onclick = () => wave.zoomAtCursor(1 / 1.5);
+  document.getElementById("zoom-all").onclick = () => wave.show(0, 0);
+  matchMedia("(prefers-color-scheme: dark)").addEventListener("change", () => wave.readColours());
+}
+
+function start() {
+  showHead();
+  showNotes();
+  document.getElementById("source").hidden = data.sources.length === 0;
+  document.querySelector("main").classList.toggle("bare", data.sources.length === 0);
+  sourceList.setItems(sourceItems());
+  rowList.setItems(rowItems());
+  narrow.addEventListener("change", () => rowList.setItems(rowItems()));
+  startWave();
+  listenTo(sourceList, (item, clicked) => {
+    if (item.kind === "line") pickLine(item.source, item.line, clicked ? "source" : "keys");
+  });
+  listenTo(rowList, (item) => {
+    if (item.row) pickRow(item.row, "rows");
+  });
+  addEventListener("hashchange", openAddress);
+  // What went wrong is what a reader looks for first.
+  const bad = rows.find((row) => row.verdict >= NOT_MET);
+  if (!openAddress() && bad !== undefined) pickRow(bad, "start");
+}
+
+start();

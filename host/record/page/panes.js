@@ -1,0 +1,161 @@
+// The lines of the two lists: their items, and the elements of these.
+const narrow = matchMedia("(max-width: 800px)");
+
+function make(name, style, text) {
+  const element = document.createElement(name);
+  if (style) element.className = style;
+  if (text !== undefined) element.textContent = visible(String(text));
+  return element;
+}
+
+function cells(element, values) {
+  for (const [style, text] of values) {
+    const cell = element.appendChild(make("span", style, text));
+    cell.setAttribute("role", "gridcell");
+  }
+  return element;
+}
+
+// The address of a line within the page.
+function lineHash(source, line) {
+  return source === 0 ? `#line-${line}` : `#${source + 1}-line-${line}`;
+}
+
+// What the program says of a line, without the place that is seen.
+function errorText(entry) {
+  const place = `${data.sources[entry.source]?.name}:${entry.line}:`;
+  return entry.text.startsWith(place) ? entry.text.slice(place.length).trim() : entry.text;
+}
+
+const MOST_ERRORS_OF_A_LINE = 3;
+
+function remarksByLine(source) {
+  const remarks = new Map();
+  const add = (line, remark) => remarks.set(line, [...remarks.get(line) ?? [], remark]);
+  for (const [line, column, error, text] of data.sources[source].marks) {
+    add(line, {error, text: `${column}: ${error ? "error" : "warning"}: ${text}`});
+  }
+  const counts = new Map();
+  for (const entry of entries) {
+    if (entry.kind !== "error" || entry.source !== source || entry.line === 0) continue;
+    const count = (counts.get(entry.line) ?? 0) + 1;
+    counts.set(entry.line, count);
+    if (count <= MOST_ERRORS_OF_A_LINE) add(entry.line, {error: true, text: errorText(entry)});
+  }
+  for (const [line, count] of counts) {
+    const more = count - MOST_ERRORS_OF_A_LINE;
+    if (more > 0) add(line, {error: true, text: `and ${more} more times`});
+  }
+  return remarks;
+}
+
+const lineRemarks = data.sources.map((_, source) => remarksByLine(source));
+
+function sourceItems() {
+  const items = [];
+  data.sources.forEach((source, at) => {
+    if (data.sources.length > 1) items.push({kind: "title", text: source.name});
+    const remarks = lineRemarks[at];
+    const end = Math.max(source.lines.length, ...remarks.keys());
+    for (let line = 1; line <= end; ++line) {
+      const text = source.lines[line - 1];
+      if (text === undefined && !remarks.has(line)) continue;
+      items.push({kind: "line", key: `${at}:${line}`, leads: true, source: at, line, text});
+      for (const remark of remarks.get(line) ?? []) items.push({kind: "mark", ...remark});
+    }
+    const missing = source.total_lines - source.lines.length;
+    if (missing > 0) items.push({kind: "title", text: `${missing} more lines are left out`});
+  });
+  return items;
+}
+
+function renderLine({source, line, text}) {
+  const element = make("div", "line");
+  const number = element.appendChild(make("span"));
+  const link = number.appendChild(make("a", "", line));
+  link.href = lineHash(source, line);
+  link.tabIndex = -1;
+  const of = lineRows[source].get(line) ?? [];
+  const worst = of.reduce((most, row) => Math.max(most, row.verdict), -1);
+  return cells(element, [
+    [VERDICT_STYLES[worst] ?? "", VERDICTS[worst] ?? ""],
+    ["", of.length > 1 ? `\u00d7${of.length}` : ""],
+    ["text", text ?? ""],
+  ]);
+}
+
+function renderSourceItem(item) {
+  if (item.kind === "line") return renderLine(item);
+  if (item.kind === "title") return make("div", "title", item.text);
+  return make("div", item.error ? "mark error" : "mark warning", item.text);
+}
+
+function rowValues(row) {
+  return [["sent", row.sent], ["received", row.received], ["expected", row.expected]]
+    .filter(([, text]) => text !== "");
+}
+
+function rowItems() {
+  const items = [];
+  for (const entry of entries) {
+    if (entry.kind === "source") {
+      if (data.sources.length > 1) {
+        items.push({kind: "title", text: data.sources[entry.source].name});
+      }
+    } else if (entry.kind === "row") {
+      items.push({...entry, key: entry.row.index, leads: true});
+      if (!narrow.matches) continue;
+      for (const [name, text] of rowValues(entry.row)) {
+        items.push({kind: "value", row: entry.row, key: entry.row.index, text: `${name} ${text}`});
+      }
+    } else {
+      items.push({...entry, text: entry.kind === "error" ? errorText(entry) : entry.text});
+    }
+  }
+  return items;
+}
+
+function renderRow(row) {
+  const values = [["", row.sent], ["", row.received], ["", row.expected]];
+  return cells(make("div", "row"), [
+    ["", row.number],
+    ["", row.line === 0 ? "" : row.line],
+    ["", row.name],
+    ...(narrow.matches ? [] : values),
+    [VERDICT_STYLES[row.verdict], VERDICTS[row.verdict]],
+  ]);
+}
+
+function renderRowItem(item) {
+  if (item.kind === "row") return renderRow(item.row);
+  if (item.kind === "title") return make("div", "title", item.text);
+  if (item.kind === "value") return make("div", "value", item.text);
+  const place = item.kind === "error" && item.line > 0 ? `line ${item.line}: ` : "";
+  return make("div", item.kind === "error" ? "note error" : "note", place + item.text);
+}
+
+function lineDetails({source, line}) {
+  const text = data.sources[source].lines[line - 1];
+  const remarks = lineRemarks[source].get(line) ?? [];
+  return [...(text === undefined ? [] : [[`line ${line}`, text]]),
+    ...remarks.map((remark) => ["", remark.text])];
+}
+
+function rowDetails(row) {
+  const taken = row.end > row.begin ? `${row.begin} to ${row.end} us`
+    : `none of its own, at ${row.begin} us`;
+  return [[`No. ${row.number}`, `${row.name}: ${VERDICTS[row.verdict]}`], ...rowValues(row),
+    ...(steps.length > 0 ? [["steps", taken]] : [])];
+}
+
+// All of a line and of a row, where the lists cut them. Either may be null.
+function showDetail(line, row) {
+  const detail = document.getElementById("detail");
+  detail.replaceChildren();
+  const values = [...(line === null ? [] : lineDetails(line)),
+    ...(row === null ? [] : rowDetails(row))];
+  for (const [name, text] of values) {
+    const pair = detail.appendChild(make("div"));
+    pair.append(make("dt", "", name), make("dd", "", text));
+  }
+}

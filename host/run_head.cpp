@@ -1,0 +1,60 @@
+#include "host/run_head.h"
+
+#include <fmt/chrono.h>
+#include <fmt/format.h>
+
+#include <chrono>
+
+namespace icehost {
+namespace {
+
+std::string ProbeText(const ProbeOptions& probe) {
+  const std::string endpoint = probe.choice.endpoint.Name();
+  switch (probe.choice.kind) {
+    case ProbeChoice::Kind::kBitbang:
+      return "remote_bitbang at " + endpoint;
+    case ProbeChoice::Kind::kOpenocd:
+      return "OpenOCD at " + endpoint + (probe.choice.tap.empty() ? "" : ", " + probe.choice.tap);
+    case ProbeChoice::Kind::kSim:
+      break;
+  }
+  return fmt::format("simulated, its target with an IR of {} bits and IDCODE 0x{:08x}",
+                     probe.target.ir_length, probe.target.idcode);
+}
+
+const char* ResultText(ExitStatus status) {
+  switch (status) {
+    case kAllWell:
+      return "passed";
+    case kInterrupted:
+      return "interrupted";
+    case kNotOpened:
+      return "broken off";
+    default:
+      return "failed";
+  }
+}
+
+std::string TimeText(std::chrono::system_clock::time_point time) {
+  return fmt::format("{:%Y-%m-%d %H:%M:%S} UTC",
+                     fmt::gmtime(std::chrono::system_clock::to_time_t(time)));
+}
+
+}  // namespace
+
+PageHead RunHead(const RunCommand& command, ExitStatus status, const std::string& counts,
+                 double seconds) {
+  const auto started = std::chrono::system_clock::now() -
+                       std::chrono::milliseconds(static_cast<std::int64_t>(seconds * 1000));
+  const std::string scripts = fmt::format("{}", fmt::join(command.scripts, ", "));
+  return {scripts,
+          ResultText(status),
+          status == kAllWell,
+          {{"Probe", ProbeText(command.probe)},
+           {"Done", counts},
+           {"Started", TimeText(started)},
+           {"icehost", ICEHOST_VERSION},
+           {"Plug-in", command.plugin}}};
+}
+
+}  // namespace icehost
