@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 
 #include <chrono>
+#include <cstdint>
 
 namespace icehost {
 namespace {
@@ -42,19 +43,24 @@ std::string TimeText(std::chrono::system_clock::time_point time) {
 
 }  // namespace
 
-PageHead RunHead(const RunCommand& command, ExitStatus status, const std::string& counts,
-                 double seconds) {
+PageHead RunHead(const RunCommand& command, const RunEnd& end) {
   const auto started = std::chrono::system_clock::now() -
-                       std::chrono::milliseconds(static_cast<std::int64_t>(seconds * 1000));
-  const std::string scripts = fmt::format("{}", fmt::join(command.scripts, ", "));
-  return {scripts,
-          ResultText(status),
-          status == kAllWell,
-          {{"Probe", ProbeText(command.probe)},
-           {"Done", counts},
-           {"Started", TimeText(started)},
-           {"icehost", ICEHOST_VERSION},
-           {"Plug-in", command.plugin}}};
+                       std::chrono::milliseconds(static_cast<std::int64_t>(end.seconds * 1000));
+  const auto& scripts = command.scripts;
+  const auto rest = scripts.begin() + static_cast<std::ptrdiff_t>(end.begun);
+  PageHead head = {fmt::format("{}", fmt::join(scripts, ", ")),
+                   ResultText(end.status),
+                   end.status == kAllWell,
+                   {{"Probe", ProbeText(command.probe)},
+                    {"Done", end.counts},
+                    {"Started", TimeText(started)},
+                    {"icehost", ICEHOST_VERSION},
+                    {"Plug-in", command.plugin}}};
+  if (rest != scripts.end()) {
+    head.entries.emplace_back("Not played",
+                              fmt::format("{}", fmt::join(rest, scripts.end(), ", ")));
+  }
+  return head;
 }
 
 }  // namespace icehost

@@ -2,6 +2,7 @@
 #ifndef ICESCRIPT_HOST_RUN_HEAD_H_
 #define ICESCRIPT_HOST_RUN_HEAD_H_
 
+#include <cstddef>
 #include <string>
 
 #include "host/options/commands.h"
@@ -10,9 +11,15 @@
 
 namespace icehost {
 
-// Of a run that ends now, with this status, after so many seconds. `counts` says what was done.
-PageHead RunHead(const RunCommand& command, ExitStatus status, const std::string& counts,
-                 double seconds);
+// How a run ends, now.
+struct RunEnd {
+  ExitStatus status;
+  std::size_t begun;   // of its scripts
+  std::string counts;  // what was done
+  double seconds;
+};
+
+PageHead RunHead(const RunCommand& command, const RunEnd& end);
 
 }  // namespace icehost
 

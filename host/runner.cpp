@@ -61,6 +61,7 @@ ExitStatus Runner::RunAll(std::vector<Script> scripts) {
   ExitStatus status = kAllWell;
   outputs_.Begin();
   for (Script& script : scripts) {
+    ++begun_;
     if (outputs_.page.has_value()) ShowSource(script);
     reporter_.BeginScript(script.path, script.name);
     const ExitStatus ended = RunOne(script);
@@ -214,7 +215,7 @@ void Runner::ShowSource(Script& script) {
 }
 
 PageHead Runner::Head(ExitStatus status) const {
-  return RunHead(command_, status, Counts(), reporter_.Seconds());
+  return RunHead(command_, {status, begun_, Counts(), reporter_.Seconds()});
 }
 
 std::string Runner::Counts() const {

@@ -2,6 +2,7 @@
 #ifndef ICESCRIPT_HOST_RUNNER_H_
 #define ICESCRIPT_HOST_RUNNER_H_
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -66,6 +67,7 @@ class Runner {
   Reporter reporter_;
   Follower follower_;
   ObservedProbe observed_;
+  std::size_t begun_ = 0;   // scripts
   bool doubted_ = false;    // in this script
   bool ran_ = false;        // this script, to its end
   bool explained_ = false;  // why it fails

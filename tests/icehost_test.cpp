@@ -159,6 +159,8 @@ TEST(Icehost, SaysWhatIsWrong) {
        "--vcd: " ICESCRIPT_MODULE " is also the plug-in" + help},
       {"run --trace=/nowhere/x --svg /nowhere/../nowhere/x examples/reset.ini", 2,
        "--svg: /nowhere/../nowhere/x is also the file of --trace" + help},
+      {"run --html examples/../examples/reset.ini examples/reset.ini", 2,
+       "--html: examples/../examples/reset.ini is also a script" + help},
       {"run --json - --trace --svg - x", 2, "--svg: - is also the file of --json" + help},
       {"check --json examples/reset.ini examples/../examples/reset.ini", 2,
        "--json: examples/reset.ini is also a script" + help},

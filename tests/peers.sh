@@ -77,6 +77,11 @@ icehost: $2 failed" ] || fail "$2 on $1 said something else"
 scans=(tests/scripts/idcode.ini examples/scratch_register.ini examples/reset.ini)
 same_as_simulated "openocd:127.0.0.1:$tcl_port" "${scans[@]}"
 same_as_simulated "openocd:127.0.0.1:$tcl_port:sim.tap" tests/scripts/idcode.ini
+# A page is not refused without pins, unlike a waveform; it tells what was scanned.
+"$icehost" run -q --probe "openocd:127.0.0.1:$tcl_port" --html - tests/scripts/idcode.ini \
+  >"$scratch/page.html" || fail "a page of OpenOCD"
+grep -q '"DR 0x2badc001"' "$scratch/page.html" && grep -q '"total_steps":0,' "$scratch/page.html" ||
+  fail "the page of OpenOCD"
 # summary PROBE PATTERN
 summary() {
   "$icehost" run -q --summary --probe "$1" tests/scripts/idcode.ini 2>"$scratch/run.log"

@@ -48,7 +48,7 @@ done
 expect 3 'icehost: standard output: No space left on device' '"$icehost" run "$script" >/dev/full'
 expect 3 'icehost: standard output: Broken pipe' \
   '"$icehost" run "$scratch/reads.gpio" | head -n 1 >/dev/null; exit "${PIPESTATUS[0]}"'
-for output in "run --json=-" "run --vcd=-" "run --svg=-" "run --trace=-" "check tests/scripts/bad.ini" \
+for output in "run --json=-" "run --vcd=-" "run --svg=-" "run --html=-" "run --trace=-" "check tests/scripts/bad.ini" \
   "check --json=- tests/scripts/bad.ini"; do
   expect 3 'icehost: standard output: No space left on device' "\"\$icehost\" $output \$script >/dev/full"
 done
@@ -65,14 +65,14 @@ echo before >"$scratch/appended"
   ulimit -f 1
   trap '' XFSZ
   "$icehost" run -q --trace="$scratch/t" --json "$scratch/j" --vcd "$scratch/v" --svg "$scratch/s" \
-    examples/read_idcode.gpio examples/*.ini 2>"$scratch/err"
+    --html "$scratch/h" examples/read_idcode.gpio examples/*.ini 2>"$scratch/err"
   [ $? = 3 ]
 ) || fail "files beyond the limit"
-[ "$(grep -c 'cannot write: File too large' "$scratch/err")" = 4 ] || fail "files: $(cat "$scratch/err")"
+[ "$(grep -c 'cannot write: File too large' "$scratch/err")" = 5 ] || fail "files: $(cat "$scratch/err")"
 for file in t j v; do
   [ -s "$scratch/$file" ] && [ -z "$(tail -c 1 "$scratch/$file" | tr -d '\n')" ] || fail "a cut line in $file"
 done
-[ ! -s "$scratch/s" ] || fail "a cut picture"
+[ ! -s "$scratch/s" ] && [ ! -s "$scratch/h" ] || fail "a cut picture or page"
 
 # A run that cannot begin leaves the files of the run before it, and makes none.
 echo before >"$scratch/old"

@@ -33,9 +33,12 @@ function showNotes() {
   }
   if (data.cut_faults) note("warning", "Cut: more that is not well is left out");
   if (steps.length < data.total_steps) {
-    note("warning", `Cut: the waveform holds the first ${steps.length} of ${data.total_steps} steps`);
+    note("warning",
+      `Cut: the waveform holds the first ${steps.length} of ${data.total_steps} steps`);
   }
-  if (data.total_steps === 0) note("", "No waveform: the probe showed no pins, or nothing moved them");
+  if (data.total_steps === 0) {
+    note("", "No waveform: the probe showed no pins, or nothing moved them");
+  }
 }
 
 // Shows a row everywhere; a line may be picked that is not its own, but leads to it.
@@ -45,13 +48,10 @@ function pick(row, line, from) {
   showDetail(line, row);  // which takes room from the rows
   sourceList.pick(line === null ? null : `${line.source}:${line.line}`);
   rowList.pick(row === null ? null : row.index);
-  if (wave !== null && row !== null) {
-    if (from === "wave") wave.row = row;
-    else wave.showRow(row);
-    // One that only reads has no step of its own: it reads what the step before it left.
-    if (from !== "wave") wave.setCursor(row.end > row.begin ? row.begin : row.begin - 1);
-  }
-  if (line !== null && from !== "address" && from !== "start") setAddress(lineHash(line.source, line.line));
+  if (wave !== null && from === "wave") wave.row = row;
+  else if (wave !== null) wave.showRow(row);
+  const said = from === "address" || from === "start";
+  if (line !== null && !said) setAddress(lineHash(line.source, line.line));
 }
 
 function pickRow(row, from) {
@@ -103,11 +103,12 @@ function showReadout() {
   const last = Math.min(steps.length, wave.from + wave.room() / wave.scale);
   document.getElementById("view").textContent =
     `${Math.floor(wave.from)} to ${Math.ceil(last)} of ${steps.length} us`;
-  if (at === null) return;
-  const away = wave.cursor !== null && wave.cursor !== at ? ` (${at - wave.cursor} from the cursor)` : "";
-  const levels = data.pins.map((name, pin) => `${name} ${steps[at] >> pin & 1}`).join(" ");
-  document.getElementById("readout").textContent =
-    `${at} us${away}: ${levels}, ${tapName(tapOf(steps[at]))}`;
+  const readout = document.getElementById("readout");
+  if (at === null) return readout.replaceChildren();
+  const away = wave.cursor === null || wave.cursor === at ? ""
+    : ` (${at - wave.cursor} from the cursor)`;
+  const levels = data.pins.map((name, pin) => `, ${name} ${steps[at] >> pin & 1}`).join("");
+  readout.textContent = `${at} us${away}: ${tapName(tapOf(steps[at]))}${narrow.matches ? "" : levels}`;
 }
 
 function startWave() {
@@ -134,7 +135,7 @@ function start() {
   narrow.addEventListener("change", () => rowList.setItems(rowItems()));
   startWave();
   listenTo(sourceList, (item, clicked) => {
-    if (item.kind === "line") pickLine(item.source, item.line, clicked ? "source" : "keys");
+    if (item.line !== undefined) pickLine(item.source, item.line, clicked ? "source" : "keys");
   });
   listenTo(rowList, (item) => {
     if (item.row) pickRow(item.row, "rows");

@@ -21,17 +21,21 @@ function lineHash(source, line) {
   return source === 0 ? `#line-${line}` : `#${source + 1}-line-${line}`;
 }
 
-// What the program says of a line, without the place that is seen.
+// What the program says of a line, without the place before it.
 function errorText(entry) {
   const place = `${data.sources[entry.source]?.name}:${entry.line}:`;
-  return entry.text.startsWith(place) ? entry.text.slice(place.length).trim() : entry.text;
+  if (!entry.text.startsWith(place)) return entry.text;
+  return entry.text.slice(place.length).replace(/^\d+:/, "").trim();
 }
 
 const MOST_ERRORS_OF_A_LINE = 3;
 
 function remarksByLine(source) {
   const remarks = new Map();
-  const add = (line, remark) => remarks.set(line, [...remarks.get(line) ?? [], remark]);
+  const add = (line, remark) => {
+    if (!remarks.has(line)) remarks.set(line, []);
+    remarks.get(line).push(remark);
+  };
   for (const [line, column, error, text] of data.sources[source].marks) {
     add(line, {error, text: `${column}: ${error ? "error" : "warning"}: ${text}`});
   }
@@ -56,12 +60,12 @@ function sourceItems() {
   data.sources.forEach((source, at) => {
     if (data.sources.length > 1) items.push({kind: "title", text: source.name});
     const remarks = lineRemarks[at];
-    const end = Math.max(source.lines.length, ...remarks.keys());
+    const end = [...remarks.keys()].reduce((a, b) => Math.max(a, b), source.lines.length);
     for (let line = 1; line <= end; ++line) {
       const text = source.lines[line - 1];
       if (text === undefined && !remarks.has(line)) continue;
       items.push({kind: "line", key: `${at}:${line}`, leads: true, source: at, line, text});
-      for (const remark of remarks.get(line) ?? []) items.push({kind: "mark", ...remark});
+      for (const remark of remarks.get(line) ?? []) items.push({kind: "mark", source: at, line, ...remark});
     }
     const missing = source.total_lines - source.lines.length;
     if (missing > 0) items.push({kind: "title", text: `${missing} more lines are left out`});
@@ -77,9 +81,10 @@ function renderLine({source, line, text}) {
   link.tabIndex = -1;
   const of = lineRows[source].get(line) ?? [];
   const worst = of.reduce((most, row) => Math.max(most, row.verdict), -1);
+  const more = rows.length < data.total_rows ? "+" : "";
+  const times = of.length > 1 ? ` \u00d7${of.length}${more}` : "";
   return cells(element, [
-    [VERDICT_STYLES[worst] ?? "", VERDICTS[worst] ?? ""],
-    ["", of.length > 1 ? `\u00d7${of.length}` : ""],
+    [VERDICT_STYLES[worst] ?? "", `${VERDICTS[worst] ?? ""}${times}`],
     ["text", text ?? ""],
   ]);
 }

@@ -14,6 +14,7 @@ class Wave {
     this.onPick = onPick;
     this.onMove = onMove;
     this.taps = tapSegments(steps);
+    this.badRows = drawnRows.filter((row) => row.verdict >= NOT_MET);
     this.from = 0;       // the step at the left edge
     this.scale = 0;      // pixels a step
     this.cursor = null;  // a step
@@ -73,18 +74,22 @@ class Wave {
     this.zoom(factor, seen ? x : Wave.LABELS + this.room() / 2);
   }
 
-  // Brings a row into sight, wide enough to be seen.
+  // Brings a row into sight, wide enough to be seen, with the cursor at its beginning. One that only
+  // reads has no step of its own: it reads what the step before it left. Null: none is picked.
   showRow(row) {
     this.row = row;
-    if (row.begin > steps.length) return this.redraw();
+    if (row === null) return this.redraw();
+    const place = row.end > row.begin ? row.begin : row.begin - 1;
+    this.cursor = place >= 0 && place < steps.length ? place : null;
+    if (this.cursor === null) return this.redraw();
     const length = Math.max(1, row.end - row.begin);
     const room = this.room();
     let scale = this.scale;
     if (length * scale > room) scale = room / (1.2 * length);
     if (length * scale < 12) scale = 12 / length;
     this.scale = Math.min(Wave.MOST_SCALE, Math.max(this.leastScale(), scale));
-    const inSight = row.begin >= this.from && row.begin + length <= this.from + room / this.scale;
-    this.show(inSight ? this.from : row.begin + length / 2 - room / this.scale / 2, this.scale);
+    const inSight = place >= this.from && place + length <= this.from + room / this.scale;
+    this.show(inSight ? this.from : place + length / 2 - room / this.scale / 2, this.scale);
   }
 
   setCursor(step) {
@@ -165,6 +170,7 @@ class Wave {
       "Home": () => this.show(0, this.scale), "End": () => this.show(steps.length, this.scale),
     };
     if (away !== undefined && event.shiftKey) {
+      this.hover = null;
       this.pick((this.cursor ?? Math.floor(this.from) - away) + away);
     } else if (away !== undefined) {
       this.show(this.from + away * this.room() / this.scale / 8, this.scale);
@@ -197,7 +203,9 @@ class Wave {
     this.drawRuler();
     this.drawRows(Wave.RULER);
     this.drawTaps(Wave.RULER + Wave.LANE);
-    data.pins.forEach((_, pin) => this.drawPin(pin, Wave.RULER + (2 + pin) * Wave.LANE));
+    const columns = this.columns();
+    const pinY = (pin) => Wave.RULER + (2 + pin) * Wave.LANE;
+    data.pins.forEach((_, pin) => this.drawPin(columns, pin, pinY(pin)));
     this.drawLine(this.hover, colour.dim);
     this.drawLine(this.cursor, colour.cursor);
     context.restore();
@@ -292,8 +300,7 @@ class Wave {
     });
     this.drawBlocks(drawnRows, y, style);
     this.context.fillStyle = colour.bad;
-    for (const row of drawnRows) {
-      if (row.verdict < NOT_MET) continue;
+    for (const row of this.badRows) {
       const x = this.x(row.begin);
       this.context.fillRect(x, y + Wave.HIGH + 2, Math.max(2, this.x(row.end) - x), 2);
     }
@@ -308,28 +315,37 @@ class Wave {
     this.drawBlocks(this.taps, y, style);
   }
 
-  // Where a pixel is several steps it shows the lowest and the highest level of them.
-  drawPin(pin, y) {
-    const {context} = this;
-    const bit = 1 << pin;
-    const low = y + Wave.HIGH;
-    const right = Math.min(this.width, Math.ceil(this.x(steps.length)));
-    context.fillStyle = this.colour.wave;
-    let before = -1;
-    for (let x = Wave.LABELS; x < right; ++x) {
-      const first = Math.max(0, Math.floor(this.stepAt(x)));
-      const end = Math.min(steps.length, Math.max(first + 1, Math.floor(this.stepAt(x + 1))));
-      let any = 0;
-      let all = bit;
-      for (let i = first; i < end; ++i) {
+  // What each column of pixels shows: the levels that any, and that all of its steps have; one that
+  // begins with a change shows both levels.
+  columns() {
+    const count = Math.min(this.room(), Math.ceil(this.x(steps.length)) - Wave.LABELS);
+    const columns = [];
+    let end = Math.max(0, Math.floor(this.from));
+    let before = null;
+    for (let column = 0; column < count; ++column) {
+      const first = Math.min(end, steps.length - 1);
+      end = Math.min(steps.length, Math.floor(this.stepAt(Wave.LABELS + column + 1)));
+      let any = steps[first];
+      let all = any;
+      for (let i = first + 1; i < end; ++i) {
         any |= steps[i];
         all &= steps[i];
       }
-      any &= bit;
-      const mixed = any !== all || (before >= 0 && before !== any);
-      before = steps[end - 1] & bit;
-      if (mixed) context.fillRect(x, y, 1, Wave.HIGH + 1);
-      else context.fillRect(x, any ? y : low, 1, 1.5);
+      columns.push({any: any | (before ?? any), all: all & (before ?? all)});
+      before = steps[Math.max(first, end - 1)];
+    }
+    return columns;
+  }
+
+  drawPin(columns, pin, y) {
+    const {context} = this;
+    const level = ({any, all}) => (any >> pin & 1) + (all >> pin & 1);  // 0, 2, or 1: both
+    context.fillStyle = this.colour.wave;
+    for (let from = 0, to = 0; from < columns.length; from = to) {
+      const shown = level(columns[from]);
+      while (to < columns.length && level(columns[to]) === shown) ++to;
+      const top = shown === 0 ? y + Wave.HIGH : y;
+      context.fillRect(Wave.LABELS + from, top, to - from, shown === 1 ? Wave.HIGH + 1 : 1.5);
     }
   }
 
