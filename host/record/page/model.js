@@ -34,7 +34,7 @@ function tapOf(step) {
 }
 
 function tapName(tap) {
-  return tap === UNKNOWN_TAP ? "unknown" : data.taps[tap];
+  return tap === UNKNOWN_TAP ? "TAP unknown" : data.taps[tap];
 }
 
 // Where the steps' TAP state changes: {begin, end, tap}.
