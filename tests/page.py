@@ -179,6 +179,12 @@ def check_head_and_failure():
     why = "expected 0x1ce51001, captured 0x39ca2003 (mask 0x0fffffff)"
     expect("at its line", texts(".mark"), [why])
     expect("behind its row", texts(".note.error")[0], f"line 12: {why}")
+    run("--keep-going", "-", script=b"[ZEVA_ICE_GPIO]\nSTART\nREPT=4\nPRINT=GPIO_IN # expect TCK=0\n"
+        b"TCK=1\nENDR\nEND\n")
+    open_page()
+    expect("some of its times", texts(".line")[3:5],
+           ["4NOT MET \u00d73PRINT=GPIO_IN # expect TCK=0", "5ok \u00d74TCK=1"])
+    expect("told once", [text.split(": ")[1] for text in texts(".mark.error")], ["TCK is 1 \u00d73"])
 
 
 def check_problems():

@@ -28,7 +28,24 @@ function errorText(entry) {
   return entry.text.slice(place.length).replace(/^\d+:/, "").trim();
 }
 
-const MOST_ERRORS_OF_A_LINE = 3;
+// What the program says of each line of a source: texts, and how often each is said.
+function errorsByLine(source) {
+  const lines = new Map();
+  for (const entry of entries) {
+    if (entry.kind !== "error" || entry.source !== source || entry.line === 0) continue;
+    if (!lines.has(entry.line)) lines.set(entry.line, new Map());
+    const counts = lines.get(entry.line);
+    const text = errorText(entry);
+    counts.set(text, (counts.get(text) ?? 0) + 1);
+  }
+  return lines;
+}
+
+function times(count) {
+  return count > 1 ? ` \u00d7${count}` : "";
+}
+
+const MOST_TEXTS_OF_A_LINE = 3;
 
 function remarksByLine(source) {
   const remarks = new Map();
@@ -39,16 +56,12 @@ function remarksByLine(source) {
   for (const [line, column, error, text] of data.sources[source].marks) {
     add(line, {error, text: `${column}: ${error ? "error" : "warning"}: ${text}`});
   }
-  const counts = new Map();
-  for (const entry of entries) {
-    if (entry.kind !== "error" || entry.source !== source || entry.line === 0) continue;
-    const count = (counts.get(entry.line) ?? 0) + 1;
-    counts.set(entry.line, count);
-    if (count <= MOST_ERRORS_OF_A_LINE) add(entry.line, {error: true, text: errorText(entry)});
-  }
-  for (const [line, count] of counts) {
-    const more = count - MOST_ERRORS_OF_A_LINE;
-    if (more > 0) add(line, {error: true, text: `and ${more} more times`});
+  for (const [line, counts] of errorsByLine(source)) {
+    for (const [text, count] of [...counts].slice(0, MOST_TEXTS_OF_A_LINE)) {
+      add(line, {error: true, text: text + times(count)});
+    }
+    const more = counts.size - MOST_TEXTS_OF_A_LINE;
+    if (more > 0) add(line, {error: true, text: `and ${more} more, which the operations tell`});
   }
   return remarks;
 }
@@ -81,10 +94,10 @@ function renderLine({source, line, text}) {
   link.tabIndex = -1;
   const of = lineRows[source].get(line) ?? [];
   const worst = of.reduce((most, row) => Math.max(most, row.verdict), -1);
-  const more = rows.length < data.total_rows ? "+" : "";
-  const times = of.length > 1 ? ` \u00d7${of.length}${more}` : "";
+  const count = of.filter((row) => row.verdict === worst).length;
+  const more = count > 1 && rows.length < data.total_rows ? "+" : "";
   return cells(element, [
-    [VERDICT_STYLES[worst] ?? "", `${VERDICTS[worst] ?? ""}${times}`],
+    [VERDICT_STYLES[worst] ?? "", `${VERDICTS[worst] ?? ""}${times(count)}${more}`],
     ["text", text ?? ""],
   ]);
 }

@@ -14,7 +14,7 @@ class Wave {
     this.onPick = onPick;
     this.onMove = onMove;
     this.taps = tapSegments(steps);
-    this.badRows = drawnRows.filter((row) => row.verdict >= NOT_MET);
+    this.badRows = rows.filter((row) => row.verdict >= NOT_MET && row.begin <= steps.length);
     this.from = 0;       // the step at the left edge
     this.scale = 0;      // pixels a step
     this.cursor = null;  // a step
