@@ -1,10 +1,10 @@
 #include "host/run_head.h"
 
-#include <fmt/chrono.h>
 #include <fmt/format.h>
 
 #include <chrono>
 #include <cstdint>
+#include <ctime>
 
 namespace icehost {
 namespace {
@@ -37,8 +37,12 @@ const char* ResultText(ExitStatus status) {
 }
 
 std::string TimeText(std::chrono::system_clock::time_point time) {
-  return fmt::format("{:%Y-%m-%d %H:%M:%S} UTC",
-                     fmt::gmtime(std::chrono::system_clock::to_time_t(time)));
+  const std::time_t seconds = std::chrono::system_clock::to_time_t(time);
+  std::tm utc = {};
+  gmtime_r(&seconds, &utc);
+  char text[sizeof "2000-01-01 00:00:00 UTC"] = "";
+  std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S UTC", &utc);
+  return text;
 }
 
 }  // namespace

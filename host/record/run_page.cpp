@@ -57,7 +57,8 @@ std::string Received(const CallEvent& call) {
   std::string text;
   for (const Field& field : call.outputs) {
     if (!text.empty()) text += ", ";
-    if (field.kind == Field::Kind::kPins) text += fmt::format("0x{:02x} ", field.number);
+    if (field.kind == Field::Kind::kPins)
+      text += fmt::format("0x{:02x} ", static_cast<unsigned>(field.number));
     text.append(RegisterOf(field.name)).append(Text(field));
   }
   return text;
