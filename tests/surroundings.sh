@@ -104,19 +104,24 @@ for signal in INT TERM HUP; do
     fail "the picture of an interrupted run"
   tail -n 1 "$scratch/e.json" | grep -qx '{"end":false}' || fail "the calls of an interrupted run"
 done
-ends_by INT "$icehost" run --json "$scratch/many.json" "$scratch/many.ini"
+ends_by INT "$icehost" run --json "$scratch/many.json" --html "$scratch/many.html" "$scratch/many.ini"
 # In the plug-in, which reads the script, or where it is checked before that.
 [ ! -e "$scratch/many.json" ] || tail -n 1 "$scratch/many.json" | grep -qx '{"end":false}' ||
   fail "a run before its first call"
+[ ! -e "$scratch/many.html" ] || tail -n 1 "$scratch/many.html" | grep -qx '</html>' ||
+  fail "the page of a run before its first call"
 # shellcheck disable=SC2046: one name many times
 ends_by INT "$icehost" check $(yes "$scratch/many.ini" | head -n 50)
 ends_by INT "$icehost" check "$scratch/fifo"
 # Nobody takes what it says.
 exec 7<>"$scratch/fifo"
-ends_by INT bash -c 'exec "$icehost" run --svg "$scratch/full.svg" "$scratch/reads.gpio" >"$scratch/fifo"'
+ends_by INT bash -c 'exec "$icehost" run --svg "$scratch/full.svg" --html "$scratch/full.html" \
+  "$scratch/reads.gpio" >"$scratch/fifo"'
 ends_by INT bash -c 'exec "$icehost" run --json - "$scratch/endless.gpio" >"$scratch/fifo"'
 ends_by INT bash -c 'exec "$icehost" check "$scratch/many.ini" tests/scripts/*.ini examples/* >"$scratch/fifo"'
 xmllint --noout "$scratch/full.svg" || fail "the picture of a run that was not read"
+grep -q '"result":"interrupted"' "$scratch/full.html" && tail -n 1 "$scratch/full.html" | grep -qx '</html>' ||
+  fail "the page of a run that was not read"
 
 # What the process was started to ignore, it ignores.
 (trap '' INT HUP; exec "$icehost" run "$scratch/endless.gpio" >/dev/null 2>&1) &
