@@ -337,6 +337,8 @@ def check_long():
             "Cut: the waveform holds the first 100000 of 120002 steps"])
     expect("the end", table()[-1][2:], ["read", "", "0x20 TDO", "0x01/0x01", "NOT MET"])
     expect("elements", len(texts(".item")) < 500, True)
+    expect("past the waveform", (texts("#detail dd")[-1], texts("#readout")),
+           ("none of its own, at 120002 us, which the waveform leaves out", [""]))
     click_wave(browser.find_element("id", "canvas"), 10)
     browser.find_element("id", "zoom-all").click()
     expect("zoomed out", view(), [0, 100000])

@@ -125,7 +125,16 @@ function startWave() {
   matchMedia("(prefers-color-scheme: dark)").addEventListener("change", () => wave.readColours());
 }
 
+// Makes room for the longest number.
+function fitNumbers() {
+  const most = rows.reduce((number, row) => Math.max(number, row.number, row.line),
+    data.sources.reduce((number, source) => Math.max(number, source.lines.length), 0));
+  const digits = Math.max(4, String(most).length);
+  document.documentElement.style.setProperty("--number", `${digits}ch`);
+}
+
 function start() {
+  fitNumbers();
   showHead();
   showNotes();
   document.getElementById("source").hidden = data.sources.length === 0;

@@ -1,5 +1,5 @@
 // The lines of the two lists: their items, and the elements of these.
-const narrow = matchMedia("(max-width: 800px)");
+const narrow = matchMedia("(max-width: 900px)");
 
 function make(name, style, text) {
   const element = document.createElement(name);
@@ -160,8 +160,9 @@ function lineDetails({source, line}) {
 }
 
 function rowDetails(row) {
-  const taken = row.end > row.begin ? `${row.begin} to ${row.end} us`
-    : `none of its own, at ${row.begin} us`;
+  const left = row.end > steps.length ? ", which the waveform leaves out" : "";
+  const taken = row.end > row.begin ? `${row.begin} to ${row.end} us${left}`
+    : `none of its own, at ${row.begin} us${left}`;
   return [[`No. ${row.number}`, `${row.name}: ${VERDICTS[row.verdict]}`], ...rowValues(row),
     ...(steps.length > 0 ? [["steps", taken]] : [])];
 }

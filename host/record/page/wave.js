@@ -257,13 +257,14 @@ class Wave {
       if (segment.begin >= end) break;
       const x = this.x(segment.begin);
       const width = this.x(segment.end) - x;
-      if (width < 3 && Math.floor(x) === lastX) continue;
-      lastX = Math.floor(x);
+      const left = Math.floor(x);
+      if (width < 1 && left === lastX) continue;
+      lastX = left;
       const {fill, texts} = style(segment);
       context.fillStyle = fill;
-      context.fillRect(x, y, Math.max(1, width), Wave.HIGH + 2);
+      context.fillRect(left, y, Math.max(1, Math.floor(x + width) - left), Wave.HIGH + 2);
       context.fillStyle = colour.edge;
-      context.fillRect(Math.round(x), y, 1, Wave.HIGH + 2);
+      context.fillRect(left, y, 1, Wave.HIGH + 2);
       if (width > this.character + 4) this.drawText(texts, x, width, y);
     }
   }
