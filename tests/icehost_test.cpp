@@ -176,7 +176,7 @@ TEST(Icehost, SaysWhatIsWrong) {
        "icehost: standard output: No space left on device\n"},
       {"run /nowhere", 1, "icehost: /nowhere: No such file or directory\n"},
       {"check /tmp", 1, "icehost: /tmp: is a directory\n"},
-      {"check " ICESCRIPT_ICEHOST, 1, "icehost: " ICESCRIPT_ICEHOST ": is binary, not a script\n"},
+      {"check " ICESCRIPT_MODULE, 1, "icehost: " ICESCRIPT_MODULE ": is binary, not a script\n"},
       {"check tests/scripts/noise.bin", 1,
        "icehost: tests/scripts/noise.bin: is binary, not a script\n"},
       {"check /nowhere/$(printf '\\033x')", 1, "icehost: /nowhere/ x: No such file or directory\n"},
