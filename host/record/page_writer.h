@@ -70,7 +70,7 @@ class PageWriter : public StepRecorder {
   std::string Totals() const;
 
   std::string sources_;  // elements of an array, as is log_
-  std::string log_;      // docs of its elements: page/model.js
+  std::string log_;      // likewise; page/model.js says of what
   std::vector<std::uint16_t> steps_;
   long total_steps_ = 0;
   long rows_ = 0;
