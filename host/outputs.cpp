@@ -25,6 +25,7 @@ Outputs::Outputs(const RunCommand& command) {
   if (!command.record.svg.empty()) {
     svg_stream_ = &Open(command.record.svg, Rest::kNothing);
     svg.emplace();
+    listeners.push_back(&*svg);
     recorders.push_back(&*svg);
   }
   if (!command.record.html.empty()) {

@@ -56,10 +56,10 @@ void Reporter::EnterPlugin() {
   work_.LetGo();
 }
 
-void Reporter::OnCall(const char* operation) {
+void Reporter::OnCall(bool begins_operation) {
   work_.TakeUp();
   parsing_ = false;
-  if (operation != nullptr) progress_.OnOperation();
+  if (begins_operation) progress_.OnOperation();
 }
 
 void Reporter::Show(const char* message) {

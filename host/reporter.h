@@ -35,8 +35,8 @@ class Reporter {
   // Around the call of the plug-in.
   void EnterPlugin();
   void LeavePlugin() { work_.TakeUp(); }
-  // To be called at every host call, with the operation that begins there or null.
-  void OnCall(const char* operation);
+  // To be called at every host call; whether an operation begins with it.
+  void OnCall(bool begins_operation);
   // A message of the plug-in's, as it stands: some are pieces of a line. For a terminal without
   // control characters. Throws IoError where standard output takes no more, since the rest of the
   // script is not to run unseen.

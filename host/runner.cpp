@@ -46,8 +46,7 @@ Runner::Runner(const RunCommand& command)
       observed_(stack_.Build(outputs_.recorders, [this](const std::string& why) { OnDoubt(why); }),
                 follower_, outputs_.listeners,
                 {[this](const std::string& why) { SayOfCall(why); },
-                 [this](const char* operation) { OnCall(operation); },
-                 [this] { return stack_.Steps(); }}) {
+                 [this](bool begins) { OnCall(begins); }, [this] { return stack_.Steps(); }}) {
   running = this;
   SetRescue([this] { return Abandon(); });
 }
@@ -78,12 +77,11 @@ int Runner::Show(const char* message) {
   return 0;
 }
 
-void Runner::OnCall(const char* operation) {
-  reporter_.OnCall(operation);
+void Runner::OnCall(bool begins_operation) {
+  reporter_.OnCall(begins_operation);
   outputs_.ThrowIfCut();
-  if (operation == nullptr) return;
-  if (outputs_.svg.has_value()) outputs_.svg->BeginOperation(stack_.Steps(), operation);
-  if (outputs_.vcd.has_value()) outputs_.vcd->BeginOperation(stack_.Steps(), Label());
+  if (begins_operation && outputs_.vcd.has_value())
+    outputs_.vcd->BeginOperation(stack_.Steps(), Label());
 }
 
 std::string Runner::Label() const {

@@ -45,7 +45,7 @@ class Runner {
   bool Abandon();
 
   static int Show(const char* message);
-  void OnCall(const char* operation);
+  void OnCall(bool begins_operation);
   // Of the operation under way, for a waveform.
   std::string Label() const;
   void OnDoubt(const std::string& why);

@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "entry/icescript.h"
-#include "host/record/svg_writer.h"
 #include "host/system/errors.h"
 #include "host/system/interrupt.h"
 
@@ -24,11 +23,6 @@ Field Bytes(const char* name, const std::uint8_t* bytes, int bits) {
   return {name, Field::Kind::kBytes, 0, RegisterText(bytes, bits)};
 }
 
-const char* GpioName(int flags) {
-  if ((flags & GPIO_FLAG_START) != 0) return "START";
-  return (flags & GPIO_FLAG_END) != 0 ? "END" : kPinOperation;
-}
-
 }  // namespace
 
 std::string ByteText(const std::uint8_t* bytes, std::size_t count) {
@@ -43,9 +37,9 @@ ObservedProbe::ObservedProbe(Probe& probe, CallGuide& guide, std::vector<EventLi
       listeners_(std::move(listeners)),
       callbacks_(std::move(callbacks)) {}
 
-void ObservedProbe::Begin(const char* operation) {
+void ObservedProbe::Begin(bool begins_operation) {
   begin_step_ = callbacks_.steps();
-  callbacks_.begin(operation);
+  callbacks_.begin(begins_operation);
 }
 
 template <class Ask>
@@ -76,7 +70,7 @@ int ObservedProbe::Config(int code, int value) {
   const bool query = code == LINK_CONFIG_GET_CDI;
   if (!query) ++counts_.operations;
   under_way_.source = guide_.NextOperation();
-  Begin(nullptr);
+  Begin(false);
   const int result = Guard("link_config", [&] { return probe_.Config(code, value); });
   if (query) wire_mode_ = result;
   Tell([&]() -> CallEvent {
@@ -95,7 +89,7 @@ int ObservedProbe::Config(int code, int value) {
 int ObservedProbe::Reset(int kind) {
   ++counts_.operations;
   under_way_.source = guide_.NextOperation();
-  Begin("reset");
+  Begin(true);
   const int result = Guard("link_reset", [&] { return probe_.Reset(kind); });
   Tell([&]() -> CallEvent {
     return {"link_reset", {{"kind", Field::Kind::kReset, kind, ""}}, result, {}, {}, {}, {}};
@@ -111,9 +105,7 @@ int ObservedProbe::Insert(int ir_bits, const std::uint8_t* ir, int dr_bits,
   counts_.bits += std::max(ir_bits - extra, 0) + std::max(dr_bits - extra, 0);
   ir_bits_ = ir_bits;
   dr_bits_ = dr_bits;
-  scan_name_ = fmt::format("IR {} bits {}, DR {} bits {}", ir_bits, RegisterText(ir, ir_bits),
-                           dr_bits, RegisterText(dr, dr_bits));
-  Begin(nullptr);
+  Begin(false);
   const int result =
       Guard("link_jtag_insert", [&] { return probe_.Insert(ir_bits, ir, dr_bits, dr); });
   Tell([&]() -> CallEvent {
@@ -132,7 +124,7 @@ int ObservedProbe::Insert(int ir_bits, const std::uint8_t* ir, int dr_bits,
 }
 
 int ObservedProbe::Execute(std::uint8_t* capture) {
-  Begin(scan_name_.c_str());
+  Begin(true);
   int result = Guard("link_jtag_execute", [&] { return probe_.Execute(capture); });
   const bool captured = result == 0;
   const int extra = wire_mode_ == CDI_ANSWER_2WIRE ? 1 : 0;
@@ -159,7 +151,7 @@ int ObservedProbe::Gpio(int out_value, std::uint32_t& data, int oe_mask, int fla
   const bool read = (flags & GPIO_FLAG_READ_IN) != 0;
   if (read) ++counts_.reads;
   under_way_.source = guide_.NextPinOperation(data);
-  Begin(GpioName(flags));
+  Begin(true);
   int result =
       Guard("link_gpio_operator", [&] { return probe_.Gpio(out_value, data, oe_mask, flags); });
   std::vector<Comparison> comparisons;

@@ -28,9 +28,8 @@ class ObservedProbe : public Probe {
   struct Callbacks {
     // Why the probe refuses a call.
     std::function<void(const std::string& why)> refused;
-    // Called before every call: with words for the operation that begins with it, or null where it
-    // belongs to one.
-    std::function<void(const char* operation)> begin;
+    // Called before every call: whether an operation begins with it, rather than belong to one.
+    std::function<void(bool begins_operation)> begin;
     // Steps of the pins so far.
     std::function<std::size_t()> steps;
   };
@@ -57,7 +56,7 @@ class ObservedProbe : public Probe {
   void Leave() { under_way_.function = nullptr; }
 
  private:
-  void Begin(const char* operation);
+  void Begin(bool begins_operation);
   template <class Ask>
   int Guard(const char* function, Ask ask);
   template <class MakeEvent>
@@ -74,7 +73,6 @@ class ObservedProbe : public Probe {
   int wire_mode_ = 0;
   int ir_bits_ = 0;
   int dr_bits_ = 0;
-  std::string scan_name_;
 };
 
 }  // namespace icehost

@@ -2,43 +2,37 @@
 #ifndef ICESCRIPT_HOST_RECORD_SVG_WRITER_H_
 #define ICESCRIPT_HOST_RECORD_SVG_WRITER_H_
 
-#include <cstddef>
 #include <ostream>
 #include <string>
 #include <vector>
 
+#include "host/record/events.h"
 #include "host/record/recording_port.h"
+#include "host/record/svg_run.h"
 
 namespace icehost {
 
-// The name of operations that are drawn as one when they follow each other: a step or none is too
-// short for a name.
-constexpr char kPinOperation[] = "pins";
-
-// Collects a run and draws it: a row for the operations, one for the states of the TAP, one for
-// each pin. Follows the reader's light or dark scheme. Only the first steps of a long run are kept,
-// and a note says so.
-class SvgWriter : public StepRecorder {
+// Collects a run and draws it, for a page of a document. Only the first steps of a long run are
+// kept, as many as an SvgScale may draw, and a note says so.
+class SvgWriter : public StepRecorder, public EventListener {
  public:
-  // From step `step` on (counted from 0) the run is in this operation.
-  void BeginOperation(std::size_t step, const std::string& name);
   void Record(const PinStep& step) override;
+
+  void OnScript(const std::string& path) override;
+  void OnCall(const CallEvent& call) override;
+  void OnMessage(const char* text) override;
+  void OnError(const std::string& text, int line) override;
+  void OnScriptEnd(bool ran) override;
 
   void Write(std::ostream& stream) const;
 
  private:
-  struct Segment {
-    std::size_t begin;
-    std::string name;
-    std::string short_name;  // for a segment too narrow for the other
-  };
-  std::vector<Segment> TapSegments() const;
-  void WriteSegments(std::ostream& stream, const std::vector<Segment>& segments, int y) const;
-  void WritePin(std::ostream& stream, int pin, int y) const;
+  SvgSource SourceOf(const CallEvent& call) const;
+  void KeepOperation(const CallEvent& call);
+  void KeepRead(const CallEvent& call);
 
-  std::vector<PinStep> steps_;
-  std::size_t total_steps_ = 0;
-  std::vector<Segment> operations_;
+  SvgRun run_;
+  std::vector<Field> sent_;  // the arguments of the scan under way
 };
 
 }  // namespace icehost

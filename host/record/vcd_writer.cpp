@@ -35,7 +35,8 @@ void VcdWriter::BeginOperation(std::size_t step, const std::string& name) {
   if (!operations_.empty() && operations_.back().begin == step) operations_.pop_back();
   operations_.push_back({step, name});
   for (char& ch : operations_.back().name) {
-    if (std::isgraph(static_cast<unsigned char>(ch)) == 0) ch = '_';
+    // GTKWave takes a backslash for the beginning of a C escape.
+    if (std::isgraph(static_cast<unsigned char>(ch)) == 0 || ch == '\\') ch = '_';
   }
 }
 

@@ -1,0 +1,34 @@
+// The lanes of a picture that stand above its pins.
+#ifndef ICESCRIPT_HOST_RECORD_SVG_LANES_H_
+#define ICESCRIPT_HOST_RECORD_SVG_LANES_H_
+
+#include <string>
+#include <vector>
+
+#include "host/record/svg_run.h"
+#include "host/record/svg_scale.h"
+
+namespace icehost {
+
+// Steps that have a meaning together. All texts are as in the script, not yet XML.
+struct SvgSegment {
+  StepRange steps;  // may go on beyond the steps that are drawn
+  std::string title;
+  std::vector<std::string> labels;  // the longest first; one of them, where one fits
+  std::string name;                 // for the further bands that it takes, if it fits
+};
+
+struct SvgLane {
+  const char* label;
+  std::vector<SvgSegment> segments;  // in order, with gaps where nothing is known
+};
+
+// The scripts where there are several, their operations, the states of the TAP.
+std::vector<SvgLane> SvgLanes(const SvgRun& run, const SvgScale& scale);
+
+// "examples/reset.ini:5 [CONTROL] ": what a title begins with.
+std::string SvgPlace(const SvgRun& run, const SvgSource& source);
+
+}  // namespace icehost
+
+#endif  // ICESCRIPT_HOST_RECORD_SVG_LANES_H_
