@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# icehost with programs that are not ours: OpenOCD as client and as probe, sigrok-cli on the waveform,
-# an XML parser on the picture. usage: peers.sh ICEHOST SOURCE_FOLDER
+# icehost with programs that are not ours: OpenOCD as client and as probe, sigrok-cli and GTKWave's
+# reader on the waveform, an XML parser on the picture. usage: peers.sh ICEHOST SOURCE_FOLDER
 set -euo pipefail
 icehost=$1
 cd "$2"
@@ -106,6 +106,22 @@ refused "$bitbang" examples/two_wire.ini "5: link_config failed: these pins have
 refused "$bitbang" examples/reset_pulse.gpio \
   "5: link_gpio_operator failed: remote_bitbang has no output enables: only TDO can be released"
 
+# edges VCD: what changes when, in an order and under names that no writer chooses.
+edges() {
+  awk '$1 == "$var" { name[$4] = $5 }
+    /^#/ { time = substr($1, 2) }
+    time != "" && /^[01]/ { print time, name[substr($1, 2)], substr($1, 1, 1) }
+    time != "" && /^s/ { print time, name[$2], substr($1, 2) }
+    END { print time, "end" }' "$1" | sed 's/\\\(.\)/\1/g' | sort
+}
+# same_in_gtkwave VCD: GTKWave's reader finds in it what was written, also in the names.
+same_in_gtkwave() {
+  vcd2fst "$1" "$scratch/run.fst" && fst2vcd "$scratch/run.fst" -o "$scratch/read.vcd" ||
+    fail "GTKWave does not read $1"
+  [ "$(edges "$1" | grep -c ' tck ')" -gt 50 ] || fail "a waveform without edges"
+  diff <(edges "$1") <(edges "$scratch/read.vcd") || fail "GTKWave reads something else in $1"
+}
+
 # The waveform, of the simulated probe and across the network, as a logic analyser decodes it.
 for run in "--idcode 0x2BADC001 tests/scripts/idcode.ini" \
   "--idcode 0x2BADC001 examples/read_idcode.gpio" "--probe $bitbang tests/scripts/idcode.ini"; do
@@ -114,13 +130,24 @@ for run in "--idcode 0x2BADC001 tests/scripts/idcode.ini" \
   sigrok-cli -l 1 -I vcd -i "$scratch/run.vcd" -P jtag:tdi=tdi:tdo=tdo:tck=tck:tms=tms \
     -A jtag=bitstring-tdi:bitstring-tdo >"$scratch/decoded.log"
   grep -q 'DR TDO: .* (0x2badc001), 32 bits' "$scratch/decoded.log" || fail "decoding $run"
+  same_in_gtkwave "$scratch/run.vcd"
   xmllint --noout "$scratch/run.svg" || fail "the picture is not well-formed"
 done
 
-# Each operation of a picture begins where the one before ends.
-"$icehost" run -q --svg "$scratch/scans.svg" examples/scratch_register.ini
-begins=$(grep -oE 'IR 5 .*</title><rect class="segment" x="[0-9]+"' "$scratch/scans.svg" | sort -u -t'"' -k4)
-[ "$(wc -l <<<"$begins")" = 3 ] || fail "scans begin at $begins"
+# Names that XML and GTKWave have a use for: markup, every byte, a character that is none of XML's.
+hostile="$scratch/<x>&\"$(printf '\001\377').ini"
+{
+  printf '[<a b="c">&amp;\\x41'"'"']\nIR=5,1\nDR=R,32,0\nTDO=0,0,0,0\n['
+  for byte in {1..9} {11..34} {36..90} {92..92} {94..255}; do printf "\\x$(printf %x "$byte")"; done
+  printf '\xef\xbf\xbe\xf0\x9f\x98\x80\xf0\x9f]\nIR=5,1\nDR=R,32,0\n'
+} >"$hostile"
+"$icehost" run -q --keep-going --svg "$scratch/run.svg" --vcd "$scratch/run.vcd" "$hostile" \
+  examples/reset_pulse.gpio 2>"$scratch/run.log" && fail "an expectation was met"
+xmllint --noout "$scratch/run.svg" || fail "the picture of a hostile script"
+title=$(xmllint --xpath 'string(//*[local-name()="title"][contains(., "DR expected")])' "$scratch/run.svg")
+[ "${title#*.ini}" = ":3 [<a b=\"c\">&amp;\\x41']: DR expected 0x00000000, captured 0x1ce51001 (mask 0xffffffff)" ] ||
+  fail "the picture says $title"
+same_in_gtkwave "$scratch/run.vcd"
 
 kill -TERM "$server"
 wait "$server" || fail "serve ended with $?"

@@ -12,7 +12,8 @@ constexpr int kReach = 6;
 
 std::vector<std::string> Labels(const SvgRead& read) {
   if (read.unmet.empty()) return {read.value};
-  return {read.unmet, read.unmet.substr(0, read.unmet.find(',')), read.value};
+  const std::string first = read.unmet.substr(0, read.unmet.find(';'));
+  return {read.unmet, first, first.substr(0, first.find(',')), read.value};
 }
 
 std::string Title(const SvgRun& run, const SvgRead& read) {

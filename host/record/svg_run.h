@@ -33,8 +33,9 @@ struct SvgRead {
   SvgSource source;
   std::size_t step;   // the one under way
   std::string value;  // of the pins, hexadecimal
-  std::string unmet;  // "expected 0x01, captured 0x00 (mask 0x01)"; empty where all is well
-  long times;         // reads in this step
+  // "IR expected 0x01, captured 0x00 (mask 0x01); DR ..."; empty where all is well.
+  std::string unmet;
+  long times;  // reads in this step
 };
 
 struct SvgRun {

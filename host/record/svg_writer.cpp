@@ -15,13 +15,19 @@ SvgOperation::Kind KindOf(std::string_view function) {
   return function == "link_reset" ? SvgOperation::Kind::kReset : SvgOperation::Kind::kPins;
 }
 
+const char* RegisterOf(std::string_view output) {
+  if (output == "ir_out") return "IR ";
+  return output == "dr_out" ? "DR " : "";
+}
+
 std::string Unmet(const std::vector<Comparison>& comparisons) {
   std::string text;
   for (const Comparison& comparison : comparisons) {
     if (comparison.met) continue;
-    text += fmt::format(
-        "{}expected {}, captured {} (mask {})", text.empty() ? "" : "; ", comparison.expected,
-        comparison.captured.empty() ? "unknown" : comparison.captured, comparison.mask);
+    text +=
+        fmt::format("{}{}expected {}, captured {} (mask {})", text.empty() ? "" : "; ",
+                    RegisterOf(comparison.of), comparison.expected,
+                    comparison.captured.empty() ? "unknown" : comparison.captured, comparison.mask);
   }
   return text;
 }
