@@ -128,9 +128,8 @@ TEST(Svg, FillsBandsOfAPage) {
       // Where a step has no room for a number there are several lines, or a loop.
       {Gpio(far + Repeated("TDI=1\n", 20)),
        "546\n2|1003-1005|1006-1008|1009-1011|1012-1014|1015-1017|1018-1022|Test-Logic-Reset|"},
-      {Gpio(far + Loop(30)), "744\n2|1004, 30 times|Test-Logic-Reset|\n1004|Test-Logic-Reset|"},
-      {Gpio(far + Loop(15, "TDI=1\nTDI=0\n")),
-       "744\n2|1004-1005, 15 times|Test-Logic-Reset|\n1004-1005|Test-Logic-Reset|"},
+      {Gpio(far + Loop(30)), "766\n2|1004, 30 times|Test-Logic-Reset|"},
+      {Gpio(far + Loop(15, "TDI=1\nTDI=0\n")), "766\n2|1004-1005, 15 times|Test-Logic-Reset|"},
       {Gpio(far + Loop(10, "TDI=1\n" + Loop(3) + "TDI=0\n") + "TDI=1\n"),
        "744\n2-1004|" + Repeated("1006|", 6) + "Test-Logic-Reset|\n" + Repeated("1006|", 4) +
            "Test-Logic-Reset|"},
