@@ -116,13 +116,18 @@ TEST(Svg, FillsBandsOfAPage) {
        "[B] IR 2 bits 0x03 -> 0x01, DR 3 bits 0x00 -> 0x00|" +
            unknown_to_shift + "Sh|Ex1|Upd|RTI|Sel|Sel|Cap|Sh|Ex1|Upd|RTI|Sel|Cap|Shift-DR|" +
            to_end},
-      // A scan that is cut has its values where most of it is; a state of one step has no name.
+      // A scan that is cut has its values where most of it is, a state its name wherever one fits.
       {"--ir-length 2 " + Ini(Scan("A", 2) + Scan("LONGER_THAN_WHAT_IS_LEFT_OF_IT", 4)),
        "634\n[A] IR 2 bits 0x03 -> 0x01, DR 2 bits 0x00 -> 0x00|" + unknown_to_shift +
            "Sh|Ex1|Upd|RTI|Sel|\n"
            "[LONGER_THAN_WHAT_IS_LEFT_OF_IT] IR 0x03, DR -> 0x00|Cap|Sh|Ex1|Upd|RTI|Sel|Cap|"
            "Shift-DR|" +
            to_end},
+      {"tests/scripts/walk.gpio",
+       "634\n3|4|5|6|7|8|9|10|11|12|13|14|15|16|17|18|19|20|21|23|24|25|26|27|28|"
+       "TLR|RTI|Sel|Cap|Sh|Ex1|Pau|Ex2|Sh|Ex1|Upd|Sel|o 0x27|\n"
+       "29|30|31|32|33|34|35|36|37|38|39|40|41|42|43|44|"
+       "Sel|Sel|Cap|Sh|Ex1|Pau|Ex2|Upd|TLR|"},
       {"--ir-length 2 " + Ini(Scan(std::string(99, 'A'), 2)),
        "579\nIR 2 bits 0x03 -> 0x01, DR 2 bits 0x00 -> 0x00|" + unknown_to_shift + "Sh|" + to_end},
       // Where a step has no room for a number there are several lines, or a loop.

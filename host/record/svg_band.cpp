@@ -108,10 +108,10 @@ void SvgBand::DrawSegmentText(const SvgSegment& segment, StepRange piece, std::s
   const auto fits = [&](const std::string& text) {
     return scale_.Fits(text, piece.end - piece.begin);
   };
-  std::vector<std::string> labels = {segment.name};
-  if (scale_.WidestBand(segment.steps) == band) labels = segment.labels;
+  const bool widest = scale_.WidestBand(segment.steps) == band;
+  const std::vector<std::string>& labels = widest ? segment.labels : segment.names;
   const auto label = std::find_if(labels.begin(), labels.end(), fits);
-  if (label == labels.end() || label->empty()) return;
+  if (label == labels.end()) return;
   fmt::print(stream_, "<text x=\"{}\" y=\"{}\">{}</text>\n",
              (scale_.X(band, piece.begin) + scale_.X(band, piece.end)) / 2, y + kBaseline - 1,
              XmlText(*label));

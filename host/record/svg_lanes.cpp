@@ -76,9 +76,10 @@ SvgSegment SegmentOf(const SvgRun& run, const SvgOperation& operation) {
   const std::vector<std::string> texts = Texts(operation);
   const std::string& section = operation.source.section;
   const std::string name = fmt::format("[{}]", section);
-  SvgSegment segment = {operation.steps, SvgPlace(run, operation.source) + texts.front(), texts,
-                        section.empty() ? "" : name};
+  SvgSegment segment = {
+      operation.steps, SvgPlace(run, operation.source) + texts.front(), texts, {}};
   if (section.empty()) return segment;
+  segment.names = {name};
   for (const std::string& text : texts) segment.labels.push_back(name + ' ' + text);
   segment.labels.push_back(name);
   std::stable_sort(segment.labels.begin(), segment.labels.end(),
@@ -117,7 +118,7 @@ SvgLane ScriptLane(const SvgRun& run) {
   for (const SvgOperation& operation : run.operations) {
     if (last == nullptr || operation.source.script != last->source.script) {
       const std::string& path = run.scripts[operation.source.script];
-      lane.segments.push_back({operation.steps, path, {path, BaseName(path)}, BaseName(path)});
+      lane.segments.push_back({operation.steps, path, {path, BaseName(path)}, {BaseName(path)}});
     }
     lane.segments.back().steps.end = operation.steps.end;
     last = &operation;
@@ -132,7 +133,7 @@ SvgLane TapLane(const SvgRun& run) {
     if (i == 0 || tap != run.steps[i - 1].tap) {
       const std::string name = tap.has_value() ? TapStateName(*tap) : "unknown";
       const std::string letters = tap.has_value() ? kShortTapNames[static_cast<int>(*tap)] : "?";
-      lane.segments.push_back({{i, i}, name, {name, letters}, name});
+      lane.segments.push_back({{i, i}, name, {name, letters}, {name, letters}});
     }
     lane.segments.back().steps.end = i + 1;
   }

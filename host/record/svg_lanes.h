@@ -14,8 +14,10 @@ namespace icehost {
 struct SvgSegment {
   StepRange steps;  // may go on beyond the steps that are drawn
   std::string title;
-  std::vector<std::string> labels;  // the longest first; one of them, where one fits
-  std::string name;                 // for the further bands that it takes, if it fits
+  // The longest first. The first that fits stands in the band that holds most of the segment, and
+  // the first name that fits in the others.
+  std::vector<std::string> labels;
+  std::vector<std::string> names;
 };
 
 struct SvgLane {

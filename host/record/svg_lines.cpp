@@ -98,7 +98,7 @@ SvgSegment SegmentOf(const Group& group, const std::string& script, bool words) 
   const std::string numbers = Numbers(group);
   const std::string all =
       group.times == 1 ? numbers : fmt::format("{}, {} times", numbers, group.times);
-  SvgSegment segment = {group.steps, script + ": " + word + all, {all, numbers}, numbers};
+  SvgSegment segment = {group.steps, script + ": " + word + all, {all, numbers}, {numbers}};
   if (words) segment.labels = {word + all, word + numbers, numbers};
   return segment;
 }
