@@ -1,6 +1,6 @@
 // Fuzzes icehost's own doors. The first byte of an input says which: 's' what a client sends to the
 // server, 'b' what a remote_bitbang server answers, 'o' what an OpenOCD answers, 'c' a script to
-// check. Behind it comes what enters there.
+// check, 'v' an SVF file to import. Behind it comes what enters there.
 #include <algorithm>
 #include <array>
 #include <asio/local/connect_pair.hpp>
@@ -23,6 +23,7 @@
 #include "host/probe/pin_probe.h"
 #include "host/probe/sim_port.h"
 #include "host/record/recording_port.h"
+#include "host/svf/importer.h"
 #include "host/system/errors.h"
 #include "host/system/interrupt.h"
 
@@ -188,6 +189,17 @@ void CheckScript(std::string_view bytes) {
         "what is learned changes no operation");
 }
 
+void ImportSvf(std::string_view bytes) {
+  constexpr std::size_t kMost = 1U << 20U;
+  const icehost::ImportedSvf imported = icehost::ImportSvf("expect\nme", bytes, kMost);
+  Check(imported.script.empty() == imported.problems.HasErrors(), "a script, or errors");
+  if (imported.problems.HasErrors()) return;
+  const icehost::ScriptText script("imported", imported.script);
+  const icehost::Problems problems = icehost::Check(script).problems;
+  Check(problems.Found().empty(), "nothing is wrong with what is imported");
+  Check(IsWhole(script) && imported.script.size() < 2 * kMost, "it is not too long");
+}
+
 }  // namespace
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -198,6 +210,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (data[0] == 'b') BeBitbangClient(bytes);
     if (data[0] == 'o') BeOpenocdClient(bytes);
     if (data[0] == 'c') CheckScript(bytes);
+    if (data[0] == 'v') ImportSvf(bytes);
   } catch (const icehost::IoError&) {
     // the connection is lost or talks nonsense
   } catch (const icehost::Unsupported&) {

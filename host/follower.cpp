@@ -64,14 +64,21 @@ CallSource Follower::NextOperation() {
   current_ = next_++;
   if (current_ >= plan_->jtag.size()) return {};
   const JtagOperation& operation = plan_->jtag[current_];
-  return {operation.line, static_cast<int>(current_), &operation.section};
+  const auto mask = [this](Expectation::Of of) {
+    const Expectation* const expected = plan_->Expected(current_, of);
+    return expected != nullptr ? &expected->mask : nullptr;
+  };
+  return {operation.line,  static_cast<int>(current_), &operation.section,
+          operation.reads, mask(Expectation::Of::kIr), mask(Expectation::Of::kDr)};
 }
 
 CallSource Follower::NextPinOperation(const std::uint32_t& data) {
   current_ = NextPin(data);
   next_ = current_ + 1;
   if (current_ >= plan_->pins.size()) return {};
-  return {static_cast<int>(plan_->pins[current_].line), -1, nullptr};
+  CallSource source;
+  source.line = static_cast<int>(plan_->pins[current_].line);
+  return source;
 }
 
 // From one operation on to the next, but for where a block ends: there it may go back to the first

@@ -2,6 +2,7 @@
 #include <exception>
 
 #include "host/check_verb.h"
+#include "host/import.h"
 #include "host/options/command_line.h"
 #include "host/reporter.h"
 #include "host/run.h"
@@ -19,6 +20,10 @@ ExitStatus Execute(const RunCommand& command) {
 
 ExitStatus Execute(const CheckCommand& command) {
   return CheckScripts(command);
+}
+
+ExitStatus Execute(const ImportCommand& command) {
+  return Import(command);
 }
 
 ExitStatus Execute(const ServeCommand& command) {

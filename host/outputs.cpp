@@ -34,6 +34,7 @@ Outputs::Outputs(const RunCommand& command) {
     listeners.push_back(&*page);
     recorders.push_back(&*page);
   }
+  if (!command.record.svf.empty()) OpenSvf(command);
   if (!command.learn.empty()) {
     Open(command.learn, Rest::kNothing);
     learned_ = files_.back().get();
@@ -45,6 +46,7 @@ void Outputs::Begin() {
     if (file.get() != learned_) file->Begin();
   }
   if (json.has_value()) json->Begin();
+  if (svf.has_value()) svf->Begin();
 }
 
 // A run that fails leaves the script that was learned before it.
@@ -57,6 +59,7 @@ std::vector<std::string> Outputs::Complete(const PageHead& head) {
   if (vcd.has_value()) vcd->End();
   if (svg.has_value()) svg->Write(*svg_stream_);
   if (page.has_value()) page->Write(*page_stream_, head);
+  if (svf_pins.has_value()) svf_pins->End();
   std::vector<std::string> failures;
   for (const auto& file : files_) {
     try {
@@ -66,6 +69,20 @@ std::vector<std::string> Outputs::Complete(const PageHead& head) {
     }
   }
   return failures;
+}
+
+std::vector<std::string> Outputs::TakeLosses() {
+  return svf.has_value() ? svf->TakeLosses() : std::vector<std::string>();
+}
+
+void Outputs::OpenSvf(const RunCommand& command) {
+  svf.emplace(Open(command.record.svf, OutputFile::Rest::kLines));
+  if (command.probe.choice.kind == ProbeChoice::Kind::kOpenocd) {
+    listeners.push_back(&svf_calls.emplace(*svf));
+  } else {
+    listeners.push_back(&svf_pins.emplace(*svf));
+    recorders.push_back(&*svf_pins);
+  }
 }
 
 std::ostream& Outputs::Open(const std::string& path, OutputFile::Rest rest) {

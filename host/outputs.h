@@ -10,6 +10,9 @@
 #include "host/options/commands.h"
 #include "host/record/json_writer.h"
 #include "host/record/run_page.h"
+#include "host/record/svf_call_writer.h"
+#include "host/record/svf_file.h"
+#include "host/record/svf_pin_writer.h"
 #include "host/record/svg_writer.h"
 #include "host/record/trace_writer.h"
 #include "host/record/vcd_writer.h"
@@ -30,6 +33,9 @@ struct Outputs {
   // Returns what went wrong, a text for each file that could not be written whole. `head` is the
   // page's.
   std::vector<std::string> Complete(const PageHead& head);
+  // What is not in a file, though it was played: a warning each, and each once. Complete may leave
+  // some.
+  std::vector<std::string> TakeLosses();
   // The script with the values read.
   void Learn(const std::string& script);
 
@@ -38,10 +44,14 @@ struct Outputs {
   std::optional<VcdWriter> vcd;
   std::optional<SvgWriter> svg;
   std::optional<RunPage> page;
+  std::optional<SvfFile> svf;  // by one of:
+  std::optional<SvfPinWriter> svf_pins;
+  std::optional<SvfCallWriter> svf_calls;
   std::vector<EventListener*> listeners;  // those of the above
   std::vector<StepRecorder*> recorders;   // likewise
 
  private:
+  void OpenSvf(const RunCommand& command);
   std::ostream& Open(const std::string& path, OutputFile::Rest rest);
 
   std::vector<std::unique_ptr<OutputFile>> files_;

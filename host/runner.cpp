@@ -64,6 +64,7 @@ ExitStatus Runner::RunAll(std::vector<Script> scripts) {
     if (outputs_.page.has_value()) ShowSource(script);
     reporter_.BeginScript(script.path, script.name);
     const ExitStatus ended = RunOne(script);
+    for (const std::string& loss : outputs_.TakeLosses()) reporter_.Say(loss);
     reporter_.EndScript(ended == kAllWell);
     if (command_.summary) Summarise(script.name);
     status = std::max(status, ended);
@@ -80,8 +81,11 @@ int Runner::Show(const char* message) {
 void Runner::OnCall(bool begins_operation) {
   reporter_.OnCall(begins_operation);
   outputs_.ThrowIfCut();
-  if (begins_operation && outputs_.vcd.has_value())
-    outputs_.vcd->BeginOperation(stack_.Steps(), Label());
+  if (!begins_operation) return;
+  if (outputs_.vcd.has_value()) outputs_.vcd->BeginOperation(stack_.Steps(), Label());
+  if (outputs_.svf_pins.has_value()) {
+    outputs_.svf_pins->BeginOperation(stack_.Steps(), observed_.UnderWay().source);
+  }
 }
 
 std::string Runner::Label() const {
@@ -188,6 +192,7 @@ ExitStatus Runner::Complete(ExitStatus status) {
   reporter_.Close();
   if (command_.summary) std::fputs((PrintableLines(summary_) + Counts() + "\n").c_str(), stderr);
   const std::vector<std::string> failures = outputs_.Complete(Head(status));
+  for (const std::string& loss : outputs_.TakeLosses()) Complain(loss);
   for (const std::string& failure : failures) Complain(failure);
   return status == kAllWell && !failures.empty() ? kNotOpened : status;
 }
@@ -196,6 +201,7 @@ bool Runner::Abandon() {
   if (!work_.TakeOver()) return false;
   reporter_.Abandon("interrupted");
   for (const std::string& failure : outputs_.Complete(Head(kInterrupted))) Complain(failure);
+  for (const std::string& loss : outputs_.TakeLosses()) Complain(loss);
   return true;
 }
 

@@ -54,9 +54,9 @@ TEST(Icehost, RunsAsGolden) {
       {"check tests/scripts/traps.gpio tests/scripts/traps.ini", 1, "check_traps"},
       {"check -q tests/scripts/bad.gpio tests/scripts/no_start.gpio - <tests/scripts/no_end.gpio",
        1, "check_errors_only"},
-      {"--help; for verb in run check serve; do " ICESCRIPT_ICEHOST " $verb --help; done", 0,
+      {"--help; for verb in run check import serve; do " ICESCRIPT_ICEHOST " $verb --help; done", 0,
        "help"},
-      {"help; for verb in run check serve; do " ICESCRIPT_ICEHOST " -q help $verb; done", 0,
+      {"help; for verb in run check import serve; do " ICESCRIPT_ICEHOST " -q help $verb; done", 0,
        "help"},
       {"check - <<END\n[ZEVAA_ICE_GPPIO]\nA=1\nEND", 1, "check_near_tag"},
       {"check tests/golden/empty.txt tests/scripts/marked.gpio tests/scripts/near.gpio", 1,
@@ -99,7 +99,7 @@ TEST(Icehost, SaysWhatIsWrong) {
     int status;
     std::string message;
   } kFaults[] = {
-      {"", 2, "a verb is required: run, check, serve" + help},
+      {"", 2, "a verb is required: run, check, import, serve" + help},
       {"chek x", 2, "unknown verb \"chek\" (did you mean check?)" + help},
       {"help chek", 2, "unknown verb \"chek\" (did you mean check?)" + help},
       {"-q xyz --help", 2, "unknown verb \"xyz\"" + help},

@@ -34,9 +34,11 @@ std::variant<Command, ExitStatus> ParseCommandLine(int argc, char** argv) {
   RunCommand run;
   run.plugin = DefaultPluginPath();
   CheckCommand check;
+  ImportCommand import;
   ServeCommand serve;
   AddRun(app, run);
   AddCheck(app, check);
+  AddImport(app, import);
   AddServe(app, serve);
   app.footer(std::string("icehost help VERB tells the options of a verb.\n\n") + kFooter);
   try {
@@ -50,9 +52,11 @@ std::variant<Command, ExitStatus> ParseCommandLine(int argc, char** argv) {
   // What else stands on standard output would spoil an output that is meant for a program.
   run.quiet |= quiet || IsOnStandardOutput(run);
   check.quiet |= quiet;
+  import.quiet |= quiet;
   serve.quiet |= quiet;
   if (app.got_subcommand("run")) return run;
   if (app.got_subcommand("check")) return check;
+  if (app.got_subcommand("import")) return import;
   return serve;
 }
 

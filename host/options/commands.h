@@ -38,6 +38,7 @@ struct RecordFiles {
   std::string vcd;
   std::string svg;
   std::string html;
+  std::string svf;
 
   // Whether it needs a probe that shows its pins; a page does without.
   bool HasWaveform() const { return !vcd.empty() || !svg.empty(); }
@@ -69,6 +70,13 @@ struct CheckCommand {
   bool quiet = false;
 };
 
+struct ImportCommand {
+  std::string file;  // "-": standard input
+  std::string output = "-";
+  std::size_t size_limit = kDefaultSizeLimit;  // of the file, and of the script, in bytes
+  bool quiet = false;
+};
+
 struct ServeCommand {
   Endpoint endpoint;
   ProbeOptions probe;
@@ -76,7 +84,7 @@ struct ServeCommand {
   bool quiet = false;
 };
 
-using Command = std::variant<RunCommand, CheckCommand, ServeCommand>;
+using Command = std::variant<RunCommand, CheckCommand, ImportCommand, ServeCommand>;
 
 }  // namespace icehost
 

@@ -22,6 +22,8 @@ void AddOutputs(CLI::App& verb, RunCommand& run) {
   AddFile(verb, "--html", record.html,
           "Write all of it as one page for a browser: script, operations, waveform")
       ->group(kGroup);
+  AddFile(verb, "--svf", record.svf, "Write what was played in the Serial Vector Format")
+      ->group(kGroup);
   AddFile(verb, "--learn", run.learn,
           "Write the script with the values that were read as those it expects")
       ->group(kGroup);

@@ -31,7 +31,8 @@ using Outputs = std::vector<Output>;
 Outputs OutputsOf(const RunCommand& command) {
   return {{"--trace", command.record.trace}, {"--json", command.record.json},
           {"--vcd", command.record.vcd},     {"--svg", command.record.svg},
-          {"--html", command.record.html},   {"--learn", command.learn}};
+          {"--html", command.record.html},   {"--svf", command.record.svf},
+          {"--learn", command.learn}};
 }
 
 std::vector<Use> UsesBesideOutputs(const std::vector<std::string>& scripts) {
@@ -79,6 +80,10 @@ void RefuseSharedFiles(const RunCommand& command) {
 
 void RefuseSharedFiles(const CheckCommand& command) {
   RefuseShared({{"--json", command.json}}, UsesBesideOutputs(command.scripts));
+}
+
+void RefuseSharedFiles(const ImportCommand& command) {
+  RefuseShared({{"--output", command.output}}, UsesBesideOutputs({command.file}));
 }
 
 bool IsOnStandardOutput(const RunCommand& command) {

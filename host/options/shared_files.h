@@ -10,6 +10,7 @@ namespace icehost {
 // nothing.
 void RefuseSharedFiles(const RunCommand& command);
 void RefuseSharedFiles(const CheckCommand& command);
+void RefuseSharedFiles(const ImportCommand& command);
 
 bool IsOnStandardOutput(const RunCommand& command);
 

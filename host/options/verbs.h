@@ -10,6 +10,7 @@ namespace icehost {
 
 void AddRun(CLI::App& app, RunCommand& run);
 void AddCheck(CLI::App& app, CheckCommand& check);
+void AddImport(CLI::App& app, ImportCommand& import);
 void AddServe(CLI::App& app, ServeCommand& serve);
 
 }  // namespace icehost

@@ -25,6 +25,11 @@ struct CallSource {
   int line = 0;                          // from 1; 0: unknown
   int operation = -1;                    // of a JTAG script, from 0
   const std::string* section = nullptr;  // of a JTAG script
+  // Of a scan of a JTAG script: whether its section reads, and the bits that it compares (bytes,
+  // least significant first; null: none).
+  bool reads = false;
+  const std::string* ir_mask = nullptr;
+  const std::string* dr_mask = nullptr;
 };
 
 // A value that was read, beside what the script expects of it: bytes as in a Field.

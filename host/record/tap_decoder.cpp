@@ -34,17 +34,14 @@ void TapDecoder::End() {
 }
 
 void TapDecoder::OnEdge(TapState from, TapState to, int wires) {
-  if (from == TapState::kShiftDr || from == TapState::kShiftIr) {
-    scan_->in.push_back((wires & GPIO_PIN_TDI) != 0);
-    scan_->out.push_back((wires_ & GPIO_PIN_TDO) != 0);
-  }
+  if (from == TapState::kShiftDr || from == TapState::kShiftIr) Shift(wires);
   if (from == TapState::kRunTestIdle && to == TapState::kRunTestIdle) ++idle_cycles_;
   if (from == to) return;
   if (from == TapState::kRunTestIdle) EndIdle(step_ + 1);
   switch (to) {
     case TapState::kCaptureDr:
     case TapState::kCaptureIr:
-      scan_ = {to == TapState::kCaptureIr, {}, {}, false, {step_, step_}};
+      scan_ = {to == TapState::kCaptureIr, {}, {}, false, {step_, step_}, 0};
       break;
     case TapState::kUpdateDr:
     case TapState::kUpdateIr:
@@ -59,6 +56,15 @@ void TapDecoder::OnEdge(TapState from, TapState to, int wires) {
     default:
       break;
   }
+}
+
+void TapDecoder::Shift(int wires) {
+  if (scan_->in.size() == kMostScanBits) {
+    ++scan_->left_out;
+    return;
+  }
+  scan_->in.push_back((wires & GPIO_PIN_TDI) != 0);
+  scan_->out.push_back((wires_ & GPIO_PIN_TDO) != 0);
 }
 
 void TapDecoder::Reset(bool by_trst) {

@@ -13,13 +13,17 @@
 
 namespace icehost {
 
+// Bounds what is kept of a scan without end.
+constexpr std::size_t kMostScanBits = 1U << 20U;
+
 // One way through a column of the TAP's states, from Capture to Update, with or without Pause.
 struct TapScan {
-  bool ir;          // the IR column, else the DR column
-  Bits in;          // TDI at each rising TCK edge in Shift, the first bit first
-  Bits out;         // TDO before each of these edges
-  bool updated;     // false where a TAP reset, or the end, cut it short
-  StepRange steps;  // from the edge that captures to the one that updates
+  bool ir;                   // the IR column, else the DR column
+  Bits in;                   // TDI at each rising TCK edge in Shift, the first bit first
+  Bits out;                  // TDO before each of these edges
+  bool updated;              // false where a TAP reset, or the end, cut it short
+  StepRange steps;           // from the edge that captures to the one that updates
+  std::size_t left_out = 0;  // bits behind the first kMostScanBits, which are not kept
 };
 
 class TapListener {
@@ -47,6 +51,7 @@ class TapDecoder : public StepRecorder {
 
  private:
   void OnEdge(TapState from, TapState to, int wires);
+  void Shift(int wires);
   void Reset(bool by_trst);
   void EndScan(bool updated, std::size_t end);
   void EndIdle(std::size_t end);
