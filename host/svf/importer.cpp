@@ -17,6 +17,7 @@ namespace {
 
 // More are hardly read.
 constexpr long kMostErrors = 50;
+
 class Importer {
  public:
   Importer(std::size_t most, Problems& problems) : most_(most), problems_(problems) {}
