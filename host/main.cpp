@@ -2,6 +2,7 @@
 #include <exception>
 
 #include "host/check_verb.h"
+#include "host/detect.h"
 #include "host/options/command_line.h"
 #include "host/reporter.h"
 #include "host/run.h"
@@ -23,6 +24,10 @@ ExitStatus Execute(const CheckCommand& command) {
 
 ExitStatus Execute(const ServeCommand& command) {
   return Serve(command);
+}
+
+ExitStatus Execute(const DetectCommand& command) {
+  return Detect(command);
 }
 
 ExitStatus Main(int argc, char** argv) {

@@ -15,10 +15,13 @@ namespace icehost {
 namespace {
 
 constexpr char kFooter[] =
-    "Exit status: 0 all well; 1 a script failed or has errors; 2 bad usage; 3 the plug-in, the\n"
-    "endpoint or an output cannot be opened or written, or the connection was lost; 130\n"
-    "interrupted. The plug-in's messages and what check finds go to standard output, everything\n"
-    "else of icehost's own to standard error.";
+    "Exit status: 0 all well; 1 a script failed or has errors, or detect found no sound chain; 2 "
+    "bad\n"
+    "usage; 3 the plug-in, the endpoint or an output cannot be opened or written, or the "
+    "connection\n"
+    "was lost; 130 interrupted. The plug-in's messages and what check and detect find go to "
+    "standard\n"
+    "output, everything else of icehost's own to standard error.";
 
 }  // namespace
 
@@ -35,9 +38,11 @@ std::variant<Command, ExitStatus> ParseCommandLine(int argc, char** argv) {
   run.plugin = DefaultPluginPath();
   CheckCommand check;
   ServeCommand serve;
+  DetectCommand detect;
   AddRun(app, run);
   AddCheck(app, check);
   AddServe(app, serve);
+  AddDetect(app, detect);
   app.footer(std::string("icehost help VERB tells the options of a verb.\n\n") + kFooter);
   try {
     ParseWords(app, {argv + 1, argv + argc});
@@ -51,8 +56,10 @@ std::variant<Command, ExitStatus> ParseCommandLine(int argc, char** argv) {
   run.quiet |= quiet || IsOnStandardOutput(run);
   check.quiet |= quiet;
   serve.quiet |= quiet;
+  detect.quiet |= quiet;
   if (app.got_subcommand("run")) return run;
   if (app.got_subcommand("check")) return check;
+  if (app.got_subcommand("detect")) return detect;
   return serve;
 }
 

@@ -3,6 +3,7 @@
 #define ICESCRIPT_HOST_OPTIONS_COMMANDS_H_
 
 #include <chrono>
+#include <optional>
 #include <string>
 #include <variant>
 #include <vector>
@@ -76,7 +77,15 @@ struct ServeCommand {
   bool quiet = false;
 };
 
-using Command = std::variant<RunCommand, CheckCommand, ServeCommand>;
+enum class ScriptKind { kJtag, kGpio };
+
+struct DetectCommand {
+  ProbeOptions probe;
+  std::optional<ScriptKind> script;
+  bool quiet = false;
+};
+
+using Command = std::variant<RunCommand, CheckCommand, ServeCommand, DetectCommand>;
 
 }  // namespace icehost
 

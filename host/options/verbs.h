@@ -11,6 +11,7 @@ namespace icehost {
 void AddRun(CLI::App& app, RunCommand& run);
 void AddCheck(CLI::App& app, CheckCommand& check);
 void AddServe(CLI::App& app, ServeCommand& serve);
+void AddDetect(CLI::App& app, DetectCommand& detect);
 
 }  // namespace icehost
 
