@@ -22,6 +22,11 @@ constexpr std::nullopt_t kNone = std::nullopt;
 constexpr std::uint32_t kOne = 0x1CE51001;
 constexpr std::uint32_t kArm = 0x4BA00477;
 
+// What stands in parentheses at the end is for people.
+std::string WithoutAdvice(const std::string& fault) {
+  return fault.substr(0, fault.back() == ')' ? fault.rfind(" (") : fault.size());
+}
+
 // "1ce51001/5 -/?; 12 bits; note; !fault": the TAPs with their IR lengths, and what else is told.
 std::string Told(const Chain& chain) {
   std::ostringstream text;
@@ -33,7 +38,7 @@ std::string Told(const Chain& chain) {
   }
   if (chain.ir_bits.has_value()) text << "; " << *chain.ir_bits << " bits";
   for (const std::string& note : chain.notes) text << "; " << note;
-  for (const std::string& fault : chain.faults) text << "; !" << fault.substr(0, fault.find(" ("));
+  for (const std::string& fault : chain.faults) text << "; !" << WithoutAdvice(fault);
   return text.str();
 }
 
@@ -164,14 +169,21 @@ TEST(Detect, TakesOpenocdsWord) {
            "      0x1ce51001\n 1 b.tap  Y  0x00000000 0x00000000  4 0x01  0x03\n"
            " 2 c.tap   n  0x00000000 0x00000000  7 0x01  0x03\n",
        "a.tap1ce51001/5 b.tap-/4; c.tap is declared, but disabled: it is not in the chain"},
+      {"TAP a.tap does not have valid IDCODE (idcode=0x0)\n", head + one,
+       "a.tap-/5; !TAP 1 (a.tap): it has no IDCODE, expected 0x1ce51003"},
       // The table's IDCODE is an old one.
       {"JTAG scan chain interrogation failed: all ones\n", head + one,
-       "a.tap-/5; !OpenOCD: JTAG scan chain interrogation failed: all ones; !TAP 1"},
+       "a.tap-/5; !OpenOCD: JTAG scan chain interrogation failed: all ones; !TAP 1 (a.tap): "
+       "OpenOCD read nothing"},
       {found + "JTAG tap: a.tap       UNEXPECTED: 0x1ce51001\n", head + one,
        "a.tap1ce51001/5; !OpenOCD: JTAG tap: a.tap UNEXPECTED: 0x1ce51001"},
-      {"JTAG tap: a.tap tap/device found: 0xffffffff (mfg", head + one, "a.tapffffffff/5; !TAP 1"},
+      {"JTAG tap: a.tap tap/device found: 0xffffffff (mfg", head + one,
+       "a.tapffffffff/5; !TAP 1 (a.tap): 0xffffffff is no valid IDCODE"},
       {"JTAG tap: a.tap tap/device found: 0x1ce510011 (", head + one,
-       "a.tap-/5; !OpenOCD: JTAG tap: a.tap tap/device found: 0x1ce510011; !TAP 1"},
+       "a.tap-/5; !OpenOCD: JTAG tap: a.tap tap/device found: 0x1ce510011 (; !TAP 1 (a.tap): "
+       "OpenOCD read nothing"},
+      {found, head + " 0 a.tap Y 0 0 1 1 3",
+       "a.tap1ce51001/1; !TAP 1 (a.tap): no IR is that short"},
       {"", "", "; !OpenOCD has no TAP"},
       {"", head + " 0 a.tap Y 0 0 9999999999 1 3\n", "; !OpenOCD has no TAP"},
   };

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include "host/chain/idcode.h"
+#include "host/system/printable.h"
 
 namespace icehost {
 
@@ -19,7 +20,8 @@ void JudgeIdcodes(Chain& chain) {
 
 std::string TapTitle(const Chain& chain, std::size_t i) {
   const std::string& name = chain.taps[i].name;
-  return name.empty() ? fmt::format("TAP {}", i + 1) : fmt::format("TAP {} ({})", i + 1, name);
+  if (name.empty()) return fmt::format("TAP {}", i + 1);
+  return fmt::format("TAP {} ({:.40})", i + 1, Printable(name));
 }
 
 std::string CountedTaps(std::size_t taps) {

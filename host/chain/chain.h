@@ -33,7 +33,7 @@ constexpr int kMostTaps = 64;
 
 // Adds a fault for each IDCODE that is none.
 void JudgeIdcodes(Chain& chain);
-// "TAP 2", and its name in parentheses where it has one; counted from 0 here.
+// "TAP 2", and its name in parentheses where it has one; counted from 0 here. Printable.
 std::string TapTitle(const Chain& chain, std::size_t i);
 // "1 TAP", "2 TAPs".
 std::string CountedTaps(std::size_t taps);

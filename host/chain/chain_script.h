@@ -12,7 +12,8 @@ namespace icehost {
 
 // A JTAG script that passes on this sound chain: it shifts through BYPASS, whose instruction is the
 // same everywhere. For each IDCODE it holds a section that is commented out, since no standard says
-// which instruction selects it. Throws Unsupported where the IR is longer than a script's may be.
+// which instruction selects it. Throws Unsupported where the IR is longer than a script's may be,
+// or the chain longer than kMostTaps.
 // `only` is the one TAP that a scan of the probe reaches: OpenOCD keeps the others in BYPASS.
 std::string JtagScriptOf(const Chain& chain, std::optional<std::size_t> only);
 

@@ -131,6 +131,7 @@ std::string Script::IdcodeSection(std::size_t i) const {
 }
 
 std::string Script::Text() const {
+  if (chain_.taps.size() > kMostTaps) throw Unsupported("no JTAG script: more than 64 TAPs");
   if (IrBits() > kMostIrBits) {
     throw Unsupported(fmt::format("no JTAG script: the IR has {} bits, and in a script at most {}",
                                   IrBits(), kMostIrBits));

@@ -21,6 +21,7 @@ constexpr char kExamine[] =
     "set icehost_level [lindex [debug_level] end]; debug_level 2; "
     "set icehost_failed [catch {capture {jtag arp_init}} icehost_said]; "
     "debug_level $icehost_level; concat $icehost_failed $icehost_said";
+constexpr int kLeastIrBits = 2;
 constexpr char kNoneExpected[] = "0x00000000";
 constexpr std::size_t kLongestLine = 200;
 constexpr std::size_t kMostLines = 20;
@@ -95,10 +96,21 @@ ChainTap TapOf(const OpenocdTap& row, const Examination& examination) {
     tap.expected = fmt::format("{}", fmt::join(row.expected, " or "));
   }
   const auto read = examination.read.find(row.name);
+  tap.answered = read != examination.read.end() || examination.without.count(row.name) > 0;
   if (read == examination.read.end()) return tap;
   tap.idcode = read->second.idcode;
   tap.manufacturer = read->second.manufacturer;
   return tap;
+}
+
+// What is wrong with one TAP that OpenOCD may be content with.
+void JudgeTap(const ChainTap& tap, const std::string& title, std::vector<std::string>& faults) {
+  if (*tap.ir_bits < kLeastIrBits) faults.push_back(title + ": no IR is that short");
+  if (!tap.answered) {
+    faults.push_back(title + ": OpenOCD read nothing");
+  } else if (!tap.idcode.has_value() && !tap.expected.empty()) {
+    faults.push_back(fmt::format("{}: it has no IDCODE, expected {}", title, tap.expected));
+  }
 }
 
 }  // namespace
@@ -113,10 +125,7 @@ Chain OpenocdChain(const std::string& said, const std::string& table) {
       continue;
     }
     chain.taps.push_back(TapOf(row, examination));
-    if (chain.taps.back().idcode.has_value() || examination.without.count(row.name) > 0) continue;
-    chain.taps.back().answered = false;
-    chain.faults.push_back(
-        fmt::format("{}: OpenOCD read nothing", TapTitle(chain, chain.taps.size() - 1)));
+    JudgeTap(chain.taps.back(), TapTitle(chain, chain.taps.size() - 1), chain.faults);
   }
   JudgeIdcodes(chain);
   if (chain.taps.empty() && chain.faults.empty()) chain.faults.emplace_back("OpenOCD has no TAP");
