@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <functional>
 #include <optional>
 #include <utility>
 
@@ -199,6 +198,7 @@ void ChainReader::TakeIr(const Bits& captured) {
     for (std::size_t i = 0; i < taps; ++i) chain_.taps[i].ir_bits = ways[0][i];
   } else {
     std::vector<std::string> told;
+    told.reserve(ways.size());
     for (const auto& way : ways) told.push_back(fmt::format("{}", fmt::join(way, "+")));
     if (ways.size() > kWaysTold) told.back() = "...";
     chain_.notes.push_back(
@@ -227,8 +227,7 @@ bool ChainReader::CountBypasses() {
 }  // namespace
 
 Chain ReadChain(PinPort& port) {
-  Chain chain = ChainReader(port).Read();
-  return chain;
+  return ChainReader(port).Read();
 }
 
 }  // namespace icehost
