@@ -1,6 +1,7 @@
 // Fuzzes icehost's own doors. The first byte of an input says which: 's' what a client sends to the
 // server, 'b' what a remote_bitbang server answers, 'o' what an OpenOCD answers, 'c' a script to
-// check, 'v' an SVF file to import. Behind it comes what enters there.
+// check, 'v' an SVF file to import, 'd' what a chain of TAPs answers, 'e' what OpenOCD says of its
+// chain. Behind it comes what enters there.
 #include <algorithm>
 #include <array>
 #include <asio/local/connect_pair.hpp>
@@ -9,11 +10,18 @@
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <optional>
 #include <sstream>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "entry/icescript.h"
 #include "fuzz/harness.h"
+#include "host/chain/chain_reader.h"
+#include "host/chain/chain_report.h"
+#include "host/chain/chain_script.h"
+#include "host/chain/openocd_chain.h"
 #include "host/check/check.h"
 #include "host/check/check_stream.h"
 #include "host/check/learn.h"
@@ -145,6 +153,80 @@ void BeOpenocdClient(std::string_view bytes) {
   probe.Flush();
 }
 
+// A chain that answers anything: a byte says how many bits, which follow. Behind them TDI comes
+// out, or zeros where they are 255. Each answer holds for two readings.
+class AnsweringPort : public icehost::PinPort {
+ public:
+  explicit AnsweringPort(std::string_view bytes) : bytes_(bytes) { BeginAnswer(); }
+
+  void Write(int levels, int enables) override {
+    constexpr int kNoReset = GPIO_PIN_NRST | GPIO_PIN_TRST;
+    Check((levels & enables & kNoReset) == kNoReset, "nothing is reset but by TMS");
+    tdi_ = (levels & GPIO_PIN_TDI) != 0;
+  }
+  int Read() override { return 0; }
+  void SampleTdo() override {
+    shifted_.push_back(tdi_);
+    samples_.push_back(samples_.size() < shifted_.size() && shifted_[samples_.size()]);
+  }
+  icehost::Bits CollectTdo() override {
+    if (++readings_ % 2 == 0) BeginAnswer();
+    shifted_ = answer_;
+    return std::exchange(samples_, {});
+  }
+
+ private:
+  void BeginAnswer() {
+    answer_.clear();
+    if (bytes_.empty()) return;
+    const int bits = static_cast<unsigned char>(bytes_.front());
+    bytes_.remove_prefix(1);
+    const std::size_t held = std::min(bytes_.size(), static_cast<std::size_t>(bits + 7) / 8);
+    const auto* const data = reinterpret_cast<const std::uint8_t*>(bytes_.data());
+    answer_ = icehost::BitsOfBytes(data, 0, std::min(bits, static_cast<int>(8 * held)));
+    if (bits == 255) answer_.resize(4096);
+    bytes_.remove_prefix(held);
+    shifted_ = answer_;
+  }
+
+  std::string_view bytes_;
+  icehost::Bits answer_;
+  icehost::Bits shifted_;  // the answer, and what was shifted in behind it
+  icehost::Bits samples_;
+  int readings_ = 0;
+  bool tdi_ = false;
+};
+
+// The report and the scripts of a chain; those of a sound one are right.
+void TellChain(const icehost::Chain& chain, std::optional<std::size_t> only) {
+  Check(!chain.taps.empty() || !chain.faults.empty(), "no TAP is a fault");
+  Check(chain.taps.size() <= icehost::kMostTaps || only.has_value(), "a chain has an end");
+  Check(!icehost::ReportOf(chain, "a probe", {}).empty(), "a chain is told");
+  if (!chain.faults.empty()) return;
+  std::vector<std::string> scripts = {icehost::GpioScriptOf(chain)};
+  try {
+    scripts.push_back(icehost::JtagScriptOf(chain, only));
+  } catch (const icehost::Unsupported&) {
+    // the IR is too long
+  }
+  for (const std::string& script : scripts) {
+    const auto problems = icehost::Check({"script", script}).problems;
+    Check(problems.Errors() == 0 && problems.Warnings() == 0, "a script of detect's is right");
+  }
+}
+
+void DetectOnPins(std::string_view bytes) {
+  AnsweringPort port(bytes);
+  TellChain(icehost::ReadChain(port), std::nullopt);
+}
+
+void DetectOnOpenocd(std::string_view bytes) {
+  const std::size_t half = std::min(bytes.find('\0'), bytes.size());
+  TellChain(
+      icehost::OpenocdChain(std::string(bytes.substr(0, half)), std::string(bytes.substr(half))),
+      0);
+}
+
 // Other values than those that are expected, and some for lines that do nothing but read.
 icehost::Captures Read(const icehost::ScriptText& script, const icehost::Plan& plan) {
   using Of = icehost::Expectation::Of;
@@ -211,6 +293,8 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (data[0] == 'o') BeOpenocdClient(bytes);
     if (data[0] == 'c') CheckScript(bytes);
     if (data[0] == 'v') ImportSvf(bytes);
+    if (data[0] == 'd') DetectOnPins(bytes);
+    if (data[0] == 'e') DetectOnOpenocd(bytes);
   } catch (const icehost::IoError&) {
     // the connection is lost or talks nonsense
   } catch (const icehost::Unsupported&) {

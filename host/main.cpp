@@ -2,6 +2,7 @@
 #include <exception>
 
 #include "host/check_verb.h"
+#include "host/detect.h"
 #include "host/import.h"
 #include "host/options/command_line.h"
 #include "host/reporter.h"
@@ -28,6 +29,10 @@ ExitStatus Execute(const ImportCommand& command) {
 
 ExitStatus Execute(const ServeCommand& command) {
   return Serve(command);
+}
+
+ExitStatus Execute(const DetectCommand& command) {
+  return Detect(command);
 }
 
 ExitStatus Main(int argc, char** argv) {

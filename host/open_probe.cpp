@@ -29,4 +29,8 @@ std::unique_ptr<OpenocdProbe> OpenOpenocd(const ProbeOptions& options) {
   return std::make_unique<OpenocdProbe>(Connect(options), options.choice.tap);
 }
 
+OpenocdRpc OpenRpc(const ProbeOptions& options) {
+  return OpenocdRpc(Connect(options));
+}
+
 }  // namespace icehost

@@ -6,6 +6,7 @@
 
 #include "host/options/commands.h"
 #include "host/probe/openocd_probe.h"
+#include "host/probe/openocd_rpc.h"
 #include "host/probe/pin_port.h"
 
 namespace icehost {
@@ -15,6 +16,8 @@ namespace icehost {
 std::unique_ptr<PinPort> OpenPins(const ProbeOptions& options);
 // The one that does not. Throws likewise.
 std::unique_ptr<OpenocdProbe> OpenOpenocd(const ProbeOptions& options);
+// What that one says itself. Throws likewise.
+OpenocdRpc OpenRpc(const ProbeOptions& options);
 
 }  // namespace icehost
 

@@ -54,10 +54,12 @@ TEST(Icehost, RunsAsGolden) {
       {"check tests/scripts/traps.gpio tests/scripts/traps.ini", 1, "check_traps"},
       {"check -q tests/scripts/bad.gpio tests/scripts/no_start.gpio - <tests/scripts/no_end.gpio",
        1, "check_errors_only"},
-      {"--help; for verb in run check import serve; do " ICESCRIPT_ICEHOST " $verb --help; done", 0,
-       "help"},
-      {"help; for verb in run check import serve; do " ICESCRIPT_ICEHOST " -q help $verb; done", 0,
-       "help"},
+      {"--help; for verb in run check detect import serve; do " ICESCRIPT_ICEHOST
+       " $verb --help; done",
+       0, "help"},
+      {"help; for verb in run check detect import serve; do " ICESCRIPT_ICEHOST
+       " -q help $verb; done",
+       0, "help"},
       {"check - <<END\n[ZEVAA_ICE_GPPIO]\nA=1\nEND", 1, "check_near_tag"},
       {"check tests/golden/empty.txt tests/scripts/marked.gpio tests/scripts/near.gpio", 1,
        "check_heads"},
@@ -77,6 +79,7 @@ TEST(Icehost, RunsAsGolden) {
       {"check -q examples/* tests/scripts/long_scans.ini 2>&1", 0, "empty"},
       {"check -q --strict examples/reset.ini /nowhere tests/scripts/long_scans.ini", 1,
        "check_strict"},
+      {"detect --ir-length 9 --script jtag 2>&1", 0, "detect"},
       {"check --json - tests/scripts/bad.gpio /nowhere examples/reset.ini", 1, "check_json"},
   };
   const bool update = std::getenv("ICESCRIPT_UPDATE_GOLDEN") != nullptr;
@@ -99,7 +102,7 @@ TEST(Icehost, SaysWhatIsWrong) {
     int status;
     std::string message;
   } kFaults[] = {
-      {"", 2, "a verb is required: run, check, import, serve" + help},
+      {"", 2, "a verb is required: run, check, detect, import, serve" + help},
       {"chek x", 2, "unknown verb \"chek\" (did you mean check?)" + help},
       {"help chek", 2, "unknown verb \"chek\" (did you mean check?)" + help},
       {"-q xyz --help", 2, "unknown verb \"xyz\"" + help},
@@ -122,6 +125,13 @@ TEST(Icehost, SaysWhatIsWrong) {
        "--register: instruction 0x10 does not fit an IR of 4 bits" + help},
       {"run --ir-length 1 x", 2, "--ir-length: Value 1 not in range 2 to 32" + help},
       {"run --ir-length 33 x", 2, "--ir-length: Value 33 not in range 2 to 32" + help},
+      {"detect --script ini", 2, "--script: expected jtag or gpio" + help},
+      {"detect --script gpio --probe openocd:h:1", 2,
+       "--script: GPIO scripts do not run on OpenOCD" + help},
+      {"detect --probe remote-bitbang:unix:/nowhere/x", 3,
+       "icehost: unix:/nowhere/x: cannot connect: No such file or directory\n"},
+      {"detect --idcode ff", 1,
+       "icehost: TAP 1: 0x000000ff is no valid IDCODE (no manufacturer may have code 0x7f)\n"},
       {"serve udp:1", 2, "ENDPOINT: expected tcp:PORT, tcp:ADDRESS:PORT or unix:PATH" + help},
       {"run --register \"3:$(printf '\\033[1m')\" x", 2,
        "--register: \" [1m\" is no number from 0 to 4096" + help},

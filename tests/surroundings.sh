@@ -52,6 +52,7 @@ for output in "run --json=-" "run --vcd=-" "run --svg=-" "run --html=-" "run --t
   "check --json=- tests/scripts/bad.ini"; do
   expect 3 'icehost: standard output: No space left on device' "\"\$icehost\" $output \$script >/dev/full"
 done
+expect 3 'icehost: standard output: No space left on device' '"$icehost" detect --script gpio -q >/dev/full'
 expect 3 'icehost: standard output: Bad file descriptor' '"$icehost" run --json - "$script" >&-'
 for output in --json=- --vcd=- --trace=-; do
   expect 3 'icehost: standard output: Broken pipe' \

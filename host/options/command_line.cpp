@@ -15,10 +15,13 @@ namespace icehost {
 namespace {
 
 constexpr char kFooter[] =
-    "Exit status: 0 all well; 1 a script failed or has errors; 2 bad usage; 3 the plug-in, the\n"
-    "endpoint or an output cannot be opened or written, or the connection was lost; 130\n"
-    "interrupted. The plug-in's messages and what check finds go to standard output, everything\n"
-    "else of icehost's own to standard error.";
+    "Exit status: 0 all well; 1 a script failed or has errors, or detect found no sound chain; 2 "
+    "bad\n"
+    "usage; 3 the plug-in, the endpoint or an output cannot be opened or written, or the "
+    "connection\n"
+    "was lost; 130 interrupted. The plug-in's messages and what check and detect find go to "
+    "standard\n"
+    "output, everything else of icehost's own to standard error.";
 
 }  // namespace
 
@@ -34,10 +37,12 @@ std::variant<Command, ExitStatus> ParseCommandLine(int argc, char** argv) {
   RunCommand run;
   run.plugin = DefaultPluginPath();
   CheckCommand check;
+  DetectCommand detect;
   ImportCommand import;
   ServeCommand serve;
   AddRun(app, run);
   AddCheck(app, check);
+  AddDetect(app, detect);
   AddImport(app, import);
   AddServe(app, serve);
   app.footer(std::string("icehost help VERB tells the options of a verb.\n\n") + kFooter);
@@ -52,10 +57,12 @@ std::variant<Command, ExitStatus> ParseCommandLine(int argc, char** argv) {
   // What else stands on standard output would spoil an output that is meant for a program.
   run.quiet |= quiet || IsOnStandardOutput(run);
   check.quiet |= quiet;
+  detect.quiet |= quiet;
   import.quiet |= quiet;
   serve.quiet |= quiet;
   if (app.got_subcommand("run")) return run;
   if (app.got_subcommand("check")) return check;
+  if (app.got_subcommand("detect")) return detect;
   if (app.got_subcommand("import")) return import;
   return serve;
 }

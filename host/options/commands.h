@@ -3,6 +3,7 @@
 #define ICESCRIPT_HOST_OPTIONS_COMMANDS_H_
 
 #include <chrono>
+#include <optional>
 #include <string>
 #include <variant>
 #include <vector>
@@ -84,7 +85,15 @@ struct ServeCommand {
   bool quiet = false;
 };
 
-using Command = std::variant<RunCommand, CheckCommand, ImportCommand, ServeCommand>;
+enum class ScriptKind { kJtag, kGpio };
+
+struct DetectCommand {
+  ProbeOptions probe;
+  std::optional<ScriptKind> script;
+  bool quiet = false;
+};
+
+using Command = std::variant<RunCommand, CheckCommand, DetectCommand, ImportCommand, ServeCommand>;
 
 }  // namespace icehost
 

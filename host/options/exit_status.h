@@ -6,7 +6,7 @@ namespace icehost {
 
 enum ExitStatus : int {
   kAllWell = 0,
-  kScriptFailed = 1,  // or has errors
+  kScriptFailed = 1,  // or has errors, or there is no sound chain of TAPs
   kBadUsage = 2,
   kNotOpened = 3,  // the plug-in, the endpoint or an output file; or the connection was lost
   kInterrupted = 130,

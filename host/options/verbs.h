@@ -12,6 +12,7 @@ void AddRun(CLI::App& app, RunCommand& run);
 void AddCheck(CLI::App& app, CheckCommand& check);
 void AddImport(CLI::App& app, ImportCommand& import);
 void AddServe(CLI::App& app, ServeCommand& serve);
+void AddDetect(CLI::App& app, DetectCommand& detect);
 
 }  // namespace icehost
 

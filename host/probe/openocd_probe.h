@@ -3,8 +3,8 @@
 #define ICESCRIPT_HOST_PROBE_OPENOCD_PROBE_H_
 
 #include <string>
-#include <vector>
 
+#include "host/probe/openocd_rpc.h"
 #include "host/probe/probe.h"
 #include "host/system/socket.h"
 #include "host/target/bits.h"
@@ -28,14 +28,10 @@ class OpenocdProbe : public Probe {
   int Gpio(int out_value, std::uint32_t& data, int oe_mask, int flags) override;
 
  private:
-  std::string Ask(const std::string& command);
-  std::string ReceiveAnswer(const std::string& command);
   void ChooseTap();
   int DeclaredIrLength();
 
-  Socket socket_;
-  std::string received_;  // behind the last answer
-  int commands_ = 0;
+  OpenocdRpc rpc_;
   std::string tap_;
   int ir_length_ = 0;
   Bits ir_;

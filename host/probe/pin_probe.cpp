@@ -46,8 +46,8 @@ int PinProbe::Config(int code, int value) {
 
 int PinProbe::Reset(int kind) {
   if (kind != LINK_RESET_TARGET) return -1;
-  Write(kNoReset & ~GPIO_PIN_NRST, kDrivenPins);
-  Write(kNoReset, kDrivenPins);
+  walker_.Write(kNoReset & ~GPIO_PIN_NRST, kDrivenPins);
+  walker_.Write(kNoReset, kDrivenPins);
   return 0;
 }
 
@@ -58,9 +58,9 @@ int PinProbe::Insert(int ir_bits, const std::uint8_t* ir, int dr_bits, const std
 }
 
 int PinProbe::Execute(std::uint8_t* capture) {
-  TakeTap();
-  if (!ir_.empty()) Scan(TapState::kShiftIr, ir_);
-  if (!dr_.empty()) Scan(TapState::kShiftDr, dr_);
+  walker_.TakeTap();
+  if (!ir_.empty()) walker_.Scan(TapState::kShiftIr, ir_);
+  if (!dr_.empty()) walker_.Scan(TapState::kShiftDr, dr_);
   // Both at once, for across a network a wait costs more than a scan.
   const Bits out = port_.CollectTdo();
   const auto dr_out = out.begin() + static_cast<std::ptrdiff_t>(ir_.size());
@@ -78,7 +78,7 @@ int PinProbe::Gpio(int out_value, std::uint32_t& data, int oe_mask, int flags) {
   const bool write_out = start || (flags & GPIO_FLAG_WRITE_OUT) != 0;
   const bool write_oe = start || (flags & GPIO_FLAG_WRITE_OE) != 0;
   if (write_out || write_oe) {
-    Write(write_out ? out_value : levels_, write_oe ? oe_mask : enables_);
+    walker_.Write(write_out ? out_value : walker_.Levels(), write_oe ? oe_mask : walker_.Enables());
   }
   if ((flags & GPIO_FLAG_READ_IN) != 0) data = static_cast<std::uint32_t>(port_.Read());
   return 0;
@@ -89,42 +89,6 @@ int PinProbe::Gpio(int out_value, std::uint32_t& data, int oe_mask, int flags) {
 Bits PinProbe::ScanBits(int bits, const std::uint8_t* data) const {
   const int extra = wire_mode_ == CDI_ANSWER_2WIRE ? 8 : 0;
   return BitsOfBytes(data, extra, std::min(bits, 8 * JTAG_DR_MAX_BYTES));
-}
-
-void PinProbe::Write(int levels, int enables) {
-  port_.Write(levels, enables);
-  levels_ = levels;
-  enables_ = enables;
-  tap_.Update(WireLevels(levels, enables));
-}
-
-// One TCK cycle. TMS and TDI are set up, and TDO is sampled, while TCK is low: the target takes
-// them on the rising edge and changes TDO on the falling one.
-void PinProbe::ClockTck(bool tms, bool tdi, bool sample) {
-  const int levels = kNoReset | (tms ? GPIO_PIN_TMS : 0) | (tdi ? GPIO_PIN_TDI : 0);
-  Write(levels, kDrivenPins);
-  if (sample) port_.SampleTdo();
-  Write(levels | GPIO_PIN_TCK, kDrivenPins);
-}
-
-// Makes the pins and the TAP this probe's own, wherever a GPIO script left them.
-void PinProbe::TakeTap() {
-  Write(kNoReset, kDrivenPins);
-  while (!tap_.State().has_value()) ClockTck(true, false, false);
-  MoveTo(TapState::kRunTestIdle);
-}
-
-void PinProbe::MoveTo(TapState state) {
-  while (tap_.State() != state) ClockTck(TmsTowards(*tap_.State(), state), false, false);
-}
-
-// One scan from Run-Test/Idle and back, with TCK low at its end; what comes out is yet to be
-// collected.
-void PinProbe::Scan(TapState shift, const Bits& in) {
-  MoveTo(shift);
-  for (std::size_t i = 0; i < in.size(); ++i) ClockTck(i + 1 == in.size(), in[i], true);
-  MoveTo(TapState::kRunTestIdle);
-  Write(kNoReset, kDrivenPins);
 }
 
 }  // namespace icehost

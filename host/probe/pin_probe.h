@@ -1,4 +1,4 @@
-// A probe made of pins: it walks the TAP itself.
+// A probe made of pins.
 #ifndef ICESCRIPT_HOST_PROBE_PIN_PROBE_H_
 #define ICESCRIPT_HOST_PROBE_PIN_PROBE_H_
 
@@ -9,8 +9,8 @@
 #include "entry/icescript.h"
 #include "host/probe/pin_port.h"
 #include "host/probe/probe.h"
+#include "host/probe/tap_walker.h"
 #include "host/target/bits.h"
-#include "host/target/tap_tracker.h"
 
 namespace icehost {
 
@@ -22,7 +22,11 @@ class PinProbe : public Probe {
   // `port` must outlive the probe. `wire_mode` is the CDI_ANSWER_ in force at the start; where
   // `two_wire` is false, selecting the 2-wire interface throws Unsupported.
   PinProbe(PinPort& port, int wire_mode, bool two_wire, Doubt doubt)
-      : port_(port), two_wire_(two_wire), doubt_(std::move(doubt)), wire_mode_(wire_mode) {}
+      : port_(port),
+        two_wire_(two_wire),
+        doubt_(std::move(doubt)),
+        wire_mode_(wire_mode),
+        walker_(port) {}
 
   int Config(int code, int value) override;
   int Reset(int kind) override;
@@ -31,25 +35,18 @@ class PinProbe : public Probe {
   int Gpio(int out_value, std::uint32_t& data, int oe_mask, int flags) override;
   void Flush() override { port_.Flush(); }
 
-  long TckCycles() const { return tap_.TckCycles(); }
+  long TckCycles() const { return walker_.TckCycles(); }
 
  private:
   Bits ScanBits(int bits, const std::uint8_t* data) const;
-  void Write(int levels, int enables);
-  void ClockTck(bool tms, bool tdi, bool sample);
-  void TakeTap();
-  void MoveTo(TapState state);
-  void Scan(TapState shift, const Bits& in);
 
   PinPort& port_;
   bool two_wire_;
   Doubt doubt_;
   int wire_mode_;
-  int levels_ = GPIO_PIN_ALL;
-  int enables_ = 0;
   Bits ir_;
   Bits dr_;
-  TapTracker tap_;
+  TapWalker walker_;
 };
 
 }  // namespace icehost

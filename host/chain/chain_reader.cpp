@@ -1,0 +1,233 @@
+#include "host/chain/chain_reader.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+#include "host/chain/idcode.h"
+#include "host/chain/ir_lengths.h"
+#include "host/probe/tap_walker.h"
+
+namespace icehost {
+namespace {
+
+// What is shifted in first and known again behind the chain. No chain answers with it: it begins as
+// an IDCODE of the manufacturer that the standard forbids.
+constexpr std::uint64_t kMarker = 0x9C3A'51E7'2B64'D0FF;
+constexpr std::size_t kMarkerBits = 64;
+// Most chains are short, and a simulator may need a millisecond a bit.
+constexpr int kFewTaps = 4;
+// Longer than any IR, of one TAP and of each in a chain.
+constexpr std::size_t kMostIrBits = 256;
+constexpr std::size_t kMostIrBitsEach = 64;
+// Lengths of the single IRs to tell where several fit.
+constexpr std::size_t kWaysTold = 4;
+
+// The marker again and again: what is all alike behind the chain did not come through it.
+Bits Markers(std::size_t bits) {
+  Bits markers = BitsOfNumber(kMarker, kMarkerBits);
+  while (markers.size() < bits) markers.push_back(markers[markers.size() - kMarkerBits]);
+  return markers;
+}
+
+// The marker, and ones behind it.
+Bits MarkedBits(std::size_t bits_behind) {
+  Bits bits = BitsOfNumber(kMarker, kMarkerBits);
+  bits.insert(bits.end(), bits_behind, true);
+  return bits;
+}
+
+// How many bits stand between TDI and TDO: where what went in comes out. Nothing where the marker
+// does not come out whole.
+std::optional<std::size_t> LengthBetween(const Bits& in, const Bits& out) {
+  for (std::size_t at = 0; at + kMarkerBits <= out.size(); ++at) {
+    const auto echo = out.begin() + static_cast<std::ptrdiff_t>(at);
+    if (std::equal(echo, out.end(), in.begin())) return at;
+  }
+  return std::nullopt;
+}
+
+// The number of bits at the end that are all alike.
+std::size_t TailOf(const Bits& bits) {
+  const auto other = std::find(bits.rbegin(), bits.rend(), !bits.back());
+  return static_cast<std::size_t>(other - bits.rbegin());
+}
+
+class ChainReader {
+ public:
+  explicit ChainReader(PinPort& port) : port_(port), walker_(port) {}
+
+  Chain Read() {
+    if (ReadIdcodes() && ReadIrs()) CountBypasses();
+    JudgeIdcodes(chain_);
+    walker_.ResetTap();
+    port_.Flush();
+    return std::move(chain_);
+  }
+
+ private:
+  enum class From { kReset, kHere };
+
+  // Each returns whether it makes sense to go on.
+  bool ReadIdcodes();
+  bool ReadIrs();
+  bool CountBypasses();
+
+  std::optional<Bits> ReadTwice(From from, TapState shift, const Bits& in, const char* what);
+  Bits ReadOnce(From from, TapState shift, const Bits& in);
+  void TakeTaps(const Bits& out, std::size_t begin_below, std::size_t end);
+  void TakeIr(const Bits& captured);
+  void ExplainEndless(const Bits& out);
+  bool Fail(std::string why);
+
+  PinPort& port_;
+  TapWalker walker_;
+  Chain chain_;
+};
+
+bool ChainReader::Fail(std::string why) {
+  chain_.faults.push_back(std::move(why));
+  return false;
+}
+
+Bits ChainReader::ReadOnce(From from, TapState shift, const Bits& in) {
+  if (from == From::kReset) walker_.ResetTap();
+  walker_.Scan(shift, in);
+  return port_.CollectTdo();
+}
+
+std::optional<Bits> ChainReader::ReadTwice(From from, TapState shift, const Bits& in,
+                                           const char* what) {
+  Bits first = ReadOnce(from, shift, in);
+  const Bits second = ReadOnce(from, shift, in);
+  if (first == second) return first;
+  const auto differs = std::mismatch(first.begin(), first.end(), second.begin()).first;
+  Fail(
+      fmt::format("the signals are not stable: two readings of {} differ, first in bit {} (TDO "
+                  "floats, TCK is too fast, or ground is missing)",
+                  what, differs - first.begin()));
+  return std::nullopt;
+}
+
+// After a reset each TAP answers with its IDCODE, whose bit 0 is 1, or with the 0 of BYPASS.
+bool ChainReader::ReadIdcodes() {
+  Bits out;
+  for (const int taps : {kFewTaps, kMostTaps}) {
+    const Bits in = Markers(static_cast<std::size_t>(taps * kIdcodeBits) + kMarkerBits);
+    const auto read = ReadTwice(From::kReset, TapState::kShiftDr, in, "the IDCODEs");
+    if (!read.has_value()) return false;
+    out = *read;
+    const auto end = LengthBetween(in, out);
+    if (!end.has_value()) continue;
+    TakeTaps(out, *end, *end);
+    if (*end == 0) Fail("no TAP: what is shifted in comes out at once (TDI and TDO are connected)");
+    return !chain_.taps.empty();
+  }
+  ExplainEndless(out);
+  return false;
+}
+
+// The TAPs whose answers begin below one bit and end at another or before.
+void ChainReader::TakeTaps(const Bits& out, std::size_t begin_below, std::size_t end) {
+  for (std::size_t at = 0; at < begin_below && chain_.taps.size() < kMostTaps;) {
+    ChainTap tap;
+    const std::size_t bits = out[at] ? kIdcodeBits : 1;
+    if (at + bits > end) {
+      Fail(fmt::format("the last {} bits of the chain are no whole IDCODE", end - at));
+      return;
+    }
+    const auto first = out.begin() + static_cast<std::ptrdiff_t>(at);
+    const Bits idcode(first, first + static_cast<std::ptrdiff_t>(bits));
+    if (out[at]) tap.idcode = static_cast<std::uint32_t>(NumberOfBits(idcode));
+    chain_.taps.push_back(tap);
+    at += bits;
+  }
+}
+
+void ChainReader::ExplainEndless(const Bits& out) {
+  const std::size_t tail = TailOf(out);
+  if (tail == out.size()) {
+    Fail(out.back()
+             ? "nothing answers: TDO is all ones (it is stuck high, or nothing is powered or "
+               "connected)"
+             : "nothing answers: TDO is all zeros (it is shorted to ground, or the target is "
+               "held in reset or is not powered)");
+  } else if (tail > kMarkerBits) {
+    Fail(
+        fmt::format("the chain is broken: behind the TAPs that answer TDO is all {} (TDI is not "
+                    "connected, or the chain is open there)",
+                    out.back() ? "ones" : "zeros"));
+    // The last IDCODE may end in bits that are alike.
+    TakeTaps(out, out.size() - tail, out.size());
+  } else {
+    Fail(
+        fmt::format("the chain has no end: what is shifted in does not come out within {} bits (it "
+                    "has more than {} TAPs, or is broken)",
+                    out.size() - kMarkerBits, kMostTaps));
+  }
+}
+
+// The ones behind the marker stay in the IRs: BYPASS in every TAP.
+bool ChainReader::ReadIrs() {
+  const std::size_t most = std::max(kMostIrBits, kMostIrBitsEach * chain_.taps.size());
+  const Bits in = MarkedBits(most);
+  const auto out = ReadTwice(From::kReset, TapState::kShiftIr, in, "the IRs");
+  if (!out.has_value()) return false;
+  const auto length = LengthBetween(in, *out);
+  if (!length.has_value()) {
+    return Fail(fmt::format(
+        "the IR has no end: what is shifted in does not come out within {} bits", most));
+  }
+  chain_.ir_bits = static_cast<int>(*length);
+  TakeIr(Bits(out->begin(), out->begin() + static_cast<std::ptrdiff_t>(*length)));
+  return true;
+}
+
+void ChainReader::TakeIr(const Bits& captured) {
+  const std::size_t taps = chain_.taps.size();
+  if (taps == 1) chain_.taps[0].ir_bits = chain_.ir_bits;
+  const auto ways = IrLengths(captured, taps, kWaysTold + 1);
+  if (ways.empty()) {
+    Fail(
+        fmt::format("the captured IR, {} bits, is not that of {}: each begins with the 01 of "
+                    "IEEE 1149.1 in its lowest bits",
+                    captured.size(), CountedTaps(taps)));
+  } else if (ways.size() == 1) {
+    for (std::size_t i = 0; i < taps; ++i) chain_.taps[i].ir_bits = ways[0][i];
+  } else {
+    std::vector<std::string> told;
+    told.reserve(ways.size());
+    for (const auto& way : ways) told.push_back(fmt::format("{}", fmt::join(way, "+")));
+    if (ways.size() > kWaysTold) told.back() = "...";
+    chain_.notes.push_back(
+        fmt::format("the single IR lengths cannot be told: {}", fmt::join(told, " or ")));
+  }
+}
+
+bool ChainReader::CountBypasses() {
+  const Bits in = MarkedBits(kMostTaps);
+  const auto out = ReadTwice(From::kHere, TapState::kShiftDr, in, "BYPASS");
+  if (!out.has_value()) return false;
+  const std::size_t taps = chain_.taps.size();
+  const auto length = LengthBetween(in, *out);
+  if (length != taps) {
+    const std::string bits = length.has_value() ? fmt::to_string(*length) : "more than 64";
+    return Fail(fmt::format("{} answered after the reset, but in BYPASS there are {} bits",
+                            CountedTaps(taps), bits));
+  }
+  if (std::find(out->begin(), out->end(), true) <
+      out->begin() + static_cast<std::ptrdiff_t>(taps)) {
+    return Fail("a TAP in BYPASS answers with 1, not 0");
+  }
+  return true;
+}
+
+}  // namespace
+
+Chain ReadChain(PinPort& port) {
+  return ChainReader(port).Read();
+}
+
+}  // namespace icehost

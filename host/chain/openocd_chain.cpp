@@ -1,0 +1,144 @@
+#include "host/chain/openocd_chain.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <charconv>
+#include <map>
+#include <optional>
+#include <set>
+#include <sstream>
+#include <string_view>
+#include <vector>
+
+#include "host/system/errors.h"
+
+namespace icehost {
+namespace {
+
+// What it says of each TAP is on level 2, and on level 3 there would be too much of it.
+constexpr char kExamine[] =
+    "set icehost_level [lindex [debug_level] end]; debug_level 2; "
+    "set icehost_failed [catch {capture {jtag arp_init}} icehost_said]; "
+    "debug_level $icehost_level; concat $icehost_failed $icehost_said";
+constexpr int kLeastIrBits = 2;
+constexpr char kNoneExpected[] = "0x00000000";
+constexpr std::size_t kLongestLine = 200;
+constexpr std::size_t kMostLines = 20;
+
+struct Answer {
+  std::uint32_t idcode;
+  std::string manufacturer;
+};
+
+// What OpenOCD says while it examines a chain.
+struct Examination {
+  std::map<std::string, Answer> read;  // by the names of TAPs
+  std::set<std::string> without;       // an IDCODE
+  std::vector<std::string> complaints;
+};
+
+std::optional<std::uint32_t> Hexadecimal(std::string_view word) {
+  if (word.substr(0, 2) != "0x") return std::nullopt;
+  std::uint32_t value = 0;
+  const auto [stopped, error] =
+      std::from_chars(word.data() + 2, word.data() + word.size(), value, 16);
+  if (stopped != word.data() + word.size() || error != std::errc()) return std::nullopt;
+  return value;
+}
+
+// From "... (mfg: 0x23b (NAME), part: ..."; OpenOCD puts "<invalid>" where it has no name.
+std::string ManufacturerIn(const std::string& line) {
+  const std::size_t begin = line.find(" (", line.find("(mfg: 0x") + 1);
+  const std::size_t end = line.find("), part: ");
+  if (begin == std::string::npos || end == std::string::npos || end < begin + 2) return "";
+  const std::string name = line.substr(begin + 2, end - begin - 2);
+  return name.empty() || name.front() == '<' ? "" : name;
+}
+
+// "JTAG tap: NAME tap/device found: 0x... (mfg: ...": what was read of a TAP.
+bool TakeFound(const std::string& line, const std::vector<std::string>& words,
+               Examination& examination) {
+  if (words.size() < 6 || words[0] != "JTAG" || words[3] != "tap/device") return false;
+  const auto idcode = Hexadecimal(words[5]);
+  if (!idcode.has_value()) return false;
+  examination.read[words[2]] = {*idcode, ManufacturerIn(line)};
+  return true;
+}
+
+// "TAP NAME does not have valid IDCODE (idcode=0x...)": the TAP is there, and in BYPASS.
+bool TakeWithout(const std::vector<std::string>& words, Examination& examination) {
+  if (words.size() < 7 || words[0] != "TAP" || words[6] != "IDCODE") return false;
+  examination.without.insert(words[1]);
+  return true;
+}
+
+Examination Examine(const std::string& said) {
+  Examination examination;
+  std::istringstream lines(said);
+  for (std::string line; std::getline(lines, line);) {
+    const std::vector<std::string> words = WordsOf(line);
+    if (words.empty() || TakeFound(line, words, examination) || TakeWithout(words, examination)) {
+      continue;
+    }
+    if (examination.complaints.size() == kMostLines) continue;
+    examination.complaints.push_back(
+        fmt::format("OpenOCD: {}", fmt::join(words, " ")).substr(0, kLongestLine));
+  }
+  return examination;
+}
+
+ChainTap TapOf(const OpenocdTap& row, const Examination& examination) {
+  ChainTap tap;
+  tap.name = row.name;
+  tap.ir_bits = row.ir_bits;
+  if (row.expected.front() != kNoneExpected) {
+    tap.expected = fmt::format("{}", fmt::join(row.expected, " or "));
+  }
+  const auto read = examination.read.find(row.name);
+  tap.answered = read != examination.read.end() || examination.without.count(row.name) > 0;
+  if (read == examination.read.end()) return tap;
+  tap.idcode = read->second.idcode;
+  tap.manufacturer = read->second.manufacturer;
+  return tap;
+}
+
+// What is wrong with one TAP that OpenOCD may be content with.
+void JudgeTap(const ChainTap& tap, const std::string& title, std::vector<std::string>& faults) {
+  if (*tap.ir_bits < kLeastIrBits) faults.push_back(title + ": no IR is that short");
+  if (!tap.answered) {
+    faults.push_back(title + ": OpenOCD read nothing");
+  } else if (!tap.idcode.has_value() && !tap.expected.empty()) {
+    faults.push_back(fmt::format("{}: it has no IDCODE, expected {}", title, tap.expected));
+  }
+}
+
+}  // namespace
+
+Chain OpenocdChain(const std::string& said, const std::string& table) {
+  const Examination examination = Examine(said);
+  Chain chain;
+  chain.faults = examination.complaints;
+  for (const OpenocdTap& row : ParseScanChain(table)) {
+    if (!row.enabled) {
+      chain.notes.push_back(row.name + " is declared, but disabled: it is not in the chain");
+      continue;
+    }
+    chain.taps.push_back(TapOf(row, examination));
+    JudgeTap(chain.taps.back(), TapTitle(chain, chain.taps.size() - 1), chain.faults);
+  }
+  JudgeIdcodes(chain);
+  if (chain.taps.empty() && chain.faults.empty()) chain.faults.emplace_back("OpenOCD has no TAP");
+  return chain;
+}
+
+Chain ReadOpenocdChain(OpenocdRpc& rpc) {
+  const std::string said = rpc.Ask(kExamine);
+  if (said.substr(0, 1) != "0") {
+    throw IoError("OpenOCD cannot examine its chain: " +
+                  said.substr(std::min<std::size_t>(2, said.size())));
+  }
+  return OpenocdChain(said.substr(1), rpc.Ask(kAskScanChain));
+}
+
+}  // namespace icehost
