@@ -62,7 +62,7 @@ $arm
        IR 5 bits: OpenOCD's word, not measured
        expected 0x4ba00477 or 0x3ba00477
 b.tap is declared, but disabled: it is not in the chain"
-detect 0 -q --script jtag --probe "$probe:a.tap"
+detect 0 -q --script --probe "$probe:a.tap"
 holds err.txt ''
 "$icehost" run -q --strict --probe "$probe:a.tap" out.txt || fail "the script does not pass"
 detect 3 --probe "$probe:b.tap"

@@ -6,8 +6,9 @@
 namespace icehost {
 namespace {
 
+// Given without a kind, the text is empty.
 ScriptKind ParseScriptKind(const std::string& text) {
-  if (text == "jtag") return ScriptKind::kJtag;
+  if (text.empty() || text == "jtag") return ScriptKind::kJtag;
   if (text == "gpio") return ScriptKind::kGpio;
   throw std::invalid_argument("expected jtag or gpio");
 }
@@ -18,9 +19,10 @@ void AddDetect(CLI::App& app, DetectCommand& detect) {
   CLI::App& verb = AddVerb(app, "detect", "Tell which TAPs are on a probe", detect.quiet);
   AddProbe(verb, detect.probe);
   AddParsed(verb, "--script", "KIND",
-            "Write the beginning of a script, jtag or gpio, to standard output\n"
-            "(and the report to standard error)",
-            [&detect](const std::string& text) { detect.script = ParseScriptKind(text); });
+            "Write the beginning of a script, jtag (the default) or gpio, to standard\n"
+            "output (and the report to standard error)",
+            [&detect](const std::string& text) { detect.script = ParseScriptKind(text); })
+      ->expected(0, 1);
   verb.final_callback([&detect, &verb] {
     RefuseUnfitProbe(verb, detect.probe);
     Refuse("--script", [&detect] {
