@@ -1,6 +1,5 @@
 #include "host/open_probe.h"
 
-#include "host/probe/bitbang_port.h"
 #include "host/probe/sim_port.h"
 #include "host/system/socket.h"
 
@@ -13,12 +12,12 @@ Socket Connect(const ProbeOptions& options) {
 
 }  // namespace
 
-std::unique_ptr<PinPort> OpenPins(const ProbeOptions& options) {
+std::unique_ptr<PinPort> OpenPins(const ProbeOptions& options, BitbangPort::Manner manner) {
   switch (options.choice.kind) {
     case ProbeChoice::Kind::kSim:
       return std::make_unique<SimPort>(options.target);
     case ProbeChoice::Kind::kBitbang:
-      return std::make_unique<BitbangPort>(Connect(options));
+      return std::make_unique<BitbangPort>(Connect(options), manner);
     case ProbeChoice::Kind::kOpenocd:
       break;
   }

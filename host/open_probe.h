@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "host/options/commands.h"
+#include "host/probe/bitbang_port.h"
 #include "host/probe/openocd_probe.h"
 #include "host/probe/openocd_rpc.h"
 #include "host/probe/pin_port.h"
@@ -13,7 +14,8 @@ namespace icehost {
 
 // Its pins; null where it does not show them. Connects where the probe is across a network; throws
 // IoError.
-std::unique_ptr<PinPort> OpenPins(const ProbeOptions& options);
+std::unique_ptr<PinPort> OpenPins(const ProbeOptions& options,
+                                  BitbangPort::Manner manner = BitbangPort::Manner::kProbe);
 // The one that does not. Throws likewise.
 std::unique_ptr<OpenocdProbe> OpenOpenocd(const ProbeOptions& options);
 // What that one says itself. Throws likewise.

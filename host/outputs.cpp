@@ -2,8 +2,6 @@
 
 #include <iostream>
 
-#include "host/system/errors.h"
-
 namespace icehost {
 
 Outputs::Outputs(const RunCommand& command) {
@@ -60,15 +58,7 @@ std::vector<std::string> Outputs::Complete(const PageHead& head) {
   if (svg.has_value()) svg->Write(*svg_stream_);
   if (page.has_value()) page->Write(*page_stream_, head);
   if (svf_pins.has_value()) svf_pins->End();
-  std::vector<std::string> failures;
-  for (const auto& file : files_) {
-    try {
-      file->Close();
-    } catch (const IoError& error) {
-      failures.emplace_back(error.what());
-    }
-  }
-  return failures;
+  return CloseAll(files_);
 }
 
 std::vector<std::string> Outputs::TakeLosses() {

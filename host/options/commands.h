@@ -82,6 +82,8 @@ struct ServeCommand {
   Endpoint endpoint;
   ProbeOptions probe;
   std::chrono::milliseconds idle_limit{60000};
+  RecordFiles record;
+  bool verbose = false;
   bool quiet = false;
 };
 

@@ -86,6 +86,13 @@ void RefuseSharedFiles(const ImportCommand& command) {
   RefuseShared({{"--output", command.output}}, UsesBesideOutputs({command.file}));
 }
 
+void RefuseSharedFiles(const ServeCommand& command) {
+  RefuseShared({{"--trace", command.record.trace},
+                {"--json", command.record.json},
+                {"--vcd", command.record.vcd}},
+               UsesBesideOutputs({}));
+}
+
 bool IsOnStandardOutput(const RunCommand& command) {
   const Outputs outputs = OutputsOf(command);
   return std::any_of(outputs.begin(), outputs.end(),

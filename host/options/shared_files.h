@@ -11,6 +11,7 @@ namespace icehost {
 void RefuseSharedFiles(const RunCommand& command);
 void RefuseSharedFiles(const CheckCommand& command);
 void RefuseSharedFiles(const ImportCommand& command);
+void RefuseSharedFiles(const ServeCommand& command);
 
 bool IsOnStandardOutput(const RunCommand& command);
 

@@ -19,6 +19,8 @@ constexpr std::size_t kAnswersUnderWay = 2048;
 // How long an answer too many may be behind the last one that was asked for.
 constexpr std::chrono::milliseconds kStragglers{10};
 
+constexpr int kResetPins = GPIO_PIN_NRST | GPIO_PIN_TRST;
+
 char PinByte(int levels) {
   return static_cast<char>('0' + ((levels & GPIO_PIN_TCK) != 0 ? 4 : 0) +
                            ((levels & GPIO_PIN_TMS) != 0 ? 2 : 0) +
@@ -42,7 +44,7 @@ BitbangPort::~BitbangPort() {
 }
 
 void BitbangPort::Write(int levels, int enables) {
-  if ((enables & kDrivenPins) != kDrivenPins) {
+  if (manner_ == Manner::kProbe && (enables & kDrivenPins) != kDrivenPins) {
     throw Unsupported("remote_bitbang has no output enables: only TDO can be released");
   }
   if ((levels & enables & GPIO_PIN_TDO) != 0) {
@@ -50,9 +52,9 @@ void BitbangPort::Write(int levels, int enables) {
   }
   const bool trst_falls = (levels_ & ~levels & GPIO_PIN_TRST) != 0;
   levels_ = levels;
-  PutChanged(PinByte(levels), pin_byte_);
-  PutChanged(ResetByte(levels), reset_byte_);
-  if (trst_falls) ClockTapReset();
+  if ((enables & kDrivenPins & ~kResetPins) != 0) PutChanged(PinByte(levels), pin_byte_);
+  if ((enables & kResetPins) != 0) PutChanged(ResetByte(levels), reset_byte_);
+  if (trst_falls && manner_ == Manner::kProbe) ClockTapReset();
 }
 
 // Several servers ignore the reset bytes, so that TRST alone would leave the TAP where it was.
@@ -88,6 +90,11 @@ void BitbangPort::Flush() {
   CheckStep(socket_.Pending(kStragglers));
 }
 
+void BitbangPort::CheckAlive() {
+  CheckStep(socket_.Pending());
+  if (socket_.HasEnded()) FailClosed();
+}
+
 void BitbangPort::PutChanged(char byte, char& last) {
   if (byte != last) Put(byte);
   last = byte;
@@ -109,7 +116,7 @@ void BitbangPort::TakeAnswers() {
   SendBuffered();
   while (unanswered_ > 0) {
     const std::string answers = socket_.Receive(unanswered_ + 1);
-    if (answers.empty()) throw IoError(socket_.Name() + ": the server closed the connection");
+    if (answers.empty()) FailClosed();
     CheckStep(answers.size());
     for (const char answer : answers) {
       if (answer != '0' && answer != '1') {
@@ -121,6 +128,10 @@ void BitbangPort::TakeAnswers() {
     unanswered_ -= answers.size();
   }
   CheckStep(socket_.Pending());
+}
+
+void BitbangPort::FailClosed() const {
+  throw IoError(socket_.Name() + ": the server closed the connection");
 }
 
 void BitbangPort::CheckStep(std::size_t came) const {

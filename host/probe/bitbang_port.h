@@ -19,7 +19,16 @@ namespace icehost {
 // was not asked for is an IoError.
 class BitbangPort : public PinPort {
  public:
-  explicit BitbangPort(Socket socket) : socket_(std::move(socket)) {}
+  enum class Manner {
+    // Drives all pins from the first write on, and clocks the TAP into reset where TRST falls, for
+    // servers that ignore the reset bytes.
+    kProbe,
+    // Sends what the writes change and nothing else. TCK, TMS and TDI together, or NRST and TRST
+    // together, may not be enabled: they stay as they are.
+    kProxy,
+  };
+
+  BitbangPort(Socket socket, Manner manner) : socket_(std::move(socket)), manner_(manner) {}
   ~BitbangPort() override;
   BitbangPort(const BitbangPort&) = delete;
   BitbangPort& operator=(const BitbangPort&) = delete;
@@ -31,6 +40,7 @@ class BitbangPort : public PinPort {
   Bits CollectTdo() override;
   // Returns once a last sample has shown that the server has taken everything until then.
   void Flush() override;
+  void CheckAlive() override;
 
  private:
   void Put(char byte);
@@ -39,8 +49,10 @@ class BitbangPort : public PinPort {
   void SendBuffered();
   void TakeAnswers();
   void CheckStep(std::size_t came) const;
+  [[noreturn]] void FailClosed() const;
 
   Socket socket_;
+  Manner manner_;
   std::string unsent_;
   std::size_t unanswered_ = 0;  // samples asked for, sent or not
   Bits samples_;

@@ -5,17 +5,19 @@
 
 #include <array>
 #include <asio/write.hpp>
+#include <optional>
 #include <utility>
 
 #include "host/system/errors.h"
 #include "host/system/interrupt.h"
-#include "host/target/pin_names.h"
 
 namespace icehost {
 namespace {
 
 // Bounds what is buffered: the answers to so many bytes are sent before more are read.
 constexpr std::size_t kReadAtOnce = 4096;
+// How often the port is looked at while nobody uses it.
+constexpr std::chrono::seconds kLookAtPort{1};
 
 // A client whose machine is gone is noticed after two minutes. None of the options is known to a
 // UNIX socket, whose other end cannot vanish.
@@ -35,11 +37,17 @@ void SetTcpOptions(int fd) {
 }  // namespace
 
 bool BitbangSession::Feed(std::string_view bytes, std::string& answers) {
+  const bool open = Play(bytes);
+  for (const bool tdo : port_.CollectTdo()) answers += tdo ? '1' : '0';
+  return open;
+}
+
+bool BitbangSession::Play(std::string_view bytes) {
   for (const char byte : bytes) {
     if (byte == 'Q') return false;
     if (byte >= '0' && byte <= '7') SetPins(byte - '0');
     if (byte >= 'r' && byte <= 'u') SetResets(byte - 'r');
-    if (byte == 'R') answers += (port_.Read() & GPIO_PIN_TDO) != 0 ? '1' : '0';
+    if (byte == 'R') port_.SampleTdo();
   }
   return true;
 }
@@ -48,32 +56,63 @@ void BitbangSession::SetPins(int bits) {
   levels_ &= GPIO_PIN_NRST | GPIO_PIN_TRST;
   levels_ |= ((bits & 4) != 0 ? GPIO_PIN_TCK : 0) | ((bits & 2) != 0 ? GPIO_PIN_TMS : 0) |
              ((bits & 1) != 0 ? GPIO_PIN_TDI : 0);
-  port_.Write(levels_, kDrivenPins);
+  enables_ |= GPIO_PIN_TCK | GPIO_PIN_TMS | GPIO_PIN_TDI;
+  port_.Write(levels_, enables_);
 }
 
 // 1 asserts a reset, which drives its line low.
 void BitbangSession::SetResets(int bits) {
   levels_ |= GPIO_PIN_NRST | GPIO_PIN_TRST;
   levels_ &= ~(((bits & 2) != 0 ? GPIO_PIN_TRST : 0) | ((bits & 1) != 0 ? GPIO_PIN_NRST : 0));
-  port_.Write(levels_, kDrivenPins);
+  enables_ |= GPIO_PIN_NRST | GPIO_PIN_TRST;
+  port_.Write(levels_, enables_);
 }
+
+// Whatever the port waits for, it waits on the loop that these operations run on. They therefore do
+// nothing but note what came, for Work.
+
+struct BitbangServer::Arrival {
+  std::optional<StreamProtocol::socket> socket;
+  asio::error_code error;
+};
 
 struct BitbangServer::Client {
   using Clock = std::chrono::steady_clock;
 
-  Client(StreamProtocol::socket connection, PinPort& port)
-      : socket(std::move(connection)), session(port) {}
+  explicit Client(StreamProtocol::socket connection) : socket(std::move(connection)) {}
+
+  static void Read(const std::shared_ptr<Client>& client) {
+    client->socket.async_receive(asio::buffer(client->bytes),
+                                 [client](const asio::error_code& error, std::size_t received) {
+                                   client->received = received;
+                                   client->gone = static_cast<bool>(error);
+                                 });
+  }
+  // Reads on once the answers are on their way.
+  static void Write(const std::shared_ptr<Client>& client, bool open) {
+    asio::async_write(client->socket, asio::buffer(client->answers),
+                      [client, open](const asio::error_code& error, std::size_t /*sent*/) {
+                        client->gone = error || !open;
+                        if (!client->gone) Read(client);
+                      });
+  }
 
   StreamProtocol::socket socket;
-  BitbangSession session;
-  std::array<char, kReadAtOnce> received{};
+  std::array<char, kReadAtOnce> bytes{};
+  std::size_t received = 0;  // and not looked at yet
   std::string answers;
+  bool gone = false;
   Clock::time_point last_heard = Clock::now();
 };
 
 BitbangServer::BitbangServer(Listener& listener, PinPort& port,
-                             std::chrono::milliseconds idle_limit, Say say)
-    : listener_(listener), port_(port), idle_limit_(idle_limit), say_(std::move(say)) {}
+                             std::chrono::milliseconds idle_limit, Observer& observer)
+    : listener_(listener),
+      port_(port),
+      idle_limit_(idle_limit),
+      observer_(observer),
+      session_(port),
+      arrival_(std::make_shared<Arrival>()) {}
 
 void BitbangServer::Run() {
   asio::io_context& loop = EventLoop();
@@ -81,51 +120,71 @@ void BitbangServer::Run() {
   for (;;) {
     loop.restart();
     ThrowIfInterrupted();
-    loop.run();
+    if (loop.run_one_for(kLookAtPort) == 0) port_.CheckAlive();
+    while (Work()) {
+    }
   }
 }
 
 void BitbangServer::Accept() {
   listener_.GetAcceptor().async_accept(
-      [this](const asio::error_code& error, StreamProtocol::socket socket) {
-        if (error) {
-          throw IoError(fmt::format("{}: cannot accept: {}", listener_.Name(), error.message()));
-        }
-        Receive(std::move(socket));
-        Accept();
+      [arrival = arrival_](const asio::error_code& error, StreamProtocol::socket socket) {
+        arrival->socket.emplace(std::move(socket));
+        arrival->error = error;
       });
 }
 
-void BitbangServer::Receive(StreamProtocol::socket socket) {
-  if (const auto present = client_.lock()) {
-    if (Client::Clock::now() - present->last_heard < idle_limit_) {
-      say_("busy: a second client was sent away");
+// False once there is nothing to do. In the course of each of these more may come. A client that
+// has left is in nobody's way.
+bool BitbangServer::Work() {
+  if (client_ != nullptr && client_->received > 0) {
+    Answer();
+  } else if (client_ != nullptr && client_->gone) {
+    Dismiss();
+  } else if (arrival_->socket.has_value()) {
+    Admit();
+  } else {
+    return false;
+  }
+  return true;
+}
+
+void BitbangServer::Admit() {
+  StreamProtocol::socket socket = std::move(*arrival_->socket);
+  arrival_->socket.reset();
+  if (arrival_->error) {
+    throw IoError(
+        fmt::format("{}: cannot accept: {}", listener_.Name(), arrival_->error.message()));
+  }
+  Accept();
+  if (client_ != nullptr) {
+    if (Client::Clock::now() - client_->last_heard < idle_limit_) {
+      observer_.OnRefusal("busy: a second client was sent away");
       return;
     }
-    say_("a client that had been silent made room for another");
-    present->socket.close();
+    observer_.OnRefusal("a client that had been silent made room for another");
+    Dismiss();
   }
   SetTcpOptions(socket.native_handle());
-  const auto client = std::make_shared<Client>(std::move(socket), port_);
-  client_ = client;
-  Read(client);
+  client_ = std::make_shared<Client>(std::move(socket));
+  observer_.OnClient(PeerName(client_->socket));
+  Client::Read(client_);
 }
 
-void BitbangServer::Read(const std::shared_ptr<Client>& client) {
-  client->socket.async_receive(asio::buffer(client->received),
-                               [this, client](const asio::error_code& error, std::size_t received) {
-                                 if (!error) Answer(client, received);
-                               });
+void BitbangServer::Answer() {
+  const std::size_t received = std::exchange(client_->received, 0);
+  client_->answers.clear();
+  const bool open = session_.Feed({client_->bytes.data(), received}, client_->answers);
+  client_->last_heard = Client::Clock::now();
+  observer_.OnBytes(received);
+  Client::Write(client_, open);
 }
 
-void BitbangServer::Answer(const std::shared_ptr<Client>& client, std::size_t received) {
-  client->last_heard = Client::Clock::now();
-  client->answers.clear();
-  const bool open = client->session.Feed({client->received.data(), received}, client->answers);
-  asio::async_write(client->socket, asio::buffer(client->answers),
-                    [this, client, open](const asio::error_code& error, std::size_t /*sent*/) {
-                      if (!error && open) Read(client);
-                    });
+void BitbangServer::Dismiss() {
+  asio::error_code ignored;
+  client_->socket.close(ignored);
+  client_.reset();
+  observer_.OnClientLeft();
 }
 
 }  // namespace icehost

@@ -25,6 +25,9 @@ class PinPort {
   // Ends what is under way: buffered writes go out, and whoever takes them has answered since.
   // Everything sampled has been collected before.
   virtual void Flush() {}
+  // Throws IoError where the pins are lost, as far as that is known without waiting. To be called
+  // while nothing is under way.
+  virtual void CheckAlive() {}
 };
 
 }  // namespace icehost

@@ -30,7 +30,8 @@ int RecordingPort::Read() {
 
 void RecordingPort::SampleTdo() {
   if (pending_.empty()) {
-    samples_.push_back((Read() & GPIO_PIN_TDO) != 0);
+    port_.SampleTdo();
+    ++early_samples_;
   } else {
     ++pending_.back().user_samples;
   }
@@ -48,11 +49,14 @@ void RecordingPort::Flush() {
 
 void RecordingPort::Settle() {
   const Bits tdo = port_.CollectTdo();
-  for (std::size_t i = 0; i < pending_.size(); ++i) {
-    PinStep step = pending_[i].step;
-    step.wires = (step.wires & ~GPIO_PIN_TDO) | (tdo[i] ? GPIO_PIN_TDO : 0);
+  std::size_t at = std::exchange(early_samples_, 0);
+  samples_.insert(samples_.end(), tdo.begin(), tdo.begin() + static_cast<std::ptrdiff_t>(at));
+  for (const Pending& pending : pending_) {
+    const bool level = tdo[at++];
+    PinStep step = pending.step;
+    step.wires = (step.wires & ~GPIO_PIN_TDO) | (level ? GPIO_PIN_TDO : 0);
     for (StepRecorder* const recorder : recorders_) recorder->Record(step);
-    samples_.insert(samples_.end(), static_cast<std::size_t>(pending_[i].user_samples), tdo[i]);
+    samples_.insert(samples_.end(), static_cast<std::size_t>(pending.user_samples), level);
   }
   pending_.clear();
 }

@@ -36,6 +36,7 @@ class RecordingPort : public PinPort {
   void SampleTdo() override;
   Bits CollectTdo() override;
   void Flush() override;
+  void CheckAlive() override { port_.CheckAlive(); }
 
   // Number of writes so far.
   std::size_t Steps() const { return steps_; }
@@ -52,6 +53,7 @@ class RecordingPort : public PinPort {
     int user_samples;  // asked for between this write and the next
   };
   std::vector<Pending> pending_;
+  std::size_t early_samples_ = 0;  // asked for before the first of these writes
   Bits samples_;
 };
 

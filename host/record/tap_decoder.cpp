@@ -1,6 +1,9 @@
 #include "host/record/tap_decoder.h"
 
+#include <cstdint>
+#include <limits>
 #include <utility>
+#include <vector>
 
 namespace icehost {
 namespace {
@@ -8,6 +11,12 @@ namespace {
 constexpr int kResetPins = GPIO_PIN_NRST | GPIO_PIN_TRST;
 
 }  // namespace
+
+std::string BitText(const Bits& bits) {
+  std::vector<std::uint8_t> bytes((bits.size() + 7) / 8);
+  StoreBits(bits, std::numeric_limits<int>::max(), bytes.data());
+  return ByteText(bytes.data(), bytes.size());
+}
 
 void TapDecoder::Record(const PinStep& step) {
   const bool rising = (~wires_ & step.wires & GPIO_PIN_TCK) != 0;
@@ -68,6 +77,7 @@ void TapDecoder::Shift(int wires) {
 }
 
 void TapDecoder::Reset(bool by_trst) {
+  if (scan_.has_value()) scan_->reset = true;
   EndScan(false, step_ + 1);
   EndIdle(step_ + 1);
   listener_.OnTapReset(by_trst, {step_, step_ + 1});

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <string>
 
 #include "entry/icescript.h"
 #include "host/record/events.h"
@@ -24,7 +25,11 @@ struct TapScan {
   bool updated;              // false where a TAP reset, or the end, cut it short
   StepRange steps;           // from the edge that captures to the one that updates
   std::size_t left_out = 0;  // bits behind the first kMostScanBits, which are not kept
+  bool reset = false;        // a TAP reset cut it short
 };
+
+// The bits of a scan as text, the last of them first: "0x", and two digits for each eight.
+std::string BitText(const Bits& bits);
 
 class TapListener {
  public:

@@ -34,6 +34,13 @@ StreamProtocol::endpoint Address(const Endpoint& endpoint) {
       ->endpoint();
 }
 
+tcp::endpoint TcpAddress(const StreamProtocol::endpoint& generic) {
+  tcp::endpoint address;
+  std::copy_n(reinterpret_cast<const char*>(generic.data()), generic.size(),
+              reinterpret_cast<char*>(address.data()));
+  return address;
+}
+
 }  // namespace
 
 Listener::Listener(const Endpoint& endpoint) try : endpoint_(endpoint), acceptor_(EventLoop()) {
@@ -54,11 +61,16 @@ Listener::~Listener() {
 
 std::string Listener::Name() const {
   if (endpoint_.IsUnix()) return endpoint_.Name();
-  const StreamProtocol::endpoint bound = acceptor_.local_endpoint();
-  tcp::endpoint address;
-  std::copy_n(reinterpret_cast<const char*>(bound.data()), bound.size(),
-              reinterpret_cast<char*>(address.data()));
-  return Endpoint{endpoint_.host, std::to_string(address.port()), ""}.Name();
+  const unsigned short port = TcpAddress(acceptor_.local_endpoint()).port();
+  return Endpoint{endpoint_.host, std::to_string(port), ""}.Name();
+}
+
+std::string PeerName(const StreamProtocol::socket& socket) {
+  asio::error_code error;
+  const StreamProtocol::endpoint peer = socket.remote_endpoint(error);
+  if (error || peer.protocol().family() == AF_UNIX) return "";
+  const tcp::endpoint address = TcpAddress(peer);
+  return Endpoint{address.address().to_string(), std::to_string(address.port()), ""}.Name();
 }
 
 }  // namespace icehost

@@ -30,6 +30,10 @@ class Listener {
   Acceptor acceptor_;
 };
 
+// Where the other end of a TCP connection is, as an Endpoint's Name; empty for a UNIX socket, whose
+// other end has no name, and for one that is gone.
+std::string PeerName(const StreamProtocol::socket& socket);
+
 }  // namespace icehost
 
 #endif  // ICESCRIPT_HOST_SYSTEM_LISTENER_H_

@@ -140,4 +140,16 @@ void OutputFile::CutUnfinished() const {
   [[maybe_unused]] const int ignored = end >= 0 ? ftruncate(fd_, end) : 0;
 }
 
+std::vector<std::string> CloseAll(const std::vector<std::unique_ptr<OutputFile>>& files) {
+  std::vector<std::string> failures;
+  for (const auto& file : files) {
+    try {
+      file->Close();
+    } catch (const IoError& error) {
+      failures.emplace_back(error.what());
+    }
+  }
+  return failures;
+}
+
 }  // namespace icehost

@@ -6,6 +6,7 @@
 #include <ostream>
 #include <streambuf>
 #include <string>
+#include <vector>
 
 namespace icehost {
 
@@ -69,6 +70,9 @@ class OutputFile {
   Buffer buffer_;
   std::ostream stream_;
 };
+
+// Closes each, and returns what went wrong: a text for each that could not be written whole.
+std::vector<std::string> CloseAll(const std::vector<std::unique_ptr<OutputFile>>& files);
 
 }  // namespace icehost
 

@@ -3,10 +3,12 @@
 #include <fmt/format.h>
 #include <netinet/tcp.h>
 #include <poll.h>
+#include <sys/socket.h>
 
 #include <asio/ip/tcp.hpp>
 #include <asio/local/stream_protocol.hpp>
 #include <asio/write.hpp>
+#include <cerrno>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -88,6 +90,15 @@ std::size_t Socket::Pending(std::chrono::milliseconds patience) {
   pollfd readable = {socket_.native_handle(), POLLIN, 0};
   if (patience.count() > 0) poll(&readable, 1, static_cast<int>(patience.count()));
   return socket_.available(none);
+}
+
+bool Socket::HasEnded() {
+  char byte = 0;
+  const ssize_t got = recv(socket_.native_handle(), &byte, 1, MSG_PEEK | MSG_DONTWAIT);
+  if (got < 0 && errno != EAGAIN && errno != EINTR) {
+    Lose(asio::error_code(errno, asio::error::get_system_category()));
+  }
+  return got == 0;
 }
 
 // A server that writes each answer by itself and has Nagle's algorithm on sends the second once the

@@ -31,6 +31,8 @@ class Socket {
   // Bytes that have come and were not received yet; where there are none, waits for some as long as
   // `patience`.
   std::size_t Pending(std::chrono::milliseconds patience = {});
+  // Whether the other side has closed and nothing is left to receive. Waits for nothing.
+  bool HasEnded();
   // The endpoint as the user named it.
   const std::string& Name() const { return name_; }
 
