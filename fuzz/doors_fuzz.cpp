@@ -31,6 +31,9 @@
 #include "host/probe/pin_probe.h"
 #include "host/probe/sim_port.h"
 #include "host/record/recording_port.h"
+#include "host/record/serve_json.h"
+#include "host/record/serve_trace.h"
+#include "host/record/vcd_writer.h"
 #include "host/svf/importer.h"
 #include "host/system/errors.h"
 #include "host/system/interrupt.h"
@@ -125,6 +128,27 @@ void Scan(icehost::Probe& probe) {
   probe.Reset(LINK_RESET_TARGET);
 }
 
+// The client's bytes a second time, with everything recorded: it is none the wiser.
+std::string ServeRecorded(std::string_view bytes) {
+  std::ostringstream text;
+  icehost::ServeTrace trace(text);
+  icehost::ServeJson json(text);
+  icehost::VcdWriter vcd(text);
+  icehost::TapDecoder to_trace(trace);
+  icehost::TapDecoder to_json(json);
+  StepCounter counter;
+  icehost::SimPort port{icehost::TargetOptions{}};
+  icehost::RecordingPort recording(port, {&counter, &vcd, &to_trace, &to_json});
+  icehost::BitbangSession session(recording);
+  std::string answers;
+  session.Feed(bytes, answers);
+  Check(counter.steps == recording.Steps(), "every step is recorded by the end of the bytes");
+  to_trace.End();
+  to_json.End();
+  Check(text.str().back() == '\n', "lines are whole");
+  return answers;
+}
+
 void Serve(std::string_view bytes) {
   icehost::SimPort port{icehost::TargetOptions{}};
   icehost::BitbangSession session(port);
@@ -132,10 +156,12 @@ void Serve(std::string_view bytes) {
   session.Feed(bytes, answers);
   Check(answers.size() <= bytes.size(), "at most one answer for a byte");
   Check(answers.find_first_not_of("01") == std::string::npos, "answers are levels");
+  Check(ServeRecorded(bytes) == answers, "recording changes no answer");
 }
 
 void BeBitbangClient(std::string_view bytes) {
-  icehost::BitbangPort port(std::make_shared<Peer>(bytes, 'R', BitbangAnswer)->Client());
+  icehost::BitbangPort port(std::make_shared<Peer>(bytes, 'R', BitbangAnswer)->Client(),
+                            icehost::BitbangPort::Manner::kProbe);
   StepCounter counter;
   icehost::RecordingPort recording(port, {&counter});
   icehost::PinProbe probe(recording, CDI_ANSWER_JTAG5, false, [](const std::string& why) {

@@ -8,13 +8,21 @@ import glob
 import json
 import os
 import re
+import socket
 import subprocess
 import sys
+import tempfile
 
 import jsonschema
 
 ICEHOST = os.path.abspath(sys.argv[1])
-os.chdir(sys.argv[2])
+# Commands find the source folder's files, but leave their own elsewhere.
+SCRATCH = tempfile.TemporaryDirectory()
+for entry in os.listdir(sys.argv[2]):
+    os.symlink(os.path.join(os.path.abspath(sys.argv[2]), entry), os.path.join(SCRATCH.name, entry))
+os.chdir(SCRATCH.name)
+os.mkdir("bin")
+os.symlink(ICEHOST, "bin/icehost")
 MANUAL = "docs/json.md"
 HOSTILE = b'[a"\\,}\x1b\x7f\x01\xff\xc3\xa9\xe2\x80\xae\xf0\x9f\x94\xa7]\nIR=5,1\nDR=R,8,0\n"x\n'
 
@@ -61,6 +69,34 @@ def run(*arguments, script=b""):
     return values
 
 
+def serve(*requests):
+    """What is told of clients, each of which sends one of these and waits for as many answers."""
+    command = [ICEHOST, "serve", "tcp:0", "--json", "served"]
+    with subprocess.Popen(command, stderr=subprocess.PIPE) as server:
+        port = int(server.stderr.readline().decode().rpartition(":")[2])
+        for request in requests:
+            with socket.create_connection(("127.0.0.1", port)) as client:
+                client.sendall(request + b"RQ")
+                while client.recv(4096):
+                    pass
+        server.terminate()
+        server.wait()
+    with open("served", encoding="ascii") as file:
+        lines = file.read().splitlines()
+    check_lines("serve", lines)
+    return [json.loads(line) for line in lines]
+
+
+def check_serving():
+    to_shift, back = b"260404", b"262604"
+    reset = b"2626262626" + b"04"
+    values = serve(reset + b"04" + to_shift + b"04" * (1 << 20) + back, b"2604262604" + b"tr")
+    kinds = [next(iter(value)) for value in values]
+    wanted = "schema client reset idle scan client client scan pins reset pins client end"
+    if kinds != wanted.split() or values[4].get("bits") != (1 << 20) + 1:
+        failures.append(f"serve tells {kinds}")
+
+
 def check_runs():
     for verb in (("run", "--force"), ("check",)):
         for path in glob.glob("examples/*") + glob.glob("tests/scripts/*"):
@@ -72,14 +108,18 @@ def check_runs():
     run("run", "--wire", "cjtag2", "examples/read_idcode.ini")
     run("run", "--keep-going", "--idcode", "3", "examples/read_idcode.ini")
     run("run", "--force", "/dev/null")
+
+
+def check_kinds():
     unseen = KINDS.keys() - {kind for kinds in seen.values() for kind in kinds}
     if unseen:
         failures.append(f"never seen: {unseen}")
 
 
 def output_of(command):
-    shell = f'icehost() {{ "{ICEHOST}" "$@"; }}\n{command}'
-    return subprocess.run(["bash", "-c", shell], capture_output=True, check=False).stdout.decode()
+    path = {**os.environ, "PATH": f"{os.path.abspath('bin')}:{os.environ['PATH']}"}
+    done = subprocess.run(["bash", "-c", command], capture_output=True, check=False, env=path)
+    return done.stdout.decode()
 
 
 def played(block):
@@ -101,6 +141,8 @@ def check_manual():
 
 
 check_runs()
+check_serving()
 check_manual()
+check_kinds()
 print("\n".join(failures) or f"{len(seen)} lines, all well")
 sys.exit(1 if failures else 0)

@@ -26,7 +26,7 @@ class NotingPort : public icehost::PinPort {
   int reads = 0;
 };
 
-// NRST 1, TRST 2, TCK 4, TMS 8, TDI 10; TDO is never driven.
+// NRST 1, TRST 2, TCK 4, TMS 8, TDI 10; TDO is never driven, and no other pin before it is set.
 TEST(BitbangSession, SetsThePins) {
   const struct {
     const char* bytes;
@@ -35,12 +35,12 @@ TEST(BitbangSession, SetsThePins) {
     bool open;
   } kSessions[] = {
       {"", "", "", true},
-      {"01234567", "3/1f 13/1f b/1f 1b/1f 7/1f 17/1f f/1f 1f/1f ", "", true},
-      {"rstu", "3/1f 2/1f 1/1f 0/1f ", "", true},
-      {"7s5tr", "1f/1f 1e/1f 16/1f 15/1f 17/1f ", "", true},
-      {"RR0R", "3/1f ", "010", true},
+      {"01234567", "3/1c 13/1c b/1c 1b/1c 7/1c 17/1c f/1c 1f/1c ", "", true},
+      {"rstu", "3/3 2/3 1/3 0/3 ", "", true},
+      {"7s5tr", "1f/1c 1e/1f 16/1f 15/1f 17/1f ", "", true},
+      {"RR0R", "3/1c ", "010", true},
       {"Bb8/qvx\n", "", "", true},
-      {"0Q1R", "3/1f ", "", false},
+      {"R0RQ1R", "3/1c ", "01", false},
   };
   for (const auto& test : kSessions) {
     NotingPort port;
@@ -63,15 +63,18 @@ TEST(RecordingPort, GivesEverySampleToItsAsker) {
   NotingRecorder recorder;
   icehost::RecordingPort recording(port, {&recorder});
   recording.SampleTdo();             // 0, before the first write
-  recording.Write(1, GPIO_PIN_ALL);  // 1
+  recording.SampleTdo();             // 1
+  recording.Write(1, GPIO_PIN_ALL);  // 0
   recording.SampleTdo();
   recording.SampleTdo();
-  recording.Write(2, 0x1f);  // 0
-  recording.Write(4, 0);     // 1, all pins float
+  recording.Write(2, 0x1f);  // 1
+  recording.Write(4, 0);     // 0, all pins float
   recording.SampleTdo();
-  EXPECT_EQ(recording.CollectTdo(), icehost::Bits({false, true, true, true}));
-  EXPECT_EQ(recording.Read(), 0);
-  EXPECT_EQ(recorder.notes.str(), "21 2 3f ");
+  EXPECT_EQ(recording.CollectTdo(), icehost::Bits({false, true, false, false, false}));
+  EXPECT_EQ(recording.Read(), GPIO_PIN_TDO);
+  recording.SampleTdo();  // 0, behind everything recorded
+  EXPECT_EQ(recording.CollectTdo(), icehost::Bits({false}));
+  EXPECT_EQ(recorder.notes.str(), "1 22 1f ");
   for (int i = 0; i < 3000; ++i) recording.Write(i, GPIO_PIN_ALL);
   recording.Flush();
   EXPECT_EQ(recording.Steps(), 3003U);
@@ -81,7 +84,10 @@ class NotingTap : public icehost::TapListener {
  public:
   void OnScan(const icehost::TapScan& scan) override {
     notes << (scan.ir ? "IR " : "DR ") << Text(scan.in) << '>' << Text(scan.out)
-          << (scan.updated ? "" : " cut") << Place(scan.steps);
+          << (scan.updated ? ""
+              : scan.reset ? " cut by reset"
+                           : " cut")
+          << Place(scan.steps);
   }
   void OnTapReset(bool by_trst, icehost::StepRange steps) override {
     notes << (by_trst ? "TRST resets" : "TMS resets") << Place(steps);
@@ -123,8 +129,10 @@ TEST(TapDecoder, TellsWhatTheTapDoes) {
       // Through Pause and back to Shift: one scan.
       {reset + "- M - - MI - - M - MO M M", "TMS resets @9-10; DR 10>01 @15-32; "},
       {reset + "- M - - I t - -",
-       "TMS resets @9-10; pins 1 @20-21; DR 1>0 cut @15-21; TRST resets @20-21; pins 3 @21-22; "
+       "TMS resets @9-10; pins 1 @20-21; DR 1>0 cut by reset @15-21; TRST resets @20-21; pins 3 "
+       "@21-22; "
        "idle 1 @22-25; "},
+      {reset + "- M - - I", "TMS resets @9-10; DR 1>0 cut @15-20; "},
       {"t e - - n -",
        "pins 1 @0-1; TRST resets @0-1; pins 3 @1-2; pins 2 @6-7; pins 3 @7-8; idle 2 @3-9; "},
   };
