@@ -12,7 +12,7 @@
 
 #include "host/check/check.h"
 #include "host/check/learn.h"
-#include "host/run_head.h"
+#include "host/page_head.h"
 #include "host/system/errors.h"
 #include "host/system/interrupt.h"
 #include "host/system/memory_file.h"

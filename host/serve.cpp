@@ -2,9 +2,11 @@
 
 #include <fmt/format.h>
 
+#include <chrono>
 #include <memory>
 
 #include "host/open_probe.h"
+#include "host/page_head.h"
 #include "host/probe/bitbang_server.h"
 #include "host/reporter.h"
 #include "host/serve_record.h"
@@ -26,6 +28,7 @@ class Serving : private BitbangServer::Observer {
 
  private:
   std::string Serve();
+  PageHead Head(const std::string& error) const;
   void EndClient();
   void OnClient(const std::string& peer) override;
   void OnBytes(std::size_t count) override;
@@ -40,15 +43,25 @@ class Serving : private BitbangServer::Observer {
   ServedClient client_;  // the last one
   bool has_client_ = false;
   std::size_t scans_before_ = 0;  // it came
+  std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
 };
 
 ExitStatus Serving::Run() {
   const std::string error = Serve();
   if (has_client_) EndClient();
   if (!error.empty()) Complain(error);
-  const std::vector<std::string> failures = record_.Complete(error);
+  const std::vector<std::string> failures = record_.Complete(error, Head(error));
   for (const std::string& failure : failures) Complain(failure);
   return error.empty() && failures.empty() ? kAllWell : kNotOpened;
+}
+
+PageHead Serving::Head(const std::string& error) const {
+  const std::chrono::duration<double> served = std::chrono::steady_clock::now() - start_;
+  return ServeHead(command_,
+                   {listener_.Name(), error,
+                    fmt::format("clients {}, scans {}, steps {}, {:.3f} s", client_.number,
+                                record_.Scans(), record_.Steps(), served.count()),
+                    served.count()});
 }
 
 // Returns why it ended; nothing for a signal.

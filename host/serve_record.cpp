@@ -19,6 +19,12 @@ ServeRecord::ServeRecord(const RecordFiles& files) : decoder_(*this) {
     vcd_.emplace(Open(files.vcd));
     recorders_.push_back(&*vcd_);
   }
+  if (!files.html.empty()) {
+    page_stream_ = &Open(files.html, OutputFile::Rest::kNothing);
+    page_.emplace();
+    listeners_.push_back(&*page_);
+    recorders_.push_back(&*page_);
+  }
 }
 
 PinPort& ServeRecord::Begin(PinPort& port) {
@@ -31,12 +37,12 @@ PinPort& ServeRecord::Begin(PinPort& port) {
 }
 
 void ServeRecord::OnClient(const ServedClient& client) {
-  for (ServeListener* const listener : listeners_) listener->OnClient(client, Step());
-  if (vcd_.has_value()) vcd_->BeginOperation(Step(), fmt::format("client {}", client.number));
+  for (ServeListener* const listener : listeners_) listener->OnClient(client, Steps());
+  if (vcd_.has_value()) vcd_->BeginOperation(Steps(), fmt::format("client {}", client.number));
 }
 
 void ServeRecord::OnClientLeft(const ServedClient& client) {
-  for (ServeListener* const listener : listeners_) listener->OnClientLeft(client, Step());
+  for (ServeListener* const listener : listeners_) listener->OnClientLeft(client, Steps());
 }
 
 void ServeRecord::Flush() {
@@ -46,15 +52,16 @@ void ServeRecord::Flush() {
   }
 }
 
-std::vector<std::string> ServeRecord::Complete(const std::string& error) {
+std::vector<std::string> ServeRecord::Complete(const std::string& error, const PageHead& head) {
   decoder_.End();
   for (ServeListener* const listener : listeners_) listener->OnEnd(error);
   if (vcd_.has_value()) vcd_->End();
+  if (page_.has_value()) page_->Write(*page_stream_, head);
   return CloseAll(files_);
 }
 
-std::ostream& ServeRecord::Open(const std::string& path) {
-  files_.push_back(std::make_unique<OutputFile>(path, OutputFile::Rest::kLines));
+std::ostream& ServeRecord::Open(const std::string& path, OutputFile::Rest rest) {
+  files_.push_back(std::make_unique<OutputFile>(path, rest));
   return files_.back()->Stream();
 }
 

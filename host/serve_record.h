@@ -10,6 +10,7 @@
 #include "host/options/commands.h"
 #include "host/record/serve_json.h"
 #include "host/record/serve_listener.h"
+#include "host/record/serve_page.h"
 #include "host/record/serve_trace.h"
 #include "host/record/vcd_writer.h"
 #include "host/system/output_file.h"
@@ -32,26 +33,29 @@ class ServeRecord : private TapListener {
   void OnClientLeft(const ServedClient& client);
   // Scans so far.
   std::size_t Scans() const { return scans_; }
+  // Likewise steps of the pins.
+  std::size_t Steps() const { return port_.has_value() ? port_->Steps() : 0; }
 
   // Everything that the port has settled is in the files from here on. Throws IoError where one
   // takes no more, and Interrupted where a signal came meanwhile.
   void Flush();
-  // Nothing follows; `error` is what ended the serving, if not a signal. Returns what else went
-  // wrong, a text for each file that could not be written whole.
-  std::vector<std::string> Complete(const std::string& error);
+  // Nothing follows; `error` is what ended the serving, if not a signal, and `head` stands over a
+  // page. Returns what else went wrong, a text for each file that could not be written whole.
+  std::vector<std::string> Complete(const std::string& error, const PageHead& head);
 
  private:
-  std::ostream& Open(const std::string& path);
+  std::ostream& Open(const std::string& path, OutputFile::Rest rest = OutputFile::Rest::kLines);
   void OnScan(const TapScan& scan) override;
   void OnTapReset(bool by_trst, StepRange steps) override;
   void OnIdle(long cycles, StepRange steps) override;
   void OnResetPins(int levels, StepRange steps) override;
-  std::size_t Step() const { return port_.has_value() ? port_->Steps() : 0; }
 
   std::vector<std::unique_ptr<OutputFile>> files_;
   std::optional<ServeTrace> trace_;
   std::optional<ServeJson> json_;
   std::optional<VcdWriter> vcd_;
+  std::optional<ServePage> page_;
+  std::ostream* page_stream_ = nullptr;
   std::vector<ServeListener*> listeners_;  // those of the above
   std::vector<StepRecorder*> recorders_;   // likewise
   TapDecoder decoder_;

@@ -16,6 +16,8 @@ void AddOutputs(CLI::App& verb, RecordFiles& record) {
   AddFile(verb, "--json", record.json, "Write the same as JSON lines")->group(kGroup);
   AddFile(verb, "--vcd", record.vcd, "Write the waveform, for GTKWave, PulseView or sigrok-cli")
       ->group(kGroup);
+  AddFile(verb, "--html", record.html, "Write all of it as one page for a browser, at the end")
+      ->group(kGroup);
 }
 
 void RefuseOpenocd(const ServeCommand& serve) {

@@ -89,7 +89,8 @@ void RefuseSharedFiles(const ImportCommand& command) {
 void RefuseSharedFiles(const ServeCommand& command) {
   RefuseShared({{"--trace", command.record.trace},
                 {"--json", command.record.json},
-                {"--vcd", command.record.vcd}},
+                {"--vcd", command.record.vcd},
+                {"--html", command.record.html}},
                UsesBesideOutputs({}));
 }
 

@@ -83,8 +83,8 @@ struct BitbangServer::Client {
 
   static void Read(const std::shared_ptr<Client>& client) {
     client->socket.async_receive(asio::buffer(client->bytes),
-                                 [client](const asio::error_code& error, std::size_t received) {
-                                   client->received = received;
+                                 [client](const asio::error_code& error, std::size_t count) {
+                                   client->received = count;
                                    client->gone = static_cast<bool>(error);
                                  });
   }

@@ -1,4 +1,4 @@
-#include "host/run_head.h"
+#include "host/page_head.h"
 
 #include <fmt/format.h>
 
@@ -36,7 +36,10 @@ const char* ResultText(ExitStatus status) {
   }
 }
 
-std::string TimeText(std::chrono::system_clock::time_point time) {
+// When it was so many seconds ago.
+std::string TimeText(double ago) {
+  const auto time = std::chrono::system_clock::now() -
+                    std::chrono::milliseconds(static_cast<std::int64_t>(ago * 1000));
   const std::time_t seconds = std::chrono::system_clock::to_time_t(time);
   std::tm utc = {};
   gmtime_r(&seconds, &utc);
@@ -48,8 +51,6 @@ std::string TimeText(std::chrono::system_clock::time_point time) {
 }  // namespace
 
 PageHead RunHead(const RunCommand& command, const RunEnd& end) {
-  const auto started = std::chrono::system_clock::now() -
-                       std::chrono::milliseconds(static_cast<std::int64_t>(end.seconds * 1000));
   const auto& scripts = command.scripts;
   const auto rest = scripts.begin() + static_cast<std::ptrdiff_t>(end.begun);
   PageHead head = {fmt::format("{}", fmt::join(scripts, ", ")),
@@ -57,7 +58,7 @@ PageHead RunHead(const RunCommand& command, const RunEnd& end) {
                    end.status == kAllWell,
                    {{"Probe", ProbeText(command.probe)},
                     {"Done", end.counts},
-                    {"Started", TimeText(started)},
+                    {"Started", TimeText(end.seconds)},
                     {"icehost", ICEHOST_VERSION},
                     {"Plug-in", command.plugin}}};
   if (rest != scripts.end()) {
@@ -65,6 +66,16 @@ PageHead RunHead(const RunCommand& command, const RunEnd& end) {
                               fmt::format("{}", fmt::join(rest, scripts.end(), ", ")));
   }
   return head;
+}
+
+PageHead ServeHead(const ServeCommand& command, const ServeEnd& end) {
+  return {"serve " + end.served,
+          end.error.empty() ? "ended" : "broken off",
+          end.error.empty(),
+          {{"Probe", ProbeText(command.probe)},
+           {"Done", end.counts},
+           {"Started", TimeText(end.seconds)},
+           {"icehost", ICEHOST_VERSION}}};
 }
 
 }  // namespace icehost

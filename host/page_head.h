@@ -1,6 +1,6 @@
-// What stands at the head of a run's page.
-#ifndef ICESCRIPT_HOST_RUN_HEAD_H_
-#define ICESCRIPT_HOST_RUN_HEAD_H_
+// What stands at the head of a page.
+#ifndef ICESCRIPT_HOST_PAGE_HEAD_H_
+#define ICESCRIPT_HOST_PAGE_HEAD_H_
 
 #include <cstddef>
 #include <string>
@@ -21,6 +21,16 @@ struct RunEnd {
 
 PageHead RunHead(const RunCommand& command, const RunEnd& end);
 
+// How serving ends, now.
+struct ServeEnd {
+  std::string served;  // the endpoint, as a client names it
+  std::string error;   // why; empty for a signal
+  std::string counts;
+  double seconds;
+};
+
+PageHead ServeHead(const ServeCommand& command, const ServeEnd& end);
+
 }  // namespace icehost
 
-#endif  // ICESCRIPT_HOST_RUN_HEAD_H_
+#endif  // ICESCRIPT_HOST_PAGE_HEAD_H_
