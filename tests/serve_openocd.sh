@@ -17,7 +17,7 @@ serve() {
     --vcd "$scratch/$name.vcd" 2>"$scratch/$name.err" &
   servers="$! $servers"
   for _ in $(seq 100); do
-    port=$(grep -oE '[0-9]+$' "$scratch/$name.err") && return
+    port=$(grep -oE '[0-9]+$' "$scratch/$name.err" 2>/dev/null) && return
     sleep 0.1
   done
   fail "$name does not serve"
