@@ -7,6 +7,7 @@ import json
 import os
 import re
 import signal
+import socket
 import subprocess
 import sys
 import tempfile
@@ -357,6 +358,36 @@ def check_interrupted():
     expect_quiet("interrupted")
 
 
+def check_served():
+    """What a client of serve does: a DR scan in Pause-DR, TRST, a scan that the end cuts short."""
+    command = [ICEHOST, "serve", "tcp:0", "--html", PAGE]
+    scan = b"2626262626" + b"04260404" + b"05" * 3 + b"2604"
+    with subprocess.Popen(command, stderr=subprocess.PIPE) as server:
+        port = int(server.stderr.readline().decode().rpartition(":")[2])
+        with socket.create_connection(("127.0.0.1", port)) as client:
+            client.sendall(scan + b"2626" + b"tr" + b"042604041515RQ")
+            while client.recv(10):
+                pass
+        server.terminate()
+        expect("status", server.wait(), 0)
+    open_page()
+    expect("table", [row[2:5] for row in table()], [
+        ["TAP reset", "by TMS", ""],
+        ["DR scan", "DR 4: 0x07", "DR 0x01"],
+        ["reset pins", "TRST=0 NRST=1", ""],
+        ["TAP reset", "by TRST", ""],
+        ["reset pins", "TRST=1 NRST=1", ""],
+        ["DR scan, cut short by the end", "DR 2: 0x03", "DR 0x01"]])
+    expect("clients", [re.sub(" from.*|, .*", "", text) for text in texts(".note")],
+           ["client 1 connected", f"client 1 left: bytes {len(scan) + 20}"])
+    click("#row-list .row > :nth-child(4)", "DR 4: 0x07")
+    begin, end = view()
+    expect("in sight", begin <= 16 < end, True)
+    expect("no script", texts("#source-list a"), [])
+    expect("result", texts("#result"), ["ended"])
+    expect_quiet("served")
+
+
 def check_narrow():
     run("--idcode", "39ca2003", "examples/read_idcode.ini")
     browser.execute_cdp_cmd("Emulation.setDeviceMetricsOverride",
@@ -370,7 +401,8 @@ def check_narrow():
 
 try:
     for check in (check_against_other_outputs, check_head_and_failure, check_problems, check_hostile,
-                  check_picking, check_keys_and_wheel, check_long, check_interrupted, check_narrow):
+                  check_picking, check_keys_and_wheel, check_long, check_interrupted, check_served,
+                  check_narrow):
         check()
 finally:
     browser.quit()
