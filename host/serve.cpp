@@ -31,7 +31,8 @@ class Serving : private BitbangServer::Observer {
   PageHead Head(const std::string& error) const;
   void EndClient();
   void OnClient(const std::string& peer) override;
-  void OnBytes(std::size_t count) override;
+  void OnBytes(std::size_t count) override { client_.bytes += count; }
+  void OnDone() override { record_.Flush(); }
   void OnClientLeft() override;
   void OnRefusal(const std::string& why) override { Say(why); }
   void Say(const std::string& text) const;
@@ -83,11 +84,6 @@ void Serving::OnClient(const std::string& peer) {
   if (command_.verbose) {
     Say(fmt::format("client {} connected{}{}", client_.number, peer.empty() ? "" : " from ", peer));
   }
-  record_.Flush();
-}
-
-void Serving::OnBytes(std::size_t count) {
-  client_.bytes += count;
   record_.Flush();
 }
 

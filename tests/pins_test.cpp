@@ -129,12 +129,13 @@ TEST(TapDecoder, TellsWhatTheTapDoes) {
       // Through Pause and back to Shift: one scan.
       {reset + "- M - - MI - - M - MO M M", "TMS resets @9-10; DR 10>01 @15-32; "},
       {reset + "- M - - I t - -",
-       "TMS resets @9-10; pins 1 @20-21; DR 1>0 cut by reset @15-21; TRST resets @20-21; pins 3 "
+       "TMS resets @9-10; DR 1>0 cut by reset @15-21; pins 1 @20-21; TRST resets @20-21; pins 3 "
        "@21-22; "
        "idle 1 @22-25; "},
       {reset + "- M - - I", "TMS resets @9-10; DR 1>0 cut @15-20; "},
       {"t e - - n -",
-       "pins 1 @0-1; TRST resets @0-1; pins 3 @1-2; pins 2 @6-7; pins 3 @7-8; idle 2 @3-9; "},
+       "pins 1 @0-1; TRST resets @0-1; pins 3 @1-2; idle 1 @3-6; pins 2 @6-7; "
+       "pins 3 @7-8; idle 1 @7-9; "},
   };
   for (const auto& walk : kWalks) {
     NotingTap tap;
@@ -142,7 +143,7 @@ TEST(TapDecoder, TellsWhatTheTapDoes) {
     icehost::TapTracker tracker;
     const auto record = [&](int wires) {
       tracker.Update(wires);
-      decoder.Record({wires, tracker.State()});
+      decoder.Record({wires, tracker.State(), false});
     };
     std::istringstream steps(walk.steps);
     for (std::string step; steps >> step;) {

@@ -54,8 +54,8 @@ IR 7 bits 0x7f -> 0x61
 IR 5 bits 0x02 -> 0x01
 DR 32 bits 0x12345678 -> 0x00000000
 DR 32 bits 0x00000000 -> 0x12345678
-TRST=0 NRST=1
 idle 7 cycles
+TRST=0 NRST=1
 TAP reset (TRST)
 TRST=1 NRST=1
 END

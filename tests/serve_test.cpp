@@ -87,14 +87,14 @@ TEST(Serve, IsToldInLines) {
 {"scan":"DR","bits":0,"updated":true,"step":7,"end_step":12}
 )"},
       {kReset + Walk("00" + kDr) + Edges("00", "10") + "s" + "trR",
-       "9 TAP reset (TMS)\n11 idle 2 cycles\n26 TRST=1 NRST=0\n27 TRST=0 NRST=1\n"
-       "19 DR 2 bits 0x01 -> 0x01 (cut short by a reset)\n27 TAP reset (TRST)\n"
+       "9 TAP reset (TMS)\n11 idle 2 cycles\n26 TRST=1 NRST=0\n19 DR 2 bits 0x01 -> 0x01 (cut "
+       "short by a reset)\n27 TRST=0 NRST=1\n27 TAP reset (TRST)\n"
        "28 TRST=1 NRST=1\n",
        R"({"reset":"TMS","step":9,"end_step":10}
 {"idle":2,"step":11,"end_step":18}
 {"pins":{"TRST":1,"NRST":0},"step":26,"end_step":27}
-{"pins":{"TRST":0,"NRST":1},"step":27,"end_step":28}
 {"scan":"DR","bits":2,"in":"0x01","out":"0x01","updated":false,"step":19,"end_step":28}
+{"pins":{"TRST":0,"NRST":1},"step":27,"end_step":28}
 {"reset":"TRST","step":27,"end_step":28}
 {"pins":{"TRST":1,"NRST":1},"step":28,"end_step":29}
 )"},

@@ -79,6 +79,10 @@ TEST(Svf, SaysWhatTheTapDoes) {
        "{GPIO_OE=0x3f}r0r0{GPIO_OE=0x1f}00001"
        "10",
        "", "STATE IDLE;\nSDR 7 TDI (00);\n"},
+      {"0100r0{TCK=0}{PRINT=GPIO_IN}{GPIO_OE=0x3f}{TDO=1}{TCK=1}{GPIO_OE=0x1f}"
+       "r1"
+       "10",
+       "", "STATE IDLE;\nSDR 3 TDI (0) TDO (3) MASK (5);\n"},
       {"01100"
        "ii001h"
        "10",
@@ -130,6 +134,10 @@ TEST(Svf, SaysWhatTheTapDoes) {
        "0",
        loss("a scan was cut short: it is not in the file"),
        "STATE IDLE;\nTRST ON;\nTRST OFF;\nSTATE IDLE;\n"},
+      {"0000"
+       "{TRST=0}{TRST=1}"
+       "0",
+       "", "STATE IDLE;\nRUNTEST IDLE 3 TCK ENDSTATE IDLE;\nTRST ON;\nTRST OFF;\nSTATE IDLE;\n"},
       {"0100"
        "i0",
        loss("a scan was cut short: it is not in the file"), "STATE IDLE;\n"},
@@ -214,7 +222,9 @@ TEST(Svf, ImportsWhatAScriptCanSay) {
        "TDO=0x01,0x00\nMASK=0xff,0x01\n\n"
        "[LINE_6]\nIR=4,0x02\nDR=W,8,0xff\n\n"},
       // Scans without their other half, and several on a line.
-      {"SDR 8 TDI (0);SDR 8;\nSIR 5 TDI (2);SIR 5;", "",
+      {"SDR 8 TDI (0);SDR 8;\nSIR 5 TDI (2);SIR 5;",
+       "<stdin>:1:1: warning: no SIR before: this scans what the instruction before the file "
+       "selects, and icehost resets the TAP first\n",
        "[LINE_1]\nIR=0,0x00\nDR=W,8,0x00\n\n[LINE_1_2]\nIR=0,0x00\nDR=W,8,0x00\n\n"
        "[LINE_2]\nIR=5,0x02\nDR=W,0,0x00\n\n[LINE_2_2]\nIR=5,0x02\nDR=W,0,0x00\n\n"},
       // What changes nothing; a reset behind the last scan stays undone, and that is told.
@@ -288,6 +298,8 @@ TEST(Svf, RefusesWhatAScriptCannotSay) {
       {"RUNTEST 17 TCK;", "1:1: error: a script cannot wait, and 17 TCK cycles" + no_wait},
       {"RUNTEST 1.1E-5 SEC;", "1:1: error: a script cannot wait, and 1.1e-05 s" + no_wait},
       {"RUNTEST 16 TCK; RUNTEST 1 TCK; RUNTEST 16 TCK;",
+       "1:17: error: a script cannot wait, and 17 TCK cycles" + no_wait},
+      {"RUNTEST 15 TCK; STATE IDLE IDLE;",
        "1:17: error: a script cannot wait, and 17 TCK cycles" + no_wait},
       {"RUNTEST RESET 1 SEC;", "1:1: error: a script cannot wait, and 1 s" + no_wait},
       {"RUNTEST 5 SCK;", "1:11: error: a script has no system clock SCK"},

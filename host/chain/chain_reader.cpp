@@ -178,7 +178,9 @@ bool ChainReader::ReadIrs() {
   const auto length = LengthBetween(in, *out);
   if (!length.has_value()) {
     return Fail(fmt::format(
-        "the IR has no end: what is shifted in does not come out within {} bits", most));
+        "the IR has no end: what is shifted in does not come out within {} bits (it has more than "
+        "are looked for, or is broken)",
+        most));
   }
   chain_.ir_bits = static_cast<int>(*length);
   TakeIr(Bits(out->begin(), out->begin() + static_cast<std::ptrdiff_t>(*length)));

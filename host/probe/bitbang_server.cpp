@@ -174,9 +174,10 @@ void BitbangServer::Admit() {
 void BitbangServer::Answer() {
   const std::size_t received = std::exchange(client_->received, 0);
   client_->answers.clear();
+  observer_.OnBytes(received);
   const bool open = session_.Feed({client_->bytes.data(), received}, client_->answers);
   client_->last_heard = Client::Clock::now();
-  observer_.OnBytes(received);
+  observer_.OnDone();
   Client::Write(client_, open);
 }
 

@@ -45,8 +45,10 @@ class BitbangServer {
     virtual ~Observer() = default;
     // A client comes to be served; `peer` is empty where it has no name.
     virtual void OnClient(const std::string& peer) = 0;
-    // What so many of its bytes ask for has been done, but they are not answered yet.
+    // So many bytes of its have come.
     virtual void OnBytes(std::size_t count) = 0;
+    // What they ask for has been done, but they are not answered yet.
+    virtual void OnDone() = 0;
     // It is gone.
     virtual void OnClientLeft() = 0;
     // Why a client is sent away.

@@ -19,7 +19,7 @@ void RecordingPort::Write(int levels, int enables) {
   port_.SampleTdo();
   const int wires = WireLevels(levels, enables);
   tap_.Update(wires);
-  pending_.push_back({{wires, tap_.State()}, 0});
+  pending_.push_back({{wires, tap_.State(), (enables & GPIO_PIN_TDO) != 0}, 0});
   ++steps_;
 }
 

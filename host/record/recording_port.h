@@ -16,6 +16,7 @@ namespace icehost {
 struct PinStep {
   int wires;                    // GPIO_PIN_ bits as they are on the wires, TDO too
   std::optional<TapState> tap;  // unknown until the TAP is first reset
+  bool drives_tdo;              // the probe, which then reads its own level
 };
 
 class StepRecorder {

@@ -42,7 +42,7 @@ void SvfPinWriter::Record(const PinStep& step) {
   Advance();
   decoder_.Record(step);
   const PinStep before = std::exchange(last_, step);
-  if ((~before.wires & step.wires & GPIO_PIN_TCK) != 0) OnEdge(before.tap, step);
+  if ((~before.wires & step.wires & GPIO_PIN_TCK) != 0) OnEdge(before, step);
   ++step_;
 }
 
@@ -58,9 +58,13 @@ void SvfPinWriter::Advance() {
   }
 }
 
-void SvfPinWriter::OnEdge(std::optional<TapState> from, const PinStep& step) {
-  shifts_ = IsShift(from);
-  if (shifts_) ++shifted_;
+void SvfPinWriter::OnEdge(const PinStep& before, const PinStep& step) {
+  const std::optional<TapState> from = before.tap;
+  const bool shifts = IsShift(from);
+  // A level of the script's own is nothing that came back.
+  shifts_ = shifts && !before.drives_tdo;
+  if (shifts && before.drives_tdo && shifted_ < read_.size()) read_[shifted_] = false;
+  if (shifts) ++shifted_;
   if (from.has_value() && step.tap.has_value() && from != step.tap) OnNewState(*from, *step.tap);
 }
 

@@ -63,7 +63,7 @@ class SvfPinWriter : public EventListener, public StepRecorder, private TapListe
   void OnResetPins(int levels, StepRange steps) override;
 
   void Advance();
-  void OnEdge(std::optional<TapState> from, const PinStep& step);
+  void OnEdge(const PinStep& before, const PinStep& step);
   void OnNewState(TapState from, TapState to);
   void Locate(const Operation& operation, int last_line);
   void BeginStatement();
@@ -79,7 +79,7 @@ class SvfPinWriter : public EventListener, public StepRecorder, private TapListe
   SvfFile& file_;
   TapDecoder decoder_{*this};
   std::size_t step_ = 0;  // the next to be recorded
-  PinStep last_{GPIO_PIN_ALL, std::nullopt};
+  PinStep last_{GPIO_PIN_ALL, std::nullopt, false};
   int reset_levels_ = GPIO_PIN_NRST | GPIO_PIN_TRST;
   std::deque<std::string> paths_;     // of all scripts so far
   std::deque<Operation> operations_;  // whose first step is still to come
@@ -94,7 +94,7 @@ class SvfPinWriter : public EventListener, public StepRecorder, private TapListe
   Operation begin_{0, 0, {}, nullptr};
   bool paused_ = false;
   std::size_t shifted_ = 0;  // bits
-  bool shifts_ = false;      // the last edge shifted one
+  bool shifts_ = false;      // the last edge shifted one that the target drove
   Bits read_;                // whether the script read that bit
   std::optional<Held> held_;
   bool updated_ = false;         // a scan, and has not been in Run-Test/Idle since

@@ -21,16 +21,16 @@ std::string BitText(const Bits& bits) {
 void TapDecoder::Record(const PinStep& step) {
   const bool rising = (~wires_ & step.wires & GPIO_PIN_TCK) != 0;
   const std::optional<TapState> from = std::exchange(tap_, step.tap);
-  if (((wires_ ^ step.wires) & kResetPins) != 0) {
-    listener_.OnResetPins(step.wires & kResetPins, {step_, step_ + 1});
-  }
-  if ((step.wires & GPIO_PIN_TRST) == 0) {
-    if (from != TapState::kTestLogicReset) Reset(true);
-  } else if (rising && step.tap.has_value()) {
+  const bool trst = (step.wires & GPIO_PIN_TRST) == 0;
+  const bool trst_resets = trst && from != TapState::kTestLogicReset;
+  if (trst_resets) CutScan();
+  if (((wires_ ^ step.wires) & kResetPins) != 0) OnResetPins(step.wires & kResetPins);
+  if (trst_resets) listener_.OnTapReset(true, {step_, step_ + 1});
+  if (!trst && rising && step.tap.has_value()) {
     if (from.has_value()) {
       OnEdge(*from, *step.tap, step.wires);
     } else {
-      Reset(false);
+      ResetByTms();
     }
   }
   wires_ = step.wires;
@@ -60,7 +60,7 @@ void TapDecoder::OnEdge(TapState from, TapState to, int wires) {
       idle_begin_ = step_;
       break;
     case TapState::kTestLogicReset:
-      Reset(false);
+      ResetByTms();
       break;
     default:
       break;
@@ -76,11 +76,20 @@ void TapDecoder::Shift(int wires) {
   scan_->out.push_back((wires_ & GPIO_PIN_TDO) != 0);
 }
 
-void TapDecoder::Reset(bool by_trst) {
+// What came before has ended before.
+void TapDecoder::OnResetPins(int levels) {
+  EndIdle(step_);
+  listener_.OnResetPins(levels, {step_, step_ + 1});
+}
+
+void TapDecoder::ResetByTms() {
+  CutScan();
+  listener_.OnTapReset(false, {step_, step_ + 1});
+}
+
+void TapDecoder::CutScan() {
   if (scan_.has_value()) scan_->reset = true;
   EndScan(false, step_ + 1);
-  EndIdle(step_ + 1);
-  listener_.OnTapReset(by_trst, {step_, step_ + 1});
 }
 
 void TapDecoder::EndScan(bool updated, std::size_t end) {
@@ -93,6 +102,7 @@ void TapDecoder::EndScan(bool updated, std::size_t end) {
 void TapDecoder::EndIdle(std::size_t end) {
   const long cycles = std::exchange(idle_cycles_, 0);
   if (cycles > 0) listener_.OnIdle(cycles, {idle_begin_, end});
+  idle_begin_ = end;
 }
 
 }  // namespace icehost

@@ -38,7 +38,7 @@ class TapListener {
   // The TAP comes to Test-Logic-Reset from another state, or from an unknown one.
   virtual void OnTapReset(bool by_trst, StepRange steps) = 0;
   // How many rising TCK edges found the TAP in Run-Test/Idle and left it there, told once it goes
-  // on.
+  // on or a reset line changes.
   virtual void OnIdle(long cycles, StepRange steps) = 0;
   // NRST or TRST changes: both levels as they are now, GPIO_PIN_ bits. High before the first step.
   virtual void OnResetPins(int levels, StepRange steps) = 0;
@@ -57,7 +57,9 @@ class TapDecoder : public StepRecorder {
  private:
   void OnEdge(TapState from, TapState to, int wires);
   void Shift(int wires);
-  void Reset(bool by_trst);
+  void OnResetPins(int levels);
+  void ResetByTms();
+  void CutScan();
   void EndScan(bool updated, std::size_t end);
   void EndIdle(std::size_t end);
 

@@ -160,6 +160,8 @@ void Importer::RunTest(const SvfStatement& statement) {
 
 void Importer::State(const SvfStatement& statement) {
   if (statement.words.empty()) return Refuse(statement.keyword, "STATE lacks its state");
+  const auto words = static_cast<double>(statement.words.size());
+  if (!run_test_.Idle(words, statement.keyword.place, problems_)) return;
   bool resets = false;
   for (const SvfToken& word : statement.words) {
     const bool reset = IsSvfWord(word, "RESET");

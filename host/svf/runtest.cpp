@@ -86,14 +86,19 @@ SvfRunTest::Kind SvfRunTest::Take(const SvfStatement& statement, Problems& probl
     if (!words.Take("RESET") && !words.Take("IDLE")) return refuse(kStates);
   }
   if (!words.AtEnd()) return refuse(kForm);
-  if (run_ == State::kIdle) cycles_ += stay.cycles;
   seconds_ += stay.seconds;
-  if (cycles_ > kMostIdleCycles || seconds_ > kMostIdleSeconds) {
-    problems.Error(statement.keyword.place, WhyTooLong(cycles_, seconds_));
-    BeginScan();
+  if (!Idle(run_ == State::kIdle ? stay.cycles : 0, statement.keyword.place, problems)) {
     return Kind::kWrong;
   }
   return run_ == State::kReset || end_ == State::kReset ? Kind::kReset : Kind::kIdle;
+}
+
+bool SvfRunTest::Idle(double cycles, Place place, Problems& problems) {
+  cycles_ += cycles;
+  if (cycles_ <= kMostIdleCycles && seconds_ <= kMostIdleSeconds) return true;
+  problems.Error(place, WhyTooLong(cycles_, seconds_));
+  BeginScan();
+  return false;
 }
 
 }  // namespace icehost

@@ -19,6 +19,8 @@ class SvfRunTest {
   // kIdle: a moment in Run-Test/Idle. kReset: the same, but of Test-Logic-Reset. What a script
   // cannot do is wrong, and reported.
   Kind Take(const SvfStatement& statement, Problems& problems);
+  // STATE names IDLE so many times. False, and reported, where that is too long.
+  bool Idle(double cycles, Place place, Problems& problems);
   void BeginScan() { cycles_ = seconds_ = 0; }
 
  private:

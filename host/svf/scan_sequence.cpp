@@ -39,7 +39,8 @@ void ScanSequence::Dr(Place place, const SvfShift& shift) {
     script_.Comment(fmt::format("the instruction of line {} again", ir_->line));
     script_.Section(place.line, SvfShift{ir_->shift.tdi, {}, {}}, shift);
   } else {
-    script_.Comment("no IR scan: the instruction stays as it is");
+    if (!bare_.has_value()) bare_ = place;
+    script_.Comment("no IR scan: the instruction is the one before, or that of a TAP reset");
     script_.Section(place.line, std::nullopt, shift);
   }
 }
@@ -79,6 +80,11 @@ void ScanSequence::Reset(Place place) {
 
 void ScanSequence::End() {
   WriteIr();
+  if (bare_.has_value() && !problems_.HasErrors()) {
+    problems_.Warn(*bare_,
+                   "no SIR before: this scans what the instruction before the file selects, and "
+                   "icehost resets the TAP first");
+  }
   if (!reset_.has_value()) return;
   problems_.Warn(*reset_,
                  "left out: a script cannot reset the TAP behind its scans; the last instruction "

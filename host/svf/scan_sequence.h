@@ -46,6 +46,7 @@ class ScanSequence {
   bool instruction_reset_ = false;  // and none loaded since
   bool trst_ = false;               // on
   std::optional<Place> reset_;      // the first behind the last scan
+  std::optional<Place> bare_;       // the first DR scan without an instruction
   bool loads_again_ = false;
 };
 
