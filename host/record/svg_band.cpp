@@ -1,6 +1,6 @@
 #include "host/record/svg_band.h"
 
-#include <fmt/ostream.h>
+#include <fmt/format.h>
 
 #include <algorithm>
 
@@ -43,7 +43,7 @@ void SvgBand::Draw(std::size_t band, int top) {
     DrawLane(lane, band, y);
     y += kRowHeight;
   }
-  fmt::print(stream_, "<g {}>\n", kSvgWave);
+  stream_ << fmt::format("<g {}>\n", kSvgWave);
   for (int pin = 0; pin < kPins; ++pin) DrawPin(pin, band, y + pin * kRowHeight);
   stream_ << "</g>\n";
   const int marks_y = y + kPins * kRowHeight + kShapeHeight / 2;
@@ -51,10 +51,10 @@ void SvgBand::Draw(std::size_t band, int top) {
 }
 
 void SvgBand::DrawNames(int y) {
-  fmt::print(stream_, "<g {} font-size=\"11\">\n<text x=\"{}\" y=\"{}\">us</text>\n", kSvgInk,
-             kNameX, y - kRulerHeight + kBaseline);
+  stream_ << fmt::format("<g {} font-size=\"11\">\n<text x=\"{}\" y=\"{}\">us</text>\n", kSvgInk,
+                         kNameX, y - kRulerHeight + kBaseline);
   const auto name = [&](const char* text) {
-    fmt::print(stream_, "<text x=\"{}\" y=\"{}\">{}</text>\n", kNameX, y + kBaseline, text);
+    stream_ << fmt::format("<text x=\"{}\" y=\"{}\">{}</text>\n", kNameX, y + kBaseline, text);
     y += kRowHeight;
   };
   for (const SvgLane& lane : lanes_) name(lane.label);
@@ -66,14 +66,14 @@ void SvgBand::DrawNames(int y) {
 // A line through the band at each tick, under everything else, and its time above.
 void SvgBand::DrawRuler(std::size_t band, int y) {
   const StepRange steps = scale_.Band(band);
-  fmt::print(stream_, "<path {} d=\"", kSvgGrid);
+  stream_ << fmt::format("<path {} d=\"", kSvgGrid);
   for (std::size_t step = steps.begin; step <= steps.end; step += scale_.TickSteps()) {
-    fmt::print(stream_, "M{}.5 {}V{}", scale_.X(band, step), y + kBaseline + 2, y + Height());
+    stream_ << fmt::format("M{}.5 {}V{}", scale_.X(band, step), y + kBaseline + 2, y + Height());
   }
-  fmt::print(stream_, "\"/>\n<g {} text-anchor=\"middle\">", kSvgInk);
+  stream_ << fmt::format("\"/>\n<g {} text-anchor=\"middle\">", kSvgInk);
   for (std::size_t step = steps.begin; step <= steps.end; step += scale_.TickSteps()) {
-    fmt::print(stream_, "<text x=\"{}\" y=\"{}\">{}</text>", scale_.X(band, step),
-               y + kBaseline - 1, step);
+    stream_ << fmt::format("<text x=\"{}\" y=\"{}\">{}</text>", scale_.X(band, step),
+                           y + kBaseline - 1, step);
   }
   stream_ << "</g>\n";
 }
@@ -85,10 +85,10 @@ void SvgBand::DrawLane(const SvgLane& lane, std::size_t band, int y) {
       if (piece.begin < piece.end) (this->*draw)(segment, piece, band, y);
     }
   };
-  fmt::print(stream_, "<g {}>\n", kSvgShape);
+  stream_ << fmt::format("<g {}>\n", kSvgShape);
   each_piece(&SvgBand::DrawShape);
   // Over the shapes, but the title under it is the shape's.
-  fmt::print(stream_, "</g>\n<g {} text-anchor=\"middle\" pointer-events=\"none\">\n", kSvgInk);
+  stream_ << fmt::format("</g>\n<g {} text-anchor=\"middle\" pointer-events=\"none\">\n", kSvgInk);
   each_piece(&SvgBand::DrawSegmentText);
   stream_ << "</g>\n";
 }
@@ -99,9 +99,9 @@ void SvgBand::DrawShape(const SvgSegment& segment, StepRange piece, std::size_t 
   const int right = scale_.X(band, piece.end);
   const int begin = left + (piece.begin == segment.steps.begin ? kSlant : 0);
   const int end = right - (piece.end == segment.steps.end ? kSlant : 0);
-  fmt::print(
-      stream_, "<path d=\"M{0} {4}H{2}L{3} {5}L{2} {6}H{0}L{1} {5}Z\"><title>{7}</title></path>\n",
-      begin, left, end, right, y, y + kShapeHeight / 2, y + kShapeHeight, XmlText(segment.title));
+  stream_ << fmt::format(
+      "<path d=\"M{0} {4}H{2}L{3} {5}L{2} {6}H{0}L{1} {5}Z\"><title>{7}</title></path>\n", begin,
+      left, end, right, y, y + kShapeHeight / 2, y + kShapeHeight, XmlText(segment.title));
 }
 
 void SvgBand::DrawSegmentText(const SvgSegment& segment, StepRange piece, std::size_t band, int y) {
@@ -112,9 +112,9 @@ void SvgBand::DrawSegmentText(const SvgSegment& segment, StepRange piece, std::s
   const std::vector<std::string>& labels = widest ? segment.labels : segment.names;
   const auto label = std::find_if(labels.begin(), labels.end(), fits);
   if (label == labels.end()) return;
-  fmt::print(stream_, "<text x=\"{}\" y=\"{}\">{}</text>\n",
-             (scale_.X(band, piece.begin) + scale_.X(band, piece.end)) / 2, y + kBaseline - 1,
-             XmlText(*label));
+  stream_ << fmt::format("<text x=\"{}\" y=\"{}\">{}</text>\n",
+                         (scale_.X(band, piece.begin) + scale_.X(band, piece.end)) / 2,
+                         y + kBaseline - 1, XmlText(*label));
 }
 
 void SvgBand::DrawPin(int pin, std::size_t band, int y) {
@@ -124,29 +124,29 @@ void SvgBand::DrawPin(int pin, std::size_t band, int y) {
   const StepRange steps = scale_.Band(band);
   if (steps.begin == steps.end) return;
   std::size_t last = std::max<std::size_t>(steps.begin, 1) - 1;  // of the band before
-  fmt::print(stream_, "<path d=\"M{} {}", scale_.X(band, steps.begin), level_y(last));
+  stream_ << fmt::format("<path d=\"M{} {}", scale_.X(band, steps.begin), level_y(last));
   for (std::size_t step = steps.begin; step < steps.end; last = step++) {
     if (level_y(step) == level_y(last)) continue;
-    fmt::print(stream_, "H{}V{}", scale_.X(band, step), level_y(step));
+    stream_ << fmt::format("H{}V{}", scale_.X(band, step), level_y(step));
   }
-  fmt::print(stream_, "H{}\"/>\n", scale_.X(band, steps.end));
+  stream_ << fmt::format("H{}\"/>\n", scale_.X(band, steps.end));
 }
 
 // A dot, or a cross where it is not as expected.
 void SvgBand::DrawMark(const SvgMark& mark, int y) {
   const std::string title = XmlText(mark.title);
   if (mark.met) {
-    fmt::print(stream_, "<circle {} cx=\"{}\" cy=\"{}\" r=\"{}\"><title>{}</title></circle>",
-               kSvgRead, mark.x, y, kMarkRadius, title);
+    stream_ << fmt::format("<circle {} cx=\"{}\" cy=\"{}\" r=\"{}\"><title>{}</title></circle>",
+                           kSvgRead, mark.x, y, kMarkRadius, title);
   } else {
-    fmt::print(stream_,
-               "<path {0} d=\"M{1} {2}L{3} {4}M{1} {4}L{3} {2}\"><title>{5}</title></path>",
-               kSvgUnmet, mark.x - kMarkRadius, y - kMarkRadius, mark.x + kMarkRadius,
-               y + kMarkRadius, title);
+    stream_ << fmt::format(
+        "<path {0} d=\"M{1} {2}L{3} {4}M{1} {4}L{3} {2}\"><title>{5}</title></path>", kSvgUnmet,
+        mark.x - kMarkRadius, y - kMarkRadius, mark.x + kMarkRadius, y + kMarkRadius, title);
   }
   if (!mark.label.empty()) {
-    fmt::print(stream_, "<text {} x=\"{}\" y=\"{}\">{}</text>", mark.met ? kSvgInk : kSvgUnmetInk,
-               mark.label_x, y + kMarkRadius, XmlText(mark.label));
+    stream_ << fmt::format("<text {} x=\"{}\" y=\"{}\">{}</text>",
+                           mark.met ? kSvgInk : kSvgUnmetInk, mark.label_x, y + kMarkRadius,
+                           XmlText(mark.label));
   }
   stream_ << '\n';
 }

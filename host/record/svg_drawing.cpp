@@ -1,6 +1,6 @@
 #include "host/record/svg_drawing.h"
 
-#include <fmt/ostream.h>
+#include <fmt/format.h>
 
 #include <algorithm>
 #include <string>
@@ -37,16 +37,16 @@ void DrawSvg(const SvgRun& run, std::ostream& stream) {
   const int distance = band.Height() + kBandGap;
   const int width = std::max(scale.Width(), SvgTextWidth(note) + 2 * kNoteX);
   const int height = kTop + bands * distance + (note.empty() ? 0 : kNoteHeight);
-  fmt::print(stream,
-             "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"{0}\" height=\"{1}\" "
-             "viewBox=\"0 0 {0} {1}\" role=\"img\" font-family=\"monospace\" font-size=\"10\">\n"
-             "<title>Pins of the probe, one step is 1 us</title>\n{2}"
-             "<rect {3} width=\"{0}\" height=\"{1}\"/>\n",
-             width, height, kSvgDarkStyle, kSvgPage);
+  stream << fmt::format(
+      "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"{0}\" height=\"{1}\" "
+      "viewBox=\"0 0 {0} {1}\" role=\"img\" font-family=\"monospace\" font-size=\"10\">\n"
+      "<title>Pins of the probe, one step is 1 us</title>\n{2}"
+      "<rect {3} width=\"{0}\" height=\"{1}\"/>\n",
+      width, height, kSvgDarkStyle, kSvgPage);
   for (int i = 0; i < bands; ++i) band.Draw(static_cast<std::size_t>(i), kTop + i * distance);
   if (!note.empty()) {
-    fmt::print(stream, "<text {} x=\"{}\" y=\"{}\" font-style=\"italic\">{}</text>\n", kSvgInk,
-               kNoteX, height - 8, note);
+    stream << fmt::format("<text {} x=\"{}\" y=\"{}\" font-style=\"italic\">{}</text>\n", kSvgInk,
+                          kNoteX, height - 8, note);
   }
   stream << "</svg>\n";
 }
