@@ -1,22 +1,13 @@
 #!/usr/bin/env bash
 # icehost detect through OpenOCD, whose words it takes. usage: detect.sh ICEHOST SOURCE_FOLDER
 set -euo pipefail
+source "$(dirname "${BASH_SOURCE[0]}")/wait_for.sh"
 icehost=$1
 scratch=$(mktemp -d)
 trap 'kill $(jobs -p) 2>/dev/null || true; rm -rf "$scratch"' EXIT
 cd "$scratch"
 
 fail() { echo "FAILED: $*"; tail -n +1 ./*.log ./*.txt; exit 1; }
-
-# wait_for PATTERN FILE: what the pattern matches, once the file has it.
-wait_for() {
-  local found
-  for _ in $(seq 100); do
-    found=$(grep -oE "$1" "$2" 2>/dev/null | head -n 1) && { echo "$found"; return; }
-    sleep 0.1
-  done
-  fail "no $1 in $2"
-}
 
 # begin TAP...: a target, and OpenOCD that knows of these TAPs; sets server, openocd and probe.
 begin() {

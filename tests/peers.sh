@@ -2,22 +2,13 @@
 # icehost with programs that are not ours: OpenOCD as client and as probe, sigrok-cli and GTKWave's
 # reader on the waveform, an XML parser on the picture. usage: peers.sh ICEHOST SOURCE_FOLDER
 set -euo pipefail
+source "$(dirname "${BASH_SOURCE[0]}")/wait_for.sh"
 icehost=$1
 cd "$2"
 scratch=$(mktemp -d)
 trap 'kill $(jobs -p) 2>/dev/null || true; rm -rf "$scratch"' EXIT
 
 fail() { echo "FAILED: $*"; cat "$scratch"/*.log; exit 1; }
-
-# wait_for PATTERN FILE: what the pattern matches, once the file has it.
-wait_for() {
-  local found
-  for _ in $(seq 100); do
-    found=$(grep -oE "$1" "$2" 2>/dev/null | head -n 1) && { echo "$found"; return; }
-    sleep 0.1
-  done
-  fail "no $1 in $2"
-}
 
 "$icehost" serve tcp:0 --idcode 0x2BADC001 2>"$scratch/serve.log" &
 server=$!

@@ -2,6 +2,7 @@
 # What icehost serve tells of OpenOCD, on the simulated target and as a proxy before another server.
 # usage: serve_openocd.sh ICEHOST SOURCE_FOLDER
 set -euo pipefail
+source "$(dirname "${BASH_SOURCE[0]}")/wait_for.sh"
 icehost=$1
 cd "$2"
 scratch=$(mktemp -d)
@@ -16,11 +17,7 @@ serve() {
   "$icehost" serve tcp:0 "$@" --trace="$scratch/$name.trace" --json "$scratch/$name.json" \
     --vcd "$scratch/$name.vcd" 2>"$scratch/$name.err" &
   servers="$! $servers"
-  for _ in $(seq 100); do
-    port=$(grep -oE '[0-9]+$' "$scratch/$name.err" 2>/dev/null) && return
-    sleep 0.1
-  done
-  fail "$name does not serve"
+  port=$(wait_for '[0-9]+$' "$scratch/$name.err")
 }
 
 servers=

@@ -2,6 +2,7 @@
 # What run --svf writes, played by OpenOCD on the simulated target and imported again.
 # usage: svf.sh ICEHOST SOURCE_FOLDER
 set -euo pipefail
+source "$(dirname "${BASH_SOURCE[0]}")/wait_for.sh"
 icehost=$(realpath "$1")
 cd "$2"
 scratch=$(mktemp -d)
@@ -15,11 +16,7 @@ serve() {
   : >"$scratch/serve.log"
   "$icehost" serve tcp:0 "$@" 2>"$scratch/serve.log" &
   server=$!
-  for _ in $(seq 100); do
-    port=$(grep -oE '[0-9]+$' "$scratch/serve.log") && return
-    sleep 0.1
-  done
-  fail "no server"
+  port=$(wait_for '[0-9]+$' "$scratch/serve.log")
 }
 
 # with_openocd COMMAND...: OpenOCD's exit status; its log is openocd.log.
@@ -65,10 +62,7 @@ scans() { grep -oE '^S[DI]R .*' "$1" | sed -E "${2:-}"; }
 serve
 with_openocd 'tcl_port 0' &
 openocd=$!
-for _ in $(seq 100); do
-  tcl=$(grep -oE 'port [0-9]+ for tcl' "$scratch/openocd.log" | tr -dc 0-9) && break
-  sleep 0.1
-done
+tcl=$(wait_for 'port [0-9]+ for tcl' "$scratch/openocd.log" | tr -dc 0-9)
 for script in examples/read_idcode.ini examples/scratch_register.ini; do
   written "$scratch/pins.svf" "$script"
   written "$scratch/calls.svf" --probe "openocd:127.0.0.1:$tcl" "$script"
