@@ -1,9 +1,9 @@
 #!/usr/bin/python3
 """What the documents show, against what happens: every block is run or compared, every link followed.
 
-usage: documents.py ICEHOST SOURCE_FOLDER [DOCUMENT...]. CONTRIBUTING.md says how a block is marked.
-ICESCRIPT_PLUGIN and ICESCRIPT_INCLUDE name the module and the header's folder, where they are not
-those of a build and its source.
+usage: documents.py PREFIX SOURCE_FOLDER [DOCUMENT...]. The commands run on what is installed in PREFIX
+(by `cmake --install build/dev --prefix PREFIX`; ctest has it in build/dev/installed).
+CONTRIBUTING.md says how a block is marked.
 """
 import glob
 import os
@@ -17,10 +17,13 @@ import sys
 import tempfile
 import time
 
-ICEHOST = os.path.abspath(sys.argv[1])
+PREFIX = os.path.abspath(sys.argv[1])
 SOURCE = os.path.abspath(sys.argv[2])
 # A link may lead to what is installed, and to nothing else.
 INSTALLED = ("README.md", "CHANGELOG.md", "CONTRIBUTING.md", "docs", "examples")
+# Where a Debian package puts them, and where they are.
+MANUALS = "/usr/share/doc/icescript"
+INSTALLED_MANUALS = PREFIX + MANUALS.removeprefix("/usr")
 PORTS = ("5555", "6666", "9824")
 SECONDS = 30
 MARKS = {"console": {"exit", "run-by", "hardware"}, "text": {"file", "from"}}
@@ -57,20 +60,17 @@ class Shell:
     def __init__(self, folder):
         self.sentinel = f"@{random.randrange(1 << 64):x}@"
         self.output = ""
-        programs = tempfile.mkdtemp(dir=folder)
-        os.symlink(ICEHOST, os.path.join(programs, "icehost"))
         reading, self.commands = os.pipe()
-        built = os.path.join(os.path.dirname(ICEHOST), "libicescript.so")
         environment = {
-            "ICESCRIPT_PLUGIN": built,
-            "ICESCRIPT_INCLUDE": os.path.join(SOURCE, "entry"),
             **os.environ,
+            "CMAKE_PREFIX_PATH": PREFIX,
+            "PKG_CONFIG_PATH": f"{PREFIX}/lib/pkgconfig",
             "COMMANDS": str(reading),
             "SENTINEL": self.sentinel,
             "HOME": folder,
             "LC_ALL": "C.UTF-8",
             "TERM": "dumb",
-            "PATH": f"{programs}:/usr/bin:/bin:{os.environ['PATH']}",
+            "PATH": f"{PREFIX}/bin:/usr/bin:/bin:{os.environ['PATH']}",
         }
         self.process = subprocess.Popen(
             ["bash", "--noprofile", "--norc", "-c", self.LOOP],
@@ -162,7 +162,7 @@ def blocks_of(document, text):
         yield place, language, marks, lines
 
 
-def run_block(shell, place, marks, lines, ports):
+def run_block(shell, place, marks, lines, here):
     commands = commands_of(lines)
     if not commands:
         fail(place, "a console block begins with a command: $ ...")
@@ -176,7 +176,7 @@ def run_block(shell, place, marks, lines, ports):
                     fail(place, f"{marks['run-by']} does not run this: {command}")
             continue
         wanted = int(marks.get("exit", 0)) if number == len(commands) else 0
-        status, printed = shell.run(ports(command), [ports(line) for line in expected])
+        status, printed = shell.run(here(command), [here(line) for line in expected])
         if status is None:
             fail(place, f"$ {command}", "does not end, and prints", *printed.splitlines())
             return
@@ -192,7 +192,8 @@ def run_document(document):
     check_links(document, text)
     free = {port: free_port() for port in PORTS}
 
-    def ports(line):
+    def here(line):
+        line = line.replace(MANUALS, INSTALLED_MANUALS)
         return re.sub(r"\b(" + "|".join(PORTS) + r")\b", lambda match: free[match[0]], line)
 
     with tempfile.TemporaryDirectory() as folder:
@@ -204,12 +205,12 @@ def run_document(document):
             for place, language, marks, lines in blocks_of(document, text):
                 body = "".join(line + "\n" for line in lines)
                 if language == "console":
-                    run_block(shell, place, marks, lines, ports)
+                    run_block(shell, place, marks, lines, here)
                 elif "file" in marks:
                     path = os.path.join(folder, marks["file"])
                     os.makedirs(os.path.dirname(path), exist_ok=True)
                     with open(path, "w", encoding="utf-8") as file:
-                        file.write(ports(body))
+                        file.write(here(body))
                 elif "from" in marks:
                     with open(os.path.join(SOURCE, marks["from"]), encoding="utf-8") as file:
                         if body not in file.read():
@@ -247,6 +248,8 @@ def check_links(document, text):
 
 
 def main():
+    if not os.path.exists(f"{PREFIX}/bin/icehost"):
+        sys.exit(__doc__)
     os.chdir(SOURCE)
     documents = sys.argv[3:] or sorted(
         path for pattern in ("*.md", "docs/*.md") for path in glob.glob(pattern))

@@ -52,7 +52,7 @@ std::string DefaultPluginPath() {
   constexpr const char* kName = "libicescript.so";
   std::error_code ignored;
   const fs::path folder = fs::read_symlink("/proc/self/exe", ignored).parent_path();
-  const fs::path installed = folder.parent_path() / ICEHOST_LIBRARY_FOLDER / kName;
+  const fs::path installed = (folder / ICEHOST_PLUGIN_FOLDER / kName).lexically_normal();
   const fs::path built = folder / kName;
   return fs::exists(built, ignored) ? built : installed;
 }

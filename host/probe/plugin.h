@@ -27,8 +27,8 @@ class Plugin {
   decltype(&ImplementScr) entry_;
 };
 
-// The plug-in that was built or installed with this program: in its own folder, or in the lib
-// folder beside that.
+// The plug-in that was built or installed with this program: in its own folder, or where the
+// installation puts it from there.
 std::string DefaultPluginPath();
 
 }  // namespace icehost

@@ -1,0 +1,30 @@
+# What is installed, and where. The plug-in is loaded by its path and linked by nobody, so it lies in a
+# folder of its own; icehost finds it from its own place, so that the whole may be moved.
+include(CMakePackageConfigHelpers)
+
+set(ICESCRIPT_ZSH_FOLDER ${CMAKE_INSTALL_DATADIR}/zsh/site-functions CACHE STRING
+    "Where zsh looks for completions")
+set(ICESCRIPT_FISH_FOLDER ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d CACHE STRING
+    "Where fish looks for completions")
+
+install(TARGETS icehost RUNTIME)
+install(TARGETS icescript LIBRARY DESTINATION ${ICESCRIPT_PLUGIN_FOLDER})
+install(FILES ${PROJECT_SOURCE_DIR}/entry/icescript.h TYPE INCLUDE)
+
+set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/icescript)
+configure_package_config_file(
+  ${CMAKE_CURRENT_LIST_DIR}/icescriptConfig.cmake.in icescriptConfig.cmake
+  INSTALL_DESTINATION ${package_folder}
+  PATH_VARS CMAKE_INSTALL_INCLUDEDIR ICESCRIPT_PLUGIN_FOLDER
+  NO_SET_AND_CHECK_MACRO NO_CHECK_REQUIRED_COMPONENTS_MACRO)
+write_basic_package_version_file(icescriptConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/icescriptConfig.cmake
+              ${PROJECT_BINARY_DIR}/icescriptConfigVersion.cmake DESTINATION ${package_folder})
+
+set(pc_folder ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+string(REGEX REPLACE "[^/]+" ".." pc_prefix ${pc_folder})
+configure_file(${CMAKE_CURRENT_LIST_DIR}/icescript.pc.in icescript.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/icescript.pc DESTINATION ${pc_folder})
+
+install(FILES README.md CHANGELOG.md TYPE DOC)
+install(DIRECTORY docs examples TYPE DOC)
