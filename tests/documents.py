@@ -49,6 +49,18 @@ def free_port():
                 continue
 
 
+def is_listening(port):
+    with open("/proc/net/tcp", encoding="ascii") as file:
+        return f":{int(port):04X} 00000000:0000 0A" in file.read()
+
+
+def write_program(path, line):
+    os.makedirs(os.path.dirname(path), exist_ok=True)
+    with open(path, "w", encoding="ascii") as file:
+        file.write(f"#!/bin/sh\n{line}\n")
+    os.chmod(path, 0o755)
+
+
 class Shell:
     """A bash that runs one command after the other in a folder of its own."""
 
@@ -57,7 +69,8 @@ class Shell:
         'printf "\\n%s %d\\n" "$SENTINEL" $?; done 9<&"$COMMANDS"'
     )
 
-    def __init__(self, folder):
+    def __init__(self, folder, openocd_port):
+        self.openocd_port = openocd_port
         self.sentinel = f"@{random.randrange(1 << 64):x}@"
         self.output = ""
         reading, self.commands = os.pipe()
@@ -70,7 +83,7 @@ class Shell:
             "HOME": folder,
             "LC_ALL": "C.UTF-8",
             "TERM": "dumb",
-            "PATH": f"{PREFIX}/bin:/usr/bin:/bin:{os.environ['PATH']}",
+            "PATH": f"{folder}/.programs:{PREFIX}/bin:/usr/bin:/bin:{os.environ['PATH']}",
         }
         self.process = subprocess.Popen(
             ["bash", "--noprofile", "--norc", "-c", self.LOOP],
@@ -102,6 +115,9 @@ class Shell:
         os.write(self.commands, command.encode() + b"\0")
         ended = re.compile(rf"\n{self.sentinel} (\d+)\n")
         end = self.wait_for(lambda: ended.search(self.output))
+        # OpenOCD keeps its log to itself.
+        if end and command.startswith("openocd ") and command.endswith("&"):
+            end = self.wait_for(lambda: is_listening(self.openocd_port)) and end
         if not end:
             return None, self.output
         self.output = self.output[:end.start()] + self.output[end.end():]
@@ -198,10 +214,12 @@ def run_document(document):
 
     with tempfile.TemporaryDirectory() as folder:
         shutil.copytree(os.path.join(SOURCE, "examples"), os.path.join(folder, "examples"))
-        with open(os.path.join(folder, "dev"), "w", encoding="ascii") as file:
-            file.write('#!/bin/sh\n# As ./dev, of what is built already.\nexec icehost "$@"\n')
-        os.chmod(file.name, 0o755)
-        with Shell(folder) as shell:
+        # As ./dev, of what is built already.
+        write_program(os.path.join(folder, "dev"), 'exec icehost "$@"')
+        # OpenOCD, with the only one of its ports that a document uses.
+        write_program(os.path.join(folder, ".programs", "openocd"), "exec /usr/bin/openocd -c "
+                      f"'gdb_port disabled; telnet_port disabled; tcl_port {free['6666']}' \"$@\"")
+        with Shell(folder, free["6666"]) as shell:
             for place, language, marks, lines in blocks_of(document, text):
                 body = "".join(line + "\n" for line in lines)
                 if language == "console":
