@@ -1,0 +1,102 @@
+/* A host for the icescript plug-in: `host PLUGIN SCRIPT` loads the module PLUGIN and runs SCRIPT.
+ * Its five link_ functions play a target with an IDCODE (instruction 1) and a scratch register
+ * (instruction 2); those of a debug server drive its probe.
+ *
+ *   cc -std=c11 -rdynamic -o host host.c
+ */
+#include <dlfcn.h>
+#include <icescript.h>
+#include <stdio.h>
+
+/* What the handle points to. */
+struct Probe {
+  int wire_mode; /* a CDI_ANSWER_ */
+  int dr_bits;
+  const unsigned char *ir, *dr; /* the plug-in's, until link_jtag_execute returns */
+  uint32_t scratch;
+  int levels, enables; /* GPIO_PIN_ bits */
+};
+
+enum { CAPTURE_START = 2, CAPTURE_BITS = 8 * (JTAG_CAPTURE_BYTES - CAPTURE_START) };
+
+/* A JTAG script ends without a message: this is all that its user is told. */
+static int Refuse(const char* why) {
+  fprintf(stderr, "host: %s\n", why);
+  return -1; /* a failure to all five */
+}
+
+int link_config(LinkHandle handle, int code, int value) {
+  struct Probe* const probe = handle;
+  if (code == LINK_CONFIG_GET_CDI) return probe->wire_mode;
+  if (code != LINK_CONFIG_CDI_MODE) return Refuse("unknown configuration code");
+  probe->wire_mode = value == CDI_MODE_2WIRE ? CDI_ANSWER_2WIRE : CDI_ANSWER_JTAG5;
+  return 0;
+}
+
+int link_reset(LinkHandle handle, int kind) {
+  struct Probe* const probe = handle;
+  if (kind != LINK_RESET_TARGET) return Refuse("unknown kind of reset");
+  probe->scratch = 0;
+  return 0;
+}
+
+int link_jtag_insert(LinkHandle handle, int ir_bits, unsigned char* ir, int dr_bits,
+                     unsigned char* dr) {
+  struct Probe* const probe = handle;
+  if (ir_bits > 8 * JTAG_IR_MAX_BYTES) return Refuse("the IR is too long for this probe");
+  if (dr_bits > CAPTURE_BITS) return Refuse("the DR is too long for this probe");
+  probe->ir = ir;
+  probe->dr = dr;
+  probe->dr_bits = dr_bits;
+  return 0;
+}
+
+int link_jtag_execute(LinkHandle handle, unsigned char* capture) {
+  struct Probe* const probe = handle;
+  /* Over two wires, byte 0 of each register is for the probe, and the chip's bits follow. */
+  const int first = probe->wire_mode == CDI_ANSWER_2WIRE ? 8 : 0;
+  const unsigned instruction = probe->ir[first / 8];
+  uint32_t held = instruction == 1 ? 0x1ce51001 : instruction == 2 ? probe->scratch : 0;
+  for (int bit = first; bit < probe->dr_bits; ++bit) {
+    capture[CAPTURE_START + bit / 8] |= (unsigned char)((held & 1) << bit % 8);
+    held = held >> 1 | (uint32_t)(probe->dr[bit / 8] >> bit % 8 & 1) << 31;
+  }
+  if (instruction == 2) probe->scratch = held;
+  return 0;
+}
+
+int link_gpio_operator(LinkHandle handle, int out_value, uint32_t* data, int oe_mask, int flags) {
+  struct Probe* const probe = handle;
+  if (flags & (GPIO_FLAG_START | GPIO_FLAG_WRITE_OUT)) probe->levels = out_value;
+  if (flags & (GPIO_FLAG_START | GPIO_FLAG_WRITE_OE)) probe->enables = oe_mask;
+  /* Pins that the script does not drive float high. */
+  const int pins = (probe->levels | ~probe->enables) & GPIO_PIN_ALL;
+  if (flags & GPIO_FLAG_READ_IN) *data = (uint32_t)pins;
+  return 0;
+}
+
+/* A message may be a piece of a line: it is shown at once, and nothing is added. */
+static int Show(const char* message) {
+  fputs(message, stdout);
+  return fflush(stdout);
+}
+
+int main(int argc, char** argv) {
+  if (argc != 3) {
+    fputs("usage: host PLUGIN SCRIPT\n", stderr);
+    return 2;
+  }
+  void* const module = dlopen(argv[1], RTLD_NOW);
+  int (*run)(LinkHandle, char*, PrintCallback) = NULL;
+  if (module != NULL) *(void**)&run = dlsym(module, "ImplementScr");
+  if (run == NULL) {
+    fprintf(stderr, "host: %s\n", dlerror());
+    return 3;
+  }
+  struct Probe probe = {.wire_mode = CDI_ANSWER_JTAG5};
+  const int result = run(&probe, argv[2], Show);
+  dlclose(module);
+  if (result == 0) return 0;
+  fprintf(stderr, "host: %s failed\n", argv[2]);
+  return 1;
+}

@@ -1,0 +1,48 @@
+#!/usr/bin/env bash
+# The example host shows what icehost shows: example_host.sh HOST PLUGIN ICEHOST SOURCE_FOLDER
+set -euo pipefail
+host=$1 plugin=$2 icehost=$3 source=$4
+scratch=$(mktemp -d)
+trap 'rm -rf "$scratch"' EXIT
+cd "$scratch"
+
+fail() { echo "FAILED: $*"; cat out.txt; exit 1; }
+
+# expect STATUS TEXT ARGUMENT...: what the host ends with, and a pattern of its standard error.
+expect() {
+  local wanted=$1 text=$2 status=0
+  shift 2
+  "$host" "$@" >out.txt 2>err.txt || status=$?
+  # shellcheck disable=SC2053: a pattern
+  [[ "$status:$(cat err.txt)" == $wanted:$text ]] || fail "$* ended with $status: $(cat err.txt)"
+}
+
+# Lengths of every kind, over one interface.
+lengths() {
+  printf '[CONTROL]\nCDI=%s\n' "$1"
+  local bits
+  for bits in 232 9 1 0 -1 -2147483648 33; do
+    printf '[SCRATCH%s]\nIR=%s,0x02\nDR=R,%s,1,2,3,4,5,6,0xff\n' "$bits" "${2:-5}" "$bits"
+  done
+  printf '[IDCODE]\nIR=5,0x01\nDR=W,232,0xaa\n[SCRATCH]\nIR=5,2\nDR=R,64,0\n'
+}
+lengths 5 >lengths5.ini
+lengths 2 >lengths2.ini
+for script in "$source"/examples/*.ini "$source"/examples/reset_pulse.gpio lengths[25].ini; do
+  expect 0 "" "$plugin" "$script"
+  "$icehost" run --force "$script" >icehost.txt 2>/dev/null || [ "${script%[25].ini}" = lengths ]
+  diff icehost.txt out.txt || fail "$script: not what icehost prints"
+done
+expect 0 "" "$plugin" "$source/examples/read_idcode.gpio"
+
+expect 1 "host: absent.ini failed" "$plugin" absent.ini
+lengths 5 288 >long.ini
+expect 0 "" "$plugin" long.ini
+lengths 2 288 >long.ini
+expect 1 $'host: the IR is too long for this probe\nhost: long.ini failed' "$plugin" long.ini
+printf '[LONG]\nIR=5,2\nDR=R,241,0\n' >long.ini
+expect 1 $'host: the DR is too long for this probe\nhost: long.ini failed' "$plugin" long.ini
+expect 2 "usage: host PLUGIN SCRIPT"
+expect 3 "host: ./absent.so: cannot open shared object file: No such file or directory" \
+  ./absent.so absent.ini
+expect 3 "host: */libm.so.6: undefined symbol: ImplementScr" libm.so.6 absent.ini
