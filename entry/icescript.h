@@ -29,6 +29,8 @@
  *     what they quote of the script and its path. They end in a line break only where their text
  *     does, a line may arrive in pieces, and a message may be empty. Show each as it stands and add
  *     nothing.
+ *  8. Stability. Names, arguments, codes, bounds and the tests of results stay within version 1.x:
+ *     a host built with this header runs with every later plug-in of 1.x as it is.
  */
 #ifndef ICESCRIPT_ENTRY_ICESCRIPT_H_
 #define ICESCRIPT_ENTRY_ICESCRIPT_H_
