@@ -66,7 +66,7 @@ class Shell:
 
     LOOP = (
         'while IFS= read -r -d "" -u 9 command; do eval "$command"; '
-        'printf "\\n%s %d\\n" "$SENTINEL" $?; done 9<&"$COMMANDS"'
+        'printf "%s %d\\n" "$SENTINEL" $?; done 9<&"$COMMANDS"'
     )
 
     def __init__(self, folder, openocd_port):
@@ -113,7 +113,7 @@ class Shell:
     def run(self, command, expected):
         """The exit status, or None, and what was printed instead of `expected`, or None."""
         os.write(self.commands, command.encode() + b"\0")
-        ended = re.compile(rf"\n{self.sentinel} (\d+)\n")
+        ended = re.compile(rf"{self.sentinel} (\d+)\n")
         end = self.wait_for(lambda: ended.search(self.output))
         # OpenOCD keeps its log to itself.
         if end and command.startswith("openocd ") and command.endswith("&"):
