@@ -26,5 +26,5 @@ string(REGEX REPLACE "[^/]+" ".." pc_prefix ${pc_folder})
 configure_file(${CMAKE_CURRENT_LIST_DIR}/icescript.pc.in icescript.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/icescript.pc DESTINATION ${pc_folder})
 
-install(FILES README.md CHANGELOG.md TYPE DOC)
+install(FILES README.md CHANGELOG.md CONTRIBUTING.md TYPE DOC)
 install(DIRECTORY docs examples TYPE DOC)

@@ -5,13 +5,17 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <cstring>
 
 namespace icehost {
 
-// On a terminal, unless NO_COLOR is set and not empty.
+// On a terminal, unless NO_COLOR is set and not empty, or the terminal is one that shows text
+// alone, such as the buffer of an editor.
 inline bool WantsColour(int fd) {
   const char* const no_colour = std::getenv("NO_COLOR");
-  return isatty(fd) != 0 && (no_colour == nullptr || *no_colour == '\0');
+  const char* const terminal = std::getenv("TERM");
+  return isatty(fd) != 0 && (no_colour == nullptr || *no_colour == '\0') &&
+         (terminal == nullptr || std::strcmp(terminal, "dumb") != 0);
 }
 
 }  // namespace icehost

@@ -243,15 +243,16 @@ TEST(Icehost, ChecksInColourOnATerminal) {
   const std::string place = "tests/scripts/no_start.gpio:3:1: ";
   const std::string count = "1 error in 1 file\r\n";
   const struct {
-    const char* no_color;
+    const char* surroundings;
     std::string output;
   } kChecks[] = {
-      {"",
+      {"NO_COLOR= TERM=xterm",
        place + "\x1b[1m\x1b[31merror:\x1b[0m" + message + "\x1b[1m\x1b[32m^\x1b[0m\r\n" + count},
-      {"1", place + "error:" + message + "^\r\n" + count},
+      {"NO_COLOR=1 TERM=xterm", place + "error:" + message + "^\r\n" + count},
+      {"NO_COLOR= TERM=dumb", place + "error:" + message + "^\r\n" + count},
   };
   for (const auto& check : kChecks) {
-    const std::string arguments = std::string("--version >/dev/null; NO_COLOR=") + check.no_color +
+    const std::string arguments = std::string("--version >/dev/null; ") + check.surroundings +
                                   " script -qec '" ICESCRIPT_ICEHOST
                                   " check tests/scripts/no_start.gpio 2>/dev/null' /dev/null";
     EXPECT_EQ(RunIcehost(arguments).output, check.output);
