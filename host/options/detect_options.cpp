@@ -18,7 +18,7 @@ ScriptKind ParseScriptKind(const std::string& text) {
 void AddDetect(CLI::App& app, DetectCommand& detect) {
   CLI::App& verb = AddVerb(app, "detect", "Tell which TAPs are on a probe", detect.quiet);
   AddProbe(verb, detect.probe);
-  AddParsed(verb, "--script", "KIND",
+  AddParsed(verb, "--script", "[KIND]",
             "Write the beginning of a script, jtag (the default) or gpio, to standard\n"
             "output (and the report to standard error)",
             [&detect](const std::string& text) { detect.script = ParseScriptKind(text); })

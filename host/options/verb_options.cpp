@@ -52,7 +52,9 @@ void CompleteTrace(std::string& path) {
 }
 
 void AddScripts(CLI::App& verb, std::vector<std::string>& scripts, std::size_t& size_limit) {
-  verb.add_option("SCRIPT", scripts, "Script files; - is standard input")->required();
+  verb.add_option("SCRIPT", scripts, "Script files; - is standard input")
+      ->type_name("")
+      ->required();
   AddParsed(verb, "--size-limit", "MIB", "How large a script may be (default 64)",
             [&size_limit](const std::string& text) { size_limit = ParseMebibytes(text); });
 }

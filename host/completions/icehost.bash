@@ -1,0 +1,93 @@
+# Completion of icehost's command line for bash. File names are left to readline, which knows how to
+# quote them; where none may stand, its own completion is switched off.
+
+# Sets `words` to what stands before the cursor as the shell takes it: COMP_WORDS is cut at ":" and
+# "=" as well.
+_icehost_words() {
+  local rest=${COMP_LINE:0:COMP_POINT} piece
+  words=()
+  for piece in "${COMP_WORDS[@]:0:COMP_CWORD+1}"; do
+    if [[ $rest == [[:blank:]]* || ${#words[@]} -eq 0 ]]; then
+      rest=${rest#"${rest%%[![:blank:]]*}"}
+      words+=('')
+    fi
+    words[-1]+=${rest:0:${#piece}}
+    rest=${rest:${#piece}}
+  done
+}
+
+# Offers those of the texts that begin with `cur`. Readline replaces only `tail`, the end of it.
+_icehost_offer() {
+  local text
+  compopt +o default
+  for text; do
+    [[ $text == "$cur"* ]] && COMPREPLY+=("${text#"${cur%"$tail"}"}")
+  done
+  [[ ${#COMPREPLY[@]} -eq 1 && ${COMPREPLY[0]} == *[:=] ]] && compopt -o nospace
+  return 0
+}
+
+# Offers values of an option; fails where it takes none.
+_icehost_value() {
+  case $1 in
+    --json | --vcd | --svg | --html | --svf | --learn | --plugin | -o | --output | --trace=) ;;
+    --probe)
+      [[ $cur == remote-bitbang:unix:* ]] && return
+      local probes=(sim remote-bitbang: remote-bitbang:unix:)
+      [[ $verb == serve ]] || probes+=(openocd:)
+      _icehost_offer "${probes[@]}"
+      ;;
+    --wire) _icehost_offer jtag5 2wire cjtag2 ;;
+    --script) _icehost_offer jtag gpio ;;
+    --size-limit | --timeout | --ir-length | --idcode | --register | --idle-limit) _icehost_offer ;;
+    *) return 1 ;;
+  esac
+}
+
+# Offers what stands where there is no option.
+_icehost_operand() {
+  case $verb in
+    run | check | import) ;;
+    serve) [[ $cur == unix:* ]] || _icehost_offer tcp: unix: ;;
+    help) _icehost_offer run check detect import serve ;;
+    '') _icehost_offer run check detect import serve help ;;
+    *) _icehost_offer ;;
+  esac
+}
+
+_icehost() {
+  local words tail=$2 verb='' at=1 options='-h --help -q --quiet'
+  local target='--ir-length --idcode --register'
+  _icehost_words
+  local cur=${words[-1]} last=$((${#words[@]} - 1))
+  while ((at < last)) && [[ ${words[at]} == -* ]]; do ((++at)); done
+  ((at == last)) || verb=${words[at]}
+  case $verb in
+    run)
+      options+=" $target --size-limit --probe --timeout --strict --force --keep-going --summary"
+      options+=' --plugin --wire --trace --trace= --json --vcd --svg --html --svf --learn'
+      ;;
+    check) options+=' --size-limit --strict --json' ;;
+    detect) options+=" $target --probe --timeout --script" ;;
+    import) options+=' --size-limit -o --output' ;;
+    serve)
+      options+=" $target -v --verbose --idle-limit --probe --timeout --trace --trace= --json --vcd"
+      options+=' --html'
+      ;;
+    '') options+=' --version' ;;
+    *) options='' ;;
+  esac
+  if [[ " ${words[*]:at:last-at} " == *' -- '* ]]; then
+    _icehost_operand
+  elif [[ $cur == --*=* ]]; then
+    local option=${cur%%=*}
+    cur=${cur#*=}
+    _icehost_value "$option" || _icehost_value "$option=" || _icehost_offer
+  elif [[ $cur == -* ]]; then
+    _icehost_offer $options
+  else
+    _icehost_value "${words[-2]}" || _icehost_operand
+  fi
+}
+
+complete -o default -F _icehost icehost

@@ -1,0 +1,82 @@
+# Completion of icehost's command line for fish.
+
+# Whether the verb is one of these; `none`: there is none yet.
+function __icehost_in
+    for word in (commandline -opc)[2..]
+        string match -q -- '-*' $word; and continue
+        contains -- $word $argv
+        return
+    end
+    contains none $argv
+end
+
+# Paths behind the prefix that the word under the cursor begins with; fails where it does not.
+function __icehost_paths_behind -a prefix
+    set -l word (string replace -r -- '^--\w+=' '' (commandline -ct))
+    string match -q -- "$prefix*" $word; or return
+    __fish_complete_path (string replace -- $prefix '' $word) | string replace -r '^' $prefix
+    return 0
+end
+
+function __icehost_probes
+    __icehost_paths_behind remote-bitbang:unix:; and return
+    printf '%s\t%s\n' sim 'The simulated probe and target' \
+        remote-bitbang: 'A remote_bitbang server, HOST:PORT' \
+        remote-bitbang:unix: 'A remote_bitbang server, a socket file'
+    __icehost_in serve; or printf 'openocd:\tAn adapter that OpenOCD drives, HOST:PORT[:TAP]\n'
+end
+
+function __icehost_endpoints
+    __icehost_paths_behind unix:; and return
+    printf '%s\t%s\n' tcp: 'PORT on the loopback address, or ADDRESS:PORT' unix: 'A socket file'
+end
+
+function __icehost_verbs
+    printf '%s\t%s\n' run 'Run scripts one after the other, up to the first that fails' \
+        check 'Report every problem of scripts without touching a probe' \
+        detect 'Tell which TAPs are on a probe' \
+        import 'Make a JTAG script of a Serial Vector Format (SVF) file' \
+        serve 'Serve a target by the remote_bitbang protocol'
+end
+
+# An option of these verbs: __icehost_option "VERB..." ARGUMENT...
+function __icehost_option
+    complete -c icehost -n "__icehost_in $argv[1]" $argv[2..]
+end
+
+complete -c icehost -f
+__icehost_option 'none help' -a '(__icehost_verbs)'
+__icehost_option none -a help -d 'Tell the options of a verb'
+__icehost_option none -l version -d 'Print the version and exit'
+__icehost_option 'none run check detect import serve' -s h -l help -d 'Print the options and exit'
+__icehost_option 'none run check detect import serve' -s q -l quiet -d 'Print errors only'
+__icehost_option 'run check import' -F
+__icehost_option 'run check import' -l size-limit -x -d 'How large a file may be, in MiB (64)'
+
+__icehost_option 'run detect serve' -l probe -x -a '(__icehost_probes)' -d 'What to work on'
+__icehost_option 'run detect serve' -l timeout -x -d 'Seconds to wait for answers (5)'
+__icehost_option 'run detect serve' -l ir-length -x -d 'Bits of the simulated IR, 2 to 32 (5)'
+__icehost_option 'run detect serve' -l idcode -x -d 'Simulated IDCODE, hexadecimal (1ce51001)'
+__icehost_option 'run detect serve' -l register -x -d 'A simulated register, IR:BITS[=HEX]'
+__icehost_option run -l wire -x -a 'jtag5 2wire cjtag2' -d 'The wire mode at the start'
+
+__icehost_option 'run check' -l strict -d 'Let warnings fail'
+__icehost_option run -l force -d 'Play scripts with errors too'
+__icehost_option run -l keep-going -d 'Play on where a value is not the expected one'
+__icehost_option run -l summary -d 'Say at the end what was done'
+__icehost_option run -l plugin -r -F -d 'The plug-in to load'
+
+__icehost_option 'run serve' -l trace -F -a - -d 'Write a line for every event'
+__icehost_option 'run check serve' -l json -r -F -d 'Write JSON lines'
+__icehost_option 'run serve' -l vcd -r -F -d 'Write the waveform'
+__icehost_option run -l svg -r -F -d 'Write the waveform as a picture'
+__icehost_option 'run serve' -l html -r -F -d 'Write all of it as one page for a browser'
+__icehost_option run -l svf -r -F -d 'Write what was played in the Serial Vector Format'
+__icehost_option run -l learn -r -F -d 'Write the script with the values that were read'
+
+__icehost_option detect -l script -x -a 'jtag gpio' -d 'Write the beginning of a script'
+__icehost_option import -s o -l output -r -F -d 'Write the script to a file'
+
+__icehost_option serve -a '(__icehost_endpoints)'
+__icehost_option serve -s v -l verbose -d 'Say when clients come and go'
+__icehost_option serve -l idle-limit -x -d 'Seconds that a client may be silent (60)'
