@@ -26,5 +26,11 @@ string(REGEX REPLACE "[^/]+" ".." pc_prefix ${pc_folder})
 configure_file(${CMAKE_CURRENT_LIST_DIR}/icescript.pc.in icescript.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/icescript.pc DESTINATION ${pc_folder})
 
+set(completions ${PROJECT_SOURCE_DIR}/host/completions)
+install(FILES ${PROJECT_BINARY_DIR}/icehost.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+install(FILES ${completions}/icehost.bash
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME icehost)
+install(FILES ${completions}/_icehost DESTINATION ${ICESCRIPT_ZSH_FOLDER})
+install(FILES ${completions}/icehost.fish DESTINATION ${ICESCRIPT_FISH_FOLDER})
 install(FILES README.md CHANGELOG.md CONTRIBUTING.md TYPE DOC)
 install(DIRECTORY docs examples TYPE DOC)

@@ -6,6 +6,7 @@ cd "$(dirname "$0")/.."
 root=$PWD
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
+[ "$(id -u)" -eq 0 ] || { echo "packages: needs root"; exit 1; }
 say() { printf 'packages: %s\n' "$*" >&2; }
 quietly() { "$@" >"$scratch/log" 2>&1 || { cat "$scratch/log"; exit 1; }; }
 
