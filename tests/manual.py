@@ -140,6 +140,7 @@ TYPED = {
     "run --probe=rem\tun\tfo\tin\t": ["run", "--probe=remote-bitbang:unix:folder/inner.ini"],
     "serve un\tfo\tin\t": ["serve", "unix:folder/inner.ini"],
     "serve --tra\t=tw\ttc\t1": ["serve", "--trace=two words.ini", "tcp:1"],
+    "run --tra\t=fo\tin\t": ["run", "--trace=folder/inner.ini"],
     "run --vcd=fo\tin\ttw\t": ["run", "--vcd=folder/inner.ini", "two words.ini"],
     "import --output=tw\t": ["import", "--output=two words.ini"],
     "run --wire=cj\t": ["run", "--wire=cjtag2"],
