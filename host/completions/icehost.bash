@@ -16,12 +16,16 @@ _icehost_words() {
   done
 }
 
-# Offers those of the texts that begin with `cur`. Readline replaces only `tail`, the end of it.
+# Offers those of the texts that begin with `cur`; `option` stands before them. Readline replaces
+# only `tail`, the end of the word.
 _icehost_offer() {
-  local text
+  local kept=$option$cur text
+  kept=${kept%"$tail"}
   compopt +o default
   for text; do
-    [[ $text == "$cur"* ]] && COMPREPLY+=("${text#"${cur%"$tail"}"}")
+    [[ $text == "$cur"* ]] || continue
+    text=$option$text
+    COMPREPLY+=("${text#"$kept"}")
   done
   [[ ${#COMPREPLY[@]} -eq 1 && ${COMPREPLY[0]} == *[:=] ]] && compopt -o nospace
   return 0
@@ -56,7 +60,7 @@ _icehost_operand() {
 }
 
 _icehost() {
-  local words tail=$2 verb='' at=1 options='-h --help -q --quiet'
+  local words option='' tail=$2 verb='' at=1 options='-h --help -q --quiet'
   local target='--ir-length --idcode --register'
   _icehost_words
   local cur=${words[-1]} last=$((${#words[@]} - 1))
@@ -80,9 +84,9 @@ _icehost() {
   if [[ " ${words[*]:at:last-at} " == *' -- '* ]]; then
     _icehost_operand
   elif [[ $cur == --*=* ]]; then
-    local option=${cur%%=*}
+    option=${cur%%=*}=
     cur=${cur#*=}
-    _icehost_value "$option" || _icehost_value "$option=" || _icehost_offer
+    _icehost_value "${option%=}" || _icehost_value "$option" || _icehost_offer
   elif [[ $cur == -* ]]; then
     _icehost_offer $options
   else
