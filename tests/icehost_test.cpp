@@ -75,8 +75,8 @@ TEST(Icehost, RunsAsGolden) {
        "'\\0357\\0273\\0277IR=5,1' '[CONTROL]\\nRESET=' '[ZEVA_ICE_GPIO]\\nSTART ; x'; do printf "
        "'%b\\n' \"$head\" | " ICESCRIPT_ICEHOST " check - 2>&1 | grep :; done",
        0, "check_first_lines"},
-      {"check examples/* tests/scripts/long_scans.ini", 0, "check_examples"},
-      {"check -q examples/* tests/scripts/long_scans.ini 2>&1", 0, "empty"},
+      {"check examples/*.gpio examples/*.ini tests/scripts/long_scans.ini", 0, "check_examples"},
+      {"check -q examples/*.gpio examples/*.ini tests/scripts/long_scans.ini 2>&1", 0, "empty"},
       {"check -q --strict examples/reset.ini /nowhere tests/scripts/long_scans.ini", 1,
        "check_strict"},
       {"detect --ir-length 9 --script jtag 2>&1", 0, "detect"},

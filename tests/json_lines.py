@@ -96,7 +96,7 @@ def check_serving():
 
 def check_runs():
     for verb in (("run", "--force"), ("check",)):
-        for path in glob.glob("examples/*") + glob.glob("tests/scripts/*"):
+        for path in glob.glob("examples/*.[gi]*") + glob.glob("tests/scripts/*"):
             if "endless" not in path and not path.endswith(".bin"):
                 run(*verb, path)
         values = run(*verb, "-", script=HOSTILE)

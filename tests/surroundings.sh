@@ -119,7 +119,7 @@ exec 7<>"$scratch/fifo"
 ends_by INT bash -c 'exec "$icehost" run --svg "$scratch/full.svg" --html "$scratch/full.html" \
   "$scratch/reads.gpio" >"$scratch/fifo"'
 ends_by INT bash -c 'exec "$icehost" run --json - "$scratch/endless.gpio" >"$scratch/fifo"'
-ends_by INT bash -c 'exec "$icehost" check "$scratch/many.ini" tests/scripts/*.ini examples/* >"$scratch/fifo"'
+ends_by INT bash -c 'exec "$icehost" check "$scratch/many.ini" tests/scripts/*.ini examples/*.ini >"$scratch/fifo"'
 xmllint --noout "$scratch/full.svg" || fail "the picture of a run that was not read"
 grep -q '"result":"interrupted"' "$scratch/full.html" && tail -n 1 "$scratch/full.html" | grep -qx '</html>' ||
   fail "the page of a run that was not read"

@@ -182,7 +182,7 @@ TEST(Svg, EndsWithTheLastBandOfManySteps) {
 // No text touches another, or leaves the picture.
 TEST(Svg, CanBeRead) {
   for (const std::string& arguments :
-       {std::string("examples/*"), std::string("tests/scripts/walk.gpio"),
+       {std::string("examples/*.[gi]*"), std::string("tests/scripts/walk.gpio"),
         std::string("tests/scripts/long_scans.ini --register 0x15:8=5a --ir-length 6 --wire 2wire"),
         std::string("--idcode 39ca2003 examples/read_idcode.ini"),
         "examples/reset.ini " + Gpio(Loop(40, "TCK=1\nPRINT=GPIO_IN\nTCK=0\n")),
