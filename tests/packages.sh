@@ -28,7 +28,9 @@ ours() {
   dpkg-query -W -f '${Package} ${Status}\n' 'icescript*' 2>/dev/null || true
 }
 export DEBIAN_FRONTEND=noninteractive
-[ -z "$(ours)" ] || { ours; say "icescript is installed already"; exit 1; }
+found=$(ours)
+[ -z "$found" ] || { say "already here: $found"; exit 1; }
+trap 'rm -rf "$scratch"; apt-get purge -y icescript icescript-dev >/dev/null 2>&1' EXIT
 quietly apt-get install -y ./build/package/icescript{,-dev}_*_amd64.deb
 
 say "the first example of the manual, and every document"
@@ -41,5 +43,6 @@ eval "$example" | diff - <(icehost run "$root/examples/read_idcode.ini")
 
 say "purged they leave nothing"
 quietly apt-get purge -y icescript icescript-dev
-[ -z "$(ours)" ] || { ours; exit 1; }
+found=$(ours)
+[ -z "$found" ] || { say "left: $found"; exit 1; }
 say "all is well"
