@@ -22,7 +22,12 @@ install(FILES ${PROJECT_BINARY_DIR}/icescriptConfig.cmake
               ${PROJECT_BINARY_DIR}/icescriptConfigVersion.cmake DESTINATION ${package_folder})
 
 set(pc_folder ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+# What a package puts into /usr stays there, and the plug-in's path may be built into a server.
 string(REGEX REPLACE "[^/]+" ".." pc_prefix ${pc_folder})
+set(pc_prefix "\${pcfiledir}/${pc_prefix}")
+if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")
+  set(pc_prefix /usr)
+endif()
 configure_file(${CMAKE_CURRENT_LIST_DIR}/icescript.pc.in icescript.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/icescript.pc DESTINATION ${pc_folder})
 

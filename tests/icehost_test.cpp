@@ -72,9 +72,15 @@ TEST(Icehost, RunsAsGolden) {
       {"--version >/dev/null; for head in [orvex_ice_gpio] [ZEVA_ICE_GPIO '[ORVEX_ICE_GPIO]\\t' '[ "
        "ZEVA_ICE_GPIO ]' '[ZEVA_ICE_GPIO] START' '[VEZA_ICE_GPIO] ; x' "
        "'\\0357\\0273\\0277[CONTROL]' "
-       "'\\0357\\0273\\0277IR=5,1' '[CONTROL]\\nRESET=' '[ZEVA_ICE_GPIO]\\nSTART ; x'; do printf "
+       "'\\0357\\0273\\0277IR=5,1' '[CONTROL]\\nRESET=' '[ZEVA_ICE_GPIO]\\nSTART ; x' "
+       "'[GPIO]\\nStart'; do printf "
        "'%b\\n' \"$head\" | " ICESCRIPT_ICEHOST " check - 2>&1 | grep :; done",
        0, "check_first_lines"},
+      // The IDCODE is there again after zeros were shifted in.
+      {"--version >/dev/null; printf '[A]\nIR=5,2\nDR=R,32\nTDO=1,0x10,0xe5,0x1c\n[B]\nIR=5,2\n"
+       "DR=R,32\nTDO=1,0x10,0xe5,0x1c\n' | " ICESCRIPT_ICEHOST
+       " run -q --idcode-instruction 2 - 2>&1",
+       0, "empty"},
       {"check examples/*.gpio examples/*.ini tests/scripts/long_scans.ini", 0, "check_examples"},
       {"check -q examples/*.gpio examples/*.ini tests/scripts/long_scans.ini 2>&1", 0, "empty"},
       {"check -q --strict examples/reset.ini /nowhere tests/scripts/long_scans.ini", 1,
@@ -115,6 +121,9 @@ TEST(Icehost, SaysWhatIsWrong) {
       {"run", 2, "SCRIPT is required" + help},
       {"run --idcode 2 x", 2, "--idcode: bit 0 of an IDCODE is 1" + help},
       {"run --register 3 x", 2, "--register: expected IR:BITS or IR:BITS=HEX" + help},
+      {"run --register 9:32=3b9zz x", 2, "--register: \"3b9zz\" is no hexadecimal number" + help},
+      {"run --idcode-instruction 20 x", 2,
+       "--idcode-instruction: instruction 0x20 does not fit an IR of 5 bits" + help},
       {"run --register 3:8=100 x", 2, "--register: 0x100 does not fit 8 bits" + help},
       {"run --register 3:5000 x", 2, "--register: \"5000\" is no number from 0 to 4096" + help},
       {"run --register 1g:8 x", 2,

@@ -52,6 +52,13 @@ DR=W,8
 TDO=1
 MASK=0
 ---
+[CONTROL]
+CDI=2
+[A]
+IR=257,1
+DR=W,8        # expect 0x1ce51001
+START
+---
 [ORVEX_ICE_GPIO
 ---
 [ORVEX_ICE_GPIO] 5

@@ -41,6 +41,8 @@ say "$example"
 eval "$example" | diff - <(icehost run "$root/examples/read_idcode.ini")
 "$root/tests/documents.py" /usr "$root"
 
+[ "$(pkg-config --variable=plugindir icescript)" = /usr/lib/x86_64-linux-gnu/icescript ]
+
 say "purged they leave nothing"
 quietly apt-get purge -y icescript icescript-dev
 found=$(ours)

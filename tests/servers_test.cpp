@@ -219,6 +219,11 @@ TEST(Servers, EndARunAsTheyShould) {
        "OpenOCD takes an IR of up to 64 bits"},
       {OpenocdScan({"3 1 busy", "4 0"}), openocd, idcode, 1,
        "OpenOCD: irscan a 1; drscan a 8 0 8 0 8 0 8 0: busy"},
+      {OpenocdScan({"3 -4 ", "4 0"}), openocd, reset, 1,
+       "OpenOCD: adapter assert srst: error -4, its log says why (its configuration needs a "
+       "reset_config with srst)"},
+      {OpenocdScan({"3 - "}), openocd, reset, 3,
+       "SERVER: this does not answer command 3 \"adapter assert srst\": \"3 - \""},
       {OpenocdScan({"3 0 1 2 3"}), openocd, idcode, 3, no_scan + "\"1 2 3\""},
       {OpenocdScan({"3 0 1 2 3 100"}), openocd, idcode, 3, no_scan + "\"1 2 3 100\""},
       {OpenocdScan({"3 0 1 2 3 4 5"}), openocd, idcode, 3, no_scan + "\"1 2 3 4 5\""},

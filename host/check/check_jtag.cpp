@@ -61,6 +61,7 @@ class JtagOperations {
                                          : "CONTROL syntax error");
     } else {
       Append(section, section.lines[reset ? kReset : kCdi], false);
+      if (!reset) two_wires_ = record->operatorType == icescript::JTAG_OP_CDI_2WIRE;
     }
     if (reset) CheckReset(script_.Line(section.lines[kReset]), problems_);
     if (section.lines[kCdi] == 0) return;
@@ -86,8 +87,18 @@ class JtagOperations {
                                   script_.Line(section.lines[kDr]), problems_);
     if (record == nullptr) return;
     Append(section, section.lines[kDr], record->readFlag != 0);
+    RefuseBeyondTwoWires(section, kIr, record->irBitLength);
+    RefuseBeyondTwoWires(section, kDr, record->drBitLength);
     TakeExpectation(section, kIrTdo, record->irBitLength);
     TakeExpectation(section, kTdo, record->drBitLength);
+  }
+
+  void RefuseBeyondTwoWires(const IniSection& section, std::size_t key, int bits) {
+    constexpr int kMostBits = 256;  // with the byte that this interface adds, 33 bytes
+    if (!two_wires_ || bits <= kMostBits) return;
+    const ScriptLine line = script_.Line(section.lines[key]);
+    problems_.Error(line.Of(ValueOf(line)),
+                    "over two wires a register has at most 256 bits: the 33rd byte is lost");
   }
 
   void Append(const IniSection& section, int line, bool reads) {
@@ -114,8 +125,9 @@ class JtagOperations {
   const ScriptText& script_;
   Problems& problems_;
   Plan& plan_;
-  bool stopped_ = false;  // the plug-in has read its last section
-  std::string message_;   // of the last failed lookup in the plug-in's one store
+  bool two_wires_ = false;  // the script has selected them
+  bool stopped_ = false;    // the plug-in has read its last section
+  std::string message_;     // of the last failed lookup in the plug-in's one store
 };
 
 }  // namespace

@@ -45,6 +45,9 @@ std::string WithoutBlanks(std::string_view text) {
 
 std::string WhyNoIniLine(std::string_view text, const IniKeys& keys) {
   if (const auto slip = SlipIn(text); !slip.empty()) return std::string(slip);
+  if (EqualsUpper(text, "START") || EqualsUpper(text, "END")) {
+    return "a GPIO script begins with [ORVEX_ICE_GPIO]";
+  }
   if (text.front() == '[' && text.find(']') != std::string_view::npos) {
     return "a header ends with its ]";
   }

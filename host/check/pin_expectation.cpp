@@ -166,7 +166,12 @@ std::optional<Expectation> PinExpectation(const ScriptLine& line, bool reads, Pr
 
 void WarnOfExpectation(const ScriptLine& line, Problems& problems) {
   const std::string_view expect = ExpectIn(CommentOf(line));
-  if (expect.empty() || !ReadLevels(Trimmed(expect.substr(kWord.size()))).has_value()) return;
+  if (expect.empty()) return;
+  const std::string_view text = Trimmed(expect.substr(kWord.size()));
+  // More than a number may be a sentence.
+  const bool number = !text.empty() && text[0] >= '0' && text[0] <= '9' &&
+                      text.find_first_of(" \t") == std::string_view::npos;
+  if (!number && !ReadLevels(text).has_value()) return;
   problems.Warn(line.Of(expect), "a JTAG script says with TDO and MASK what it expects");
 }
 

@@ -57,6 +57,7 @@ __icehost_option 'run detect serve' -l probe -x -a '(__icehost_probes)' -d 'What
 __icehost_option 'run detect serve' -l timeout -x -d 'Seconds to wait for answers (5)'
 __icehost_option 'run detect serve' -l ir-length -x -d 'Bits of the simulated IR, 2 to 32 (5)'
 __icehost_option 'run detect serve' -l idcode -x -d 'Simulated IDCODE, hexadecimal (1ce51001)'
+__icehost_option 'run detect serve' -l idcode-instruction -x -d 'Instruction that selects it (1)'
 __icehost_option 'run detect serve' -l register -x -d 'A simulated register, IR:BITS[=HEX]'
 __icehost_option run -l wire -x -a 'jtag5 2wire cjtag2' -d 'The wire mode at the start'
 

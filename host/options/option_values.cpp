@@ -42,6 +42,9 @@ std::uint64_t Number(const std::string& text, int base, std::uint64_t most) {
 // `digits` most significant first, as the bits of a register that must hold them.
 Bits HexBits(std::string digits, int length) {
   TakePrefix(digits, "0x");
+  if (digits.find_first_not_of("0123456789abcdefABCDEF") != std::string::npos) {
+    throw std::invalid_argument(fmt::format("\"{}\" is no hexadecimal number", digits));
+  }
   Bits bits;
   for (auto digit = digits.rbegin(); digit != digits.rend(); ++digit) {
     const Bits four = BitsOfNumber(Number(std::string(1, *digit), 16, 15), 4);
@@ -117,6 +120,13 @@ std::uint32_t ParseIdcode(const std::string& text) {
   return idcode;
 }
 
+void ParseIdcodeInstruction(const std::string& text, TargetOptions& target) {
+  target.idcode_instruction = Number(text, 16, UINT32_MAX);
+  if (target.registers == TargetOptions().registers) {
+    target.registers.erase(target.idcode_instruction);
+  }
+}
+
 void ParseRegister(const std::string& text, TargetOptions& target) {
   const std::size_t colon = text.find(':');
   const std::size_t equals = std::min(text.find('='), text.size());
@@ -131,13 +141,10 @@ void ParseRegister(const std::string& text, TargetOptions& target) {
       equals == text.size() ? BitsOfNumber(0, bits) : HexBits(text.substr(equals + 1), bits);
 }
 
-void RefuseUnfitRegisters(const TargetOptions& target) {
-  for (const auto& entry : target.registers) {
-    const std::uint64_t instruction = entry.first;
-    if (instruction >> static_cast<unsigned>(target.ir_length) == 0) continue;
-    throw std::invalid_argument(fmt::format("instruction {:#x} does not fit an IR of {} bits",
-                                            instruction, target.ir_length));
-  }
+void RefuseUnfitInstruction(std::uint64_t instruction, int ir_length) {
+  if (instruction >> static_cast<unsigned>(ir_length) == 0) return;
+  throw std::invalid_argument(
+      fmt::format("instruction {:#x} does not fit an IR of {} bits", instruction, ir_length));
 }
 
 }  // namespace icehost

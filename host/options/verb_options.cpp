@@ -64,8 +64,11 @@ void AddTargetOptions(CLI::App& verb, TargetOptions& target) {
       ->check(CLI::Range(2, 32).description(""))
       ->type_name("N")
       ->group(kTargetGroup);
-  AddParsed(verb, "--idcode", "HEX", "Its IDCODE (default 1ce51001)",
+  AddParsed(verb, "--idcode", "HEX", "Its IDCODE, whose bit 0 is 1 (default 1ce51001)",
             [&target](const std::string& text) { target.idcode = ParseIdcode(text); })
+      ->group(kTargetGroup);
+  AddParsed(verb, "--idcode-instruction", "HEX", "The instruction that selects it (default 1)",
+            [&target](const std::string& text) { ParseIdcodeInstruction(text, target); })
       ->group(kTargetGroup);
   AddParsed(verb, "--register", "IR:BITS[=HEX]",
             "A register: its instruction (hexadecimal), its length and what it resets to\n"
@@ -96,7 +99,14 @@ void Refuse(const char* option, const std::function<void()>& judge) {
 }
 
 void RefuseUnfitProbe(const CLI::App& verb, const ProbeOptions& probe) {
-  Refuse("--register", [&probe] { RefuseUnfitRegisters(probe.target); });
+  const TargetOptions& target = probe.target;
+  Refuse("--register", [&target] {
+    for (const auto& entry : target.registers) {
+      RefuseUnfitInstruction(entry.first, target.ir_length);
+    }
+  });
+  Refuse("--idcode-instruction",
+         [&target] { RefuseUnfitInstruction(target.idcode_instruction, target.ir_length); });
   if (probe.choice.kind != ProbeChoice::Kind::kSim) RefuseTargetOptions(verb);
 }
 

@@ -60,8 +60,14 @@ int OpenocdProbe::Config(int code, int value) {
 }
 
 int OpenocdProbe::Reset(int /*kind*/) {
-  rpc_.Ask("adapter assert srst");
-  rpc_.Ask("adapter deassert srst");
+  try {
+    rpc_.Ask("adapter assert srst");
+    rpc_.Ask("adapter deassert srst");
+  } catch (const Unsupported& error) {
+    // OpenOCD's default is that there is no such line.
+    throw Unsupported(
+        fmt::format("{} (its configuration needs a reset_config with srst)", error.what()));
+  }
   return 0;
 }
 

@@ -26,6 +26,11 @@ std::optional<int> Decimal(std::string_view word) {
   return value;
 }
 
+// A command of OpenOCD's own fails with a number below zero, and says why in its log alone.
+bool IsOwnError(std::string_view code) {
+  return !code.empty() && code.front() == '-' && Decimal(code.substr(1)).has_value();
+}
+
 }  // namespace
 
 // The answer begins with the command's number, by which an answer too many is known, and with
@@ -35,12 +40,15 @@ std::string OpenocdRpc::Ask(const std::string& command) {
   socket_.Send(
       fmt::format("concat {}[catch {{{}}} result] $result{}", number, command, kEndOfText));
   const std::string answer = ReceiveAnswer(command);
-  const std::size_t head = number.size() + 2;
-  const std::string numbered = (answer + " ").substr(0, head);
-  std::string result = answer.size() > head ? answer.substr(head) : "";
-  if (numbered == number + "0 ") return result;
-  if (numbered == number + "1 ") {
-    throw Unsupported(fmt::format("OpenOCD: {:.80}: {}", command, result));
+  if (answer.compare(0, number.size(), number) == 0) {
+    const std::size_t end = std::min(answer.find(' ', number.size()), answer.size());
+    const std::string code = answer.substr(number.size(), end - number.size());
+    std::string result = answer.substr(std::min(end + 1, answer.size()));
+    if (code == "0") return result;
+    if (IsOwnError(code)) result = fmt::format("error {}, its log says why", code);
+    if (code == "1" || IsOwnError(code)) {
+      throw Unsupported(fmt::format("OpenOCD: {:.80}: {}", command, result));
+    }
   }
   throw IoError(fmt::format("{}: this does not answer command {}\"{}\": \"{:.80}\"", socket_.Name(),
                             number, command, Printable(answer)));

@@ -4,7 +4,8 @@
 
 namespace icehost {
 
-Target::Target(const TargetOptions& options) : options_(options), registers_(options.registers) {}
+Target::Target(const TargetOptions& options)
+    : options_(options), registers_(options.registers), instruction_(options.idcode_instruction) {}
 
 void Target::RaiseTck(bool tms, bool tdi) {
   switch (state_) {
@@ -27,14 +28,14 @@ void Target::RaiseTck(bool tms, bool tdi) {
 void Target::LowerTck() {
   if (state_ == TapState::kUpdateDr) UpdateDr();
   if (state_ == TapState::kUpdateIr) instruction_ = NumberOfBits(shift_);
-  if (state_ == TapState::kTestLogicReset) instruction_ = kIdcodeInstruction;
+  if (state_ == TapState::kTestLogicReset) instruction_ = options_.idcode_instruction;
   const bool shifting = state_ == TapState::kShiftDr || state_ == TapState::kShiftIr;
   tdo_ = shifting ? std::optional<bool>(shift_.front()) : std::nullopt;
 }
 
 void Target::ResetTap() {
   state_ = TapState::kTestLogicReset;
-  instruction_ = kIdcodeInstruction;
+  instruction_ = options_.idcode_instruction;
   tdo_.reset();
 }
 
@@ -52,7 +53,7 @@ Bits Target::CapturedDr() const {
   if (const auto found = registers_.find(instruction_); found != registers_.end()) {
     return found->second;
   }
-  if (instruction_ == kIdcodeInstruction) return BitsOfNumber(options_.idcode, 32);
+  if (instruction_ == options_.idcode_instruction) return BitsOfNumber(options_.idcode, 32);
   return BitsOfNumber(0, 1);  // BYPASS
 }
 

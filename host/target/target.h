@@ -11,14 +11,15 @@
 
 namespace icehost {
 
-// Instructions other than those below and the registers' own select BYPASS.
-constexpr std::uint64_t kIdcodeInstruction = 0x01;
 constexpr std::uint64_t kScratchInstruction = 0x02;
 
 struct TargetOptions {
+  // Instructions other than those below select BYPASS.
   int ir_length = 5;
+  std::uint64_t idcode_instruction = 0x01;
   std::uint32_t idcode = 0x1CE51001;  // no manufacturer has this code
-  // Data registers that a script may write and read, by instruction: their reset values.
+  // Data registers that a script may write and read, by instruction: their reset values. One of the
+  // IDCODE's instruction takes its place.
   std::map<std::uint64_t, Bits> registers = {{kScratchInstruction, BitsOfNumber(0, 32)}};
 };
 
@@ -49,7 +50,7 @@ class Target {
   std::map<std::uint64_t, Bits> registers_;
   bool held_ = false;
   TapState state_ = TapState::kTestLogicReset;
-  std::uint64_t instruction_ = kIdcodeInstruction;
+  std::uint64_t instruction_;
   Bits shift_;
   std::optional<bool> tdo_;
 };
