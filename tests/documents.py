@@ -26,6 +26,8 @@ MANUALS = "/usr/share/doc/icescript"
 INSTALLED_MANUALS = PREFIX + MANUALS.removeprefix("/usr")
 PORTS = ("5555", "6666", "9824")
 SECONDS = 30
+# Read in a clone. With the others one has what is installed.
+OF_A_CLONE = ("README.md", "CONTRIBUTING.md")
 MARKS = {"console": {"exit", "run-by", "hardware"}, "text": {"file", "from"}}
 OTHER_MARKS = {"file", "from"}
 
@@ -213,9 +215,10 @@ def run_document(document):
         return re.sub(r"\b(" + "|".join(PORTS) + r")\b", lambda match: free[match[0]], line)
 
     with tempfile.TemporaryDirectory() as folder:
-        shutil.copytree(os.path.join(SOURCE, "examples"), os.path.join(folder, "examples"))
-        # As ./dev, of what is built already.
-        write_program(os.path.join(folder, "dev"), 'exec icehost "$@"')
+        if document in OF_A_CLONE:
+            shutil.copytree(os.path.join(SOURCE, "examples"), os.path.join(folder, "examples"))
+            # As ./dev, of what is built already.
+            write_program(os.path.join(folder, "dev"), 'exec icehost "$@"')
         # OpenOCD, with the only one of its ports that a document uses.
         write_program(os.path.join(folder, ".programs", "openocd"), "exec /usr/bin/openocd -c "
                       f"'gdb_port disabled; telnet_port disabled; tcl_port {free['6666']}' \"$@\"")
