@@ -31,7 +31,10 @@ export DEBIAN_FRONTEND=noninteractive
 found=$(ours)
 [ -z "$found" ] || { say "already here: $found"; exit 1; }
 trap 'rm -rf "$scratch"; apt-get purge -y icescript icescript-dev >/dev/null 2>&1' EXIT
-quietly apt-get install -y ./build/package/icescript{,-dev}_*_amd64.deb
+# As README.md has it, but for the -y.
+cd build/package
+quietly apt-get install ./icescript_*_amd64.deb -y
+quietly apt-get install ./icescript-dev_*_amd64.deb -y
 
 say "the first example of the manual, and every document"
 cd "$scratch"
@@ -44,7 +47,7 @@ eval "$example" | diff - <(icehost run "$root/examples/read_idcode.ini")
 [ "$(pkg-config --variable=plugindir icescript)" = /usr/lib/x86_64-linux-gnu/icescript ]
 
 say "purged they leave nothing"
-quietly apt-get purge -y icescript icescript-dev
+quietly apt-get purge icescript -y
 found=$(ours)
 [ -z "$found" ] || { say "left: $found"; exit 1; }
 say "all is well"
