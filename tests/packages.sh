@@ -38,7 +38,7 @@ quietly apt-get install ./icescript-dev_*_amd64.deb -y
 
 say "the first example of the manual, and every document"
 cd "$scratch"
-MANWIDTH=200 man icehost | col -b >manual
+MANWIDTH=200 man icehost | col -bx >manual
 example=$(sed -n '/^EXAMPLES/,$ s/^ *\$ //p' manual | head -n 1)
 say "$example"
 eval "$example" | diff - <(icehost run "$root/examples/read_idcode.ini")
