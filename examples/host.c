@@ -17,7 +17,7 @@ struct Probe {
   int levels, enables; /* GPIO_PIN_ bits */
 };
 
-enum { CAPTURE_START = 2, CAPTURE_BITS = 8 * (JTAG_CAPTURE_BYTES - CAPTURE_START) };
+enum { CAPTURE_START = 2, CAPTURE_BITS = 8 * (JTAG_CAPTURE_BYTES - CAPTURE_START), IR_BITS = 256 };
 
 /* A JTAG script ends without a message: this is all that its user is told. */
 static int Refuse(const char* why) {
@@ -43,7 +43,7 @@ int link_reset(LinkHandle handle, int kind) {
 int link_jtag_insert(LinkHandle handle, int ir_bits, unsigned char* ir, int dr_bits,
                      unsigned char* dr) {
   struct Probe* const probe = handle;
-  if (ir_bits > 8 * JTAG_IR_MAX_BYTES) return Refuse("the IR is too long for this probe");
+  if (ir_bits > IR_BITS) return Refuse("the IR is too long for this probe");
   if (dr_bits > CAPTURE_BITS) return Refuse("the DR is too long for this probe");
   probe->ir = ir;
   probe->dr = dr;

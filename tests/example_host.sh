@@ -36,12 +36,23 @@ done
 expect 0 "" "$plugin" "$source/examples/read_idcode.gpio"
 
 expect 1 "host: absent.ini failed" "$plugin" absent.ini
-lengths 5 288 >long.ini
-expect 0 "" "$plugin" long.ini
-lengths 2 288 >long.ini
-expect 1 $'host: the IR is too long for this probe\nhost: long.ini failed' "$plugin" long.ini
-printf '[LONG]\nIR=5,2\nDR=R,241,0\n' >long.ini
-expect 1 $'host: the DR is too long for this probe\nhost: long.ini failed' "$plugin" long.ini
+# The longest registers, and one bit more of either: INTERFACE IR DR WHICH.
+long() {
+  printf '[CONTROL]\nCDI=%s\n[LONG]\nIR=%s,2\nDR=R,%s,0\n' "$1" "$2" "$3" >long.ini
+  local text=${4:+"host: the $4 is too long for this probe"$'\n'"host: long.ini failed"}
+  expect $((${#text} > 0)) "$text" "$plugin" long.ini
+}
+long 5 256 240
+long 5 257 240 IR
+long 5 256 241 DR
+long 2 248 232
+long 2 249 232 IR
+long 2 248 233 DR
+: >empty.ini
+for script in empty.ini .; do
+  expect 1 "host: $script failed" "$plugin" "$script"
+  [ "$(cat out.txt)" = "Syntax error, no end found" ] || fail "$script"
+done
 expect 2 "usage: host PLUGIN SCRIPT"
 expect 3 "host: ./absent.so: cannot open shared object file: No such file or directory" \
   ./absent.so absent.ini
