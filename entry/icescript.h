@@ -19,12 +19,13 @@
  *  5. Results. Each link_ function is judged by its own test, stated there; the tests differ on
  *     purpose. A failed call is not retried and ends the script: a GPIO script with a message, a
  *     JTAG script without one, so that the host has to say what went wrong.
- *  6. Exceptions. The plug-in throws none of its own and catches none. One thrown by a host
- *     function, by the callback or by the standard library (no memory) passes through
- *     ImplementScr to the host after everything that the call allocated has been freed. That takes
- *     one unwinder in the process, as a rule the shared libgcc_s: in a host that keeps a static one
- *     to itself (g++ -static-libgcc -static-libstdc++ with an export list; with -rdynamic the
- *     plug-in uses the host's) any exception that meets the plug-in aborts the process.
+ *  6. Exceptions. The plug-in throws none of its own and keeps none: what the standard library
+ *     catches inside, it throws on. One thrown by a host function, by the callback or by the
+ *     standard library (no memory) passes through ImplementScr to the host after everything that
+ *     the call allocated has been freed. That takes one unwinder in the process, as a rule the
+ *     shared libgcc_s: in a host that keeps a static one to itself (g++ -static-libgcc
+ *     -static-libstdc++ with an export list; with -rdynamic the plug-in uses the host's) any
+ *     exception that meets the plug-in aborts the process.
  *  7. Messages are for the user to read: NUL-terminated, at most 1023 bytes, in English but for
  *     what they quote of the script and its path. They end in a line break only where their text
  *     does, a line may arrive in pieces, and a message may be empty. Show each as it stands and add
@@ -45,7 +46,10 @@ extern "C" {
 /* The host's own handle, passed through unchanged to every link_ function, never examined. */
 typedef void* LinkHandle;
 
-/* Shows one message. The result is not examined. */
+/*
+ * Shows one message. The result is not examined. It gets no handle: what it needs, the host keeps
+ * in a static variable, or in a thread-local one, for it is called on the thread of ImplementScr.
+ */
 typedef int (*PrintCallback)(const char* message);
 
 /* ---- Codes that the plug-in passes --------------------------------------------------------- */
@@ -110,7 +114,10 @@ enum {
  */
 int link_config(LinkHandle handle, int code, int value);
 
-/* Resets the target; kind is LINK_RESET_TARGET. Failure when the result is negative. */
+/*
+ * Pulses the target's NRST; kind is LINK_RESET_TARGET. The wire mode stays. The length of the
+ * pulse, TRST and the state of the TAP are the host's affair. Failure when the result is negative.
+ */
 int link_reset(LinkHandle handle, int kind);
 
 /*
@@ -121,13 +128,13 @@ int link_reset(LinkHandle handle, int kind);
  * ir and dr are arrays of JTAG_IR_MAX_BYTES and JTAG_DR_MAX_BYTES bytes, never null, zero where the
  * script lists no byte. The host does not write to them: after link_jtag_execute the plug-in shows
  * them as what was shifted in. The lengths are the script's: up to 288, and zero or negative where
- * the script says so.
+ * the script says so. A register of 0 bits or less, the extra byte not counted, is not scanned.
  *
  * After the answer CDI_ANSWER_2WIRE each register carries one more byte at its least significant
- * end, counted in its length: 0x00 in the IR, the read flag (0x01 read, 0x00 write) in the DR. This
- * mode is made for registers of up to 32 bytes. A script that gives more still gets here, its 33rd
- * byte lost, its 34th to 36th in their old places and its length up to 296 bits: a host must not
- * read more than the 36 bytes of an array.
+ * end, counted in its length (-1 bit arrives as 7): 0x00 in the IR, the read flag (0x01 read, 0x00
+ * write) in the DR. This mode is made for registers of up to 32 bytes, 264 bits with that one. A
+ * script that gives more still gets here, its 33rd byte lost, its 34th where the 33rd should be and
+ * so on, and its length up to 296 bits: a host must not read more than the 36 bytes of an array.
  */
 int link_jtag_insert(LinkHandle handle, int ir_bits, unsigned char* ir, int dr_bits,
                      unsigned char* dr);
@@ -138,7 +145,8 @@ int link_jtag_insert(LinkHandle handle, int ir_bits, unsigned char* ir, int dr_b
  *
  * capture has JTAG_CAPTURE_BYTES bytes, all zero at the call. The plug-in takes the DR bits shifted
  * out from byte 2 on, or from byte 3 on after the answer CDI_ANSWER_2WIRE, and looks at no other
- * byte. It shows them after a read, and after a write too where the answer was CDI_ANSWER_JTAG5.
+ * byte. It does not mask them: the host leaves the bits above the last one zero. It shows them
+ * after a read, and after a write too where the answer was CDI_ANSWER_JTAG5.
  * (This version's buffer also takes the longest DR whole, 36 bytes from byte 3.)
  */
 int link_jtag_execute(LinkHandle handle, unsigned char* capture);
@@ -152,9 +160,10 @@ int link_jtag_execute(LinkHandle handle, unsigned char* capture);
  *
  *   out_value  output levels, GPIO_PIN_ bits; a script's GPIO_OUT may set bits above them
  *   data       the operation's own word, never null: with GPIO_FLAG_READ_IN the host stores the
- *              levels read here. It is 0 before the first run of the operation; in a repeat block
- *              it holds what the run before left. The value 0 after a read counts, for the user, as
- *              a read that failed; the script goes on.
+ *              levels read here, and 0 above GPIO_PIN_ALL: all 32 bits are shown. It is 0 before
+ *              the first run of the operation; in a repeat block it holds what the run before left.
+ *              The value 0 after a read counts, for the user, as a read that failed; the script
+ *              goes on.
  *   oe_mask    output enables, same bits
  *   flags      GPIO_FLAG_ bits
  */
