@@ -11,8 +11,9 @@
 /* What the handle points to. */
 struct Probe {
   int wire_mode; /* a CDI_ANSWER_ */
-  int dr_bits;
+  int ir_bits, dr_bits;
   const unsigned char *ir, *dr; /* the plug-in's, until link_jtag_execute returns */
+  unsigned instruction;         /* the chip's, kept where a scan has no IR */
   uint32_t scratch;
   int levels, enables; /* GPIO_PIN_ bits */
 };
@@ -47,6 +48,7 @@ int link_jtag_insert(LinkHandle handle, int ir_bits, unsigned char* ir, int dr_b
   if (dr_bits > CAPTURE_BITS) return Refuse("the DR is too long for this probe");
   probe->ir = ir;
   probe->dr = dr;
+  probe->ir_bits = ir_bits;
   probe->dr_bits = dr_bits;
   return 0;
 }
@@ -55,7 +57,8 @@ int link_jtag_execute(LinkHandle handle, unsigned char* capture) {
   struct Probe* const probe = handle;
   /* Over two wires, byte 0 of each register is for the probe, and the chip's bits follow. */
   const int first = probe->wire_mode == CDI_ANSWER_2WIRE ? 8 : 0;
-  const unsigned instruction = probe->ir[first / 8];
+  if (probe->ir_bits > first) probe->instruction = probe->ir[first / 8];
+  const unsigned instruction = probe->instruction;
   uint32_t held = instruction == 1 ? 0x1ce51001 : instruction == 2 ? probe->scratch : 0;
   for (int bit = first; bit < probe->dr_bits; ++bit) {
     capture[CAPTURE_START + bit / 8] |= (unsigned char)((held & 1) << bit % 8);
@@ -93,7 +96,7 @@ int main(int argc, char** argv) {
     fprintf(stderr, "host: %s\n", dlerror());
     return 3;
   }
-  struct Probe probe = {.wire_mode = CDI_ANSWER_JTAG5};
+  struct Probe probe = {.wire_mode = CDI_ANSWER_JTAG5, .instruction = 1};
   const int result = run(&probe, argv[2], Show);
   dlclose(module);
   if (result == 0) return 0;

@@ -22,9 +22,10 @@ lengths() {
   printf '[CONTROL]\nCDI=%s\n' "$1"
   local bits
   for bits in 232 9 1 0 -1 -2147483648 33; do
-    printf '[SCRATCH%s]\nIR=%s,0x02\nDR=R,%s,1,2,3,4,5,6,0xff\n' "$bits" "${2:-5}" "$bits"
+    printf '[SCRATCH%s]\nIR=5,0x02\nDR=R,%s,1,2,3,4,5,6,0xff\n' "$bits" "$bits"
   done
-  printf '[IDCODE]\nIR=5,0x01\nDR=W,232,0xaa\n[SCRATCH]\nIR=5,2\nDR=R,64,0\n'
+  printf '[IDCODE]\nIR=5,0x01\nDR=W,232,0xaa\n[KEPT]\nIR=0,2\nDR=R,32,0\n'
+  printf '[SCRATCH]\nIR=5,2\nDR=R,64,0\n'
 }
 lengths 5 >lengths5.ini
 lengths 2 >lengths2.ini
