@@ -76,6 +76,10 @@ TEST(Icehost, RunsAsGolden) {
        "'[GPIO]\\nStart'; do printf "
        "'%b\\n' \"$head\" | " ICESCRIPT_ICEHOST " check - 2>&1 | grep :; done",
        0, "check_first_lines"},
+      {"--version >/dev/null; printf '[CONTROL]\nCDI=2\n[A]\nIR=256,0 # expect 0\nDR=W,257\n[B]\n"
+       "IR=257,0 # expect 9\nDR=W,256 # expect 0 bits\n[C]\nIR=5,1 # expect :5\nDR=R,8 # expect\n'"
+       " | " ICESCRIPT_ICEHOST " check - 2>&1",
+       1, "check_wires"},
       // The IDCODE is there again after zeros were shifted in.
       {"--version >/dev/null; printf '[A]\nIR=5,2\nDR=R,32\nTDO=1,0x10,0xe5,0x1c\n[B]\nIR=5,2\n"
        "DR=R,32\nTDO=1,0x10,0xe5,0x1c\n' | " ICESCRIPT_ICEHOST

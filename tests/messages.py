@@ -56,7 +56,7 @@ MASK=0
 CDI=2
 [A]
 IR=257,1
-DR=W,8        # expect 0x1ce51001
+DR=W,8
 START
 ---
 [ORVEX_ICE_GPIO
