@@ -30,7 +30,7 @@ ours() {
 export DEBIAN_FRONTEND=noninteractive
 found=$(ours)
 [ -z "$found" ] || { say "already here: $found"; exit 1; }
-trap 'rm -rf "$scratch"; apt-get purge -y icescript icescript-dev >/dev/null 2>&1' EXIT
+trap 'rm -rf "$scratch"; apt-get purge -y icescript icescript-dev >/dev/null 2>&1 || true' EXIT
 # As README.md has it, but for the -y.
 cd build/package
 quietly apt-get install ./icescript_*_amd64.deb -y
