@@ -58,7 +58,8 @@ void Reporter::EnterPlugin() {
 
 void Reporter::OnCall(bool begins_operation) {
   work_.TakeUp();
-  parsing_ = false;
+  // What the reading of the script left is told before anything is played.
+  if (std::exchange(parsing_, false)) ShowCaptured();
   if (begins_operation) progress_.OnOperation();
 }
 
