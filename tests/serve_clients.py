@@ -54,7 +54,7 @@ class Serve:
         self.port = int((re.findall(r":(\d+)$", self.first) or ["0"])[0])
 
     def client(self):
-        return socket.create_connection(("127.0.0.1", self.port), timeout=10)
+        return socket.create_connection(("127.0.0.1", self.port), timeout=60)
 
     def next_client(self):
         """Once the one before has left."""
