@@ -120,11 +120,8 @@ std::uint32_t ParseIdcode(const std::string& text) {
   return idcode;
 }
 
-void ParseIdcodeInstruction(const std::string& text, TargetOptions& target) {
-  target.idcode_instruction = Number(text, 16, UINT32_MAX);
-  if (target.registers == TargetOptions().registers) {
-    target.registers.erase(target.idcode_instruction);
-  }
+std::uint64_t ParseInstruction(const std::string& text) {
+  return Number(text, 16, UINT32_MAX);
 }
 
 void ParseRegister(const std::string& text, TargetOptions& target) {
@@ -133,7 +130,7 @@ void ParseRegister(const std::string& text, TargetOptions& target) {
   if (colon == std::string::npos || colon > equals) {
     throw std::invalid_argument("expected IR:BITS or IR:BITS=HEX");
   }
-  const std::uint64_t instruction = Number(text.substr(0, colon), 16, UINT32_MAX);
+  const std::uint64_t instruction = ParseInstruction(text.substr(0, colon));
   const auto bits =
       static_cast<int>(Number(text.substr(colon + 1, equals - colon - 1), 10, kLongestRegister));
   if (bits == 0) throw std::invalid_argument("a register has 1 bit or more");

@@ -23,8 +23,8 @@ std::chrono::milliseconds ParseSeconds(const std::string& text);
 std::size_t ParseMebibytes(const std::string& text);
 // Hexadecimal, with or without "0x". Bit 0 of an IDCODE is 1 (IEEE 1149.1).
 std::uint32_t ParseIdcode(const std::string& text);
-// Hexadecimal. Takes the place of the scratch register, unless there are registers of the user's.
-void ParseIdcodeInstruction(const std::string& text, TargetOptions& target);
+// Hexadecimal, of 32 bits.
+std::uint64_t ParseInstruction(const std::string& text);
 // "IR:BITS[=HEX]", the instruction IR in hexadecimal: adds a register to the target.
 void ParseRegister(const std::string& text, TargetOptions& target);
 // To be called once the length of the IR is known, too: no instruction may be longer.

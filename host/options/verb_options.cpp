@@ -67,12 +67,13 @@ void AddTargetOptions(CLI::App& verb, TargetOptions& target) {
   AddParsed(verb, "--idcode", "HEX", "Its IDCODE, whose bit 0 is 1 (default 1ce51001)",
             [&target](const std::string& text) { target.idcode = ParseIdcode(text); })
       ->group(kTargetGroup);
-  AddParsed(verb, "--idcode-instruction", "HEX", "The instruction that selects it (default 1)",
-            [&target](const std::string& text) { ParseIdcodeInstruction(text, target); })
+  AddParsed(
+      verb, "--idcode-instruction", "HEX", "The instruction that selects it (default 1)",
+      [&target](const std::string& text) { target.idcode_instruction = ParseInstruction(text); })
       ->group(kTargetGroup);
   AddParsed(verb, "--register", "IR:BITS[=HEX]",
             "A register: its instruction (hexadecimal), its length and what it resets to\n"
-            "(hexadecimal); may be repeated (2:32 is always there)",
+            "(hexadecimal); may be repeated (2:32 is there, unless 2 selects the IDCODE)",
             [&target](const std::string& text) { ParseRegister(text, target); })
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
       ->trigger_on_parse()

@@ -5,7 +5,12 @@
 namespace icehost {
 
 Target::Target(const TargetOptions& options)
-    : options_(options), registers_(options.registers), instruction_(options.idcode_instruction) {}
+    : options_(options), instruction_(options.idcode_instruction) {
+  if (options_.idcode_instruction != kScratchInstruction) {
+    options_.registers.emplace(kScratchInstruction, BitsOfNumber(0, 32));
+  }
+  registers_ = options_.registers;
+}
 
 void Target::RaiseTck(bool tms, bool tdi) {
   switch (state_) {

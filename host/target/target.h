@@ -11,6 +11,8 @@
 
 namespace icehost {
 
+// Of a register of 32 bits that is there beside those of the options, unless one of them, or the
+// IDCODE, has its instruction.
 constexpr std::uint64_t kScratchInstruction = 0x02;
 
 struct TargetOptions {
@@ -20,7 +22,7 @@ struct TargetOptions {
   std::uint32_t idcode = 0x1CE51001;  // no manufacturer has this code
   // Data registers that a script may write and read, by instruction: their reset values. One of the
   // IDCODE's instruction takes its place.
-  std::map<std::uint64_t, Bits> registers = {{kScratchInstruction, BitsOfNumber(0, 32)}};
+  std::map<std::uint64_t, Bits> registers;
 };
 
 class Target {
