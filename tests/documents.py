@@ -30,6 +30,7 @@ SECONDS = 30
 OF_A_CLONE = ("README.md", "CONTRIBUTING.md")
 MARKS = {"console": {"exit", "run-by", "hardware"}, "text": {"file", "from"}}
 OTHER_MARKS = {"file", "from"}
+FENCE = re.compile(r"^( *)(```+)([^`\n]*)\n(.*?)^\1\2 *$", re.MULTILINE | re.DOTALL)
 
 failures = []
 
@@ -164,11 +165,9 @@ def commands_of(lines):
 
 def blocks_of(document, text):
     """(place, language, marks, lines) of each block."""
-    fence = re.compile(r"^( *)(```+)([^`\n]*)\n(.*?)^\1\2 *$", re.MULTILINE | re.DOTALL)
-    outside = fence.sub("", text)
-    if "```" in outside:
+    if "```" in FENCE.sub("", text):
         fail(document, "a block does not end")
-    for block in fence.finditer(text):
+    for block in FENCE.finditer(text):
         place = f"{document}:{text.count(chr(10), 0, block.start()) + 1}"
         language, *words = block[3].split() or [""]
         marks = dict((word.split("=", 1) + [""])[:2] for word in words)
@@ -242,9 +241,8 @@ def run_document(document):
 
 def anchors_of(text):
     """As the pages that show Markdown name its headings."""
-    outside = re.sub(r"^( *)(```+).*?^\1\2 *$", "", text, flags=re.MULTILINE | re.DOTALL)
     seen = {}
-    for heading in re.findall(r"^#+ (.*)$", outside, re.MULTILINE):
+    for heading in re.findall(r"^#+ (.*)$", FENCE.sub("", text), re.MULTILINE):
         name = re.sub(r"[^\w\- ]", "", re.sub(r"\]\([^)]*\)", "]", heading).lower())
         name = name.replace(" ", "-")
         yield name + (f"-{seen[name]}" if name in seen else "")
@@ -252,8 +250,7 @@ def anchors_of(text):
 
 
 def check_links(document, text):
-    outside = re.sub(r"^( *)(```+).*?^\1\2 *$", "", text, flags=re.MULTILINE | re.DOTALL)
-    outside = re.sub(r"`[^`\n]*`", "", outside)
+    outside = re.sub(r"`[^`\n]*`", "", FENCE.sub("", text))
     for link in re.findall(r"\]\(([^)\s]+)\)", outside):
         if link.startswith("https://"):
             continue
