@@ -25,15 +25,15 @@
 #include "host/check/check.h"
 #include "host/check/check_stream.h"
 #include "host/check/learn.h"
+#include "host/pins/recording_port.h"
+#include "host/pins/serve_json.h"
+#include "host/pins/serve_trace.h"
+#include "host/pins/vcd_writer.h"
 #include "host/probe/bitbang_port.h"
 #include "host/probe/bitbang_server.h"
 #include "host/probe/openocd_probe.h"
 #include "host/probe/pin_probe.h"
 #include "host/probe/sim_port.h"
-#include "host/record/recording_port.h"
-#include "host/record/serve_json.h"
-#include "host/record/serve_trace.h"
-#include "host/record/vcd_writer.h"
 #include "host/svf/importer.h"
 #include "host/system/errors.h"
 #include "host/system/interrupt.h"
@@ -134,8 +134,8 @@ std::string ServeRecorded(std::string_view bytes) {
   icehost::ServeTrace trace(text);
   icehost::ServeJson json(text);
   icehost::VcdWriter vcd(text);
-  icehost::TapDecoder to_trace(trace);
-  icehost::TapDecoder to_json(json);
+  icehost::TapDecoder to_trace({&trace});
+  icehost::TapDecoder to_json({&json});
   StepCounter counter;
   icehost::SimPort port{icehost::TargetOptions{}};
   icehost::RecordingPort recording(port, {&counter, &vcd, &to_trace, &to_json});

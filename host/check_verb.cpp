@@ -1,5 +1,3 @@
-#include "host/check_verb.h"
-
 #include <fmt/format.h>
 #include <unistd.h>
 
@@ -15,6 +13,7 @@
 #include "host/reporter.h"
 #include "host/system/errors.h"
 #include "host/system/output_file.h"
+#include "host/verbs.h"
 
 namespace icehost {
 namespace {
@@ -128,7 +127,7 @@ ExitStatus Checker::Close(ExitStatus status) {
 
 }  // namespace
 
-ExitStatus CheckScripts(const CheckCommand& command) try {
+ExitStatus Execute(const CheckCommand& command) try {
   return Checker(command).CheckAll();
 } catch (const IoError& error) {
   Complain(error.what());

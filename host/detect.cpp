@@ -1,5 +1,3 @@
-#include "host/detect.h"
-
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -16,6 +14,7 @@
 #include "host/reporter.h"
 #include "host/system/errors.h"
 #include "host/system/output_file.h"
+#include "host/verbs.h"
 
 namespace icehost {
 namespace {
@@ -90,7 +89,7 @@ ExitStatus Tell(const DetectCommand& command, const Chain& chain) {
 
 }  // namespace
 
-ExitStatus Detect(const DetectCommand& command) try {
+ExitStatus Execute(const DetectCommand& command) try {
   const Chain chain = ReadChainOf(command.probe);
   try {
     return Tell(command, chain);

@@ -1,5 +1,3 @@
-#include "host/import.h"
-
 #include <fmt/format.h>
 
 #include <cstdio>
@@ -12,6 +10,7 @@
 #include "host/system/input_file.h"
 #include "host/system/output_file.h"
 #include "host/system/printable.h"
+#include "host/verbs.h"
 
 namespace icehost {
 namespace {
@@ -35,7 +34,7 @@ void Write(const std::string& script, const std::string& path) {
 
 }  // namespace
 
-ExitStatus Import(const ImportCommand& command) {
+ExitStatus Execute(const ImportCommand& command) {
   ImportedSvf imported;
   const std::string name = command.file == "-" ? "<stdin>" : command.file;
   try {

@@ -1,39 +1,15 @@
 // icehost: runs and checks scripts without a debug server.
 #include <exception>
 
-#include "host/check_verb.h"
-#include "host/detect.h"
-#include "host/import.h"
 #include "host/options/command_line.h"
 #include "host/reporter.h"
-#include "host/run.h"
-#include "host/serve.h"
 #include "host/system/errors.h"
 #include "host/system/interrupt.h"
 #include "host/system/standard_streams.h"
+#include "host/verbs.h"
 
 namespace icehost {
 namespace {
-
-ExitStatus Execute(const RunCommand& command) {
-  return Run(command);
-}
-
-ExitStatus Execute(const CheckCommand& command) {
-  return CheckScripts(command);
-}
-
-ExitStatus Execute(const ImportCommand& command) {
-  return Import(command);
-}
-
-ExitStatus Execute(const ServeCommand& command) {
-  return Serve(command);
-}
-
-ExitStatus Execute(const DetectCommand& command) {
-  return Detect(command);
-}
 
 ExitStatus Main(int argc, char** argv) {
   const auto parsed = ParseCommandLine(argc, argv);

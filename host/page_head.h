@@ -7,7 +7,7 @@
 
 #include "host/options/commands.h"
 #include "host/options/exit_status.h"
-#include "host/record/page_writer.h"
+#include "host/page/page_writer.h"
 
 namespace icehost {
 

@@ -1,5 +1,7 @@
 #include "host/probe_stack.h"
 
+#include <fmt/format.h>
+
 #include <utility>
 
 #include "host/open_probe.h"
@@ -25,6 +27,13 @@ Probe& ProbeStack::Build(const std::vector<StepRecorder*>& recorders, PinProbe::
   pin_probe_ = pin_probe.get();
   probe_ = std::move(pin_probe);
   return *probe_;
+}
+
+void ProbeStack::BeginOperation(const CallSource& source) {
+  if (recording_ == nullptr) return;
+  recording_->BeginOperation(source.section != nullptr ? fmt::format("[{}]", *source.section)
+                                                       : fmt::format("line {}", source.line),
+                             source);
 }
 
 std::optional<long> ProbeStack::TckCycles() const {

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "host/options/commands.h"
+#include "host/pins/recording_port.h"
 #include "host/probe/pin_probe.h"
-#include "host/record/recording_port.h"
 
 namespace icehost {
 
@@ -20,6 +20,9 @@ class ProbeStack {
 
   // The probe, with its pins recorded; to be called once. The recorders must outlive this object.
   Probe& Build(const std::vector<StepRecorder*>& recorders, PinProbe::Doubt doubt);
+  bool ShowsPins() const { return port_ != nullptr; }
+  // An operation of the script begins.
+  void BeginOperation(const CallSource& source);
   // Writes to the pins that the recorders have seen or will see.
   std::size_t Steps() const { return recording_ != nullptr ? recording_->Steps() : 0; }
   // Unknown where the probe does not show its pins.

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "host/events/events.h"
 #include "host/progress.h"
-#include "host/record/events.h"
 #include "host/system/captured_output.h"
 #include "host/work_lock.h"
 

@@ -1,5 +1,3 @@
-#include "host/run.h"
-
 #include <utility>
 #include <vector>
 
@@ -7,10 +5,11 @@
 #include "host/runner.h"
 #include "host/scripts.h"
 #include "host/system/errors.h"
+#include "host/verbs.h"
 
 namespace icehost {
 
-ExitStatus Run(const RunCommand& command) {
+ExitStatus Execute(const RunCommand& command) {
   std::vector<Script> scripts;
   try {
     scripts = LoadScripts(command);

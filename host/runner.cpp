@@ -33,10 +33,10 @@ Runner* Runner::running = nullptr;
 Runner::Runner(const RunCommand& command)
     : command_(command),
       plugin_(command.plugin),
-      stack_(command.probe, command.wire_mode, command.record.HasWaveform()),
-      outputs_(command),
+      stack_(command.probe, command.wire_mode, NeedPins(command.outputs)),
+      outputs_(command.outputs, &OutputKind::run, stack_.ShowsPins()),
       reporter_(outputs_.listeners, work_,
-                {command.quiet, !command.quiet && command.record.trace != kStandardError &&
+                {command.quiet, !command.quiet && command.outputs[0] != kStandardError &&
                                     isatty(STDERR_FILENO) != 0}),
       follower_(ModeOf(command),
                 [this](Place place, const std::string& what) {
@@ -47,6 +47,9 @@ Runner::Runner(const RunCommand& command)
                 follower_, outputs_.listeners,
                 {[this](const std::string& why) { SayOfCall(why); },
                  [this](bool begins) { OnCall(begins); }, [this] { return stack_.Steps(); }}) {
+  if (!command.learn.empty()) {
+    learned_ = &outputs_.Add(command.learn, OutputFile::Rest::kNothing);
+  }
   running = this;
   SetRescue([this] { return Abandon(); });
 }
@@ -61,7 +64,7 @@ ExitStatus Runner::RunAll(std::vector<Script> scripts) {
   outputs_.Begin();
   for (Script& script : scripts) {
     ++begun_;
-    if (outputs_.page.has_value()) ShowSource(script);
+    TellSource(script);
     reporter_.BeginScript(script.path, script.name);
     const ExitStatus ended = RunOne(script);
     for (const std::string& loss : outputs_.TakeLosses()) reporter_.Say(loss);
@@ -81,17 +84,7 @@ int Runner::Show(const char* message) {
 void Runner::OnCall(bool begins_operation) {
   reporter_.OnCall(begins_operation);
   outputs_.ThrowIfCut();
-  if (!begins_operation) return;
-  if (outputs_.vcd.has_value()) outputs_.vcd->BeginOperation(stack_.Steps(), Label());
-  if (outputs_.svf_pins.has_value()) {
-    outputs_.svf_pins->BeginOperation(stack_.Steps(), observed_.UnderWay().source);
-  }
-}
-
-std::string Runner::Label() const {
-  const CallSource& source = observed_.UnderWay().source;
-  return source.section != nullptr ? fmt::format("[{}]", *source.section)
-                                   : fmt::format("line {}", source.line);
+  if (begins_operation) stack_.BeginOperation(observed_.UnderWay().source);
 }
 
 void Runner::OnDoubt(const std::string& why) {
@@ -162,7 +155,9 @@ ExitStatus Runner::WriteLearned(const Script& script) {
                                        : "with what was read, a line is too long"));
     return kScriptFailed;
   }
-  outputs_.Learn(learned);
+  // A run that fails leaves the script that was learned before it.
+  learned_->Begin();
+  learned_->Stream() << learned;
   return kAllWell;
 }
 
@@ -209,13 +204,15 @@ void Runner::Summarise(const std::string& script) {
   for (const std::string& line : follower_.Summary(script)) summary_ += line + '\n';
 }
 
-void Runner::ShowSource(Script& script) {
-  std::vector<PageMark> marks;
+void Runner::TellSource(Script& script) {
+  std::vector<SourceMark> marks;
   for (const Problem& problem : script.problems.Found()) {
     marks.push_back({problem.place.line, problem.place.column, problem.error, problem.text});
   }
   script.problems = {};
-  outputs_.page->AddSource(script.name, script.text->Content(), marks);
+  for (EventListener* const listener : outputs_.listeners) {
+    listener->OnSource(script.name, script.text->Content(), marks);
+  }
 }
 
 PageHead Runner::Head(ExitStatus status) const {

@@ -6,15 +6,15 @@
 #include <string>
 #include <vector>
 
-#include "host/follower.h"
+#include "host/events/follower.h"
+#include "host/events/observed_probe.h"
 #include "host/options/commands.h"
 #include "host/options/exit_status.h"
-#include "host/outputs.h"
 #include "host/probe/plugin.h"
 #include "host/probe_stack.h"
-#include "host/record/observed_probe.h"
 #include "host/reporter.h"
 #include "host/scripts.h"
+#include "host/tables/outputs.h"
 #include "host/work_lock.h"
 
 namespace icehost {
@@ -46,14 +46,11 @@ class Runner {
 
   static int Show(const char* message);
   void OnCall(bool begins_operation);
-  // Of the operation under way, for a waveform.
-  std::string Label() const;
   void OnDoubt(const std::string& why);
   // Why the call under way fails; or else the script.
   void SayOfCall(const std::string& why);
   void Summarise(const std::string& script);
-  // To the page.
-  void ShowSource(Script& script);
+  void TellSource(Script& script);
   PageHead Head(ExitStatus status) const;
   std::string Counts() const;
 
@@ -64,6 +61,7 @@ class Runner {
   Plugin plugin_;
   ProbeStack stack_;
   Outputs outputs_;
+  OutputFile* learned_ = nullptr;  // of the outputs'
   Reporter reporter_;
   Follower follower_;
   ObservedProbe observed_;

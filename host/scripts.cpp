@@ -44,7 +44,7 @@ std::vector<Script> LoadScripts(const RunCommand& command) {
     play = play && why.empty();
     script.plan = std::move(checked.plan);
     script.has_errors = checked.problems.HasErrors();
-    if (!command.record.html.empty()) script.problems = std::move(checked.problems);
+    script.problems = std::move(checked.problems);
   }
   if (!play) scripts.clear();
   return scripts;

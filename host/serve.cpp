@@ -1,16 +1,18 @@
-#include "host/serve.h"
-
 #include <fmt/format.h>
 
 #include <chrono>
 #include <memory>
+#include <optional>
+#include <vector>
 
 #include "host/open_probe.h"
 #include "host/page_head.h"
+#include "host/pins/tap_decoder.h"
 #include "host/probe/bitbang_server.h"
 #include "host/reporter.h"
-#include "host/serve_record.h"
 #include "host/system/errors.h"
+#include "host/tables/outputs.h"
+#include "host/verbs.h"
 
 namespace icehost {
 namespace {
@@ -20,7 +22,8 @@ class Serving : private BitbangServer::Observer {
   // Opens everything. Throws IoError, or Interrupted.
   explicit Serving(const ServeCommand& command)
       : command_(command),
-        record_(command.record),
+        outputs_(command.outputs, &OutputKind::serve, true),
+        decoder_({outputs_.serve_listeners.begin(), outputs_.serve_listeners.end()}),
         port_(OpenPins(command.probe, BitbangPort::Manner::kProxy)),
         listener_(command.endpoint) {}
 
@@ -28,18 +31,23 @@ class Serving : private BitbangServer::Observer {
 
  private:
   std::string Serve();
+  PinPort& Begin();
+  std::vector<std::string> Complete(const std::string& error);
+  std::size_t Steps() const { return recording_.has_value() ? recording_->Steps() : 0; }
   PageHead Head(const std::string& error) const;
   void EndClient();
   void OnClient(const std::string& peer) override;
   void OnBytes(std::size_t count) override { client_.bytes += count; }
-  void OnDone() override { record_.Flush(); }
+  void OnDone() override { outputs_.Flush(); }
   void OnClientLeft() override;
   void OnRefusal(const std::string& why) override { Say(why); }
   void Say(const std::string& text) const;
 
   const ServeCommand& command_;
-  ServeRecord record_;
+  Outputs outputs_;
+  TapDecoder decoder_;
   std::unique_ptr<PinPort> port_;
+  std::optional<RecordingPort> recording_;  // of it, where an output is asked for
   Listener listener_;
   ServedClient client_;  // the last one
   bool has_client_ = false;
@@ -51,7 +59,7 @@ ExitStatus Serving::Run() {
   const std::string error = Serve();
   if (has_client_) EndClient();
   if (!error.empty()) Complain(error);
-  const std::vector<std::string> failures = record_.Complete(error, Head(error));
+  const std::vector<std::string> failures = Complete(error);
   for (const std::string& failure : failures) Complain(failure);
   return error.empty() && failures.empty() ? kAllWell : kNotOpened;
 }
@@ -61,13 +69,28 @@ PageHead Serving::Head(const std::string& error) const {
   return ServeHead(command_,
                    {listener_.Name(), error,
                     fmt::format("clients {}, scans {}, steps {}, {:.3f} s", client_.number,
-                                record_.Scans(), record_.Steps(), served.count()),
+                                decoder_.Scans(), Steps(), served.count()),
                     served.count()});
+}
+
+PinPort& Serving::Begin() {
+  if (!outputs_.Any()) return *port_;
+  outputs_.Begin();
+  outputs_.Flush();
+  std::vector<StepRecorder*> recorders = outputs_.recorders;
+  recorders.push_back(&decoder_);
+  return recording_.emplace(*port_, recorders);
+}
+
+std::vector<std::string> Serving::Complete(const std::string& error) {
+  decoder_.End();
+  for (ServeListener* const listener : outputs_.serve_listeners) listener->OnEnd(error);
+  return outputs_.Complete(Head(error));
 }
 
 // Returns why it ended; nothing for a signal.
 std::string Serving::Serve() try {
-  PinPort& port = record_.Begin(*port_);
+  PinPort& port = Begin();
   Say("serving remote_bitbang on " + listener_.Name());
   BitbangServer(listener_, port, command_.idle_limit, *this).Run();
 } catch (const Interrupted&) {
@@ -79,25 +102,28 @@ std::string Serving::Serve() try {
 void Serving::OnClient(const std::string& peer) {
   client_ = {client_.number + 1, peer};
   has_client_ = true;
-  scans_before_ = record_.Scans();
-  record_.OnClient(client_);
+  scans_before_ = decoder_.Scans();
+  for (ServeListener* const one : outputs_.serve_listeners) one->OnClient(client_, Steps());
+  if (recording_.has_value()) {
+    recording_->BeginOperation(fmt::format("client {}", client_.number), {});
+  }
   if (command_.verbose) {
     Say(fmt::format("client {} connected{}{}", client_.number, peer.empty() ? "" : " from ", peer));
   }
-  record_.Flush();
+  outputs_.Flush();
 }
 
 void Serving::OnClientLeft() {
   EndClient();
-  record_.Flush();
+  outputs_.Flush();
 }
 
 void Serving::EndClient() {
   has_client_ = false;
-  client_.scans = record_.Scans() - scans_before_;
-  record_.OnClientLeft(client_);
+  client_.scans = decoder_.Scans() - scans_before_;
+  for (ServeListener* const one : outputs_.serve_listeners) one->OnClientLeft(client_, Steps());
   if (command_.verbose) {
-    const std::string scans = record_.IsAskedFor() ? fmt::format(", scans {}", client_.scans) : "";
+    const std::string scans = outputs_.Any() ? fmt::format(", scans {}", client_.scans) : "";
     Say(fmt::format("client {} left: bytes {}{}", client_.number, client_.bytes, scans));
   }
 }
@@ -108,7 +134,7 @@ void Serving::Say(const std::string& text) const {
 
 }  // namespace
 
-ExitStatus Serve(const ServeCommand& command) try {
+ExitStatus Execute(const ServeCommand& command) try {
   return Serving(command).Run();
 } catch (const IoError& error) {
   Complain(error.what());

@@ -1,6 +1,6 @@
 // What a page keeps of a run, and that no text in it is taken for markup; tests/page.py looks at
 // pages in a browser.
-#include "host/record/page_writer.h"
+#include "host/page/page_writer.h"
 
 #include <gtest/gtest.h>
 
@@ -68,8 +68,8 @@ TEST(PageWriter, BoundsSources) {
   std::string content;
   for (int i = 0; i < 99999; ++i) content += "a\n";
   PageWriter writer;
-  writer.AddSource("first", content + "\nlast", std::vector<PageMark>(9999));
-  writer.AddSource("second", "b\n\n", std::vector<PageMark>(3));
+  writer.AddSource("first", content + "\nlast", std::vector<SourceMark>(9999));
+  writer.AddSource("second", "b\n\n", std::vector<SourceMark>(3));
   const Json sources = Data(writer)["sources"];
   EXPECT_EQ(sources[0]["lines"].size(), 100000U);
   EXPECT_EQ(sources[0]["lines"].back(), "");

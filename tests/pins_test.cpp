@@ -4,9 +4,9 @@
 #include <sstream>
 #include <utility>
 
+#include "host/pins/recording_port.h"
+#include "host/pins/tap_decoder.h"
 #include "host/probe/bitbang_server.h"
-#include "host/record/recording_port.h"
-#include "host/record/tap_decoder.h"
 #include "host/target/tap_tracker.h"
 
 namespace {
@@ -139,7 +139,7 @@ TEST(TapDecoder, TellsWhatTheTapDoes) {
   };
   for (const auto& walk : kWalks) {
     NotingTap tap;
-    icehost::TapDecoder decoder(tap);
+    icehost::TapDecoder decoder({&tap});
     icehost::TapTracker tracker;
     const auto record = [&](int wires) {
       tracker.Update(wires);

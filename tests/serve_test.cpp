@@ -3,10 +3,10 @@
 
 #include <sstream>
 
+#include "host/pins/serve_json.h"
+#include "host/pins/serve_trace.h"
 #include "host/probe/bitbang_server.h"
 #include "host/probe/sim_port.h"
-#include "host/record/serve_json.h"
-#include "host/record/serve_trace.h"
 
 namespace {
 
@@ -37,7 +37,7 @@ const std::string kIr = "1100", kDr = "100";
 // Gives the simulated target these bytes, and the listener what is decoded.
 void Play(const std::string& bytes, icehost::TapListener& listener) {
   icehost::SimPort port{icehost::TargetOptions{}};
-  icehost::TapDecoder decoder(listener);
+  icehost::TapDecoder decoder({&listener});
   icehost::RecordingPort recording(port, {&decoder});
   icehost::BitbangSession session(recording);
   std::string answers;

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "host/system/endpoint.h"
+#include "host/tables/outputs.h"
 #include "host/target/target.h"
 
 namespace icehost {
@@ -27,23 +28,7 @@ struct ProbeOptions {
   TargetOptions target;                     // behind the simulated probe
 };
 
-// No file can be written by this name.
-constexpr const char* kStandardError = "/";
-
 // In the texts below, empty means "not asked for". An output "-" is standard output.
-
-// What is recorded, and into which file.
-struct RecordFiles {
-  std::string trace;  // or kStandardError
-  std::string json;
-  std::string vcd;
-  std::string svg;
-  std::string html;
-  std::string svf;
-
-  // Whether it needs a probe that shows its pins; a page does without.
-  bool HasWaveform() const { return !vcd.empty() || !svg.empty(); }
-};
 
 // Far more than anybody writes, and no more than fits the memory of a small machine.
 constexpr std::size_t kDefaultSizeLimit = 64U << 20U;
@@ -56,7 +41,7 @@ struct RunCommand {
   bool strict = false;      // warnings fail
   bool force = false;       // scripts with errors run
   bool keep_going = false;  // past values that are not as expected
-  RecordFiles record;
+  OutputPaths outputs;
   std::string learn;
   bool summary = false;
   std::size_t size_limit = kDefaultSizeLimit;  // of a script, in bytes
@@ -82,7 +67,7 @@ struct ServeCommand {
   Endpoint endpoint;
   ProbeOptions probe;
   std::chrono::milliseconds idle_limit{60000};
-  RecordFiles record;
+  OutputPaths outputs;
   bool verbose = false;
   bool quiet = false;
 };

@@ -8,22 +8,10 @@
 namespace icehost {
 namespace {
 
-void AddOutputs(CLI::App& verb, RunCommand& run) {
+void AddRunOutputs(CLI::App& verb, RunCommand& run) {
   constexpr char kGroup[] =
       "Outputs (FILE - is standard output, where the plug-in's messages are then left out)";
-  RecordFiles& record = run.record;
-  AddTrace(verb, record.trace,
-           "Write a line for every host call, to standard error or with --trace=FILE")
-      ->group(kGroup);
-  AddFile(verb, "--json", record.json, "Write calls and messages as JSON lines")->group(kGroup);
-  AddFile(verb, "--vcd", record.vcd, "Write the waveform, for GTKWave, PulseView or sigrok-cli")
-      ->group(kGroup);
-  AddFile(verb, "--svg", record.svg, "Write the waveform as a picture")->group(kGroup);
-  AddFile(verb, "--html", record.html,
-          "Write all of it as one page for a browser: script, operations, waveform")
-      ->group(kGroup);
-  AddFile(verb, "--svf", record.svf, "Write what was played in the Serial Vector Format")
-      ->group(kGroup);
+  AddOutputs(verb, &OutputKind::run, kGroup, run.outputs);
   AddFile(verb, "--learn", run.learn,
           "Write the script with the values that were read as those it expects")
       ->group(kGroup);
@@ -43,7 +31,7 @@ void AddRun(CLI::App& app, RunCommand& run) {
                 "Play scripts with errors as the plug-in takes them, instead of none");
   verb.add_flag("--keep-going", run.keep_going,
                 "Play on where a value is not the expected one, and fail at the end");
-  AddOutputs(verb, run);
+  AddRunOutputs(verb, run);
   verb.add_option("--plugin", run.plugin,
                   "The plug-in to load (default: the one built or installed with icehost)")
       ->type_name("FILE");
@@ -51,7 +39,7 @@ void AddRun(CLI::App& app, RunCommand& run) {
             [&run](const std::string& text) { run.wire_mode = ParseWireMode(text); })
       ->group(kTargetGroup);
   verb.final_callback([&run, &verb] {
-    CompleteTrace(run.record.trace);
+    CompleteOutputs(run.outputs);
     Refuse("", [&run] { RefuseSharedFiles(run); });
     Refuse("--learn", [&run] {
       if (!run.learn.empty() && run.scripts.size() > 1) {

@@ -8,17 +8,7 @@
 namespace icehost {
 namespace {
 
-void AddOutputs(CLI::App& verb, RecordFiles& record) {
-  constexpr char kGroup[] = "Outputs: what clients do to the pins (FILE - is standard output)";
-  AddTrace(verb, record.trace,
-           "Write a line for every scan, reset and client, to standard error or with --trace=FILE")
-      ->group(kGroup);
-  AddFile(verb, "--json", record.json, "Write the same as JSON lines")->group(kGroup);
-  AddFile(verb, "--vcd", record.vcd, "Write the waveform, for GTKWave, PulseView or sigrok-cli")
-      ->group(kGroup);
-  AddFile(verb, "--html", record.html, "Write all of it as one page for a browser, at the end")
-      ->group(kGroup);
-}
+constexpr char kOutputGroup[] = "Outputs: what clients do to the pins (FILE - is standard output)";
 
 void RefuseOpenocd(const ServeCommand& serve) {
   if (serve.probe.choice.kind != ProbeChoice::Kind::kOpenocd) return;
@@ -39,13 +29,13 @@ void AddServe(CLI::App& app, ServeCommand& serve) {
   AddParsed(verb, "--idle-limit", "SECONDS",
             "How long a client may be silent until another takes its place (default 60)",
             [&serve](const std::string& text) { serve.idle_limit = ParseSeconds(text); });
-  AddOutputs(verb, serve.record);
+  AddOutputs(verb, &OutputKind::serve, kOutputGroup, serve.outputs);
   AddProbe(verb, serve.probe);
   verb.get_option("--probe")->description(
       "What is served: sim (the default), or another server, to which everything is passed on:\n"
       "remote-bitbang:HOST:PORT or remote-bitbang:unix:PATH");
   verb.final_callback([&serve, &verb] {
-    CompleteTrace(serve.record.trace);
+    CompleteOutputs(serve.outputs);
     Refuse("", [&serve] { RefuseSharedFiles(serve); });
     Refuse("--verbose", [&serve] {
       if (serve.verbose && serve.quiet) throw std::invalid_argument("is against --quiet");

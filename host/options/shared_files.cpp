@@ -21,18 +21,25 @@ struct Use {
   std::string what;
 };
 
-struct Output {
+struct OutputUse {
   const char* option;
   const std::string& path;
 };
 
-using Outputs = std::vector<Output>;
+using Uses = std::vector<OutputUse>;
 
-Outputs OutputsOf(const RunCommand& command) {
-  return {{"--trace", command.record.trace}, {"--json", command.record.json},
-          {"--vcd", command.record.vcd},     {"--svg", command.record.svg},
-          {"--html", command.record.html},   {"--svf", command.record.svf},
-          {"--learn", command.learn}};
+Uses OutputsOf(const OutputPaths& paths) {
+  Uses outputs;
+  for (std::size_t i = 0; i < kOutputCount; ++i) {
+    outputs.push_back({kOutputKinds[i].option, paths[i]});
+  }
+  return outputs;
+}
+
+Uses OutputsOf(const RunCommand& command) {
+  Uses outputs = OutputsOf(command.outputs);
+  outputs.push_back({"--learn", command.learn});
+  return outputs;
 }
 
 std::vector<Use> UsesBesideOutputs(const std::vector<std::string>& scripts) {
@@ -50,8 +57,8 @@ bool IsScript(const std::string& identity, const std::vector<Use>& uses) {
   });
 }
 
-void RefuseShared(const Outputs& outputs, std::vector<Use> uses) {
-  for (const Output& output : outputs) {
+void RefuseShared(const Uses& outputs, std::vector<Use> uses) {
+  for (const OutputUse& output : outputs) {
     if (output.path.empty() || output.path == kStandardError) continue;
     // A place of its own: two outputs may be on the same terminal, but not on the same "-".
     const std::string identity = output.path == "-" ? "-" : IdentityOf(output.path);
@@ -87,17 +94,13 @@ void RefuseSharedFiles(const ImportCommand& command) {
 }
 
 void RefuseSharedFiles(const ServeCommand& command) {
-  RefuseShared({{"--trace", command.record.trace},
-                {"--json", command.record.json},
-                {"--vcd", command.record.vcd},
-                {"--html", command.record.html}},
-               UsesBesideOutputs({}));
+  RefuseShared(OutputsOf(command.outputs), UsesBesideOutputs({}));
 }
 
 bool IsOnStandardOutput(const RunCommand& command) {
-  const Outputs outputs = OutputsOf(command);
+  const Uses outputs = OutputsOf(command);
   return std::any_of(outputs.begin(), outputs.end(),
-                     [](const Output& output) { return output.path == "-"; });
+                     [](const OutputUse& output) { return output.path == "-"; });
 }
 
 }  // namespace icehost

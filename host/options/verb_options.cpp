@@ -43,12 +43,22 @@ CLI::Option* AddFile(CLI::App& verb, const char* name, std::string& path, const 
   return verb.add_option(name, path, help)->type_name("FILE")->check(IsGiven);
 }
 
-CLI::Option* AddTrace(CLI::App& verb, std::string& path, const char* help) {
-  return verb.add_flag("--trace", path, help);
+void AddOutputs(CLI::App& verb, OutputKind::Verb OutputKind::*which, const char* group,
+                OutputPaths& paths) {
+  for (std::size_t i = 0; i < kOutputCount; ++i) {
+    const OutputKind& kind = kOutputKinds[i];
+    const char* const help = (kind.*which).help;
+    if (help == nullptr) continue;
+    CLI::Option* const option = kind.file_may_lack ? verb.add_flag(kind.option, paths[i], help)
+                                                   : AddFile(verb, kind.option, paths[i], help);
+    option->group(group);
+  }
 }
 
-void CompleteTrace(std::string& path) {
-  if (path == "true") path = kStandardError;
+void CompleteOutputs(OutputPaths& paths) {
+  for (std::size_t i = 0; i < kOutputCount; ++i) {
+    if (kOutputKinds[i].file_may_lack && paths[i] == "true") paths[i] = kStandardError;
+  }
 }
 
 void AddScripts(CLI::App& verb, std::vector<std::string>& scripts, std::size_t& size_limit) {

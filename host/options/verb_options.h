@@ -23,9 +23,11 @@ CLI::Option* AddParsed(CLI::App& verb, const std::string& name, const std::strin
 // An option that names a file to write.
 CLI::Option* AddFile(CLI::App& verb, const char* name, std::string& path, const char* help);
 
-// --trace, whose file may be left out; to be completed once all options are known.
-CLI::Option* AddTrace(CLI::App& verb, std::string& path, const char* help);
-void CompleteTrace(std::string& path);
+// The outputs that a verb has. Those whose file was left out are completed once all options are
+// known.
+void AddOutputs(CLI::App& verb, OutputKind::Verb OutputKind::*which, const char* group,
+                OutputPaths& paths);
+void CompleteOutputs(OutputPaths& paths);
 
 // Script files, and how large they may be.
 void AddScripts(CLI::App& verb, std::vector<std::string>& scripts, std::size_t& size_limit);

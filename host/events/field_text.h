@@ -1,0 +1,23 @@
+// The values of host calls in words.
+#ifndef ICESCRIPT_HOST_EVENTS_FIELD_TEXT_H_
+#define ICESCRIPT_HOST_EVENTS_FIELD_TEXT_H_
+
+#include <string>
+
+#include "host/events/events.h"
+
+namespace icehost {
+
+// Of the bits of Kind::kFlags, lowest first.
+constexpr const char* kFlagNames[] = {"WRITE_OUT", "READ_IN", "WRITE_OE", "START", "END"};
+constexpr int kFlags = 5;
+
+// The name of a code, a mode or a reset that has one, else null.
+const char* NameOf(const Field& field);
+
+// Appends the value for people: a code by its name, the bits of pins and flags by theirs.
+void AppendText(const Field& field, std::string& text);
+
+}  // namespace icehost
+
+#endif  // ICESCRIPT_HOST_EVENTS_FIELD_TEXT_H_

@@ -1,0 +1,74 @@
+// What was recorded as one HTML page: a listing of the source, a table of operations and the
+// waveform. Knows neither scripts nor host calls.
+#ifndef ICESCRIPT_HOST_PAGE_PAGE_WRITER_H_
+#define ICESCRIPT_HOST_PAGE_PAGE_WRITER_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <ostream>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "host/events/events.h"
+#include "host/events/output.h"
+#include "host/pins/recording_port.h"
+
+namespace icehost {
+
+// An operation: a row of the table, and a part of the waveform.
+struct PageRow {
+  enum class Verdict { kDone, kMet, kNotMet, kFailed };
+
+  long number;  // in its source, from 0
+  int line;     // from 1; 0: of none
+  StepRange steps;
+  std::string name;
+  std::string sent;
+  std::string received;
+  std::string expected;
+  Verdict verdict;
+};
+
+// Keeps what the page tells as the text of the page's data, and no more of a long run than a
+// browser is quick with: the first steps, rows and lines. Of later rows only those that are not
+// well are kept, and the page says what is missing. Any text may hold any bytes: in the page it is
+// text.
+class PageWriter : public StepRecorder {
+ public:
+  // The rows that follow belong to this source. Lines end with a line feed.
+  void AddSource(std::string_view name, std::string_view content,
+                 const std::vector<SourceMark>& marks);
+  void AddRow(const PageRow& row);
+  // Of the row before it; may be a piece of a line.
+  void AddMessage(std::string_view text);
+  // Why a row or the source is not well; `line` is 0 where it is of none.
+  void AddError(std::string_view text, int line);
+  void Record(const PinStep& step) override;
+
+  void Write(std::ostream& stream, const PageHead& head) const;
+
+ private:
+  bool HasRoom() const;
+  bool HasRoomForFault();
+  void Append(std::string_view entry);
+  std::string Totals() const;
+
+  std::string sources_;  // elements of an array, as is log_
+  std::string log_;      // likewise; page/model.js says of what
+  std::vector<std::uint16_t> steps_;
+  long total_steps_ = 0;
+  long rows_ = 0;
+  long total_rows_ = 0;
+  long message_lines_ = 0;
+  bool cut_messages_ = false;
+  int late_faults_ = 0;
+  bool cut_faults_ = false;
+  long lines_ = 0;
+  long marks_ = 0;
+};
+
+}  // namespace icehost
+
+#endif  // ICESCRIPT_HOST_PAGE_PAGE_WRITER_H_

@@ -1,0 +1,77 @@
+#include "host/page/serve_page.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace icehost {
+namespace {
+
+// Of a longer scan the page shows the bits that are shifted first: who checks a chain may shift
+// thousands.
+constexpr std::size_t kMostBits = 1024;
+
+const char* Column(const TapScan& scan) {
+  return scan.ir ? "IR" : "DR";
+}
+
+std::string ShownBits(const Bits& bits) {
+  const auto shown = static_cast<std::ptrdiff_t>(std::min(bits.size(), kMostBits));
+  return BitText(Bits(bits.begin(), bits.begin() + shown));
+}
+
+std::string NameOf(const TapScan& scan) {
+  if (scan.updated) return fmt::format("{} scan", Column(scan));
+  return fmt::format("{} scan, cut short by {}", Column(scan), scan.reset ? "a reset" : "the end");
+}
+
+}  // namespace
+
+void ServePage::OnScan(const TapScan& scan) {
+  const std::size_t bits = scan.in.size() + scan.left_out;
+  std::string sent = fmt::format("{} {}", Column(scan), bits);
+  std::string received;
+  if (bits > 0) {
+    sent += ": " + ShownBits(scan.in);
+    received = fmt::format("{} {}", Column(scan), ShownBits(scan.out));
+  }
+  if (bits > kMostBits) received += fmt::format(" (the first {} bits)", kMostBits);
+  Add(scan.steps, NameOf(scan), std::move(sent), std::move(received));
+}
+
+void ServePage::OnTapReset(bool by_trst, StepRange steps) {
+  Add(steps, "TAP reset", by_trst ? "by TRST" : "by TMS", "");
+}
+
+void ServePage::OnIdle(long cycles, StepRange steps) {
+  Add(steps, "idle", fmt::format("{} {}", cycles, cycles == 1 ? "cycle" : "cycles"), "");
+}
+
+void ServePage::OnResetPins(int levels, StepRange steps) {
+  Add(steps, "reset pins",
+      fmt::format("TRST={:d} NRST={:d}", (levels & GPIO_PIN_TRST) != 0,
+                  (levels & GPIO_PIN_NRST) != 0),
+      "");
+}
+
+void ServePage::OnClient(const ServedClient& client, std::size_t step) {
+  writer_.AddMessage(fmt::format("client {} connected{}{}, {} us\n", client.number,
+                                 client.peer.empty() ? "" : " from ", client.peer, step));
+}
+
+void ServePage::OnClientLeft(const ServedClient& client, std::size_t step) {
+  writer_.AddMessage(fmt::format("client {} left: bytes {}, scans {}, {} us\n", client.number,
+                                 client.bytes, client.scans, step));
+}
+
+void ServePage::OnEnd(const std::string& error) {
+  if (!error.empty()) writer_.AddError(error, 0);
+}
+
+void ServePage::Add(StepRange steps, std::string name, std::string sent, std::string received) {
+  writer_.AddRow({number_++, 0, steps, std::move(name), std::move(sent), std::move(received), "",
+                  PageRow::Verdict::kDone});
+}
+
+}  // namespace icehost

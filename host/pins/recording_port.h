@@ -1,0 +1,79 @@
+// Wraps a pin port and shows every step of its pins to whoever records them.
+#ifndef ICESCRIPT_HOST_PINS_RECORDING_PORT_H_
+#define ICESCRIPT_HOST_PINS_RECORDING_PORT_H_
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "host/events/events.h"
+#include "host/probe/pin_port.h"
+#include "host/target/tap.h"
+#include "host/target/tap_tracker.h"
+
+namespace icehost {
+
+// The pins from one write to the next.
+struct PinStep {
+  int wires;                    // GPIO_PIN_ bits as they are on the wires, TDO too
+  std::optional<TapState> tap;  // unknown until the TAP is first reset
+  bool drives_tdo;              // the probe, which then reads its own level
+};
+
+class StepRecorder {
+ public:
+  virtual ~StepRecorder() = default;
+  // The next step is the first of this operation, whose source is valid for the call.
+  virtual void BeginOperation(const std::string& /*name*/, const CallSource& /*source*/) {}
+  virtual void Record(const PinStep& step) = 0;
+};
+
+// TDO is sampled after every write. Steps reach the recorders in order, but only once the port has
+// answered: at the latest at a read, a CollectTdo or a Flush.
+class RecordingPort : public PinPort {
+ public:
+  // Port and recorders must outlive this object.
+  RecordingPort(PinPort& port, std::vector<StepRecorder*> recorders);
+
+  void Write(int levels, int enables) override;
+  int Read() override;
+  void SampleTdo() override;
+  Bits CollectTdo() override;
+  void Flush() override;
+  void CheckAlive() override { port_.CheckAlive(); }
+
+  // An operation begins; one that writes nothing is told to nobody. What `source` points at must
+  // live until the next Flush.
+  void BeginOperation(std::string name, const CallSource& source) {
+    next_ = Operation{std::move(name), source};
+  }
+  // Number of writes so far.
+  std::size_t Steps() const { return steps_; }
+
+ private:
+  void Settle();
+
+  PinPort& port_;
+  std::vector<StepRecorder*> recorders_;
+  std::size_t steps_ = 0;
+  TapTracker tap_;
+  struct Operation {
+    std::string name;
+    CallSource source;
+  };
+  std::optional<Operation> next_;
+  struct Pending {
+    PinStep step;
+    std::optional<Operation> begins;
+    int user_samples;  // asked for between this write and the next
+  };
+  std::vector<Pending> pending_;
+  std::size_t early_samples_ = 0;  // asked for before the first of these writes
+  Bits samples_;
+};
+
+}  // namespace icehost
+
+#endif  // ICESCRIPT_HOST_PINS_RECORDING_PORT_H_

@@ -1,0 +1,31 @@
+// What happens at a target that is served, for whoever writes it down.
+#ifndef ICESCRIPT_HOST_PINS_SERVE_LISTENER_H_
+#define ICESCRIPT_HOST_PINS_SERVE_LISTENER_H_
+
+#include <cstddef>
+#include <string>
+
+#include "host/pins/tap_decoder.h"
+
+namespace icehost {
+
+struct ServedClient {
+  std::size_t number = 0;  // from 1, in the order in which they came
+  std::string peer;        // its endpoint; empty where it has none
+  std::size_t bytes = 0;   // that it sent
+  std::size_t scans = 0;   // that ended while it was there
+};
+
+// Steps are those of the pins, counted from 0.
+class ServeListener : public TapListener {
+ public:
+  // Before step `step` a client comes, or goes.
+  virtual void OnClient(const ServedClient& client, std::size_t step) = 0;
+  virtual void OnClientLeft(const ServedClient& client, std::size_t step) = 0;
+  // Nothing follows. `error` says why, and is empty where a signal has ended the serving.
+  virtual void OnEnd(const std::string& error) = 0;
+};
+
+}  // namespace icehost
+
+#endif  // ICESCRIPT_HOST_PINS_SERVE_LISTENER_H_

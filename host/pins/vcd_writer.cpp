@@ -1,0 +1,63 @@
+#include "host/pins/vcd_writer.h"
+
+#include <algorithm>
+#include <cctype>
+#include <string>
+
+#include "host/target/pin_names.h"
+
+namespace icehost {
+namespace {
+
+constexpr char kFirstId = '!';  // identifiers of the pins, in their order
+constexpr char kTapId = 't';
+constexpr char kOperationId = 'o';
+
+std::string LowerCase(std::string text) {
+  std::transform(text.begin(), text.end(), text.begin(),
+                 [](unsigned char ch) { return static_cast<char>(std::tolower(ch)); });
+  return text;
+}
+
+}  // namespace
+
+VcdWriter::VcdWriter(std::ostream& stream) : stream_(stream) {
+  stream_ << "$version icehost $end\n$timescale 1 us $end\n$scope module probe $end\n";
+  for (int pin = 0; pin < kPins; ++pin) {
+    stream_ << "$var wire 1 " << static_cast<char>(kFirstId + pin) << ' '
+            << LowerCase(kPinNames[pin]) << " $end\n";
+  }
+  stream_ << "$var string 1 " << kTapId << " tap $end\n$var string 1 " << kOperationId
+          << " operation $end\n$upscope $end\n$enddefinitions $end\n";
+}
+
+void VcdWriter::BeginOperation(const std::string& name, const CallSource& /*source*/) {
+  operation_ = name;
+  for (char& ch : operation_) {
+    // GTKWave takes a backslash for the beginning of a C escape.
+    if (std::isgraph(static_cast<unsigned char>(ch)) == 0 || ch == '\\') ch = '_';
+  }
+}
+
+void VcdWriter::Record(const PinStep& step) {
+  stream_ << '#' << time_ << '\n';
+  if (!operation_.empty()) stream_ << 's' << operation_ << ' ' << kOperationId << '\n';
+  operation_.clear();
+  ++time_;
+  const int changed = last_.has_value() ? step.wires ^ last_->wires : GPIO_PIN_ALL;
+  for (int pin = 0; pin < kPins; ++pin) {
+    if ((changed >> pin & 1) == 0) continue;
+    stream_ << (step.wires >> pin & 1) << static_cast<char>(kFirstId + pin) << '\n';
+  }
+  if (!last_.has_value() || step.tap != last_->tap) {
+    stream_ << 's' << (step.tap.has_value() ? TapStateName(*step.tap) : "?") << ' ' << kTapId
+            << '\n';
+  }
+  last_ = step;
+}
+
+void VcdWriter::End(const PageHead& /*head*/) {
+  stream_ << '#' << time_ << '\n';
+}
+
+}  // namespace icehost
