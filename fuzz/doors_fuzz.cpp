@@ -26,8 +26,7 @@
 #include "host/check/check_stream.h"
 #include "host/check/learn.h"
 #include "host/pins/recording_port.h"
-#include "host/pins/serve_json.h"
-#include "host/pins/serve_trace.h"
+#include "host/pins/serve_writers.h"
 #include "host/pins/vcd_writer.h"
 #include "host/probe/bitbang_port.h"
 #include "host/probe/bitbang_server.h"
@@ -131,11 +130,11 @@ void Scan(icehost::Probe& probe) {
 // The client's bytes a second time, with everything recorded: it is none the wiser.
 std::string ServeRecorded(std::string_view bytes) {
   std::ostringstream text;
-  icehost::ServeTrace trace(text);
-  icehost::ServeJson json(text);
+  const auto trace = icehost::MakeServeTrace(text);
+  const auto json = icehost::MakeServeJson(text);
   icehost::VcdWriter vcd(text);
-  icehost::TapDecoder to_trace({&trace});
-  icehost::TapDecoder to_json({&json});
+  icehost::TapDecoder to_trace({dynamic_cast<icehost::ServeListener*>(trace.get())});
+  icehost::TapDecoder to_json({dynamic_cast<icehost::ServeListener*>(json.get())});
   StepCounter counter;
   icehost::SimPort port{icehost::TargetOptions{}};
   icehost::RecordingPort recording(port, {&counter, &vcd, &to_trace, &to_json});
@@ -164,9 +163,7 @@ void BeBitbangClient(std::string_view bytes) {
                             icehost::BitbangPort::Manner::kProbe);
   StepCounter counter;
   icehost::RecordingPort recording(port, {&counter});
-  icehost::PinProbe probe(recording, CDI_ANSWER_JTAG5, false, [](const std::string& why) {
-    Check(!why.empty(), "a doubt has a reason");
-  });
+  icehost::PinProbe probe(recording, CDI_ANSWER_JTAG5, false);
   Scan(probe);
   probe.Flush();
   Check(counter.steps == recording.Steps(), "every step is recorded");

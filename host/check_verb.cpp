@@ -10,7 +10,7 @@
 #include "host/check/check.h"
 #include "host/check/check_stream.h"
 #include "host/colour.h"
-#include "host/reporter.h"
+#include "host/console.h"
 #include "host/system/errors.h"
 #include "host/system/output_file.h"
 #include "host/verbs.h"

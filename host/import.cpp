@@ -4,7 +4,7 @@
 #include <new>
 #include <string>
 
-#include "host/reporter.h"
+#include "host/console.h"
 #include "host/svf/importer.h"
 #include "host/system/errors.h"
 #include "host/system/input_file.h"

@@ -1,8 +1,8 @@
 // icehost: runs and checks scripts without a debug server.
 #include <exception>
 
+#include "host/console.h"
 #include "host/options/command_line.h"
-#include "host/reporter.h"
 #include "host/system/errors.h"
 #include "host/system/interrupt.h"
 #include "host/system/standard_streams.h"
@@ -15,10 +15,7 @@ ExitStatus Main(int argc, char** argv) {
   const auto parsed = ParseCommandLine(argc, argv);
   if (const auto* status = std::get_if<ExitStatus>(&parsed)) return *status;
   CatchInterrupts();
-  SetRescue([] {
-    Complain(Interrupted().what());
-    return true;
-  });
+  const Rescue rescue(Rescue::State::kAway, [] { Complain(Interrupted().what()); });
   return std::visit([](const auto& command) { return Execute(command); },
                     std::get<Command>(parsed));
 }

@@ -18,12 +18,12 @@ ProbeStack::ProbeStack(const ProbeOptions& options, int wire_mode, bool records_
   if (port_ == nullptr) probe_ = OpenOpenocd(options);
 }
 
-Probe& ProbeStack::Build(const std::vector<StepRecorder*>& recorders, PinProbe::Doubt doubt) {
+Probe& ProbeStack::Build(const std::vector<StepRecorder*>& recorders) {
   if (port_ == nullptr) return *probe_;
   if (!recorders.empty()) recording_ = std::make_unique<RecordingPort>(*port_, recorders);
   PinPort* top = port_.get();
   if (recording_ != nullptr) top = recording_.get();
-  auto pin_probe = std::make_unique<PinProbe>(*top, wire_mode_, two_wire_, std::move(doubt));
+  auto pin_probe = std::make_unique<PinProbe>(*top, wire_mode_, two_wire_);
   pin_probe_ = pin_probe.get();
   probe_ = std::move(pin_probe);
   return *probe_;

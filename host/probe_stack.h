@@ -19,7 +19,8 @@ class ProbeStack {
   ProbeStack(const ProbeOptions& options, int wire_mode, bool records_pins);
 
   // The probe, with its pins recorded; to be called once. The recorders must outlive this object.
-  Probe& Build(const std::vector<StepRecorder*>& recorders, PinProbe::Doubt doubt);
+  Probe& Build(const std::vector<StepRecorder*>& recorders);
+  Probe& Top() { return *probe_; }
   bool ShowsPins() const { return port_ != nullptr; }
   // An operation of the script begins.
   void BeginOperation(const CallSource& source);

@@ -1,13 +1,296 @@
+// The run verb.
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <iostream>
+#include <new>
+#include <optional>
+#include <string>
 #include <utility>
 #include <vector>
 
-#include "host/reporter.h"
-#include "host/runner.h"
-#include "host/scripts.h"
+#include "host/check/check.h"
+#include "host/check/learn.h"
+#include "host/colour.h"
+#include "host/console.h"
+#include "host/events/follower.h"
+#include "host/observed_probe.h"
+#include "host/page_head.h"
+#include "host/probe/plugin.h"
+#include "host/probe_stack.h"
+#include "host/run_events.h"
 #include "host/system/errors.h"
+#include "host/system/interrupt.h"
+#include "host/system/memory_file.h"
+#include "host/system/printable.h"
+#include "host/tables/outputs.h"
 #include "host/verbs.h"
 
 namespace icehost {
+namespace {
+
+// Read once: the text that is checked is the text that is played.
+struct Script {
+  std::string path;
+  std::string name;                // in messages
+  std::optional<ScriptText> text;  // for as long as it is needed
+  Plan plan;
+  bool has_errors;
+  Problems problems;  // until the outputs have them
+};
+
+// Why a script with these problems is not played; empty: it is.
+std::string WhyNot(const Problems& problems, const RunCommand& command) {
+  if (problems.HasErrors() && !command.force) {
+    return "has errors: nothing is played (--force plays it as the plug-in takes it)";
+  }
+  if (problems.Warnings() > 0 && command.strict) {
+    return "has warnings, and --strict is given: nothing is played";
+  }
+  return "";
+}
+
+// Reads and checks all scripts, and shows their problems as check does, on standard error. Returns
+// none, and says why, if they are not to be played. Throws as ReadScript and Check.
+std::vector<Script> LoadScripts(const RunCommand& command) {
+  std::vector<Script> scripts;
+  scripts.reserve(command.scripts.size());
+  for (const std::string& path : command.scripts) {
+    const std::string name = path == "-" ? "<stdin>" : path;
+    scripts.push_back(
+        {path, name, ScriptText(name, ReadScript(path, command.size_limit)), {}, false, {}});
+  }
+  bool play = true;
+  for (Script& script : scripts) {
+    Checked checked = Check(*script.text);
+    checked.problems.Write(std::cerr, *script.text,
+                           {command.quiet && !command.strict, WantsColour(STDERR_FILENO)});
+    const std::string why = WhyNot(checked.problems, command);
+    if (!why.empty()) Complain(fmt::format("{} {}", script.path, why));
+    play = play && why.empty();
+    script.plan = std::move(checked.plan);
+    script.has_errors = checked.problems.HasErrors();
+    script.problems = std::move(checked.problems);
+  }
+  if (!play) scripts.clear();
+  return scripts;
+}
+
+// Plays scripts one after the other. There is only one Runner at a time.
+class Runner {
+ public:
+  // Loads the plug-in, and opens the outputs and the probe; throws IoError if one cannot be opened.
+  explicit Runner(const RunCommand& command);
+  ~Runner() { running = nullptr; }
+  Runner(const Runner&) = delete;
+  Runner& operator=(const Runner&) = delete;
+
+  // Completes the outputs however the run ends. The reason has been printed.
+  ExitStatus PlayAll(std::vector<Script> scripts);
+
+ private:
+  ExitStatus PlayOne(Script& script);
+  // Whether the plug-in ran it to its end.
+  bool Play(Script& script);
+  bool RunPlugin(const std::string& path);
+  ExitStatus Judge(const Script& script, bool ran);
+  ExitStatus WriteLearned(const Script& script);
+  // Empty if it did not.
+  std::string WhyFailed(const Script& script) const;
+  ExitStatus Complete(ExitStatus status);
+  // Called instead of Complete if the main thread is stuck.
+  void Abandon();
+
+  static int Show(const char* message);
+  void BeginScript(Script& script);
+  PageHead Head(ExitStatus status) const;
+  std::string Counts() const;
+
+  static Runner* running;  // callbacks carry no handle
+
+  const RunCommand& command_;
+  Plugin plugin_;
+  ProbeStack stack_;
+  Outputs outputs_;
+  OutputFile* learned_ = nullptr;  // one of the outputs' files
+  Console console_;
+  RunEvents events_;
+  Follower follower_;
+  ObservedProbe observed_;
+  std::size_t begun_ = 0;  // scripts
+  bool ran_ = false;       // this script, to its end
+  std::string summary_;    // the results of the expectations
+  Rescue rescue_;          // the last member: it needs the others
+};
+
+Follower::Mode ModeOf(const RunCommand& command) {
+  if (!command.learn.empty()) return Follower::Mode::kLearn;
+  return command.keep_going ? Follower::Mode::kKeepGoing : Follower::Mode::kFail;
+}
+
+Console::Options ConsoleOptions(const RunCommand& command) {
+  const bool traces = command.outputs[0] == kStandardError;
+  return {command.quiet, !command.quiet && !traces && isatty(STDERR_FILENO) != 0};
+}
+
+Runner* Runner::running = nullptr;
+
+Runner::Runner(const RunCommand& command)
+    : command_(command),
+      plugin_(command.plugin),
+      stack_(command.probe, command.wire_mode, NeedPins(command.outputs)),
+      outputs_(command.outputs, &OutputKind::run, stack_.ShowsPins()),
+      console_(ConsoleOptions(command), rescue_),
+      events_(outputs_, console_, command.strict),
+      follower_(ModeOf(command)),
+      observed_(stack_, follower_, events_, rescue_),
+      rescue_(Rescue::State::kWorking, [this] { Abandon(); }) {
+  stack_.Build(outputs_.recorders.empty() ? std::vector<StepRecorder*>()
+                                          : std::vector<StepRecorder*>{&events_});
+  if (!command.learn.empty()) {
+    learned_ = &outputs_.Add(command.learn, OutputFile::Rest::kNothing);
+  }
+  running = this;
+}
+
+ExitStatus Runner::PlayAll(std::vector<Script> scripts) {
+  ExitStatus status = kAllWell;
+  outputs_.Begin();
+  for (Script& script : scripts) {
+    ++begun_;
+    BeginScript(script);
+    const ExitStatus ended = PlayOne(script);
+    for (const std::string& loss : outputs_.TakeLosses()) events_.Say(loss);
+    events_.EndScript(ended == kAllWell);
+    if (command_.summary) {
+      for (const std::string& line : follower_.Summary(script.name)) summary_ += line + '\n';
+    }
+    status = std::max(status, ended);
+    if (ended != kAllWell && !(command_.keep_going && ran_)) break;
+  }
+  return Complete(status);
+}
+
+void Runner::BeginScript(Script& script) {
+  std::vector<SourceMark> marks;
+  for (const Problem& problem : script.problems.Found()) {
+    marks.push_back({problem.place.line, problem.place.column, problem.error, problem.text});
+  }
+  script.problems = {};
+  events_.BeginScript({script.path, script.name, script.text->Content()}, marks);
+}
+
+ExitStatus Runner::PlayOne(Script& script) {
+  ran_ = false;
+  follower_.Begin(script.plan);
+  try {
+    return Judge(script, Play(script));
+  } catch (const Interrupted& error) {
+    events_.Say(error.what());
+    return kInterrupted;
+  } catch (const IoError& error) {
+    events_.Fail(error.what());
+    return kNotOpened;
+  } catch (const PluginThrew& error) {
+    events_.Say(fmt::format("{}: the plug-in threw an exception{}", script.path, error.what()));
+    return kScriptFailed;
+  } catch (const std::bad_alloc&) {
+    events_.Say(fmt::format("{}: out of memory", script.path));
+    return kNotOpened;
+  }
+}
+
+bool Runner::Play(Script& script) {
+  const MemoryFile copy(script.text->Content());
+  // A long script need not be there twice.
+  if (command_.learn.empty()) script.text.reset();
+  const bool ran = RunPlugin(copy.Path());
+  observed_.Flush();
+  events_.Flush();
+  return ran;
+}
+
+ExitStatus Runner::Judge(const Script& script, bool ran) {
+  ran_ = ran;
+  const std::string why = WhyFailed(script);
+  if (!why.empty()) {
+    events_.Say(fmt::format("{} {}", script.path, why));
+    return kScriptFailed;
+  }
+  return command_.learn.empty() ? kAllWell : WriteLearned(script);
+}
+
+ExitStatus Runner::WriteLearned(const Script& script) {
+  const std::string learned = Learn(*script.text, script.plan, follower_.Read());
+  const bool writable = !Check(ScriptText(script.name, learned)).problems.HasErrors();
+  if (!writable || follower_.Unread() > 0) {
+    events_.Say(fmt::format("{} is not learned: {}", script.path,
+                            writable ? "the probe does not tell all that it expects"
+                                     : "with what was read, a line is too long"));
+    return kScriptFailed;
+  }
+  // A run that fails leaves the script that was learned before it.
+  learned_->Begin();
+  learned_->Stream() << learned;
+  return kAllWell;
+}
+
+std::string Runner::WhyFailed(const Script& script) const {
+  const bool quiet = command_.quiet && !events_.Explained();
+  if (!ran_) return quiet ? "failed: " + events_.LastMessage() : "failed";
+  // The plug-in's result is 0 for a JTAG script with errors.
+  if (script.has_errors) return "has errors";
+  if (follower_.Unmet() > 0) {
+    return fmt::format("failed: not as expected: {} of the values read", follower_.Unmet());
+  }
+  // Another plug-in may do less than the script says.
+  if (command_.learn.empty() && follower_.Unread() > 0) {
+    return fmt::format("failed: not read: {} of the values expected", follower_.Unread());
+  }
+  return "";
+}
+
+bool Runner::RunPlugin(const std::string& path) {
+  const Rescue::Scope away(rescue_, Rescue::State::kAway);
+  return plugin_.Run(observed_, path, Show);
+}
+
+int Runner::Show(const char* message) {
+  const Rescue::Scope working(running->rescue_, Rescue::State::kWorking);
+  running->events_.Message(message);
+  return 0;
+}
+
+ExitStatus Runner::Complete(ExitStatus status) {
+  console_.Close();
+  if (command_.summary) std::fputs((PrintableLines(summary_) + Counts() + "\n").c_str(), stderr);
+  const std::vector<std::string> failures = outputs_.Complete(Head(status));
+  for (const std::string& loss : outputs_.TakeLosses()) Complain(loss);
+  for (const std::string& failure : failures) Complain(failure);
+  return status == kAllWell && !failures.empty() ? kNotOpened : status;
+}
+
+void Runner::Abandon() {
+  events_.Abandon(Interrupted().what());
+  for (const std::string& failure : outputs_.Complete(Head(kInterrupted))) Complain(failure);
+  for (const std::string& loss : outputs_.TakeLosses()) Complain(loss);
+}
+
+PageHead Runner::Head(ExitStatus status) const {
+  return RunHead(command_, {status, begun_, Counts(), console_.Seconds()});
+}
+
+std::string Runner::Counts() const {
+  const RunCounts& counts = observed_.Counts();
+  const std::optional<long> cycles = stack_.TckCycles();
+  return fmt::format("operations {}, TCK cycles {}, bits shifted {}, reads {}, {:.3f} s",
+                     counts.operations, cycles.has_value() ? std::to_string(*cycles) : "unknown",
+                     counts.bits, counts.reads, console_.Seconds());
+}
+
+}  // namespace
 
 ExitStatus Execute(const RunCommand& command) {
   std::vector<Script> scripts;
@@ -19,7 +302,7 @@ ExitStatus Execute(const RunCommand& command) {
   }
   if (scripts.empty()) return kScriptFailed;
   try {
-    return Runner(command).RunAll(std::move(scripts));
+    return Runner(command).PlayAll(std::move(scripts));
   } catch (const Interrupted& error) {
     Complain(error.what());
     return kInterrupted;

@@ -5,11 +5,11 @@
 #include <optional>
 #include <vector>
 
+#include "host/console.h"
 #include "host/open_probe.h"
 #include "host/page_head.h"
 #include "host/pins/tap_decoder.h"
 #include "host/probe/bitbang_server.h"
-#include "host/reporter.h"
 #include "host/system/errors.h"
 #include "host/tables/outputs.h"
 #include "host/verbs.h"

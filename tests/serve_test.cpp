@@ -3,8 +3,7 @@
 
 #include <sstream>
 
-#include "host/pins/serve_json.h"
-#include "host/pins/serve_trace.h"
+#include "host/pins/serve_writers.h"
 #include "host/probe/bitbang_server.h"
 #include "host/probe/sim_port.h"
 
@@ -45,11 +44,11 @@ void Play(const std::string& bytes, icehost::TapListener& listener) {
   decoder.End();
 }
 
-template <class Writer>
-std::string Told(const std::string& bytes) {
+// The text of an output that records these bytes.
+std::string Recorded(decltype(icehost::MakeServeTrace) make, const std::string& bytes) {
   std::ostringstream text;
-  Writer writer(text);
-  Play(bytes, writer);
+  const auto output = make(text);
+  Play(bytes, dynamic_cast<icehost::ServeListener&>(*output));
   return text.str();
 }
 
@@ -106,8 +105,8 @@ TEST(Serve, IsToldInLines) {
 )"},
   };
   for (const auto& client : kClients) {
-    EXPECT_EQ(Told<icehost::ServeTrace>(client.bytes), client.trace) << client.bytes;
-    EXPECT_EQ(Told<icehost::ServeJson>(client.bytes), client.json) << client.bytes;
+    EXPECT_EQ(Recorded(icehost::MakeServeTrace, client.bytes), client.trace) << client.bytes;
+    EXPECT_EQ(Recorded(icehost::MakeServeJson, client.bytes), client.json) << client.bytes;
   }
 }
 
@@ -117,13 +116,13 @@ TEST(Serve, KeepsTheBeginningOfALongScan) {
   for (const std::size_t more : {std::size_t{0}, std::size_t{1}, std::size_t{1000}}) {
     const std::size_t bits = icehost::kMostScanBits + more;
     const std::string bytes = kReset + Scan(kDr, "1" + std::string(bits - 1, '0'));
-    const std::string trace = Told<icehost::ServeTrace>(bytes);
+    const std::string trace = Recorded(icehost::MakeServeTrace, bytes);
     const std::string head = "9 TAP reset (TMS)\n15 DR " + std::to_string(bits) + " bits 0x";
     const std::string tail = more > 0 ? " (the first 1048576 bits)\n" : "\n";
     EXPECT_EQ(trace.compare(0, head.size() + kept.size() + 1, head + kept + "1"), 0);
     EXPECT_EQ(trace.substr(trace.find("1ce51001") + 8), tail);
     EXPECT_LT(trace.size(), icehost::kMostScanBits);
-    const std::string json = Told<icehost::ServeJson>(bytes);
+    const std::string json = Recorded(icehost::MakeServeJson, bytes);
     EXPECT_EQ(json.find(R"(,"kept_bits":1048576,)") != std::string::npos, more > 0);
   }
 }

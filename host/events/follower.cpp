@@ -6,19 +6,11 @@
 #include <utility>
 
 #include "entry/icescript.h"
+#include "host/target/bits.h"
 #include "host/target/pin_names.h"
 
 namespace icehost {
 namespace {
-
-std::string Bytes(const std::uint8_t* bytes, int bits) {
-  return {reinterpret_cast<const char*>(bytes),
-          static_cast<std::size_t>(std::max(bits + 7, 0) / 8)};
-}
-
-std::string Hex(const std::string& bytes) {
-  return ByteText(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
-}
 
 // Whether every bit that counts is as expected; what was not told is not.
 bool IsMet(const Expectation& expectation, const std::string& captured) {
@@ -30,11 +22,11 @@ bool IsMet(const Expectation& expectation, const std::string& captured) {
 }
 
 std::string MaskText(const Expectation& expectation) {
-  return expectation.masked ? fmt::format(" (mask {})", Hex(expectation.mask)) : "";
+  return expectation.masked ? fmt::format(" (mask {})", ByteText(expectation.mask)) : "";
 }
 
 std::string CapturedText(const std::string& captured) {
-  return captured.empty() ? "nothing, since this probe does not tell it" : Hex(captured);
+  return captured.empty() ? "nothing, since this probe does not tell it" : ByteText(captured);
 }
 
 // The pins that are not as expected.
@@ -81,8 +73,6 @@ CallSource Follower::NextPinOperation(const std::uint32_t& data) {
   return source;
 }
 
-// From one operation on to the next, but for where a block ends: there it may go back to the first
-// of a block, which has been there before with the same data word.
 std::size_t Follower::NextPin(const std::uint32_t& data) {
   std::size_t next = next_;
   if (next > 0 && next <= plan_->pins.size() && plan_->pins[next - 1].ends_block != 0) {
@@ -93,14 +83,15 @@ std::size_t Follower::NextPin(const std::uint32_t& data) {
   return next;
 }
 
-bool Follower::CompareScan(const std::uint8_t* ir, int ir_bits, const std::uint8_t* dr, int dr_bits,
-                           std::vector<Comparison>& comparisons) {
-  const bool ir_met = Compare("ir_out", Expectation::Of::kIr, Bytes(ir, ir_bits), comparisons);
-  const bool dr_met = Compare("dr_out", Expectation::Of::kDr, Bytes(dr, dr_bits), comparisons);
+bool Follower::CompareScan(const Scan& scan, std::vector<Comparison>& comparisons) {
+  const bool ir_met =
+      Compare("ir_out", Expectation::Of::kIr, scan.ir.out.value_or(""), comparisons);
+  const bool dr_met =
+      Compare("dr_out", Expectation::Of::kDr, scan.dr.out.value_or(""), comparisons);
   return ir_met && dr_met;
 }
 
-bool Follower::ComparePins(std::uint32_t levels, std::vector<Comparison>& comparisons) {
+bool Follower::ComparePins(int levels, std::vector<Comparison>& comparisons) {
   const std::string captured(1, static_cast<char>(levels & GPIO_PIN_ALL));
   return Compare("data", Expectation::Of::kPins, captured, comparisons);
 }
@@ -117,19 +108,18 @@ bool Follower::Compare(const char* of, Expectation::Of which, const std::string&
 
 bool Follower::CompareOne(const char* of, const Expectation& expected, const std::string& captured,
                           std::vector<Comparison>& comparisons) {
-  const bool met = IsMet(expected, captured);
-  comparisons.push_back({of, expected.place.line, expected.place.column, Hex(expected.value),
-                         Hex(expected.mask), captured.empty() ? "" : Hex(captured), met});
+  comparisons.push_back({of, expected.place.line, expected.place.column, ByteText(expected.value),
+                         ByteText(expected.mask), captured.empty() ? "" : ByteText(captured), ""});
   Tally& tally = tallies_[static_cast<std::size_t>(&expected - plan_->expectations.data())];
   ++tally.compared;
   if (tally.unmet == 0) tally.captured = captured;
-  if (met) return true;
+  if (IsMet(expected, captured)) return true;
   ++tally.unmet;
   ++unmet_;
   const bool pins = expected.of == Expectation::Of::kPins;
-  tell_(expected.place,
-        fmt::format("expected {}, captured {}{}{}", Hex(expected.value), CapturedText(captured),
-                    MaskText(expected), pins ? PinText(expected, captured) : ""));
+  comparisons.back().fault =
+      fmt::format("expected {}, captured {}{}{}", ByteText(expected.value), CapturedText(captured),
+                  MaskText(expected), pins ? PinText(expected, captured) : "");
   return mode_ == Mode::kKeepGoing;
 }
 
@@ -161,7 +151,7 @@ std::vector<std::string> Follower::Summary(const std::string& script) const {
     const Expectation& expected = plan_->expectations[i];
     const Tally& tally = tallies_[i];
     std::string line = fmt::format("{}:{}:{}: expected {}", script, expected.place.line,
-                                   expected.place.column, Hex(expected.value));
+                                   expected.place.column, ByteText(expected.value));
     if (tally.compared == 0) {
       line += ": not read";
     } else {

@@ -4,48 +4,56 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <string>
 #include <unordered_map>
 #include <vector>
 
 #include "host/check/captures.h"
 #include "host/check/plan.h"
-#include "host/events/call_guide.h"
+#include "host/events/events.h"
 
 namespace icehost {
 
-// Knows which operation is under way, compares what it reads with what the script expects, and
-// keeps what was read.
-class Follower : public CallGuide {
+// Knows which operation is under way, compares the values read with those that the script expects,
+// and keeps the values read.
+//
+// The call after the last line of a REPT block either repeats the block or leaves it, and its
+// arguments do not show which. But each line has a data word of its own, and the plug-in passes its
+// address. The follower notes the address of a block's first line when the block is entered. If
+// the call after a block's last line has a noted address, the script has gone back to that line;
+// otherwise it has gone on to the next one.
+class Follower {
  public:
-  // What becomes of a value that is not the expected one.
+  // What happens after a value that is not the expected one: the call fails, or the run goes on; or
+  // nothing is compared, and all values are kept.
   enum class Mode { kFail, kKeepGoing, kLearn };
-  // Told of each such value, with its place in the script.
-  using Tell = std::function<void(Place place, const std::string& what)>;
 
-  Follower(Mode mode, Tell tell) : mode_(mode), tell_(std::move(tell)) {}
+  explicit Follower(Mode mode) : mode_(mode) {}
 
   // A script begins; the plan must outlive its run.
   void Begin(const Plan& plan);
 
-  CallSource NextOperation() override;
-  CallSource NextPinOperation(const std::uint32_t& data) override;
-  bool CompareScan(const std::uint8_t* ir, int ir_bits, const std::uint8_t* dr, int dr_bits,
-                   std::vector<Comparison>& comparisons) override;
-  bool ComparePins(std::uint32_t levels, std::vector<Comparison>& comparisons) override;
+  // The next operation of a JTAG script begins. Returns where it comes from.
+  CallSource NextOperation();
+  // A pin operation begins, and `data` is its own data word.
+  CallSource NextPinOperation(const std::uint32_t& data);
+
+  // Compares the values that the operation read with those that the script expects, and appends the
+  // comparisons. Returns whether the call succeeds. A scan without a captured IR comes from a probe
+  // that does not report it.
+  bool CompareScan(const Scan& scan, std::vector<Comparison>& comparisons);
+  bool ComparePins(int levels, std::vector<Comparison>& comparisons);
 
   // How often a value was not the expected one, in this script.
   long Unmet() const { return unmet_; }
   // How many of the values that this script expects were not read at all.
   long Unread() const;
-  // What has become of each expectation of this script, a line each: for people. Nothing was
-  // compared in order to learn.
+  // The result of each expectation of this script, a line each, for people; empty in Mode::kLearn.
   std::vector<std::string> Summary(const std::string& script) const;
   const Captures& Read() const { return captures_; }
 
  private:
-  // Of one expectation.
+  // The comparisons of one expectation.
   struct Tally {
     long compared = 0;
     long unmet = 0;
@@ -60,13 +68,12 @@ class Follower : public CallGuide {
   void Keep(Expectation::Of of, const std::string& captured);
 
   Mode mode_;
-  Tell tell_;
   const Plan* plan_ = nullptr;
-  std::size_t next_ = 0;     // the operation behind the one under way
+  std::size_t next_ = 0;     // the operation after the one under way
   std::size_t current_ = 0;  // the operation under way
-  // The first operations of the blocks that were entered, by their data words.
+  // The first operations of the blocks that were entered, by the addresses of their data words.
   std::unordered_map<const std::uint32_t*, std::size_t> block_begins_;
-  std::vector<Tally> tallies_;  // as the plan's expectations
+  std::vector<Tally> tallies_;  // one for each expectation of the plan
   Captures captures_;
   long unmet_ = 0;
 };

@@ -1,9 +1,15 @@
-#include "host/events/json_writer.h"
-
+// The events of a run as JSON lines for programs.
 #include <fmt/format.h>
 
-#include "entry/icescript.h"
-#include "host/events/field_text.h"
+#include <memory>
+#include <ostream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/events/call_fields.h"
+#include "host/events/events.h"
+#include "host/events/run_writers.h"
 #include "host/system/json_text.h"
 #include "host/target/interface_names.h"
 
@@ -79,18 +85,32 @@ void AppendComparisons(const std::vector<Comparison>& comparisons, std::string& 
     line += fmt::format(
         R"({}{{"of":"{}","line":{},"column":{},"expected":"{}","mask":"{}","captured":{},"met":{}}})",
         before, one.of, one.line, one.column, one.expected, one.mask,
-        one.captured.empty() ? "null" : '"' + one.captured + '"', one.met);
+        one.captured.empty() ? "null" : '"' + one.captured + '"', one.fault.empty());
     before = ",";
   }
   if (!comparisons.empty()) line += ']';
 }
 
-bool AsksForInterface(const CallEvent& call) {
-  return !call.arguments.empty() && call.arguments[0].kind == Field::Kind::kCode &&
-         call.arguments[0].number == LINK_CONFIG_GET_CDI;
-}
+// One object a line, told apart by its first key: "schema", "script", "call", "message", "error" or
+// "end"; docs/json.md describes them. ASCII only.
+class JsonWriter : public Output, public EventListener {
+ public:
+  // `stream` must outlive the writer.
+  explicit JsonWriter(std::ostream& stream) : stream_(stream) {}
+  // The line that says what follows.
+  void Begin() override;
+  void OnScript(const std::string& path) override;
+  void OnCall(const CallEvent& call) override;
+  void OnMessage(const char* text) override;
+  void OnError(const std::string& text, int line) override;
+  void OnScriptEnd(bool ran) override;
 
-}  // namespace
+ private:
+  void WriteText(const char* key, std::string_view text);
+
+  std::ostream& stream_;
+  std::string line_;  // kept for its room
+};
 
 void JsonWriter::Begin() {
   stream_ << "{\"schema\":\"icehost-run\",\"version\":1}\n";
@@ -102,15 +122,16 @@ void JsonWriter::OnScript(const std::string& path) {
 
 // Put together by hand: a long run has millions of them.
 void JsonWriter::OnCall(const CallEvent& call) {
-  line_.assign("{\"call\":\"").append(call.function) += '"';
+  const CallFields fields = FieldsOf(call.call);
+  line_.assign("{\"call\":\"").append(FunctionOf(call.call)) += '"';
   AppendSource(call.source, line_);
-  AppendFields(call.arguments, line_);
+  AppendFields(fields.arguments, line_);
   line_ += ",\"result\":";
   AppendNumber(call.result, line_);
   if (AsksForInterface(call) && call.result >= 0 && call.result < kInterfaces) {
     line_.append(",\"interface\":\"").append(kInterfaceNames[call.result]) += '"';
   }
-  AppendFields(call.outputs, line_);
+  AppendFields(fields.outputs, line_);
   AppendComparisons(call.comparisons, line_);
   stream_ << (line_ += "}\n");
 }
@@ -135,6 +156,12 @@ void JsonWriter::OnScriptEnd(bool ran) {
 void JsonWriter::WriteText(const char* key, std::string_view text) {
   line_.assign("{\"").append(key).append("\":").append(JsonText(text)) += "}\n";
   stream_ << line_;
+}
+
+}  // namespace
+
+std::unique_ptr<Output> MakeJson(std::ostream& stream) {
+  return std::make_unique<JsonWriter>(stream);
 }
 
 }  // namespace icehost

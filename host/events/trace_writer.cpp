@@ -1,8 +1,14 @@
-#include "host/events/trace_writer.h"
-
+// The events of a run as lines for people.
 #include <fmt/format.h>
 
-#include "host/events/field_text.h"
+#include <memory>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "host/events/call_fields.h"
+#include "host/events/events.h"
+#include "host/events/run_writers.h"
 #include "host/system/printable.h"
 
 namespace icehost {
@@ -19,10 +25,24 @@ void AppendFields(const std::vector<Field>& fields, const char* separator, std::
 
 void Append(const Comparison& comparison, std::string& line) {
   line += fmt::format("  {} expected={} mask={}: {}", comparison.of, comparison.expected,
-                      comparison.mask, comparison.met ? "met" : "NOT MET");
+                      comparison.mask, comparison.fault.empty() ? "met" : "NOT MET");
 }
 
-}  // namespace
+// One line a host call: "id.ini:11 [READ_ID] link_reset(kind=TARGET) = 0". Messages are not
+// repeated.
+class TraceWriter : public Output, public EventListener {
+ public:
+  // `stream` must outlive the writer.
+  explicit TraceWriter(std::ostream& stream) : stream_(stream) {}
+  void OnScript(const std::string& path) override;
+  void OnCall(const CallEvent& call) override;
+  void OnScriptEnd(bool ran) override;
+
+ private:
+  std::ostream& stream_;
+  std::string path_;
+  std::string line_;  // kept for its room
+};
 
 void TraceWriter::OnScript(const std::string& path) {
   path_ = Printable(path);
@@ -30,21 +50,28 @@ void TraceWriter::OnScript(const std::string& path) {
 }
 
 void TraceWriter::OnCall(const CallEvent& call) {
+  const CallFields fields = FieldsOf(call.call);
   line_.assign(path_);
   if (call.source.line != 0) line_.append(":").append(fmt::format_int(call.source.line).c_str());
   if (call.source.section != nullptr)
     line_ += fmt::format(" [{}]", Printable(*call.source.section));
-  line_.append(" ").append(call.function) += '(';
-  AppendFields(call.arguments, ", ", line_);
+  line_.append(" ").append(FunctionOf(call.call)) += '(';
+  AppendFields(fields.arguments, ", ", line_);
   line_.append(") = ").append(fmt::format_int(call.result).c_str());
-  if (!call.outputs.empty()) line_ += "  ";
-  AppendFields(call.outputs, " ", line_);
+  if (!fields.outputs.empty()) line_ += "  ";
+  AppendFields(fields.outputs, " ", line_);
   for (const Comparison& comparison : call.comparisons) Append(comparison, line_);
   stream_ << (line_ += '\n');
 }
 
 void TraceWriter::OnScriptEnd(bool ran) {
   stream_ << (ran ? "# ran\n" : "# failed\n");
+}
+
+}  // namespace
+
+std::unique_ptr<Output> MakeTrace(std::ostream& stream) {
+  return std::make_unique<TraceWriter>(stream);
 }
 
 }  // namespace icehost

@@ -8,7 +8,7 @@ endforeach()
 # Byte by byte: compilers bound the length of a literal.
 string(HEX "${page}" bytes)
 string(REGEX REPLACE "(..)" "0x\\1," bytes "${bytes}")
-file(WRITE ${OUTPUT} "#include \"host/page/page_template.h\"
+file(WRITE ${OUTPUT} "#include \"host/page/page_writer.h\"
 
 namespace icehost {
 namespace {

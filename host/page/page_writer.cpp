@@ -4,7 +4,6 @@
 
 #include <algorithm>
 
-#include "host/page/page_template.h"
 #include "host/system/json_text.h"
 #include "host/target/pin_names.h"
 

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <ostream>
 #include <string>
 #include <string_view>
@@ -68,6 +69,14 @@ class PageWriter : public StepRecorder {
   long lines_ = 0;
   long marks_ = 0;
 };
+
+// The page of a run and of a served target, written when it ends.
+std::unique_ptr<Output> MakeRunPage(std::ostream& stream);
+std::unique_ptr<Output> MakeServePage(std::ostream& stream);
+
+// The page without its data, embedded at build time: page.html with its styles and scripts.
+// "@data@" appears in it once, in the place of the data.
+std::string_view PageTemplate();
 
 }  // namespace icehost
 

@@ -1,25 +1,24 @@
-#include "host/page/run_page.h"
-
+// The events of a run as a page.
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <memory>
+#include <optional>
+#include <ostream>
+#include <string>
 #include <string_view>
-#include <utility>
+#include <vector>
 
-#include "host/events/field_text.h"
+#include "entry/icescript.h"
+#include "host/events/call_fields.h"
+#include "host/events/events.h"
+#include "host/page/page_writer.h"
+#include "host/target/bits.h"
 
 namespace icehost {
 namespace {
 
 using Verdict = PageRow::Verdict;
-
-bool Is(const CallEvent& call, const char* function) {
-  return std::string_view(call.function) == function;
-}
-
-bool AsksForInterface(const CallEvent& call) {
-  return Is(call, "link_config") && call.arguments[0].number == LINK_CONFIG_GET_CDI;
-}
 
 std::string Text(const Field& field) {
   std::string text;
@@ -27,35 +26,32 @@ std::string Text(const Field& field) {
   return text;
 }
 
-// "IR" of "ir_out"; pins need no word.
-const char* RegisterOf(std::string_view output) {
-  if (output == "ir_out") return "IR ";
-  return output == "dr_out" ? "DR " : "";
-}
-
-std::string SentByPins(const CallEvent& call) {
-  const int flags = call.arguments[2].number;
-  const bool start = (flags & GPIO_FLAG_START) != 0;
+std::string SentByPins(const GpioCall& call, const std::vector<Field>& arguments) {
+  const bool start = (call.flags & GPIO_FLAG_START) != 0;
   std::string text;
-  if (start || (flags & GPIO_FLAG_WRITE_OUT) != 0) text = "OUT " + Text(call.arguments[0]);
-  if (start || (flags & GPIO_FLAG_WRITE_OE) != 0) {
-    text += (text.empty() ? "OE " : ", OE ") + Text(call.arguments[1]);
+  if (start || (call.flags & GPIO_FLAG_WRITE_OUT) != 0) text = "OUT " + Text(arguments[0]);
+  if (start || (call.flags & GPIO_FLAG_WRITE_OE) != 0) {
+    text += (text.empty() ? "OE " : ", OE ") + Text(arguments[1]);
   }
   return text;
 }
 
-std::string Sent(const CallEvent& call) {
-  if (Is(call, "link_gpio_operator")) return SentByPins(call);
-  if (Is(call, "link_reset")) return "reset " + Text(call.arguments[0]);
-  if (Is(call, "link_config")) return Text(call.arguments[0]) + " " + Text(call.arguments[1]);
-  if (!Is(call, "link_jtag_insert")) return "";
-  return fmt::format("IR {}: {}, DR {}: {}", call.arguments[0].number, call.arguments[1].bytes,
-                     call.arguments[2].number, call.arguments[3].bytes);
+std::string SentByScan(const Scan& scan) {
+  return fmt::format("IR {}: {}, DR {}: {}", scan.ir.bits, ByteText(scan.ir.in), scan.dr.bits,
+                     ByteText(scan.dr.in));
 }
 
-std::string Received(const CallEvent& call) {
+std::string Sent(const CallEvent& call, const std::vector<Field>& arguments) {
+  if (const auto* pins = call.As<GpioCall>()) return SentByPins(*pins, arguments);
+  if (const auto* scan = call.As<InsertCall>()) return SentByScan(*scan->scan);
+  if (const auto* scan = call.As<ExecuteCall>()) return SentByScan(*scan->scan);
+  if (call.As<ResetCall>() != nullptr) return "reset " + Text(arguments[0]);
+  return Text(arguments[0]) + " " + Text(arguments[1]);
+}
+
+std::string Received(const std::vector<Field>& outputs) {
   std::string text;
-  for (const Field& field : call.outputs) {
+  for (const Field& field : outputs) {
     if (!text.empty()) text += ", ";
     if (field.kind == Field::Kind::kPins)
       text += fmt::format("0x{:02x} ", static_cast<unsigned>(field.number));
@@ -81,7 +77,7 @@ std::string Expected(const CallEvent& call) {
 
 Verdict VerdictOf(const CallEvent& call) {
   const bool met = std::all_of(call.comparisons.begin(), call.comparisons.end(),
-                               [](const Comparison& one) { return one.met; });
+                               [](const Comparison& one) { return one.fault.empty(); });
   if (!met) return Verdict::kNotMet;
   if (call.result != 0) return Verdict::kFailed;
   return call.comparisons.empty() ? Verdict::kDone : Verdict::kMet;
@@ -99,26 +95,56 @@ std::string PinName(int flags) {
 
 std::string NameOfOperation(const CallEvent& call) {
   if (call.source.section != nullptr) return fmt::format("[{}]", *call.source.section);
-  return Is(call, "link_gpio_operator") ? PinName(call.arguments[2].number) : call.function;
+  const auto* const pins = call.As<GpioCall>();
+  return pins != nullptr ? PinName(pins->flags) : FunctionOf(call.call);
 }
 
-}  // namespace
+// Makes an operation of the calls that it takes, and puts why it failed behind it.
+class RunPage : public Output, public EventListener, public StepRecorder {
+ public:
+  explicit RunPage(std::ostream& stream) : stream_(stream) {}
+  void OnSource(std::string_view name, std::string_view content,
+                const std::vector<SourceMark>& marks) override {
+    writer_.AddSource(name, content, marks);
+  }
+  void OnScript(const std::string& path) override;
+  void OnCall(const CallEvent& call) override;
+  void OnMessage(const char* text) override;
+  void OnError(const std::string& text, int line) override;
+  void OnScriptEnd(bool ran) override;
+  void Record(const PinStep& step) override { writer_.Record(step); }
+  void End(const PageHead& head) override { writer_.Write(stream_, head); }
+
+ private:
+  PageRow Row(const CallEvent& call) const;
+  void Add(const PageRow& row);
+  void TellErrors();
+
+  struct Error {
+    std::string text;
+    int line;
+  };
+  std::ostream& stream_;
+  PageWriter writer_;
+  long operation_ = 0;           // the next one's number
+  std::optional<PageRow> scan_;  // inserted, not yet executed
+  std::vector<Error> errors_;    // of the call under way
+};
 
 void RunPage::OnScript(const std::string& /*path*/) {
   operation_ = 0;
 }
 
-// A scan is asked for, inserted and executed.
+// A scan is one row, although it is queried, inserted and executed. It keeps the row of its insert
+// call if it is never executed.
 void RunPage::OnCall(const CallEvent& call) {
   if (AsksForInterface(call)) return;
-  if (Is(call, "link_jtag_insert") && call.result == 0) {
-    scan_ = Row(call);
-    return;
-  }
-  PageRow row = Row(call);
-  if (Is(call, "link_jtag_execute") && scan_.has_value()) row.sent = std::move(scan_->sent);
   scan_.reset();
-  Add(row);
+  if (call.As<InsertCall>() != nullptr && call.result == 0) {
+    scan_ = Row(call);
+  } else {
+    Add(Row(call));
+  }
 }
 
 void RunPage::OnMessage(const char* text) {
@@ -140,8 +166,15 @@ void RunPage::OnScriptEnd(bool /*ran*/) {
 }
 
 PageRow RunPage::Row(const CallEvent& call) const {
-  return {operation_, call.source.line, call.steps,     NameOfOperation(call),
-          Sent(call), Received(call),   Expected(call), VerdictOf(call)};
+  const CallFields fields = FieldsOf(call.call);
+  return {operation_,
+          call.source.line,
+          call.steps,
+          NameOfOperation(call),
+          Sent(call, fields.arguments),
+          Received(fields.outputs),
+          Expected(call),
+          VerdictOf(call)};
 }
 
 void RunPage::Add(const PageRow& row) {
@@ -153,6 +186,12 @@ void RunPage::Add(const PageRow& row) {
 void RunPage::TellErrors() {
   for (const Error& error : errors_) writer_.AddError(error.text, error.line);
   errors_.clear();
+}
+
+}  // namespace
+
+std::unique_ptr<Output> MakeRunPage(std::ostream& stream) {
+  return std::make_unique<RunPage>(stream);
 }
 
 }  // namespace icehost

@@ -1,9 +1,14 @@
-#include "host/page/serve_page.h"
-
+// What happens at a served target as a page.
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <memory>
+#include <ostream>
+#include <string>
 #include <utility>
+
+#include "host/page/page_writer.h"
+#include "host/pins/serve_writers.h"
 
 namespace icehost {
 namespace {
@@ -26,7 +31,28 @@ std::string NameOf(const TapScan& scan) {
   return fmt::format("{} scan, cut short by {}", Column(scan), scan.reset ? "a reset" : "the end");
 }
 
-}  // namespace
+// A row for every scan, reset and stay in Run-Test/Idle, in the order in which they end; clients
+// come and go between them.
+class ServePage : public Output, public ServeListener, public StepRecorder {
+ public:
+  explicit ServePage(std::ostream& stream) : stream_(stream) {}
+  void OnScan(const TapScan& scan) override;
+  void OnTapReset(bool by_trst, StepRange steps) override;
+  void OnIdle(long cycles, StepRange steps) override;
+  void OnResetPins(int levels, StepRange steps) override;
+  void OnClient(const ServedClient& client, std::size_t step) override;
+  void OnClientLeft(const ServedClient& client, std::size_t step) override;
+  void OnEnd(const std::string& error) override;
+  void Record(const PinStep& step) override { writer_.Record(step); }
+  void End(const PageHead& head) override { writer_.Write(stream_, head); }
+
+ private:
+  void Add(StepRange steps, std::string name, std::string sent, std::string received);
+
+  std::ostream& stream_;
+  PageWriter writer_;
+  long number_ = 0;  // of the next row
+};
 
 void ServePage::OnScan(const TapScan& scan) {
   const std::size_t bits = scan.in.size() + scan.left_out;
@@ -72,6 +98,12 @@ void ServePage::OnEnd(const std::string& error) {
 void ServePage::Add(StepRange steps, std::string name, std::string sent, std::string received) {
   writer_.AddRow({number_++, 0, steps, std::move(name), std::move(sent), std::move(received), "",
                   PageRow::Verdict::kDone});
+}
+
+}  // namespace
+
+std::unique_ptr<Output> MakeServePage(std::ostream& stream) {
+  return std::make_unique<ServePage>(stream);
 }
 
 }  // namespace icehost

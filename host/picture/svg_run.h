@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "host/events/call_fields.h"
 #include "host/events/events.h"
 #include "host/pins/recording_port.h"
 

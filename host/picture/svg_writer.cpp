@@ -2,28 +2,22 @@
 
 #include <fmt/format.h>
 
-#include <string_view>
-
+#include "host/events/call_fields.h"
 #include "host/picture/svg_drawing.h"
 #include "host/picture/svg_scale.h"
 
 namespace icehost {
 namespace {
 
-SvgOperation::Kind KindOf(std::string_view function) {
-  if (function == "link_jtag_execute") return SvgOperation::Kind::kScan;
-  return function == "link_reset" ? SvgOperation::Kind::kReset : SvgOperation::Kind::kPins;
-}
-
-const char* RegisterOf(std::string_view output) {
-  if (output == "ir_out") return "IR ";
-  return output == "dr_out" ? "DR " : "";
+SvgOperation::Kind KindOf(const CallEvent& call) {
+  if (call.As<ExecuteCall>() != nullptr) return SvgOperation::Kind::kScan;
+  return call.As<ResetCall>() != nullptr ? SvgOperation::Kind::kReset : SvgOperation::Kind::kPins;
 }
 
 std::string Unmet(const std::vector<Comparison>& comparisons) {
   std::string text;
   for (const Comparison& comparison : comparisons) {
-    if (comparison.met) continue;
+    if (comparison.fault.empty()) continue;
     text +=
         fmt::format("{}{}expected {}, captured {} (mask {})", text.empty() ? "" : "; ",
                     RegisterOf(comparison.of), comparison.expected,
@@ -45,7 +39,6 @@ void SvgWriter::OnScript(const std::string& path) {
 void SvgWriter::OnCall(const CallEvent& call) {
   // A call without a step may read the last one that is kept.
   if (call.steps.begin > kMostSvgSteps) return;
-  if (call.function == std::string_view("link_jtag_insert")) sent_ = call.arguments;
   KeepOperation(call);
   KeepRead(call);
 }
@@ -61,11 +54,11 @@ SvgSource SvgWriter::SourceOf(const CallEvent& call) const {
 
 void SvgWriter::KeepOperation(const CallEvent& call) {
   if (call.steps.begin == call.steps.end) return;
-  const SvgOperation::Kind kind = KindOf(call.function);
+  const SvgOperation::Kind kind = KindOf(call);
   SvgOperation operation = {kind, SourceOf(call), call.steps, {}, {}};
   if (kind == SvgOperation::Kind::kScan) {
-    operation.sent = sent_;
-    operation.captured = call.outputs;
+    operation.sent = FieldsOf(InsertCall{call.As<ExecuteCall>()->scan}).arguments;
+    operation.captured = FieldsOf(call.call).outputs;
   }
   run_.operations.push_back(std::move(operation));
 }
@@ -74,7 +67,8 @@ void SvgWriter::KeepOperation(const CallEvent& call) {
 // first that was not as expected.
 void SvgWriter::KeepRead(const CallEvent& call) {
   std::string unmet = Unmet(call.comparisons);
-  const bool pins = KindOf(call.function) == SvgOperation::Kind::kPins && !call.outputs.empty();
+  const auto* const gpio = call.As<GpioCall>();
+  const bool pins = gpio != nullptr && gpio->data.has_value();
   if ((!pins && unmet.empty()) || call.steps.end == 0) return;
   const std::size_t step = call.steps.end - 1;
   long times = 1;
@@ -83,8 +77,7 @@ void SvgWriter::KeepRead(const CallEvent& call) {
     if (!run_.reads.back().unmet.empty()) return;
     run_.reads.pop_back();
   }
-  run_.reads.push_back({SourceOf(call), step,
-                        pins ? fmt::format("0x{:02x}", call.outputs.front().number) : "",
+  run_.reads.push_back({SourceOf(call), step, pins ? fmt::format("0x{:02x}", *gpio->data) : "",
                         std::move(unmet), times});
 }
 

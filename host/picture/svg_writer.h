@@ -31,7 +31,6 @@ class SvgWriter : public Output, public StepRecorder, public EventListener {
 
   std::ostream& stream_;
   SvgRun run_;
-  std::vector<Field> sent_;  // the arguments of the scan under way
 };
 
 }  // namespace icehost

@@ -65,7 +65,7 @@ int PinProbe::Execute(std::uint8_t* capture) {
   const Bits out = port_.CollectTdo();
   const auto dr_out = out.begin() + static_cast<std::ptrdiff_t>(ir_.size());
   const Bits ir_out(out.begin(), dr_out);
-  if (const std::string why = WhyNoIr(ir_out); !why.empty()) doubt_(why);
+  doubt_ = WhyNoIr(ir_out);
   const int extra = wire_mode_ == CDI_ANSWER_2WIRE ? 1 : 0;
   StoreBits(ir_out, kIrCaptureBits, capture);
   StoreBits({dr_out, out.end()}, 8 * JTAG_DR_MAX_BYTES, capture + kDrCaptureByte + extra);

@@ -2,9 +2,7 @@
 #ifndef ICESCRIPT_HOST_PROBE_PIN_PROBE_H_
 #define ICESCRIPT_HOST_PROBE_PIN_PROBE_H_
 
-#include <functional>
 #include <string>
-#include <utility>
 
 #include "entry/icescript.h"
 #include "host/probe/pin_port.h"
@@ -16,23 +14,17 @@ namespace icehost {
 
 class PinProbe : public Probe {
  public:
-  // Told that a captured IR is none, and why; it may throw Unsupported to fail the call.
-  using Doubt = std::function<void(const std::string& why)>;
-
   // `port` must outlive the probe. `wire_mode` is the CDI_ANSWER_ in force at the start; where
   // `two_wire` is false, selecting the 2-wire interface throws Unsupported.
-  PinProbe(PinPort& port, int wire_mode, bool two_wire, Doubt doubt)
-      : port_(port),
-        two_wire_(two_wire),
-        doubt_(std::move(doubt)),
-        wire_mode_(wire_mode),
-        walker_(port) {}
+  PinProbe(PinPort& port, int wire_mode, bool two_wire)
+      : port_(port), two_wire_(two_wire), wire_mode_(wire_mode), walker_(port) {}
 
   int Config(int code, int value) override;
   int Reset(int kind) override;
   int Insert(int ir_bits, const std::uint8_t* ir, int dr_bits, const std::uint8_t* dr) override;
   int Execute(std::uint8_t* capture) override;
   int Gpio(int out_value, std::uint32_t& data, int oe_mask, int flags) override;
+  std::string Doubt() const override { return doubt_; }
   void Flush() override { port_.Flush(); }
 
   long TckCycles() const { return walker_.TckCycles(); }
@@ -42,7 +34,7 @@ class PinProbe : public Probe {
 
   PinPort& port_;
   bool two_wire_;
-  Doubt doubt_;
+  std::string doubt_;
   int wire_mode_;
   Bits ir_;
   Bits dr_;

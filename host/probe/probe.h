@@ -3,6 +3,7 @@
 #define ICESCRIPT_HOST_PROBE_PROBE_H_
 
 #include <cstdint>
+#include <string>
 
 namespace icehost {
 
@@ -21,6 +22,8 @@ class Probe {
   virtual int Reset(int kind) = 0;
   virtual int Insert(int ir_bits, const std::uint8_t* ir, int dr_bits, const std::uint8_t* dr) = 0;
   virtual int Execute(std::uint8_t* capture) = 0;
+  // Why the scan executed last may not have reached a TAP; empty if nothing speaks against it.
+  virtual std::string Doubt() const { return ""; }
   // Whether Execute stores the captured IR.
   virtual bool CapturesIr() const { return true; }
   virtual int Gpio(int out_value, std::uint32_t& data, int oe_mask, int flags) = 0;

@@ -20,13 +20,9 @@ class SvfCallWriter : public SvfOutput, public EventListener {
   void OnScriptEnd(bool ran) override;
 
  private:
-  void OnInsert(const CallEvent& call);
-  void OnExecute(const CallEvent& call);
+  void OnScan(const CallEvent& call, const Scan& scan);
 
   std::string path_;
-  // Of the scan under way.
-  Bits ir_;
-  Bits dr_;
 };
 
 // What every scan of a JTAG script is compared by: its own mask where it expects something, else

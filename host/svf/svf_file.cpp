@@ -99,7 +99,7 @@ std::vector<std::string> SvfFile::TakeLosses() {
 
 void CommentOnUnmet(const CallEvent& call, SvfFile& file) {
   for (const Comparison& one : call.comparisons) {
-    if (one.met) continue;
+    if (one.fault.empty()) continue;
     file.Comment(
         fmt::format("line {} expects {} of {}, mask {}", one.line, one.expected, one.of, one.mask));
   }

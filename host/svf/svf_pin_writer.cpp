@@ -5,6 +5,7 @@
 #include <cstring>
 #include <utility>
 
+#include "host/events/call_fields.h"
 #include "host/svf/svf_call_writer.h"
 #include "host/target/pin_names.h"
 
@@ -177,28 +178,25 @@ void SvfPinWriter::OnResetPins(int levels, StepRange /*steps*/) {
 }
 
 void SvfPinWriter::OnCall(const CallEvent& call) {
-  if (std::strcmp(call.function, "link_gpio_operator") == 0) OnPinCall(call);
-  if (std::strcmp(call.function, "link_config") == 0) OnConfig(call);
+  if (const auto* pins = call.As<GpioCall>()) OnPinCall(call, *pins);
+  if (AsksForInterface(call)) OnInterface(call);
   CommentOnUnmet(call, file_);
 }
 
 // Each scan asks which interface it goes over.
-void SvfPinWriter::OnConfig(const CallEvent& call) {
-  if (call.arguments[0].number != LINK_CONFIG_GET_CDI) return;
+void SvfPinWriter::OnInterface(const CallEvent& call) {
   const bool two_wire = call.result == CDI_ANSWER_2WIRE || call.result == CDI_ANSWER_CJTAG2;
   if (std::exchange(two_wire_, two_wire) == two_wire || !two_wire) return;
   AddNote(call, SvfLoss::kTwoWire, "over the 2-wire interface");
 }
 
-void SvfPinWriter::OnPinCall(const CallEvent& call) {
-  const int enables = call.arguments[1].number;
-  const int flags = call.arguments[2].number;
-  const int released = kDrivenPins & ~GPIO_PIN_NRST & ~enables;
-  if ((flags & (GPIO_FLAG_START | GPIO_FLAG_WRITE_OE)) != 0 &&
+void SvfPinWriter::OnPinCall(const CallEvent& call, const GpioCall& pins) {
+  const int released = kDrivenPins & ~GPIO_PIN_NRST & ~pins.oe_mask;
+  if ((pins.flags & (GPIO_FLAG_START | GPIO_FLAG_WRITE_OE)) != 0 &&
       std::exchange(released_, released) != released && released != 0) {
     AddNote(call, SvfLoss::kReleased, NamesOf(released) + " released");
   }
-  if (!call.outputs.empty() && (enables & GPIO_PIN_TDO) == 0) NoteTdoRead();
+  if (pins.data.has_value() && (pins.oe_mask & GPIO_PIN_TDO) == 0) NoteTdoRead();
 }
 
 void SvfPinWriter::AddNote(const CallEvent& call, SvfLoss loss, std::string text) {

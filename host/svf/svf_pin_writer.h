@@ -68,8 +68,8 @@ class SvfPinWriter : public SvfOutput,
   void AddNote(const CallEvent& call, SvfLoss loss, std::string text);
   void Write(const Note& note);
   Bits MaskOf(const TapScan& scan) const;
-  void OnConfig(const CallEvent& call);
-  void OnPinCall(const CallEvent& call);
+  void OnInterface(const CallEvent& call);
+  void OnPinCall(const CallEvent& call, const GpioCall& pins);
   void NoteTdoRead();
 
   TapDecoder decoder_{{this}};

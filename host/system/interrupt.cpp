@@ -28,6 +28,11 @@ bool IsRescued() {
   return rescue == nullptr || rescue();
 }
 
+void SetRescue(std::function<bool()> wanted) {
+  const std::lock_guard<std::mutex> lock(rescue_lock);
+  rescue = std::move(wanted);
+}
+
 void EndWithoutMain() {
   do {
     std::this_thread::sleep_for(kGrace);
@@ -100,9 +105,28 @@ void ThrowIfInterrupted() {
   if (interrupted) throw Interrupted();
 }
 
-void SetRescue(std::function<bool()> wanted) {
-  const std::lock_guard<std::mutex> lock(rescue_lock);
-  rescue = std::move(wanted);
+Rescue::Rescue(State state, std::function<void()> complete) : state_(state) {
+  if (state_ == State::kWorking) working_.lock();
+  SetRescue([this, complete = std::move(complete)] {
+    // Never unlocked: the main thread is held up for good.
+    if (!working_.try_lock()) return false;
+    complete();
+    return true;
+  });
+}
+
+Rescue::~Rescue() {
+  SetRescue(nullptr);
+  if (state_ == State::kWorking) working_.unlock();
+}
+
+void Rescue::Enter(State state) {
+  if (std::exchange(state_, state) == state) return;
+  if (state == State::kWorking) {
+    working_.lock();
+  } else {
+    working_.unlock();
+  }
 }
 
 asio::io_context& EventLoop() {

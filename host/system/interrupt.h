@@ -4,6 +4,7 @@
 
 #include <asio/io_context.hpp>
 #include <functional>
+#include <mutex>
 
 namespace icehost {
 
@@ -20,12 +21,43 @@ bool IsInterrupted();
 // Throws Interrupted if so.
 void ThrowIfInterrupted();
 
-// The main thread may be where it looks for no signal: in the plug-in, which reads a long script,
-// or waiting for somebody to take its output. `rescue` is called, on a thread of its own, half a
-// second after the signal and again until it returns true; the process then ends with status 130.
-// What it needs must live as long as the process or until it is taken back by `nullptr`. Without
-// one the process just ends.
-void SetRescue(std::function<bool()> rescue);
+// Ends the program if a signal finds the main thread where it looks for none: in the plug-in, which
+// reads a long script, or waiting for somebody to take its output. Half a second after the signal,
+// and as soon as the main thread is away, `complete` is called on a thread of its own; then the
+// process ends with status 130. The main thread is held up as soon as it comes back. Without a
+// Rescue the process just ends. The latest one counts.
+class Rescue {
+ public:
+  enum class State { kAway, kWorking };
+
+  // `complete` and all that it needs must outlive the object.
+  Rescue(State state, std::function<void()> complete);
+  ~Rescue();
+  Rescue(const Rescue&) = delete;
+  Rescue& operator=(const Rescue&) = delete;
+
+  // The state of the main thread while the scope lives; scopes may be nested. While the thread is
+  // away, it touches nothing that `complete` needs.
+  class Scope {
+   public:
+    Scope(Rescue& rescue, State state) : rescue_(rescue), before_(rescue.state_) {
+      rescue.Enter(state);
+    }
+    ~Scope() { rescue_.Enter(before_); }
+    Scope(const Scope&) = delete;
+    Scope& operator=(const Scope&) = delete;
+
+   private:
+    Rescue& rescue_;
+    State before_;
+  };
+
+ private:
+  void Enter(State state);
+
+  State state_;
+  std::mutex working_;  // held by the main thread while it works
+};
 
 // The loop for every wait of the main thread; a signal stops it. Whoever waits restarts it, then
 // calls ThrowIfInterrupted, then runs it: so no signal is missed. It is never destroyed, for the

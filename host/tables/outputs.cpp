@@ -2,13 +2,9 @@
 
 #include <iostream>
 
-#include "host/events/json_writer.h"
-#include "host/events/trace_writer.h"
-#include "host/page/run_page.h"
-#include "host/page/serve_page.h"
+#include "host/events/run_writers.h"
+#include "host/page/page_writer.h"
 #include "host/picture/svg_writer.h"
-#include "host/pins/serve_json.h"
-#include "host/pins/serve_trace.h"
 #include "host/pins/vcd_writer.h"
 #include "host/svf/svf_call_writer.h"
 #include "host/svf/svf_pin_writer.h"
@@ -19,6 +15,11 @@ namespace {
 template <class Writer>
 std::unique_ptr<Output> Make(std::ostream& stream, bool /*shows_pins*/) {
   return std::make_unique<Writer>(stream);
+}
+
+template <std::unique_ptr<Output> (*make)(std::ostream&)>
+std::unique_ptr<Output> Make(std::ostream& stream, bool /*shows_pins*/) {
+  return make(stream);
 }
 
 std::unique_ptr<Output> MakeSvf(std::ostream& stream, bool shows_pins) {
@@ -42,24 +43,23 @@ const OutputKind kOutputKinds[kOutputCount] = {
      true,
      false,
      kLines,
-     {"Write a line for every host call, to standard error or with --trace=FILE",
-      Make<TraceWriter>},
+     {"Write a line for every host call, to standard error or with --trace=FILE", Make<MakeTrace>},
      {"Write a line for every scan, reset and client, to standard error or with --trace=FILE",
-      Make<ServeTrace>}},
+      Make<MakeServeTrace>}},
     {"--json",
      false,
      false,
      kLines,
-     {"Write calls and messages as JSON lines", Make<JsonWriter>},
-     {"Write the same as JSON lines", Make<ServeJson>}},
+     {"Write calls and messages as JSON lines", Make<MakeJson>},
+     {"Write the same as JSON lines", Make<MakeServeJson>}},
     {"--vcd", false, true, kLines, {kVcdHelp, Make<VcdWriter>}, {kVcdHelp, Make<VcdWriter>}},
     {"--svg", false, true, kNothing, {"Write the waveform as a picture", Make<SvgWriter>}, {}},
     {"--html",
      false,
      false,
      kNothing,
-     {"Write all of it as one page for a browser: script, operations, waveform", Make<RunPage>},
-     {"Write all of it as one page for a browser, at the end", Make<ServePage>}},
+     {"Write all of it as one page for a browser: script, operations, waveform", Make<MakeRunPage>},
+     {"Write all of it as one page for a browser, at the end", Make<MakeServePage>}},
     {"--svf",
      false,
      false,

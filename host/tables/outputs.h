@@ -10,7 +10,7 @@
 #include "host/events/events.h"
 #include "host/events/output.h"
 #include "host/pins/recording_port.h"
-#include "host/pins/serve_listener.h"
+#include "host/pins/serve_writers.h"
 #include "host/system/output_file.h"
 
 namespace icehost {

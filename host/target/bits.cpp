@@ -30,4 +30,19 @@ void StoreBits(const Bits& bits, int limit, std::uint8_t* bytes) {
   }
 }
 
+std::string ByteText(const std::uint8_t* bytes, std::size_t count) {
+  constexpr char kDigits[] = "0123456789abcdef";
+  std::string text = "0x";
+  text.reserve(2 + 2 * count);
+  for (std::size_t i = count; i-- > 0;) {
+    text += kDigits[bytes[i] >> 4];
+    text += kDigits[bytes[i] & 0xF];
+  }
+  return text;
+}
+
+std::string ByteText(std::string_view bytes) {
+  return ByteText(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
+}
+
 }  // namespace icehost

@@ -2,7 +2,10 @@
 #ifndef ICESCRIPT_HOST_TARGET_BITS_H_
 #define ICESCRIPT_HOST_TARGET_BITS_H_
 
+#include <cstddef>
 #include <cstdint>
+#include <string>
+#include <string_view>
 #include <vector>
 
 namespace icehost {
@@ -18,6 +21,11 @@ std::uint64_t NumberOfBits(const Bits& bits);
 Bits BitsOfBytes(const std::uint8_t* bytes, int first, int end);
 // Sets the bits of zeroed bytes, no more than `limit` of them.
 void StoreBits(const Bits& bits, int limit, std::uint8_t* bytes);
+
+// The bytes of a register, least significant first, as text: "0x" and two digits for each byte, the
+// most significant first.
+std::string ByteText(const std::uint8_t* bytes, std::size_t count);
+std::string ByteText(std::string_view bytes);
 
 }  // namespace icehost
 

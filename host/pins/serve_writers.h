@@ -1,10 +1,13 @@
-// What happens at a target that is served, for whoever writes it down.
-#ifndef ICESCRIPT_HOST_PINS_SERVE_LISTENER_H_
-#define ICESCRIPT_HOST_PINS_SERVE_LISTENER_H_
+// What happens at a served target, and its text outputs.
+#ifndef ICESCRIPT_HOST_PINS_SERVE_WRITERS_H_
+#define ICESCRIPT_HOST_PINS_SERVE_WRITERS_H_
 
 #include <cstddef>
+#include <memory>
+#include <ostream>
 #include <string>
 
+#include "host/events/output.h"
 #include "host/pins/tap_decoder.h"
 
 namespace icehost {
@@ -26,6 +29,11 @@ class ServeListener : public TapListener {
   virtual void OnEnd(const std::string& error) = 0;
 };
 
+// Lines for people, and JSON lines for programs: scans, resets, idle cycles and clients. Both are
+// ServeListeners.
+std::unique_ptr<Output> MakeServeTrace(std::ostream& stream);
+std::unique_ptr<Output> MakeServeJson(std::ostream& stream);
+
 }  // namespace icehost
 
-#endif  // ICESCRIPT_HOST_PINS_SERVE_LISTENER_H_
+#endif  // ICESCRIPT_HOST_PINS_SERVE_WRITERS_H_

@@ -1,0 +1,84 @@
+#include "host/console.h"
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <utility>
+
+#include "host/system/errors.h"
+#include "host/system/file_identity.h"
+#include "host/system/printable.h"
+
+namespace icehost {
+namespace {
+
+constexpr std::chrono::milliseconds kDrawEvery{200};
+constexpr char kEraseLine[] = "\r\033[K";
+
+[[noreturn]] void FailOutput() {
+  throw IoError(fmt::format("standard output: {}", std::strerror(errno)));
+}
+
+void ComplainLine(std::string line) {
+  while (!line.empty() && line.back() == '\n') line.pop_back();
+  // Where standard error takes no more, there is nobody left to tell.
+  std::fputs((Printable(line) + "\n").c_str(), stderr);
+}
+
+}  // namespace
+
+void Complain(const std::string& what) {
+  ComplainLine("icehost: " + what);
+}
+
+Console::Console(const Options& options, Rescue& rescue)
+    : rescue_(rescue),
+      quiet_(options.quiet),
+      show_progress_(options.show_progress),
+      terminal_(isatty(fileno(output_.User())) != 0),
+      shared_(IsSameFile(fileno(output_.User()), STDERR_FILENO)) {}
+
+void Console::Show(const char* message) {
+  Close();
+  if (*message == '\0') return;
+  mid_line_ = !quiet_ && message[std::strlen(message) - 1] != '\n';
+  if (quiet_) return;
+  const std::string printable = terminal_ ? PrintableLines(message) : "";
+  const Rescue::Scope away(rescue_, Rescue::State::kAway);
+  if (std::fputs(terminal_ ? printable.c_str() : message, output_.User()) == EOF) FailOutput();
+}
+
+void Console::Flush() {
+  const Rescue::Scope away(rescue_, Rescue::State::kAway);
+  if (std::fflush(output_.User()) == EOF) FailOutput();
+}
+
+void Console::Say(const std::string& line) {
+  {
+    const Rescue::Scope away(rescue_, Rescue::State::kAway);
+    std::fflush(output_.User());
+  }
+  Close();
+  if (shared_ && std::exchange(mid_line_, false)) std::fputc('\n', stderr);
+  ComplainLine(line);
+}
+
+void Console::CountOperation() {
+  ++operations_;
+  if (!show_progress_ || Clock::now() < next_) return;
+  next_ = Clock::now() + kDrawEvery;
+  const double rate = static_cast<double>(operations_) / Seconds();
+  std::fputs(fmt::format("{}{} operations, {:.0f}/s", kEraseLine, operations_, rate).c_str(),
+             stderr);
+  std::fflush(stderr);
+  drawn_ = true;
+}
+
+void Console::Close() {
+  if (std::exchange(drawn_, false)) std::fputs(kEraseLine, stderr);
+}
+
+}  // namespace icehost

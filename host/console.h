@@ -1,0 +1,66 @@
+// What the user sees of a run while it goes on.
+#ifndef ICESCRIPT_HOST_CONSOLE_H_
+#define ICESCRIPT_HOST_CONSOLE_H_
+
+#include <chrono>
+#include <string>
+
+#include "host/system/captured_output.h"
+#include "host/system/interrupt.h"
+
+namespace icehost {
+
+// icehost's own words, a line on standard error.
+void Complain(const std::string& what);
+
+// Messages go to standard output, icehost's own words and the progress of a long run to standard
+// error. Each line erases the line of progress first. While a user keeps us waiting, the run may be
+// rescued. As long as the console lives, standard output is captured: the plug-in may write to it.
+class Console {
+ public:
+  struct Options {
+    bool quiet;  // standard output stays empty
+    bool show_progress;
+  };
+
+  // `rescue` must outlive the console.
+  Console(const Options& options, Rescue& rescue);
+  ~Console() { Close(); }
+  Console(const Console&) = delete;
+  Console& operator=(const Console&) = delete;
+
+  // Shows a message of the plug-in's; on a terminal without control characters. Throws IoError if
+  // standard output takes no more.
+  void Show(const char* message);
+  // Ends what has been shown so far; throws as Show.
+  void Flush();
+  // Shows a line of icehost's own.
+  void Say(const std::string& line);
+  // Counts an operation, and draws the progress of a run that takes longer than a second.
+  void CountOperation();
+  // Erases the line of progress.
+  void Close();
+
+  // Returns what the plug-in itself has written to standard output since the last call.
+  std::string TakeCaptured() { return output_.Take(); }
+  double Seconds() const { return std::chrono::duration<double>(Clock::now() - start_).count(); }
+
+ private:
+  using Clock = std::chrono::steady_clock;
+
+  Rescue& rescue_;
+  CapturedOutput output_;
+  bool quiet_;
+  bool show_progress_;
+  bool terminal_;
+  bool shared_;            // standard output and standard error are one
+  bool mid_line_ = false;  // the last message has no line feed
+  bool drawn_ = false;     // the line of progress
+  long operations_ = 0;
+  Clock::time_point start_ = Clock::now();
+  Clock::time_point next_ = start_ + std::chrono::seconds(1);  // when progress is drawn
+};
+
+}  // namespace icehost
+
+#endif  // ICESCRIPT_HOST_CONSOLE_H_

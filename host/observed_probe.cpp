@@ -1,0 +1,129 @@
+#include "host/observed_probe.h"
+
+#include <algorithm>
+#include <string>
+#include <utility>
+
+#include "entry/icescript.h"
+#include "host/system/errors.h"
+
+namespace icehost {
+namespace {
+
+// No byte beyond the array.
+std::string RegisterBytes(const std::uint8_t* bytes, int bits) {
+  const int count = std::clamp((bits + 7) / 8, 0, static_cast<int>(JTAG_DR_MAX_BYTES));
+  return {reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(count)};
+}
+
+}  // namespace
+
+void ObservedProbe::Begin(const char* function, bool begins_operation) {
+  begin_step_ = stack_.Steps();
+  events_.BeginCall(function, source_, begins_operation);
+  if (begins_operation) stack_.BeginOperation(source_);
+}
+
+template <class Ask>
+int ObservedProbe::Guard(Ask ask) {
+  ThrowIfInterrupted();
+  int result = -1;
+  try {
+    result = ask();
+  } catch (const Unsupported& error) {
+    events_.Fail(error.what());
+  }
+  events_.LeaveCall();
+  return result;
+}
+
+void ObservedProbe::End(const HostCall& call, int result, std::vector<Comparison> comparisons) {
+  events_.EndCall({call, result, std::move(comparisons), source_, {begin_step_, stack_.Steps()}});
+}
+
+int ObservedProbe::Config(int code, int value) {
+  const bool query = code == LINK_CONFIG_GET_CDI;
+  if (!query) ++counts_.operations;
+  source_ = follower_.NextOperation();
+  const Rescue::Scope working(rescue_, Rescue::State::kWorking);
+  Begin("link_config", false);
+  const int result = Guard([&] { return stack_.Top().Config(code, value); });
+  if (query) wire_mode_ = result;
+  End(ConfigCall{code, value}, result);
+  return result;
+}
+
+int ObservedProbe::Reset(int kind) {
+  ++counts_.operations;
+  source_ = follower_.NextOperation();
+  const Rescue::Scope working(rescue_, Rescue::State::kWorking);
+  Begin("link_reset", true);
+  const int result = Guard([&] { return stack_.Top().Reset(kind); });
+  End(ResetCall{kind}, result);
+  return result;
+}
+
+int ObservedProbe::Insert(int ir_bits, const std::uint8_t* ir, int dr_bits,
+                          const std::uint8_t* dr) {
+  ++counts_.operations;
+  ++counts_.reads;
+  const int extra = wire_mode_ == CDI_ANSWER_2WIRE ? 8 : 0;  // not shifted through the TAP
+  counts_.bits += std::max(ir_bits - extra, 0) + std::max(dr_bits - extra, 0);
+  scan_ = {{ir_bits, RegisterBytes(ir, ir_bits), {}},
+           {dr_bits, RegisterBytes(dr, dr_bits), {}},
+           wire_mode_};
+  const Rescue::Scope working(rescue_, Rescue::State::kWorking);
+  Begin("link_jtag_insert", false);
+  const int result = Guard([&] { return stack_.Top().Insert(ir_bits, ir, dr_bits, dr); });
+  End(InsertCall{&scan_}, result);
+  return result;
+}
+
+int ObservedProbe::Execute(std::uint8_t* capture) {
+  const Rescue::Scope working(rescue_, Rescue::State::kWorking);
+  Begin("link_jtag_execute", true);
+  int result = Guard([&] {
+    const int executed = stack_.Top().Execute(capture);
+    const std::string doubt = stack_.Top().Doubt();
+    if (!doubt.empty()) events_.Doubt(doubt);
+    return executed;
+  });
+  std::vector<Comparison> comparisons;
+  if (result == 0) {
+    KeepCaptured(capture);
+    if (!follower_.CompareScan(scan_, comparisons)) result = -1;
+  }
+  End(ExecuteCall{&scan_}, result, std::move(comparisons));
+  return result;
+}
+
+void ObservedProbe::KeepCaptured(const std::uint8_t* capture) {
+  const int extra = wire_mode_ == CDI_ANSWER_2WIRE ? 1 : 0;
+  const int ir_bits = scan_.ir.bits - 8 * extra;
+  // A length above what two wires allow is limited to the size of the arrays.
+  const int dr_bits = std::min(scan_.dr.bits, 8 * static_cast<int>(JTAG_DR_MAX_BYTES)) - 8 * extra;
+  if (stack_.Top().CapturesIr() && ir_bits <= 8 * kDrCaptureByte) {
+    scan_.ir.out = RegisterBytes(capture, ir_bits);
+  }
+  scan_.dr.out = RegisterBytes(capture + kDrCaptureByte + extra, dr_bits);
+}
+
+int ObservedProbe::Gpio(int out_value, std::uint32_t& data, int oe_mask, int flags) {
+  ++counts_.operations;
+  const bool read = (flags & GPIO_FLAG_READ_IN) != 0;
+  if (read) ++counts_.reads;
+  source_ = follower_.NextPinOperation(data);
+  const Rescue::Scope working(rescue_, Rescue::State::kWorking);
+  Begin("link_gpio_operator", true);
+  int result = Guard([&] { return stack_.Top().Gpio(out_value, data, oe_mask, flags); });
+  GpioCall call = {out_value, oe_mask, flags, {}};
+  std::vector<Comparison> comparisons;
+  if (read && result >= 0) {
+    call.data = static_cast<int>(data);
+    if (!follower_.ComparePins(*call.data, comparisons)) result = -1;
+  }
+  End(call, result, std::move(comparisons));
+  return result;
+}
+
+}  // namespace icehost

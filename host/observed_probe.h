@@ -1,0 +1,58 @@
+// The probe that the plug-in sees: it passes each call on and reports it.
+#ifndef ICESCRIPT_HOST_OBSERVED_PROBE_H_
+#define ICESCRIPT_HOST_OBSERVED_PROBE_H_
+
+#include <cstddef>
+
+#include "host/events/follower.h"
+#include "host/probe/probe.h"
+#include "host/probe_stack.h"
+#include "host/run_events.h"
+#include "host/system/interrupt.h"
+
+namespace icehost {
+
+struct RunCounts {
+  long operations = 0;  // pin operations, scans, resets, wire settings
+  long bits = 0;        // shifted through an IR or DR
+  long reads = 0;       // pin reads, and scans
+};
+
+// A call that the probe refuses with Unsupported returns -1, after the reason was reported; so does
+// a call whose values the follower does not accept. Each call throws Interrupted after a signal.
+class ObservedProbe : public Probe {
+ public:
+  // All must outlive this object.
+  ObservedProbe(ProbeStack& stack, Follower& follower, RunEvents& events, Rescue& rescue)
+      : stack_(stack), follower_(follower), events_(events), rescue_(rescue) {}
+
+  int Config(int code, int value) override;
+  int Reset(int kind) override;
+  int Insert(int ir_bits, const std::uint8_t* ir, int dr_bits, const std::uint8_t* dr) override;
+  int Execute(std::uint8_t* capture) override;
+  int Gpio(int out_value, std::uint32_t& data, int oe_mask, int flags) override;
+  void Flush() override { stack_.Top().Flush(); }
+
+  const RunCounts& Counts() const { return counts_; }
+
+ private:
+  void Begin(const char* function, bool begins_operation);
+  template <class Ask>
+  int Guard(Ask ask);
+  void End(const HostCall& call, int result, std::vector<Comparison> comparisons = {});
+  void KeepCaptured(const std::uint8_t* capture);
+
+  ProbeStack& stack_;
+  Follower& follower_;
+  RunEvents& events_;
+  Rescue& rescue_;
+  CallSource source_;           // of the operation under way
+  std::size_t begin_step_ = 0;  // of the call under way
+  Scan scan_;                   // the one under way
+  int wire_mode_ = 0;
+  RunCounts counts_;
+};
+
+}  // namespace icehost
+
+#endif  // ICESCRIPT_HOST_OBSERVED_PROBE_H_

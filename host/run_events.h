@@ -1,0 +1,86 @@
+// The one place that everything in a run goes through.
+#ifndef ICESCRIPT_HOST_RUN_EVENTS_H_
+#define ICESCRIPT_HOST_RUN_EVENTS_H_
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/console.h"
+#include "host/events/events.h"
+#include "host/pins/recording_port.h"
+#include "host/tables/outputs.h"
+
+namespace icehost {
+
+struct RunScript {
+  const std::string& path;
+  const std::string& name;  // in messages
+  std::string_view content;
+};
+
+// Passes what happens to the outputs and the console, in this order. Messages and errors belong to
+// the script that is under way, and errors also to its call.
+class RunEvents : public StepRecorder {
+ public:
+  // Both must outlive this object. `strict`: a doubt fails the call.
+  RunEvents(Outputs& outputs, Console& console, bool strict)
+      : outputs_(outputs), console_(console), strict_(strict) {}
+
+  // `marks` are the problems that `check` finds in the script.
+  void BeginScript(const RunScript& script, const std::vector<SourceMark>& marks);
+  void EndScript(bool ran);
+  // The script under way, if any, ends without the main thread: says why, except to the outputs on
+  // standard output.
+  void Abandon(const std::string& why);
+
+  // The plug-in makes a call; it may be the first or the only one of an operation. Throws IoError
+  // if the user's standard output takes no more, so that the rest of the script does not run
+  // unseen.
+  void BeginCall(const char* function, const CallSource& source, bool begins_operation);
+  void EndCall(const CallEvent& call);
+  // The call under way has a result, or has thrown.
+  void LeaveCall() { function_ = nullptr; }
+  // A message of the plug-in's. Throws IoError as above.
+  void Message(const char* text);
+  // Passes on what the plug-in has written to standard output itself; throws IoError as above.
+  void Flush();
+
+  // Why the call under way failed, or else the script.
+  void Fail(const std::string& why);
+  // Why the scan of the call under way may have reached no TAP: a warning, once in each script.
+  // Throws Unsupported if doubts are failures.
+  void Doubt(const std::string& why);
+  // Something about a place of the script; a line or column of 0 means there is none.
+  void SayAt(int line, int column, const std::string& what);
+  // Something about the script or the run.
+  void Say(const std::string& what);
+
+  void BeginOperation(const std::string& name, const CallSource& source) override;
+  void Record(const PinStep& step) override;
+
+  // Whether a reason for failing has been given since the script began.
+  bool Explained() const { return explained_; }
+  const std::string& LastMessage() const { return last_message_; }
+
+ private:
+  void Pass(const char* message);
+  void PassCaptured();
+  void Error(const std::string& what, int line, const std::string& shown);
+
+  Outputs& outputs_;
+  Console& console_;
+  bool strict_;
+  std::string name_;
+  bool in_script_ = false;
+  bool parsing_ = false;            // the plug-in has not made a call yet
+  const char* function_ = nullptr;  // of the call under way; null: there is none
+  CallSource source_;
+  bool explained_ = false;
+  bool doubted_ = false;
+  std::string last_message_;
+};
+
+}  // namespace icehost
+
+#endif  // ICESCRIPT_HOST_RUN_EVENTS_H_
