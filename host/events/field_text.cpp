@@ -54,4 +54,9 @@ void AppendText(const Field& field, std::string& text) {
   }
 }
 
+const char* RegisterOf(std::string_view output) {
+  if (output == "ir_out") return "IR ";
+  return output == "dr_out" ? "DR " : "";
+}
+
 }  // namespace icehost

@@ -3,6 +3,7 @@
 #define ICESCRIPT_HOST_EVENTS_FIELD_TEXT_H_
 
 #include <string>
+#include <string_view>
 
 #include "host/events/events.h"
 
@@ -17,6 +18,9 @@ const char* NameOf(const Field& field);
 
 // Appends the value for people: a code by its name, the bits of pins and flags by theirs.
 void AppendText(const Field& field, std::string& text);
+
+// Returns "IR " or "DR " for an output of a scan, and an empty text for the pins.
+const char* RegisterOf(std::string_view output);
 
 }  // namespace icehost
 

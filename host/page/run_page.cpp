@@ -27,12 +27,6 @@ std::string Text(const Field& field) {
   return text;
 }
 
-// "IR" of "ir_out"; pins need no word.
-const char* RegisterOf(std::string_view output) {
-  if (output == "ir_out") return "IR ";
-  return output == "dr_out" ? "DR " : "";
-}
-
 std::string SentByPins(const CallEvent& call) {
   const int flags = call.arguments[2].number;
   const bool start = (flags & GPIO_FLAG_START) != 0;

@@ -1,4 +1,4 @@
-// The pins as a picture: a timing diagram in SVG.
+// Collects a run and draws it, for a page of a document.
 #ifndef ICESCRIPT_HOST_PICTURE_SVG_WRITER_H_
 #define ICESCRIPT_HOST_PICTURE_SVG_WRITER_H_
 
@@ -8,13 +8,12 @@
 
 #include "host/events/events.h"
 #include "host/events/output.h"
-#include "host/picture/svg_run.h"
+#include "host/picture/svg_drawing.h"
 #include "host/pins/recording_port.h"
 
 namespace icehost {
 
-// Collects a run and draws it, for a page of a document. Only the first steps of a long run are
-// kept, as many as an SvgScale may draw, and a note says so.
+// Keeps the first steps of a long run, as many as a picture shows, and the calls in them.
 class SvgWriter : public Output, public StepRecorder, public EventListener {
  public:
   explicit SvgWriter(std::ostream& stream) : stream_(stream) {}
@@ -25,12 +24,13 @@ class SvgWriter : public Output, public StepRecorder, public EventListener {
   void End(const PageHead& head) override;
 
  private:
-  SvgSource SourceOf(const CallEvent& call) const;
-  void KeepOperation(const CallEvent& call);
-  void KeepRead(const CallEvent& call);
+  void KeepOperation(SvgSegment operation);
+  void KeepRead(SvgRead read);
 
   std::ostream& stream_;
   SvgRun run_;
+  std::string script_;  // the path of the one under way
+  bool script_begins_ = false;
   std::vector<Field> sent_;  // the arguments of the scan under way
 };
 
