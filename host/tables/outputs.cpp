@@ -4,7 +4,7 @@
 
 #include "host/events/run_writers.h"
 #include "host/page/page_writer.h"
-#include "host/picture/svg_writer.h"
+#include "host/picture/svg_drawing.h"
 #include "host/pins/vcd_writer.h"
 #include "host/svf/svf_call_writer.h"
 #include "host/svf/svf_pin_writer.h"
@@ -53,7 +53,7 @@ const OutputKind kOutputKinds[kOutputCount] = {
      {"Write calls and messages as JSON lines", Make<MakeJson>},
      {"Write the same as JSON lines", Make<MakeServeJson>}},
     {"--vcd", false, true, kLines, {kVcdHelp, Make<VcdWriter>}, {kVcdHelp, Make<VcdWriter>}},
-    {"--svg", false, true, kNothing, {"Write the waveform as a picture", Make<SvgWriter>}, {}},
+    {"--svg", false, true, kNothing, {"Write the waveform as a picture", Make<MakeSvg>}, {}},
     {"--html",
      false,
      false,
