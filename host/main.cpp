@@ -1,7 +1,7 @@
 // icehost: runs and checks scripts without a debug server.
 #include <exception>
 
-#include "host/options/command_line.h"
+#include "host/options/commands.h"
 #include "host/reporter.h"
 #include "host/system/errors.h"
 #include "host/system/interrupt.h"

@@ -4,29 +4,24 @@
 
 #include <utility>
 
-#include "host/open_probe.h"
-#include "host/system/errors.h"
-
 namespace icehost {
 
-ProbeStack::ProbeStack(const ProbeOptions& options, int wire_mode, bool records_pins)
-    : wire_mode_(wire_mode), two_wire_(options.choice.kind == ProbeChoice::Kind::kSim) {
-  if (records_pins && options.choice.kind == ProbeChoice::Kind::kOpenocd) {
-    throw IoError("OpenOCD shows no pins: no waveform of it");
+ProbeStack::ProbeStack(const ProbeOptions& options, int wire_mode,
+                       const std::vector<StepRecorder*>& recorders, PinProbe::Doubt doubt) {
+  const ProbeKind& kind = *options.kind;
+  if (!kind.ShowsPins()) {
+    probe_ = kind.open_scans(options);
+    return;
   }
-  port_ = OpenPins(options);
-  if (port_ == nullptr) probe_ = OpenOpenocd(options);
-}
-
-Probe& ProbeStack::Build(const std::vector<StepRecorder*>& recorders, PinProbe::Doubt doubt) {
-  if (port_ == nullptr) return *probe_;
-  if (!recorders.empty()) recording_ = std::make_unique<RecordingPort>(*port_, recorders);
+  port_ = kind.open_pins(options);
   PinPort* top = port_.get();
-  if (recording_ != nullptr) top = recording_.get();
-  auto pin_probe = std::make_unique<PinProbe>(*top, wire_mode_, two_wire_, std::move(doubt));
+  if (!recorders.empty()) {
+    recording_ = std::make_unique<RecordingPort>(*port_, recorders);
+    top = recording_.get();
+  }
+  auto pin_probe = std::make_unique<PinProbe>(*top, wire_mode, kind.two_wire, std::move(doubt));
   pin_probe_ = pin_probe.get();
   probe_ = std::move(pin_probe);
-  return *probe_;
 }
 
 void ProbeStack::BeginOperation(const CallSource& source) {

@@ -12,7 +12,6 @@
 
 #include "host/check/check.h"
 #include "host/check/learn.h"
-#include "host/page_head.h"
 #include "host/system/errors.h"
 #include "host/system/interrupt.h"
 #include "host/system/memory_file.h"
@@ -26,6 +25,19 @@ Follower::Mode ModeOf(const RunCommand& command) {
   return command.keep_going ? Follower::Mode::kKeepGoing : Follower::Mode::kFail;
 }
 
+const char* ResultText(ExitStatus status) {
+  switch (status) {
+    case kAllWell:
+      return "passed";
+    case kInterrupted:
+      return "interrupted";
+    case kNotOpened:
+      return "broken off";
+    default:
+      return "failed";
+  }
+}
+
 }  // namespace
 
 Runner* Runner::running = nullptr;
@@ -33,18 +45,18 @@ Runner* Runner::running = nullptr;
 Runner::Runner(const RunCommand& command)
     : command_(command),
       plugin_(command.plugin),
-      stack_(command.probe, command.wire_mode, NeedPins(command.outputs)),
-      outputs_(command.outputs, &OutputKind::run, stack_.ShowsPins()),
+      outputs_(command.outputs, &OutputKind::run, *command.probe.kind),
       reporter_(outputs_.listeners, work_,
-                {command.quiet, !command.quiet && command.outputs[0] != kStandardError &&
+                {command.quiet, !command.quiet && !UseStandardError(command.outputs) &&
                                     isatty(STDERR_FILENO) != 0}),
       follower_(ModeOf(command),
                 [this](Place place, const std::string& what) {
                   explained_ = true;
                   reporter_.SayAt(place.line, place.column, what);
                 }),
-      observed_(stack_.Build(outputs_.recorders, [this](const std::string& why) { OnDoubt(why); }),
-                follower_, outputs_.listeners,
+      stack_(command.probe, command.wire_mode, outputs_.recorders,
+             [this](const std::string& why) { OnDoubt(why); }),
+      observed_(stack_.Top(), follower_, outputs_.listeners,
                 {[this](const std::string& why) { SayOfCall(why); },
                  [this](bool begins) { OnCall(begins); }, [this] { return stack_.Steps(); }}) {
   if (!command.learn.empty()) {
@@ -216,7 +228,16 @@ void Runner::TellSource(Script& script) {
 }
 
 PageHead Runner::Head(ExitStatus status) const {
-  return RunHead(command_, {status, begun_, Counts(), reporter_.Seconds()});
+  const auto& scripts = command_.scripts;
+  const auto rest = scripts.begin() + static_cast<std::ptrdiff_t>(begun_);
+  PageHead head = {fmt::format("{}", fmt::join(scripts, ", ")), ResultText(status),
+                   status == kAllWell, HeadEntries(command_.probe, Counts(), reporter_.Seconds())};
+  head.entries.emplace_back("Plug-in", command_.plugin);
+  if (rest != scripts.end()) {
+    head.entries.emplace_back("Not played",
+                              fmt::format("{}", fmt::join(rest, scripts.end(), ", ")));
+  }
+  return head;
 }
 
 std::string Runner::Counts() const {

@@ -9,7 +9,6 @@
 #include "host/events/follower.h"
 #include "host/events/observed_probe.h"
 #include "host/options/commands.h"
-#include "host/options/exit_status.h"
 #include "host/probe/plugin.h"
 #include "host/probe_stack.h"
 #include "host/reporter.h"
@@ -59,11 +58,11 @@ class Runner {
   const RunCommand& command_;
   WorkLock work_;
   Plugin plugin_;
-  ProbeStack stack_;
   Outputs outputs_;
   OutputFile* learned_ = nullptr;  // of the outputs'
   Reporter reporter_;
   Follower follower_;
+  ProbeStack stack_;
   ObservedProbe observed_;
   std::size_t begun_ = 0;   // scripts
   bool doubted_ = false;    // in this script

@@ -3,7 +3,6 @@
 #define ICESCRIPT_HOST_VERBS_H_
 
 #include "host/options/commands.h"
-#include "host/options/exit_status.h"
 
 namespace icehost {
 

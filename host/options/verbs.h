@@ -1,4 +1,4 @@
-// The verbs' options: each function adds a verb that fills in its command.
+// The verbs' options.
 #ifndef ICESCRIPT_HOST_OPTIONS_VERBS_H_
 #define ICESCRIPT_HOST_OPTIONS_VERBS_H_
 
@@ -8,11 +8,12 @@
 
 namespace icehost {
 
-void AddRun(CLI::App& app, RunCommand& run);
-void AddCheck(CLI::App& app, CheckCommand& check);
-void AddImport(CLI::App& app, ImportCommand& import);
-void AddServe(CLI::App& app, ServeCommand& serve);
-void AddDetect(CLI::App& app, DetectCommand& detect);
+// Each adds a verb, which fills in its command.
+CLI::App& AddVerb(CLI::App& app, RunCommand& run);
+CLI::App& AddVerb(CLI::App& app, CheckCommand& check);
+CLI::App& AddVerb(CLI::App& app, DetectCommand& detect);
+CLI::App& AddVerb(CLI::App& app, ImportCommand& import);
+CLI::App& AddVerb(CLI::App& app, ServeCommand& serve);
 
 }  // namespace icehost
 
