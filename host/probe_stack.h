@@ -22,11 +22,11 @@ class ProbeStack {
 
   // The probe, with its pins recorded.
   Probe& Top() { return *probe_; }
-  // An operation of the script begins.
+  // Marks the step that follows as the first of an operation of the script.
   void BeginOperation(const CallSource& source);
   // The number of writes to the pins, including those that the recorders are yet to see.
   std::size_t Steps() const { return recording_ != nullptr ? recording_->Steps() : 0; }
-  // Unknown where the probe does not show its pins.
+  // The cycles of TCK so far; unknown where the probe does not show its pins.
   std::optional<long> TckCycles() const;
 
  private:

@@ -10,7 +10,7 @@
 
 #include "host/check/near_words.h"
 #include "host/check/remarks.h"
-#include "host/options/verbs.h"
+#include "host/options/verb_options.h"
 #include "host/system/printable.h"
 
 namespace icehost {

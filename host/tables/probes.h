@@ -18,7 +18,8 @@ namespace icehost {
 
 struct ProbeOptions;
 
-// Functions that reach a probe connect where it is across a network; they throw IoError.
+// A row: it sets the members that are not as below. Functions that reach a probe connect where it
+// is across a network, and throw IoError.
 struct ProbeKind {
   using OpenPins = std::unique_ptr<PinPort> (*)(const ProbeOptions& options);
 
@@ -29,7 +30,7 @@ struct ProbeKind {
   bool two_wire = false;               // has the 2-wire interface
   // Reads the address; throws std::invalid_argument that says what is expected.
   void (*parse)(const std::string& address, ProbeOptions& options) = nullptr;
-  // Describes the probe for the head of a page.
+  // Describes the probe for the head of a page; every row has it.
   std::string (*describe)(const ProbeOptions& options) = nullptr;
   // Opens the pins for scripts. Null where the probe shows none.
   OpenPins open_pins = nullptr;
@@ -38,6 +39,7 @@ struct ProbeKind {
   OpenPins open_served = nullptr;
   // Opens a probe that shows no pins.
   std::unique_ptr<Probe> (*open_scans)(const ProbeOptions& options) = nullptr;
+  // Reads the chain; every row has it. Throws Unsupported where the probe says nothing of it.
   Chain (*read_chain)(const ProbeOptions& options) = nullptr;
   // Returns the one TAP that scripts scan; throws Unsupported where the options leave it open. Null
   // where scripts scan the whole chain.

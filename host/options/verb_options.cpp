@@ -1,4 +1,4 @@
-#include "host/options/verbs.h"
+#include "host/options/verb_options.h"
 
 #include <algorithm>
 #include <functional>
@@ -101,7 +101,8 @@ OutputRequests RequestsOf(const CLI::App& verb) {
     if (option == nullptr || option->empty()) continue;
     OutputRequest& request = requests.emplace_back(OutputRequest{&kind, {}});
     const auto path = option->as<std::string>();
-    if (!kind.file_may_lack || path != "true") request.path = path;
+    const bool lacks = kind.file_may_lack && path == "true";  // CLI11's value of a flag without one
+    if (!lacks) request.path = path;
   }
   return requests;
 }

@@ -1,6 +1,6 @@
 // The verbs' options.
-#ifndef ICESCRIPT_HOST_OPTIONS_VERBS_H_
-#define ICESCRIPT_HOST_OPTIONS_VERBS_H_
+#ifndef ICESCRIPT_HOST_OPTIONS_VERB_OPTIONS_H_
+#define ICESCRIPT_HOST_OPTIONS_VERB_OPTIONS_H_
 
 #include <CLI/CLI.hpp>
 
@@ -17,4 +17,4 @@ CLI::App& AddVerb(CLI::App& app, ServeCommand& serve);
 
 }  // namespace icehost
 
-#endif  // ICESCRIPT_HOST_OPTIONS_VERBS_H_
+#endif  // ICESCRIPT_HOST_OPTIONS_VERB_OPTIONS_H_
