@@ -16,6 +16,11 @@
 namespace icehost {
 namespace {
 
+std::unique_ptr<PinPort> OpenServed(const ProbeOptions& probe) {
+  const ProbeKind& kind = *probe.kind;
+  return (kind.open_served != nullptr ? kind.open_served : kind.open_pins)(probe);
+}
+
 class Serving : private BitbangServer::Observer {
  public:
   // Opens everything. Throws IoError, or Interrupted.
@@ -23,7 +28,7 @@ class Serving : private BitbangServer::Observer {
       : command_(command),
         outputs_(command.outputs, &OutputKind::serve, *command.probe.kind),
         decoder_({outputs_.serve_listeners.begin(), outputs_.serve_listeners.end()}),
-        port_(command.probe.kind->open_served(command.probe)),
+        port_(OpenServed(command.probe)),
         listener_(command.endpoint) {}
 
   ExitStatus Run();

@@ -166,7 +166,7 @@ void CompleteServe(const CLI::App& verb, ServeCommand& serve) {
   serve.outputs = RequestsOf(verb);
   Refuse("", [&serve] { RefuseSharedFiles(NamedIn(serve.outputs), {}); });
   if (serve.verbose && serve.quiet) throw CLI::ValidationError("--verbose", "is against --quiet");
-  if (kind.open_served == nullptr) {
+  if (!kind.ShowsPins()) {
     throw CLI::ValidationError(
         "--probe",
         std::string(kind.title) + " takes whole scans, and a client of serve sets single pins");

@@ -52,7 +52,6 @@ ProbeKind Sim() {
   row.two_wire = true;
   row.describe = DescribeTarget;
   row.open_pins = OpenSim;
-  row.open_served = OpenSim;
   row.read_chain = ReadPins;
   return row;
 }
@@ -193,7 +192,7 @@ std::string ServedProbeHelp() {
   const ProbeKind& first = ProbeKinds().front();
   Texts others;
   for (const ProbeKind& kind : ProbeKinds()) {
-    if (kind.open_served != nullptr && &kind != &first) AppendForms(kind, others);
+    if (kind.ShowsPins() && &kind != &first) AppendForms(kind, others);
   }
   return fmt::format(
       "What is served: {} (the default), or another server, to which everything is passed on:\n{}",

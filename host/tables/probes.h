@@ -34,8 +34,7 @@ struct ProbeKind {
   std::string (*describe)(const ProbeOptions& options) = nullptr;
   // Opens the pins for scripts. Null where the probe shows none.
   OpenPins open_pins = nullptr;
-  // Opens the pins for a client of serve, which alone drives them. Null where serve refuses the
-  // probe.
+  // Opens the pins for a client of serve, which alone drives them. Null where open_pins will do.
   OpenPins open_served = nullptr;
   // Opens a probe that shows no pins.
   std::unique_ptr<Probe> (*open_scans)(const ProbeOptions& options) = nullptr;
