@@ -25,9 +25,8 @@
 #include "host/check/check.h"
 #include "host/check/check_stream.h"
 #include "host/check/learn.h"
+#include "host/pins/pin_writers.h"
 #include "host/pins/recording_port.h"
-#include "host/pins/serve_writers.h"
-#include "host/pins/vcd_writer.h"
 #include "host/probe/bitbang_port.h"
 #include "host/probe/bitbang_server.h"
 #include "host/probe/openocd_probe.h"
@@ -132,12 +131,13 @@ std::string ServeRecorded(std::string_view bytes) {
   std::ostringstream text;
   const auto trace = icehost::MakeServeTrace(text);
   const auto json = icehost::MakeServeJson(text);
-  icehost::VcdWriter vcd(text);
+  const auto vcd = icehost::MakeVcd(text);
   icehost::TapDecoder to_trace({dynamic_cast<icehost::ServeListener*>(trace.get())});
   icehost::TapDecoder to_json({dynamic_cast<icehost::ServeListener*>(json.get())});
   StepCounter counter;
   icehost::SimPort port{icehost::TargetOptions{}};
-  icehost::RecordingPort recording(port, {&counter, &vcd, &to_trace, &to_json});
+  icehost::RecordingPort recording(
+      port, {&counter, dynamic_cast<icehost::StepRecorder*>(vcd.get()), &to_trace, &to_json});
   icehost::BitbangSession session(recording);
   std::string answers;
   session.Feed(bytes, answers);

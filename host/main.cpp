@@ -2,7 +2,7 @@
 #include <exception>
 
 #include "host/console.h"
-#include "host/options/command_line.h"
+#include "host/options/commands.h"
 #include "host/system/errors.h"
 #include "host/system/interrupt.h"
 #include "host/system/standard_streams.h"

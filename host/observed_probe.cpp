@@ -1,10 +1,13 @@
 #include "host/observed_probe.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <string>
 #include <utility>
 
 #include "entry/icescript.h"
+#include "host/probe/pin_probe.h"
 #include "host/system/errors.h"
 
 namespace icehost {
@@ -18,10 +21,30 @@ std::string RegisterBytes(const std::uint8_t* bytes, int bits) {
 
 }  // namespace
 
+ObservedProbe::ObservedProbe(const ProbeOptions& options, int wire_mode, bool record_steps,
+                             Follower& follower, RunEvents& events, Rescue& rescue)
+    : follower_(follower), events_(events), rescue_(rescue) {
+  const ProbeKind& kind = *options.kind;
+  if (!kind.ShowsPins()) {
+    probe_ = kind.open_scans(options);
+    return;
+  }
+  port_ = kind.open_pins(options);
+  PinPort* top = port_.get();
+  if (record_steps) {
+    recording_ = std::make_unique<RecordingPort>(*port_, std::vector<StepRecorder*>{&events});
+    top = recording_.get();
+  }
+  probe_ = std::make_unique<PinProbe>(*top, wire_mode, kind.two_wire);
+}
+
 void ObservedProbe::Begin(const char* function, bool begins_operation) {
-  begin_step_ = stack_.Steps();
+  begin_step_ = Steps();
   events_.BeginCall(function, source_, begins_operation);
-  if (begins_operation) stack_.BeginOperation(source_);
+  if (!begins_operation || recording_ == nullptr) return;
+  recording_->BeginOperation(source_.section != nullptr ? fmt::format("[{}]", *source_.section)
+                                                        : fmt::format("line {}", source_.line),
+                             source_);
 }
 
 template <class Ask>
@@ -38,7 +61,7 @@ int ObservedProbe::Guard(Ask ask) {
 }
 
 void ObservedProbe::End(const HostCall& call, int result, std::vector<Comparison> comparisons) {
-  events_.EndCall({call, result, std::move(comparisons), source_, {begin_step_, stack_.Steps()}});
+  events_.EndCall({call, result, std::move(comparisons), source_, {begin_step_, Steps()}});
 }
 
 int ObservedProbe::Config(int code, int value) {
@@ -47,7 +70,7 @@ int ObservedProbe::Config(int code, int value) {
   source_ = follower_.NextOperation();
   const Rescue::Scope working(rescue_, Rescue::State::kWorking);
   Begin("link_config", false);
-  const int result = Guard([&] { return stack_.Top().Config(code, value); });
+  const int result = Guard([&] { return probe_->Config(code, value); });
   if (query) wire_mode_ = result;
   End(ConfigCall{code, value}, result);
   return result;
@@ -58,7 +81,7 @@ int ObservedProbe::Reset(int kind) {
   source_ = follower_.NextOperation();
   const Rescue::Scope working(rescue_, Rescue::State::kWorking);
   Begin("link_reset", true);
-  const int result = Guard([&] { return stack_.Top().Reset(kind); });
+  const int result = Guard([&] { return probe_->Reset(kind); });
   End(ResetCall{kind}, result);
   return result;
 }
@@ -74,7 +97,7 @@ int ObservedProbe::Insert(int ir_bits, const std::uint8_t* ir, int dr_bits,
            wire_mode_};
   const Rescue::Scope working(rescue_, Rescue::State::kWorking);
   Begin("link_jtag_insert", false);
-  const int result = Guard([&] { return stack_.Top().Insert(ir_bits, ir, dr_bits, dr); });
+  const int result = Guard([&] { return probe_->Insert(ir_bits, ir, dr_bits, dr); });
   End(InsertCall{&scan_}, result);
   return result;
 }
@@ -83,8 +106,8 @@ int ObservedProbe::Execute(std::uint8_t* capture) {
   const Rescue::Scope working(rescue_, Rescue::State::kWorking);
   Begin("link_jtag_execute", true);
   int result = Guard([&] {
-    const int executed = stack_.Top().Execute(capture);
-    const std::string doubt = stack_.Top().Doubt();
+    const int executed = probe_->Execute(capture);
+    const std::string doubt = probe_->Doubt();
     if (!doubt.empty()) events_.Doubt(doubt);
     return executed;
   });
@@ -102,7 +125,7 @@ void ObservedProbe::KeepCaptured(const std::uint8_t* capture) {
   const int ir_bits = scan_.ir.bits - 8 * extra;
   // A length above what two wires allow is limited to the size of the arrays.
   const int dr_bits = std::min(scan_.dr.bits, 8 * static_cast<int>(JTAG_DR_MAX_BYTES)) - 8 * extra;
-  if (stack_.Top().CapturesIr() && ir_bits <= 8 * kDrCaptureByte) {
+  if (probe_->CapturesIr() && ir_bits <= 8 * kDrCaptureByte) {
     scan_.ir.out = RegisterBytes(capture, ir_bits);
   }
   scan_.dr.out = RegisterBytes(capture + kDrCaptureByte + extra, dr_bits);
@@ -115,7 +138,7 @@ int ObservedProbe::Gpio(int out_value, std::uint32_t& data, int oe_mask, int fla
   source_ = follower_.NextPinOperation(data);
   const Rescue::Scope working(rescue_, Rescue::State::kWorking);
   Begin("link_gpio_operator", true);
-  int result = Guard([&] { return stack_.Top().Gpio(out_value, data, oe_mask, flags); });
+  int result = Guard([&] { return probe_->Gpio(out_value, data, oe_mask, flags); });
   GpioCall call = {out_value, oe_mask, flags, {}};
   std::vector<Comparison> comparisons;
   if (read && result >= 0) {

@@ -3,12 +3,17 @@
 #define ICESCRIPT_HOST_OBSERVED_PROBE_H_
 
 #include <cstddef>
+#include <memory>
+#include <optional>
+#include <vector>
 
 #include "host/events/follower.h"
+#include "host/pins/recording_port.h"
+#include "host/probe/pin_port.h"
 #include "host/probe/probe.h"
-#include "host/probe_stack.h"
 #include "host/run_events.h"
 #include "host/system/interrupt.h"
+#include "host/tables/probes.h"
 
 namespace icehost {
 
@@ -22,27 +27,34 @@ struct RunCounts {
 // a call whose values the follower does not accept. Each call throws Interrupted after a signal.
 class ObservedProbe : public Probe {
  public:
-  // All must outlive this object.
-  ObservedProbe(ProbeStack& stack, Follower& follower, RunEvents& events, Rescue& rescue)
-      : stack_(stack), follower_(follower), events_(events), rescue_(rescue) {}
+  // Opens the probe, connecting to it if it is across a network; throws IoError. `wire_mode` is the
+  // CDI_ANSWER_ in force at the start. The steps of its pins go to `events` if `record_steps`. All
+  // references must stay valid.
+  ObservedProbe(const ProbeOptions& options, int wire_mode, bool record_steps, Follower& follower,
+                RunEvents& events, Rescue& rescue);
 
   int Config(int code, int value) override;
   int Reset(int kind) override;
   int Insert(int ir_bits, const std::uint8_t* ir, int dr_bits, const std::uint8_t* dr) override;
   int Execute(std::uint8_t* capture) override;
   int Gpio(int out_value, std::uint32_t& data, int oe_mask, int flags) override;
-  void Flush() override { stack_.Top().Flush(); }
+  void Flush() override { probe_->Flush(); }
+  std::optional<long> TckCycles() const override { return probe_->TckCycles(); }
 
   const RunCounts& Counts() const { return counts_; }
 
  private:
+  // Writes to the pins so far, including those that the recorders have not seen yet.
+  std::size_t Steps() const { return recording_ != nullptr ? recording_->Steps() : 0; }
   void Begin(const char* function, bool begins_operation);
   template <class Ask>
   int Guard(Ask ask);
   void End(const HostCall& call, int result, std::vector<Comparison> comparisons = {});
   void KeepCaptured(const std::uint8_t* capture);
 
-  ProbeStack& stack_;
+  std::unique_ptr<PinPort> port_;             // null if the probe shows no pins
+  std::unique_ptr<RecordingPort> recording_;  // null if nothing records them
+  std::unique_ptr<Probe> probe_;
   Follower& follower_;
   RunEvents& events_;
   Rescue& rescue_;

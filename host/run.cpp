@@ -16,10 +16,8 @@
 #include "host/colour.h"
 #include "host/console.h"
 #include "host/events/follower.h"
-#include "host/observed_probe.h"
-#include "host/page_head.h"
 #include "host/probe/plugin.h"
-#include "host/probe_stack.h"
+#include "host/probe_probe.h"
 #include "host/run_events.h"
 #include "host/system/errors.h"
 #include "host/system/interrupt.h"
@@ -112,13 +110,12 @@ class Runner {
 
   const RunCommand& command_;
   Plugin plugin_;
-  ProbeStack stack_;
   Outputs outputs_;
   OutputFile* learned_ = nullptr;  // one of the outputs' files
   Console console_;
   RunEvents events_;
   Follower follower_;
-  ObservedProbe observed_;
+  ObservedProbe probe_;
   std::size_t begun_ = 0;  // scripts
   bool ran_ = false;       // this script, to its end
   std::string summary_;    // the results of the expectations
@@ -131,8 +128,21 @@ Follower::Mode ModeOf(const RunCommand& command) {
 }
 
 Console::Options ConsoleOptions(const RunCommand& command) {
-  const bool traces = command.outputs[0] == kStandardError;
-  return {command.quiet, !command.quiet && !traces && isatty(STDERR_FILENO) != 0};
+  const bool shares = UseStandardError(command.outputs);
+  return {command.quiet, !command.quiet && !shares && isatty(STDERR_FILENO) != 0};
+}
+
+const char* ResultText(ExitStatus status) {
+  switch (status) {
+    case kAllWell:
+      return "passed";
+    case kInterrupted:
+      return "interrupted";
+    case kNotOpened:
+      return "broken off";
+    default:
+      return "failed";
+  }
 }
 
 Runner* Runner::running = nullptr;
@@ -140,15 +150,13 @@ Runner* Runner::running = nullptr;
 Runner::Runner(const RunCommand& command)
     : command_(command),
       plugin_(command.plugin),
-      stack_(command.probe, command.wire_mode, NeedPins(command.outputs)),
-      outputs_(command.outputs, &OutputKind::run, stack_.ShowsPins()),
+      outputs_(command.outputs, &OutputKind::run, *command.probe.kind),
       console_(ConsoleOptions(command), rescue_),
       events_(outputs_, console_, command.strict),
       follower_(ModeOf(command)),
-      observed_(stack_, follower_, events_, rescue_),
+      probe_(command.probe, command.wire_mode, !outputs_.recorders.empty(), follower_, events_,
+             rescue_),
       rescue_(Rescue::State::kWorking, [this] { Abandon(); }) {
-  stack_.Build(outputs_.recorders.empty() ? std::vector<StepRecorder*>()
-                                          : std::vector<StepRecorder*>{&events_});
   if (!command.learn.empty()) {
     learned_ = &outputs_.Add(command.learn, OutputFile::Rest::kNothing);
   }
@@ -207,7 +215,7 @@ bool Runner::Play(Script& script) {
   // A long script need not be there twice.
   if (command_.learn.empty()) script.text.reset();
   const bool ran = RunPlugin(copy.Path());
-  observed_.Flush();
+  probe_.Flush();
   events_.Flush();
   return ran;
 }
@@ -254,7 +262,7 @@ std::string Runner::WhyFailed(const Script& script) const {
 
 bool Runner::RunPlugin(const std::string& path) {
   const Rescue::Scope away(rescue_, Rescue::State::kAway);
-  return plugin_.Run(observed_, path, Show);
+  return plugin_.Run(probe_, path, Show);
 }
 
 int Runner::Show(const char* message) {
@@ -279,12 +287,21 @@ void Runner::Abandon() {
 }
 
 PageHead Runner::Head(ExitStatus status) const {
-  return RunHead(command_, {status, begun_, Counts(), console_.Seconds()});
+  const auto& scripts = command_.scripts;
+  const auto rest = scripts.begin() + static_cast<std::ptrdiff_t>(begun_);
+  PageHead head = {fmt::format("{}", fmt::join(scripts, ", ")), ResultText(status),
+                   status == kAllWell, HeadEntries(command_.probe, Counts(), console_.Seconds())};
+  head.entries.emplace_back("Plug-in", command_.plugin);
+  if (rest != scripts.end()) {
+    head.entries.emplace_back("Not played",
+                              fmt::format("{}", fmt::join(rest, scripts.end(), ", ")));
+  }
+  return head;
 }
 
 std::string Runner::Counts() const {
-  const RunCounts& counts = observed_.Counts();
-  const std::optional<long> cycles = stack_.TckCycles();
+  const RunCounts& counts = probe_.Counts();
+  const std::optional<long> cycles = probe_.TckCycles();
   return fmt::format("operations {}, TCK cycles {}, bits shifted {}, reads {}, {:.3f} s",
                      counts.operations, cycles.has_value() ? std::to_string(*cycles) : "unknown",
                      counts.bits, counts.reads, console_.Seconds());

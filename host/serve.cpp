@@ -6,8 +6,7 @@
 #include <vector>
 
 #include "host/console.h"
-#include "host/open_probe.h"
-#include "host/page_head.h"
+#include "host/pins/recording_port.h"
 #include "host/pins/tap_decoder.h"
 #include "host/probe/bitbang_server.h"
 #include "host/system/errors.h"
@@ -17,14 +16,19 @@
 namespace icehost {
 namespace {
 
+std::unique_ptr<PinPort> OpenServed(const ProbeOptions& probe) {
+  const ProbeKind& kind = *probe.kind;
+  return (kind.open_served != nullptr ? kind.open_served : kind.open_pins)(probe);
+}
+
 class Serving : private BitbangServer::Observer {
  public:
   // Opens everything. Throws IoError, or Interrupted.
   explicit Serving(const ServeCommand& command)
       : command_(command),
-        outputs_(command.outputs, &OutputKind::serve, true),
+        outputs_(command.outputs, &OutputKind::serve, *command.probe.kind),
         decoder_({outputs_.serve_listeners.begin(), outputs_.serve_listeners.end()}),
-        port_(OpenPins(command.probe, BitbangPort::Manner::kProxy)),
+        port_(OpenServed(command.probe)),
         listener_(command.endpoint) {}
 
   ExitStatus Run();
@@ -66,11 +70,10 @@ ExitStatus Serving::Run() {
 
 PageHead Serving::Head(const std::string& error) const {
   const std::chrono::duration<double> served = std::chrono::steady_clock::now() - start_;
-  return ServeHead(command_,
-                   {listener_.Name(), error,
-                    fmt::format("clients {}, scans {}, steps {}, {:.3f} s", client_.number,
-                                decoder_.Scans(), Steps(), served.count()),
-                    served.count()});
+  const std::string counts = fmt::format("clients {}, scans {}, steps {}, {:.3f} s", client_.number,
+                                         decoder_.Scans(), Steps(), served.count());
+  return {"serve " + listener_.Name(), error.empty() ? "ended" : "broken off", error.empty(),
+          HeadEntries(command_.probe, counts, served.count())};
 }
 
 PinPort& Serving::Begin() {

@@ -44,6 +44,9 @@ VERBS = re.findall(r"^  (\w+) ", HELP.partition("Verbs:")[2], re.M)
 VERB_HELP = {verb: output(ICEHOST, "help", verb) for verb in VERBS}
 GLOBAL = options_in(HELP)
 OPTIONS = {verb: options_in(text) for verb, text in VERB_HELP.items()}
+PROBE_HELP = {verb: " ".join(found[1].split()) for verb, text in VERB_HELP.items()
+              if (found := re.search(r"--probe PROBE (.*?)\n  -", text, re.S))}
+PROBES = re.split(", | or ", PROBE_HELP["run"].replace(" (the default)", ""))
 
 
 def heads_of(options):
@@ -66,9 +69,8 @@ def check_page():
         hold(f"options of {verb}", options[verb], heads_of(own))
     usages = re.findall("usage: (.*)", "".join(VERB_HELP.values()).lower().replace("...", " ..."))
     hold("synopsis", heads["SYNOPSIS"][:-2], usages)
-    probes = re.findall(r"sim\b|[a-z-]+:[\w:\[\]]+", VERB_HELP["run"].partition("PROBE ")[2])
-    hold("probes", [head.split()[0] for head in heads["PROBES"]][:len(probes)],
-         [probe.lower() for probe in probes])
+    hold("probes", [head.split()[0] for head in heads["PROBES"]][:len(PROBES)],
+         [probe.lower() for probe in PROBES])
     defaults = re.findall(r"\(default (\w+)\)", "".join(VERB_HELP.values()))
     hold("defaults", set(re.findall(r"default\s+is\s+(\d\w*)\.", page)), set(defaults))
     hold("statuses", [head.split()[0] for head in heads["EXIT STATUS"]],
@@ -107,10 +109,8 @@ SHELLS = {
         source '{SOURCE}/host/completions/icehost.fish'; icehost"""),
 }
 FILES = {"two words.ini", "folder"}
-PROBES = {"sim", "remote-bitbang:", "remote-bitbang:unix:"}
-VALUES = {"PROBE": PROBES | {"openocd:"}, "MODE": {"jtag5", "2wire", "cjtag2"},
-          "[KIND]": {"jtag", "gpio"}, "FILE": FILES, "MIB": set(), "SECONDS": set(), "N": set(),
-          "HEX": set(), "IR:BITS[=HEX]": set()}
+VALUES = {"MODE": {"jtag5", "2wire", "cjtag2"}, "[KIND]": {"jtag", "gpio"}, "FILE": FILES,
+          "MIB": set(), "SECONDS": set(), "N": set(), "HEX": set(), "IR:BITS[=HEX]": set()}
 OPERANDS = {"run": FILES, "check": FILES, "import": FILES, "serve": {"tcp:", "unix:"},
             "help": set(VERBS)}
 OFFERED = {
@@ -124,9 +124,11 @@ for verb, options in OPTIONS.items():
     for name, value in ((name, value) for names, value in options.items() for name in names):
         if value == "=[FILE]":
             OFFERED[f"{verb} {name} "] = OPERANDS[verb]
+        elif value == "PROBE":
+            OFFERED[f"{verb} -q {name} "] = {re.sub("[A-Z].*", "", probe) for probe in PROBES
+                                             if probe in PROBE_HELP[verb]}
         elif value:
             OFFERED[f"{verb} -q {name} "] = VALUES[value]
-OFFERED["serve -q --probe "] = PROBES
 # Keys, and the words that they make of the line; a tab completes.
 TYPED = {
     "run tw\t": ["run", "two words.ini"],

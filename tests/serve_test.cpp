@@ -3,7 +3,7 @@
 
 #include <sstream>
 
-#include "host/pins/serve_writers.h"
+#include "host/pins/pin_writers.h"
 #include "host/probe/bitbang_server.h"
 #include "host/probe/sim_port.h"
 

@@ -1,14 +1,16 @@
-#include "host/options/command_line.h"
+#include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstdio>
 #include <iostream>
+#include <map>
 #include <sstream>
+#include <utility>
 
-#include "host/options/shared_files.h"
-#include "host/options/verbs.h"
-#include "host/options/words.h"
-#include "host/probe/plugin.h"
+#include "host/check/near_words.h"
+#include "host/check/remarks.h"
+#include "host/options/verb_options.h"
 #include "host/system/printable.h"
 
 namespace icehost {
@@ -23,6 +25,95 @@ constexpr char kFooter[] =
     "standard\n"
     "output, everything else of icehost's own to standard error.";
 
+using Texts = std::vector<std::string>;
+
+constexpr const char* kHelp = "help";
+
+// No option before the verb takes a value.
+Texts::iterator FindVerb(Texts& words) {
+  return std::find_if(words.begin(), words.end(), [](const std::string& word) {
+    return word.empty() || word.front() != '-' || word == "--";
+  });
+}
+
+Texts VerbsOf(const CLI::App& app) {
+  Texts verbs;
+  for (const CLI::App* const verb : app.get_subcommands({})) verbs.push_back(verb->get_name());
+  return verbs;
+}
+
+void AppendOptions(const CLI::App& app, Texts& options) {
+  for (const CLI::Option* const option : app.get_options()) {
+    for (const std::string& name : option->get_lnames()) options.push_back("--" + name);
+    for (const std::string& name : option->get_snames()) options.push_back("-" + name);
+  }
+}
+
+// " (did you mean check?)" where a known word is near; else nothing.
+std::string Hint(const std::string& word, const Texts& known) {
+  // A single letter is near any other.
+  if (word.size() > 1 && word[0] == '-' && word[1] != '-') return "";
+  return InParentheses(DidYouMean(Nearest(word, Words(known.begin(), known.end()))));
+}
+
+bool Contains(const Texts& words, const std::string& word) {
+  return std::find(words.begin(), words.end(), word) != words.end();
+}
+
+void PutOptionForHelp(Texts& words) {
+  auto verb = FindVerb(words);
+  if (verb == words.end() || *verb != kHelp) return;
+  while (verb != words.end() && *verb == kHelp) {
+    words.erase(verb);
+    verb = FindVerb(words);
+  }
+  words.insert(verb == words.end() ? verb : verb + 1, "--help");
+}
+
+void RefuseUnknownVerb(const CLI::App& app, Texts& words) {
+  const auto verb = FindVerb(words);
+  Texts known = VerbsOf(app);
+  if (verb == words.end() || *verb == "--" || Contains(known, *verb)) return;
+  known.emplace_back(kHelp);
+  throw CLI::ValidationError(fmt::format("unknown verb \"{}\"{}", *verb, Hint(*verb, known)));
+}
+
+void RefuseUnknownOption(const CLI::App& app) {
+  Texts before;
+  AppendOptions(app, before);
+  Texts behind;
+  for (const CLI::App* const verb : app.get_subcommands()) AppendOptions(*verb, behind);
+  for (const std::string& word : app.remaining(true)) {
+    if (word.size() < 2 || word.front() != '-' || word == "--") continue;
+    const std::string option = word.substr(0, word.find('='));
+    for (const auto& [known, place] : {std::pair{before, "before"}, std::pair{behind, "behind"}}) {
+      if (!Contains(known, option)) continue;
+      throw CLI::ValidationError(fmt::format("option \"{}\" stands {} the verb", option, place));
+    }
+    Texts& known = behind.empty() ? before : behind;
+    throw CLI::ValidationError(fmt::format("unknown option \"{}\"{}", option, Hint(option, known)));
+  }
+}
+
+// As app.parse; but "help VERB" means "VERB --help", and an unknown verb or option is named, and
+// that before anything that is missing. Throws CLI::ParseError.
+void ParseWords(CLI::App& app, Texts words) {
+  PutOptionForHelp(words);
+  RefuseUnknownVerb(app, words);
+  std::reverse(words.begin(), words.end());
+  try {
+    app.parse(words);
+  } catch (const CLI::ExtrasError&) {
+    RefuseUnknownOption(app);
+    throw;
+  } catch (const CLI::RequiredError&) {
+    RefuseUnknownOption(app);
+    if (!app.get_subcommands().empty()) throw;
+    throw CLI::ValidationError(
+        fmt::format("a verb is required: {}", fmt::join(VerbsOf(app), ", ")));
+  }
+}
+
 }  // namespace
 
 std::variant<Command, ExitStatus> ParseCommandLine(int argc, char** argv) {
@@ -34,37 +125,24 @@ std::variant<Command, ExitStatus> ParseCommandLine(int argc, char** argv) {
   bool quiet = false;
   app.add_flag("-q,--quiet", quiet, "Print errors only");
 
-  RunCommand run;
-  run.plugin = DefaultPluginPath();
-  CheckCommand check;
-  DetectCommand detect;
-  ImportCommand import;
-  ServeCommand serve;
-  AddRun(app, run);
-  AddCheck(app, check);
-  AddDetect(app, detect);
-  AddImport(app, import);
-  AddServe(app, serve);
+  Command commands[] = {RunCommand{}, CheckCommand{}, DetectCommand{}, ImportCommand{},
+                        ServeCommand{}};
+  std::map<const CLI::App*, Command*> command_of;
+  for (Command& command : commands) {
+    std::visit([&](auto& one) { command_of[&AddVerb(app, one)] = &command; }, command);
+  }
   app.footer(std::string("icehost help VERB tells the options of a verb.\n\n") + kFooter);
   try {
     ParseWords(app, {argv + 1, argv + argc});
   } catch (const CLI::ParseError& error) {
-    std::ostringstream complaint;  // which may quote what it was given
+    std::ostringstream complaint;  // which may quote the command line
     const int status = app.exit(error, std::cout, complaint);
     std::fputs(PrintableLines(complaint.str()).c_str(), stderr);
     return status == 0 ? kAllWell : kBadUsage;
   }
-  // What else stands on standard output would spoil an output that is meant for a program.
-  run.quiet |= quiet || IsOnStandardOutput(run);
-  check.quiet |= quiet;
-  detect.quiet |= quiet;
-  import.quiet |= quiet;
-  serve.quiet |= quiet;
-  if (app.got_subcommand("run")) return run;
-  if (app.got_subcommand("check")) return check;
-  if (app.got_subcommand("detect")) return detect;
-  if (app.got_subcommand("import")) return import;
-  return serve;
+  Command& command = *command_of.at(app.get_subcommands().front());
+  std::visit([quiet](auto& one) { one.quiet |= quiet; }, command);
+  return command;
 }
 
 }  // namespace icehost

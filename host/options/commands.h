@@ -1,8 +1,9 @@
-// What a user may ask for: one structure a verb.
+// The command line: a structure for each verb, and the parser that fills one in.
 #ifndef ICESCRIPT_HOST_OPTIONS_COMMANDS_H_
 #define ICESCRIPT_HOST_OPTIONS_COMMANDS_H_
 
 #include <chrono>
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <variant>
@@ -10,38 +11,32 @@
 
 #include "host/system/endpoint.h"
 #include "host/tables/outputs.h"
-#include "host/target/target.h"
+#include "host/tables/probes.h"
 
 namespace icehost {
 
-struct ProbeChoice {
-  enum class Kind { kSim, kBitbang, kOpenocd };
-  Kind kind = Kind::kSim;
-  Endpoint endpoint;
-  std::string tap;  // for OpenOCD; empty: the only one
+enum ExitStatus : int {
+  kAllWell = 0,
+  kScriptFailed = 1,  // or has errors, or there is no sound chain of TAPs
+  kBadUsage = 2,
+  kNotOpened = 3,  // the plug-in, the endpoint or an output file; or the connection was lost
+  kInterrupted = 130,
 };
 
-// What a verb works on.
-struct ProbeOptions {
-  ProbeChoice choice;
-  std::chrono::milliseconds timeout{5000};  // of its answers
-  TargetOptions target;                     // behind the simulated probe
-};
+// In the texts below, empty means "not asked for". A file "-" is standard input or output.
 
-// In the texts below, empty means "not asked for". An output "-" is standard output.
-
-// Far more than anybody writes, and no more than fits the memory of a small machine.
+// More than anybody writes, and little enough for the memory of a small machine.
 constexpr std::size_t kDefaultSizeLimit = 64U << 20U;
 
 struct RunCommand {
-  std::vector<std::string> scripts;  // "-": standard input
+  std::vector<std::string> scripts;
   std::string plugin;
   ProbeOptions probe;
   int wire_mode = 0;        // CDI_ANSWER_
   bool strict = false;      // warnings fail
   bool force = false;       // scripts with errors run
   bool keep_going = false;  // past values that are not as expected
-  OutputPaths outputs;
+  OutputRequests outputs;
   std::string learn;
   bool summary = false;
   std::size_t size_limit = kDefaultSizeLimit;  // of a script, in bytes
@@ -57,7 +52,7 @@ struct CheckCommand {
 };
 
 struct ImportCommand {
-  std::string file;  // "-": standard input
+  std::string file;
   std::string output = "-";
   std::size_t size_limit = kDefaultSizeLimit;  // of the file, and of the script, in bytes
   bool quiet = false;
@@ -67,7 +62,7 @@ struct ServeCommand {
   Endpoint endpoint;
   ProbeOptions probe;
   std::chrono::milliseconds idle_limit{60000};
-  OutputPaths outputs;
+  OutputRequests outputs;
   bool verbose = false;
   bool quiet = false;
 };
@@ -81,6 +76,10 @@ struct DetectCommand {
 };
 
 using Command = std::variant<RunCommand, CheckCommand, DetectCommand, ImportCommand, ServeCommand>;
+
+// Returns the command, or the status to exit with where the command line asks for help or is wrong;
+// the help or the complaint has then been printed.
+std::variant<Command, ExitStatus> ParseCommandLine(int argc, char** argv);
 
 }  // namespace icehost
 

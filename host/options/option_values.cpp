@@ -1,19 +1,23 @@
 #include "host/options/option_values.h"
 
 #include <fmt/format.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cctype>
 #include <iterator>
 #include <sstream>
 #include <stdexcept>
+#include <utility>
 
+#include "host/system/file_identity.h"
 #include "host/target/interface_names.h"
 
 namespace icehost {
 namespace {
 
 constexpr int kLongestRegister = 4096;
+constexpr const char* kScript = "a script";
 
 bool TakePrefix(std::string& text, const std::string& prefix) {
   if (text.compare(0, prefix.size(), prefix) != 0) return false;
@@ -59,27 +63,27 @@ Bits HexBits(std::string digits, int length) {
   return bits;
 }
 
-}  // namespace
+struct Use {
+  std::string identity;
+  std::string what;
+};
 
-ProbeChoice ParseProbe(const std::string& text) {
-  std::string rest = text;
-  if (text == "sim") return {};
-  if (TakePrefix(rest, "remote-bitbang:")) {
-    return {ProbeChoice::Kind::kBitbang, ParseEndpoint(rest), ""};
+std::vector<Use> UsesBesideOutputs(const std::vector<std::string>& scripts) {
+  std::vector<Use> uses = {{IdentityOf(STDOUT_FILENO), "standard output"},
+                           {IdentityOf(STDERR_FILENO), "standard error"}};
+  for (const std::string& script : scripts) {
+    uses.push_back({script == "-" ? IdentityOf(STDIN_FILENO) : IdentityOf(script), kScript});
   }
-  if (!TakePrefix(rest, "openocd:")) {
-    throw std::invalid_argument(
-        "expected sim, remote-bitbang:HOST:PORT, remote-bitbang:unix:PATH or "
-        "openocd:HOST:PORT[:TAP]");
-  }
-  // A colon behind the port begins the TAP; those of an IPv6 address stand in brackets.
-  const std::size_t host_end = rest.substr(0, 1) == "[" ? std::min(rest.find(']'), rest.size()) : 0;
-  const std::size_t port = std::min(rest.find(':', host_end), rest.size());
-  const std::size_t port_end =
-      std::min(rest.find(':', std::min(port + 1, rest.size())), rest.size());
-  const std::string tap = rest.substr(std::min(port_end + 1, rest.size()));
-  return {ProbeChoice::Kind::kOpenocd, ParseEndpoint(rest.substr(0, port_end)), tap};
+  return uses;
 }
+
+bool IsScript(const std::string& identity, const std::vector<Use>& uses) {
+  return !identity.empty() && std::any_of(uses.begin(), uses.end(), [&identity](const Use& use) {
+    return use.what == kScript && use.identity == identity;
+  });
+}
+
+}  // namespace
 
 Endpoint ParseServeEndpoint(const std::string& text) {
   std::string rest = text;
@@ -142,6 +146,27 @@ void RefuseUnfitInstruction(std::uint64_t instruction, int ir_length) {
   if (instruction >> static_cast<unsigned>(ir_length) == 0) return;
   throw std::invalid_argument(
       fmt::format("instruction {:#x} does not fit an IR of {} bits", instruction, ir_length));
+}
+
+void RefuseSharedFiles(const std::vector<NamedOutput>& outputs,
+                       const std::vector<std::string>& scripts, const std::string& plugin) {
+  std::vector<Use> uses = UsesBesideOutputs(scripts);
+  if (!plugin.empty()) uses.push_back({IdentityOf(plugin), "the plug-in"});
+  for (const auto& [option, path] : outputs) {
+    if (path.empty()) continue;
+    // Two outputs may be on the same terminal, but not on the same "-".
+    const std::string identity = path == "-" ? "-" : IdentityOf(path);
+    if (identity.empty()) continue;
+    if (identity == "-" && IsScript(IdentityOf(STDOUT_FILENO), uses)) {
+      throw std::invalid_argument(fmt::format("{}: standard output is also a script", option));
+    }
+    const auto other = std::find_if(
+        uses.begin(), uses.end(), [&id = identity](const Use& use) { return use.identity == id; });
+    if (other != uses.end()) {
+      throw std::invalid_argument(fmt::format("{}: {} is also {}", option, path, other->what));
+    }
+    uses.push_back({identity, fmt::format("the file of {}", option)});
+  }
 }
 
 }  // namespace icehost

@@ -1,25 +1,25 @@
-// The values of options that have a form of their own. Each throws std::invalid_argument that says
-// what is expected.
+// The values of options: the forms that they have, and which of them do not go together. All
+// functions throw std::invalid_argument that says what is expected or what is wrong.
 #ifndef ICESCRIPT_HOST_OPTIONS_OPTION_VALUES_H_
 #define ICESCRIPT_HOST_OPTIONS_OPTION_VALUES_H_
 
 #include <chrono>
 #include <cstdint>
 #include <string>
+#include <vector>
 
-#include "host/options/commands.h"
+#include "host/system/endpoint.h"
+#include "host/target/target.h"
 
 namespace icehost {
 
-// "sim", "remote-bitbang:HOST:PORT", "remote-bitbang:unix:PATH" or "openocd:HOST:PORT[:TAP]".
-ProbeChoice ParseProbe(const std::string& text);
 // "tcp:PORT" on the loopback address, "tcp:ADDRESS:PORT" or "unix:PATH".
 Endpoint ParseServeEndpoint(const std::string& text);
 // "jtag5", "2wire" or "cjtag2", as a CDI_ANSWER_.
 int ParseWireMode(const std::string& text);
 // More than 0 and up to a day.
 std::chrono::milliseconds ParseSeconds(const std::string& text);
-// As bytes.
+// A number of mebibytes, as bytes.
 std::size_t ParseMebibytes(const std::string& text);
 // Hexadecimal, with or without "0x". Bit 0 of an IDCODE is 1 (IEEE 1149.1).
 std::uint32_t ParseIdcode(const std::string& text);
@@ -27,8 +27,20 @@ std::uint32_t ParseIdcode(const std::string& text);
 std::uint64_t ParseInstruction(const std::string& text);
 // "IR:BITS[=HEX]", the instruction IR in hexadecimal: adds a register to the target.
 void ParseRegister(const std::string& text, TargetOptions& target);
-// To be called once the length of the IR is known, too: no instruction may be longer.
+
+// Throws where the instruction is longer than the IR.
 void RefuseUnfitInstruction(std::uint64_t instruction, int ir_length);
+
+// A file to write: empty where it is not asked for, "-" for standard output.
+struct NamedOutput {
+  const char* option;
+  std::string path;
+};
+
+// Throws where a file would be read and written, or written twice: names the option and the other
+// use of its file. Opens nothing.
+void RefuseSharedFiles(const std::vector<NamedOutput>& outputs,
+                       const std::vector<std::string>& scripts, const std::string& plugin = "");
 
 }  // namespace icehost
 

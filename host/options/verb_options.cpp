@@ -1,64 +1,47 @@
 #include "host/options/verb_options.h"
 
+#include <algorithm>
+#include <functional>
+#include <stdexcept>
+
 #include "host/options/option_values.h"
+#include "host/probe/plugin.h"
 
 namespace icehost {
 namespace {
 
-// An empty name is that of a variable that was not set.
-std::string IsGiven(const std::string& path) {
-  return path.empty() ? "a file has a name" : "";
-}
+constexpr char kTargetGroup[] = "Simulated target";
 
-void RefuseTargetOptions(const CLI::App& verb) {
-  for (const CLI::Option* const option : verb.get_options()) {
-    if (option->get_group() == kTargetGroup && option->count() > 0) {
-      throw CLI::ValidationError(option->get_name(), "is for the simulated probe");
-    }
-  }
-}
-
-}  // namespace
-
-CLI::App& AddVerb(CLI::App& app, const char* name, const char* description, bool& quiet) {
+CLI::App& NewVerb(CLI::App& app, const char* name, const char* description, bool& quiet) {
   CLI::App& verb = *app.add_subcommand(name, description);
   verb.group("Verbs");
   verb.add_flag("-q,--quiet", quiet, "Print errors only");
   return verb;
 }
 
+// Turns std::invalid_argument into a usage error of `option`; empty: the text names it.
+void Refuse(const std::string& option, const std::function<void()>& judge) {
+  try {
+    judge();
+  } catch (const std::invalid_argument& error) {
+    if (!option.empty()) throw CLI::ValidationError(option, error.what());
+    throw CLI::ValidationError(error.what());
+  }
+}
+
+// Adds an option whose value has a form of its own, which `parse` reads as in option_values.h.
 CLI::Option* AddParsed(CLI::App& verb, const std::string& name, const std::string& form,
                        const std::string& help, const std::function<void(std::string)>& parse) {
   const auto parse_value = [parse, name](const std::string& value) {
-    try {
-      parse(value);
-    } catch (const std::invalid_argument& error) {
-      throw CLI::ValidationError(name, error.what());
-    }
+    Refuse(name, [&] { parse(value); });
   };
   return verb.add_option_function<std::string>(name, parse_value, help)->type_name(form);
 }
 
-CLI::Option* AddFile(CLI::App& verb, const char* name, std::string& path, const char* help) {
-  return verb.add_option(name, path, help)->type_name("FILE")->check(IsGiven);
-}
-
-void AddOutputs(CLI::App& verb, OutputKind::Verb OutputKind::*which, const char* group,
-                OutputPaths& paths) {
-  for (std::size_t i = 0; i < kOutputCount; ++i) {
-    const OutputKind& kind = kOutputKinds[i];
-    const char* const help = (kind.*which).help;
-    if (help == nullptr) continue;
-    CLI::Option* const option = kind.file_may_lack ? verb.add_flag(kind.option, paths[i], help)
-                                                   : AddFile(verb, kind.option, paths[i], help);
-    option->group(group);
-  }
-}
-
-void CompleteOutputs(OutputPaths& paths) {
-  for (std::size_t i = 0; i < kOutputCount; ++i) {
-    if (kOutputKinds[i].file_may_lack && paths[i] == "true") paths[i] = kStandardError;
-  }
+// Makes `option` name a file to write. An empty name comes from a variable that was not set.
+CLI::Option* NamesFile(CLI::Option* option) {
+  return option->type_name("FILE")->check(
+      [](const std::string& path) { return path.empty() ? "a file has a name" : ""; });
 }
 
 void AddScripts(CLI::App& verb, std::vector<std::string>& scripts, std::size_t& size_limit) {
@@ -90,23 +73,46 @@ void AddTargetOptions(CLI::App& verb, TargetOptions& target) {
       ->group(kTargetGroup);
 }
 
-void AddProbe(CLI::App& verb, ProbeOptions& probe) {
-  AddParsed(verb, "--probe", "PROBE",
-            "sim (the default), remote-bitbang:HOST:PORT, remote-bitbang:unix:PATH\n"
-            "or openocd:HOST:PORT[:TAP]",
-            [&probe](const std::string& text) { probe.choice = ParseProbe(text); });
+void AddProbe(CLI::App& verb, ProbeOptions& probe, const std::string& help) {
+  AddParsed(verb, "--probe", "PROBE", help,
+            [&probe](const std::string& text) { ParseProbe(text, probe); });
   AddParsed(verb, "--timeout", "SECONDS", "How long to wait for the probe's answers (default 5)",
             [&probe](const std::string& text) { probe.timeout = ParseSeconds(text); });
   AddTargetOptions(verb, probe.target);
 }
 
-void Refuse(const char* option, const std::function<void()>& judge) {
-  try {
-    judge();
-  } catch (const std::invalid_argument& error) {
-    if (*option != '\0') throw CLI::ValidationError(option, error.what());
-    throw CLI::ValidationError(error.what());
+void AddOutputs(CLI::App& verb, OutputKind::Verb OutputKind::*which, const char* group) {
+  for (const OutputKind& kind : OutputKinds()) {
+    const char* const help = (kind.*which).help;
+    if (help == nullptr) continue;
+    CLI::Option* const option = kind.file_may_lack
+                                    ? verb.add_flag(kind.option, help)
+                                    : NamesFile(verb.add_option(kind.option, nullptr, help));
+    option->group(group);
   }
+}
+
+// The functions below are for the end, when all options are known.
+
+OutputRequests RequestsOf(const CLI::App& verb) {
+  OutputRequests requests;
+  for (const OutputKind& kind : OutputKinds()) {
+    const CLI::Option* const option = verb.get_option_no_throw(kind.option);
+    if (option == nullptr || option->empty()) continue;
+    OutputRequest& request = requests.emplace_back(OutputRequest{&kind, {}});
+    const auto path = option->as<std::string>();
+    const bool lacks = kind.file_may_lack && path == "true";  // CLI11's value of a flag without one
+    if (!lacks) request.path = path;
+  }
+  return requests;
+}
+
+std::vector<NamedOutput> NamedIn(const OutputRequests& requests) {
+  std::vector<NamedOutput> named;
+  for (const auto& [kind, path] : requests) {
+    if (path.has_value()) named.push_back({kind->option, *path});
+  }
+  return named;
 }
 
 void RefuseUnfitProbe(const CLI::App& verb, const ProbeOptions& probe) {
@@ -118,7 +124,144 @@ void RefuseUnfitProbe(const CLI::App& verb, const ProbeOptions& probe) {
   });
   Refuse("--idcode-instruction",
          [&target] { RefuseUnfitInstruction(target.idcode_instruction, target.ir_length); });
-  if (probe.choice.kind != ProbeChoice::Kind::kSim) RefuseTargetOptions(verb);
+  if (probe.kind->has_target) return;
+  for (const CLI::Option* const option : verb.get_options()) {
+    if (option->get_group() == kTargetGroup && option->count() > 0) {
+      throw CLI::ValidationError(option->get_name(), "is for the simulated probe");
+    }
+  }
+}
+
+void CompleteRun(const CLI::App& verb, RunCommand& run) {
+  run.outputs = RequestsOf(verb);
+  std::vector<NamedOutput> named = NamedIn(run.outputs);
+  named.push_back({"--learn", run.learn});
+  Refuse("", [&] { RefuseSharedFiles(named, run.scripts, run.plugin); });
+  if (!run.learn.empty() && run.scripts.size() > 1) {
+    throw CLI::ValidationError("--learn", "takes one script");
+  }
+  RefuseUnfitProbe(verb, run.probe);
+  // Anything else on standard output would spoil an output that is meant for a program.
+  run.quiet |= std::any_of(named.begin(), named.end(),
+                           [](const NamedOutput& output) { return output.path == "-"; });
+}
+
+// Given without a kind, the text is empty.
+ScriptKind ParseScriptKind(const std::string& text) {
+  if (text.empty() || text == "jtag") return ScriptKind::kJtag;
+  if (text == "gpio") return ScriptKind::kGpio;
+  throw std::invalid_argument("expected jtag or gpio");
+}
+
+void CompleteDetect(const CLI::App& verb, const DetectCommand& detect) {
+  const ProbeKind& kind = *detect.probe.kind;
+  RefuseUnfitProbe(verb, detect.probe);
+  if (!kind.ShowsPins() && detect.script == ScriptKind::kGpio) {
+    throw CLI::ValidationError("--script", std::string("GPIO scripts do not run on ") + kind.title);
+  }
+}
+
+void CompleteServe(const CLI::App& verb, ServeCommand& serve) {
+  const ProbeKind& kind = *serve.probe.kind;
+  serve.outputs = RequestsOf(verb);
+  Refuse("", [&serve] { RefuseSharedFiles(NamedIn(serve.outputs), {}); });
+  if (serve.verbose && serve.quiet) throw CLI::ValidationError("--verbose", "is against --quiet");
+  if (!kind.ShowsPins()) {
+    throw CLI::ValidationError(
+        "--probe",
+        std::string(kind.title) + " takes whole scans, and a client of serve sets single pins");
+  }
+  RefuseUnfitProbe(verb, serve.probe);
+}
+
+}  // namespace
+
+CLI::App& AddVerb(CLI::App& app, RunCommand& run) {
+  constexpr char kOutputGroup[] =
+      "Outputs (FILE - is standard output, where the plug-in's messages are then left out)";
+  CLI::App& verb =
+      NewVerb(app, "run", "Run scripts one after the other, up to the first that fails", run.quiet);
+  AddScripts(verb, run.scripts, run.size_limit);
+  AddProbe(verb, run.probe, ProbeHelp());
+  verb.add_flag("--strict", run.strict,
+                "Let warnings fail: those of check, and a captured IR that no TAP answers with");
+  verb.add_flag("--force", run.force,
+                "Play scripts with errors as the plug-in takes them, instead of none");
+  verb.add_flag("--keep-going", run.keep_going,
+                "Play on where a value is not the expected one, and fail at the end");
+  AddOutputs(verb, &OutputKind::run, kOutputGroup);
+  NamesFile(verb.add_option("--learn", run.learn,
+                            "Write the script with the values that were read as those it expects"))
+      ->group(kOutputGroup);
+  verb.add_flag("--summary", run.summary, "Say at the end what was done");
+  run.plugin = DefaultPluginPath();
+  verb.add_option("--plugin", run.plugin,
+                  "The plug-in to load (default: the one built or installed with icehost)")
+      ->type_name("FILE");
+  AddParsed(verb, "--wire", "MODE", "The wire mode at the start: jtag5, 2wire or cjtag2",
+            [&run](const std::string& text) { run.wire_mode = ParseWireMode(text); })
+      ->group(kTargetGroup);
+  verb.final_callback([&verb, &run] { CompleteRun(verb, run); });
+  return verb;
+}
+
+CLI::App& AddVerb(CLI::App& app, CheckCommand& check) {
+  CLI::App& verb = NewVerb(app, "check", "Report every problem of scripts without touching a probe",
+                           check.quiet);
+  AddScripts(verb, check.scripts, check.size_limit);
+  verb.add_flag("--strict", check.strict, "Let warnings fail");
+  NamesFile(verb.add_option(
+      "--json", check.json,
+      "Write the problems as JSON lines; - is standard output, in place of the text"));
+  verb.final_callback([&check] {
+    Refuse("", [&check] { RefuseSharedFiles({{"--json", check.json}}, check.scripts); });
+  });
+  return verb;
+}
+
+CLI::App& AddVerb(CLI::App& app, DetectCommand& detect) {
+  CLI::App& verb = NewVerb(app, "detect", "Tell which TAPs are on a probe", detect.quiet);
+  AddProbe(verb, detect.probe, ProbeHelp());
+  AddParsed(verb, "--script", "[KIND]",
+            "Write the beginning of a script, jtag (the default) or gpio, to standard\n"
+            "output (and the report to standard error)",
+            [&detect](const std::string& text) { detect.script = ParseScriptKind(text); })
+      ->expected(0, 1);
+  verb.final_callback([&verb, &detect] { CompleteDetect(verb, detect); });
+  return verb;
+}
+
+CLI::App& AddVerb(CLI::App& app, ImportCommand& import) {
+  CLI::App& verb = NewVerb(app, "import", "Make a JTAG script of a Serial Vector Format (SVF) file",
+                           import.quiet);
+  verb.add_option("FILE", import.file, "SVF file; - is standard input")->type_name("")->required();
+  AddParsed(verb, "--size-limit", "MIB", "How large the file, and the script, may be (default 64)",
+            [&import](const std::string& text) { import.size_limit = ParseMebibytes(text); });
+  NamesFile(verb.add_option("-o,--output", import.output,
+                            "Write the script to a file, instead of standard output"));
+  verb.final_callback([&import] {
+    Refuse("", [&import] { RefuseSharedFiles({{"--output", import.output}}, {import.file}); });
+  });
+  return verb;
+}
+
+CLI::App& AddVerb(CLI::App& app, ServeCommand& serve) {
+  CLI::App& verb =
+      NewVerb(app, "serve", "Serve a target by the remote_bitbang protocol, until a signal ends it",
+              serve.quiet);
+  AddParsed(verb, "ENDPOINT", "",
+            "tcp:PORT (on the loopback address), tcp:ADDRESS:PORT or unix:PATH",
+            [&serve](const std::string& text) { serve.endpoint = ParseServeEndpoint(text); })
+      ->required();
+  verb.add_flag("-v,--verbose", serve.verbose, "Say when clients come and go");
+  AddParsed(verb, "--idle-limit", "SECONDS",
+            "How long a client may be silent until another takes its place (default 60)",
+            [&serve](const std::string& text) { serve.idle_limit = ParseSeconds(text); });
+  AddOutputs(verb, &OutputKind::serve,
+             "Outputs: what clients do to the pins (FILE - is standard output)");
+  AddProbe(verb, serve.probe, ServedProbeHelp());
+  verb.final_callback([&verb, &serve] { CompleteServe(verb, serve); });
+  return verb;
 }
 
 }  // namespace icehost

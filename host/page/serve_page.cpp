@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "host/page/page_writer.h"
-#include "host/pins/serve_writers.h"
+#include "host/pins/pin_writers.h"
 
 namespace icehost {
 namespace {

@@ -1,8 +1,7 @@
-#include "host/pins/serve_writers.h"
-
 #include <fmt/format.h>
 
 #include "entry/icescript.h"
+#include "host/pins/pin_writers.h"
 #include "host/system/json_text.h"
 #include "host/system/printable.h"
 

@@ -1,9 +1,15 @@
-#include "host/pins/vcd_writer.h"
-
+// The pins as a Value Change Dump.
 #include <algorithm>
 #include <cctype>
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <ostream>
 #include <string>
 
+#include "host/events/output.h"
+#include "host/pins/pin_writers.h"
+#include "host/pins/recording_port.h"
 #include "host/target/pin_names.h"
 
 namespace icehost {
@@ -19,7 +25,25 @@ std::string LowerCase(std::string text) {
   return text;
 }
 
-}  // namespace
+// Writes as the steps come: what is in the stream is a complete file at any time. One step is 1 us,
+// nominal. The state of the TAP and the operation are string variables, as GTKWave shows them;
+// sigrok passes over them with a warning.
+class VcdWriter : public Output, public StepRecorder {
+ public:
+  // `stream` must outlive the writer.
+  explicit VcdWriter(std::ostream& stream);
+  // What a name in this format cannot hold becomes "_".
+  void BeginOperation(const std::string& name, const CallSource& source) override;
+  void Record(const PinStep& step) override;
+  // Gives the last step its length.
+  void End(const PageHead& head) override;
+
+ private:
+  std::ostream& stream_;
+  std::size_t time_ = 0;
+  std::optional<PinStep> last_;
+  std::string operation_;  // that begins with the next step; empty: none does
+};
 
 VcdWriter::VcdWriter(std::ostream& stream) : stream_(stream) {
   stream_ << "$version icehost $end\n$timescale 1 us $end\n$scope module probe $end\n";
@@ -58,6 +82,12 @@ void VcdWriter::Record(const PinStep& step) {
 
 void VcdWriter::End(const PageHead& /*head*/) {
   stream_ << '#' << time_ << '\n';
+}
+
+}  // namespace
+
+std::unique_ptr<Output> MakeVcd(std::ostream& stream) {
+  return std::make_unique<VcdWriter>(stream);
 }
 
 }  // namespace icehost

@@ -27,7 +27,7 @@ class PinProbe : public Probe {
   std::string Doubt() const override { return doubt_; }
   void Flush() override { port_.Flush(); }
 
-  long TckCycles() const { return walker_.TckCycles(); }
+  std::optional<long> TckCycles() const override { return walker_.TckCycles(); }
 
  private:
   Bits ScanBits(int bits, const std::uint8_t* data) const;

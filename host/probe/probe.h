@@ -3,6 +3,7 @@
 #define ICESCRIPT_HOST_PROBE_PROBE_H_
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace icehost {
@@ -27,6 +28,8 @@ class Probe {
   // Whether Execute stores the captured IR.
   virtual bool CapturesIr() const { return true; }
   virtual int Gpio(int out_value, std::uint32_t& data, int oe_mask, int flags) = 0;
+  // Cycles of TCK so far; unknown if the probe shows no pins.
+  virtual std::optional<long> TckCycles() const { return std::nullopt; }
   // Ends a script: what is buffered goes out, and whoever takes it has answered since.
   virtual void Flush() = 0;
 };

@@ -1,87 +1,115 @@
 #include "host/tables/outputs.h"
 
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdint>
+#include <ctime>
 #include <iostream>
 
 #include "host/events/run_writers.h"
 #include "host/page/page_writer.h"
 #include "host/picture/svg_drawing.h"
-#include "host/pins/vcd_writer.h"
+#include "host/pins/pin_writers.h"
 #include "host/svf/svf_call_writer.h"
 #include "host/svf/svf_pin_writer.h"
+#include "host/system/errors.h"
 
 namespace icehost {
 namespace {
-
-template <class Writer>
-std::unique_ptr<Output> Make(std::ostream& stream, bool /*shows_pins*/) {
-  return std::make_unique<Writer>(stream);
-}
-
-template <std::unique_ptr<Output> (*make)(std::ostream&)>
-std::unique_ptr<Output> Make(std::ostream& stream, bool /*shows_pins*/) {
-  return make(stream);
-}
-
-std::unique_ptr<Output> MakeSvf(std::ostream& stream, bool shows_pins) {
-  if (shows_pins) return std::make_unique<SvfPinWriter>(stream);
-  return std::make_unique<SvfCallWriter>(stream);
-}
 
 constexpr auto kLines = OutputFile::Rest::kLines;
 constexpr auto kNothing = OutputFile::Rest::kNothing;
 constexpr char kVcdHelp[] = "Write the waveform, for GTKWave, PulseView or sigrok-cli";
 
 template <class Interface>
-void AddTo(std::vector<Interface*>& told, Output& output) {
-  if (auto* const one = dynamic_cast<Interface*>(&output)) told.push_back(one);
+void AddTo(std::vector<Interface*>& listeners, Output& output) {
+  if (auto* const one = dynamic_cast<Interface*>(&output)) listeners.push_back(one);
+}
+
+// Returns the time so many seconds ago.
+std::string TimeText(double ago) {
+  const auto time = std::chrono::system_clock::now() -
+                    std::chrono::milliseconds(static_cast<std::int64_t>(ago * 1000));
+  const std::time_t seconds = std::chrono::system_clock::to_time_t(time);
+  std::tm utc = {};
+  gmtime_r(&seconds, &utc);
+  char text[sizeof "2000-01-01 00:00:00 UTC"] = "";
+  std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S UTC", &utc);
+  return text;
 }
 
 }  // namespace
 
-const OutputKind kOutputKinds[kOutputCount] = {
-    {"--trace",
-     true,
-     false,
-     kLines,
-     {"Write a line for every host call, to standard error or with --trace=FILE", Make<MakeTrace>},
-     {"Write a line for every scan, reset and client, to standard error or with --trace=FILE",
-      Make<MakeServeTrace>}},
-    {"--json",
-     false,
-     false,
-     kLines,
-     {"Write calls and messages as JSON lines", Make<MakeJson>},
-     {"Write the same as JSON lines", Make<MakeServeJson>}},
-    {"--vcd", false, true, kLines, {kVcdHelp, Make<VcdWriter>}, {kVcdHelp, Make<VcdWriter>}},
-    {"--svg", false, true, kNothing, {"Write the waveform as a picture", Make<MakeSvg>}, {}},
-    {"--html",
-     false,
-     false,
-     kNothing,
-     {"Write all of it as one page for a browser: script, operations, waveform", Make<MakeRunPage>},
-     {"Write all of it as one page for a browser, at the end", Make<MakeServePage>}},
-    {"--svf",
-     false,
-     false,
-     kLines,
-     {"Write what was played in the Serial Vector Format", MakeSvf},
-     {}},
-};
-
-bool NeedPins(const OutputPaths& paths) {
-  for (std::size_t i = 0; i < kOutputCount; ++i) {
-    if (kOutputKinds[i].needs_pins && !paths[i].empty()) return true;
-  }
-  return false;
+const std::vector<OutputKind>& OutputKinds() {
+  static const std::vector<OutputKind> kinds = {
+      {"--trace",
+       /*file_may_lack=*/true,
+       /*needs_pins=*/false,
+       kLines,
+       {"Write a line for every host call, to standard error or with --trace=FILE", MakeTrace},
+       {"Write a line for every scan, reset and client, to standard error or with --trace=FILE",
+        MakeServeTrace}},
+      {"--json",
+       /*file_may_lack=*/false,
+       /*needs_pins=*/false,
+       kLines,
+       {"Write calls and messages as JSON lines", MakeJson},
+       {"Write the same as JSON lines", MakeServeJson}},
+      {"--vcd",
+       /*file_may_lack=*/false,
+       /*needs_pins=*/true,
+       kLines,
+       {kVcdHelp, MakeVcd},
+       {kVcdHelp, MakeVcd}},
+      {"--svg",
+       /*file_may_lack=*/false,
+       /*needs_pins=*/true,
+       kNothing,
+       {"Write the waveform as a picture", MakeSvg},
+       {}},
+      {"--html",
+       /*file_may_lack=*/false,
+       /*needs_pins=*/false,
+       kNothing,
+       {"Write all of it as one page for a browser: script, operations, waveform", MakeRunPage},
+       {"Write all of it as one page for a browser, at the end", MakeServePage}},
+      {"--svf",
+       /*file_may_lack=*/false,
+       /*needs_pins=*/false,
+       kLines,
+       {"Write what was played in the Serial Vector Format", MakeSvfPinWriter, MakeSvfCallWriter},
+       {}},
+  };
+  return kinds;
 }
 
-Outputs::Outputs(const OutputPaths& paths, OutputKind::Verb OutputKind::*verb, bool shows_pins) {
-  for (std::size_t i = 0; i < kOutputCount; ++i) {
-    const OutputKind& kind = kOutputKinds[i];
-    if (paths[i].empty()) continue;
-    std::ostream& stream =
-        paths[i] == kStandardError ? std::cerr : Add(paths[i], kind.rest).Stream();
-    outputs_.push_back((kind.*verb).make(stream, shows_pins));
+bool UseStandardError(const OutputRequests& requests) {
+  return std::any_of(requests.begin(), requests.end(),
+                     [](const OutputRequest& request) { return !request.path.has_value(); });
+}
+
+std::vector<std::pair<std::string, std::string>> HeadEntries(const ProbeOptions& probe,
+                                                             const std::string& counts,
+                                                             double seconds) {
+  return {{"Probe", probe.kind->describe(probe)},
+          {"Done", counts},
+          {"Started", TimeText(seconds)},
+          {"icehost", ICEHOST_VERSION}};
+}
+
+Outputs::Outputs(const OutputRequests& requests, OutputKind::Verb OutputKind::*verb,
+                 const ProbeKind& probe) {
+  for (const OutputRequest& request : requests) {
+    if (!request.kind->needs_pins || probe.ShowsPins()) continue;
+    throw IoError(fmt::format("{} shows no pins: no waveform of it", probe.title));
+  }
+  for (const auto& [kind, path] : requests) {
+    std::ostream& stream = path.has_value() ? Add(*path, kind->rest).Stream() : std::cerr;
+    const auto& [help, make, make_without_pins] = kind->*verb;
+    const bool without = !probe.ShowsPins() && make_without_pins != nullptr;
+    outputs_.push_back((without ? make_without_pins : make)(stream));
     AddTo(listeners, *outputs_.back());
     AddTo(serve_listeners, *outputs_.back());
     AddTo(recorders, *outputs_.back());

@@ -1,67 +1,84 @@
-// The files that run and serve write. A new one is a row of kOutputKinds, and its writer.
+// The files that run and serve write. A new one is its writer, and a row in outputs.cpp.
 #ifndef ICESCRIPT_HOST_TABLES_OUTPUTS_H_
 #define ICESCRIPT_HOST_TABLES_OUTPUTS_H_
 
-#include <array>
 #include <memory>
+#include <optional>
+#include <ostream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "host/events/events.h"
 #include "host/events/output.h"
+#include "host/pins/pin_writers.h"
 #include "host/pins/recording_port.h"
-#include "host/pins/serve_writers.h"
 #include "host/system/output_file.h"
+#include "host/tables/probes.h"
 
 namespace icehost {
 
-using MakeOutput = std::unique_ptr<Output> (*)(std::ostream& stream, bool shows_pins);
+using MakeOutput = std::unique_ptr<Output> (*)(std::ostream& stream);
 
 struct OutputKind {
+  // The output of one verb; all members are null if the verb does not have it.
+  struct Verb {
+    const char* help;
+    MakeOutput make;
+    MakeOutput make_without_pins;  // for a probe that shows none; null: make serves both
+  };
+
   const char* option;
   bool file_may_lack;  // it is then standard error
   bool needs_pins;
   OutputFile::Rest rest;
-  // Of each verb; null where it has no such option.
-  struct Verb {
-    const char* help;
-    MakeOutput make;
-  } run, serve;
+  Verb run, serve;
 };
 
-constexpr std::size_t kOutputCount = 6;
-extern const OutputKind kOutputKinds[kOutputCount];
+// Returns all rows.
+const std::vector<OutputKind>& OutputKinds();
 
-// No file can be written by this name.
-constexpr const char* kStandardError = "/";
-// By kind: empty where it is not asked for, "-" for standard output.
-using OutputPaths = std::array<std::string, kOutputCount>;
+// An output that the user asked for.
+struct OutputRequest {
+  const OutputKind* kind;
+  std::optional<std::string> path;  // "-": standard output; none: standard error
+};
+using OutputRequests = std::vector<OutputRequest>;
 
-// Whether one is asked for that needs a probe that shows its pins.
-bool NeedPins(const OutputPaths& paths);
+// Whether an output goes to standard error.
+bool UseStandardError(const OutputRequests& requests);
+
+// Returns what the head of every page says: the probe, what was done (`counts`), when it began
+// (`seconds` ago), and the version of icehost.
+std::vector<std::pair<std::string, std::string>> HeadEntries(const ProbeOptions& probe,
+                                                             const std::string& counts,
+                                                             double seconds);
 
 class Outputs {
  public:
-  // Opens all files, and changes none; throws IoError where one cannot be opened.
-  Outputs(const OutputPaths& paths, OutputKind::Verb OutputKind::*verb, bool shows_pins);
-  // One more file, which is written by the caller and completed with the others.
+  // Opens all files, and changes none. Throws IoError where one cannot be opened, and before it
+  // opens any where one needs the pins of a probe that shows none.
+  Outputs(const OutputRequests& requests, OutputKind::Verb OutputKind::*verb,
+          const ProbeKind& probe);
+  // Adds a file that the caller begins and writes. Complete completes it with the others.
   OutputFile& Add(const std::string& path, OutputFile::Rest rest);
-  // The files are written anew, but those of Add.
+  // Empties the files, except those of Add.
   void Begin();
-  // Throws once standard output takes no more: the rest of the run is not to go on unseen.
+  // Throws once standard output takes no more, because a run should not go on unseen.
   void ThrowIfCut() const {
     if (standard_output_ != nullptr) standard_output_->ThrowIfCut();
   }
-  // All is in the files from here on. Throws as OutputFile::ThrowIfCut.
+  // Writes what is buffered. Throws as OutputFile::ThrowIfCut does.
   void Flush();
-  // What was played and is in no file: a warning each, and each once. Complete may leave some.
+  // Returns a warning for each thing that was played and is in no file, and each only once.
+  // Complete may add some.
   std::vector<std::string> TakeLosses();
-  // Returns what went wrong, a text for each file that could not be written whole.
+  // Ends and closes the files. Returns a text for each that could not be written whole.
   std::vector<std::string> Complete(const PageHead& head);
 
   bool Any() const { return !outputs_.empty(); }
 
-  // The outputs, by what they are told.
+  // The outputs, by what they listen to.
   std::vector<EventListener*> listeners;
   std::vector<ServeListener*> serve_listeners;
   std::vector<StepRecorder*> recorders;

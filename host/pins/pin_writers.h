@@ -1,6 +1,6 @@
-// What happens at a served target, and its text outputs.
-#ifndef ICESCRIPT_HOST_PINS_SERVE_WRITERS_H_
-#define ICESCRIPT_HOST_PINS_SERVE_WRITERS_H_
+// The outputs made of pins, and what happens at a served target.
+#ifndef ICESCRIPT_HOST_PINS_PIN_WRITERS_H_
+#define ICESCRIPT_HOST_PINS_PIN_WRITERS_H_
 
 #include <cstddef>
 #include <memory>
@@ -34,6 +34,10 @@ class ServeListener : public TapListener {
 std::unique_ptr<Output> MakeServeTrace(std::ostream& stream);
 std::unique_ptr<Output> MakeServeJson(std::ostream& stream);
 
+// A Value Change Dump (IEEE 1364) of the pins, for GTKWave, PulseView and sigrok-cli. Its
+// operations are those of a run, or the clients of a served target.
+std::unique_ptr<Output> MakeVcd(std::ostream& stream);
+
 }  // namespace icehost
 
-#endif  // ICESCRIPT_HOST_PINS_SERVE_WRITERS_H_
+#endif  // ICESCRIPT_HOST_PINS_PIN_WRITERS_H_
