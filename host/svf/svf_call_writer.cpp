@@ -1,8 +1,8 @@
-#include "host/svf/svf_call_writer.h"
-
 #include <algorithm>
 #include <charconv>
 #include <cstring>
+
+#include "host/svf/svf_writer.h"
 
 namespace icehost {
 namespace {
@@ -18,7 +18,7 @@ const Field* Find(const std::vector<Field>& fields, const char* name) {
   return at != fields.end() ? &*at : nullptr;
 }
 
-// `count` bits of what a field holds as text; those that it lacks are 0.
+// Reads the first `count` bits of a field; those beyond its digits are 0.
 Bits BitsOf(const Field& field, std::size_t count) {
   Bits bits(count);
   std::string_view digits = std::string_view(field.bytes).substr(2);
@@ -38,14 +38,30 @@ Bits Argument(const CallEvent& call, const char* length, const char* bytes) {
   return BitsOf(*Find(call.arguments, bytes), static_cast<std::size_t>(bits));
 }
 
-}  // namespace
+class SvfCallWriter : public SvfWriter {
+ public:
+  using SvfWriter::SvfWriter;
+
+  void OnScript(const std::string& path) override { path_ = path; }
+  void OnCall(const CallEvent& call) override;
+  void OnScriptEnd(bool ran) override;
+
+ private:
+  void OnInsert(const CallEvent& call);
+  void OnExecute(const CallEvent& call);
+
+  std::string path_;
+  // The values that the next scan shifts.
+  Bits ir_;
+  Bits dr_;
+};
 
 void SvfCallWriter::OnCall(const CallEvent& call) {
   if (Is(call, "link_jtag_insert")) OnInsert(call);
   if (Is(call, "link_jtag_execute")) OnExecute(call);
   if (Is(call, "link_reset") && call.result >= 0) {
-    file_.Place(path_, call.source, 0);
-    file_.Lose(SvfLoss::kResetLine, "NRST low, NRST high");
+    CommentOnPlace(path_, call.source, 0);
+    Lose(kNoNrst, "NRST low, NRST high");
   }
 }
 
@@ -54,34 +70,26 @@ void SvfCallWriter::OnInsert(const CallEvent& call) {
   dr_ = Argument(call, "dr_bits", "dr");
 }
 
-// A call that fails for what it read has scanned all the same.
+// A call that fails because of what it read has scanned nevertheless.
 void SvfCallWriter::OnExecute(const CallEvent& call) {
   const Field* const out = Find(call.outputs, "dr_out");
   if (out == nullptr) return;
-  file_.Place(path_, call.source, 0);
-  if (!ir_.empty()) file_.Scan({true, ir_, {}, {}});
+  CommentOnPlace(path_, call.source, 0);
+  if (!ir_.empty()) Scan({true, ir_, {}, {}});
   if (!dr_.empty()) {
-    file_.Scan({false, dr_, BitsOf(*out, dr_.size()), SvfMask(call.source, false, dr_.size())});
+    Scan({false, dr_, BitsOf(*out, dr_.size()), MaskOf(call.source, false, dr_.size())});
   }
-  CommentOnUnmet(call, file_);
+  CommentOnUnmet(call);
 }
 
 void SvfCallWriter::OnScriptEnd(bool ran) {
-  if (!ran) file_.Comment("The script failed.");
+  if (!ran) Comment("The script failed.");
 }
 
-Bits SvfMask(const CallSource& source, bool ir, std::size_t bits) {
-  const std::string* const own = ir ? source.ir_mask : source.dr_mask;
-  if (own != nullptr) {
-    Bits mask = BitsOfBytes(reinterpret_cast<const std::uint8_t*>(own->data()), 0,
-                            8 * static_cast<int>(own->size()));
-    mask.resize(bits);
-    return mask;
-  }
-  if (!ir) return source.reads ? Bits(bits, true) : Bits();
-  Bits mask(bits);
-  std::fill_n(mask.begin(), std::min<std::size_t>(bits, 2), true);
-  return mask;
+}  // namespace
+
+std::unique_ptr<Output> MakeSvfCallWriter(std::ostream& stream) {
+  return std::make_unique<SvfCallWriter>(stream);
 }
 
 }  // namespace icehost

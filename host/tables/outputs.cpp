@@ -10,8 +10,7 @@
 #include "host/pins/serve_json.h"
 #include "host/pins/serve_trace.h"
 #include "host/pins/vcd_writer.h"
-#include "host/svf/svf_call_writer.h"
-#include "host/svf/svf_pin_writer.h"
+#include "host/svf/svf_writer.h"
 
 namespace icehost {
 namespace {
@@ -22,8 +21,7 @@ std::unique_ptr<Output> Make(std::ostream& stream, bool /*shows_pins*/) {
 }
 
 std::unique_ptr<Output> MakeSvf(std::ostream& stream, bool shows_pins) {
-  if (shows_pins) return std::make_unique<SvfPinWriter>(stream);
-  return std::make_unique<SvfCallWriter>(stream);
+  return shows_pins ? MakeSvfPinWriter(stream) : MakeSvfCallWriter(stream);
 }
 
 constexpr auto kLines = OutputFile::Rest::kLines;
