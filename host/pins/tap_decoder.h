@@ -46,7 +46,7 @@ class TapListener {
   // step.
   virtual void OnResetPins(int levels, StepRange steps) = 0;
   // A rising TCK edge with TRST high takes the TAP from a known state, that of the step before, to
-  // the next or leaves it there. Called before the other reports of the edge.
+  // the next or leaves it there. Called before OnScan, OnTapReset and OnIdle of the same edge.
   virtual void OnTapEdge(const PinStep& /*before*/, TapState /*to*/) {}
 };
 

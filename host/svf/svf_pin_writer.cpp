@@ -113,9 +113,9 @@ class SvfPinWriter : public SvfWriter, public StepRecorder, private TapListener 
   bool shifts_ = false;      // the last edge shifted a bit that the target drove
   Bits read_;                // whether the script read that bit
   std::optional<Held> held_;
-  bool updated_ = false;         // a scan, and the TAP has not been in Run-Test/Idle since
-  const char* end_dr_ = "IDLE";  // the ENDDR in force
-  const char* end_ir_ = "IDLE";
+  bool updated_ = false;        // a scan, and the TAP has not been in Run-Test/Idle since
+  const char* end_dr_ = kIdle;  // the ENDDR in force
+  const char* end_ir_ = kIdle;
 };
 
 void SvfPinWriter::BeginOperation(const std::string& /*name*/, const CallSource& source) {
