@@ -19,21 +19,20 @@ std::string BitText(const Bits& bits) {
 }
 
 void TapDecoder::Record(const PinStep& step) {
-  const bool rising = (~wires_ & step.wires & GPIO_PIN_TCK) != 0;
-  const std::optional<TapState> from = std::exchange(tap_, step.tap);
+  const bool rising = (~last_.wires & step.wires & GPIO_PIN_TCK) != 0;
   const bool trst = (step.wires & GPIO_PIN_TRST) == 0;
-  const bool trst_resets = trst && from != TapState::kTestLogicReset;
+  const bool trst_resets = trst && last_.tap != TapState::kTestLogicReset;
   if (trst_resets) CutScan();
-  if (((wires_ ^ step.wires) & kResetPins) != 0) OnResetPins(step.wires & kResetPins);
+  if (((last_.wires ^ step.wires) & kResetPins) != 0) OnResetPins(step.wires & kResetPins);
   if (trst_resets) Tell(&TapListener::OnTapReset, true, StepRange{step_, step_ + 1});
   if (!trst && rising && step.tap.has_value()) {
-    if (from.has_value()) {
-      OnEdge(*from, *step.tap, step.wires);
+    if (last_.tap.has_value()) {
+      OnEdge(step);
     } else {
       ResetByTms();
     }
   }
-  wires_ = step.wires;
+  last_ = step;
   ++step_;
 }
 
@@ -42,8 +41,11 @@ void TapDecoder::End() {
   EndIdle(step_);
 }
 
-void TapDecoder::OnEdge(TapState from, TapState to, int wires) {
-  if (from == TapState::kShiftDr || from == TapState::kShiftIr) Shift(wires);
+void TapDecoder::OnEdge(const PinStep& step) {
+  const TapState from = *last_.tap;
+  const TapState to = *step.tap;
+  Tell(&TapListener::OnTapEdge, last_, to);
+  if (from == TapState::kShiftDr || from == TapState::kShiftIr) Shift(step.wires);
   if (from == TapState::kRunTestIdle && to == TapState::kRunTestIdle) ++idle_cycles_;
   if (from == to) return;
   if (from == TapState::kRunTestIdle) EndIdle(step_ + 1);
@@ -73,10 +75,10 @@ void TapDecoder::Shift(int wires) {
     return;
   }
   scan_->in.push_back((wires & GPIO_PIN_TDI) != 0);
-  scan_->out.push_back((wires_ & GPIO_PIN_TDO) != 0);
+  scan_->out.push_back((last_.wires & GPIO_PIN_TDO) != 0);
 }
 
-// What came before has ended before.
+// Reports the idle cycles before the change first.
 void TapDecoder::OnResetPins(int levels) {
   EndIdle(step_);
   Tell(&TapListener::OnResetPins, levels, StepRange{step_, step_ + 1});

@@ -1,4 +1,4 @@
-// A Serial Vector Format file made into a JTAG script.
+// Makes a JTAG script of a Serial Vector Format file.
 #ifndef ICESCRIPT_HOST_SVF_IMPORTER_H_
 #define ICESCRIPT_HOST_SVF_IMPORTER_H_
 
@@ -11,13 +11,13 @@
 namespace icehost {
 
 struct ImportedSvf {
-  std::string script;  // empty where there are errors
-  Problems problems;   // in the order of their places, no more than some
+  std::string script;  // empty if there are errors
+  Problems problems;   // sorted by their places; reading stops after some errors
 };
 
-// The script does what the file says, or there is an error; a warning says what of the file does
-// not matter to any scan in it. Check finds nothing wrong with the script. `name` is what a comment
-// calls the file; `most` bounds the script's bytes. Throws Interrupted.
+// Returns a script that does the same as the file and passes `check`, or errors. A warning names a
+// part of the file that no scan depends on. `name` is the file's name for a comment; `most` limits
+// the bytes of the script. Throws Interrupted.
 ImportedSvf ImportSvf(const std::string& name, std::string_view text, std::size_t most);
 
 }  // namespace icehost

@@ -3,7 +3,11 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstdint>
+#include <utility>
+#include <vector>
 
+#include "base/text.h"
 #include "host/system/printable.h"
 
 namespace icehost {
@@ -11,79 +15,138 @@ namespace {
 
 constexpr std::size_t kLongestName = 200;
 
-// "0x01,0x02": the bits that are shifted first in the first byte.
+// The bits of a captured IR that a script can compare.
+constexpr std::size_t kMostComparedIrBits = 16;
+
+// "0x01,0x02": the bits that are shifted first in the first byte. At least one byte.
 std::string Bytes(const Bits& bits) {
-  std::string bytes((bits.size() + 7) / 8, '\0');
-  StoreBits(bits, static_cast<int>(bits.size()), reinterpret_cast<std::uint8_t*>(bytes.data()));
-  std::string text;
-  for (const char byte : bytes) {
-    text += fmt::format("{}0x{:02x}", text.empty() ? "" : ",", static_cast<unsigned char>(byte));
-  }
-  return text;
+  std::vector<std::uint8_t> bytes(std::max<std::size_t>((bits.size() + 7) / 8, 1));
+  StoreBits(bits, static_cast<int>(bits.size()), bytes.data());
+  return fmt::format("0x{:02x}", fmt::join(bytes, ",0x"));
 }
 
-// A file's name for a comment, in which "expect" would be taken for an expectation.
+// A file name for a comment, in which "expect" would begin an expectation.
 std::string NameInComment(std::string name) {
   if (name.size() > kLongestName) name = "..." + name.substr(name.size() - kLongestName);
   name = Printable(name);
-  std::string lower = name;
-  for (char& ch : lower) ch = ch >= 'A' && ch <= 'Z' ? static_cast<char>(ch - 'A' + 'a') : ch;
-  for (std::size_t at = lower.find("expect"); at != std::string::npos;
-       at = lower.find("expect", at + 1)) {
-    name[at] = '?';
+  for (std::size_t at = 0; at < name.size(); ++at) {
+    if (icescript::EqualsUpper(std::string_view(name).substr(at, 6), "EXPECT")) name[at] = '?';
   }
   return name;
 }
 
 }  // namespace
 
+void ScriptWriter::Ir(Place place, const SvfShift& shift) {
+  WriteIr();
+  instruction_reset_ = false;
+  if (!BeginScan(place, shift)) return;
+  if (shift.Compares() && shift.tdi.size() > kMostComparedIrBits) {
+    problems_.Error(place, fmt::format("a script compares a captured IR of up to {} bits, this one "
+                                       "has {}: leave its TDO out",
+                                       kMostComparedIrBits, shift.tdi.size()));
+    return;
+  }
+  new_ir_ = {place.line, shift};
+}
+
+void ScriptWriter::Dr(Place place, const SvfShift& shift) {
+  if (!BeginScan(place, shift)) return;
+  if (instruction_reset_) {
+    problems_.Error(place,
+                    "a script cannot scan the register that a TAP reset selects: load its "
+                    "instruction with SIR first");
+  } else if (new_ir_.has_value()) {
+    ir_ = std::exchange(new_ir_, std::nullopt);
+    Section(place.line, ir_->shift, shift);
+  } else if (ir_.has_value()) {
+    loads_again_ = true;
+    Comment(fmt::format("the instruction of line {} again", ir_->line));
+    Section(place.line, {ir_->shift.tdi, {}, {}}, shift);
+  } else {
+    if (!bare_.has_value()) bare_ = place;
+    Comment("no IR scan: the instruction is the one before, or that of a TAP reset");
+    Section(place.line, {}, shift);
+  }
+}
+
+bool ScriptWriter::BeginScan(Place place, const SvfShift& shift) {
+  if (shift.tdi.size() > kMostSvfBits) {
+    problems_.Error(place, fmt::format("with header and trailer this has {} bits: a script's "
+                                       "register has at most {}",
+                                       shift.tdi.size(), kMostSvfBits));
+    return false;
+  }
+  if (trst_) {
+    problems_.Error(place, "TRST is on, and a script cannot hold it during a scan");
+    return false;
+  }
+  if (const auto reset = std::exchange(reset_, std::nullopt); reset.has_value()) {
+    problems_.Error(*reset, "a script cannot reset the TAP between scans: split the file here");
+  }
+  scanned_ = true;
+  return true;
+}
+
+// Writes an instruction that no DR scan follows.
+void ScriptWriter::WriteIr() {
+  if (!new_ir_.has_value()) return;
+  ir_ = std::exchange(new_ir_, std::nullopt);
+  Comment("no DR scan: the instruction alone");
+  Section(ir_->line, ir_->shift, {});
+}
+
+void ScriptWriter::Reset(Place place) {
+  WriteIr();
+  ir_.reset();
+  instruction_reset_ = true;
+  if (scanned_ && !reset_.has_value()) reset_ = place;
+}
+
+void ScriptWriter::End() {
+  WriteIr();
+  if (bare_.has_value() && !problems_.HasErrors()) {
+    problems_.Warn(*bare_,
+                   "no SIR before: this scans what the instruction before the file selects, and "
+                   "icehost resets the TAP first");
+  }
+  if (!reset_.has_value()) return;
+  problems_.Warn(*reset_,
+                 "left out: a script cannot reset the TAP behind its scans; the last instruction "
+                 "stays");
+}
+
 void ScriptWriter::Comment(const std::string& text) {
   text_ += fmt::format("# {}\n", text);
 }
 
-void ScriptWriter::Section(int line, const std::optional<SvfShift>& ir,
-                           const std::optional<SvfShift>& dr) {
+void ScriptWriter::Section(int line, const SvfShift& ir, const SvfShift& dr) {
   on_line_ = line == last_line_ ? on_line_ + 1 : 1;
   last_line_ = line;
-  text_ += fmt::format("[LINE_{}{}]\n", line, on_line_ > 1 ? fmt::format("_{}", on_line_) : "");
-  if (ir.has_value()) {
-    Value("IR=", ir->tdi);
-  } else {
-    text_ += "IR=0,0x00\n";
-  }
-  if (dr.has_value()) {
-    Value(dr->Compares() ? "DR=R," : "DR=W,", dr->tdi);
-  } else {
-    text_ += "DR=W,0,0x00\n";
-  }
-  if (ir.has_value()) Expected("IR_TDO", "IR_MASK", *ir);
-  if (dr.has_value()) Expected("TDO", "MASK", *dr);
+  text_ += fmt::format("[LINE_{}{}]\nIR={},{}\nDR={},{},{}\n", line,
+                       on_line_ > 1 ? fmt::format("_{}", on_line_) : "", ir.tdi.size(),
+                       Bytes(ir.tdi), dr.Compares() ? 'R' : 'W', dr.tdi.size(), Bytes(dr.tdi));
+  Expect("IR_TDO", "IR_MASK", ir);
+  Expect("TDO", "MASK", dr);
   text_ += '\n';
 }
 
-void ScriptWriter::Value(const char* key, const Bits& bits) {
-  text_ += fmt::format("{}{},{}\n", key, bits.size(), Bytes(bits));
-}
-
-void ScriptWriter::Expected(const char* value_key, const char* mask_key, const SvfShift& shift) {
+void ScriptWriter::Expect(const char* value_key, const char* mask_key, const SvfShift& shift) {
   if (!shift.Compares()) return;
   text_ += fmt::format("{}={}\n", value_key, Bytes(shift.tdo));
   if (std::find(shift.mask.begin(), shift.mask.end(), false) == shift.mask.end()) return;
   text_ += fmt::format("{}={}\n", mask_key, Bytes(shift.mask));
 }
 
-std::string ScriptHead(const std::string& name, bool loads_again) {
-  std::string head = fmt::format(
+std::string ScriptWriter::Script(const std::string& name) const {
+  return fmt::format(
       "# Imported by icehost from {}. A section is named after the line of its\n"
-      "# scan there.\n",
-      NameInComment(name));
-  if (loads_again) {
-    head +=
-        "# A section is an IR scan and then a DR scan: where a DR is scanned again, the section "
-        "loads\n"
-        "# the same instruction again.\n";
-  }
-  return head + '\n';
+      "# scan there.\n{}\n{}",
+      NameInComment(name),
+      loads_again_ ? "# A section is an IR scan and then a DR scan: where a DR is scanned again, "
+                     "the section loads\n# the same instruction again.\n"
+                   : "",
+      text_);
 }
 
 }  // namespace icehost

@@ -13,68 +13,50 @@ namespace {
 
 using Kind = SvfToken::Kind;
 
-struct Sign {
-  char ch;
-  Place place;
-};
+static_assert(JTAG_IR_MAX_BYTES == JTAG_DR_MAX_BYTES);
+
+bool IsComment(std::string_view text) {
+  return text.substr(0, 1) == "!" || text.substr(0, 2) == "//";
+}
+
+bool IsBlank(char ch) {
+  return ch == ' ' || (ch >= '\t' && ch <= '\r');
+}
+
+bool EndsWord(std::string_view text) {
+  return text.empty() || IsBlank(text[0]) || text[0] == '(' || text[0] == ')' || text[0] == ';' ||
+         IsComment(text);
+}
+
+std::optional<unsigned> DigitOf(char ch) {
+  unsigned digit = 0;
+  if (std::from_chars(&ch, &ch + 1, digit, 16).ec != std::errc()) return std::nullopt;
+  return digit;
+}
 
 struct Digit {
   unsigned value;
   Place place;
 };
 
-std::optional<unsigned> HexDigit(char ch) {
-  if (ch >= '0' && ch <= '9') return static_cast<unsigned>(ch - '0');
-  const char upper = icescript::UpperCase(ch);
-  if (upper >= 'A' && upper <= 'F') return static_cast<unsigned>(upper - 'A' + 10);
-  return std::nullopt;
-}
-
-// Walks over a value: its lines and comments.
-class ValueCursor {
- public:
-  explicit ValueCursor(const SvfToken& value) : rest_(value.text), place_(value.place) {}
-
-  // The next sign that is neither blank nor comment.
-  std::optional<Sign> Next() {
-    while (!rest_.empty()) {
-      const Sign sign = {rest_[0], place_};
-      const bool comment = IsSvfComment(rest_);
-      Take(comment ? std::min(rest_.find('\n'), rest_.size()) : 1);
-      if (!comment && !IsSvfBlank(sign.ch)) return sign;
-    }
-    return std::nullopt;
-  }
-
- private:
-  void Take(std::size_t count) {
-    const bool line_feed = rest_[0] == '\n';
-    place_ = line_feed ? Place{place_.line + 1, 1}
-                       : Place{place_.line, place_.column + static_cast<int>(count)};
-    rest_.remove_prefix(count);
-  }
-
-  std::string_view rest_;
-  Place place_;
-};
-
-// Without zeros in front, the most significant first; none where there are others, or more than
-// `most`.
+// Returns the digits, the most significant first, without leading zeros. Returns nothing, and
+// reports it, if there is none or another character. Stops after `most` + 1 digits.
 std::optional<std::vector<Digit>> Digits(const SvfToken& value, std::size_t most,
                                          Problems& problems) {
   std::vector<Digit> digits;
   bool empty = true;
-  ValueCursor cursor(value);
-  for (auto sign = cursor.Next(); sign.has_value(); sign = cursor.Next()) {
-    const auto digit = HexDigit(sign->ch);
+  SvfCursor cursor(value.text, value.place);
+  for (cursor.SkipBlanks(); !cursor.AtEnd(); cursor.SkipBlanks()) {
+    const char ch = cursor.Rest()[0];
+    const auto digit = DigitOf(ch);
     if (!digit.has_value()) {
-      problems.Error(sign->place, fmt::format("\"{}\" is no hexadecimal digit", sign->ch));
+      problems.Error(cursor.At(), fmt::format("\"{}\" is no hexadecimal digit", ch));
       return std::nullopt;
     }
     empty = false;
-    if (digits.empty() && *digit == 0) continue;
-    digits.push_back({*digit, sign->place});
+    if (!digits.empty() || *digit != 0) digits.push_back({*digit, cursor.At()});
     if (digits.size() > most) break;
+    cursor.Step();
   }
   if (empty) {
     problems.Error(value.place, "the parentheses hold no digit");
@@ -83,15 +65,135 @@ std::optional<std::vector<Digit>> Digits(const SvfToken& value, std::size_t most
   return digits;
 }
 
+// Returns the bits of a value. Returns nothing, and reports it, if the value is not hexadecimal or
+// has a 1 beyond the length.
+std::optional<Bits> BitsOf(const SvfToken& value, std::size_t length, Problems& problems) {
+  const auto digits = Digits(value, (length + 3) / 4, problems);
+  if (!digits.has_value()) return std::nullopt;
+  Bits bits(length);
+  std::size_t first = 0;
+  for (auto digit = digits->rbegin(); digit != digits->rend(); ++digit, first += 4) {
+    for (std::size_t i = 0; i < 4; ++i) {
+      if ((digit->value >> i & 1) == 0) continue;
+      if (first + i >= length) {
+        problems.Error(digit->place,
+                       fmt::format("a bit is set beyond the {} of the length", length));
+        return std::nullopt;
+      }
+      bits[first + i] = true;
+    }
+  }
+  return bits;
+}
+
+// Reads the first word, a number of bits.
+std::optional<std::size_t> LengthOf(const SvfStatement& statement, Problems& problems) {
+  if (statement.words.empty()) {
+    problems.Error(statement.keyword.place,
+                   fmt::format("{} lacks its length", Quoted(statement.keyword)));
+    return std::nullopt;
+  }
+  const SvfToken& word = statement.words[0];
+  const char* const text_end = word.text.data() + word.text.size();
+  std::size_t length = 0;
+  const auto [end, error] = std::from_chars(word.text.data(), text_end, length);
+  if (word.kind != Kind::kWord || error == std::errc::invalid_argument || end != text_end) {
+    problems.Error(word.place, fmt::format("{} is no length in bits", Quoted(word)));
+    return std::nullopt;
+  }
+  if (error == std::errc() && length <= kMostSvfBits) return length;
+  problems.Error(word.place, fmt::format("a script's register has at most {} bits", kMostSvfBits));
+  return std::nullopt;
+}
+
+enum Parameter : std::size_t { kTdi, kTdo, kMask, kSmask, kParameters };
+constexpr const char* kParameterNames[kParameters] = {"TDI", "TDO", "MASK", "SMASK"};
+using Values = std::optional<Bits>[kParameters];
+
+// Reads the parameters after the length. Returns false, and reports it, if one is wrong.
+bool ReadValues(const SvfStatement& statement, std::size_t length, Values& values,
+                Problems& problems) {
+  const auto& words = statement.words;
+  for (std::size_t i = 1; i < words.size(); i += 2) {
+    const auto refuse = [&](const std::string& why) {
+      problems.Error(words[i].place, why);
+      return false;
+    };
+    const auto* const name =
+        std::find_if(std::begin(kParameterNames), std::end(kParameterNames),
+                     [&](const char* known) { return IsSvfWord(words[i], known); });
+    if (name == std::end(kParameterNames)) {
+      return refuse(fmt::format("{} is none of TDI, TDO, MASK and SMASK", Quoted(words[i])));
+    }
+    std::optional<Bits>& value = values[name - std::begin(kParameterNames)];
+    if (value.has_value()) return refuse(fmt::format("{} is given twice", *name));
+    if (i + 1 == words.size() || words[i + 1].kind != Kind::kValue) {
+      return refuse(fmt::format("{} lacks its value in parentheses", *name));
+    }
+    value = BitsOf(words[i + 1], length, problems);
+    if (!value.has_value()) return false;
+  }
+  return true;
+}
+
 }  // namespace
 
+void SvfCursor::Step() {
+  place_ = rest_[0] == '\n' ? Place{place_.line + 1, 1} : Place{place_.line, place_.column + 1};
+  rest_.remove_prefix(1);
+}
+
+bool SvfCursor::SkipComment() {
+  if (!IsComment(rest_)) return false;
+  while (!AtEnd() && rest_[0] != '\n') Step();
+  return true;
+}
+
+void SvfCursor::SkipBlanks() {
+  while (!AtEnd()) {
+    if (SkipComment()) continue;
+    if (!IsBlank(rest_[0])) return;
+    Step();
+  }
+}
+
+SvfToken SvfReader::NextToken(Problems& problems) {
+  cursor_.SkipBlanks();
+  const std::string_view text = cursor_.Rest();
+  const Place place = cursor_.At();
+  if (text.empty()) return {Kind::kEnd, {}, place};
+  if (text[0] == '(') return Value(problems);
+  cursor_.Step();
+  if (text[0] == ';') return {Kind::kSemicolon, text.substr(0, 1), place};
+  // A ")" that closes nothing is a word.
+  while (text[0] != ')' && !EndsWord(cursor_.Rest())) cursor_.Step();
+  return {Kind::kWord, text.substr(0, text.size() - cursor_.Rest().size()), place};
+}
+
+// A semicolon ends a value that is not closed, so that the statements after it are still read.
+SvfToken SvfReader::Value(Problems& problems) {
+  const Place open = cursor_.At();
+  cursor_.Step();
+  const std::string_view text = cursor_.Rest();
+  const Place place = cursor_.At();
+  while (!cursor_.AtEnd() && cursor_.Rest()[0] != ')' && cursor_.Rest()[0] != ';') {
+    if (!cursor_.SkipComment()) cursor_.Step();
+  }
+  const std::string_view rest = cursor_.Rest();
+  if (rest.empty() || rest[0] == ';') {
+    problems.Error(open, "this ( is not closed");
+  } else {
+    cursor_.Step();
+  }
+  return {Kind::kValue, text.substr(0, text.size() - rest.size()), place};
+}
+
 std::optional<SvfStatement> SvfReader::Next(Problems& problems) {
-  SvfToken token = lexer_.Next(problems);
-  while (token.kind == Kind::kSemicolon) token = lexer_.Next(problems);
+  SvfToken token = NextToken(problems);
+  while (token.kind == Kind::kSemicolon) token = NextToken(problems);
   if (token.kind == Kind::kEnd) return std::nullopt;
   SvfStatement statement = {token, {}, false};
-  for (token = lexer_.Next(problems); token.kind != Kind::kSemicolon;
-       token = lexer_.Next(problems)) {
+  for (token = NextToken(problems); token.kind != Kind::kSemicolon; token = NextToken(problems)) {
     if (token.kind == Kind::kEnd) {
       problems.Error(statement.keyword.place, "the statement has no semicolon at its end");
       return std::nullopt;
@@ -121,23 +223,37 @@ std::optional<double> SvfNumber(const SvfToken& token) {
   return number;
 }
 
-std::optional<Bits> SvfBits(const SvfToken& value, std::size_t length, Problems& problems) {
-  const auto digits = Digits(value, (length + 3) / 4, problems);
-  if (!digits.has_value()) return std::nullopt;
-  Bits bits(length);
-  std::size_t first = 0;
-  for (auto digit = digits->rbegin(); digit != digits->rend(); ++digit, first += 4) {
-    for (std::size_t i = 0; i < 4; ++i) {
-      if ((digit->value >> i & 1) == 0) continue;
-      if (first + i >= length) {
-        problems.Error(digit->place,
-                       fmt::format("a bit is set beyond the {} of the length", length));
-        return std::nullopt;
-      }
-      bits[first + i] = true;
-    }
+bool SvfShift::Compares() const {
+  return std::find(mask.begin(), mask.end(), true) != mask.end();
+}
+
+void SvfShift::Append(const SvfShift& more) {
+  tdi.insert(tdi.end(), more.tdi.begin(), more.tdi.end());
+  tdo.insert(tdo.end(), more.tdo.begin(), more.tdo.end());
+  mask.insert(mask.end(), more.mask.begin(), more.mask.end());
+}
+
+std::optional<SvfShift> SvfRegister::Take(const SvfStatement& statement, Problems& problems) {
+  const auto length = LengthOf(statement, problems);
+  if (!length.has_value()) return std::nullopt;
+  const bool is_new = *length != length_;
+  if (is_new) {
+    length_ = *length;
+    tdi_ = Bits(length_);
+    mask_ = Bits(length_, true);
   }
-  return bits;
+  Values values;
+  if (!ReadValues(statement, length_, values, problems)) return std::nullopt;
+  if (is_new && length_ > 0 && !values[kTdi].has_value()) {
+    problems.Error(
+        statement.keyword.place,
+        fmt::format("{} has another length than before, and no TDI", Quoted(statement.keyword)));
+    return std::nullopt;
+  }
+  tdi_ = values[kTdi].value_or(tdi_);
+  mask_ = values[kMask].value_or(mask_);
+  const bool compares = values[kTdo].has_value();
+  return SvfShift{tdi_, compares ? *values[kTdo] : Bits(length_), compares ? mask_ : Bits(length_)};
 }
 
 }  // namespace icehost

@@ -1,47 +1,105 @@
-// The statements of a Serial Vector Format file.
+// The words, values and statements of a Serial Vector Format file (ASSET InterTech, revision E).
 #ifndef ICESCRIPT_HOST_SVF_STATEMENTS_H_
 #define ICESCRIPT_HOST_SVF_STATEMENTS_H_
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "host/svf/lexer.h"
+#include "entry/icescript.h"
+#include "host/check/problems.h"
 #include "host/target/bits.h"
 
 namespace icehost {
 
-// More than a path through all states.
+// The longest register that a script can scan.
+constexpr std::size_t kMostSvfBits = std::size_t{8} * JTAG_DR_MAX_BYTES;
+// More words than a path through all states has.
 constexpr std::size_t kMostWords = 64;
+
+struct SvfToken {
+  enum class Kind { kWord, kValue, kSemicolon, kEnd };
+
+  Kind kind;
+  std::string_view text;  // of a value, everything between the parentheses, comments included
+  Place place;            // of the text
+};
 
 struct SvfStatement {
   SvfToken keyword;
-  std::vector<SvfToken> words;  // between it and the semicolon, values among them
-  bool is_long;                 // there are more than kMostWords, which are not kept
+  std::vector<SvfToken> words;  // the words and values between the keyword and the semicolon
+  bool is_long;                 // there are more than kMostWords, and the rest is not kept
 };
 
+// A walk over text that follows the place.
+class SvfCursor {
+ public:
+  // The text must outlive the cursor.
+  SvfCursor(std::string_view text, Place place) : rest_(text), place_(place) {}
+
+  bool AtEnd() const { return rest_.empty(); }
+  std::string_view Rest() const { return rest_; }
+  Place At() const { return place_; }
+  void Step();
+  // A comment begins with "!" or "//" and ends with its line. False if none begins here.
+  bool SkipComment();
+  void SkipBlanks();  // and comments
+
+ private:
+  std::string_view rest_;
+  Place place_;
+};
+
+// Words end at blanks, parentheses, semicolons and comments. A value may span several lines.
 class SvfReader {
  public:
   // The text must outlive the statements.
-  explicit SvfReader(std::string_view text) : lexer_(text) {}
+  explicit SvfReader(std::string_view text) : cursor_(text, {1, 1}) {}
 
-  // The next statement; none at the end. One that has no end is reported.
+  // Returns the next statement, and nothing at the end. Reports a statement without a semicolon
+  // and a value without its closing parenthesis.
   std::optional<SvfStatement> Next(Problems& problems);
 
  private:
-  SvfLexer lexer_;
+  SvfToken NextToken(Problems& problems);
+  SvfToken Value(Problems& problems);
+
+  SvfCursor cursor_;
 };
 
-// In upper or lower case; `upper` is in upper case. A value is no word.
+// Compares without regard to case; `upper` is in upper case. A value is not a word.
 bool IsSvfWord(const SvfToken& token, std::string_view upper);
 // The word in quotes, for a message.
 std::string Quoted(const SvfToken& token);
-// A word that is a number, not negative.
+// Returns the number, which is not negative, or nothing if the token is something else.
 std::optional<double> SvfNumber(const SvfToken& token);
-// The bits of a value, the first to be shifted first. None where it has no digit or another sign,
-// or a bit beyond the length is 1, which is reported.
-std::optional<Bits> SvfBits(const SvfToken& value, std::size_t length, Problems& problems);
+
+// What one scan shifts: all of one length, the first bit to be shifted first.
+struct SvfShift {
+  Bits tdi;
+  Bits tdo;
+  Bits mask;  // a bit that is 1 is compared
+
+  bool Compares() const;
+  // Appends `more`, which is shifted later.
+  void Append(const SvfShift& more);
+};
+
+// The register of one keyword. It remembers the TDI and the MASK of the last statement for the
+// next one of the same length.
+class SvfRegister {
+ public:
+  // Takes LENGTH [TDI (..)] [TDO (..)] [MASK (..)] [SMASK (..)]. Returns nothing, and reports it,
+  // if that is wrong or too long for a script.
+  std::optional<SvfShift> Take(const SvfStatement& statement, Problems& problems);
+
+ private:
+  std::size_t length_ = 0;
+  Bits tdi_;
+  Bits mask_;
+};
 
 }  // namespace icehost
 

@@ -1,18 +1,31 @@
-#include "host/svf/svf_pin_writer.h"
-
 #include <fmt/format.h>
 
 #include <cstring>
+#include <deque>
+#include <optional>
 #include <utility>
 
 #include "host/events/call_fields.h"
-#include "host/svf/svf_call_writer.h"
+#include "host/pins/recording_port.h"
+#include "host/pins/tap_decoder.h"
+#include "host/svf/svf_writer.h"
 #include "host/target/pin_names.h"
 
 namespace icehost {
 namespace {
 
 constexpr const char* kIdle = "IDLE";
+
+constexpr const char* kTwoWire = "SVF knows no 2-wire interface: a player scans over 5 wires";
+constexpr const char* kReleased = "SVF cannot release pins: a player drives them";
+constexpr const char* kEmptyScan =
+    "SVF has no scan of 0 bits: a player neither captures nor updates there";
+constexpr const char* kCutScan = "a scan was cut short: it is not in the file";
+constexpr const char* kLongScan = "a scan has more than 1048576 bits: it is not in the file";
+static_assert(kMostScanBits == 1048576);
+constexpr const char* kPause = "a scan went through a Pause state: a player does not";
+constexpr const char* kNoIdle =
+    "scans followed each other without Run-Test/Idle: a player goes through it";
 
 bool IsShift(std::optional<TapState> state) {
   return state == TapState::kShiftDr || state == TapState::kShiftIr;
@@ -22,7 +35,6 @@ const char* Column(bool ir) {
   return ir ? "IR" : "DR";
 }
 
-// Of the pins that SVF drives.
 std::string NamesOf(int pins) {
   std::string names;
   for (int pin = 0; pin < kPins; ++pin) {
@@ -32,7 +44,80 @@ std::string NamesOf(int pins) {
   return names;
 }
 
-}  // namespace
+class SvfPinWriter : public SvfWriter, public StepRecorder, private TapListener {
+ public:
+  using SvfWriter::SvfWriter;
+
+  void BeginOperation(const std::string& name, const CallSource& source) override;
+  void Record(const PinStep& step) override;
+  void End(const PageHead& head) override;
+
+  void OnScript(const std::string& path) override { paths_.push_back(path); }
+  void OnCall(const CallEvent& call) override;
+  void OnScriptEnd(bool ran) override;
+
+ private:
+  struct Operation {
+    long number;  // from 1
+    CallSource source;
+    const std::string* path;
+  };
+  // A comment for a step that is still to be recorded.
+  struct Note {
+    std::size_t step;  // the comment precedes it
+    CallSource source;
+    const std::string* path;
+    const char* warning;
+    std::string text;
+  };
+  // A scan that waits until the TAP leaves Update, because that decides its end state.
+  struct Held {
+    SvfScan scan;
+    Operation begin;
+    int last_line;  // of a GPIO script
+    bool paused;
+  };
+
+  void OnTapEdge(const PinStep& before, TapState to) override;
+  void OnScan(const TapScan& scan) override;
+  void OnTapReset(bool by_trst, StepRange steps) override;
+  void OnIdle(long cycles, StepRange steps) override;
+  void OnResetPins(int levels, StepRange steps) override;
+
+  void Advance();
+  void OnNewState(TapState from, TapState to);
+  void Locate(const Operation& operation, int last_line);
+  void BeginStatement();
+  void LoseScan(const TapScan& scan);
+  void WriteScan(const char* end);
+  void AddNote(const CallEvent& call, const char* warning, std::string text);
+  void Write(const Note& note);
+  Bits MaskOfScan(const TapScan& scan) const;
+  void OnInterface(const CallEvent& call);
+  void OnPinCall(const CallEvent& call, const GpioCall& pins);
+  void NoteTdoRead();
+
+  TapDecoder decoder_{{this}};
+  std::size_t step_ = 0;  // the next to be recorded
+  int reset_levels_ = GPIO_PIN_NRST | GPIO_PIN_TRST;
+  std::deque<std::string> paths_;  // of all scripts so far
+  std::deque<Note> notes_;
+  Operation current_{0, {}, nullptr};
+  long located_ = 0;  // the operation that the last comment on a place names
+  int released_ = 0;  // pins
+  bool two_wire_ = false;
+
+  // Since the last Capture:
+  Operation begin_{0, {}, nullptr};
+  bool paused_ = false;
+  std::size_t shifted_ = 0;  // bits
+  bool shifts_ = false;      // the last edge shifted a bit that the target drove
+  Bits read_;                // whether the script read that bit
+  std::optional<Held> held_;
+  bool updated_ = false;        // a scan, and the TAP has not been in Run-Test/Idle since
+  const char* end_dr_ = kIdle;  // the ENDDR in force
+  const char* end_ir_ = kIdle;
+};
 
 void SvfPinWriter::BeginOperation(const std::string& /*name*/, const CallSource& source) {
   current_ = {current_.number + 1, source, &paths_.back()};
@@ -41,12 +126,10 @@ void SvfPinWriter::BeginOperation(const std::string& /*name*/, const CallSource&
 void SvfPinWriter::Record(const PinStep& step) {
   Advance();
   decoder_.Record(step);
-  const PinStep before = std::exchange(last_, step);
-  if ((~before.wires & step.wires & GPIO_PIN_TCK) != 0) OnEdge(before, step);
   ++step_;
 }
 
-// Past what stands before the next step.
+// Writes the notes that precede the next step.
 void SvfPinWriter::Advance() {
   while (!notes_.empty() && notes_.front().step <= step_) {
     Write(notes_.front());
@@ -54,14 +137,13 @@ void SvfPinWriter::Advance() {
   }
 }
 
-void SvfPinWriter::OnEdge(const PinStep& before, const PinStep& step) {
-  const std::optional<TapState> from = before.tap;
-  const bool shifts = IsShift(from);
-  // A level of the script's own is nothing that came back.
+void SvfPinWriter::OnTapEdge(const PinStep& before, TapState to) {
+  const bool shifts = IsShift(before.tap);
+  // A level that the probe itself drives did not come back.
   shifts_ = shifts && !before.drives_tdo;
   if (shifts && before.drives_tdo && shifted_ < read_.size()) read_[shifted_] = false;
   if (shifts) ++shifted_;
-  if (from.has_value() && step.tap.has_value() && from != step.tap) OnNewState(*from, *step.tap);
+  if (before.tap != to) OnNewState(*before.tap, to);
 }
 
 void SvfPinWriter::OnNewState(TapState from, TapState to) {
@@ -71,12 +153,12 @@ void SvfPinWriter::OnNewState(TapState from, TapState to) {
       WriteScan(kIdle);
       if (from != TapState::kTestLogicReset) return;
       BeginStatement();
-      return file_.Statement("STATE IDLE");
+      return Statement("STATE IDLE");
     case TapState::kCaptureDr:
     case TapState::kCaptureIr:
       if (std::exchange(updated_, false)) {
         BeginStatement();
-        file_.Lose(SvfLoss::kNoIdle, "from the scan above to the next without Run-Test/Idle");
+        Lose(kNoIdle, "from the scan above to the next without Run-Test/Idle");
       }
       begin_ = current_;
       paused_ = false;
@@ -96,7 +178,7 @@ void SvfPinWriter::OnScan(const TapScan& scan) {
   if (!scan.updated || scan.in.empty() || scan.left_out > 0) return LoseScan(scan);
   const bool lines = begin_.source.section == nullptr && begin_.path == current_.path;
   const int last_line = lines ? current_.source.line : 0;
-  held_ = {{scan.ir, scan.in, scan.out, MaskOf(scan)}, begin_, last_line, paused_};
+  held_ = {{scan.ir, scan.in, scan.out, MaskOfScan(scan)}, begin_, last_line, paused_};
   updated_ = true;
 }
 
@@ -105,17 +187,17 @@ void SvfPinWriter::LoseScan(const TapScan& scan) {
   const std::string what =
       fmt::format("scan of {} {} bits: ", scan.in.size() + scan.left_out, Column(scan.ir));
   if (!scan.updated) {
-    file_.Lose(SvfLoss::kCutScan, what + "cut short, left out");
+    Lose(kCutScan, what + "cut short, left out");
   } else if (scan.in.empty()) {
-    file_.Lose(SvfLoss::kEmptyScan, what + "left out");
+    Lose(kEmptyScan, what + "left out");
   } else {
-    file_.Lose(SvfLoss::kLongScan, what + "too long, left out");
+    Lose(kLongScan, what + "too long, left out");
   }
 }
 
-// The bits that count; none where none do.
-Bits SvfPinWriter::MaskOf(const TapScan& scan) const {
-  if (begin_.source.section != nullptr) return SvfMask(begin_.source, scan.ir, scan.in.size());
+// Returns an empty mask if no bit is compared.
+Bits SvfPinWriter::MaskOfScan(const TapScan& scan) const {
+  if (begin_.source.section != nullptr) return MaskOf(begin_.source, scan.ir, scan.in.size());
   Bits mask = read_;
   if (!mask.empty()) mask.resize(scan.in.size());
   return mask;
@@ -125,23 +207,22 @@ void SvfPinWriter::WriteScan(const char* end) {
   if (!held_.has_value()) return;
   const Held held = *std::exchange(held_, std::nullopt);
   Locate(held.begin, held.last_line);
-  if (held.paused)
-    file_.Lose(SvfLoss::kPause, fmt::format("by way of Pause-{}", Column(held.scan.ir)));
+  if (held.paused) Lose(kPause, fmt::format("by way of Pause-{}", Column(held.scan.ir)));
   const char*& end_in_force = held.scan.ir ? end_ir_ : end_dr_;
   if (std::strcmp(std::exchange(end_in_force, end), end) != 0) {
-    file_.Statement(fmt::format("END{} {}", Column(held.scan.ir), end));
+    Statement(fmt::format("END{} {}", Column(held.scan.ir), end));
   }
-  file_.Scan(held.scan);
+  ScanStatement(held.scan);
 }
 
-// A comment on the place, where the last one was on another.
+// Comments on the place unless the last such comment was on the same operation.
 void SvfPinWriter::Locate(const Operation& operation, int last_line) {
   if (std::exchange(located_, operation.number) != operation.number) {
-    file_.Place(*operation.path, operation.source, last_line);
+    CommentOnPlace(*operation.path, operation.source, last_line);
   }
 }
 
-// What follows is of the operation under way, and no part of a scan.
+// Begins a statement of the current operation that is not part of a scan.
 void SvfPinWriter::BeginStatement() {
   WriteScan(kIdle);
   Locate(current_, 0);
@@ -149,66 +230,68 @@ void SvfPinWriter::BeginStatement() {
 
 void SvfPinWriter::OnTapReset(bool by_trst, StepRange /*steps*/) {
   const bool updated = std::exchange(updated_, false);
-  if (by_trst) return;  // which says so itself
-  // By way of Pause, which changes nothing, since the script does not go through Run-Test/Idle. A
-  // scan that itself ends in RESET is too much for OpenOCD 0.12.
+  if (by_trst) return;  // "TRST ON" says so
+  // The script does not go through Run-Test/Idle, so the scan ends in Pause, which changes nothing.
+  // OpenOCD 0.12 cannot play a scan that itself ends in RESET.
   const bool held = held_.has_value();
   if (held) WriteScan(held_->scan.ir ? "IRPAUSE" : "DRPAUSE");
   BeginStatement();
   if (updated && !held) {
-    file_.Lose(SvfLoss::kNoIdle, "from the scan above to the reset without Run-Test/Idle");
+    Lose(kNoIdle, "from the scan above to the reset without Run-Test/Idle");
   }
-  file_.Statement("STATE RESET");
+  Statement("STATE RESET");
 }
 
 void SvfPinWriter::OnIdle(long cycles, StepRange /*steps*/) {
   BeginStatement();
-  file_.Statement(fmt::format("RUNTEST IDLE {} TCK ENDSTATE IDLE", cycles));
+  Statement(fmt::format("RUNTEST IDLE {} TCK ENDSTATE IDLE", cycles));
 }
 
 void SvfPinWriter::OnResetPins(int levels, StepRange /*steps*/) {
   BeginStatement();
   const int changed = std::exchange(reset_levels_, levels) ^ levels;
   if ((changed & GPIO_PIN_NRST) != 0) {
-    file_.Lose(SvfLoss::kResetLine, (levels & GPIO_PIN_NRST) != 0 ? "NRST high" : "NRST low");
+    Lose(kNoNrst, (levels & GPIO_PIN_NRST) != 0 ? "NRST high" : "NRST low");
   }
   if ((changed & GPIO_PIN_TRST) != 0) {
-    file_.Statement((levels & GPIO_PIN_TRST) != 0 ? "TRST OFF" : "TRST ON");
+    Statement((levels & GPIO_PIN_TRST) != 0 ? "TRST OFF" : "TRST ON");
   }
 }
 
 void SvfPinWriter::OnCall(const CallEvent& call) {
   if (const auto* pins = call.As<GpioCall>()) OnPinCall(call, *pins);
   if (AsksForInterface(call)) OnInterface(call);
-  CommentOnUnmet(call, file_);
+  CommentOnUnmet(call);
 }
 
-// Each scan asks which interface it goes over.
+// Each scan asks for the interface in use.
 void SvfPinWriter::OnInterface(const CallEvent& call) {
   const bool two_wire = call.result == CDI_ANSWER_2WIRE || call.result == CDI_ANSWER_CJTAG2;
   if (std::exchange(two_wire_, two_wire) == two_wire || !two_wire) return;
-  AddNote(call, SvfLoss::kTwoWire, "over the 2-wire interface");
+  AddNote(call, kTwoWire, "over the 2-wire interface");
 }
 
 void SvfPinWriter::OnPinCall(const CallEvent& call, const GpioCall& pins) {
   const int released = kDrivenPins & ~GPIO_PIN_NRST & ~pins.oe_mask;
   if ((pins.flags & (GPIO_FLAG_START | GPIO_FLAG_WRITE_OE)) != 0 &&
       std::exchange(released_, released) != released && released != 0) {
-    AddNote(call, SvfLoss::kReleased, NamesOf(released) + " released");
+    AddNote(call, kReleased, NamesOf(released) + " released");
   }
   if (pins.data.has_value() && (pins.oe_mask & GPIO_PIN_TDO) == 0) NoteTdoRead();
 }
 
-void SvfPinWriter::AddNote(const CallEvent& call, SvfLoss loss, std::string text) {
-  notes_.push_back({call.steps.begin, call.source, &paths_.back(), loss, std::move(text)});
+void SvfPinWriter::AddNote(const CallEvent& call, const char* warning, std::string text) {
+  notes_.push_back({call.steps.begin, call.source, &paths_.back(), warning, std::move(text)});
   Advance();
 }
 
-// The bit that is on TDO now: from the falling edge of TCK before the one that shifts it to the one
-// behind. Everything up to the read has been recorded.
+// Notes that the script reads the bit that is on TDO now. A bit is there from the falling edge of
+// TCK before the edge that shifts it to the falling edge after it. All steps before the read have
+// been recorded.
 void SvfPinWriter::NoteTdoRead() {
-  const bool high = (last_.wires & GPIO_PIN_TCK) != 0;
-  if (high ? !shifts_ : !IsShift(last_.tap)) return;
+  const PinStep& now = decoder_.Last();
+  const bool high = (now.wires & GPIO_PIN_TCK) != 0;
+  if (high ? !shifts_ : !IsShift(now.tap)) return;
   const std::size_t bit = high ? shifted_ - 1 : shifted_;
   if (bit >= kMostScanBits) return;
   if (read_.size() <= bit) read_.resize(bit + 1);
@@ -217,21 +300,27 @@ void SvfPinWriter::NoteTdoRead() {
 
 void SvfPinWriter::Write(const Note& note) {
   WriteScan(kIdle);
-  file_.Place(*note.path, note.source, 0);
-  file_.Lose(note.loss, note.text);
+  CommentOnPlace(*note.path, note.source, 0);
+  Lose(note.warning, note.text);
   located_ = 0;
 }
 
 void SvfPinWriter::OnScriptEnd(bool ran) {
   if (ran) return;
   WriteScan(kIdle);
-  file_.Comment("The script failed.");
+  Comment("The script failed.");
 }
 
 void SvfPinWriter::End(const PageHead& /*head*/) {
   decoder_.End();
   Advance();
   WriteScan(kIdle);
+}
+
+}  // namespace
+
+std::unique_ptr<Output> MakeSvfPinWriter(std::ostream& stream) {
+  return std::make_unique<SvfPinWriter>(stream);
 }
 
 }  // namespace icehost

@@ -12,8 +12,7 @@
 #include "host/page/page_writer.h"
 #include "host/picture/svg_drawing.h"
 #include "host/pins/pin_writers.h"
-#include "host/svf/svf_call_writer.h"
-#include "host/svf/svf_pin_writer.h"
+#include "host/svf/svf_writer.h"
 #include "host/system/errors.h"
 
 namespace icehost {

@@ -21,11 +21,11 @@ namespace icehost {
 using MakeOutput = std::unique_ptr<Output> (*)(std::ostream& stream);
 
 struct OutputKind {
-  // The output of one verb; all members are null if the verb does not have it.
+  // The output of one verb; all members are null if the verb does not have the output.
   struct Verb {
-    const char* help;
-    MakeOutput make;
-    MakeOutput make_without_pins;  // for a probe that shows none; null: make serves both
+    const char* help = nullptr;
+    MakeOutput make = nullptr;
+    MakeOutput make_without_pins = nullptr;  // for a probe that shows none, if it needs another
   };
 
   const char* option;

@@ -22,6 +22,13 @@ Bits BitsOfBytes(const std::uint8_t* bytes, int first, int end) {
   return bits;
 }
 
+Bits BitsOfBytes(const std::string& bytes, std::size_t count) {
+  Bits bits = BitsOfBytes(reinterpret_cast<const std::uint8_t*>(bytes.data()), 0,
+                          8 * static_cast<int>(bytes.size()));
+  bits.resize(count);
+  return bits;
+}
+
 void StoreBits(const Bits& bits, int limit, std::uint8_t* bytes) {
   const int count = std::min(static_cast<int>(bits.size()), limit);
   for (int i = 0; i < count; ++i) {

@@ -19,6 +19,8 @@ std::uint64_t NumberOfBits(const Bits& bits);
 
 // Bits `first` to `end - 1` of bytes that are least significant first; none where end <= first.
 Bits BitsOfBytes(const std::uint8_t* bytes, int first, int end);
+// The first `count` bits of such bytes; zeros beyond them.
+Bits BitsOfBytes(const std::string& bytes, std::size_t count);
 // Sets the bits of zeroed bytes, no more than `limit` of them.
 void StoreBits(const Bits& bits, int limit, std::uint8_t* bytes);
 

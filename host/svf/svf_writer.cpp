@@ -1,0 +1,99 @@
+#include "host/svf/svf_writer.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "base/text.h"
+#include "host/pins/tap_decoder.h"
+#include "host/system/printable.h"
+
+namespace icehost {
+namespace {
+
+constexpr std::size_t kDigitsOnLine = 64;
+constexpr std::size_t kLongestComment = 200;
+constexpr std::size_t kLongestPath = 100;
+
+// Hexadecimal, the bit that is shifted first at the right end.
+std::string Hex(const Bits& bits) {
+  std::string text = BitText(bits);
+  text.erase(0, text.size() - (bits.size() + 3) / 4);
+  for (char& ch : text) ch = icescript::UpperCase(ch);
+  return text;
+}
+
+// "TDI (0123)", over several lines if it is long.
+void WriteValue(const char* name, const Bits& bits, std::ostream& stream) {
+  const std::string digits = Hex(bits);
+  const bool is_long = digits.size() > kDigitsOnLine;
+  stream << (is_long ? "\n  " : " ") << name << " (";
+  for (std::size_t at = 0; at < digits.size(); at += kDigitsOnLine) {
+    stream << (at > 0 ? "\n    " : "") << std::string_view(digits).substr(at, kDigitsOnLine);
+  }
+  stream << ')';
+}
+
+}  // namespace
+
+void SvfWriter::Begin() {
+  Comment("Played by icehost, which wrote this while it ran. TDO is what came back.");
+  Statement("ENDIR IDLE");
+  Statement("ENDDR IDLE");
+}
+
+Bits SvfWriter::MaskOf(const CallSource& source, bool ir, std::size_t bits) {
+  const std::string* const own = ir ? source.ir_mask : source.dr_mask;
+  if (own != nullptr) return BitsOfBytes(*own, bits);
+  if (!ir) return source.reads ? Bits(bits, true) : Bits();
+  Bits mask(bits);
+  std::fill_n(mask.begin(), std::min<std::size_t>(bits, 2), true);
+  return mask;
+}
+
+void SvfWriter::Comment(const std::string& text) {
+  std::string plain = Printable(text);
+  if (plain.size() > kLongestComment) plain.replace(kLongestComment, std::string::npos, "...");
+  std::replace_if(
+      plain.begin(), plain.end(), [](char ch) { return ch < ' ' || ch > '~'; }, '?');
+  stream_ << "! " << plain << '\n';
+}
+
+void SvfWriter::CommentOnPlace(const std::string& path, const CallSource& source, int last_line) {
+  std::string text =
+      path.size() <= kLongestPath ? path : "..." + path.substr(path.size() - kLongestPath);
+  if (source.line != 0) text += fmt::format(":{}", source.line);
+  if (last_line != 0 && last_line != source.line) text += fmt::format(" to :{}", last_line);
+  if (source.section != nullptr) text += fmt::format(" [{}]", *source.section);
+  Comment(text);
+}
+
+void SvfWriter::CommentOnUnmet(const CallEvent& call) {
+  for (const Comparison& one : call.comparisons) {
+    if (one.fault.empty()) continue;
+    Comment(
+        fmt::format("line {} expects {} of {}, mask {}", one.line, one.expected, one.of, one.mask));
+  }
+}
+
+void SvfWriter::ScanStatement(const SvfScan& scan) {
+  stream_ << (scan.ir ? "SIR " : "SDR ") << scan.tdi.size();
+  WriteValue("TDI", scan.tdi, stream_);
+  if (!scan.mask.empty()) {
+    WriteValue("TDO", scan.tdo, stream_);
+    WriteValue("MASK", scan.mask, stream_);
+  }
+  stream_ << ";\n";
+}
+
+void SvfWriter::Lose(const char* warning, const std::string& comment) {
+  Comment(comment);
+  if (lost_.insert(warning).second) losses_.push_back(fmt::format("warning: --svf: {}", warning));
+}
+
+std::vector<std::string> SvfWriter::TakeLosses() {
+  return std::exchange(losses_, {});
+}
+
+}  // namespace icehost
