@@ -1,4 +1,4 @@
-// What a page keeps of a run, and that no text in it is taken for markup; tests/page.py looks at
+// What a page keeps of a run, and that no text in it is taken for markup; tests/icehost/page.py looks at
 // pages in a browser.
 #include "host/page/page_writer.h"
 

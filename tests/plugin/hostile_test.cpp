@@ -3,7 +3,7 @@
 
 #include <climits>
 
-#include "tests/fake_host.h"
+#include "tests/plugin/fake_host.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "host/system/printable.h"
-#include "tests/run_icehost.h"
+#include "tests/icehost/run_icehost.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-# For the tests in this folder to source, with pipefail set; a test defines `fail`.
+# For tests to source, with pipefail set; a test defines `fail`.
 
 # wait_for PATTERN FILE: what the pattern matches, once the file has it.
 wait_for() {

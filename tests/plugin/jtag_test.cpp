@@ -4,7 +4,7 @@
 #include <numeric>
 
 #include "jtag/jtag_scr.h"
-#include "tests/fake_host.h"
+#include "tests/plugin/fake_host.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # icehost with programs that are not ours: OpenOCD as client and as probe, sigrok-cli and GTKWave's
-# reader on the waveform, an XML parser on the picture. usage: peers.sh ICEHOST SOURCE_FOLDER
+# reader on the waveform, an XML parser on the picture. usage: programs.sh ICEHOST SOURCE_FOLDER
 set -euo pipefail
-source "$(dirname "${BASH_SOURCE[0]}")/wait_for.sh"
+source "$(dirname "${BASH_SOURCE[0]}")/../lib.sh"
 icehost=$1
 cd "$2"
 scratch=$(mktemp -d)
@@ -177,4 +177,4 @@ status=0
 wait "$run" || status=$?
 [ "$status" = 130 ] && [ "$(cat "$scratch/end.log")" = "icehost: interrupted" ] || fail "interrupt"
 xmllint --noout "$scratch/endless.svg" || fail "the picture of an interrupted run"
-echo "peers: all well"
+echo "programs: all well"

@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """icehost serve with clients and with servers behind it that are odd, broken or hostile.
 
-usage: serve_clients.py ICEHOST SOURCE_FOLDER
+usage: hostile_clients.py ICEHOST SOURCE_FOLDER
 """
 import json
 import os
@@ -282,5 +282,5 @@ try:
 finally:
     for process in Serve.running:
         process.kill()
-print("\n".join(failures) or "serve_clients: all well")
+print("\n".join(failures) or "hostile_clients: all well")
 sys.exit(1 if failures else 0)

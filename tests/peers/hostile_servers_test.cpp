@@ -11,7 +11,7 @@
 
 #include "host/probe/bitbang_server.h"
 #include "host/probe/sim_port.h"
-#include "tests/run_icehost.h"
+#include "tests/icehost/run_icehost.h"
 
 namespace {
 

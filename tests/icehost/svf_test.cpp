@@ -4,7 +4,7 @@
 #include <sstream>
 #include <string>
 
-#include "tests/run_icehost.h"
+#include "tests/icehost/run_icehost.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "tests/fake_host.h"
+#include "tests/plugin/fake_host.h"
 
 #include <dlfcn.h>
 #include <gtest/gtest.h>

@@ -8,7 +8,7 @@
 #include <tuple>
 #include <vector>
 
-#include "tests/run_icehost.h"
+#include "tests/icehost/run_icehost.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <sstream>
 
 #include "base/ini_file.h"
-#include "tests/fake_host.h"
+#include "tests/plugin/fake_host.h"
 
 namespace icescript {
 namespace {

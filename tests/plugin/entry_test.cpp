@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include "tests/fake_host.h"
+#include "tests/plugin/fake_host.h"
 
 namespace {
 

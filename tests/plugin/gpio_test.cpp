@@ -5,7 +5,7 @@
 
 #include "base/ini_file.h"
 #include "gpio/gpio_scr.h"
-#include "tests/fake_host.h"
+#include "tests/plugin/fake_host.h"
 
 namespace {
 

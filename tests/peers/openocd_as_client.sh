@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # What icehost serve tells of OpenOCD, on the simulated target and as a proxy before another server.
-# usage: serve_openocd.sh ICEHOST SOURCE_FOLDER
+# usage: openocd_as_client.sh ICEHOST SOURCE_FOLDER
 set -euo pipefail
-source "$(dirname "${BASH_SOURCE[0]}")/wait_for.sh"
+source "$(dirname "${BASH_SOURCE[0]}")/../lib.sh"
 icehost=$1
 cd "$2"
 scratch=$(mktemp -d)
@@ -62,4 +62,4 @@ END
     -A jtag=bitstring-tdi:bitstring-tdo >"$scratch/decoded.log"
   grep -q 'DR TDO: .* (0x12345678), 32 bits' "$scratch/decoded.log" || fail "the waveform of $name"
 done
-echo "serve_openocd: all well"
+echo "openocd_as_client: all well"

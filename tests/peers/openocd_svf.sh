@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # What run --svf writes, played by OpenOCD on the simulated target and imported again.
-# usage: svf.sh ICEHOST SOURCE_FOLDER
+# usage: openocd_svf.sh ICEHOST SOURCE_FOLDER
 set -euo pipefail
-source "$(dirname "${BASH_SOURCE[0]}")/wait_for.sh"
+source "$(dirname "${BASH_SOURCE[0]}")/../lib.sh"
 icehost=$(realpath "$1")
 cd "$2"
 scratch=$(mktemp -d)
@@ -90,4 +90,4 @@ for script in examples/read_idcode.ini examples/scratch_register.ini examples/tw
       fail "$script there and back, $options"
   done
 done
-echo "svf: all well"
+echo "openocd_svf: all well"

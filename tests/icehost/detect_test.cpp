@@ -9,8 +9,8 @@
 #include "host/chain/chain_report.h"
 #include "host/chain/openocd_chain.h"
 #include "host/probe/bitbang_server.h"
-#include "tests/chain_port.h"
-#include "tests/run_icehost.h"
+#include "tests/icehost/chain_port.h"
+#include "tests/icehost/run_icehost.h"
 
 namespace {
 

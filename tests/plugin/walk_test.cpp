@@ -10,7 +10,7 @@
 #include <new>
 #include <sstream>
 
-#include "tests/fake_host.h"
+#include "tests/plugin/fake_host.h"
 
 namespace {
 // Number of allocations after which the next one fails, once; negative: none fails.

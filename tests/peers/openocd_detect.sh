@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# icehost detect through OpenOCD, whose words it takes. usage: detect.sh ICEHOST SOURCE_FOLDER
+# icehost detect through OpenOCD, whose words it takes. usage: openocd_detect.sh ICEHOST SOURCE_FOLDER
 set -euo pipefail
-source "$(dirname "${BASH_SOURCE[0]}")/wait_for.sh"
+source "$(dirname "${BASH_SOURCE[0]}")/../lib.sh"
 icehost=$1
 scratch=$(mktemp -d)
 trap 'kill $(jobs -p) 2>/dev/null || true; rm -rf "$scratch"' EXIT
@@ -86,4 +86,4 @@ begin
 detect 0 -q --script jtag --probe "$probe"
 grep -qx 'IR=5,0x1f' out.txt || fail "no script"
 end
-echo "detect: all well"
+echo "openocd_detect: all well"

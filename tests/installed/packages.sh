@@ -2,7 +2,7 @@
 # The Debian packages in build/package, by what Debian asks of them and by what a user meets: they are
 # installed on this machine, used and purged, which needs root.
 set -euo pipefail
-cd "$(dirname "$0")/.."
+cd "$(dirname "$0")/../.."
 root=$PWD
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
@@ -42,7 +42,7 @@ MANWIDTH=200 man icehost | col -bx >manual
 example=$(sed -n '/^EXAMPLES/,$ s/^ *\$ //p' manual | head -n 1)
 say "$example"
 eval "$example" | diff - <(icehost run "$root/examples/read_idcode.ini")
-"$root/tests/documents.py" /usr "$root"
+"$root/tests/installed/documents.py" /usr "$root"
 
 [ "$(pkg-config --variable=plugindir icescript)" = /usr/lib/x86_64-linux-gnu/icescript ]
 

@@ -5,7 +5,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "tests/run_icehost.h"
+#include "tests/icehost/run_icehost.h"
 
 namespace {
 
