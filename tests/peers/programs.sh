@@ -1,18 +1,9 @@
 #!/usr/bin/env bash
 # icehost with programs that are not ours: OpenOCD as client and as probe, sigrok-cli and GTKWave's
 # reader on the waveform, an XML parser on the picture. usage: programs.sh ICEHOST SOURCE_FOLDER
-set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/../lib.sh"
-icehost=$1
-cd "$2"
-scratch=$(mktemp -d)
-trap 'kill $(jobs -p) 2>/dev/null || true; rm -rf "$scratch"' EXIT
 
-fail() { echo "FAILED: $*"; cat "$scratch"/*.log; exit 1; }
-
-"$icehost" serve tcp:0 --idcode 0x2BADC001 2>"$scratch/serve.log" &
-server=$!
-port=$(wait_for '[0-9]+$' "$scratch/serve.log")
+serve --idcode 0x2BADC001
 
 # A client that sends nonsense and goes; the TAP is asked twice, bytes without a meaning between.
 exec 3<>"/dev/tcp/127.0.0.1/$port"
@@ -27,25 +18,10 @@ printf R >&3
 read -r -t 5 -n 1 -u 3 || fail "the first client had to go"
 exec 3>&- 4>&-
 
-cat >"$scratch/openocd.cfg" <<END
-adapter driver remote_bitbang
-remote_bitbang host 127.0.0.1
-remote_bitbang port $port
-transport select jtag
-reset_config srst_only
-jtag newtap sim tap -irlen 5 -expected-id 0x2BADC001
-gdb_port disabled
-telnet_port disabled
-tcl_port 0
-END
-openocd -f "$scratch/openocd.cfg" -c init \
-  -c 'irscan sim.tap 2; drscan sim.tap 32 0x12345678' \
-  -c 'echo "scratch [drscan sim.tap 32 0]"' >"$scratch/openocd.log" 2>&1 &
-openocd=$!
-grep -q 'tap/device found: 0x2badc001' <(wait_for 'tap/device found: 0x[0-9a-f]+' \
-  "$scratch/openocd.log") || fail "OpenOCD found another IDCODE"
-[ "$(wait_for 'scratch .*' "$scratch/openocd.log")" = "scratch 12345678" ] || fail "scratch register"
-tcl_port=$(wait_for 'port [0-9]+ for tcl' "$scratch/openocd.log" | tr -dc 0-9)
+start_openocd 'jtag newtap sim tap -irlen 5 -expected-id 0x2BADC001' init \
+  'irscan sim.tap 2; drscan sim.tap 32 0x12345678; echo "scratch [drscan sim.tap 32 0]"'
+wait_for '^scratch 12345678$' "$scratch/openocd.log" >/dev/null
+grep -q 'tap/device found: 0x2badc001' "$scratch/openocd.log" || fail "OpenOCD found another IDCODE"
 
 # same_as_simulated PROBE SCRIPT...
 same_as_simulated() {
@@ -61,15 +37,15 @@ same_as_simulated() {
 # refused PROBE SCRIPT MESSAGE
 refused() {
   "$icehost" run --probe "$1" "$2" >/dev/null 2>"$scratch/run.log" && fail "$2 ran on $1"
-  [ "$(cat "$scratch/run.log")" = "$2:$3
-icehost: $2 failed" ] || fail "$2 on $1 said something else"
+  holds run.log "$2:$3
+icehost: $2 failed"
 }
 
 scans=(tests/scripts/idcode.ini examples/scratch_register.ini examples/reset.ini)
-same_as_simulated "openocd:127.0.0.1:$tcl_port" "${scans[@]}"
-same_as_simulated "openocd:127.0.0.1:$tcl_port:sim.tap" tests/scripts/idcode.ini
+same_as_simulated "$probe" "${scans[@]}"
+same_as_simulated "$probe:sim.tap" tests/scripts/idcode.ini
 # A page is not refused without pins, unlike a waveform; it tells what was scanned.
-"$icehost" run -q --probe "openocd:127.0.0.1:$tcl_port" --html - tests/scripts/idcode.ini \
+"$icehost" run -q --probe "$probe" --html - tests/scripts/idcode.ini \
   >"$scratch/page.html" || fail "a page of OpenOCD"
 grep -q '"DR 0x2badc001"' "$scratch/page.html" && grep -q '"total_steps":0,' "$scratch/page.html" ||
   fail "the page of OpenOCD"
@@ -78,18 +54,16 @@ summary() {
   "$icehost" run -q --summary --probe "$1" tests/scripts/idcode.ini 2>"$scratch/run.log"
   grep -qE "$2" "$scratch/run.log" || fail "summary of $1"
 }
-summary "openocd:127.0.0.1:$tcl_port" '^operations 1, TCK cycles unknown, bits shifted 37, reads 1,'
+summary "$probe" '^operations 1, TCK cycles unknown, bits shifted 37, reads 1,'
 summary sim '^operations 1, TCK cycles 5[0-9], bits shifted 37, reads 1,'
-"$icehost" run --probe "openocd:127.0.0.1:$tcl_port:nope" examples/reset.ini 2>"$scratch/run.log" &&
+"$icehost" run --probe "$probe:nope" examples/reset.ini 2>"$scratch/run.log" &&
   fail "a TAP that OpenOCD does not have"
-[ "$(cat "$scratch/run.log")" = 'icehost: OpenOCD has no TAP "nope", it has: sim.tap' ] ||
-  fail "wrong TAP"
-refused "openocd:127.0.0.1:$tcl_port" examples/two_wire.ini \
+holds run.log 'icehost: OpenOCD has no TAP "nope", it has: sim.tap'
+refused "$probe" examples/two_wire.ini \
   "5: link_config failed: OpenOCD cannot select the 2-wire interface"
-refused "openocd:127.0.0.1:$tcl_port" examples/read_idcode.gpio \
+refused "$probe" examples/read_idcode.gpio \
   "4: link_gpio_operator failed: OpenOCD cannot drive single pins: GPIO scripts do not run on it"
-kill "$openocd"
-wait "$openocd" || true
+stop_openocd
 
 bitbang="remote-bitbang:127.0.0.1:$port"
 same_as_simulated "$bitbang" "${scans[@]}" examples/read_idcode.gpio
@@ -118,9 +92,7 @@ for run in "--idcode 0x2BADC001 tests/scripts/idcode.ini" \
   "--idcode 0x2BADC001 examples/read_idcode.gpio" "--probe $bitbang tests/scripts/idcode.ini"; do
   # shellcheck disable=SC2086
   "$icehost" run -q --vcd "$scratch/run.vcd" --svg "$scratch/run.svg" $run
-  sigrok-cli -l 1 -I vcd -i "$scratch/run.vcd" -P jtag:tdi=tdi:tdo=tdo:tck=tck:tms=tms \
-    -A jtag=bitstring-tdi:bitstring-tdo >"$scratch/decoded.log"
-  grep -q 'DR TDO: .* (0x2badc001), 32 bits' "$scratch/decoded.log" || fail "decoding $run"
+  shows_scan "$scratch/run.vcd" 0x2badc001 || fail "decoding $run"
   same_in_gtkwave "$scratch/run.vcd"
   xmllint --noout "$scratch/run.svg" || fail "the picture is not well-formed"
 done
@@ -140,26 +112,27 @@ title=$(xmllint --xpath 'string(//*[local-name()="title"][contains(., "DR expect
   fail "the picture says $title"
 same_in_gtkwave "$scratch/run.vcd"
 
-kill -TERM "$server"
-wait "$server" || fail "serve ended with $?"
+stop TERM "$server"
+
+# serve_socket: starts a server of a UNIX socket, in place of `server`.
+serve_socket() {
+  env --default-signal=INT "$icehost" serve "unix:$scratch/socket" 2>"$scratch/unix.log" &
+  server=$!
+  wait_for 'unix:.*' "$scratch/unix.log" >/dev/null
+}
+
 # A server that dies leaves its socket, which is in nobody's way.
-"$icehost" serve "unix:$scratch/socket" 2>"$scratch/stale.log" &
-server=$!
-wait_for 'unix:.*' "$scratch/stale.log" >/dev/null
+serve_socket
 "$icehost" serve "unix:$scratch/socket" 2>"$scratch/twice.log" && fail "two servers on one socket"
 kill -KILL "$server"
 wait "$server" 2>/dev/null || true
-env --default-signal=INT "$icehost" serve "unix:$scratch/socket" 2>"$scratch/unix.log" &
-server=$!
-wait_for 'unix:.*' "$scratch/unix.log" >/dev/null
+serve_socket
 "$icehost" run -q --probe "remote-bitbang:unix:$scratch/socket" examples/reset.ini || fail "UNIX socket"
-kill -INT "$server"
-wait "$server" || fail "serve ended with $?"
+stop INT "$server"
 [ ! -e "$scratch/socket" ] || fail "the socket file is left"
 
 # A client that is silent makes room.
-"$icehost" serve --idle-limit 0.01 tcp:0 2>"$scratch/idle.log" &
-port=$(wait_for '[0-9]+$' "$scratch/idle.log")
+serve --idle-limit 0.01
 exec 4<>"/dev/tcp/127.0.0.1/$port"
 printf 'R' >&4
 read -r -t 5 -n 1 -u 4 || fail "no answer to R"
@@ -167,14 +140,13 @@ sleep 0.1
 "$icehost" run -q --probe "remote-bitbang:127.0.0.1:$port" examples/reset.ini || fail "no room"
 
 # An endless run is interrupted, and what it wrote is complete.
-printf '[ZEVA_ICE_GPIO]\nSTART\nREPT=2000000000\nTCK=1\nTCK=0\nENDR\nEND\n' >"$scratch/endless.gpio"
-env --default-signal=INT "$icehost" run --svg "$scratch/endless.svg" --vcd "$scratch/endless.vcd" "$scratch/endless.gpio" \
-  >/dev/null 2>"$scratch/end.log" &
+env --default-signal=INT "$icehost" run --svg "$scratch/endless.svg" --vcd "$scratch/endless.vcd" \
+  tests/scripts/endless_writes.gpio >/dev/null 2>"$scratch/end.log" &
 run=$!
 wait_for '^#100$' "$scratch/endless.vcd" >/dev/null
 kill -INT "$run"
 status=0
 wait "$run" || status=$?
-[ "$status" = 130 ] && [ "$(cat "$scratch/end.log")" = "icehost: interrupted" ] || fail "interrupt"
+[ "$status" = 130 ] || fail "an interrupted run ended with $status"
+holds end.log "icehost: interrupted"
 xmllint --noout "$scratch/endless.svg" || fail "the picture of an interrupted run"
-echo "programs: all well"

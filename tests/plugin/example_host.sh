@@ -1,12 +1,8 @@
 #!/usr/bin/env bash
-# The example host shows what icehost shows: example_host.sh HOST PLUGIN ICEHOST SOURCE_FOLDER
-set -euo pipefail
-host=$1 plugin=$2 icehost=$3 source=$4
-scratch=$(mktemp -d)
-trap 'rm -rf "$scratch"' EXIT
+# The example host shows what icehost shows. usage: example_host.sh ICEHOST SOURCE_FOLDER HOST PLUGIN
+source "$(dirname "${BASH_SOURCE[0]}")/../lib.sh"
+source=$PWD host=$3 plugin=$4
 cd "$scratch"
-
-fail() { echo "FAILED: $*"; cat out.txt; exit 1; }
 
 # expect STATUS TEXT ARGUMENT...: what the host ends with, and a pattern of its standard error.
 expect() {
