@@ -1,34 +1,19 @@
-#!/usr/bin/python3
+#!/usr/bin/python3 -B
 """The manual page and the shells' completions, held to what icehost's own help says.
 
-usage: manual.py ICEHOST SOURCE_FOLDER. The page lies beside icehost.
+usage: manual.py ICEHOST SOURCE_FOLDER. The page lies next to icehost.
 """
 import os
 import re
-import subprocess
 import sys
-import tempfile
 
 import pexpect
 
-ICEHOST = os.path.abspath(sys.argv[1])
-SOURCE = os.path.abspath(sys.argv[2])
+sys.path.append(sys.path[0] + "/..")
+from lib import FOLDER, ICEHOST, SOURCE, expect, failures, output, run_checks, write
+
 PAGE = ICEHOST + ".1"
-SCRATCH = tempfile.TemporaryDirectory()
-os.chdir(SCRATCH.name)
-os.environ.update(PATH=f"{os.path.dirname(ICEHOST)}:{os.environ['PATH']}", HOME=SCRATCH.name,
-                  TERM="dumb", LC_ALL="C.UTF-8")
-failures = []
-
-
-def output(*command, given=""):
-    return subprocess.run(command, input=given.encode(), stdout=subprocess.PIPE, check=False,
-                          stderr=subprocess.STDOUT, timeout=60).stdout.decode()
-
-
-def hold(what, found, wanted):
-    if found != wanted:
-        failures.append(f"{what}: {found!r}, not {wanted!r}")
+os.environ.update(HOME=FOLDER.name, TERM="dumb", LC_ALL="C.UTF-8")
 
 
 def options_in(text):
@@ -59,28 +44,28 @@ def check_page():
     heads = {name: re.findall(r"^     (\S.*)$", text, re.M) for name, text in sections.items()}
     options = {name: sorted(head for head in lines if head[0] == "-")
                for name, lines in heads.items()}
-    hold("global options", options["DESCRIPTION"], heads_of(GLOBAL))
-    hold("verbs", [name for name in sections if name.islower()], VERBS)
+    expect("global options", options["DESCRIPTION"], heads_of(GLOBAL))
+    expect("verbs", [name for name in sections if name.islower()], VERBS)
     for verb, all_options in OPTIONS.items():
         own = {names: value for names, value in all_options.items() if names not in GLOBAL}
-        hold(f"options of {verb}", options[verb], heads_of(own))
+        expect(f"options of {verb}", options[verb], heads_of(own))
     usages = re.findall("usage: (.*)", "".join(VERB_HELP.values()).lower().replace("...", " ..."))
-    hold("synopsis", heads["SYNOPSIS"][:-2], usages)
+    expect("synopsis", heads["SYNOPSIS"][:-2], usages)
     probes = re.findall(r"sim\b|[a-z-]+:[\w:\[\]]+", VERB_HELP["run"].partition("PROBE ")[2])
-    hold("probes", [head.split()[0] for head in heads["PROBES"]][:len(probes)],
+    expect("probes", [head.split()[0] for head in heads["PROBES"]][:len(probes)],
          [probe.lower() for probe in probes])
     defaults = re.findall(r"\(default (\w+)\)", "".join(VERB_HELP.values()))
-    hold("defaults", set(re.findall(r"default\s+is\s+(\d\w*)\.", page)), set(defaults))
-    hold("statuses", [head.split()[0] for head in heads["EXIT STATUS"]],
+    expect("defaults", set(re.findall(r"default\s+is\s+(\d\w*)\.", page)), set(defaults))
+    expect("statuses", [head.split()[0] for head in heads["EXIT STATUS"]],
          re.findall(r"(?:status:|;) (\d+) ", HELP))
-    hold("version", "icehost " + re.findall(r"icescript (\d\S+)", page)[-1] + "\n",
+    expect("version", "icehost " + re.findall(r"icescript (\d\S+)", page)[-1] + "\n",
          output(ICEHOST, "--version"))
     # Whether the pages that it refers to are installed is another matter.
     lint = output("mandoc", "-T", "lint", "-W", "style", PAGE).splitlines()
-    hold("mandoc", [line for line in lint if not re.search("manual not found|mandoc.db", line)], [])
-    hold("groff", output("groff", "-mdoc", "-Tutf8", "-ww", "-z", PAGE), "")
+    expect("mandoc", [line for line in lint if not re.search("manual not found|mandoc.db", line)], [])
+    expect("groff", output("groff", "-mdoc", "-Tutf8", "-ww", "-z", PAGE), "")
     for script in re.findall(r"(?:^ {11}.*\n)+", sections["SCRIPTS"], re.M):
-        hold("SCRIPTS", output(ICEHOST, "run", "-q", "--strict", "-", given=script), "")
+        expect("SCRIPTS", output(ICEHOST, "run", "-q", "--strict", "-", given=script), "")
     examples = "\n".join(re.findall(r"^ +\$ (icehost (?!.*(?:localhost|unix)).*)$", page, re.M))
     told = output("bash", "-exc", examples.replace("/usr/share/doc/icescript", SOURCE))
     if "Script End." not in told or "again.ini" not in os.listdir():
@@ -147,7 +132,8 @@ TYPED = {
 }
 
 
-def check_shell(name, command, setup):
+def check_shell(name):
+    command, setup = SHELLS[name]
     shell = pexpect.spawn(command, dimensions=(50, 4000), encoding="utf-8", timeout=60)
     shell.delaybeforesend = None
 
@@ -166,19 +152,19 @@ def check_shell(name, command, setup):
             offered = words_of(f"icehost ({told})")
         else:
             offered = words_of(f"icehost {beginning}{ALL}")[len(before.split()):]
-        hold(f"{name} behind {beginning!r}", set(offered) - {"", begun}, wanted)
+        expect(f"{name} behind {beginning!r}", set(offered) - {"", begun}, wanted)
     for keys, wanted in TYPED.items():
-        hold(f"{name}, typed {keys!r}", words_of(f"icehost {keys}"), wanted)
+        expect(f"{name}, typed {keys!r}", words_of(f"icehost {keys}"), wanted)
     shell.close(force=True)
 
 
-check_page()
-os.mkdir("shells")
-os.chdir("shells")
-os.mkdir("folder")
-for file in "two words.ini", "folder/inner.ini":
-    open(file, "w", encoding="ascii").close()
-for shell_name, (start, prepare) in SHELLS.items():
-    check_shell(shell_name, start, prepare)
-print("\n".join(failures))
-sys.exit(bool(failures))
+def check_shells():
+    os.makedirs("shells/folder")
+    os.chdir("shells")
+    for file in "two words.ini", "folder/inner.ini":
+        write(file, "")
+    for name in SHELLS:
+        check_shell(name)
+
+
+run_checks(check_page, check_shells)

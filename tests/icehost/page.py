@@ -1,4 +1,4 @@
-#!/usr/bin/python3
+#!/usr/bin/python3 -B
 """The page that icehost writes with --html, as a browser shows it.
 
 usage: page.py ICEHOST SOURCE_FOLDER
@@ -7,10 +7,8 @@ import json
 import os
 import re
 import signal
-import socket
 import subprocess
 import sys
-import tempfile
 import time
 
 from selenium import webdriver
@@ -18,10 +16,10 @@ from selenium.webdriver.common.action_chains import ActionChains
 from selenium.webdriver.common.keys import Keys
 from selenium.webdriver.chrome.service import Service
 
-ICEHOST = os.path.abspath(sys.argv[1])
-os.chdir(sys.argv[2])
-SCRATCH = tempfile.TemporaryDirectory()
-PAGE = os.path.join(SCRATCH.name, "page.html")
+sys.path.append(sys.path[0] + "/..")
+from lib import BACK, ICEHOST, RESET, TO_SHIFT_DR, Serve, expect, output, read, run_checks, start
+
+PAGE = os.path.abspath("page.html")
 FLAGS = """--headless=new --no-sandbox --disable-gpu --disable-quic --no-first-run
     --disable-background-networking --disable-component-update --disable-sync
     --force-device-scale-factor=1 --window-size=1280,900"""
@@ -39,19 +37,12 @@ HOSTILE_NAMES = ["[<script>alert(1)</script>]", "[</script><img src=x onerror=al
 LONG = (b"[ZEVA_ICE_GPIO]\nSTART\nGPIO_OE=0x1F\nREPT=30000\nTCK=1\nPRINT=GPIO_IN\nTCK=0,TMS=0\nTDI=1\n"
         b"TDI=0\nENDR\nPRINT=GPIO_IN # expect NRST=1\nEND\n")
 
-failures = []
-
-
-def expect(what, got, wanted):
-    if got != wanted:
-        failures.append(f"{what}: {got!r}, not {wanted!r}")
-
 
 def start_browser():
     options = webdriver.ChromeOptions()
     for flag in FLAGS.split():
         options.add_argument(flag)
-    options.add_argument("--user-data-dir=" + os.path.join(SCRATCH.name, "browser"))
+    options.add_argument("--user-data-dir=" + os.path.abspath("browser"))
     options.set_capability("goog:loggingPrefs", {"browser": "ALL"})
     return webdriver.Chrome(options=options, service=Service("/usr/bin/chromedriver"))
 
@@ -124,38 +115,34 @@ def operations_of(lines):
 def levels_of(path):
     """The pins at each step of a waveform, NRST the lowest bit."""
     levels, steps = 0, []
-    with open(path, encoding="ascii") as file:
-        for line in file.read().split("$enddefinitions $end\n")[1].splitlines():
-            if line[0] == "#":
-                steps += [levels] * (int(line[1:]) - len(steps))
-            elif line[0] in "01":
-                bit = 1 << ord(line[1]) - ord("!")
-                levels = levels | bit if line[0] == "1" else levels & ~bit
+    for line in read(path).split("$enddefinitions $end\n")[1].splitlines():
+        if line[0] == "#":
+            steps += [levels] * (int(line[1:]) - len(steps))
+        elif line[0] in "01":
+            bit = 1 << ord(line[1]) - ord("!")
+            levels = levels | bit if line[0] == "1" else levels & ~bit
     return steps
 
 
 def check_against_other_outputs():
     """What a page shows is what the JSON lines and the waveform tell of the same run."""
-    trace, vcd = os.path.join(SCRATCH.name, "json"), os.path.join(SCRATCH.name, "vcd")
     for status, *arguments in (
             (0, "examples/read_idcode.ini"), (0, "examples/read_idcode.gpio"),
             (0, "examples/two_wire.ini"), (0, "examples/reset.ini", "examples/reset_pulse.gpio"),
             (1, "examples/scratch_register.ini", "examples/read_idcode.ini", "--idcode", "39ca2003"),
             (1, "--force", "tests/scripts/bad.ini", "--keep-going", "tests/scripts/walk.gpio")):
         what = " ".join(arguments)
-        expect(what, run("--json", trace, "--vcd", vcd, *arguments), status)
-        with open(trace, encoding="ascii") as file:
-            lines = [json.loads(line) for line in file]
+        expect(what, run("--json", "j", "--vcd", "v", *arguments), status)
+        lines = [json.loads(line) for line in read("j").splitlines()]
         open_page()
         operations, messages = operations_of(lines)
         expect(what, [[row[1], re.findall("0x[0-9a-f]+", row[4]), row[6]] for row in table()],
                operations)
         expect(what, texts(".note:not(.error)"), [one for one in messages.split("\n") if one])
         expect(what, browser.execute_script("return Array.from(steps, (step) => step & 63)"),
-               levels_of(vcd))
+               levels_of("v"))
         expect(what, texts("#result"), ["failed" if status else "passed"])
-        scripts = [path for path in arguments if "/" in path]
-        shown = [open(path, encoding="utf-8").read().rstrip("\n") for path in scripts]
+        shown = [read(path).rstrip("\n") for path in arguments if "/" in path]
         played = len([line for line in lines if "script" in line])
         expect(what, texts("#source .text"), "\n".join(shown[:played]).split("\n"))
         expect_quiet(what)
@@ -173,7 +160,7 @@ def check_head_and_failure():
     expect("date", re.sub(r"\d", "9", entries["Started"]), "9999-99-99 99:99:99 UTC")
     expect("plug-in", os.path.basename(entries["Plug-in"]), "libicescript.so")
     expect("version", f"icehost {entries['icehost']}\n",
-           subprocess.check_output([ICEHOST, "--version"], text=True))
+           output(ICEHOST, "--version"))
     expect("notes", texts("#notes li"), ["examples/read_idcode.ini failed"])
     expect("what went wrong", picked()[0], "11")
     expect("row", table()[1], ["1", "11", "[READ_IDCODE]", "IR 5: 0x01, DR 32: 0x00000000",
@@ -191,9 +178,8 @@ def check_head_and_failure():
 
 def check_problems():
     """Those of check stand behind their lines; without --force nothing is written."""
-    check = subprocess.run([ICEHOST, "check", "--json", "-", "tests/scripts/bad.ini"],
-                           capture_output=True, check=False)
-    problems = [json.loads(line) for line in check.stdout.splitlines()]
+    lines = output(ICEHOST, "check", "-q", "--json", "-", "tests/scripts/bad.ini").splitlines()
+    problems = [json.loads(line) for line in lines]
     problems = [one for one in problems if "problem" in one]
     os.unlink(PAGE)
     expect("with errors", run("tests/scripts/bad.ini"), 1)
@@ -347,11 +333,11 @@ def check_long():
 
 
 def check_interrupted():
-    command = [ICEHOST, "run", "-q", "--html", PAGE, "tests/scripts/endless_writes.gpio"]
-    with subprocess.Popen(command, stderr=subprocess.DEVNULL) as endless:
-        time.sleep(1)
-        endless.send_signal(signal.SIGINT)
-        expect("status", endless.wait(), 130)
+    endless = start(ICEHOST, "run", "-q", "--html", PAGE, "tests/scripts/endless_writes.gpio",
+                    stderr=subprocess.DEVNULL)
+    time.sleep(1)
+    endless.send_signal(signal.SIGINT)
+    expect("status", endless.wait(), 130)
     open_page()
     expect("result", texts("#result"), ["interrupted"])
     expect("rows", len(table()) > 10, True)
@@ -360,16 +346,10 @@ def check_interrupted():
 
 def check_served():
     """What a client of serve does: a DR scan in Pause-DR, TRST, a scan that the end cuts short."""
-    command = [ICEHOST, "serve", "tcp:0", "--html", PAGE]
-    scan = b"2626262626" + b"04260404" + b"05" * 3 + b"2604"
-    with subprocess.Popen(command, stderr=subprocess.PIPE) as server:
-        port = int(server.stderr.readline().decode().rpartition(":")[2])
-        with socket.create_connection(("127.0.0.1", port)) as client:
-            client.sendall(scan + b"2626" + b"tr" + b"042604041515RQ")
-            while client.recv(10):
-                pass
-        server.terminate()
-        expect("status", server.wait(), 0)
+    scan = RESET + b"04" + TO_SHIFT_DR + b"05" * 3 + BACK[2:]
+    server = Serve("--html", PAGE)
+    server.play(scan + b"2626" + b"tr" + b"04" + TO_SHIFT_DR + b"1515RQ")
+    expect("status", server.end()[0], 0)
     open_page()
     expect("table", [row[2:5] for row in table()], [
         ["TAP reset", "by TMS", ""],
@@ -400,11 +380,8 @@ def check_narrow():
 
 
 try:
-    for check in (check_against_other_outputs, check_head_and_failure, check_problems, check_hostile,
-                  check_picking, check_keys_and_wheel, check_long, check_interrupted, check_served,
-                  check_narrow):
-        check()
+    run_checks(check_against_other_outputs, check_head_and_failure, check_problems, check_hostile,
+               check_picking, check_keys_and_wheel, check_long, check_interrupted, check_served,
+               check_narrow)
 finally:
     browser.quit()
-print("\n".join(failures) or "the page is as it should be")
-sys.exit(1 if failures else 0)

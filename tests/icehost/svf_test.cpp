@@ -26,7 +26,7 @@ std::string Lines(const std::string& text, const std::string& first = "") {
 
 // A GPIO script that clocks the TAP from Test-Logic-Reset on: 0 and 1 are TMS, i is 0 with TDI
 // high; r before one of them reads the pins while TCK is low, h while it is high again. Any other
-// line stands between braces.
+// line stands between braces; blanks count for nothing.
 std::string Walk(const std::string& edges) {
   std::string script = "[ZEVA_ICE_GPIO]\nSTART\nGPIO_OE=0x1f\nNRST=1\nTRST=1\n";
   bool read_low = false;
@@ -40,7 +40,7 @@ std::string Walk(const std::string& edges) {
       read_low = true;
     } else if (edge == 'h') {
       script += "PRINT=GPIO_IN\n";
-    } else {
+    } else if (edge != ' ') {
       script += std::string("TCK=0,TMS=") + (edge == '1' ? "1" : "0") +
                 ",TDI=" + (edge == 'i' ? "1" : "0") + "\n" + (read_low ? "PRINT=GPIO_IN\n" : "") +
                 "TCK=1\n";
@@ -67,84 +67,30 @@ TEST(Svf, SaysWhatTheTapDoes) {
     std::string statements;
   } kWalks[] = {
       // Of the IDCODE that is behind a reset, 0x..01, the bits that the script read.
-      {"0100"
-       "r0r0r0r1"
-       "10",
-       "", "STATE IDLE;\nSDR 4 TDI (0) TDO (1) MASK (F);\n"},
-      {"0100"
-       "0hi0r1"
-       "10001",
-       "", "STATE IDLE;\nSDR 4 TDI (2) TDO (1) MASK (9);\nRUNTEST IDLE 2 TCK ENDSTATE IDLE;\n"},
-      {"0100"
-       "{GPIO_OE=0x3f}r0r0{GPIO_OE=0x1f}00001"
-       "10",
-       "", "STATE IDLE;\nSDR 7 TDI (00);\n"},
-      {"0100r0{TCK=0}{PRINT=GPIO_IN}{GPIO_OE=0x3f}{TDO=1}{TCK=1}{GPIO_OE=0x1f}"
-       "r1"
-       "10",
-       "", "STATE IDLE;\nSDR 3 TDI (0) TDO (3) MASK (5);\n"},
-      {"01100"
-       "ii001h"
-       "10",
-       "", "STATE IDLE;\nSIR 5 TDI (03) TDO (01) MASK (10);\n"},
+      {"0100 r0r0r0r1 10", "", "STATE IDLE;\nSDR 4 TDI (0) TDO (1) MASK (F);\n"},
+      {"0100 0hi0r1 10001", "",
+       "STATE IDLE;\nSDR 4 TDI (2) TDO (1) MASK (9);\nRUNTEST IDLE 2 TCK ENDSTATE IDLE;\n"},
+      {"0100 {GPIO_OE=0x3f}r0r0{GPIO_OE=0x1f}00001 10", "", "STATE IDLE;\nSDR 7 TDI (00);\n"},
+      {"0100r0{TCK=0}{PRINT=GPIO_IN}{GPIO_OE=0x3f}{TDO=1}{TCK=1}{GPIO_OE=0x1f} r1 10", "",
+       "STATE IDLE;\nSDR 3 TDI (0) TDO (3) MASK (5);\n"},
+      {"01100 ii001h 10", "", "STATE IDLE;\nSIR 5 TDI (03) TDO (01) MASK (10);\n"},
       // Where the script does not come to Run-Test/Idle behind a scan.
-      {"0100"
-       "i1"
-       "1111"
-       "01100"
-       "i1"
-       "1111"
-       "0",
-       "",
+      {"0100 i1 1111 01100 i1 1111 0", "",
        "STATE IDLE;\nENDDR DRPAUSE;\nSDR 2 TDI (1);\nSTATE RESET;\nSTATE IDLE;\nENDIR IRPAUSE;\n"
        "SIR 2 TDI (1);\nSTATE RESET;\nSTATE IDLE;\n"},
-      {"0100"
-       "i1"
-       "1100"
-       "01"
-       "10",
-       no_idle, "STATE IDLE;\nSDR 2 TDI (1);\nSDR 2 TDI (0);\n"},
-      {"0100"
-       "i1"
-       "1"
-       "{NRST=0}"
-       "111",
-       no_idle, "STATE IDLE;\nSDR 2 TDI (1);\nSTATE RESET;\n"},
-      {"0100"
-       "i1"
-       "010"
-       "i1"
-       "10"
-       "100"
-       "1"
-       "10",
-       paused, "STATE IDLE;\nSDR 4 TDI (5);\nSDR 1 TDI (0);\n"},
+      {"0100 i1 1100 01 10", no_idle, "STATE IDLE;\nSDR 2 TDI (1);\nSDR 2 TDI (0);\n"},
+      {"0100 i1 1 {NRST=0} 111", no_idle, "STATE IDLE;\nSDR 2 TDI (1);\nSTATE RESET;\n"},
+      {"0100 i1 010 i1 10 100 1 10", paused, "STATE IDLE;\nSDR 4 TDI (5);\nSDR 1 TDI (0);\n"},
       // What cannot be said.
-      {"010"
-       "1"
-       "10"
-       "100"
-       "i1"
-       "10",
+      {"010 1 10 100 i1 10",
        loss("SVF has no scan of 0 bits: a player neither captures nor updates there"),
        "STATE IDLE;\nSDR 2 TDI (1);\n"},
-      {"0100"
-       "i0"
-       "{TRST=0}{TRST=1}"
-       "0",
-       loss("a scan was cut short: it is not in the file"),
+      {"0100 i0 {TRST=0}{TRST=1} 0", loss("a scan was cut short: it is not in the file"),
        "STATE IDLE;\nTRST ON;\nTRST OFF;\nSTATE IDLE;\n"},
-      {"0000"
-       "{TRST=0}{TRST=1}"
-       "0",
-       "", "STATE IDLE;\nRUNTEST IDLE 3 TCK ENDSTATE IDLE;\nTRST ON;\nTRST OFF;\nSTATE IDLE;\n"},
-      {"0100"
-       "i0",
-       loss("a scan was cut short: it is not in the file"), "STATE IDLE;\n"},
-      {"0100"
-       "{REPT=1048576}{TCK=0}{TCK=1}{ENDR}"
-       "1"
-       "10",
+      {"0000 {TRST=0}{TRST=1} 0", "",
+       "STATE IDLE;\nRUNTEST IDLE 3 TCK ENDSTATE IDLE;\nTRST ON;\nTRST OFF;\nSTATE IDLE;\n"},
+      {"0100 i0", loss("a scan was cut short: it is not in the file"), "STATE IDLE;\n"},
+      {"0100 {REPT=1048576}{TCK=0}{TCK=1}{ENDR} 1 10",
        loss("a scan has more than 1048576 bits: it is not in the file"), "STATE IDLE;\n"},
       {"{TRST=1}0{GPIO_OE=0x3}{TCK=0}{GPIO_OE=0x1f}",
        loss("SVF cannot release pins: a player drives them"), "STATE IDLE;\n"},
