@@ -1,43 +1,11 @@
 // What scripts expect to read, and what becomes of it.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <fstream>
-#include <sstream>
+#include <string>
 
 #include "tests/icehost/run_icehost.h"
 
 namespace {
-
-// The script in a file of its own, for as long as the object lives.
-class ScriptFile {
- public:
-  explicit ScriptFile(const std::string& text) {
-    close(mkstemp(path_.data()));
-    std::ofstream(path_) << text;
-  }
-  ~ScriptFile() { std::remove(path_.c_str()); }
-  ScriptFile(const ScriptFile&) = delete;
-  ScriptFile& operator=(const ScriptFile&) = delete;
-
-  const std::string& Path() const { return path_; }
-  std::string Text() const {
-    std::stringstream text;
-    text << std::ifstream(path_).rdbuf();
-    return text.str();
-  }
-
- private:
-  std::string path_ = "/tmp/icehost_test_XXXXXX";
-};
-
-// `output` with FILE for the file's name.
-std::string Anonymous(std::string output, const ScriptFile& file) {
-  for (std::size_t at; (at = output.find(file.Path())) != std::string::npos;) {
-    output.replace(at, file.Path().size(), "FILE");
-  }
-  return output;
-}
 
 std::string Gpio(const std::string& lines) {
   return "[ZEVA_ICE_GPIO]\nSTART\nGPIO_OE=1\n" + lines + "END\n";
@@ -56,7 +24,7 @@ const std::string kZeros = [] {
 
 // On the simulated target: its IDCODE is 0x1ce51001, and pins that nobody drives are high.
 TEST(Expectations, DecideHowARunEnds) {
-  const std::string failed = "icehost: FILE failed\n";
+  const std::string failed = "icehost: - failed\n";
   const struct {
     const char* options;
     std::string script;
@@ -66,87 +34,88 @@ TEST(Expectations, DecideHowARunEnds) {
       {"", Idcode("TDO=01,10,e5,1c\nIR_TDO=1"), 0, ""},
       {"", Idcode("TDO=01, 10 ,0xE5,0X1c # ours\nMASK=ff,ff,ff,0f\nIR_TDO=0x1f\nIR_MASK=1"), 0, ""},
       {"", Idcode("TDO=01,10,e5,3c"), 1,
-       "FILE:4:5: expected 0x3ce51001, captured 0x1ce51001\n" + failed},
+       "<stdin>:4:5: expected 0x3ce51001, captured 0x1ce51001\n" + failed},
       {"", Idcode("TDO=01,10,e5,3c\nMASK=ff,ff,ff,df"), 0, ""},
       {"", Idcode("MASK=ff,ff,ff,20\nTDO=01,10,e5,3c\n"), 1,
-       "FILE:5:5: expected 0x3ce51001, captured 0x1ce51001 (mask 0x20ffffff)\n" + failed},
+       "<stdin>:5:5: expected 0x3ce51001, captured 0x1ce51001 (mask 0x20ffffff)\n" + failed},
       {"--idcode 3", Idcode("IR_TDO=3\nTDO=3,0,0,0"), 1,
-       "FILE:4:8: expected 0x03, captured 0x01\n" + failed},
+       "<stdin>:4:8: expected 0x03, captured 0x01\n" + failed},
       {"--keep-going", Idcode("IR_TDO=3\nTDO=3,0,0,0"), 1,
-       "FILE:4:8: expected 0x03, captured 0x01\n"
-       "FILE:5:5: expected 0x00000003, captured 0x1ce51001\n"
-       "icehost: FILE failed: not as expected: 2 of the values read\n"},
+       "<stdin>:4:8: expected 0x03, captured 0x01\n"
+       "<stdin>:5:5: expected 0x00000003, captured 0x1ce51001\n"
+       "icehost: - failed: not as expected: 2 of the values read\n"},
       // Registers on the 2-wire interface carry a byte more than the script says.
       {"--wire 2wire", Idcode("TDO=01,10,e5,1c\nIR_TDO=1"), 0, ""},
       {"--wire 2wire", Idcode("TDO=01,10,e5,1d"), 1,
-       "FILE:4:5: expected 0x1de51001, captured 0x1ce51001\n" + failed},
+       "<stdin>:4:5: expected 0x1de51001, captured 0x1ce51001\n" + failed},
       // A value that was shifted out while another was written.
       {"", "[W]\nIR=5,2\nDR=W,5,1f\nTDO=0\n[R]\nIR=5,2\nDR=R,5,0\nTDO=1\n", 1,
-       "FILE:8:5: expected 0x01, captured 0x00\n" + failed},
+       "<stdin>:8:5: expected 0x01, captured 0x00\n" + failed},
 
       {"", Gpio("NRST=1\nPRINT=GPIO_IN # expect 0x3f\nNRST=0\nPRINT=GPIO_IN#expect nrst = 0\n"), 0,
        ""},
       {"", Gpio("NRST=0\nPRINT=GPIO_IN # expect 62 # all but one\n"), 0, ""},
       {"", Gpio("PRINT=GPIO_IN # expect TDO=0, NRST=0 ,TMS=0\n"), 1,
-       "FILE:4:24: expected 0x00, captured 0x3e (mask 0x29): TMS is 1, TDO is 1\n" + failed},
+       "<stdin>:4:24: expected 0x00, captured 0x3e (mask 0x29): TMS is 1, TDO is 1\n" + failed},
       {"", Gpio("PRINT=GPIO_IN # expect 0x3f/0x01\n"), 1,
-       "FILE:4:24: expected 0x3f, captured 0x3e (mask 0x01): NRST is 0\n" + failed},
+       "<stdin>:4:24: expected 0x3f, captured 0x3e (mask 0x01): NRST is 0\n" + failed},
       // It holds for every run of the line, and of that line only.
       {"--keep-going",
        Gpio("REPT=2\nPRINT=GPIO_IN # expect NRST=0\nREPT=2\nREPT=1\nNRST=1\nENDR\n"
             "PRINT=GPIO_IN # expect NRST=1\nENDR\nENDR\nPRINT=GPIO_IN # expect TDO=0\n"),
        1,
-       "FILE:5:24: expected 0x00, captured 0x3f (mask 0x01): NRST is 1\n"
-       "FILE:13:24: expected 0x00, captured 0x3f (mask 0x20): TDO is 1\n"
-       "icehost: FILE failed: not as expected: 2 of the values read\n"},
+       "<stdin>:5:24: expected 0x00, captured 0x3f (mask 0x01): NRST is 1\n"
+       "<stdin>:13:24: expected 0x00, captured 0x3f (mask 0x20): TDO is 1\n"
+       "icehost: - failed: not as expected: 2 of the values read\n"},
       // Whatever stands before it in the comment, which the plug-in does not read.
       {"", Gpio("PRINT=GPIO_IN ## expect NRST=1\n"), 1,
-       "FILE:4:25: expected 0x01, captured 0x3e (mask 0x01): NRST is 0\n" + failed},
+       "<stdin>:4:25: expected 0x01, captured 0x3e (mask 0x01): NRST is 0\n" + failed},
       {"", Gpio("PRINT=GPIO_IN # note # expect NRST=1\n"), 1,
-       "FILE:4:31: expected 0x01, captured 0x3e (mask 0x01): NRST is 0\n" + failed},
+       "<stdin>:4:31: expected 0x01, captured 0x3e (mask 0x01): NRST is 0\n" + failed},
       {"", Gpio(std::string("PRINT=GPIO_IN\0# expect NRST=1\n", 30)), 1,
-       "FILE:4:24: expected 0x01, captured 0x3e (mask 0x01): NRST is 0\n" + failed},
+       "<stdin>:4:24: expected 0x01, captured 0x3e (mask 0x01): NRST is 0\n" + failed},
       // Two wires carry 35 bytes and their own one, and what was not shifted is as nobody expects.
       {"-q --wire 2wire", "[A]\nIR=5,1f\nDR=R,288,0\nTDO=" + kZeros + "\n", 1,
-       "FILE:4:5: expected 0x" + std::string(72, '0') + ", captured 0x" + std::string(70, '0') +
+       "<stdin>:4:5: expected 0x" + std::string(72, '0') + ", captured 0x" + std::string(70, '0') +
            "\n" + failed},
   };
   for (const auto& run : kRuns) {
-    const ScriptFile file(run.script);
     const Outcome outcome =
-        RunIcehost("run " + std::string(run.options) + " " + file.Path() + " 2>&1 >/dev/null");
+        RunOn(run.script, "run " + std::string(run.options) + " - 2>&1 >/dev/null");
     EXPECT_EQ(outcome.status, run.status) << run.options << " " << run.script;
-    EXPECT_EQ(Anonymous(outcome.output, file), run.said) << run.options << " " << run.script;
+    EXPECT_EQ(outcome.output, run.said) << run.options << " " << run.script;
   }
 }
 
 // All scripts are checked before a probe is touched.
 TEST(Expectations, AreNotPlayedWithErrors) {
-  const ScriptFile warned(Gpio("NRST=1,NRST=0\n"));
-  const ScriptFile wrong(Gpio("NRST=2\n"));
+  const std::string warned = Gpio("NRST=1,NRST=0\n");
+  const std::string wrong = Gpio("NRST=2\n");
   const std::string nowhere = " --probe remote-bitbang:unix:/nowhere";
   const struct {
+    std::string script;
     std::string arguments;
     int status;
     std::string said;  // last
   } kRuns[] = {
-      {warned.Path(), 0, "Execute ORVEX ICE Script End."},
-      {"--strict " + warned.Path() + nowhere, 1,
-       "icehost: FILE has warnings, and --strict is given: nothing is played"},
-      {"examples/reset.ini " + warned.Path() + " --strict" + nowhere, 1,
-       "icehost: FILE has warnings, and --strict is given: nothing is played"},
-      {wrong.Path() + " examples/reset.ini" + nowhere, 1,
-       "icehost: FILE has errors: nothing is played (--force plays it as the plug-in takes it)"},
-      {"--force " + wrong.Path() + nowhere, 3,
+      {warned, "-", 0, "Execute ORVEX ICE Script End."},
+      {warned, "--strict -" + nowhere, 1,
+       "icehost: - has warnings, and --strict is given: nothing is played"},
+      {warned, "examples/reset.ini - --strict" + nowhere, 1,
+       "icehost: - has warnings, and --strict is given: nothing is played"},
+      {wrong, "- examples/reset.ini" + nowhere, 1,
+       "icehost: - has errors: nothing is played (--force plays it as the plug-in takes it)"},
+      {wrong, "--force -" + nowhere, 3,
        "icehost: unix:/nowhere: cannot connect: No such file or directory"},
-      {"--force " + wrong.Path(), 1, "icehost: FILE failed"},
-      {"examples/reset.ini /nowhere" + nowhere, 1, "icehost: /nowhere: No such file or directory"},
+      {wrong, "--force -", 1, "icehost: - failed"},
+      {"", "examples/reset.ini /nowhere" + nowhere, 1,
+       "icehost: /nowhere: No such file or directory"},
   };
   for (const auto& run : kRuns) {
-    const Outcome outcome = RunShell("exec bash -o pipefail -c \"" ICESCRIPT_ICEHOST " run " +
-                                     run.arguments + " 2>&1 | tail -n 1\"");
+    const Outcome outcome = RunOn(run.script, "run " + run.arguments + " 2>&1");
     EXPECT_EQ(outcome.status, run.status) << run.arguments;
-    EXPECT_EQ(Anonymous(Anonymous(outcome.output, warned), wrong), run.said + "\n");
+    const std::size_t last = outcome.output.rfind('\n', outcome.output.size() - 2) + 1;
+    EXPECT_EQ(outcome.output.substr(last), run.said + "\n") << run.arguments;
   }
 }
 
@@ -195,13 +164,13 @@ TEST(Expectations, AreChecked) {
       {"[CONTROL]\nCDI=5\nTDO=1\n", "3:1: error: CONTROL reads nothing"},
   };
   for (const auto& checked : kScripts) {
-    const ScriptFile file(checked.script);
-    const Outcome outcome = RunIcehost("check " + file.Path() + " 2>&1 | head -n 1");
-    const std::string said = Anonymous(outcome.output, file);
+    const std::string output = RunOn(checked.script, "check - 2>&1").output;
+    const std::string said = output.substr(0, output.find('\n'));
     if (checked.said.empty()) {
       EXPECT_EQ(said, "") << checked.script;
     } else {
-      EXPECT_EQ(said.substr(0, checked.said.size() + 5), "FILE:" + checked.said) << checked.script;
+      EXPECT_EQ(said.substr(0, checked.said.size() + 8), "<stdin>:" + checked.said)
+          << checked.script;
     }
   }
 }
@@ -225,31 +194,30 @@ TEST(Expectations, AreLearned) {
             "NRST=0,PRINT=GPIO_IN  # expect 0x08/0x09 # one\n")},
   };
   for (const auto& run : kScripts) {
-    const ScriptFile file(run.script);
-    const ScriptFile learned("");
-    EXPECT_EQ(RunIcehost("run -q --learn " + learned.Path() + " " + file.Path()).status, 0);
+    const TempFile file(run.script);
+    const TempFile learned("");
+    EXPECT_EQ(RunIcehost("run -q --learn " + learned.Name() + " " + file.Name()).status, 0);
     EXPECT_EQ(learned.Text(), run.learned);
     EXPECT_EQ(file.Text(), run.script);
-    EXPECT_EQ(RunIcehost("run -q " + learned.Path()).status, 0) << run.learned;
+    EXPECT_EQ(RunIcehost("run -q " + learned.Name()).status, 0) << run.learned;
   }
   // A script that would not pass, or a run that failed, leaves what was there.
-  const ScriptFile old("as it was");
-  for (const ScriptFile& refused :
-       {ScriptFile(Gpio("PRINT=GPIO_IN #" + std::string(2025, 'x') + "\n")),
-        ScriptFile(Idcode("TDO=0,0,0,0 # " + std::string(2030, 'x'))),
-        ScriptFile("[CONTROL]\nCDI=2\n" + Idcode("TDO=1"))}) {
-    EXPECT_EQ(RunIcehost("run -q --learn " + old.Path() + " " + refused.Path() + " 2>&1").status,
+  const TempFile old("as it was");
+  for (const TempFile& refused : {TempFile(Gpio("PRINT=GPIO_IN #" + std::string(2025, 'x') + "\n")),
+                                  TempFile(Idcode("TDO=0,0,0,0 # " + std::string(2030, 'x'))),
+                                  TempFile("[CONTROL]\nCDI=2\n" + Idcode("TDO=1"))}) {
+    EXPECT_EQ(RunIcehost("run -q --learn " + old.Name() + " " + refused.Name() + " 2>&1").status,
               1);
     EXPECT_EQ(old.Text(), "as it was");
   }
-  const ScriptFile file(Idcode(""));
-  EXPECT_EQ(RunIcehost("run -q --learn - " + file.Path() + " 2>&1 >>" + file.Path()).output,
+  const TempFile file(Idcode(""));
+  EXPECT_EQ(RunIcehost("run -q --learn - " + file.Name() + " 2>&1 >>" + file.Name()).output,
             "--learn: standard output is also a script\nRun with --help for more information.\n");
   EXPECT_EQ(
-      RunIcehost("run --learn " + file.Path() + " " + file.Path() + " 2>&1").output,
-      "--learn: " + file.Path() + " is also a script\nRun with --help for more information.\n");
-  const ScriptFile other("as it was");
-  EXPECT_EQ(RunIcehost("run -q --ir-length 4 --learn " + other.Path() + " " + file.Path() +
+      RunIcehost("run --learn " + file.Name() + " " + file.Name() + " 2>&1").output,
+      "--learn: " + file.Name() + " is also a script\nRun with --help for more information.\n");
+  const TempFile other("as it was");
+  EXPECT_EQ(RunIcehost("run -q --ir-length 4 --learn " + other.Name() + " " + file.Name() +
                        " examples/reset.ini 2>&1")
                 .output,
             "--learn: takes one script\nRun with --help for more information.\n");

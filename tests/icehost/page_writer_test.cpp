@@ -1,5 +1,5 @@
-// What a page keeps of a run, and that no text in it is taken for markup; tests/icehost/page.py looks at
-// pages in a browser.
+// What a page keeps of a run, and that no text in it is taken for markup; tests/icehost/page.py
+// looks at pages in a browser.
 #include "host/page/page_writer.h"
 
 #include <gtest/gtest.h>

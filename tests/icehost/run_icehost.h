@@ -8,15 +8,18 @@
 #include <cstdio>
 #include <string>
 
+#include "tests/temp_file.h"
+
 struct Outcome {
   int status;
   std::string output;
 };
 
-// Runs a command in the source folder, with a shell's redirections.
+// Runs a shell command in the source folder; it finds icehost on the PATH.
 inline Outcome RunShell(const std::string& command) {
+  const std::string place = "cd " ICESCRIPT_SOURCE " && PATH=" ICESCRIPT_PROGRAMS ":$PATH && ";
   // NOLINTNEXTLINE(cert-env33-c): as a user would
-  FILE* const pipe = popen(("cd " ICESCRIPT_SOURCE " && " + command).c_str(), "r");
+  FILE* const pipe = popen((place + command).c_str(), "r");
   std::string output;
   std::array<char, 4096> buffer;
   std::size_t got = 0;
@@ -28,7 +31,13 @@ inline Outcome RunShell(const std::string& command) {
 }
 
 inline Outcome RunIcehost(const std::string& arguments) {
-  return RunShell(ICESCRIPT_ICEHOST " " + arguments);
+  return RunShell("icehost " + arguments);
+}
+
+// Runs icehost with a text on standard input.
+inline Outcome RunOn(const std::string& text, const std::string& arguments) {
+  const TempFile file(text);
+  return RunIcehost(arguments + " <" + file.Name());
 }
 
 #endif  // ICESCRIPT_TESTS_RUN_ICEHOST_H_

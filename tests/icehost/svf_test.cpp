@@ -8,11 +8,6 @@
 
 namespace {
 
-// icehost with a text on standard input.
-Outcome RunOn(const std::string& text, const std::string& arguments) {
-  return RunIcehost(arguments + " 2>&1 <<'ENDOFTEXT'\n" + text + "\nENDOFTEXT");
-}
-
 // The lines that begin with `first`, or those that are no comment and none of icehost's messages.
 std::string Lines(const std::string& text, const std::string& first = "") {
   std::istringstream lines(text);
@@ -96,7 +91,7 @@ TEST(Svf, SaysWhatTheTapDoes) {
        loss("SVF cannot release pins: a player drives them"), "STATE IDLE;\n"},
   };
   for (const auto& walk : kWalks) {
-    const Outcome outcome = RunOn(Walk(walk.edges), "run -q --svf - -");
+    const Outcome outcome = RunOn(Walk(walk.edges), "run -q --svf - - 2>&1");
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(Lines(outcome.output), head + walk.statements) << walk.edges;
     EXPECT_EQ(Lines(outcome.output, "icehost:"), reset_line + walk.told) << walk.edges;
@@ -110,7 +105,7 @@ TEST(Svf, NamesThePlaces) {
   const Outcome outcome = RunOn("[" + name +
                                     "]\nIR=5,1\nDR=R,8,0\nTDO=0x02\nIR_TDO=0x1\n"
                                     "IR_MASK=0x4",
-                                "run -q --keep-going --svf - -");
+                                "run -q --keep-going --svf - - 2>&1");
   EXPECT_EQ(outcome.status, 1);
   EXPECT_EQ(outcome.output.substr(outcome.output.find("! Played")),
             "! Played by icehost, which wrote this while it ran. TDO is what came back.\n"
@@ -187,13 +182,13 @@ TEST(Svf, ImportsWhatAScriptCanSay) {
        "IR_TDO=0x01,0x80\n\n"},
   };
   for (const auto& file : kFiles) {
-    const Outcome outcome = RunOn(file.svf, "import -");
+    const Outcome outcome = RunOn(file.svf, "import - 2>&1");
     EXPECT_EQ(outcome.status, 0) << file.svf;
     const std::string script = outcome.output.substr(std::string(file.told).size());
     EXPECT_EQ(outcome.output.substr(0, outcome.output.size() - script.size()), file.told);
     std::string sections = Lines(script);
     EXPECT_EQ(sections.erase(0, 1), file.script) << file.svf;
-    const Outcome check = RunOn(script, "check --strict -");
+    const Outcome check = RunOn(script, "check --strict - 2>&1");
     EXPECT_EQ(check.status, 0) << file.svf << check.output;
   }
 }
@@ -265,7 +260,7 @@ TEST(Svf, RefusesWhatAScriptCannotSay) {
       {"PIO (HL);", "1:1: error: a JTAG script has no other pins than those of the TAP"},
   };
   for (const auto& fault : kFaults) {
-    const Outcome outcome = RunOn(fault.svf, "import -");
+    const Outcome outcome = RunOn(fault.svf, "import - 2>&1");
     EXPECT_EQ(outcome.status, 1) << fault.svf;
     EXPECT_EQ(outcome.output.substr(0, outcome.output.find('\n')), "<stdin>:" + fault.error);
     EXPECT_EQ(outcome.output.find("[LINE"), std::string::npos) << "a script all the same";
@@ -279,25 +274,21 @@ TEST(Svf, BoundsWhatItTakes) {
     int status;
     const char* output;
   } kRuns[] = {
-      {"yes 'FOO 1;' | head -n 1000 | " ICESCRIPT_ICEHOST " import - 2>&1 | grep -c error:", 0,
-       "50\n"},
-      {"(printf 'SDR 8 TDI (0) '; yes ')' | head -n 100; echo ';') | " ICESCRIPT_ICEHOST
-       " import - 2>&1",
-       1, "<stdin>:1:1: error: the statement has more than 64 words\nicehost: - is not imported\n"},
-      {"printf 'SIR 5 TDI (1\\0);\\0;' | " ICESCRIPT_ICEHOST " import - 2>&1", 1,
+      {"yes 'FOO 1;' | head -n 1000 | icehost import - 2>&1 | grep -c error:", 0, "50\n"},
+      {"(printf 'SDR 8 TDI (0) '; yes ')' | head -n 100; echo ';') | icehost import - 2>&1", 1,
+       "<stdin>:1:1: error: the statement has more than 64 words\nicehost: - is not imported\n"},
+      {"printf 'SIR 5 TDI (1\\0);\\0;' | icehost import - 2>&1", 1,
        "<stdin>:1:13: error: \" \" is no hexadecimal digit\n"
        "<stdin>:1:16: error: SVF has no statement \" \"\nicehost: - is not imported\n"},
-      {"(echo 'SDR 288 TDI (0);'; yes 'SDR 288;' | head -n 8000) | " ICESCRIPT_ICEHOST
-       " import --size-limit 1 - 2>&1 | head -n 1 | cut -d: -f3-",
+      {"(echo 'SDR 288 TDI (0);'; yes 'SDR 288;' | head -n 8000) | icehost import --size-limit 1 - "
+       "2>&1 | head -n 1 | cut -d: -f3-",
        0, "1: error: the script becomes larger than 1 MiB; --size-limit lets more out\n"},
-      {ICESCRIPT_ICEHOST " import /nowhere 2>&1", 1,
-       "icehost: /nowhere: No such file or directory\n"},
-      {"echo 'SIR 5 TDI (1);' | " ICESCRIPT_ICEHOST " import - 2>&1 >/dev/full", 3,
+      {"icehost import /nowhere 2>&1", 1, "icehost: /nowhere: No such file or directory\n"},
+      {"echo 'SIR 5 TDI (1);' | icehost import - 2>&1 >/dev/full", 3,
        "icehost: standard output: No space left on device\n"},
-      {"cd $(mktemp -d) && echo 'SIR 5 TDI (1);' >'expect\n#xExPeCt TDO=1' && " ICESCRIPT_ICEHOST
-       " import expect* -o s.ini && " ICESCRIPT_ICEHOST
-       " check --strict s.ini && head -n 2 s.ini && " ICESCRIPT_ICEHOST
-       " import -o s.ini s.ini 2>&1 | head -n 1; rm -r $PWD",
+      {"cd $(mktemp -d) && echo 'SIR 5 TDI (1);' >'expect\n#xExPeCt TDO=1' && icehost import "
+       "expect* -o s.ini && icehost check --strict s.ini && head -n 2 s.ini && icehost import -o "
+       "s.ini s.ini 2>&1 | head -n 1; rm -r $PWD",
        0,
        "# Imported by icehost from ?xpect #x?xPeCt TDO=1. A section is named after the line of "
        "its\n"

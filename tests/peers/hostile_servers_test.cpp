@@ -300,8 +300,7 @@ TEST(Servers, AreOutOfReachWithoutFiles) {
     for (int files = 5; files < 20; ++files) {
       const Outcome outcome =
           RunShell("exec 2>&1; ulimit -n " + std::to_string(files) +
-                   "; exec " ICESCRIPT_ICEHOST " run -q --timeout 0.1 --probe " + probe +
-                   " examples/reset.ini");
+                   "; exec icehost run -q --timeout 0.1 --probe " + probe + " examples/reset.ini");
       const bool no_files = outcome.output.find("Too many open files") != std::string::npos;
       const bool served = probe == "sim" ? outcome.output.empty()
                                          : outcome.output.find("no answer") != std::string::npos;

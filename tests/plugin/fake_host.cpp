@@ -2,7 +2,6 @@
 
 #include <dlfcn.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <cstdio>
 #include <cstring>
@@ -117,16 +116,6 @@ std::string Quoted(const std::string& text) {
     quoted += ch == '\n' ? "\\n" : ch == '\t' ? "\\t" : std::string(1, ch);
   }
   return quoted + "\"";
-}
-
-TempFile::TempFile(const std::string& content) : path_(testing::TempDir() + "scriptXXXXXX") {
-  const int file = mkstemp(path_.data());
-  EXPECT_EQ(write(file, content.data(), content.size()), static_cast<ssize_t>(content.size()));
-  close(file);
-}
-
-TempFile::~TempFile() {
-  unlink(path_.c_str());
 }
 
 Module::Module() : library_(dlopen(ICESCRIPT_MODULE, RTLD_LAZY | RTLD_LOCAL)) {

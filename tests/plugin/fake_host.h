@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "entry/icescript.h"
+#include "tests/temp_file.h"
 
 // Events, one a line of the transcript:
 //   "text"                          a message, line breaks and tabs as \n and \t; adjacent messages
@@ -50,19 +51,6 @@ class FakeHost {
 
 // `text` with line breaks and tabs visible, in quotes.
 std::string Quoted(const std::string& text);
-
-// A file with this content, for as long as the object lives.
-class TempFile {
- public:
-  explicit TempFile(const std::string& content);
-  ~TempFile();
-  TempFile(const TempFile&) = delete;
-  TempFile& operator=(const TempFile&) = delete;
-  char* Path() { return path_.data(); }
-
- private:
-  std::string path_;
-};
 
 // The built module, loaded.
 class Module {
