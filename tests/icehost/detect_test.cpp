@@ -1,11 +1,9 @@
 // What icehost detect finds: chains that are sound, and those that are not.
 #include <gtest/gtest.h>
 
-#include <asio.hpp>
 #include <functional>
 #include <optional>
 #include <sstream>
-#include <thread>
 #include <utility>
 
 #include "host/chain/chain_reader.h"
@@ -15,6 +13,7 @@
 #include "host/probe/pin_port.h"
 #include "host/target/pin_names.h"
 #include "host/target/tap.h"
+#include "tests/icehost/local_server.h"
 #include "tests/icehost/run_icehost.h"
 
 namespace {
@@ -339,42 +338,6 @@ TEST(Detect, NamesManufacturers) {
             "version 1, part 0xce51, manufacturer 0x000 (bank 1, code 0x00: none has it)");
 }
 
-// Serves a chain to one client after the other, for as long as it lives.
-class ChainServer {
- public:
-  explicit ChainServer(const Taps& taps) : port_(taps), thread_([this] { Serve(); }) {}
-  ~ChainServer() {
-    asio::error_code gone;
-    ending_ = true;
-    asio::ip::tcp::socket(context_).connect(acceptor_.local_endpoint(), gone);
-    thread_.join();
-  }
-  std::string Probe() const {
-    return "--probe remote-bitbang:127.0.0.1:" + std::to_string(acceptor_.local_endpoint().port());
-  }
-
- private:
-  void Serve() {
-    while (!ending_) {
-      asio::ip::tcp::socket client = acceptor_.accept();
-      icehost::BitbangSession session(port_);
-      asio::error_code gone;
-      for (std::string bytes(4096, '\0'); !gone;) {
-        const std::size_t got = client.read_some(asio::buffer(bytes), gone);
-        std::string answers;
-        session.Feed({bytes.data(), got}, answers);
-        if (!gone) asio::write(client, asio::buffer(answers), gone);
-      }
-    }
-  }
-
-  asio::io_context context_;
-  asio::ip::tcp::acceptor acceptor_{context_, {asio::ip::address_v4::loopback(), 0}};
-  ChainPort port_;
-  std::atomic<bool> ending_{false};
-  std::thread thread_;
-};
-
 // The scripts pass on the chain that they were made for, with the instructions filled in too, and
 // on no other.
 TEST(Detect, WritesScriptsThatPass) {
@@ -387,17 +350,30 @@ TEST(Detect, WritesScriptsThatPass) {
       "sed -e 's/^#\\([A-Z[]\\)/\\1/' "
       "-e '/^.READ_IDCODE_1/,/^DR/s/IR=17,.*/IR=17,0xe1,0xff,0x01/' "
       "-e '/^.READ_IDCODE_3/,/^DR/s/IR=17,.*/IR=17,0xff,0x03,0x00/'";
+  // Runs a command with the option for a probe with this chain in place of a %.
+  const auto run_on = [](const Taps& taps, std::string command) {
+    ChainPort port(taps);
+    const LocalServer server([&port](asio::ip::tcp::socket& client) {
+      icehost::BitbangSession session(port);
+      for (;;) {
+        std::string answers;
+        session.Feed(ReadFrom(client), answers);
+        asio::write(client, asio::buffer(answers));
+      }
+    });
+    return RunShell(
+        command.replace(command.find('%'), 1, "--probe remote-bitbang:" + server.Name()));
+  };
   for (const std::string kind : {"jtag", "gpio"}) {
     const std::string script = testing::TempDir() + "detected." + kind;
-    const Outcome made = RunIcehost("detect --script " + kind + " " + ChainServer(chain).Probe() +
-                                    " 2>&1 >" + script + "; icehost check --strict " + script);
+    const Outcome made = run_on(chain, "icehost detect --script " + kind + " % 2>&1 >" + script +
+                                           "; icehost check --strict " + script);
     EXPECT_EQ(made.output.substr(0, 9), "3 TAPs on") << kind;
     EXPECT_EQ(made.output.find(": error"), std::string::npos) << made.output;
     EXPECT_EQ(made.status, 0) << kind;
     const std::string edit = kind == "jtag" ? fill + " " : "cat ";
     const auto run = [&](const Taps& taps) {
-      return RunShell(edit + script + " | icehost run -q --strict " + ChainServer(taps).Probe() +
-                      " - 2>&1");
+      return run_on(taps, edit + script + " | icehost run -q --strict % - 2>&1");
     };
     EXPECT_EQ(run(chain).output, "") << kind;
     EXPECT_EQ(run(older).output, "") << kind;

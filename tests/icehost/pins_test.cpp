@@ -5,9 +5,7 @@
 #include <utility>
 
 #include "host/pins/recording_port.h"
-#include "host/pins/tap_decoder.h"
 #include "host/probe/bitbang_server.h"
-#include "host/target/tap_tracker.h"
 
 namespace {
 
@@ -78,84 +76,6 @@ TEST(RecordingPort, GivesEverySampleToItsAsker) {
   for (int i = 0; i < 3000; ++i) recording.Write(i, GPIO_PIN_ALL);
   recording.Flush();
   EXPECT_EQ(recording.Steps(), 3003U);
-}
-
-class NotingTap : public icehost::TapListener {
- public:
-  void OnScan(const icehost::TapScan& scan) override {
-    notes << (scan.ir ? "IR " : "DR ") << Text(scan.in) << '>' << Text(scan.out)
-          << (scan.updated ? ""
-              : scan.reset ? " cut by reset"
-                           : " cut")
-          << Place(scan.steps);
-  }
-  void OnTapReset(bool by_trst, icehost::StepRange steps) override {
-    notes << (by_trst ? "TRST resets" : "TMS resets") << Place(steps);
-  }
-  void OnIdle(long cycles, icehost::StepRange steps) override {
-    notes << "idle " << cycles << Place(steps);
-  }
-  void OnResetPins(int levels, icehost::StepRange steps) override {
-    notes << "pins " << levels << Place(steps);
-  }
-
-  std::ostringstream notes;
-
- private:
-  static std::string Text(const icehost::Bits& bits) {
-    std::string text;
-    for (const bool bit : bits) text += bit ? '1' : '0';
-    return text;
-  }
-  static std::string Place(icehost::StepRange steps) {
-    return " @" + std::to_string(steps.begin) + "-" + std::to_string(steps.end) + "; ";
-  }
-};
-
-// Steps as what they set besides NRST and TRST: M TMS, I TDI, O TDO; each is followed by the same
-// with TCK high and TDO low, since the edge takes what stood before it. "n" and "t" are steps with
-// a reset line low, "e" one without TCK.
-TEST(TapDecoder, TellsWhatTheTapDoes) {
-  const std::string reset = "M M M M M ";
-  const struct {
-    std::string steps;
-    const char* told;
-  } kWalks[] = {
-      {"M M M M e M - -", "TMS resets @10-11; idle 1 @12-15; "},
-      {reset + "M - - -", "TMS resets @9-10; idle 2 @13-18; "},
-      {reset + "- M - - O IO MI M -", "TMS resets @9-10; DR 011>110 @15-26; "},
-      {reset + "- M M - - MO M -", "TMS resets @9-10; IR 0>1 @17-24; "},
-      {reset + "- M - M M - M", "TMS resets @9-10; DR > @15-20; "},
-      // Through Pause and back to Shift: one scan.
-      {reset + "- M - - MI - - M - MO M M", "TMS resets @9-10; DR 10>01 @15-32; "},
-      {reset + "- M - - I t - -",
-       "TMS resets @9-10; DR 1>0 cut by reset @15-21; pins 1 @20-21; TRST resets @20-21; pins 3 "
-       "@21-22; "
-       "idle 1 @22-25; "},
-      {reset + "- M - - I", "TMS resets @9-10; DR 1>0 cut @15-20; "},
-      {"t e - - n -",
-       "pins 1 @0-1; TRST resets @0-1; pins 3 @1-2; idle 1 @3-6; pins 2 @6-7; "
-       "pins 3 @7-8; idle 1 @7-9; "},
-  };
-  for (const auto& walk : kWalks) {
-    NotingTap tap;
-    icehost::TapDecoder decoder({&tap});
-    icehost::TapTracker tracker;
-    const auto record = [&](int wires) {
-      tracker.Update(wires);
-      decoder.Record({wires, tracker.State(), false});
-    };
-    std::istringstream steps(walk.steps);
-    for (std::string step; steps >> step;) {
-      const auto has = [&step](char what) { return step.find(what) != std::string::npos; };
-      const int wires = (has('n') ? 0 : GPIO_PIN_NRST) | (has('t') ? 0 : GPIO_PIN_TRST) |
-                        (has('M') ? GPIO_PIN_TMS : 0) | (has('I') ? GPIO_PIN_TDI : 0);
-      record(wires | (has('O') ? GPIO_PIN_TDO : 0));
-      if (!has('n') && !has('t') && !has('e')) record(wires | GPIO_PIN_TCK);
-    }
-    decoder.End();
-    EXPECT_EQ(tap.notes.str(), walk.told) << walk.steps;
-  }
 }
 
 }  // namespace

@@ -70,6 +70,28 @@ TEST(Serve, IsToldInLines) {
 {"scan":"DR","bits":32,"in":"0x80000000","out":"0x1ce51001","updated":true,"step":15,"end_step":84}
 {"idle":2,"step":85,"end_step":90}
 )"},
+      // The fifth edge with TMS high resets, whatever is written between; more of them do not.
+      {Walk("1111") + "2" + Walk("1") + Walk("1000"), "10 TAP reset (TMS)\n14 idle 2 cycles\n",
+       R"({"reset":"TMS","step":10,"end_step":11}
+{"idle":2,"step":14,"end_step":19}
+)"},
+      // Through Pause-DR and back to Shift-DR: one scan.
+      {kReset + Walk(kDr) + Edges("01", "01") + Walk("0010") + Edges("01", "01") + Walk("10"),
+       "9 TAP reset (TMS)\n15 DR 4 bits 0x0a -> 0x01\n", R"({"reset":"TMS","step":9,"end_step":10}
+{"scan":"DR","bits":4,"in":"0x0a","out":"0x01","updated":true,"step":15,"end_step":36}
+)"},
+      // A reset pin parts the idle cycles.
+      {"tr" + Walk("00") + "sr" + Walk("0"),
+       "0 TRST=0 NRST=1\n0 TAP reset (TRST)\n1 TRST=1 NRST=1\n3 idle 1 cycle\n6 TRST=1 NRST=0\n7 "
+       "TRST=1 NRST=1\n7 idle 1 cycle\n",
+       R"({"pins":{"TRST":0,"NRST":1},"step":0,"end_step":1}
+{"reset":"TRST","step":0,"end_step":1}
+{"pins":{"TRST":1,"NRST":1},"step":1,"end_step":2}
+{"idle":1,"step":3,"end_step":6}
+{"pins":{"TRST":1,"NRST":0},"step":6,"end_step":7}
+{"pins":{"TRST":1,"NRST":1},"step":7,"end_step":8}
+{"idle":1,"step":7,"end_step":10}
+)"},
       // More than the register holds: what was shifted in comes out behind it.
       {"u" + ("r" + Walk("0") + Scan(kDr, std::string(36, '1'))),
        "0 TRST=0 NRST=0\n0 TAP reset (TRST)\n1 TRST=1 NRST=1\n"

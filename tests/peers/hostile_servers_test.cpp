@@ -1,16 +1,14 @@
 // icehost with servers that are odd, broken or hostile.
 #include <gtest/gtest.h>
 
-#include <array>
 #include <asio.hpp>
 #include <atomic>
-#include <functional>
 #include <regex>
 #include <thread>
-#include <utility>
 
 #include "host/probe/bitbang_server.h"
 #include "host/probe/sim_port.h"
+#include "tests/icehost/local_server.h"
 #include "tests/icehost/run_icehost.h"
 
 namespace {
@@ -19,14 +17,7 @@ using asio::ip::tcp;
 
 std::atomic<bool> icehost_ended;
 
-// What a server does with its one client. It ends once an operation fails.
-using Server = std::function<void(tcp::socket& client)>;
-
-std::string Read(tcp::socket& client) {
-  std::string bytes(4096, '\0');
-  bytes.resize(client.read_some(asio::buffer(bytes)));
-  return bytes;
-}
+using Server = LocalServer::Session;
 
 void Write(tcp::socket& client, const std::string& bytes) {
   asio::write(client, asio::buffer(bytes));
@@ -36,7 +27,7 @@ void Write(tcp::socket& client, const std::string& bytes) {
 template <class Answer>
 Server Answering(Answer answer) {
   return [answer](tcp::socket& client) mutable {
-    for (;;) Write(client, answer(Read(client)));
+    for (;;) Write(client, answer(ReadFrom(client)));
   };
 }
 
@@ -49,7 +40,7 @@ Server Target(const std::string& before, const std::string& after) {
     icehost::BitbangSession session(port);
     std::string answers = before;
     for (;;) {
-      const std::string bytes = Read(client);
+      const std::string bytes = ReadFrom(client);
       session.Feed(bytes, answers);
       Write(client, answers + (bytes.back() == 'R' ? after : ""));
       answers.clear();
@@ -71,7 +62,7 @@ Server Tdo(const std::string& levels) {
 // Once it has been asked, this; then it stays.
 Server Once(const std::string& answer) {
   return [answer](tcp::socket& client) {
-    Read(client);
+    ReadFrom(client);
     Write(client, answer);
     kSilent(client);
   };
@@ -82,7 +73,7 @@ Server Openocd(const std::vector<std::string>& answers) {
   return [answers](tcp::socket& client) {
     for (const std::string& answer : answers) {
       std::string command;
-      while (command.find('\x1a') == std::string::npos) command += Read(client);
+      while (command.find('\x1a') == std::string::npos) command += ReadFrom(client);
       Write(client, answer + '\x1a');
     }
     kSilent(client);
@@ -100,24 +91,12 @@ Server OpenocdScan(std::vector<std::string> answers, const std::string& ir_lengt
 // without the place.
 Outcome RunAgainst(const Server& server, const std::string& probe, const std::string& rest,
                    const std::string& timeout) {
-  asio::io_context io;
-  tcp::acceptor acceptor(io, {asio::ip::address_v4::loopback(), 0});
-  const std::string name = "127.0.0.1:" + std::to_string(acceptor.local_endpoint().port());
-  std::thread thread([&] {
-    tcp::socket client = acceptor.accept();
-    try {
-      server(client);
-    } catch (const asio::system_error&) {
-      // icehost is done with us
-    }
-  });
+  const LocalServer local(server);
+  const std::string name = local.Name();
   icehost_ended = false;
   Outcome outcome = RunIcehost("run --timeout " + timeout + " --probe " + probe + ":" + name + " " +
                                rest + " 2>&1 >/dev/null");
   icehost_ended = true;
-  asio::error_code refused;  // lets go of a server that icehost never came to
-  tcp::socket(io).connect(acceptor.local_endpoint(), refused);
-  thread.join();
   outcome.output = outcome.output.substr(0, outcome.output.find('\n'));
   const std::regex place("^(icehost|[^ ]*:[0-9]+): (link_[a-z_]+ failed: )?");
   outcome.output = std::regex_replace(outcome.output, place, "");
@@ -140,13 +119,13 @@ TEST(Servers, EndARunAsTheyShould) {
   const std::string gone = "SERVER: OpenOCD closed the connection";
   const std::string no_ir = "no TAP answers as it should: the captured IR does not end in 01 (";
   const std::string no_scan = "OpenOCD's answer to a DR scan is none: ";
-  const auto close_at_once = [](tcp::socket& client) { Read(client); };
+  const auto close_at_once = [](tcp::socket& client) { ReadFrom(client); };
   const auto half_close = [](tcp::socket& client) {
     client.shutdown(tcp::socket::shutdown_send);
     kSilent(client);
   };
   const auto reset_connection = [](tcp::socket& client) {
-    Read(client);
+    ReadFrom(client);
     client.set_option(asio::socket_base::linger(true, 0));
     client.close();
   };
@@ -159,7 +138,7 @@ TEST(Servers, EndARunAsTheyShould) {
   };
   const auto trickle = [](tcp::socket& client) {
     for (;; std::this_thread::sleep_for(std::chrono::milliseconds(5))) {
-      for (const char byte : Read(client)) {
+      for (const char byte : ReadFrom(client)) {
         if (byte == 'R') Write(client, "1");
       }
     }
