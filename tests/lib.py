@@ -1,7 +1,7 @@
 """What the Python tests of icehost share. Each is started as NAME.py ICEHOST SOURCE_FOLDER.
 
-A test works in a folder of its own, which has the entries of the source folder and is removed in the
-end. `icehost` is on the PATH.
+A test works in a folder of its own, which has the entries of the source folder and is removed at
+the end. `icehost` is on the PATH.
 """
 import os
 import re

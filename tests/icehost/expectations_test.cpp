@@ -1,6 +1,7 @@
 // What scripts expect to read, and what becomes of it.
 #include <gtest/gtest.h>
 
+#include <map>
 #include <string>
 
 #include "tests/icehost/run_icehost.h"
@@ -211,17 +212,16 @@ TEST(Expectations, AreLearned) {
     EXPECT_EQ(old.Text(), "as it was");
   }
   const TempFile file(Idcode(""));
-  EXPECT_EQ(RunIcehost("run -q --learn - " + file.Name() + " 2>&1 >>" + file.Name()).output,
-            "--learn: standard output is also a script\nRun with --help for more information.\n");
-  EXPECT_EQ(
-      RunIcehost("run --learn " + file.Name() + " " + file.Name() + " 2>&1").output,
-      "--learn: " + file.Name() + " is also a script\nRun with --help for more information.\n");
-  const TempFile other("as it was");
-  EXPECT_EQ(RunIcehost("run -q --ir-length 4 --learn " + other.Name() + " " + file.Name() +
-                       " examples/reset.ini 2>&1")
-                .output,
-            "--learn: takes one script\nRun with --help for more information.\n");
-  EXPECT_EQ(other.Text(), "as it was");
+  const std::string& name = file.Name();
+  const std::string both = old.Name() + " " + name + " examples/reset.ini";
+  for (const auto& [arguments, message] : std::map<std::string, std::string>{
+           {"- " + name + " >>" + name, "standard output is also a script"},
+           {name + " " + name, name + " is also a script"},
+           {both + " --ir-length 4", "takes one script"}}) {
+    EXPECT_EQ(RunIcehost("run -q 2>&1 --learn " + arguments).output,
+              "--learn: " + message + "\nRun with --help for more information.\n");
+  }
+  EXPECT_EQ(old.Text(), "as it was");
 }
 
 }  // namespace

@@ -11,101 +11,26 @@
 
 namespace {
 
-// Output against golden files; with ICESCRIPT_UPDATE_GOLDEN set they are written anew instead.
+// The commands of tests/golden/commands.txt against the golden files; with ICESCRIPT_UPDATE_GOLDEN
+// set these are written instead.
 TEST(Icehost, RunsAsGolden) {
-  const struct {
-    const char* command;
-    int status;
-    const char* golden;
-  } kRuns[] = {
-      {"icehost run examples/read_idcode.ini", 0, "read_idcode.ini"},
-      {"icehost run examples/scratch_register.ini", 0, "scratch_register.ini"},
-      {"icehost run examples/two_wire.ini", 0, "two_wire.ini"},
-      {"icehost run examples/reset.ini", 0, "reset.ini"},
-      {"icehost run examples/read_idcode.gpio", 0, "read_idcode.gpio"},
-      {"icehost run - < examples/reset_pulse.gpio", 0, "reset_pulse.gpio"},
-      {"icehost run examples/read_idcode.gpio examples/two_wire.ini examples/read_idcode.ini", 0,
-       "several"},
-      {"icehost run tests/scripts/long_scans.ini --register 0x15:8=5a --ir-length 6 --idcode 5 "
-       "--wire "
-       "2wire",
-       0, "long_scans"},
-      {"icehost run tests/scripts/bad.ini examples/reset.ini 2>&1", 1, "run_bad"},
-      {"icehost run --force tests/scripts/bad.ini examples/reset.ini 2>/dev/null", 1, "run_forced"},
-      {"icehost run --trace --summary examples/read_idcode.gpio examples/two_wire.ini "
-       "tests/scripts/walk.gpio tests/scripts/long_scans.ini 2>&1 >/dev/null | sed 's/[0-9.]* s$/T "
-       "s/'",
-       0, "trace"},
-      {"icehost run -q --svg /dev/stderr examples/reset.ini tests/scripts/walk.gpio 2>&1 "
-       ">/dev/null",
-       0, "svg_walk"},
-      {"icehost run --probe sim --ir-length 32 --wire cjtag2 --register 0x5a5a55aa:8 "
-       "tests/scripts/register.ini",
-       0, "register"},
-      {"icehost run --ir-length 2 --register 0:5=0x1F - "
-       "<<END\n[A]\nIR=2,0\nDR=R,5,0\n[B]\nIR=2,3\nDR=R,2,2\nEND",
-       0, "bounds"},
-      {"icehost run --json - examples/reset_pulse.gpio examples/reset.ini 2>&1", 0, "json"},
-      {"icehost run --force --json - tests/scripts/bad.ini 2>/dev/null", 1, "json_errors"},
-      {"icehost run --trace=- -q examples/two_wire.ini 2>&1", 0, "trace_standard_output"},
-      {"icehost run --vcd /dev/stderr examples/read_idcode.ini examples/reset_pulse.gpio 2>&1 "
-       ">/dev/null",
-       0, "vcd"},
-      {"icehost run --svg - examples/read_idcode.ini | diff - docs/read_idcode.svg", 0, "empty"},
-      {"icehost check tests/scripts/bad.ini", 1, "check_ini"},
-      {"icehost check tests/scripts/bad.gpio", 1, "check_gpio"},
-      {"icehost check tests/scripts/traps.gpio tests/scripts/traps.ini", 1, "check_traps"},
-      {"icehost check -q tests/scripts/bad.gpio tests/scripts/no_start.gpio - "
-       "<tests/scripts/no_end.gpio",
-       1, "check_errors_only"},
-      {"icehost --help; for verb in run check detect import serve; do icehost $verb --help; done",
-       0, "help"},
-      {"icehost help; for verb in run check detect import serve; do icehost -q help $verb; done", 0,
-       "help"},
-      {"icehost check - <<END\n[ZEVAA_ICE_GPPIO]\nA=1\nEND", 1, "check_near_tag"},
-      {"icehost check tests/golden/empty.txt tests/scripts/marked.gpio tests/scripts/near.gpio", 1,
-       "check_heads"},
-      {"icehost check tests/scripts/nested.gpio tests/scripts/cut.gpio tests/scripts/cut.ini", 1,
-       "check_blocks_cut"},
-      {"icehost check - <<END\n[ZEVA_ICE_GPIO]\nSTART\nREPT=2\nPRINT=GPIO_IN\nENDR,\nP\nEND", 1,
-       "check_unfinished"},
-      {"icehost check tests/scripts/slips.gpio tests/scripts/slips.ini 2>&1", 1, "check_slips"},
-      {"icehost check tests/scripts/pins.gpio 2>&1", 0, "check_pins"},
-      {"for head in [orvex_ice_gpio] [ZEVA_ICE_GPIO '[ORVEX_ICE_GPIO]\\t' '[ "
-       "ZEVA_ICE_GPIO ]' '[ZEVA_ICE_GPIO] START' '[VEZA_ICE_GPIO] ; x' "
-       "'\\0357\\0273\\0277[CONTROL]' "
-       "'\\0357\\0273\\0277IR=5,1' '[CONTROL]\\nRESET=' '[ZEVA_ICE_GPIO]\\nSTART ; x' "
-       "'[GPIO]\\nStart'; do printf "
-       "'%b\\n' \"$head\" | icehost check - 2>&1 | grep :; done",
-       0, "check_first_lines"},
-      {"printf '[CONTROL]\nCDI=2\n[A]\nIR=256,0 # expect 0\nDR=W,257\n[B]\n"
-       "IR=257,0 # expect 9\nDR=W,256 # expect 0 bits\n[C]\nIR=5,1 # expect :5\nDR=R,8 # expect\n'"
-       " | icehost check - 2>&1",
-       1, "check_wires"},
-      // The IDCODE is there again after zeros were shifted in.
-      {"printf '[A]\nIR=5,2\nDR=R,32\nTDO=1,0x10,0xe5,0x1c\n[B]\nIR=5,2\n"
-       "DR=R,32\nTDO=1,0x10,0xe5,0x1c\n' | icehost run -q --idcode-instruction 2 --register 5:8 - "
-       "2>&1",
-       0, "empty"},
-      {"icehost check examples/*.gpio examples/*.ini tests/scripts/long_scans.ini", 0,
-       "check_examples"},
-      {"icehost check -q examples/*.gpio examples/*.ini tests/scripts/long_scans.ini 2>&1", 0,
-       "empty"},
-      {"icehost check -q --strict examples/reset.ini /nowhere tests/scripts/long_scans.ini", 1,
-       "check_strict"},
-      {"icehost detect --ir-length 9 --script jtag 2>&1", 0, "detect"},
-      {"icehost check --json - tests/scripts/bad.gpio /nowhere examples/reset.ini", 1,
-       "check_json"},
-  };
+  const std::string folder = ICESCRIPT_SOURCE "/tests/golden/";
   const bool update = std::getenv("ICESCRIPT_UPDATE_GOLDEN") != nullptr;
-  for (const auto& run : kRuns) {
-    const Outcome outcome = RunShell(run.command);
-    EXPECT_EQ(outcome.status, run.status) << run.command;
-    const std::string path = ICESCRIPT_SOURCE "/tests/golden/" + std::string(run.golden) + ".txt";
+  std::ifstream rows(folder + "commands.txt");
+  ASSERT_TRUE(rows.is_open());
+  for (std::string row; std::getline(rows, row);) {
+    if (row[0] == '#') continue;
+    std::istringstream fields(row);
+    int status = 0;
+    std::string name, command;
+    std::getline(fields >> status >> name, command);
+    const Outcome outcome = RunShell(command);
+    EXPECT_EQ(outcome.status, status) << command;
+    const std::string path = folder + name + ".txt";
     if (update) std::ofstream(path) << outcome.output;
-    std::stringstream golden;
+    std::ostringstream golden;
     golden << std::ifstream(path).rdbuf();
-    EXPECT_EQ(outcome.output, golden.str()) << run.command;
+    EXPECT_EQ(outcome.output, golden.str()) << command;
   }
 }
 

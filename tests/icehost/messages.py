@@ -8,16 +8,14 @@ parentheses at the end may be missing.
 import glob
 import json
 import re
-import subprocess
 import sys
 
 sys.path.append(sys.path[0] + "/..")
-from lib import ICEHOST, failures, read, run_checks
+from lib import ICEHOST, failures, output, read, run_checks
 
 
 def checked(script):
-    ran = subprocess.run([ICEHOST, "check", "--json", "-", script], stdout=subprocess.PIPE, check=False)
-    records = map(json.loads, ran.stdout.splitlines())
+    records = map(json.loads, output(ICEHOST, "check", "-q", "--json", "-", script).splitlines())
     return [(record["problem"], record["text"]) for record in records if "problem" in record]
 
 

@@ -40,14 +40,14 @@ LONG = (b"[ZEVA_ICE_GPIO]\nSTART\nGPIO_OE=0x1F\nREPT=30000\nTCK=1\nPRINT=GPIO_IN
 
 def start_browser():
     options = webdriver.ChromeOptions()
-    for flag in FLAGS.split():
+    for flag in FLAGS.split() + ["--user-data-dir=" + os.path.abspath("browser")]:
         options.add_argument(flag)
-    options.add_argument("--user-data-dir=" + os.path.abspath("browser"))
     options.set_capability("goog:loggingPrefs", {"browser": "ALL"})
     return webdriver.Chrome(options=options, service=Service("/usr/bin/chromedriver"))
 
 
 browser = start_browser()
+js = browser.execute_script
 
 
 def run(*arguments, script=b""):
@@ -72,15 +72,14 @@ def expect_quiet(what):
 
 
 def texts(selector):
-    return browser.execute_script(
-        "return [...document.querySelectorAll(arguments[0])].map((one) => one.textContent)", selector)
+    return js("return [...document.querySelectorAll(arguments[0])]"
+              ".map((one) => one.textContent)", selector)
 
 
 def table():
     """The rows of operations, as the texts of their cells."""
-    return browser.execute_script(
-        "return [...document.querySelectorAll('#row-list .row')].map("
-        "(row) => [...row.children].map((cell) => cell.textContent))")
+    return js("return [...document.querySelectorAll('#row-list .row')].map("
+              "(row) => [...row.children].map((cell) => cell.textContent))")
 
 
 def picked():
@@ -95,21 +94,19 @@ def view():
 
 
 def operations_of(lines):
-    """From the calls: line, values read, whether it is well; and all messages."""
-    calls = [line for line in lines if "call" in line]
+    """From the calls: line, values read, whether it is well."""
     found = []
-    for call in calls:
-        if call["call"] == "link_jtag_insert" or call.get("code") == "GET_CDI":
+    for call in lines:
+        if call.get("call") in (None, "link_jtag_insert") or call.get("code") == "GET_CDI":
             continue
         read = [call[key] for key in ("ir_out", "dr_out") if key in call]
         if "data" in call:
             read.append(f"0x{call['data']:02x}")
-        expected = call.get("expectations", [])
-        verdict = "FAILED" if call["result"] else "met" if expected else "ok"
-        if not all(one["met"] for one in expected):
-            verdict = "NOT MET"
+        met = [one["met"] for one in call.get("expectations", [])]
+        done = "FAILED" if call["result"] else "met" if met else "ok"
+        verdict = "NOT MET" if False in met else done
         found.append([str(call["line"]), re.findall("0x[0-9a-f]+", " ".join(read)), verdict])
-    return found, "".join(line.get("message", "") for line in lines)
+    return found
 
 
 def levels_of(path):
@@ -135,12 +132,11 @@ def check_against_other_outputs():
         expect(what, run("--json", "j", "--vcd", "v", *arguments), status)
         lines = [json.loads(line) for line in read("j").splitlines()]
         open_page()
-        operations, messages = operations_of(lines)
         expect(what, [[row[1], re.findall("0x[0-9a-f]+", row[4]), row[6]] for row in table()],
-               operations)
+               operations_of(lines))
+        messages = "".join(line.get("message", "") for line in lines)
         expect(what, texts(".note:not(.error)"), [one for one in messages.split("\n") if one])
-        expect(what, browser.execute_script("return Array.from(steps, (step) => step & 63)"),
-               levels_of("v"))
+        expect(what, js("return Array.from(steps, (step) => step & 63)"), levels_of("v"))
         expect(what, texts("#result"), ["failed" if status else "passed"])
         shown = [read(path).rstrip("\n") for path in arguments if "/" in path]
         played = len([line for line in lines if "script" in line])
@@ -159,8 +155,7 @@ def check_head_and_failure():
            "operations 2, TCK cycles 54, bits shifted 37, reads 1")
     expect("date", re.sub(r"\d", "9", entries["Started"]), "9999-99-99 99:99:99 UTC")
     expect("plug-in", os.path.basename(entries["Plug-in"]), "libicescript.so")
-    expect("version", f"icehost {entries['icehost']}\n",
-           output(ICEHOST, "--version"))
+    expect("version", f"icehost {entries['icehost']}\n", output(ICEHOST, "--version"))
     expect("notes", texts("#notes li"), ["examples/read_idcode.ini failed"])
     expect("what went wrong", picked()[0], "11")
     expect("row", table()[1], ["1", "11", "[READ_IDCODE]", "IR 5: 0x01, DR 32: 0x00000000",
@@ -179,18 +174,16 @@ def check_head_and_failure():
 def check_problems():
     """Those of check stand behind their lines; without --force nothing is written."""
     lines = output(ICEHOST, "check", "-q", "--json", "-", "tests/scripts/bad.ini").splitlines()
-    problems = [json.loads(line) for line in lines]
-    problems = [one for one in problems if "problem" in one]
+    problems = [one for one in map(json.loads, lines) if "problem" in one]
     os.unlink(PAGE)
     expect("with errors", run("tests/scripts/bad.ini"), 1)
     expect("a page of nothing", os.path.exists(PAGE), False)
     run("--force", "tests/scripts/bad.ini", "examples/reset.ini")
     open_page()
     expect("the rest", texts("#entries dd")[-1], "examples/reset.ini")
-    items = browser.execute_script(
-        "let line; return [...document.querySelectorAll('#source-list .item')].flatMap((item) => {"
-        "if (item.matches('.line')) { line = item.querySelector('a').textContent; return [] }"
-        "return [`${line}:${item.textContent}`] })")
+    items = js("let line; return [...document.querySelectorAll('#source-list .item')].flatMap("
+               "(item) => { if (!item.matches('.line')) return [`${line}:${item.textContent}`];"
+               "line = item.querySelector('a').textContent; return [] })")
     expect("problems", items,
            [f"{one['line']}:{one['column']}: {one['problem']}: {one['text']}" for one in problems])
 
@@ -211,15 +204,14 @@ def check_hostile():
 
 def click_wave(canvas, step):
     """Clicks where a step is drawn."""
-    x = browser.execute_script("return wave.x(arguments[0] + 0.5) - wave.width / 2", step)
+    x = js("return wave.x(arguments[0] + 0.5) - wave.width / 2", step)
     ActionChains(browser).move_to_element_with_offset(canvas, x, 0).click().perform()
     settle()
 
 
 def click(selector, text):
-    browser.execute_script(
-        "[...document.querySelectorAll(arguments[0])].find((one) =>"
-        "one.textContent === arguments[1]).closest('.item').click()", selector, text)
+    js("[...document.querySelectorAll(arguments[0])].find((one) =>"
+       "one.textContent === arguments[1]).closest('.item').click()", selector, text)
     settle()
 
 
@@ -227,22 +219,21 @@ def check_picking():
     run("examples/scratch_register.ini", "examples/read_idcode.gpio")
     open_page()
     canvas = browser.find_element("id", "canvas")
-    row = {name: int(number) for number, name in
-           [(row[0], row[2]) for row in table()] if name.startswith("[")}
-    starts = browser.execute_script("return rows.map((row) => [row.begin, row.end])")
+    numbers = {row[2]: int(row[0]) for row in table() if row[2].startswith("[")}
+    places = js("return rows.map((row) => [row.begin, row.end])")
     before = view()
     # The lines of a section that do nothing themselves lead to its operation.
     for text in ("TDO=0x78,0x56,0x34,0x12", "[READ_AGAIN]", "DR=W,32,0x78,0x56,0x34,0x12"):
         click(".text", text)
         name = {"T": "[READ_BACK]", "[": "[READ_AGAIN]", "D": "[WRITE_SCRATCH]"}[text[0]]
-        begin, end = starts[row[name]]
+        begin, end = places[numbers[name]]
         expect(text, name in picked()[1], True)
         expect(text, texts("#readout")[0].split(":")[0], f"{begin} us")
         first, last = view()
         expect(f"{text} in sight", first <= begin and last >= end, True)
     click("#row-list .row > :nth-child(3)", "[READ_AGAIN]")
     expect("from the table", picked()[0], "16")
-    begin, end = starts[row["[READ_BACK]"]]
+    begin, end = places[numbers["[READ_BACK]"]]
     click_wave(canvas, (begin + end) // 2)
     expect("from the waveform", ("[READ_BACK]" in picked()[1], picked()[0]), (True, "11"))
     expect("address", browser.current_url.split("#")[1], "line-11")
@@ -255,9 +246,9 @@ def check_picking():
     open_page("#2-line-21")
     expect("second script", (picked()[0], "0x23 NRST|TRST|TDO" in picked()[1]), ("21", True))
     first, last = view()
-    begin = browser.execute_script("return pickedRow.begin")
+    begin = js("return pickedRow.begin")
     expect("second script in sight", first <= begin <= last, True)
-    browser.execute_script("location.hash = 'line-6'")
+    js("location.hash = 'line-6'")
     settle()
     expect("another address", "[WRITE_SCRATCH]" in picked()[1], True)
     open_page("#line-99999999999999999999")
@@ -276,24 +267,22 @@ def check_keys_and_wheel():
         return view()
 
     def wheel(x, y):
-        browser.execute_script(
-            "arguments[0].dispatchEvent(new WheelEvent('wheel', {deltaX: arguments[1],"
-            "deltaY: arguments[2], clientX: 640, bubbles: true, cancelable: true}))", canvas, x, y)
+        js("arguments[0].dispatchEvent(new WheelEvent('wheel', {deltaX: arguments[1],"
+           "deltaY: arguments[2], clientX: 640, bubbles: true, cancelable: true}))", canvas, x, y)
         return view()
 
     click_wave(canvas, 200)
     near = keys("+", "+", "+")
     expect("zoomed in", near[1] - near[0] < (full[1] - full[0]) / 3 and near[0] < 200 < near[1], True)
     right = keys(Keys.ARROW_RIGHT)
-    expect("scrolled", right[0] > near[0] and right[1] - right[0] - (near[1] - near[0]) in (-1, 0, 1),
-           True)
+    expect("scrolled to", right[0] > near[0], True)
+    expect("scrolled", abs(right[1] - right[0] - (near[1] - near[0])) <= 1, True)
     expect("end and home", (keys(Keys.END)[1], keys(Keys.HOME)[0]), (full[1], 0))
     ActionChains(browser).key_down(Keys.SHIFT).send_keys(Keys.ARROW_LEFT).key_up(Keys.SHIFT).perform()
     settle()
-    levels = browser.execute_script("return Array.from(data.pins, (name, pin) =>"
-                                    "`, ${name} ${steps[199] >> pin & 1}`).join('')")
+    levels = js("return Array.from(data.pins, (name, pin) => `, ${name} ${steps[199] >> pin & 1}`)")
     expect("cursor", re.sub("[A-Z][a-zA-Z0-9]*[-/][-/a-zA-Z]*", "TAP", texts("#readout")[0]),
-           f"199 us: TAP{levels}")
+           f"199 us: TAP{''.join(levels)}")
     expect("all", keys("0"), full)
     closer = wheel(0, -400)
     expect("wheel", closer[1] - closer[0] < (full[1] - full[0]) * 0.6, True)
@@ -301,10 +290,10 @@ def check_keys_and_wheel():
     expect("back", wheel(0, 4000), full)
     wheel(0, -400)
     dragged = view()[0]
-    ActionChains(browser).move_to_element(canvas).click_and_hold().move_by_offset(-200, 0).release(
-    ).perform()
+    actions = ActionChains(browser).move_to_element(canvas).click_and_hold()
+    actions.move_by_offset(-200, 0).release().perform()
     expect("dragged", view()[0] > dragged, True)
-    browser.execute_script("document.getElementById('source-list').focus()")
+    js("document.getElementById('source-list').focus()")
     keys(Keys.HOME)
     expect("first line", picked()[0], "1")
     keys(Keys.ARROW_DOWN, Keys.ARROW_DOWN, Keys.ARROW_DOWN, Keys.ARROW_DOWN, Keys.ARROW_DOWN)
@@ -314,11 +303,9 @@ def check_keys_and_wheel():
 
 def check_long():
     expect("status", run("--keep-going", "-", script=LONG), 1)
-    start = time.monotonic()
+    begun = time.monotonic()
     open_page()
-    seconds = time.monotonic() - start
-    print(f"a page of {os.path.getsize(PAGE)} bytes opens in {seconds:.2f} s")
-    expect("opens in 10 s", seconds < 10, True)
+    expect("opens in 10 s", time.monotonic() - begun < 10, True)
     expect("notes", [note for note in texts("#notes li") if note.startswith("Cut")],
            ["Cut: the first 100001 of 150004 operations, and later ones that are not well",
             "Cut: the waveform holds the first 100000 of 120002 steps"])
@@ -373,7 +360,7 @@ def check_narrow():
     browser.execute_cdp_cmd("Emulation.setDeviceMetricsOverride",
                             {"width": 400, "height": 800, "deviceScaleFactor": 1, "mobile": False})
     open_page()
-    wide = browser.execute_script("return document.documentElement.scrollWidth")
+    wide = js("return document.documentElement.scrollWidth")
     expect("no wider than the screen", wide <= 400, True)
     expect("values", "received IR 0x01, DR 0x39ca2003" in texts(".value"), True)
     browser.execute_cdp_cmd("Emulation.clearDeviceMetricsOverride", {})

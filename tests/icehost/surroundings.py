@@ -54,7 +54,8 @@ def last_line(path):
 
 
 def check_commands():
-    write("reads.gpio", "[ZEVA_ICE_GPIO]\nSTART\nGPIO_OE=0x1F\nREPT=99999\nPRINT=GPIO_IN\nENDR\nEND\n")
+    reads = "REPT=99999\nPRINT=GPIO_IN\nENDR\n"
+    write("reads.gpio", f"[ZEVA_ICE_GPIO]\nSTART\nGPIO_OE=0x1F\n{reads}END\n")
     write("appended", "before\n")
     for status, said, command in COMMANDS:
         expect(command, (shell(command), last_line("err")), (status, said))
@@ -107,8 +108,10 @@ def check_signals():
     for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
         ends_by(number, "run", "--svg", "e.svg", "--json", "e.json", ENDLESS)
         expect_whole("e.svg", "e.json")
-        expect("picture", re.search(">The first 1000 of [0-9]* steps<", read("e.svg")) is None, False)
-    write("many.ini", "".join(f"[{i * 7919 % 60000}x]\nIR=5,1\nDR=R,8,0\n" for i in range(1, 60001)))
+        told = re.findall(">The first 1000 of [0-9]* steps<", read("e.svg"))
+        expect("the picture of an interrupted run", len(told), 1)
+    names = (i * 7919 % 60000 for i in range(60000))
+    write("many.ini", "".join(f"[{name}x]\nIR=5,1\nDR=R,8,0\n" for name in names))
     ends_by(signal.SIGINT, "run", "--json", "m.json", "--html", "m.html", "many.ini")
     # In the plug-in, which reads the script, or where it is checked before that.
     expect_whole(*glob.glob("m.*"))
@@ -117,7 +120,7 @@ def check_signals():
     ends_by(signal.SIGINT, "check", "fifo")
     # Nobody takes what it says.
     with open(os.open("fifo", os.O_RDWR), "rb"):
-        ends_by(signal.SIGINT, "run", "--svg", "f.svg", "--html", "f.html", "reads.gpio", out="fifo")
+        ends_by(signal.SIGINT, "run", "--svg=f.svg", "--html=f.html", "reads.gpio", out="fifo")
         expect_whole("f.svg", "f.html")
         expect("result", '"result":"interrupted"' in read("f.html"), True)
         ends_by(signal.SIGINT, "run", "--json", "-", ENDLESS, out="fifo")
@@ -144,7 +147,7 @@ def on_terminal(command):
 
 
 def check_terminal():
-    """Progress is shown on a terminal only, and leaves nothing there. No text is a command to it."""
+    """A terminal shows progress, which leaves nothing there, and takes no text for a command."""
     endless = f"timeout -s INT 1.7 icehost run {ENDLESS}"
     shown = on_terminal(endless)
     expect(f"progress in {shown!r}", shown.count("operations, ") >= 2, True)

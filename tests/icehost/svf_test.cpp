@@ -45,9 +45,10 @@ std::string Walk(const std::string& edges) {
   return script + "END";
 }
 
-// The pins as statements, behind the TRST that begins each of these runs, and the losses.
+// The pins as statements, after the TRST and the STATE that begin each of these runs, and the
+// losses.
 TEST(Svf, SaysWhatTheTapDoes) {
-  const std::string head = "ENDIR IDLE;\nENDDR IDLE;\nTRST ON;\nTRST OFF;\n";
+  const std::string head = "ENDIR IDLE;\nENDDR IDLE;\nTRST ON;\nTRST OFF;\nSTATE IDLE;\n";
   const std::string reset_line =
       "icehost: warning: --svf: SVF has no word for NRST: a player does not reset the target\n";
   const auto loss = [](const char* what) {
@@ -62,33 +63,33 @@ TEST(Svf, SaysWhatTheTapDoes) {
     std::string statements;
   } kWalks[] = {
       // Of the IDCODE that is behind a reset, 0x..01, the bits that the script read.
-      {"0100 r0r0r0r1 10", "", "STATE IDLE;\nSDR 4 TDI (0) TDO (1) MASK (F);\n"},
+      {"0100 r0r0r0r1 10", "", "SDR 4 TDI (0) TDO (1) MASK (F);\n"},
       {"0100 0hi0r1 10001", "",
-       "STATE IDLE;\nSDR 4 TDI (2) TDO (1) MASK (9);\nRUNTEST IDLE 2 TCK ENDSTATE IDLE;\n"},
-      {"0100 {GPIO_OE=0x3f}r0r0{GPIO_OE=0x1f}00001 10", "", "STATE IDLE;\nSDR 7 TDI (00);\n"},
+       "SDR 4 TDI (2) TDO (1) MASK (9);\nRUNTEST IDLE 2 TCK ENDSTATE IDLE;\n"},
+      {"0100 {GPIO_OE=0x3f}r0r0{GPIO_OE=0x1f}00001 10", "", "SDR 7 TDI (00);\n"},
       {"0100r0{TCK=0}{PRINT=GPIO_IN}{GPIO_OE=0x3f}{TDO=1}{TCK=1}{GPIO_OE=0x1f} r1 10", "",
-       "STATE IDLE;\nSDR 3 TDI (0) TDO (3) MASK (5);\n"},
-      {"01100 ii001h 10", "", "STATE IDLE;\nSIR 5 TDI (03) TDO (01) MASK (10);\n"},
+       "SDR 3 TDI (0) TDO (3) MASK (5);\n"},
+      {"01100 ii001h 10", "", "SIR 5 TDI (03) TDO (01) MASK (10);\n"},
       // Where the script does not come to Run-Test/Idle behind a scan.
       {"0100 i1 1111 01100 i1 1111 0", "",
-       "STATE IDLE;\nENDDR DRPAUSE;\nSDR 2 TDI (1);\nSTATE RESET;\nSTATE IDLE;\nENDIR IRPAUSE;\n"
-       "SIR 2 TDI (1);\nSTATE RESET;\nSTATE IDLE;\n"},
-      {"0100 i1 1100 01 10", no_idle, "STATE IDLE;\nSDR 2 TDI (1);\nSDR 2 TDI (0);\n"},
-      {"0100 i1 1 {NRST=0} 111", no_idle, "STATE IDLE;\nSDR 2 TDI (1);\nSTATE RESET;\n"},
-      {"0100 i1 010 i1 10 100 1 10", paused, "STATE IDLE;\nSDR 4 TDI (5);\nSDR 1 TDI (0);\n"},
+       "ENDDR DRPAUSE;\nSDR 2 TDI (1);\nSTATE RESET;\nSTATE IDLE;\nENDIR IRPAUSE;\nSIR 2 TDI "
+       "(1);\nSTATE RESET;\nSTATE IDLE;\n"},
+      {"0100 i1 1100 01 10", no_idle, "SDR 2 TDI (1);\nSDR 2 TDI (0);\n"},
+      {"0100 i1 1 {NRST=0} 111", no_idle, "SDR 2 TDI (1);\nSTATE RESET;\n"},
+      {"0100 i1 010 i1 10 100 1 10", paused, "SDR 4 TDI (5);\nSDR 1 TDI (0);\n"},
       // What cannot be said.
       {"010 1 10 100 i1 10",
        loss("SVF has no scan of 0 bits: a player neither captures nor updates there"),
-       "STATE IDLE;\nSDR 2 TDI (1);\n"},
+       "SDR 2 TDI (1);\n"},
       {"0100 i0 {TRST=0}{TRST=1} 0", loss("a scan was cut short: it is not in the file"),
-       "STATE IDLE;\nTRST ON;\nTRST OFF;\nSTATE IDLE;\n"},
+       "TRST ON;\nTRST OFF;\nSTATE IDLE;\n"},
       {"0000 {TRST=0}{TRST=1} 0", "",
-       "STATE IDLE;\nRUNTEST IDLE 3 TCK ENDSTATE IDLE;\nTRST ON;\nTRST OFF;\nSTATE IDLE;\n"},
-      {"0100 i0", loss("a scan was cut short: it is not in the file"), "STATE IDLE;\n"},
+       "RUNTEST IDLE 3 TCK ENDSTATE IDLE;\nTRST ON;\nTRST OFF;\nSTATE IDLE;\n"},
+      {"0100 i0", loss("a scan was cut short: it is not in the file"), ""},
       {"0100 {REPT=1048576}{TCK=0}{TCK=1}{ENDR} 1 10",
-       loss("a scan has more than 1048576 bits: it is not in the file"), "STATE IDLE;\n"},
+       loss("a scan has more than 1048576 bits: it is not in the file"), ""},
       {"{TRST=1}0{GPIO_OE=0x3}{TCK=0}{GPIO_OE=0x1f}",
-       loss("SVF cannot release pins: a player drives them"), "STATE IDLE;\n"},
+       loss("SVF cannot release pins: a player drives them"), ""},
   };
   for (const auto& walk : kWalks) {
     const Outcome outcome = RunOn(Walk(walk.edges), "run -q --svf - - 2>&1");
@@ -199,70 +200,64 @@ TEST(Svf, RefusesWhatAScriptCannotSay) {
       " may matter: left out are up to 16 TCK cycles and 1e-05 s between two scans";
   const struct {
     const char* svf;
+    const char* place;
     std::string error;
   } kFaults[] = {
-      {"", "1:1: error: the file scans nothing: it has no SIR and no SDR"},
-      {"SIR 5 TDI (1)", "1:1: error: the statement has no semicolon at its end"},
-      {"SDR 8 TDI (00; SIR 2 TDI (1);", "1:11: error: this ( is not closed"},
-      {"\n  SDRX 8;", "2:3: error: SVF has no statement \"SDRX\""},
-      {") SIR 2 TDI (1);", "1:1: error: SVF has no statement \")\""},
-      {"(1);", "1:2: error: SVF has no statement a value"},
-      {"SDR;", "1:1: error: \"SDR\" lacks its length"},
-      {"SDR -1 TDI (0);", "1:5: error: \"-1\" is no length in bits"},
-      {"SDR (8) TDI (0);", "1:6: error: a value is no length in bits"},
-      {"SDR 0;", "1:1: error: a scan of 0 bits cannot be said in a script"},
-      {"SDR 289 TDI (0);", "1:5: error: a script's register has at most 288 bits"},
-      {"SDR 99999999999999999999 TDI (0);", "1:5: error: a script's register has at most 288 bits"},
-      {"HDR 280 TDI (0);\nSDR 9 TDI (0);",
-       "2:1: error: with header and trailer this has 289 bits: a script's register has at most "
-       "288"},
-      {"SDR 8;", "1:1: error: \"SDR\" has another length than before, and no TDI"},
-      {"SDR 8 TDI (0) TDX (0);", "1:15: error: \"TDX\" is none of TDI, TDO, MASK and SMASK"},
-      {"SDR 8 TDI (0) TDI (0);", "1:15: error: TDI is given twice"},
-      {"SDR 8 TDI 00;", "1:7: error: TDI lacks its value in parentheses"},
-      {"SDR 8 TDI\n(0 !\n 0g);", "3:3: error: \"g\" is no hexadecimal digit"},
-      {"SDR 8 TDI ( );", "1:12: error: the parentheses hold no digit"},
-      {"SDR 9 TDI (00\n03FF);", "2:2: error: a bit is set beyond the 9 of the length"},
-      {"SDR 9 TDI (1000);", "1:12: error: a bit is set beyond the 9 of the length"},
-      {"SIR 17 TDI (0) TDO (0) MASK (1);",
-       "1:1: error: a script compares a captured IR of up to 16 bits, this one has 17: leave its "
-       "TDO "
-       "out"},
-      {"SIR 5 TDI (1); STATE RESET; SIR 5;",
-       "1:16: error: a script cannot reset the TAP between scans: split the file here"},
-      {"TRST ON; SIR 5 TDI (1);",
-       "1:10: error: TRST is on, and a script cannot hold it during a scan"},
-      {"RUNTEST RESET 1 TCK; SDR 5 TDI (1);",
-       "1:22: error: a script cannot scan the register that a TAP reset selects: load its "
-       "instruction "
-       "with SIR first"},
-      {"RUNTEST 17 TCK;", "1:1: error: a script cannot wait, and 17 TCK cycles" + no_wait},
-      {"RUNTEST 1.1E-5 SEC;", "1:1: error: a script cannot wait, and 1.1e-05 s" + no_wait},
-      {"RUNTEST 16 TCK; RUNTEST 1 TCK; RUNTEST 16 TCK;",
-       "1:17: error: a script cannot wait, and 17 TCK cycles" + no_wait},
-      {"RUNTEST 15 TCK; STATE IDLE IDLE;",
-       "1:17: error: a script cannot wait, and 17 TCK cycles" + no_wait},
-      {"RUNTEST RESET 1 SEC;", "1:1: error: a script cannot wait, and 1 s" + no_wait},
-      {"RUNTEST 5 SCK;", "1:11: error: a script has no system clock SCK"},
-      {"RUNTEST nan TCK;",
-       "1:9: error: expected RUNTEST [state] [count TCK] [time SEC [MAXIMUM time SEC]] [ENDSTATE "
-       "state]"},
-      {"RUNTEST 5 TCK ENDSTATE DRPAUSE;",
-       "1:24: error: a script stays in Run-Test/Idle: IDLE is the state, or RESET before the first "
-       "scan"},
-      {"STATE DRPAUSE;",
-       "1:7: error: a script cannot bring the TAP to \"DRPAUSE\": it knows RESET, before the first "
-       "scan, and IDLE"},
-      {"ENDDR DRPAUSE;",
-       "1:1: error: a script's scans end in Run-Test/Idle: IDLE is the one end state"},
-      {"TRST HIGH;", "1:6: error: \"HIGH\" is none of ON, OFF, Z and ABSENT"},
-      {"FREQUENCY 1 MHZ;", "1:1: error: expected FREQUENCY, or FREQUENCY number HZ"},
-      {"PIO (HL);", "1:1: error: a JTAG script has no other pins than those of the TAP"},
+      {"", "1:1", "the file scans nothing: it has no SIR and no SDR"},
+      {"SIR 5 TDI (1)", "1:1", "the statement has no semicolon at its end"},
+      {"SDR 8 TDI (00; SIR 2 TDI (1);", "1:11", "this ( is not closed"},
+      {"\n  SDRX 8;", "2:3", "SVF has no statement \"SDRX\""},
+      {") SIR 2 TDI (1);", "1:1", "SVF has no statement \")\""},
+      {"(1);", "1:2", "SVF has no statement a value"},
+      {"SDR;", "1:1", "\"SDR\" lacks its length"},
+      {"SDR -1 TDI (0);", "1:5", "\"-1\" is no length in bits"},
+      {"SDR (8) TDI (0);", "1:6", "a value is no length in bits"},
+      {"SDR 0;", "1:1", "a scan of 0 bits cannot be said in a script"},
+      {"SDR 289 TDI (0);", "1:5", "a script's register has at most 288 bits"},
+      {"SDR 99999999999999999999 TDI (0);", "1:5", "a script's register has at most 288 bits"},
+      {"HDR 280 TDI (0);\nSDR 9 TDI (0);", "2:1",
+       "with header and trailer this has 289 bits: a script's register has at most 288"},
+      {"SDR 8;", "1:1", "\"SDR\" has another length than before, and no TDI"},
+      {"SDR 8 TDI (0) TDX (0);", "1:15", "\"TDX\" is none of TDI, TDO, MASK and SMASK"},
+      {"SDR 8 TDI (0) TDI (0);", "1:15", "TDI is given twice"},
+      {"SDR 8 TDI 00;", "1:7", "TDI lacks its value in parentheses"},
+      {"SDR 8 TDI\n(0 !\n 0g);", "3:3", "\"g\" is no hexadecimal digit"},
+      {"SDR 8 TDI ( );", "1:12", "the parentheses hold no digit"},
+      {"SDR 9 TDI (00\n03FF);", "2:2", "a bit is set beyond the 9 of the length"},
+      {"SDR 9 TDI (1000);", "1:12", "a bit is set beyond the 9 of the length"},
+      {"SIR 17 TDI (0) TDO (0) MASK (1);", "1:1",
+       "a script compares a captured IR of up to 16 bits, this one has 17: leave its TDO out"},
+      {"SIR 5 TDI (1); STATE RESET; SIR 5;", "1:16",
+       "a script cannot reset the TAP between scans: split the file here"},
+      {"TRST ON; SIR 5 TDI (1);", "1:10", "TRST is on, and a script cannot hold it during a scan"},
+      {"RUNTEST RESET 1 TCK; SDR 5 TDI (1);", "1:22",
+       "a script cannot scan the register that a TAP reset selects: load its instruction with SIR "
+       "first"},
+      {"RUNTEST 17 TCK;", "1:1", "a script cannot wait, and 17 TCK cycles" + no_wait},
+      {"RUNTEST 1.1E-5 SEC;", "1:1", "a script cannot wait, and 1.1e-05 s" + no_wait},
+      {"RUNTEST 16 TCK; RUNTEST 1 TCK; RUNTEST 16 TCK;", "1:17",
+       "a script cannot wait, and 17 TCK cycles" + no_wait},
+      {"RUNTEST 15 TCK; STATE IDLE IDLE;", "1:17",
+       "a script cannot wait, and 17 TCK cycles" + no_wait},
+      {"RUNTEST RESET 1 SEC;", "1:1", "a script cannot wait, and 1 s" + no_wait},
+      {"RUNTEST 5 SCK;", "1:11", "a script has no system clock SCK"},
+      {"RUNTEST nan TCK;", "1:9",
+       "expected RUNTEST [state] [count TCK] [time SEC [MAXIMUM time SEC]] [ENDSTATE state]"},
+      {"RUNTEST 5 TCK ENDSTATE DRPAUSE;", "1:24",
+       "a script stays in Run-Test/Idle: IDLE is the state, or RESET before the first scan"},
+      {"STATE DRPAUSE;", "1:7",
+       "a script cannot bring the TAP to \"DRPAUSE\": it knows RESET, before the first scan, and "
+       "IDLE"},
+      {"ENDDR DRPAUSE;", "1:1", "a script's scans end in Run-Test/Idle: IDLE is the one end state"},
+      {"TRST HIGH;", "1:6", "\"HIGH\" is none of ON, OFF, Z and ABSENT"},
+      {"FREQUENCY 1 MHZ;", "1:1", "expected FREQUENCY, or FREQUENCY number HZ"},
+      {"PIO (HL);", "1:1", "a JTAG script has no other pins than those of the TAP"},
   };
   for (const auto& fault : kFaults) {
     const Outcome outcome = RunOn(fault.svf, "import - 2>&1");
     EXPECT_EQ(outcome.status, 1) << fault.svf;
-    EXPECT_EQ(outcome.output.substr(0, outcome.output.find('\n')), "<stdin>:" + fault.error);
+    EXPECT_EQ(outcome.output.substr(0, outcome.output.find('\n')),
+              std::string("<stdin>:") + fault.place + ": error: " + fault.error);
     EXPECT_EQ(outcome.output.find("[LINE"), std::string::npos) << "a script all the same";
   }
 }

@@ -39,6 +39,17 @@ def fail(place, *lines):
     failures.append("\n  ".join([f"{place}: {lines[0]}", *lines[1:]]))
 
 
+def read(path):
+    with open(path, encoding="utf-8") as file:
+        return file.read()
+
+
+def write(path, text):
+    os.makedirs(os.path.dirname(path), exist_ok=True)
+    with open(path, "w", encoding="utf-8") as file:
+        file.write(text)
+
+
 def free_port():
     """Below those that the system itself hands out."""
     while True:
@@ -53,14 +64,11 @@ def free_port():
 
 
 def is_listening(port):
-    with open("/proc/net/tcp", encoding="ascii") as file:
-        return f":{int(port):04X} 00000000:0000 0A" in file.read()
+    return f":{int(port):04X} 00000000:0000 0A" in read("/proc/net/tcp")
 
 
 def write_program(path, line):
-    os.makedirs(os.path.dirname(path), exist_ok=True)
-    with open(path, "w", encoding="ascii") as file:
-        file.write(f"#!/bin/sh\n{line}\n")
+    write(path, f"#!/bin/sh\n{line}\n")
     os.chmod(path, 0o755)
 
 
@@ -188,9 +196,8 @@ def run_block(shell, place, marks, lines, here):
         return
     for number, (command, expected) in enumerate(commands, 1):
         if "run-by" in marks:
-            with open(os.path.join(SOURCE, marks["run-by"]), encoding="utf-8") as file:
-                if expected or command.removeprefix("sudo ") not in file.read():
-                    fail(place, f"{marks['run-by']} does not run this: {command}")
+            if expected or command.removeprefix("sudo ") not in read(marks["run-by"]):
+                fail(place, f"{marks['run-by']} does not run this: {command}")
             continue
         wanted = int(marks.get("exit", 0)) if number == len(commands) else 0
         status, printed = shell.run(here(command), [here(line) for line in expected])
@@ -204,8 +211,7 @@ def run_block(shell, place, marks, lines, here):
 
 
 def run_document(document):
-    with open(os.path.join(SOURCE, document), encoding="utf-8") as file:
-        text = file.read()
+    text = read(document)
     check_links(document, text)
     free = {port: free_port() for port in PORTS}
 
@@ -215,7 +221,7 @@ def run_document(document):
 
     with tempfile.TemporaryDirectory() as folder:
         if document in OF_A_CLONE:
-            shutil.copytree(os.path.join(SOURCE, "examples"), os.path.join(folder, "examples"))
+            shutil.copytree("examples", os.path.join(folder, "examples"))
             # As ./dev, of what is built already.
             write_program(os.path.join(folder, "dev"), 'exec icehost "$@"')
         # OpenOCD, with the only one of its ports that a document uses.
@@ -227,14 +233,9 @@ def run_document(document):
                 if language == "console":
                     run_block(shell, place, marks, lines, here)
                 elif "file" in marks:
-                    path = os.path.join(folder, marks["file"])
-                    os.makedirs(os.path.dirname(path), exist_ok=True)
-                    with open(path, "w", encoding="utf-8") as file:
-                        file.write(here(body))
-                elif "from" in marks:
-                    with open(os.path.join(SOURCE, marks["from"]), encoding="utf-8") as file:
-                        if body not in file.read():
-                            fail(place, f"{marks['from']} does not hold this block")
+                    write(os.path.join(folder, marks["file"]), here(body))
+                elif "from" in marks and body not in read(marks["from"]):
+                    fail(place, f"{marks['from']} does not hold this block")
                 if language == "text" and any(line.startswith("$ ") for line in lines):
                     fail(place, "a command in a block of text")
 
@@ -256,13 +257,10 @@ def check_links(document, text):
             continue
         path, _, anchor = link.partition("#")
         target = os.path.normpath(os.path.join(os.path.dirname(document), path)) if path else document
-        whole = os.path.join(SOURCE, target)
-        if target.split("/")[0] not in INSTALLED or not os.path.exists(whole):
+        if target.split("/")[0] not in INSTALLED or not os.path.exists(target):
             fail(document, f"a link leads nowhere: {link}")
-        elif anchor:
-            with open(whole, encoding="utf-8") as file:
-                if anchor not in anchors_of(file.read()):
-                    fail(document, f"a link leads nowhere: {link}")
+        elif anchor and anchor not in anchors_of(read(target)):
+            fail(document, f"a link leads nowhere: {link}")
 
 
 def main():

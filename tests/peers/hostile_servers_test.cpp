@@ -3,6 +3,7 @@
 
 #include <asio.hpp>
 #include <atomic>
+#include <chrono>
 #include <regex>
 #include <thread>
 
@@ -14,6 +15,7 @@
 namespace {
 
 using asio::ip::tcp;
+using namespace std::chrono_literals;
 
 std::atomic<bool> icehost_ended;
 
@@ -110,14 +112,17 @@ TEST(Servers, EndARunAsTheyShould) {
   const std::string bitbang = "remote-bitbang", openocd = "openocd";
   const std::string idcode = "tests/scripts/idcode.ini", reset = "tests/scripts/reset_only.ini";
   const std::string scratch = "examples/scratch_register.ini";
-  const std::string walk = "tests/scripts/idcode.gpio",
-                    writes = "tests/scripts/endless_writes.gpio";
+  const std::string walk = "tests/scripts/idcode.gpio";
+  const std::string writes = "tests/scripts/endless_writes.gpio";
   const std::string dr_only = "tests/scripts/dr_only.ini";
   const std::string step = "SERVER: the server is out of step: it answers what was not asked";
   const std::string silence = "SERVER: no answer within 200 ms";
   const std::string closed = "SERVER: the server closed the connection";
   const std::string gone = "SERVER: OpenOCD closed the connection";
   const std::string no_ir = "no TAP answers as it should: the captured IR does not end in 01 (";
+  const std::string zeros = no_ir + "all zeros: TDO is shorted, or the target is held in reset)";
+  const std::string other = no_ir + "its length is another, or it is one of several in a chain)";
+  const std::string no_answer = "SERVER: this does not answer command ";
   const std::string no_scan = "OpenOCD's answer to a DR scan is none: ";
   const auto close_at_once = [](tcp::socket& client) { ReadFrom(client); };
   const auto half_close = [](tcp::socket& client) {
@@ -133,14 +138,11 @@ TEST(Servers, EndARunAsTheyShould) {
     for (;;) Write(client, std::string(4096, '0'));
   };
   const auto never_read = [](tcp::socket& client) {
-    const std::chrono::milliseconds beat(10);
-    while (client.is_open() && !icehost_ended) std::this_thread::sleep_for(beat);
+    while (client.is_open() && !icehost_ended) std::this_thread::sleep_for(10ms);
   };
   const auto trickle = [](tcp::socket& client) {
-    for (;; std::this_thread::sleep_for(std::chrono::milliseconds(5))) {
-      for (const char byte : ReadFrom(client)) {
-        if (byte == 'R') Write(client, "1");
-      }
+    for (;; std::this_thread::sleep_for(5ms)) {
+      for (const char byte : ReadFrom(client)) Write(client, byte == 'R' ? "1" : "");
     }
   };
   const struct {
@@ -168,14 +170,10 @@ TEST(Servers, EndARunAsTheyShould) {
       {trickle, bitbang, reset, 0, ""},
       {Tdo("1"), bitbang, idcode, 0,
        "warning: " + no_ir + "all ones: nothing is powered, or nothing is connected)"},
-      {Tdo("0"), bitbang, idcode, 0,
-       "warning: " + no_ir + "all zeros: TDO is shorted, or the target is held in reset)"},
-      {Tdo("0"), bitbang, "--strict " + idcode, 1,
-       "" + no_ir + "all zeros: TDO is shorted, or the target is held in reset)"},
-      {Tdo("01"), bitbang, "--strict " + idcode, 1,
-       "" + no_ir + "its length is another, or it is one of several in a chain)"},
-      {Tdo("11011"), bitbang, "--strict " + idcode, 1,
-       "" + no_ir + "its length is another, or it is one of several in a chain)"},
+      {Tdo("0"), bitbang, idcode, 0, "warning: " + zeros},
+      {Tdo("0"), bitbang, "--strict " + idcode, 1, zeros},
+      {Tdo("01"), bitbang, "--strict " + idcode, 1, other},
+      {Tdo("11011"), bitbang, "--strict " + idcode, 1, other},
       {Tdo("1"), bitbang, "--strict " + dr_only + " " + walk, 0, ""},
       {Target("", ""), bitbang, "--strict " + idcode, 0, ""},
 
@@ -183,10 +181,8 @@ TEST(Servers, EndARunAsTheyShould) {
       {close_at_once, openocd, reset, 3, gone},
       {kSilent, openocd, reset, 3, silence},
       {flood, openocd, reset, 3, "SERVER: the answer to \"jtag names\" has no end"},
-      {Openocd({"what"}), openocd, reset, 3,
-       "SERVER: this does not answer command 1 \"jtag names\": \"what\""},
-      {Openocd({"1 2 a"}), openocd, reset, 3,
-       "SERVER: this does not answer command 1 \"jtag names\": \"1 2 a\""},
+      {Openocd({"what"}), openocd, reset, 3, no_answer + "1 \"jtag names\": \"what\""},
+      {Openocd({"1 2 a"}), openocd, reset, 3, no_answer + "1 \"jtag names\": \"1 2 a\""},
       {Openocd({"1 0"}), openocd, reset, 3, "OpenOCD has no TAP"},
       {Openocd({"1 0 a b"}), openocd, reset, 3, "OpenOCD has several TAPs, name one: a, b"},
       {Openocd({"1 1 unknown"}), openocd, reset, 3, "OpenOCD: jtag names: unknown"},
@@ -201,24 +197,18 @@ TEST(Servers, EndARunAsTheyShould) {
       {OpenocdScan({"3 -4 ", "4 0"}), openocd, reset, 1,
        "OpenOCD: adapter assert srst: error -4, its log says why (its configuration needs a "
        "reset_config with srst)"},
-      {OpenocdScan({"3 - "}), openocd, reset, 3,
-       "SERVER: this does not answer command 3 \"adapter assert srst\": \"3 - \""},
+      {OpenocdScan({"3 - "}), openocd, reset, 3, no_answer + "3 \"adapter assert srst\": \"3 - \""},
       {OpenocdScan({"3 0 1 2 3"}), openocd, idcode, 3, no_scan + "\"1 2 3\""},
       {OpenocdScan({"3 0 1 2 3 100"}), openocd, idcode, 3, no_scan + "\"1 2 3 100\""},
       {OpenocdScan({"3 0 1 2 3 4 5"}), openocd, idcode, 3, no_scan + "\"1 2 3 4 5\""},
       {OpenocdScan({"3 0 +5"}), openocd, dr_only, 3, no_scan + "\"+5\""},
       {OpenocdScan({"3 0 -0"}), openocd, dr_only, 3, no_scan + "\"-0\""},
       {OpenocdScan({std::string("3 0 5\0", 6)}), openocd, dr_only, 3, no_scan + "\"5 \""},
-      // An answer twice: the second is not the next scan's, nor passes at the end.
-      {OpenocdScan({"3 0 05\x1a"
-                    "3 0 05",
-                    "4 0 06"}),
-       openocd, dr_only, 3, "SERVER: this does not answer command 4 \"drscan a 8 0\": \"3 0 05\""},
-      {OpenocdScan({"3 0 05",
-                    "4 0 06\x1a"
-                    "4 0 06",
-                    "5 0"}),
-       openocd, dr_only, 3, "SERVER: this does not answer command 5 \"\": \"4 0 06\""},
+      // An answer twice (\032 ends it): the second is not the next scan's, nor passes at the end.
+      {OpenocdScan({"3 0 05\0323 0 05", "4 0 06"}), openocd, dr_only, 3,
+       no_answer + "4 \"drscan a 8 0\": \"3 0 05\""},
+      {OpenocdScan({"3 0 05", "4 0 06\0324 0 06", "5 0"}), openocd, dr_only, 3,
+       no_answer + "5 \"\": \"4 0 06\""},
       {OpenocdScan({"3 0 05", "4 0 06"}), openocd, dr_only, 3, silence},
   };
   for (const auto& run : kRuns) {
@@ -272,9 +262,8 @@ TEST(Servers, CannotBeReached) {
 // However few files may be open, the reason is that and nothing else.
 TEST(Servers, AreOutOfReachWithoutFiles) {
   if (ICESCRIPT_SANITIZED) GTEST_SKIP() << "a sanitizer opens files of its own";
-  asio::io_context io;
-  tcp::acceptor acceptor(io, {asio::ip::address_v4::loopback(), 0});
-  const std::string server = "127.0.0.1:" + std::to_string(acceptor.local_endpoint().port());
+  const LocalServer silent(kSilent);
+  const std::string server = silent.Name();
   for (const std::string& probe : {"remote-bitbang:" + server, "openocd:" + server, {"sim"}}) {
     for (int files = 5; files < 20; ++files) {
       const Outcome outcome =

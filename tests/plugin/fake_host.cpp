@@ -28,11 +28,6 @@ std::string Register(int bits, const unsigned char* bytes) {
 
 }  // namespace
 
-int RecordMessage(const char* text) {
-  running->Message(text);
-  return -1;  // the result must not matter
-}
-
 int link_config(LinkHandle handle, int code, int value) {
   HostOf(handle).Record("config " + std::to_string(code) + " " + std::to_string(value));
   return HostOf(handle).Result(code == LINK_CONFIG_GET_CDI ? "query" : "config");
@@ -88,8 +83,7 @@ void FakeHost::Message(const char* text) {
 }
 
 std::string FakeHost::RunText(const std::string& script) {
-  TempFile file(script);
-  return RunFile(file.Path());
+  return RunFile(TempFile(script).Path());
 }
 
 std::string FakeHost::RunFile(const char* path) {
@@ -99,8 +93,12 @@ std::string FakeHost::RunFile(const char* path) {
   testing::internal::CaptureStdout();
   std::string end;
   try {
-    end = "= " + std::to_string(
-                     module.entry(this, path != nullptr ? name.data() : nullptr, RecordMessage));
+    const auto record = [](const char* text) {
+      running->Message(text);
+      return -1;  // the result must not matter
+    };
+    end =
+        "= " + std::to_string(module.entry(this, path != nullptr ? name.data() : nullptr, record));
   } catch (int thrown) {
     end = "thrown " + std::to_string(thrown);
   }

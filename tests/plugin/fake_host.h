@@ -65,7 +65,4 @@ class Module {
   void* library_;
 };
 
-// A PrintCallback that sends messages to the host that runs.
-int RecordMessage(const char* text);
-
 #endif  // ICESCRIPT_TESTS_FAKE_HOST_H_

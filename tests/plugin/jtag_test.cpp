@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <numeric>
+#include <sstream>
 
 #include "jtag/jtag_scr.h"
 #include "tests/plugin/fake_host.h"
@@ -22,12 +23,10 @@ std::string RunJtag(FakeHost& host, const std::string& script) {
 // The insert calls of a script's scans, without the word: what was made of its numbers.
 std::string Inserts(const std::string& script) {
   FakeHost host;
-  std::string transcript = RunJtag(host, script);
+  std::istringstream transcript(RunJtag(host, script));
   std::string inserts;
-  const std::string word = "insert ";
-  for (std::size_t at = 0; (at = transcript.find(word, at)) != std::string::npos;) {
-    at += word.size();
-    inserts += transcript.substr(at, transcript.find('\n', at) + 1 - at);
+  for (std::string line; std::getline(transcript, line);) {
+    if (line.rfind("insert ", 0) == 0) inserts += line.substr(7) + "\n";
   }
   return inserts;
 }
@@ -60,35 +59,32 @@ TEST(JtagScript, PrintsScansInPieces) {
 }
 
 TEST(JtagScript, FollowsTheWireInterface) {
-  struct Wires {
+  const struct {
     const char* name;
     int answer;
     bool shows_write;
     bool two_wire;
-  };
-  const Wires kWires[] = {{"jtag5", 0, true, false},   {"zeva-j2", 1, false, true},
-                          {"cjtag2", 2, false, false}, {"jtag5", 7, false, false},
-                          {"jtag5", -1, false, false}, {"jtag5", 3, false, false}};
-  for (const Wires& wires : kWires) {
+  } kWires[] = {{"jtag5", 0, true, false},   {"zeva-j2", 1, false, true},
+                {"cjtag2", 2, false, false}, {"jtag5", 7, false, false},
+                {"jtag5", -1, false, false}, {"jtag5", 3, false, false}};
+  for (const auto& [name, answer, shows_write, two_wire] : kWires) {
     for (const bool read : {false, true}) {
       FakeHost host;
-      host.results["query"] = {wires.answer};
+      host.results["query"] = {answer};
       host.capture = {0, 0, 0x22, 0x33};
-      const std::string ir_bits = wires.two_wire ? "13" : "5";
-      const std::string dr_bits = wires.two_wire ? "16" : "8";
-      const std::string dr_width = wires.two_wire ? " 16" : "  8";
-      const std::string insert = !wires.two_wire ? "5:01 8:5a"
-                                 : read          ? "13:0001 16:015a"
-                                                 : "13:0001 16:005a";
+      const std::string ir = two_wire ? "13" : "5", dr = two_wire ? "16" : "8";
+      const std::string pad = two_wire ? " " : "  ";
+      const std::string insert = !two_wire ? "5:01 8:5a"
+                                 : read    ? "13:0001 16:015a"
+                                           : "13:0001 16:005a";
       const std::string out =
-          "\\tDR " + dr_width + " bits out value 0x" + (wires.two_wire ? "33" : "22") + "\\n";
-      EXPECT_EQ(RunJtag(host, std::string("[A]\nIR=5,1\nDR=") + (read ? " read" : "W") + ",8,5a"),
-                "\"\nconfig 22 0\ninsert " + insert + "\nexecute\n" +
-                    "\"Operator No.0 success: IR size " + ir_bits + " bits, " +
-                    (read ? "Read" : "Write") + " DR size " + dr_bits + " bits with " + wires.name +
-                    ":\\n\\tIR " + (wires.two_wire ? " 13" : "  5") +
-                    " bits in  value 0x01\\n\\tDR " + dr_width + " bits in  value 0x5a\\n" +
-                    (read || wires.shows_write ? out : "") + kEnd + "\"\n= 0\n");
+          "\\tDR " + pad + dr + " bits out value 0x" + (two_wire ? "33" : "22") + "\\n";
+      EXPECT_EQ(
+          RunJtag(host, std::string("[A]\nIR=5,1\nDR=") + (read ? " read" : "W") + ",8,5a"),
+          "\"\nconfig 22 0\ninsert " + insert + "\nexecute\n\"Operator No.0 success: IR size " +
+              ir + " bits, " + (read ? "Read" : "Write") + " DR size " + dr + " bits with " + name +
+              ":\\n\\tIR " + pad + ir + " bits in  value 0x01\\n\\tDR " + pad + dr +
+              " bits in  value 0x5a\\n" + (read || shows_write ? out : "") + kEnd + "\"\n= 0\n");
     }
   }
 }
