@@ -1,0 +1,385 @@
+// What icehost detect finds: chains that are sound, and those that are not.
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <optional>
+#include <sstream>
+#include <utility>
+
+#include "host/chain/chain_reader.h"
+#include "host/chain/chain_report.h"
+#include "host/chain/openocd_chain.h"
+#include "host/probe/bitbang_server.h"
+#include "host/probe/pin_port.h"
+#include "host/target/pin_names.h"
+#include "host/target/tap.h"
+#include "tests/icehost/local_server.h"
+#include "tests/icehost/run_icehost.h"
+
+namespace {
+
+using icehost::Bits;
+using icehost::Chain;
+using icehost::TapState;
+
+struct TapKind {
+  int ir_bits;
+  std::optional<std::uint32_t> idcode;
+  std::uint64_t captured_ir = 1;
+  std::size_t bypass_bits = 1;  // one, unless it is broken
+};
+
+// A TAP of IEEE 1149.1 that knows IDCODE (instruction 1, if it has one) and BYPASS, left in
+// Shift-DR by whoever used it before.
+class ChainedTap {
+ public:
+  explicit ChainedTap(const TapKind& kind) : kind_(kind) {}
+
+  TapState State() const { return state_; }
+  bool Tdo() const { return tdo_; }
+
+  void RaiseTck(bool tms, bool tdi) {
+    if (state_ == TapState::kCaptureIr)
+      shift_ = icehost::BitsOfNumber(kind_.captured_ir, kind_.ir_bits);
+    if (state_ == TapState::kCaptureDr) {
+      shift_ = instruction_ == 1 && kind_.idcode.has_value()
+                   ? icehost::BitsOfNumber(*kind_.idcode, 32)
+                   : Bits(kind_.bypass_bits);
+    }
+    if (state_ == TapState::kShiftDr || state_ == TapState::kShiftIr) {
+      shift_.push_back(tdi);
+      shift_.erase(shift_.begin());
+    }
+    state_ = icehost::NextTapState(state_, tms);
+  }
+
+  // Instructions other than BYPASS, at an Update-IR.
+  int LowerTck() {
+    const bool updates = state_ == TapState::kUpdateIr && was_ != state_;
+    was_ = state_;
+    if (updates) instruction_ = icehost::NumberOfBits(shift_);
+    if (state_ == TapState::kTestLogicReset) instruction_ = 1;
+    tdo_ = state_ == TapState::kShiftDr || state_ == TapState::kShiftIr ? shift_.front() : true;
+    return updates && shift_ != Bits(shift_.size(), true) ? 1 : 0;
+  }
+
+ private:
+  TapKind kind_;
+  TapState state_ = TapState::kShiftDr;
+  TapState was_ = state_;  // at the last falling edge
+  std::uint64_t instruction_ = 0;
+  Bits shift_ = {false};
+  bool tdo_ = true;
+};
+
+class ChainPort : public icehost::PinPort {
+ public:
+  // What is read in place of the level on TDO, sample by sample.
+  using Fault = std::function<bool(bool tdo, int sample)>;
+
+  // The first TAP is the nearest to TDO. Where `tdi` has a level, TDI is stuck there.
+  explicit ChainPort(const std::vector<TapKind>& taps, Fault fault = nullptr,
+                     std::optional<bool> tdi = std::nullopt)
+      : taps_(taps.begin(), taps.end()), fault_(std::move(fault)), tdi_(tdi) {}
+
+  void Write(int levels, int enables) override {
+    const int wires = levels | ~enables;
+    constexpr int kNoReset = GPIO_PIN_NRST | GPIO_PIN_TRST;
+    if ((wires & kNoReset) != kNoReset) ++resets;
+    const int changed = wires_ ^ wires;
+    wires_ = wires;
+    if ((changed & GPIO_PIN_TCK) == 0) return;
+    if ((wires & GPIO_PIN_TCK) != 0) {
+      Raise((wires & GPIO_PIN_TMS) != 0, tdi_.value_or((wires & GPIO_PIN_TDI) != 0));
+    } else {
+      for (ChainedTap& tap : taps_) instructions += tap.LowerTck();
+    }
+  }
+  int Read() override {
+    bool tdo = taps_.empty() ? (wires_ & GPIO_PIN_TDI) != 0 : taps_.front().Tdo();
+    if (fault_) tdo = fault_(tdo, samples_read_++);
+    return (wires_ & icehost::kDrivenPins) | (tdo ? GPIO_PIN_TDO : 0);
+  }
+  void SampleTdo() override { samples_.push_back((Read() & GPIO_PIN_TDO) != 0); }
+  Bits CollectTdo() override { return std::exchange(samples_, {}); }
+
+  const std::vector<ChainedTap>& Taps() const { return taps_; }
+  int resets = 0;        // writes with NRST or TRST low
+  int instructions = 0;  // that were loaded and are not BYPASS
+
+ private:
+  void Raise(bool tms, bool tdi) {
+    // Each takes what the one before it had put out.
+    for (std::size_t i = 0; i < taps_.size(); ++i) {
+      taps_[i].RaiseTck(tms, i + 1 < taps_.size() ? taps_[i + 1].Tdo() : tdi);
+    }
+  }
+
+  std::vector<ChainedTap> taps_;
+  Fault fault_;
+  std::optional<bool> tdi_;
+  int wires_ = GPIO_PIN_ALL;
+  Bits samples_;
+  int samples_read_ = 0;
+};
+
+using Taps = std::vector<TapKind>;
+
+constexpr std::nullopt_t kNone = std::nullopt;
+
+constexpr std::uint32_t kOne = 0x1CE51001;
+constexpr std::uint32_t kArm = 0x4BA00477;
+
+// What stands in parentheses at the end is for people.
+std::string WithoutAdvice(const std::string& fault) {
+  return fault.substr(0, fault.back() == ')' ? fault.rfind(" (") : fault.size());
+}
+
+// "1ce51001/5 -/?; 12 bits; note; !fault": the TAPs with their IR lengths, and what else is told.
+std::string Told(const Chain& chain) {
+  std::ostringstream text;
+  for (const icehost::ChainTap& tap : chain.taps) {
+    text << (&tap == chain.taps.data() ? "" : " ") << tap.name << std::hex;
+    if (tap.idcode.has_value()) text << *tap.idcode;
+    text << (tap.idcode.has_value() ? "/" : "-/") << std::dec;
+    text << (tap.ir_bits.has_value() ? std::to_string(*tap.ir_bits) : "?");
+  }
+  if (chain.ir_bits.has_value()) text << "; " << *chain.ir_bits << " bits";
+  for (const std::string& note : chain.notes) text << "; " << note;
+  for (const std::string& fault : chain.faults) text << "; !" << WithoutAdvice(fault);
+  return text.str();
+}
+
+const ChainPort::Fault kStuckLow = [](bool, int) { return false; };
+const ChainPort::Fault kStuckHigh = [](bool, int) { return true; };
+const ChainPort::Fault kInverted = [](bool tdo, int) { return !tdo; };
+// From one sample on.
+ChainPort::Fault LostAfter(int samples) {
+  return [=](bool tdo, int sample) { return tdo || sample >= samples; };
+}
+ChainPort::Fault FlippedAt(int sample) {
+  return [=](bool tdo, int at) { return tdo != (at == sample); };
+}
+bool Floats(bool /*tdo*/, int sample) {
+  return (static_cast<unsigned>(sample) * 2654435761U >> 13 & 1) != 0;
+}
+
+// Samples of the two readings of IDCODEs, of IRs and of BYPASS of a chain of up to four TAPs.
+constexpr int kOfIdcodes = 4 * 32 + 64;
+constexpr int kOfIrs = 256 + 64;
+
+TEST(Detect, ReadsChains) {
+  const struct {
+    Taps taps;
+    const char* told;
+    ChainPort::Fault fault = nullptr;
+    std::optional<bool> tdi = kNone;
+  } kChains[] = {
+      {{{5, kOne}}, "1ce51001/5; 5 bits"},
+      {{{2, 0x00000003}}, "3/2; 2 bits"},
+      {{{256, kOne}}, "1ce51001/256; 256 bits"},
+      {{{4, kNone}}, "-/4; 4 bits"},
+      {{{5, kOne}, {4, kNone}, {8, kArm}}, "1ce51001/5 -/4 4ba00477/8; 17 bits"},
+      {{{8, kNone}, {4, kArm, 0x5}, {38, kArm}},
+       "-/? 4ba00477/? 4ba00477/?; 50 bits; the single IR lengths cannot be told: 8+2+40 or 8+4+38 "
+       "or 10+2+38"},
+      {{{8, kOne, 0x55}, {8, kOne, 0x55}},
+       "1ce51001/? 1ce51001/?; 16 bits; the single IR lengths cannot be told: 2+14 or 4+12 or 6+10 "
+       "or 8+8 or ..."},
+      {{{4, kOne}, {4, kOne}, {4, kOne}, {4, kOne}, {4, kOne}},
+       "1ce51001/4 1ce51001/4 1ce51001/4 1ce51001/4 1ce51001/4; 20 bits"},
+      // Not sound.
+      {{{5, kOne}}, "; !nothing answers: TDO is all zeros", kStuckLow},
+      {{{5, kOne}}, "; !nothing answers: TDO is all ones", kStuckHigh},
+      {{{5, kOne}},
+       "; !the signals are not stable: two readings of the IDCODEs differ, first in bit 21",
+       Floats},
+      {{{5, kOne}},
+       "; !the signals are not stable: two readings of the IDCODEs differ, first in bit 12",
+       FlippedAt(kOfIdcodes + 12)},
+      {{{5, kOne}},
+       "1ce51001/?; !the signals are not stable: two readings of the IRs differ, first in bit 3",
+       FlippedAt(2 * kOfIdcodes + kOfIrs + 3)},
+      {{{5, kOne}},
+       "1ce51001/5; 5 bits; !the signals are not stable: two readings of BYPASS differ, first in "
+       "bit 1",
+       FlippedAt(2 * (kOfIdcodes + kOfIrs) + 1)},
+      {{}, "; !no TAP: what is shifted in comes out at once"},
+      {{{5, kOne}, {4, kArm}},
+       "1ce51001/? 4ba00477/?; !the chain is broken: behind the TAPs that answer TDO is all zeros",
+       nullptr,
+       false},
+      {{{5, 0xF1234567}},
+       "f1234567/?; !the chain is broken: behind the TAPs that answer TDO is all ones",
+       nullptr,
+       true},
+      {{{5, kOne}, {5, kNone, 1}},
+       "; !the chain has no end: what is shifted in does not come out within 2048 bits",
+       kInverted},
+      {Taps(65, {2, kOne}),
+       "; !the chain has no end: what is shifted in does not come out within 2048 bits"},
+      {{{5, 0x2BADC0FF}, {5, 1}},
+       "2badc0ff/5 1/5; 10 bits; !TAP 1: 0x2badc0ff is no valid IDCODE; !TAP 2: 0x00000001 is no "
+       "valid IDCODE"},
+      {{{5, kOne, 0x3}},
+       "1ce51001/5; 5 bits; !the captured IR, 5 bits, is not that of 1 TAP: each begins with the "
+       "01 of IEEE 1149.1 in its lowest bits"},
+      {{{5, kOne}, {5, kOne, 0}},
+       "1ce51001/? 1ce51001/?; 10 bits; !the captured IR, 10 bits, is not that of 2 TAPs: each "
+       "begins with the 01 of IEEE 1149.1 in its lowest bits"},
+      {{{257, kOne}},
+       "1ce51001/?; !the IR has no end: what is shifted in does not come out within 256 bits"},
+      {{{5, kOne, 1, 3}},
+       "1ce51001/5; 5 bits; !1 TAP answered after the reset, but in BYPASS there are 3 bits"},
+      {{{5, kOne}},
+       "1ce51001/5; 5 bits; !1 TAP answered after the reset, but in BYPASS there are more than 64 "
+       "bits",
+       LostAfter(2 * (kOfIdcodes + kOfIrs))},
+  };
+  for (const auto& [taps, told, fault, tdi] : kChains) {
+    ChainPort port(taps, fault, tdi);
+    const Chain chain = icehost::ReadChain(port);
+    EXPECT_EQ(Told(chain), told);
+    EXPECT_EQ(port.resets, 0) << told;
+    EXPECT_EQ(port.instructions, 0) << told;
+    for (const ChainedTap& tap : port.Taps()) {
+      EXPECT_EQ(tap.State(), TapState::kTestLogicReset) << told;
+    }
+  }
+}
+
+TEST(Detect, ReadsAsManyTapsAsItSays) {
+  ChainPort port(Taps(64, {64, kOne}));
+  const Chain chain = icehost::ReadChain(port);
+  EXPECT_EQ(chain.taps.size(), 64U);
+  EXPECT_EQ(chain.ir_bits, 64 * 64);
+  EXPECT_EQ(chain.taps[63].ir_bits, 64);
+  EXPECT_TRUE(chain.faults.empty());
+}
+
+// What OpenOCD 0.12 says, and the table that it prints.
+TEST(Detect, TakesOpenocdsWord) {
+  const std::string head =
+      "   TapName             Enabled  IdCode     Expected   IrLen IrCap IrMask\n"
+      "-- ------------------- -------- ---------- ---------- ----- ----- ------\n";
+  const std::string one = " 0 a.tap    Y     0x1ce51001 0x1ce51003     5 0x01  0x03\n";
+  const std::string found =
+      "JTAG tap: a.tap tap/device found: 0x1ce51001 (mfg: 0x000 (<invalid>), part: 0xce51, ver: "
+      "0x1)\n";
+  const struct {
+    std::string said;
+    std::string table;
+    const char* told;
+  } kAnswers[] = {
+      {found, head + one, "a.tap1ce51001/5"},
+      {found + "TAP b.tap does not have valid IDCODE (idcode=0x575b8002)\n",
+       head + one +
+           "      0x1ce51001\n 1 b.tap  Y  0x00000000 0x00000000  4 0x01  0x03\n"
+           " 2 c.tap   n  0x00000000 0x00000000  7 0x01  0x03\n",
+       "a.tap1ce51001/5 b.tap-/4; c.tap is declared, but disabled: it is not in the chain"},
+      {"TAP a.tap does not have valid IDCODE (idcode=0x0)\n", head + one,
+       "a.tap-/5; !TAP 1 (a.tap): it has no IDCODE, expected 0x1ce51003"},
+      // The table's IDCODE is an old one.
+      {"JTAG scan chain interrogation failed: all ones\n", head + one,
+       "a.tap-/5; !OpenOCD: JTAG scan chain interrogation failed: all ones; !TAP 1 (a.tap): "
+       "OpenOCD read nothing"},
+      {found + "JTAG tap: a.tap       UNEXPECTED: 0x1ce51001\n", head + one,
+       "a.tap1ce51001/5; !OpenOCD: JTAG tap: a.tap UNEXPECTED: 0x1ce51001"},
+      {"JTAG tap: a.tap tap/device found: 0xffffffff (mfg", head + one,
+       "a.tapffffffff/5; !TAP 1 (a.tap): 0xffffffff is no valid IDCODE"},
+      {"JTAG tap: a.tap tap/device found: 0x1ce510011 (", head + one,
+       "a.tap-/5; !OpenOCD: JTAG tap: a.tap tap/device found: 0x1ce510011 (; !TAP 1 (a.tap): "
+       "OpenOCD read nothing"},
+      {found, head + " 0 a.tap Y 0 0 1 1 3",
+       "a.tap1ce51001/1; !TAP 1 (a.tap): no IR is that short"},
+      {"", "", "; !OpenOCD has no TAP"},
+      {"", head + " 0 a.tap Y 0 0 9999999999 1 3\n", "; !OpenOCD has no TAP"},
+  };
+  for (const auto& answer : kAnswers) {
+    EXPECT_EQ(Told(icehost::OpenocdChain(answer.said, answer.table)), answer.told) << answer.said;
+  }
+}
+
+TEST(Detect, NamesManufacturers) {
+  std::string full = "\n@vendors = (\n[\"First\", \"Second\"";
+  for (int i = 3; i < 126; ++i) full += ", \"x\"";
+  const struct {
+    std::string table;
+    const char* of_arm;     // bank 5, code 0x3b
+    const char* of_second;  // bank 1, code 2
+    const char* of_last;    // bank 1, code 0x7e
+  } kTables[] = {
+      {full + ",\n \"Last\"],\n[\"Other\"]\n);\n", "", "Second", "Last"},
+      {full + "],\n[\"Other\"]\n);", "", "", ""},             // one is missing
+      {full + ",\"Last\",\"y\"],[\"Other\"]);", "", "", ""},  // one is too many
+      {full + ", Last],\n[\"Other\"]\n);", "", "", ""},
+      {full + ", \"Last\"]", "", "", ""},
+      {"@vendors = (", "", "", ""},
+      {"\n@vendors = ();", "", "", ""},
+      {"\n@vendors = ([\"First\", \"Second\");]", "", "", ""},
+      {"", "", "", ""},
+  };
+  for (const auto& test : kTables) {
+    std::istringstream stream(test.table);
+    const icehost::Manufacturers names(stream);
+    const auto name_of = [&](std::uint32_t idcode) {
+      return names.NameOf(icehost::ManufacturerOf(idcode));
+    };
+    EXPECT_EQ(name_of(kArm), test.of_arm) << test.table;
+    EXPECT_EQ(name_of(0x5), test.of_second) << test.table;
+    EXPECT_EQ(name_of(0xFD), test.of_last) << test.table;
+    EXPECT_EQ(name_of(0x1) + name_of(0xFF), "") << test.table;  // codes that are nobody's
+  }
+  EXPECT_EQ(icehost::DescribeIdcode(kArm, "A"),
+            "version 4, part 0xba00, manufacturer 0x23b (bank 5, code 0x3b: A)");
+  EXPECT_EQ(icehost::DescribeIdcode(0x3, ""),
+            "version 0, part 0x0000, manufacturer 0x001 (bank 1, code 0x01)");
+  EXPECT_EQ(icehost::DescribeIdcode(kOne, "A"),
+            "version 1, part 0xce51, manufacturer 0x000 (bank 1, code 0x00: none has it)");
+}
+
+// The scripts pass on the chain that they were made for, with the instructions filled in too, and
+// on no other.
+TEST(Detect, WritesScriptsThatPass) {
+  const Taps chain = {{5, kOne}, {4, kNone}, {8, kArm}};
+  const Taps older = {{5, kOne}, {4, kNone}, {8, kArm & 0x0FFFFFFF}};  // another version
+  const Taps other = {{5, kOne}, {4, kNone}, {8, kArm + 0x1000}};
+  const Taps shorter = {{5, kOne}, {12, kArm}};
+  // IDCODE is 1; the rest of the 17 bits is BYPASS.
+  const std::string fill =
+      "sed -e 's/^#\\([A-Z[]\\)/\\1/' "
+      "-e '/^.READ_IDCODE_1/,/^DR/s/IR=17,.*/IR=17,0xe1,0xff,0x01/' "
+      "-e '/^.READ_IDCODE_3/,/^DR/s/IR=17,.*/IR=17,0xff,0x03,0x00/'";
+  // Runs a command with the option for a probe with this chain in place of a %.
+  const auto run_on = [](const Taps& taps, std::string command) {
+    ChainPort port(taps);
+    const LocalServer server([&port](asio::ip::tcp::socket& client) {
+      icehost::BitbangSession session(port);
+      for (;;) {
+        std::string answers;
+        session.Feed(ReadFrom(client), answers);
+        asio::write(client, asio::buffer(answers));
+      }
+    });
+    return RunShell(
+        command.replace(command.find('%'), 1, "--probe remote-bitbang:" + server.Name()));
+  };
+  for (const std::string kind : {"jtag", "gpio"}) {
+    const std::string script = testing::TempDir() + "detected." + kind;
+    const Outcome made = run_on(chain, "icehost detect --script " + kind + " % 2>&1 >" + script +
+                                           "; icehost check --strict " + script);
+    EXPECT_EQ(made.output.substr(0, 9), "3 TAPs on") << kind;
+    EXPECT_EQ(made.output.find(": error"), std::string::npos) << made.output;
+    EXPECT_EQ(made.status, 0) << kind;
+    const std::string edit = kind == "jtag" ? fill + " " : "cat ";
+    const auto run = [&](const Taps& taps) {
+      return run_on(taps, edit + script + " | icehost run -q --strict % - 2>&1");
+    };
+    EXPECT_EQ(run(chain).output, "") << kind;
+    EXPECT_EQ(run(older).output, "") << kind;
+    EXPECT_EQ(run(other).status, 1) << kind;
+    EXPECT_EQ(run(shorter).status, 1) << kind;
+  }
+}
+
+}  // namespace

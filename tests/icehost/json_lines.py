@@ -1,0 +1,95 @@
+#!/usr/bin/python3 -B
+"""What icehost writes with --json, against its schema and its manual.
+
+usage: json_lines.py ICEHOST SOURCE_FOLDER
+"""
+import glob
+import json
+import re
+import subprocess
+import sys
+
+import jsonschema
+
+sys.path.append(sys.path[0] + "/..")
+from lib import BACK, ICEHOST, RESET, TO_SHIFT_DR, Serve, expect, failures, read, run_checks
+
+MANUAL = "docs/json.md"
+HOSTILE = b'[a"\\,}\x1b\x7f\x01\xff\xc3\xa9\xe2\x80\xae\xf0\x9f\x94\xa7]\nIR=5,1\nDR=R,8,0\n"x\n'
+
+SCHEMA = json.loads(read("docs/icehost.schema.json"))
+jsonschema.Draft202012Validator.check_schema(SCHEMA)
+KINDS = {
+    kind["$ref"]: jsonschema.Draft202012Validator({**kind, "$defs": SCHEMA["$defs"]})
+    for kind in SCHEMA["oneOf"]
+}
+seen = {}  # the kind of each line
+
+
+def kinds_of(value):
+    return [name for name, kind in KINDS.items() if kind.is_valid(value)]
+
+
+def check_lines(what, lines):
+    """Each is of one kind, and of none with a key more or less."""
+    for line in lines:
+        if line in seen:
+            continue
+        if not re.fullmatch(r"[ -~]+", line):
+            failures.append(f"{what}: not plain ASCII: {line!r}")
+        value = json.loads(line)
+        kinds = kinds_of(value)
+        seen[line] = kinds
+        if len(kinds) != 1:
+            failures.append(f"{what}: {kinds}: {line}")
+        if kinds_of({**value, "unknown": 1}) or kinds_of(dict(list(value.items())[1:])):
+            failures.append(f"{what}: the schema takes anything for {line}")
+
+
+def run(*arguments, script=b""):
+    command = [ICEHOST, *arguments, "--json", "-"]
+    done = subprocess.run(command, input=script, capture_output=True, check=False)
+    lines = done.stdout.decode("ascii").splitlines()
+    check_lines(" ".join(arguments), lines)
+    values = [json.loads(line) for line in lines]
+    last = {key: values[-1].get(key) for key in ("end", "errors")}
+    if (done.returncode == 0) != (last["end"] is True or last["errors"] == 0):
+        failures.append(f"{arguments}: status {done.returncode}, at the end {values[-1]}")
+    return values
+
+
+def check_serving():
+    server = Serve("--json", "served")
+    server.play(RESET + b"0404" + TO_SHIFT_DR + b"04" * (1 << 20) + BACK + b"RQ")
+    server.play(b"2604" + BACK + b"trRQ")
+    server.end()
+    lines = read("served").splitlines()
+    check_lines("serve", lines)
+    values = [json.loads(line) for line in lines]
+    expect("serve", " ".join(next(iter(value)) for value in values),
+           "schema client reset idle scan client client scan pins reset pins client end")
+    expect("the scan", values[4].get("bits"), (1 << 20) + 1)
+
+
+def check_runs():
+    for verb in (("run", "--force"), ("check",)):
+        for path in glob.glob("examples/*.[gi]*") + glob.glob("tests/scripts/*"):
+            if "endless" not in path and not path.endswith(".bin"):
+                run(*verb, path)
+        values = run(*verb, "-", script=HOSTILE)
+        if not any("\ufffd" in text for value in values for text in map(str, value.values())):
+            failures.append(f"{verb}: invalid UTF-8 is not replaced")
+    run("run", "--wire", "cjtag2", "examples/read_idcode.ini")
+    run("run", "--keep-going", "--idcode", "3", "examples/read_idcode.ini")
+    run("run", "--force", "/dev/null")
+
+
+def check_manual():
+    check_lines(MANUAL, re.findall(r"^\{.*", read(MANUAL), re.MULTILINE))
+
+
+def check_kinds():
+    expect("never seen", KINDS.keys() - {kind for kinds in seen.values() for kind in kinds}, set())
+
+
+run_checks(check_runs, check_serving, check_manual, check_kinds)

@@ -1,0 +1,58 @@
+#ifndef ICESCRIPT_TESTS_ICEHOST_LOCAL_SERVER_H_
+#define ICESCRIPT_TESTS_ICEHOST_LOCAL_SERVER_H_
+
+#include <asio.hpp>
+#include <atomic>
+#include <functional>
+#include <string>
+#include <thread>
+#include <utility>
+
+// Serves one client after the other on a port of this machine, for as long as it lives.
+class LocalServer {
+ public:
+  // What the server does with a client. An operation on the socket that fails ends it.
+  using Session = std::function<void(asio::ip::tcp::socket& client)>;
+
+  explicit LocalServer(Session session)
+      : session_(std::move(session)), thread_([this] { Serve(); }) {}
+  ~LocalServer() {
+    ending_ = true;
+    asio::error_code refused;
+    asio::ip::tcp::socket(context_).connect(acceptor_.local_endpoint(), refused);
+    thread_.join();
+  }
+  LocalServer(const LocalServer&) = delete;
+  LocalServer& operator=(const LocalServer&) = delete;
+
+  std::string Name() const {
+    return "127.0.0.1:" + std::to_string(acceptor_.local_endpoint().port());
+  }
+
+ private:
+  void Serve() {
+    for (;;) {
+      asio::ip::tcp::socket client = acceptor_.accept();
+      if (ending_) return;
+      try {
+        session_(client);
+      } catch (const asio::system_error&) {
+        // The client has left.
+      }
+    }
+  }
+
+  asio::io_context context_;
+  asio::ip::tcp::acceptor acceptor_{context_, {asio::ip::address_v4::loopback(), 0}};
+  Session session_;
+  std::atomic<bool> ending_{false};
+  std::thread thread_;
+};
+
+inline std::string ReadFrom(asio::ip::tcp::socket& client) {
+  std::string bytes(4096, '\0');
+  bytes.resize(client.read_some(asio::buffer(bytes)));
+  return bytes;
+}
+
+#endif  // ICESCRIPT_TESTS_ICEHOST_LOCAL_SERVER_H_

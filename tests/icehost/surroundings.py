@@ -1,0 +1,165 @@
+#!/usr/bin/python3 -B
+"""icehost and what a process finds around it: closed descriptors, full disks, limits, signals.
+
+usage: surroundings.py ICEHOST SOURCE_FOLDER
+"""
+import glob
+import os
+import re
+import signal
+import subprocess
+import sys
+import time
+
+sys.path.append(sys.path[0] + "/..")
+from lib import expect, output, read, run_checks, start, write
+
+ENDLESS = "tests/scripts/endless_writes.gpio"
+SCRIPT = "examples/read_idcode.ini"
+FULL = "icehost: standard output: No space left on device"
+PIPE = "icehost: standard output: Broken pipe"
+CLOSED = "icehost: standard output: Bad file descriptor"
+
+# Status, last line of standard error, command.
+COMMANDS = [
+    # Descriptors that the process was started without are nobody else's.
+    (1, "icehost: -: Bad file descriptor", "icehost run - <&-"),
+    (3, CLOSED, f"icehost run {SCRIPT} >&-"),
+    (3, CLOSED, f"icehost run --json - {SCRIPT} >&-"),
+    (0, "", f"icehost run --vcd closed.vcd --json closed.json {SCRIPT} <&- 2>&-"),
+    # Every output that is not taken is told, and counts.
+    *((3, "", f"icehost {arguments} >/dev/full 2>/dev/full") for arguments in (
+        "--help", "--version", f"run --summary {SCRIPT}", f"run --trace {SCRIPT}")),
+    *((3, FULL, f"icehost {arguments} {SCRIPT} >/dev/full") for arguments in (
+        "run", "run --json=-", "run --vcd=-", "run --svg=-", "run --html=-", "run --trace=-",
+        "check tests/scripts/bad.ini", "check --json=- tests/scripts/bad.ini")),
+    (3, FULL, "icehost detect --script gpio -q >/dev/full"),
+    *((3, PIPE, f"icehost run {arguments} | head -n 1") for arguments in (
+        "reads.gpio", f"--json=- {ENDLESS}", f"--vcd=- {ENDLESS}", f"--trace=- {ENDLESS}")),
+    # Standard output is appended to.
+    (0, "", "icehost run --json - --vcd v examples/reset.ini >>appended"),
+]
+
+
+def shell(command):
+    """The status of a shell command; its standard error is the file err."""
+    with open("err", "w", encoding="utf-8") as err, open("out", "w", encoding="utf-8") as out:
+        return subprocess.run(
+            ["timeout", "-k", "1", "30", "bash", "-o", "pipefail", "-c", command], check=False,
+            stdin=subprocess.DEVNULL, stdout=out, stderr=err).returncode
+
+
+def last_line(path):
+    return (read(path).splitlines() or [""])[-1]
+
+
+def check_commands():
+    reads = "REPT=99999\nPRINT=GPIO_IN\nENDR\n"
+    write("reads.gpio", f"[ZEVA_ICE_GPIO]\nSTART\nGPIO_OE=0x1F\n{reads}END\n")
+    write("appended", "before\n")
+    for status, said, command in COMMANDS:
+        expect(command, (shell(command), last_line("err")), (status, said))
+    expect("a waveform without standard error", read("closed.vcd")[:8], "$version")
+    expect("appended", (read("appended")[:7], last_line("appended")), ("before\n", '{"end":true}'))
+
+
+def check_size_limit():
+    """Beyond the limit of a file's size its lines are whole, or it is empty."""
+    status = shell("ulimit -f 1; trap '' XFSZ; icehost run -q --trace=t --json j --vcd v --svg s "
+                   "--html h examples/read_idcode.gpio examples/*.ini")
+    expect("files beyond the limit", status, 3)
+    expect("told", read("err").count("cannot write: File too large"), 5)
+    expect("whole lines", [read(file)[-1:] for file in "tjv"], ["\n"] * 3)
+    expect("a cut picture or page", read("s") + read("h"), "")
+
+
+def check_old_files():
+    """A run that cannot begin leaves the files of the run before it, and makes none."""
+    write("old", "before\n")
+    for cannot in ("--plugin /dev/null", "--probe remote-bitbang:unix:/nowhere", "--svg /nowhere/x",
+                   "/nowhere"):
+        status = shell(f"icehost run --vcd old --json new {cannot} {SCRIPT}")
+        expect(cannot, (status != 0, read("old"), os.path.exists("new")), (True, "before\n", False))
+
+
+def ends_by(number, *arguments, out="/dev/null"):
+    """A signal ends it within a second, with status 130 and a word."""
+    what = f"{' '.join(arguments[:9])} by {number}"
+    with open(out, "wb") as taken, open("err", "wb") as err:
+        process = start("icehost", *arguments, stdin=subprocess.DEVNULL, stdout=taken, stderr=err)
+    time.sleep(0.3)
+    process.send_signal(number)
+    begun = time.monotonic()
+    expect(what, process.wait(20), 130)
+    expect(what, time.monotonic() - begun < 1.5, True)
+    expect(what, read("err").split("\n")[0], "icehost: interrupted")
+
+
+def expect_whole(*paths):
+    """The files that an interrupted run wrote are complete."""
+    for path in paths:
+        if path.endswith(".svg"):
+            expect(path, output("xmllint", "--noout", path), "")
+        else:
+            expect(path, last_line(path), '{"end":false}' if path.endswith(".json") else "</html>")
+
+
+def check_signals():
+    for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
+        ends_by(number, "run", "--svg", "e.svg", "--json", "e.json", ENDLESS)
+        expect_whole("e.svg", "e.json")
+        told = re.findall(">The first 1000 of [0-9]* steps<", read("e.svg"))
+        expect("the picture of an interrupted run", len(told), 1)
+    names = (i * 7919 % 60000 for i in range(60000))
+    write("many.ini", "".join(f"[{name}x]\nIR=5,1\nDR=R,8,0\n" for name in names))
+    ends_by(signal.SIGINT, "run", "--json", "m.json", "--html", "m.html", "many.ini")
+    # In the plug-in, which reads the script, or where it is checked before that.
+    expect_whole(*glob.glob("m.*"))
+    ends_by(signal.SIGINT, "check", *["many.ini"] * 50)
+    os.mkfifo("fifo")
+    ends_by(signal.SIGINT, "check", "fifo")
+    # Nobody takes what it says.
+    with open(os.open("fifo", os.O_RDWR), "rb"):
+        ends_by(signal.SIGINT, "run", "--svg=f.svg", "--html=f.html", "reads.gpio", out="fifo")
+        expect_whole("f.svg", "f.html")
+        expect("result", '"result":"interrupted"' in read("f.html"), True)
+        ends_by(signal.SIGINT, "run", "--json", "-", ENDLESS, out="fifo")
+        scripts = glob.glob("tests/scripts/*.ini") + glob.glob("examples/*.ini")
+        ends_by(signal.SIGINT, "check", "many.ini", *scripts, out="fifo")
+
+
+def check_ignored_signals():
+    """What the process was started to ignore, it ignores."""
+    process = start("env", "--ignore-signal=INT", "--ignore-signal=HUP", "icehost", "run", ENDLESS,
+                    stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+    for number in (signal.SIGINT, signal.SIGHUP):
+        time.sleep(0.3)
+        process.send_signal(number)
+    time.sleep(0.3)
+    expect("ends by an ignored signal", process.poll(), None)
+    process.terminate()
+    expect("ends", process.wait(20), 130)
+
+
+def on_terminal(command):
+    """What a terminal gets."""
+    return output("timeout", "-k", "1", "30", "script", "-qec", command, "/dev/null")
+
+
+def check_terminal():
+    """A terminal shows progress, which leaves nothing there, and takes no text for a command."""
+    endless = f"timeout -s INT 1.7 icehost run {ENDLESS}"
+    shown = on_terminal(endless)
+    expect(f"progress in {shown!r}", shown.count("operations, ") >= 2, True)
+    expect("progress is left", shown.count("\r\x1b[K"), shown.count("operations, ") + 1)
+    shell(endless)
+    expect("progress in a file", read("err"), "icehost: interrupted\n")
+    write("bold.ini", "[\x1b[7m\x9b]\nIR=5\nDR=W,0\n")
+    shown = on_terminal("icehost run --force bold.ini; icehost check bold.ini '\x1b[7m'")
+    expect("controls", [text for text in ("\x1b[7m", "\x9b") if text in shown], [])
+    shell("icehost run --force bold.ini")
+    expect("a file", "\x1b[7m\x9b syntax error" in read("out"), True)
+
+
+run_checks(check_commands, check_size_limit, check_old_files, check_signals, check_ignored_signals,
+           check_terminal)

@@ -1,0 +1,195 @@
+#!/usr/bin/python3 -B
+"""The pictures of --svg, read back: levels and TAP states as in the waveform, texts where they belong.
+
+usage: svg.py ICEHOST SOURCE_FOLDER
+"""
+import re
+import shlex
+import subprocess
+import sys
+import xml.etree.ElementTree
+
+sys.path.append(sys.path[0] + "/..")
+from lib import failures, read, run_checks
+
+PINS = ["NRST", "TRST", "TCK", "TMS", "TDI", "TDO"]
+CHARACTER = 6.02  # the pixels of one at the pictures' font size
+TO_SHIFT = "unknown|TLR|RTI|Sel|Sel|Cap|Sh|Ex1|Upd|RTI|Sel|Cap|"
+TO_END = "Ex1|Upd|RTI"
+
+
+def gpio(lines):
+    return f"[ZEVA_ICE_GPIO]\nSTART\n{lines}END\n"
+
+
+def loop(count, lines="TDI=1\n"):
+    return f"REPT={count}\n{lines}ENDR\n"
+
+
+def scan(section, bits, expected=""):
+    return f"[{section}]\nIR=2,3\nDR=R,{bits},0\n{expected}"
+
+
+FAR = "\n" * 1000
+READS = "PRINT=GPIO_IN  # expect NRST=0\n"
+# Arguments, a script for standard input, and each band's lanes and marks, with a note after the last.
+# None: any. A tuple: the number of bands and notes, and the last of them.
+PICTURES = [
+    # Steps are as wide as they may be, and bands even: no step, one, a full band, one more.
+    ("-", "[CONTROL]\nCDI=5\n", ["", "No pin was driven"]),
+    ("-", gpio(""), ["line:2 TAP:TLR"]),
+    ("-", gpio(loop(39)), ["line:2" + "|4" * 39 + " TAP:Test-Logic-Reset"]),
+    ("-", gpio(loop(40)), ["line:2" + "|4" * 24 + " TAP:Test-Logic-Reset",
+                           "line:" + "|".join("4" * 16) + " TAP:Test-Logic-Reset"]),
+    # A run that is cut says so, and a run of as many steps as are drawn does not.
+    ("-", gpio(loop(999)), (25, "line:" + "|".join("4" * 40) + " TAP:Test-Logic-Reset")),
+    ("-", gpio(loop(1000)), (26, "The first 1000 of 1001 steps")),
+    ("examples/reset.ini -", gpio(loop(1787)),
+     (25, "file:- script:" + "|".join("4" * 80) + " TAP:Test-Logic-Reset")),
+    ("examples/reset.ini -", gpio(loop(5000)), (26, "The first 2000 of 5213 steps")),
+    # A scan has its values in each band where they fit, or else its name; long names give way.
+    ("--ir-length 2 -", scan("A", 2) + scan("A<&>B\x01", 4), [
+        "script:[A] IR 2 bits 0x03 -> 0x01, DR 2 bits 0x00 -> 0x00|[A<&>B ] "
+        f"TAP:{TO_SHIFT}Sh|Ex1|Upd|RTI|Sel|",
+        "script:[A<&>B ] IR 2 bits 0x03 -> 0x01, DR 4 bits 0x00 -> 0x00 "
+        f"TAP:|Cap|Sh|Ex1|Upd|RTI|Sel|Cap|Shift-DR|{TO_END}"]),
+    ("--ir-length 2 -", scan("A" * 99, 2), [
+        f"script:IR 2 bits 0x03 -> 0x01, DR 2 bits 0x00 -> 0x00 TAP:{TO_SHIFT}Sh|{TO_END}"]),
+    # Lines share a segment until their numbers fit.
+    ("-", gpio(FAR + loop(5, "TCK=1\nTDI=1\nTCK=0\n") + "\nTDI=0\n" * 6), [
+        "line:2|1004-1006|1004-1006|1004-1006|1004-1006|1004-1006|1009-1013|1015-1019 "
+        "TAP:Test-Logic-Reset"]),
+    # What was read, and what was not as expected.
+    ("examples/reset_pulse.gpio", "", [
+        "line:4|5|6|8|12 TAP:Test-Logic-Reset read 2 read 0x3f:0x3f "
+        "read 3 read 0x3e, one of 3 reads here:0x3e read 4 read 0x3f:0x3f"]),
+    ("--keep-going -", gpio(f"NRST=1\n{READS}TMS=1\nTMS=0\nTMS=1\n" + loop(3, READS + "PRINT=GPIO_IN\n")), [
+        "line:2|3|5|6|7 TAP:Test-Logic-Reset "
+        "unmet 1 expected 0x00, captured 0x01 (mask 0x01):expected 0x00 "
+        "unmet 4 expected 0x00, captured 0x09 (mask 0x01), one of 6 reads here:0x09"]),
+    ("-", gpio("TCK=1\nPRINT=GPIO_IN\nTCK=0\nPRINT=GPIO_IN\nTCK=1\nPRINT=GPIO_IN\n" + loop(17)), [
+        "line:2|3|5|7" + "|10" * 17 + " TAP:Test-Logic-Reset "
+        "read 1 read 0x04:0x04 read 2 read 0x00: read 3 read 0x04:0x04"]),
+    ("--keep-going --ir-length 2 -", scan("A", 2, "TDO=1\nMASK=1\nIR_TDO=2\n"), [
+        f"script:[A] IR 2 bits 0x03 -> 0x01, DR 2 bits 0x00 -> 0x00 TAP:{TO_SHIFT}Sh|{TO_END} "
+        "unmet 44 IR expected 0x02, captured 0x01 (mask 0x03); DR expected 0x01, captured 0x00 "
+        "(mask 0x01):IR expected 0x02, captured 0x01 (mask 0x03)"]),
+    # Only the waveform and the room for texts.
+    ("--keep-going -", gpio(loop(400, f"TDI=1\n{READS}")), None),
+    ("examples/reset.ini tests/scripts/walk.gpio examples/reset.ini", "", None),
+    ("tests/scripts/long_scans.ini --register 0x15:8=5a --ir-length 6 --wire 2wire", "", None),
+]
+
+
+class Picture:
+    """What an SVG file shows: `bands`, each with its lanes and marks in words; per step, `levels` of
+    each pin and `states` of the TAP; and `texts` as (y, left, right, words), marks too."""
+
+    def __init__(self, name):
+        root = xml.etree.ElementTree.parse(name).getroot()
+        self.width = int(root.get("width"))
+        self.bands, self.texts, self.states = [], [], []
+        self.levels = dict.fromkeys(PINS, "")
+        self.step_width = 44  # of a picture with one tick
+        for element in root:
+            kind = element.get("class")
+            is_text = element.tag.endswith("text")
+            if kind in ("read", "unmet"):
+                title = element[0].text.split(": ", 1)[1]
+                x = self.middle(element)
+                self.bands[-1] += f" {kind} {self.step(x)} {title}:"
+                self.texts.append((max(self.rows) + 10, x - 3, x + 3, "a mark"))
+            elif is_text and element.get("font-style"):
+                self.bands.append(element.text)
+            elif is_text:
+                self.bands[-1] += element.text
+            elif kind == "ink" and element.get("pointer-events"):
+                labels = {int(text.get("x")): text.text for text in element}
+                self.bands[-1] += "|".join(labels.get(self.middle(path), "") for path in self.shapes)
+            elif kind == "ink" and element.get("text-anchor"):
+                self.ticks = [(int(text.get("x")), int(text.text)) for text in element]
+                self.bands.append("")
+            elif kind == "ink":
+                self.rows = {int(text.get("y")) - 11: text.text for text in element}
+            elif kind == "shape":
+                self.read_shapes(element)
+            elif kind == "wave":
+                self.read_waves(element)
+            self.read_extents(element)
+        self.bands = [band.strip() for band in self.bands]
+
+    def step(self, x):
+        """The step that contains `x`."""
+        left, first = self.ticks[0]
+        if len(self.ticks) > 1:
+            self.step_width = (self.ticks[1][0] - left) // (self.ticks[1][1] - first)
+        return first + (x - left) // self.step_width
+
+    @staticmethod
+    def edges(element):
+        """The pixels where a segment or a mark begins and ends."""
+        numbers = [int(x) for x in re.findall("[MHL]([0-9]+)", element.get("d"))]
+        return min(numbers), max(numbers)
+
+    def middle(self, element):
+        return int(element.get("cx") or sum(self.edges(element)) // 2)
+
+    def read_shapes(self, group):
+        self.shapes = list(group)
+        name = self.rows[int(group[0].get("d").split("H")[0].split()[1])] if self.shapes else ""
+        self.bands[-1] += f" {name}:" if name else ""
+        for path in group if name == "TAP" else []:
+            begin, end = map(self.step, self.edges(path))
+            self.states += [path[0].text] * (end - begin)
+
+    def read_waves(self, group):
+        for path in group:
+            x, y, moves = re.fullmatch(r"M(\d+) (\d+)((?:H\d+V\d+)*H\d+)", path.get("d")).groups()
+            x, y = int(x), int(y)
+            pin = self.rows.get(y) or self.rows[y - 14]
+            for to, level in re.findall(r"H(\d+)(?:V(\d+))?", moves):
+                self.levels[pin] += "01"[y in self.rows] * (self.step(int(to)) - self.step(x))
+                x, y = int(to), int(level or y)
+
+    def read_extents(self, element):
+        centred = element.get("text-anchor") == "middle"
+        for text in element.iter("{http://www.w3.org/2000/svg}text"):
+            width = CHARACTER * len(text.text)
+            left = int(text.get("x")) - (width / 2 if centred else 0)
+            self.texts.append((int(text.get("y")), left, left + width, text.text))
+
+
+def waveform(name, steps):
+    """The levels of each pin and the state of the TAP for the first steps of a VCD file."""
+    values = dict.fromkeys("!\"#$%&t", "")
+    levels, states = dict.fromkeys(PINS, ""), []
+    changes = read(name).split("$enddefinitions $end\n")[1]
+    for line in changes.splitlines():
+        if line[0] != "#":
+            values[line[-1]] = line[1:-2] if line[0] == "s" else line[0]
+            continue
+        held = min(int(line[1:]), steps) - len(states)
+        for pin, code in zip(PINS, values):
+            levels[pin] += values[code] * held
+        states += [values["t"].replace("?", "unknown")] * held
+    return levels, states
+
+
+def check(arguments, script, bands):
+    """Draws a run and compares the picture with its waveform and with the bands expected, if any."""
+    subprocess.run(["icehost", "run", "-q", "--svg", "svg", "--vcd", "vcd", *shlex.split(arguments)],
+                   input=script.encode(), stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
+                   check=False)
+    picture = Picture("svg")
+    drawn = (len(picture.bands), picture.bands[-1]) if isinstance(bands, tuple) else picture.bands
+    if bands is not None and drawn != bands:
+        failures.append(f"{arguments} {script}:\n  expected {bands}\n  drawn    {drawn}")
+    if (picture.levels, picture.states) != waveform("vcd", len(picture.states)):
+        failures.append(f"{arguments} {script}: other levels or states than in the waveform")
+    texts = sorted(picture.texts)
+    for one, other in zip(texts, texts[1:] + [(None,)]):
+        if one[1] < 0 or one[2] > picture.width or (one[0] == other[0] and one[2] >= other[1]):
+            failures.append(f"{arguments} {script}: no room for {one[3]}")
+
+
+run_checks(lambda: [check(*picture) for picture in PICTURES])

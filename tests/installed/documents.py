@@ -1,0 +1,280 @@
+#!/usr/bin/python3
+"""What the documents show, against what happens: every block is run or compared, every link followed.
+
+usage: documents.py PREFIX SOURCE_FOLDER [DOCUMENT...]. The commands run on what is installed in PREFIX
+(by `cmake --install build/dev --prefix PREFIX`; ctest has it in build/dev/installed).
+CONTRIBUTING.md says how a block is marked.
+"""
+import glob
+import os
+import random
+import re
+import select
+import shutil
+import socket
+import subprocess
+import sys
+import tempfile
+import time
+
+PREFIX = os.path.abspath(sys.argv[1])
+SOURCE = os.path.abspath(sys.argv[2])
+# A link may lead to what is installed, and to nothing else.
+INSTALLED = ("README.md", "CHANGELOG.md", "CONTRIBUTING.md", "docs", "examples")
+# Where a Debian package puts them, and where they are.
+MANUALS = "/usr/share/doc/icescript"
+INSTALLED_MANUALS = PREFIX + MANUALS.removeprefix("/usr")
+PORTS = ("5555", "6666", "9824")
+SECONDS = 30
+# Read in a clone. With the others one has what is installed.
+OF_A_CLONE = ("README.md", "CONTRIBUTING.md")
+MARKS = {"console": {"exit", "run-by", "hardware"}, "text": {"file", "from"}}
+OTHER_MARKS = {"file", "from"}
+FENCE = re.compile(r"^( *)(```+)([^`\n]*)\n(.*?)^\1\2 *$", re.MULTILINE | re.DOTALL)
+
+failures = []
+
+
+def fail(place, *lines):
+    failures.append("\n  ".join([f"{place}: {lines[0]}", *lines[1:]]))
+
+
+def read(path):
+    with open(path, encoding="utf-8") as file:
+        return file.read()
+
+
+def write(path, text):
+    os.makedirs(os.path.dirname(path), exist_ok=True)
+    with open(path, "w", encoding="utf-8") as file:
+        file.write(text)
+
+
+def free_port():
+    """Below those that the system itself hands out."""
+    while True:
+        port = random.randrange(20000, 32000)
+        with socket.socket() as probe:
+            probe.setsockopt(socket.SOL_SOCKET, socket.SO_REUSEADDR, 1)
+            try:
+                probe.bind(("127.0.0.1", port))
+                return str(port)
+            except OSError:
+                continue
+
+
+def is_listening(port):
+    return f":{int(port):04X} 00000000:0000 0A" in read("/proc/net/tcp")
+
+
+def write_program(path, line):
+    write(path, f"#!/bin/sh\n{line}\n")
+    os.chmod(path, 0o755)
+
+
+class Shell:
+    """A bash that runs one command after the other in a folder of its own."""
+
+    LOOP = (
+        'while IFS= read -r -d "" -u 9 command; do eval "$command"; '
+        'printf "%s %d\\n" "$SENTINEL" $?; done 9<&"$COMMANDS"'
+    )
+
+    def __init__(self, folder, openocd_port):
+        self.openocd_port = openocd_port
+        self.sentinel = f"@{random.randrange(1 << 64):x}@"
+        self.output = ""
+        reading, self.commands = os.pipe()
+        environment = {
+            **os.environ,
+            "CMAKE_PREFIX_PATH": PREFIX,
+            "PKG_CONFIG_PATH": f"{PREFIX}/lib/pkgconfig",
+            "COMMANDS": str(reading),
+            "SENTINEL": self.sentinel,
+            "HOME": folder,
+            "LC_ALL": "C.UTF-8",
+            "TERM": "dumb",
+            "PATH": f"{folder}/.programs:{PREFIX}/bin:/usr/bin:/bin:{os.environ['PATH']}",
+        }
+        self.process = subprocess.Popen(
+            ["bash", "--noprofile", "--norc", "-c", self.LOOP],
+            cwd=folder, env=environment, pass_fds=[reading], start_new_session=True,
+            stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
+        os.close(reading)
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        os.close(self.commands)
+        subprocess.run(["pkill", "-KILL", "-s", str(self.process.pid)], check=False)
+        self.process.wait()
+
+    def wait_for(self, condition):
+        """Reads on until `condition` has a result; None where it never has."""
+        end = time.monotonic() + SECONDS
+        while not (result := condition()) and time.monotonic() < end:
+            if select.select([self.process.stdout], [], [], 0.1)[0]:
+                read = os.read(self.process.stdout.fileno(), 1 << 16)
+                if not read:
+                    return None
+                self.output += read.decode(errors="replace")
+        return result
+
+    def run(self, command, expected):
+        """The exit status, or None, and what was printed instead of `expected`, or None."""
+        os.write(self.commands, command.encode() + b"\0")
+        ended = re.compile(rf"{self.sentinel} (\d+)\n")
+        end = self.wait_for(lambda: ended.search(self.output))
+        # OpenOCD keeps its log to itself.
+        if end and command.startswith("openocd ") and command.endswith("&"):
+            end = self.wait_for(lambda: is_listening(self.openocd_port)) and end
+        if not end:
+            return None, self.output
+        self.output = self.output[:end.start()] + self.output[end.end():]
+        pattern = re.compile(pattern_of(expected))
+        # What runs in the background may take its time.
+        if self.has_jobs():
+            self.wait_for(lambda: pattern.fullmatch(with_line_end(self.output)))
+        printed, self.output = with_line_end(self.output), ""
+        return int(end[1]), None if pattern.fullmatch(printed) else printed
+
+    def has_jobs(self):
+        children = subprocess.run(["pgrep", "-P", str(self.process.pid)], capture_output=True)
+        return children.returncode == 0
+
+
+def with_line_end(text):
+    return text if not text or text.endswith("\n") else text + "\n"
+
+
+def pattern_of(expected):
+    """`...` alone stands for any lines, within a line for any characters."""
+    lines = (
+        r"(?:.*\n)*" if line == "..." else re.escape(line).replace(re.escape("..."), ".*") + r"\n"
+        for line in expected)
+    return "".join(lines)
+
+
+def commands_of(lines):
+    """The commands of a block, each with the lines behind it; None where it begins with another."""
+    commands = []
+    for line in lines:
+        if commands and commands[-1][0].endswith("\\") and not commands[-1][1]:
+            commands[-1][0] += "\n" + line
+        elif line.startswith("$ "):
+            commands.append([line[2:], []])
+        elif commands:
+            commands[-1][1].append(line)
+        else:
+            return None
+    return commands
+
+
+def blocks_of(document, text):
+    """(place, language, marks, lines) of each block."""
+    if "```" in FENCE.sub("", text):
+        fail(document, "a block does not end")
+    for block in FENCE.finditer(text):
+        place = f"{document}:{text.count(chr(10), 0, block.start()) + 1}"
+        language, *words = block[3].split() or [""]
+        marks = dict((word.split("=", 1) + [""])[:2] for word in words)
+        lines = [line[len(block[1]):] for line in block[4].splitlines()]
+        known = MARKS.get(language, OTHER_MARKS)
+        if len(marks) > 1 or not set(marks) <= known or not (marks or language in MARKS):
+            fail(place, f"a block cannot be marked {block[3]!r}")
+            continue
+        yield place, language, marks, lines
+
+
+def run_block(shell, place, marks, lines, here):
+    commands = commands_of(lines)
+    if not commands:
+        fail(place, "a console block begins with a command: $ ...")
+        return
+    if "hardware" in marks:
+        return
+    for number, (command, expected) in enumerate(commands, 1):
+        if "run-by" in marks:
+            if expected or command.removeprefix("sudo ") not in read(marks["run-by"]):
+                fail(place, f"{marks['run-by']} does not run this: {command}")
+            continue
+        wanted = int(marks.get("exit", 0)) if number == len(commands) else 0
+        status, printed = shell.run(here(command), [here(line) for line in expected])
+        if status is None:
+            fail(place, f"$ {command}", "does not end, and prints", *printed.splitlines())
+            return
+        if printed is not None:
+            fail(place, f"$ {command}", "prints", *printed.splitlines(), "and not", *expected)
+        elif status != wanted:
+            fail(place, f"$ {command}", f"ends with {status}")
+
+
+def run_document(document):
+    text = read(document)
+    check_links(document, text)
+    free = {port: free_port() for port in PORTS}
+
+    def here(line):
+        line = line.replace(MANUALS, INSTALLED_MANUALS)
+        return re.sub(r"\b(" + "|".join(PORTS) + r")\b", lambda match: free[match[0]], line)
+
+    with tempfile.TemporaryDirectory() as folder:
+        if document in OF_A_CLONE:
+            shutil.copytree("examples", os.path.join(folder, "examples"))
+            # As ./dev, of what is built already.
+            write_program(os.path.join(folder, "dev"), 'exec icehost "$@"')
+        # OpenOCD, with the only one of its ports that a document uses.
+        write_program(os.path.join(folder, ".programs", "openocd"), "exec /usr/bin/openocd -c "
+                      f"'gdb_port disabled; telnet_port disabled; tcl_port {free['6666']}' \"$@\"")
+        with Shell(folder, free["6666"]) as shell:
+            for place, language, marks, lines in blocks_of(document, text):
+                body = "".join(line + "\n" for line in lines)
+                if language == "console":
+                    run_block(shell, place, marks, lines, here)
+                elif "file" in marks:
+                    write(os.path.join(folder, marks["file"]), here(body))
+                elif "from" in marks and body not in read(marks["from"]):
+                    fail(place, f"{marks['from']} does not hold this block")
+                if language == "text" and any(line.startswith("$ ") for line in lines):
+                    fail(place, "a command in a block of text")
+
+
+def anchors_of(text):
+    """As the pages that show Markdown name its headings."""
+    seen = {}
+    for heading in re.findall(r"^#+ (.*)$", FENCE.sub("", text), re.MULTILINE):
+        name = re.sub(r"[^\w\- ]", "", re.sub(r"\]\([^)]*\)", "]", heading).lower())
+        name = name.replace(" ", "-")
+        yield name + (f"-{seen[name]}" if name in seen else "")
+        seen[name] = seen.get(name, 0) + 1
+
+
+def check_links(document, text):
+    outside = re.sub(r"`[^`\n]*`", "", FENCE.sub("", text))
+    for link in re.findall(r"\]\(([^)\s]+)\)", outside):
+        if link.startswith("https://"):
+            continue
+        path, _, anchor = link.partition("#")
+        target = os.path.normpath(os.path.join(os.path.dirname(document), path)) if path else document
+        if target.split("/")[0] not in INSTALLED or not os.path.exists(target):
+            fail(document, f"a link leads nowhere: {link}")
+        elif anchor and anchor not in anchors_of(read(target)):
+            fail(document, f"a link leads nowhere: {link}")
+
+
+def main():
+    if not os.path.exists(f"{PREFIX}/bin/icehost"):
+        sys.exit(__doc__)
+    os.chdir(SOURCE)
+    documents = sys.argv[3:] or sorted(
+        path for pattern in ("*.md", "docs/*.md") for path in glob.glob(pattern))
+    for document in documents:
+        begin = time.monotonic()
+        run_document(document)
+        print(f"{document}: {time.monotonic() - begin:.1f} s", flush=True)
+    print("\n".join(failures))
+    sys.exit(bool(failures) or not documents)
+
+
+main()

@@ -1,0 +1,100 @@
+"""What the Python tests of icehost share. Each is started as NAME.py ICEHOST SOURCE_FOLDER.
+
+A test works in a folder of its own, which has the entries of the source folder and is removed at
+the end. `icehost` is on the PATH.
+"""
+import os
+import re
+import signal
+import socket
+import subprocess
+import sys
+import tempfile
+import time
+
+ICEHOST = os.path.abspath(sys.argv[1])
+SOURCE = os.path.abspath(sys.argv[2])
+os.environ["PATH"] = f"{os.path.dirname(ICEHOST)}:{os.environ['PATH']}"
+FOLDER = tempfile.TemporaryDirectory()
+for entry in os.listdir(SOURCE):
+    os.symlink(os.path.join(SOURCE, entry), os.path.join(FOLDER.name, entry))
+os.chdir(FOLDER.name)
+# A shell lets what it starts in the background ignore SIGINT.
+signal.signal(signal.SIGINT, signal.default_int_handler)
+
+# What a client of remote_bitbang sends: two bytes for each edge of TCK.
+RESET = b"26" * 5
+TO_SHIFT_DR = b"260404"  # from Run-Test/Idle
+BACK = b"262604"  # with the last bit, to Run-Test/Idle
+
+failures = []
+started = []  # processes
+
+
+def expect(what, got, wanted):
+    if got != wanted:
+        failures.append(f"{what}: {got!r}, not {wanted!r}")
+
+
+def run_checks(*checks):
+    """Runs the checks, ends every process, and exits with what failed."""
+    try:
+        for check in checks:
+            check()
+    finally:
+        for process in started:
+            process.kill()
+            process.wait()
+    print("\n".join(failures) or "all well")
+    sys.exit(bool(failures))
+
+
+def start(*command, **options):
+    """Starts a process that does not outlive the test."""
+    started.append(subprocess.Popen(command, **options))
+    return started[-1]
+
+
+def output(*command, given=""):
+    """Returns what a command prints on standard output and error, whatever its status."""
+    return subprocess.run(command, input=given.encode(), stdout=subprocess.PIPE, check=False,
+                          stderr=subprocess.STDOUT, timeout=60).stdout.decode()
+
+
+def read(path):
+    with open(path, encoding="utf-8") as file:
+        return file.read()
+
+
+def write(path, text):
+    with open(path, "w", encoding="utf-8") as file:
+        file.write(text)
+
+
+class Serve:
+    """A running server. It says on which port, unless it is quiet."""
+
+    def __init__(self, *options, endpoint="tcp:0", **spawn):
+        self.process = start(ICEHOST, "serve", endpoint, *options, stderr=subprocess.PIPE, **spawn)
+        first = self.process.stderr.readline().decode() if "-q" not in options else ""
+        self.port = int((re.findall(r":(\d+)$", first) or ["0"])[0])
+
+    def client(self):
+        return socket.create_connection(("127.0.0.1", self.port), timeout=60)
+
+    def play(self, request):
+        """Sends a request that ends in Q, as a client of its own, and waits for the end."""
+        with self.client() as client:
+            client.sendall(request)
+            while client.recv(65536):
+                pass
+
+    def end(self, signal_number=signal.SIGTERM):
+        """Returns the status, and what was said after the first line."""
+        if signal_number:
+            self.process.send_signal(signal_number)
+        begun = time.monotonic()
+        said = self.process.communicate(timeout=20)[1].decode()
+        if signal_number and time.monotonic() - begun > 1.5:
+            failures.append("a signal took too long")
+        return self.process.returncode, re.sub(r"127\.0\.0\.1:\d+", "ADDRESS", said)

@@ -1,0 +1,78 @@
+# What the shell tests share. A test sources it with ICEHOST and SOURCE_FOLDER as arguments, and then
+# works in the source folder. `scratch` is a folder that is removed at the end of the test.
+set -euo pipefail
+icehost=$(realpath "$1")
+cd "$2"
+scratch=$(mktemp -d)
+
+finish() {
+  local processes
+  processes=$(jobs -p)
+  # shellcheck disable=SC2086: one word for each process
+  kill $processes 2>/dev/null || true
+  wait
+  rm -rf "$scratch"
+}
+trap finish EXIT
+
+fail() {
+  echo "FAILED: $*"
+  find "$scratch" \( -name '*.log' -o -name '*.txt' \) -exec tail -n +1 {} +
+  exit 1
+}
+
+# holds FILE TEXT: the file in `scratch` has this text, and nothing else.
+holds() { [ "$(cat "$scratch/$1")" = "$2" ] || fail "$1 is not: $2"; }
+
+# wait_for PATTERN FILE: prints what the pattern matches, once the file has it.
+wait_for() {
+  local found
+  for _ in $(seq 100); do
+    found=$(grep -oE "$1" "$2" 2>/dev/null | head -n 1) && { echo "$found"; return; }
+    sleep 0.1
+  done
+  fail "no $1 in $2" >&2
+}
+
+# serve OPTION...: starts a server of the simulated target; sets `server`, a process, and `port`.
+serve() {
+  : >"$scratch/serve.log"
+  "$icehost" serve tcp:0 "$@" 2>"$scratch/serve.log" &
+  server=$!
+  port=$(wait_for '[0-9]+$' "$scratch/serve.log")
+}
+
+# stop SIGNAL SERVER: the server ends, with status 0.
+stop() {
+  kill "-$1" "$2"
+  wait "$2" || fail "serve ended with $?"
+}
+
+# with_openocd COMMAND...: replaces the shell by OpenOCD on the server at `port`.
+with_openocd() {
+  local commands=() command
+  for command; do commands+=(-c "$command"); done
+  exec timeout 300 openocd -c 'adapter driver remote_bitbang; remote_bitbang host 127.0.0.1' \
+    -c "remote_bitbang port $port; transport select jtag; reset_config trst_and_srst" \
+    -c 'gdb_port disabled; telnet_port disabled' "${commands[@]}" >"$scratch/openocd.log" 2>&1
+}
+
+# start_openocd COMMAND...: starts it in the background; sets `openocd`, a process, and `probe`.
+start_openocd() {
+  : >"$scratch/openocd.log"
+  with_openocd 'tcl_port 0' "$@" &
+  openocd=$!
+  probe=openocd:127.0.0.1:$(wait_for 'port [0-9]+ for tcl' "$scratch/openocd.log" | tr -dc 0-9)
+}
+
+stop_openocd() {
+  kill "$openocd"
+  wait "$openocd" || true
+}
+
+# shows_scan VCD VALUE: a logic analyser finds a DR scan that reads this value in the waveform.
+shows_scan() {
+  sigrok-cli -l 1 -I vcd -i "$1" -P jtag:tdi=tdi:tdo=tdo:tck=tck:tms=tms \
+    -A jtag=bitstring-tdi:bitstring-tdo >"$scratch/decoded.log"
+  grep -q "DR TDO: .* ($2), 32 bits" "$scratch/decoded.log"
+}

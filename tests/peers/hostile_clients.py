@@ -1,0 +1,234 @@
+#!/usr/bin/python3 -B
+"""icehost serve with clients, and with servers that it serves, that are odd, broken or hostile.
+
+usage: hostile_clients.py ICEHOST SOURCE_FOLDER
+"""
+import json
+import os
+import re
+import signal
+import socket
+import sys
+import threading
+import time
+
+sys.path.append(sys.path[0] + "/..")
+from lib import BACK, ICEHOST, RESET, TO_SHIFT_DR, Serve, expect, failures, read, run_checks
+
+IDCODE = RESET + b"04" + TO_SHIFT_DR + b"0R4" * 31 + b"2R6" + BACK[2:]
+
+
+def wait_until(what, reached):
+    for _ in range(500):
+        if reached():
+            return
+        time.sleep(0.02)
+    failures.append(f"{what}: not within 10 s")
+
+
+def ask(client, request):
+    """The answers to all of it."""
+    client.sendall(request)
+    wanted, answers = request.count(b"R"), b""
+    while len(answers) < wanted and (got := client.recv(65536)):
+        answers += got
+    return answers.decode()
+
+
+def next_client(serve):
+    """A client, once the one before has left."""
+    for _ in range(500):
+        try:
+            if ask(client := serve.client(), b"R"):
+                return client
+        except ConnectionResetError:
+            pass
+        time.sleep(0.02)
+    raise TimeoutError("the client before stays")
+
+
+class Upstream:
+    """A server of one client: notes what comes, and answers as it is told to."""
+
+    def __init__(self, answer):
+        self.listener = socket.create_server(("127.0.0.1", 0))
+        self.name = f"remote-bitbang:127.0.0.1:{self.listener.getsockname()[1]}"
+        self.came = b""
+        self.answer = answer
+        self.connection = None
+        threading.Thread(target=self.serve, daemon=True).start()
+
+    def serve(self):
+        self.connection, _ = self.listener.accept()
+        try:
+            while got := self.connection.recv(65536):
+                self.came += got
+                if answer := self.answer(got):
+                    self.connection.sendall(answer)
+        except OSError:
+            pass
+
+    def close(self):
+        self.connection.shutdown(socket.SHUT_RDWR)
+        self.connection.close()
+
+
+def ones(got):
+    return b"1" * got.count(b"R")
+
+
+def check_passing_on():
+    """Nothing but the changes that clients make reaches the server behind, and all of them do."""
+    upstream = Upstream(ones)
+    serve = Serve("-v", "--probe", upstream.name)
+    first = serve.client()
+    expect("answers", ask(first, b"BbxtR\n00447Q"), "1")
+    expect("behind Q", first.recv(1), b"")
+    second = serve.client()
+    # The pins are as the first one left them: 7 is set already.
+    expect("answers", ask(second, b"7rsRutR06R"), "111")
+    second.close()
+    status, said = serve.end()
+    expect("passed on", (upstream.came.replace(b"Q", b""), status), (b"tR047rsRutR06R", 0))
+    expect("verbose", said.splitlines(), [
+        "icehost: client 1 connected from ADDRESS",
+        "icehost: client 1 left: bytes 12",
+        "icehost: client 2 connected from ADDRESS",
+        "icehost: client 2 left: bytes 10",
+    ])
+
+
+def check_recording():
+    """The files follow the client, and are whole at the end; a second client is sent away."""
+    serve = Serve("-v", "--trace=t", "--json", "j", "--vcd", "v", "--idcode", "2badc001")
+    one = serve.client()
+    answers = ask(one, IDCODE)
+    expect("IDCODE", int(answers[::-1], 2), 0x2BADC001)
+    expect("trace", read("t").splitlines()[1:],
+           ["9 TAP reset (TMS)", "15 DR 32 bits 0x00000000 -> 0x2badc001"])
+    expect("JSON", len(read("j").splitlines()), 4)
+    expect("waveform", "#85" in read("v").splitlines(), True)
+    other = serve.client()
+    expect("a second client", other.recv(1), b"")
+    expect("the first stays", ask(one, b"R"), "1")
+    one.close()
+    next_client(serve)
+    status, said = serve.end()
+    expect("status", status, 0)
+    expect("busy", "a second client was sent away" in said, True)
+    told = re.sub(r"127\.0\.0\.1:\d+", "ADDRESS", read("t")).splitlines()
+    expect("trace", told[0], "0 client 1 connected from ADDRESS")
+    expect("trace", told[-4:], [
+        "86 client 1 left: bytes 119, scans 1",
+        "86 client 2 connected from ADDRESS",
+        "86 client 2 left: bytes 1, scans 0",
+        "# ended",
+    ])
+    expect("end", json.loads(read("j").splitlines()[-1]), {"end": True})
+    expect("waveform", read("v").splitlines()[-1], "#86")
+
+
+def check_lost():
+    """A server behind that is lost, or talks nonsense, ends the serving with complete files."""
+    def nothing(_):
+        return b""
+
+    def garbage(got):
+        return b"x" * got.count(b"R")
+
+    def too_many(got):
+        return ones(got) + b"1"
+
+    ended = "the server closed the connection"
+    for name, answer, deed, request, why in [
+        ("idle", ones, "close", b"", ended),
+        ("killed", ones, "close", IDCODE * 50, f"({ended}|connection lost)"),
+        ("garbage", garbage, None, IDCODE, "expected a TDO level, got the byte 120"),
+        ("out of step", too_many, None, IDCODE, "out of step"),
+        ("hangs", nothing, None, IDCODE, "no answer within 300 ms"),
+        ("signal", nothing, signal.SIGTERM, IDCODE, None),
+        ("interrupt", nothing, signal.SIGINT, IDCODE, None),
+    ]:
+        timeout = "20" if deed else "0.3"
+        upstream = Upstream(answer)
+        serve = Serve("--probe", upstream.name, "--timeout", timeout, "--trace=t", "--json", "j",
+                      "--vcd", "v")
+        client = serve.client()
+        expect(name, ask(client, b"t0rR") if answer == ones else "1", "1")
+        if request:
+            client.sendall(request)
+            wait_until(name, lambda: len(upstream.came) > 8)
+        if deed == "close":
+            upstream.close()
+        status, said = serve.end(deed if why is None else None)
+        wanted = f"icehost: ADDRESS: .*{why}.*\n" if why else ""
+        expect(name, (status, re.fullmatch(wanted, said) is None), (3 if why else 0, False))
+        lines = [json.loads(line) for line in read("j").splitlines()]
+        expect(name, (lines[-1], "error" in lines[-2]), ({"end": not why}, bool(why)))
+        expect(name, [line["client"] for line in lines if "client" in line], ["connected", "left"])
+        expect(name, read("t").splitlines()[-1].startswith("# failed" if why else "# ended"), True)
+        expect(name, re.fullmatch(r"#\d+", read("v").splitlines()[-1]) is not None, True)
+
+
+def check_cut_outputs():
+    """An output that takes no more ends the serving, and the others are whole."""
+    for output in ("--trace=/dev/full", "--json=/dev/full", "--vcd=/dev/full", "--json=-"):
+        with open("/dev/full", "wb") as full:
+            serve = Serve("-q", output, "--trace=t" if "json" in output else "--json=j",
+                          endpoint="unix:door", stdout=full)
+            wait_until("the door", lambda: os.path.exists("door") or serve.process.poll() == 3)
+            try:
+                client = socket.socket(socket.AF_UNIX)
+                client.connect("door")
+                client.sendall(RESET)
+            except OSError:
+                pass
+            status, said = serve.end(None)
+            expect(output, (status, said.count("No space left on device")), (3, 1))
+            last = read("t" if "json" in output else "j").splitlines()[-1]
+            expect(output, last == '{"end":false}' or "No space left" in last, True)
+            expect(output, os.path.exists("door"), False)
+    # Nobody reads it: a signal ends that.
+    out, reader = os.pipe()
+    serve = Serve("--trace=-", stdout=reader)
+    client = serve.client()
+    client.settimeout(0.2)
+    try:
+        for _ in range(1000):
+            client.sendall(b"rs" * 2000)
+    except OSError:
+        pass
+    expect("an output that nobody reads", serve.end()[0], 3)
+    os.close(out)
+    os.close(reader)
+
+
+def check_flood():
+    """Whatever a client sends and however much of it: the memory stays, and every R is answered."""
+    upstream = Serve()
+    behind = f"remote-bitbang:127.0.0.1:{upstream.port}"
+    floods = [os.urandom(1 << 20).replace(b"Q", b"q"), b"R" * (1 << 19), b"04" * (1 << 19),
+              RESET + b"04" + TO_SHIFT_DR + b"04" * (1 << 19), b"ru" * (1 << 17)]
+    for probe in ([], ["--probe", behind]):
+        serve = Serve("--trace=/dev/null", "--json=/dev/null", "--vcd=/dev/null", *probe)
+        for flood in floods:
+            client = next_client(serve)
+            sender = threading.Thread(target=client.sendall, args=(flood,), daemon=True)
+            sender.start()
+            wanted = flood.count(b"R")
+            while wanted > 0 and (got := client.recv(1 << 16)):
+                expect("answers", set(got) <= set(b"01"), True)
+                wanted -= len(got)
+            sender.join()
+            expect("answers", wanted, 0)
+            expect("the end of a flood", len(ask(client, b"R")), 1)
+            client.close()
+        with open(f"/proc/{serve.process.pid}/status", encoding="ascii") as status:
+            peak = int(re.search(r"VmHWM:\s*(\d+)", status.read())[1])
+        # A sanitizer keeps what was freed.
+        expect(f"{peak} KiB", peak < 32768 or "sanitize" in ICEHOST, True)
+        expect("flooded", serve.end()[0], 0)
+    expect("behind", upstream.end()[0], 0)
+
+
+run_checks(check_passing_on, check_recording, check_lost, check_cut_outputs, check_flood)

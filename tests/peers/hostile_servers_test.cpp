@@ -1,0 +1,281 @@
+// icehost with servers that are odd, broken or hostile.
+#include <gtest/gtest.h>
+
+#include <asio.hpp>
+#include <atomic>
+#include <chrono>
+#include <regex>
+#include <thread>
+
+#include "host/probe/bitbang_server.h"
+#include "host/probe/sim_port.h"
+#include "tests/icehost/local_server.h"
+#include "tests/icehost/run_icehost.h"
+
+namespace {
+
+using asio::ip::tcp;
+using namespace std::chrono_literals;
+
+std::atomic<bool> icehost_ended;
+
+using Server = LocalServer::Session;
+
+void Write(tcp::socket& client, const std::string& bytes) {
+  asio::write(client, asio::buffer(bytes));
+}
+
+// Reads without end, and answers with what `answer` makes of it.
+template <class Answer>
+Server Answering(Answer answer) {
+  return [answer](tcp::socket& client) mutable {
+    for (;;) Write(client, answer(ReadFrom(client)));
+  };
+}
+
+const Server kSilent = Answering([](const std::string&) { return ""; });
+
+// Sends `before`, then serves the simulated target, and `after` at once behind the last sample.
+Server Target(const std::string& before, const std::string& after) {
+  return [=](tcp::socket& client) {
+    icehost::SimPort port{icehost::TargetOptions{}};
+    icehost::BitbangSession session(port);
+    std::string answers = before;
+    for (;;) {
+      const std::string bytes = ReadFrom(client);
+      session.Feed(bytes, answers);
+      Write(client, answers + (bytes.back() == 'R' ? after : ""));
+      answers.clear();
+    }
+  };
+}
+
+// TDO, whatever happens on the other pins: these levels again and again.
+Server Tdo(const std::string& levels) {
+  return Answering([=, at = std::size_t{0}](const std::string& bytes) mutable {
+    std::string answers;
+    for (const char byte : bytes) {
+      if (byte == 'R') answers += levels[at++ % levels.size()];
+    }
+    return answers;
+  });
+}
+
+// Once it has been asked, this; then it stays.
+Server Once(const std::string& answer) {
+  return [answer](tcp::socket& client) {
+    ReadFrom(client);
+    Write(client, answer);
+    kSilent(client);
+  };
+}
+
+// For each command of OpenOCD's, in order; then silence.
+Server Openocd(const std::vector<std::string>& answers) {
+  return [answers](tcp::socket& client) {
+    for (const std::string& answer : answers) {
+      std::string command;
+      while (command.find('\x1a') == std::string::npos) command += ReadFrom(client);
+      Write(client, answer + '\x1a');
+    }
+    kSilent(client);
+  };
+}
+
+// The same behind the two with which a run begins.
+Server OpenocdScan(std::vector<std::string> answers, const std::string& ir_length = "5") {
+  answers.insert(answers.begin(),
+                 {"1 0 a", "2 0 header\n 0 a Y 0x0 0x0 " + ir_length + " 0x1 0x3"});
+  return Openocd(answers);
+}
+
+// The status of a run against the server, and what it says first, with "SERVER" for its name and
+// without the place.
+Outcome RunAgainst(const Server& server, const std::string& probe, const std::string& rest,
+                   const std::string& timeout) {
+  const LocalServer local(server);
+  const std::string name = local.Name();
+  icehost_ended = false;
+  Outcome outcome = RunIcehost("run --timeout " + timeout + " --probe " + probe + ":" + name + " " +
+                               rest + " 2>&1 >/dev/null");
+  icehost_ended = true;
+  outcome.output = outcome.output.substr(0, outcome.output.find('\n'));
+  const std::regex place("^(icehost|[^ ]*:[0-9]+): (link_[a-z_]+ failed: )?");
+  outcome.output = std::regex_replace(outcome.output, place, "");
+  const std::size_t at = outcome.output.find(name);
+  if (at != std::string::npos) outcome.output.replace(at, name.size(), "SERVER");
+  return outcome;
+}
+
+// Nothing that a server does ends a run with 0 but right answers to every question.
+TEST(Servers, EndARunAsTheyShould) {
+  const std::string bitbang = "remote-bitbang", openocd = "openocd";
+  const std::string idcode = "tests/scripts/idcode.ini", reset = "tests/scripts/reset_only.ini";
+  const std::string scratch = "examples/scratch_register.ini";
+  const std::string walk = "tests/scripts/idcode.gpio";
+  const std::string writes = "tests/scripts/endless_writes.gpio";
+  const std::string dr_only = "tests/scripts/dr_only.ini";
+  const std::string step = "SERVER: the server is out of step: it answers what was not asked";
+  const std::string silence = "SERVER: no answer within 200 ms";
+  const std::string closed = "SERVER: the server closed the connection";
+  const std::string gone = "SERVER: OpenOCD closed the connection";
+  const std::string no_ir = "no TAP answers as it should: the captured IR does not end in 01 (";
+  const std::string zeros = no_ir + "all zeros: TDO is shorted, or the target is held in reset)";
+  const std::string other = no_ir + "its length is another, or it is one of several in a chain)";
+  const std::string no_answer = "SERVER: this does not answer command ";
+  const std::string no_scan = "OpenOCD's answer to a DR scan is none: ";
+  const auto close_at_once = [](tcp::socket& client) { ReadFrom(client); };
+  const auto half_close = [](tcp::socket& client) {
+    client.shutdown(tcp::socket::shutdown_send);
+    kSilent(client);
+  };
+  const auto reset_connection = [](tcp::socket& client) {
+    ReadFrom(client);
+    client.set_option(asio::socket_base::linger(true, 0));
+    client.close();
+  };
+  const auto flood = [](tcp::socket& client) {
+    for (;;) Write(client, std::string(4096, '0'));
+  };
+  const auto never_read = [](tcp::socket& client) {
+    while (client.is_open() && !icehost_ended) std::this_thread::sleep_for(10ms);
+  };
+  const auto trickle = [](tcp::socket& client) {
+    for (;; std::this_thread::sleep_for(5ms)) {
+      for (const char byte : ReadFrom(client)) Write(client, byte == 'R' ? "1" : "");
+    }
+  };
+  const struct {
+    Server server;
+    std::string probe, script;
+    int status;
+    std::string message;
+  } kRuns[] = {
+      {Target("", ""), bitbang, idcode + " " + scratch + " " + walk, 0, ""},
+      {Target("0", ""), bitbang, idcode, 3, step},
+      {Target("", "1"), bitbang, idcode, 3, step},
+      {Target("", "1"), bitbang, walk, 3, step},
+      {Target("0", ""), bitbang, reset, 3, step},
+      {Target("0", ""), bitbang, "--vcd /dev/null " + idcode, 3, step},
+      {flood, bitbang, idcode, 3, step},
+      {flood, bitbang, writes, 3, step},
+      {Once("0123"), bitbang, idcode, 3, "SERVER: expected a TDO level, got the byte 50"},
+      {close_at_once, bitbang, reset, 3, closed},
+      {close_at_once, bitbang, idcode, 3, closed},
+      {half_close, bitbang, reset, 3, closed},
+      {reset_connection, bitbang, reset, 3, "SERVER: connection lost: Connection reset by peer"},
+      {kSilent, bitbang, reset, 3, silence},
+      {kSilent, bitbang, "--vcd /dev/null " + reset, 3, silence},
+      {never_read, bitbang, writes, 3, silence},
+      {trickle, bitbang, reset, 0, ""},
+      {Tdo("1"), bitbang, idcode, 0,
+       "warning: " + no_ir + "all ones: nothing is powered, or nothing is connected)"},
+      {Tdo("0"), bitbang, idcode, 0, "warning: " + zeros},
+      {Tdo("0"), bitbang, "--strict " + idcode, 1, zeros},
+      {Tdo("01"), bitbang, "--strict " + idcode, 1, other},
+      {Tdo("11011"), bitbang, "--strict " + idcode, 1, other},
+      {Tdo("1"), bitbang, "--strict " + dr_only + " " + walk, 0, ""},
+      {Target("", ""), bitbang, "--strict " + idcode, 0, ""},
+
+      {OpenocdScan({"3 0 01 10 E5 1c", "4 0"}), openocd, idcode, 0, ""},
+      {close_at_once, openocd, reset, 3, gone},
+      {kSilent, openocd, reset, 3, silence},
+      {flood, openocd, reset, 3, "SERVER: the answer to \"jtag names\" has no end"},
+      {Openocd({"what"}), openocd, reset, 3, no_answer + "1 \"jtag names\": \"what\""},
+      {Openocd({"1 2 a"}), openocd, reset, 3, no_answer + "1 \"jtag names\": \"1 2 a\""},
+      {Openocd({"1 0"}), openocd, reset, 3, "OpenOCD has no TAP"},
+      {Openocd({"1 0 a b"}), openocd, reset, 3, "OpenOCD has several TAPs, name one: a, b"},
+      {Openocd({"1 1 unknown"}), openocd, reset, 3, "OpenOCD: jtag names: unknown"},
+      {Openocd({"1 0 a", "2 0 header\n 0 b Y 0x0 0x0 5 0x1 0x3"}), openocd, reset, 3,
+       "OpenOCD does not say the IR length of a"},
+      {OpenocdScan({"3 0"}, "4"), openocd, idcode, 1,
+       "the script's IR has 5 bits, but OpenOCD's a has 4"},
+      {OpenocdScan({"3 0"}, "65"), openocd, "tests/scripts/ir65.ini", 1,
+       "OpenOCD takes an IR of up to 64 bits"},
+      {OpenocdScan({"3 1 busy", "4 0"}), openocd, idcode, 1,
+       "OpenOCD: irscan a 1; drscan a 8 0 8 0 8 0 8 0: busy"},
+      {OpenocdScan({"3 -4 ", "4 0"}), openocd, reset, 1,
+       "OpenOCD: adapter assert srst: error -4, its log says why (its configuration needs a "
+       "reset_config with srst)"},
+      {OpenocdScan({"3 - "}), openocd, reset, 3, no_answer + "3 \"adapter assert srst\": \"3 - \""},
+      {OpenocdScan({"3 0 1 2 3"}), openocd, idcode, 3, no_scan + "\"1 2 3\""},
+      {OpenocdScan({"3 0 1 2 3 100"}), openocd, idcode, 3, no_scan + "\"1 2 3 100\""},
+      {OpenocdScan({"3 0 1 2 3 4 5"}), openocd, idcode, 3, no_scan + "\"1 2 3 4 5\""},
+      {OpenocdScan({"3 0 +5"}), openocd, dr_only, 3, no_scan + "\"+5\""},
+      {OpenocdScan({"3 0 -0"}), openocd, dr_only, 3, no_scan + "\"-0\""},
+      {OpenocdScan({std::string("3 0 5\0", 6)}), openocd, dr_only, 3, no_scan + "\"5 \""},
+      // An answer twice (\032 ends it): the second is not the next scan's, nor passes at the end.
+      {OpenocdScan({"3 0 05\0323 0 05", "4 0 06"}), openocd, dr_only, 3,
+       no_answer + "4 \"drscan a 8 0\": \"3 0 05\""},
+      {OpenocdScan({"3 0 05", "4 0 06\0324 0 06", "5 0"}), openocd, dr_only, 3,
+       no_answer + "5 \"\": \"4 0 06\""},
+      {OpenocdScan({"3 0 05", "4 0 06"}), openocd, dr_only, 3, silence},
+  };
+  for (const auto& run : kRuns) {
+    const Outcome outcome =
+        RunAgainst(run.server, run.probe, run.script, run.message == silence ? "0.2" : "5");
+    EXPECT_EQ(outcome.status, run.status) << run.script;
+    EXPECT_EQ(outcome.output, run.message) << run.script;
+  }
+}
+
+// A connect that nobody answers: the queue of those that wait to be accepted is full.
+TEST(Servers, NeedNotAccept) {
+  asio::io_context io;
+  tcp::acceptor acceptor(io, tcp::v4());
+  acceptor.bind({asio::ip::address_v4::loopback(), 0});
+  acceptor.listen(0);
+  tcp::socket waiting(io);
+  waiting.connect(acceptor.local_endpoint());
+  const std::string name = "127.0.0.1:" + std::to_string(acceptor.local_endpoint().port());
+  const Outcome outcome =
+      RunIcehost("run --timeout 0.2 --probe remote-bitbang:" + name + " examples/reset.ini 2>&1");
+  EXPECT_EQ(outcome.status, 3);
+  EXPECT_EQ(outcome.output, "icehost: " + name + ": cannot connect: Connection timed out\n");
+}
+
+// What keeps icehost from a server before anything is sent.
+TEST(Servers, CannotBeReached) {
+  const std::string long_path(108, 'x');
+  const struct {
+    std::string command;
+    std::string message;
+  } kFaults[] = {
+      {"run --probe remote-bitbang:[::1]:1 examples/reset.ini",
+       "[::1]:1: cannot connect: Connection refused"},
+      {"run --probe openocd:[::1]:1:t examples/reset.ini",
+       "[::1]:1: cannot connect: Connection refused"},
+      {"run --probe 'remote-bitbang:a b:1' examples/reset.ini",
+       "a b:1: cannot be looked up: Host not found (authoritative)"},
+      {"run --probe remote-bitbang:unix:" + long_path + " examples/reset.ini",
+       "unix:" + long_path + ": cannot connect: File name too long"},
+      {"serve unix:" + long_path, "unix:" + long_path + ": cannot listen: File name too long"},
+      {"serve unix:/tmp", "unix:/tmp: cannot listen: Address already in use"},
+  };
+  for (const auto& fault : kFaults) {
+    const Outcome outcome = RunIcehost(fault.command + " 2>&1");
+    EXPECT_EQ(outcome.status, 3) << fault.command;
+    EXPECT_EQ(outcome.output, "icehost: " + fault.message + "\n") << fault.command;
+  }
+}
+
+// However few files may be open, the reason is that and nothing else.
+TEST(Servers, AreOutOfReachWithoutFiles) {
+  if (ICESCRIPT_SANITIZED) GTEST_SKIP() << "a sanitizer opens files of its own";
+  const LocalServer silent(kSilent);
+  const std::string server = silent.Name();
+  for (const std::string& probe : {"remote-bitbang:" + server, "openocd:" + server, {"sim"}}) {
+    for (int files = 5; files < 20; ++files) {
+      const Outcome outcome =
+          RunShell("exec 2>&1; ulimit -n " + std::to_string(files) +
+                   "; exec icehost run -q --timeout 0.1 --probe " + probe + " examples/reset.ini");
+      const bool no_files = outcome.output.find("Too many open files") != std::string::npos;
+      const bool served = probe == "sim" ? outcome.output.empty()
+                                         : outcome.output.find("no answer") != std::string::npos;
+      EXPECT_TRUE(served || no_files) << files << ": " << outcome.output;
+      EXPECT_EQ(outcome.status == 0, probe == "sim" && served) << files << ": " << outcome.output;
+    }
+  }
+}
+
+}  // namespace

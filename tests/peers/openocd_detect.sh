@@ -1,0 +1,68 @@
+#!/usr/bin/env bash
+# icehost detect through OpenOCD, whose words it takes. usage: openocd_detect.sh ICEHOST SOURCE_FOLDER
+source "$(dirname "${BASH_SOURCE[0]}")/../lib.sh"
+
+# begin TAP...: starts a target, and an OpenOCD that declares these TAPs.
+begin() {
+  serve --idcode 4ba00477
+  start_openocd "${@/#/jtag newtap }" init
+}
+
+end() {
+  stop_openocd
+  kill "$server" 2>/dev/null || true
+  wait "$server"
+}
+
+# detect STATUS OPTION...: into out.txt, standard error into err.txt.
+detect() {
+  local wanted=$1 status=0
+  shift
+  "$icehost" detect "$@" >"$scratch/out.txt" 2>"$scratch/err.txt" || status=$?
+  [ "$status" = "$wanted" ] || fail "detect $* ended with $status"
+}
+
+# said OPTION... PATTERN: a line of standard error.
+said() { grep -q "$@" "$scratch/err.txt" || fail "no line $*"; }
+
+# OpenOCD tells the name of a manufacturer, and is left as it was.
+begin 'a tap -irlen 5 -expected-id 0x4ba00477 -expected-id 0x3ba00477' 'b tap -irlen 4 -disable'
+arm='TAP 1 (a.tap): IDCODE 0x4ba00477: version 4, part 0xba00, manufacturer 0x23b (bank 5, code 0x3b: ARM Ltd)'
+detect 0 --probe "$probe"
+holds err.txt ''
+holds out.txt "1 TAP on $probe
+$arm
+       IR 5 bits: OpenOCD's word, not measured
+       expected 0x4ba00477 or 0x3ba00477
+b.tap is declared, but disabled: it is not in the chain"
+detect 0 -q --script --probe "$probe:a.tap"
+holds err.txt ''
+"$icehost" run -q --strict --probe "$probe:a.tap" "$scratch/out.txt" || fail "the script does not pass"
+detect 3 --probe "$probe:b.tap"
+holds err.txt 'icehost: OpenOCD has no TAP "b.tap", it has: a.tap'
+# What OpenOCD read when it started is not what is there now.
+stop TERM "$server"
+detect 3 --probe "$probe"
+said '^icehost: OpenOCD cannot examine its chain: Error on socket'
+holds out.txt ''
+end
+
+# Another chip than was expected; no script for it.
+begin 'a tap -irlen 5 -expected-id 0x4ba01477'
+detect 1 --script jtag --probe "$probe"
+holds out.txt ''
+said -xF "$arm"
+said -F '       expected 0x4ba01477'
+said '^icehost: OpenOCD: JTAG tap: a.tap UNEXPECTED: 0x4ba00477'
+end
+
+# More TAPs than there are.
+begin 'a tap -irlen 5' 'b tap -irlen 5'
+detect 1 --probe "$probe"
+said '^icehost: TAP 2 (b.tap): 0xffffffff is no valid IDCODE'
+end
+
+# None is declared: OpenOCD finds it itself.
+begin
+detect 0 -q --script jtag --probe "$probe"
+grep -qx 'IR=5,0x1f' "$scratch/out.txt" || fail "no script"

@@ -1,0 +1,78 @@
+#!/usr/bin/env bash
+# What run --svf writes, played by OpenOCD on the simulated target and imported again.
+# usage: openocd_svf.sh ICEHOST SOURCE_FOLDER
+source "$(dirname "${BASH_SOURCE[0]}")/../lib.sh"
+
+# target OPTION...: another target in place of the one before.
+target() {
+  [ -z "${server:-}" ] || stop TERM "$server"
+  serve "$@"
+}
+
+tap='jtag newtap sim tap -irlen 5 -expected-id 0x1ce51001 -expected-id 0x1ce51003'
+play() { (with_openocd "$tap" 'tcl_port disabled' init "svf $1" exit); }
+
+# refused FILE SCRIPT: OpenOCD compares what the script read, and finds another IDCODE.
+refused() {
+  play "$1" && fail "OpenOCD took the wrong IDCODE of a $2 script"
+  grep -q 'tdo check error' "$scratch/openocd.log" || fail "OpenOCD failed for another reason"
+}
+
+# written FILE SCRIPT OPTION...
+written() {
+  local file=$1
+  shift
+  "$icehost" run -q --svf "$file" "$@" >"$scratch/run.log" 2>&1 || fail "run $*"
+}
+
+# What each script does to the target, OpenOCD's player does too.
+for script in examples/read_idcode.ini examples/scratch_register.ini examples/two_wire.ini \
+  examples/read_idcode.gpio tests/scripts/long_scans.ini tests/scripts/walk.gpio; do
+  written "$scratch/played.svf" "$script"
+  target
+  play "$scratch/played.svf" || fail "OpenOCD on $script"
+  grep -q 'svf file programmed successfully' "$scratch/openocd.log" || fail "no success of $script"
+done
+
+# Another target is found out by what a script read; bits that a script leaves out do not count.
+written "$scratch/ini.svf" examples/read_idcode.ini
+written "$scratch/gpio.svf" examples/read_idcode.gpio
+target --idcode 2ce51001
+play "$scratch/ini.svf" || fail "OpenOCD compares the version, which the mask leaves out"
+refused "$scratch/gpio.svf" GPIO
+target --idcode 1ce51003
+refused "$scratch/ini.svf" JTAG
+
+# On OpenOCD as the probe, the same scans but for what it does not tell.
+scans() { grep -oE '^S[DI]R .*' "$1" | sed -E "${2:-}"; }
+target
+start_openocd "$tap"
+for script in examples/read_idcode.ini examples/scratch_register.ini; do
+  written "$scratch/pins.svf" "$script"
+  written "$scratch/calls.svf" --probe "$probe" "$script"
+  diff <(scans "$scratch/pins.svf" 's/^(SIR.*) TDO.*/\1;/') <(scans "$scratch/calls.svf") ||
+    fail "$script on OpenOCD"
+done
+written "$scratch/calls.svf" --probe "$probe" examples/reset.ini
+grep -q 'warning: --svf: SVF has no word for NRST' "$scratch/run.log" || fail "no word of NRST"
+
+# played SCRIPT OPTION...: prints the statements of a run and its status.
+played() {
+  local status=0
+  "$icehost" run -q --svf "$scratch/played.svf" "$@" >"$scratch/run.log" 2>&1 || status=$?
+  grep -v '^!' "$scratch/played.svf"
+  echo "$status"
+}
+
+# There and back: the same scans, and the same verdict on every target.
+for script in examples/read_idcode.ini examples/scratch_register.ini examples/two_wire.ini; do
+  written "$scratch/played.svf" "$script"
+  "$icehost" import "$scratch/played.svf" -o "$scratch/back.ini" || fail "import of $script"
+  "$icehost" check --strict "$scratch/back.ini" >"$scratch/check.log" || fail "check of $script"
+  for options in "" "--idcode 2ce51001" "--idcode 1ce51003" "--register 2:31"; do
+    # shellcheck disable=SC2086
+    played "$script" $options >"$scratch/there.txt"
+    played "$scratch/back.ini" $options | diff "$scratch/there.txt" - ||
+      fail "$script there and back, $options"
+  done
+done

@@ -1,0 +1,152 @@
+#!/usr/bin/env bash
+# icehost with programs that are not ours: OpenOCD as client and as probe, sigrok-cli and GTKWave's
+# reader on the waveform, an XML parser on the picture. usage: programs.sh ICEHOST SOURCE_FOLDER
+source "$(dirname "${BASH_SOURCE[0]}")/../lib.sh"
+
+serve --idcode 0x2BADC001
+
+# A client that sends nonsense and goes; the TAP is asked twice, bytes without a meaning between.
+exec 3<>"/dev/tcp/127.0.0.1/$port"
+printf 'BxRb\n~R' >&3
+read -r -t 5 -n 2 -u 3 answers || fail "no answer to R"
+[ "$answers" = 11 ] || fail "TDO read as $answers"
+# Another finds the door closed for as long as this one stays.
+exec 4<>"/dev/tcp/127.0.0.1/$port"
+read -r -t 5 -n 1 -u 4 && fail "two clients at once"
+wait_for '^icehost: busy: a second client was sent away$' "$scratch/serve.log" >/dev/null
+printf R >&3
+read -r -t 5 -n 1 -u 3 || fail "the first client had to go"
+exec 3>&- 4>&-
+
+start_openocd 'jtag newtap sim tap -irlen 5 -expected-id 0x2BADC001' init \
+  'irscan sim.tap 2; drscan sim.tap 32 0x12345678; echo "scratch [drscan sim.tap 32 0]"'
+wait_for '^scratch 12345678$' "$scratch/openocd.log" >/dev/null
+grep -q 'tap/device found: 0x2badc001' "$scratch/openocd.log" || fail "OpenOCD found another IDCODE"
+
+# same_as_simulated PROBE SCRIPT...
+same_as_simulated() {
+  local probe=$1 script
+  shift
+  for script; do
+    "$icehost" run --idcode 0x2BADC001 "$script" >"$scratch/simulated.txt"
+    "$icehost" run --probe "$probe" "$script" >"$scratch/run.txt" 2>"$scratch/run.log" ||
+      fail "$script on $probe"
+    diff "$scratch/simulated.txt" "$scratch/run.txt" || fail "$script differs on $probe"
+  done
+}
+# refused PROBE SCRIPT MESSAGE
+refused() {
+  "$icehost" run --probe "$1" "$2" >/dev/null 2>"$scratch/run.log" && fail "$2 ran on $1"
+  holds run.log "$2:$3
+icehost: $2 failed"
+}
+
+scans=(tests/scripts/idcode.ini examples/scratch_register.ini examples/reset.ini)
+same_as_simulated "$probe" "${scans[@]}"
+same_as_simulated "$probe:sim.tap" tests/scripts/idcode.ini
+# A page is not refused without pins, unlike a waveform; it tells what was scanned.
+"$icehost" run -q --probe "$probe" --html - tests/scripts/idcode.ini \
+  >"$scratch/page.html" || fail "a page of OpenOCD"
+grep -q '"DR 0x2badc001"' "$scratch/page.html" && grep -q '"total_steps":0,' "$scratch/page.html" ||
+  fail "the page of OpenOCD"
+# summary PROBE PATTERN
+summary() {
+  "$icehost" run -q --summary --probe "$1" tests/scripts/idcode.ini 2>"$scratch/run.log"
+  grep -qE "$2" "$scratch/run.log" || fail "summary of $1"
+}
+summary "$probe" '^operations 1, TCK cycles unknown, bits shifted 37, reads 1,'
+summary sim '^operations 1, TCK cycles 5[0-9], bits shifted 37, reads 1,'
+"$icehost" run --probe "$probe:nope" examples/reset.ini 2>"$scratch/run.log" &&
+  fail "a TAP that OpenOCD does not have"
+holds run.log 'icehost: OpenOCD has no TAP "nope", it has: sim.tap'
+refused "$probe" examples/two_wire.ini \
+  "5: link_config failed: OpenOCD cannot select the 2-wire interface"
+refused "$probe" examples/read_idcode.gpio \
+  "4: link_gpio_operator failed: OpenOCD cannot drive single pins: GPIO scripts do not run on it"
+stop_openocd
+
+bitbang="remote-bitbang:127.0.0.1:$port"
+same_as_simulated "$bitbang" "${scans[@]}" examples/read_idcode.gpio
+refused "$bitbang" examples/two_wire.ini "5: link_config failed: these pins have no 2-wire interface"
+refused "$bitbang" examples/reset_pulse.gpio \
+  "5: link_gpio_operator failed: remote_bitbang has no output enables: only TDO can be released"
+
+# edges VCD: what changes when, in an order and under names that no writer chooses.
+edges() {
+  awk '$1 == "$var" { name[$4] = $5 }
+    /^#/ { time = substr($1, 2) }
+    time != "" && /^[01]/ { print time, name[substr($1, 2)], substr($1, 1, 1) }
+    time != "" && /^s/ { print time, name[$2], substr($1, 2) }
+    END { print time, "end" }' "$1" | sed 's/\\\(.\)/\1/g' | sort
+}
+# same_in_gtkwave VCD: GTKWave's reader finds in it what was written, also in the names.
+same_in_gtkwave() {
+  vcd2fst "$1" "$scratch/run.fst" && fst2vcd "$scratch/run.fst" -o "$scratch/read.vcd" ||
+    fail "GTKWave does not read $1"
+  [ "$(edges "$1" | grep -c ' tck ')" -gt 50 ] || fail "a waveform without edges"
+  diff <(edges "$1") <(edges "$scratch/read.vcd") || fail "GTKWave reads something else in $1"
+}
+
+# The waveform, of the simulated probe and across the network, as a logic analyser decodes it.
+for run in "--idcode 0x2BADC001 tests/scripts/idcode.ini" \
+  "--idcode 0x2BADC001 examples/read_idcode.gpio" "--probe $bitbang tests/scripts/idcode.ini"; do
+  # shellcheck disable=SC2086
+  "$icehost" run -q --vcd "$scratch/run.vcd" --svg "$scratch/run.svg" $run
+  shows_scan "$scratch/run.vcd" 0x2badc001 || fail "decoding $run"
+  same_in_gtkwave "$scratch/run.vcd"
+  xmllint --noout "$scratch/run.svg" || fail "the picture is not well-formed"
+done
+
+# Names that XML and GTKWave have a use for: markup, every byte, a character that is none of XML's.
+hostile="$scratch/<x>&\"$(printf '\001\377').ini"
+{
+  printf '[<a b="c">&amp;\\x41'"'"']\nIR=5,1\nDR=R,32,0\nTDO=0,0,0,0\n['
+  for byte in {1..9} {11..34} {36..90} {92..92} {94..255}; do printf "\\x$(printf %x "$byte")"; done
+  printf '\xef\xbf\xbe\xf0\x9f\x98\x80\xf0\x9f]\nIR=5,1\nDR=R,32,0\n'
+} >"$hostile"
+"$icehost" run -q --keep-going --svg "$scratch/run.svg" --vcd "$scratch/run.vcd" "$hostile" \
+  examples/reset_pulse.gpio 2>"$scratch/run.log" && fail "an expectation was met"
+xmllint --noout "$scratch/run.svg" || fail "the picture of a hostile script"
+title=$(xmllint --xpath 'string(//*[local-name()="title"][contains(., "DR expected")])' "$scratch/run.svg")
+[ "${title#*.ini}" = ":3 [<a b=\"c\">&amp;\\x41']: DR expected 0x00000000, captured 0x1ce51001 (mask 0xffffffff)" ] ||
+  fail "the picture says $title"
+same_in_gtkwave "$scratch/run.vcd"
+
+stop TERM "$server"
+
+# serve_socket: starts a server of a UNIX socket, in place of `server`.
+serve_socket() {
+  env --default-signal=INT "$icehost" serve "unix:$scratch/socket" 2>"$scratch/unix.log" &
+  server=$!
+  wait_for 'unix:.*' "$scratch/unix.log" >/dev/null
+}
+
+# A server that dies leaves its socket, which is in nobody's way.
+serve_socket
+"$icehost" serve "unix:$scratch/socket" 2>"$scratch/twice.log" && fail "two servers on one socket"
+kill -KILL "$server"
+wait "$server" 2>/dev/null || true
+serve_socket
+"$icehost" run -q --probe "remote-bitbang:unix:$scratch/socket" examples/reset.ini || fail "UNIX socket"
+stop INT "$server"
+[ ! -e "$scratch/socket" ] || fail "the socket file is left"
+
+# A client that is silent makes room.
+serve --idle-limit 0.01
+exec 4<>"/dev/tcp/127.0.0.1/$port"
+printf 'R' >&4
+read -r -t 5 -n 1 -u 4 || fail "no answer to R"
+sleep 0.1
+"$icehost" run -q --probe "remote-bitbang:127.0.0.1:$port" examples/reset.ini || fail "no room"
+
+# An endless run is interrupted, and what it wrote is complete.
+env --default-signal=INT "$icehost" run --svg "$scratch/endless.svg" --vcd "$scratch/endless.vcd" \
+  tests/scripts/endless_writes.gpio >/dev/null 2>"$scratch/end.log" &
+run=$!
+wait_for '^#100$' "$scratch/endless.vcd" >/dev/null
+kill -INT "$run"
+status=0
+wait "$run" || status=$?
+[ "$status" = 130 ] || fail "an interrupted run ended with $status"
+holds end.log "icehost: interrupted"
+xmllint --noout "$scratch/endless.svg" || fail "the picture of an interrupted run"
