@@ -45,7 +45,7 @@ def run_checks(*checks):
         for process in started:
             process.kill()
             process.wait()
-    print("\n".join(failures) or "all well")
+        print("\n".join(failures))
     sys.exit(bool(failures))
 
 

@@ -6,10 +6,8 @@ cd "$2"
 scratch=$(mktemp -d)
 
 finish() {
-  local processes
-  processes=$(jobs -p)
-  # shellcheck disable=SC2086: one word for each process
-  kill $processes 2>/dev/null || true
+  # shellcheck disable=SC2046: a word for each process
+  kill $(jobs -p) 2>/dev/null || true
   wait
   rm -rf "$scratch"
 }

@@ -72,6 +72,7 @@ for script in examples/read_idcode.ini examples/scratch_register.ini examples/tw
   for options in "" "--idcode 2ce51001" "--idcode 1ce51003" "--register 2:31"; do
     # shellcheck disable=SC2086
     played "$script" $options >"$scratch/there.txt"
+    # shellcheck disable=SC2086
     played "$scratch/back.ini" $options | diff "$scratch/there.txt" - ||
       fail "$script there and back, $options"
   done
