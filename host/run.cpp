@@ -1,9 +1,9 @@
 #include <utility>
 #include <vector>
 
+#include "host/load_scripts.h"
 #include "host/reporter.h"
 #include "host/runner.h"
-#include "host/scripts.h"
 #include "host/system/errors.h"
 #include "host/verbs.h"
 

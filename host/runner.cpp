@@ -11,7 +11,7 @@
 #include <utility>
 
 #include "host/check/check.h"
-#include "host/check/learn.h"
+#include "host/check/plan.h"
 #include "host/page_head.h"
 #include "host/system/errors.h"
 #include "host/system/interrupt.h"
@@ -148,7 +148,7 @@ ExitStatus Runner::Judge(const Script& script, bool ran) {
 
 ExitStatus Runner::WriteLearned(const Script& script) {
   const std::string learned = Learn(*script.text, script.plan, follower_.Read());
-  const bool writable = !Check(ScriptText(script.name, learned)).problems.HasErrors();
+  const bool writable = !CheckScript(ScriptText(script.name, learned)).problems.HasErrors();
   if (!writable || follower_.Unread() > 0) {
     reporter_.Say(fmt::format("{} is not learned: {}", script.path,
                               writable ? "the probe does not tell all that it expects"

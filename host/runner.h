@@ -8,12 +8,12 @@
 
 #include "host/events/follower.h"
 #include "host/events/observed_probe.h"
+#include "host/load_scripts.h"
 #include "host/options/commands.h"
 #include "host/options/exit_status.h"
 #include "host/probe/plugin.h"
 #include "host/probe_stack.h"
 #include "host/reporter.h"
-#include "host/scripts.h"
 #include "host/tables/outputs.h"
 #include "host/work_lock.h"
 

@@ -5,8 +5,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "host/check/near_words.h"
-#include "host/check/remarks.h"
+#include "host/check/hints.h"
 
 namespace icehost {
 namespace {

@@ -4,22 +4,18 @@
 
 #include <utility>
 
+#include "host/check/plan.h"
+
 namespace icehost {
-namespace {
-
-// Of a captured IR, as a script can compare it.
-constexpr std::size_t kMostIrBits = 16;
-
-}  // namespace
 
 void ScanSequence::Ir(Place place, const SvfShift& shift) {
   WriteIr();
   instruction_reset_ = false;
   if (!BeginScan(place, shift)) return;
-  if (shift.Compares() && shift.tdi.size() > kMostIrBits) {
+  if (shift.Compares() && shift.tdi.size() > kMostCapturedIrBits) {
     problems_.Error(place, fmt::format("a script compares a captured IR of up to {} bits, this one "
                                        "has {}: leave its TDO out",
-                                       kMostIrBits, shift.tdi.size()));
+                                       kMostCapturedIrBits, shift.tdi.size()));
     return;
   }
   new_ir_ = {place.line, shift};

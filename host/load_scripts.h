@@ -1,6 +1,6 @@
-// The scripts of a command line.
-#ifndef ICESCRIPT_HOST_SCRIPTS_H_
-#define ICESCRIPT_HOST_SCRIPTS_H_
+// Reads and checks the scripts of a command line.
+#ifndef ICESCRIPT_HOST_LOAD_SCRIPTS_H_
+#define ICESCRIPT_HOST_LOAD_SCRIPTS_H_
 
 #include <optional>
 #include <string>
@@ -13,7 +13,7 @@
 
 namespace icehost {
 
-// Read once: what is judged is what is run.
+// Read once, so that what is checked is what is run.
 struct Script {
   std::string path;
   std::string name;                // what messages call it
@@ -23,10 +23,10 @@ struct Script {
   Problems problems;  // only where a page is to show them
 };
 
-// Reads and checks all of them, and shows what is wrong as check does, on standard error. None, and
-// a word why, where they are not to be played. Throws as ReadScript and Check.
+// Reads and checks all of them, and shows their problems on standard error as check does. Returns
+// none of them, and says why, where they are not to be played. Throws IoError and Interrupted.
 std::vector<Script> LoadScripts(const RunCommand& command);
 
 }  // namespace icehost
 
-#endif  // ICESCRIPT_HOST_SCRIPTS_H_
+#endif  // ICESCRIPT_HOST_LOAD_SCRIPTS_H_

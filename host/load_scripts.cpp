@@ -1,4 +1,4 @@
-#include "host/scripts.h"
+#include "host/load_scripts.h"
 
 #include <fmt/format.h>
 #include <unistd.h>
@@ -13,7 +13,7 @@
 namespace icehost {
 namespace {
 
-// Why a script with these problems is not played; empty: it is.
+// Why a script with these problems is not played; empty where it is.
 std::string WhyNot(const Problems& problems, const RunCommand& command) {
   if (problems.HasErrors() && !command.force) {
     return "has errors: nothing is played (--force plays it as the plug-in takes it)";
@@ -36,15 +36,15 @@ std::vector<Script> LoadScripts(const RunCommand& command) {
   }
   bool play = true;
   for (Script& script : scripts) {
-    Checked checked = Check(*script.text);
-    checked.problems.Write(std::cerr, *script.text,
-                           {command.quiet && !command.strict, WantsColour(STDERR_FILENO)});
-    const std::string why = WhyNot(checked.problems, command);
+    CheckResult result = CheckScript(*script.text);
+    result.problems.Write(std::cerr, script.name, script.text->Content(),
+                          {command.quiet && !command.strict, WantsColour(STDERR_FILENO)});
+    const std::string why = WhyNot(result.problems, command);
     if (!why.empty()) Complain(fmt::format("{} {}", script.path, why));
     play = play && why.empty();
-    script.plan = std::move(checked.plan);
-    script.has_errors = checked.problems.HasErrors();
-    script.problems = std::move(checked.problems);
+    script.plan = std::move(result.plan);
+    script.has_errors = result.problems.HasErrors();
+    script.problems = std::move(result.problems);
   }
   if (!play) scripts.clear();
   return scripts;
