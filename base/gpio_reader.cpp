@@ -12,10 +12,6 @@
 namespace icescript {
 namespace {
 
-bool IsSectionTag(std::string_view line) {
-  return line == "[ORVEX_ICE_GPIO]" || line == "[ZEVA_ICE_GPIO]";
-}
-
 // Walks the lines of a file that are not blank.
 class LineCursor {
  public:

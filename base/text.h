@@ -1,4 +1,4 @@
-// Views of script text: the trims and the case folding that every reader shares.
+// Views of script text: the trims, the case folding and the section tag that the readers share.
 #ifndef ICESCRIPT_BASE_TEXT_H_
 #define ICESCRIPT_BASE_TEXT_H_
 
@@ -49,6 +49,11 @@ inline bool EqualsUpper(std::string_view text, std::string_view upper) {
     if (UpperCase(text[i]) != upper[i]) return false;
   }
   return true;
+}
+
+// Whether a line, trimmed, is the section tag with which a GPIO script begins.
+inline bool IsSectionTag(std::string_view line) {
+  return line == "[ORVEX_ICE_GPIO]" || line == "[ZEVA_ICE_GPIO]";
 }
 
 }  // namespace icescript

@@ -23,8 +23,7 @@
 #include "host/chain/chain_script.h"
 #include "host/chain/openocd_chain.h"
 #include "host/check/check.h"
-#include "host/check/check_stream.h"
-#include "host/check/learn.h"
+#include "host/check/plan.h"
 #include "host/pins/pin_writers.h"
 #include "host/pins/recording_port.h"
 #include "host/probe/bitbang_port.h"
@@ -233,7 +232,7 @@ void TellChain(const icehost::Chain& chain, std::optional<std::size_t> only) {
     // the IR is too long
   }
   for (const std::string& script : scripts) {
-    const auto problems = icehost::Check({"script", script}).problems;
+    const auto problems = icehost::CheckScript({"script", script}).problems;
     Check(problems.Errors() == 0 && problems.Warnings() == 0, "a script of detect's is right");
   }
 }
@@ -272,22 +271,22 @@ icehost::Captures Read(const icehost::ScriptText& script, const icehost::Plan& p
 
 // A line may have become too long.
 bool IsWhole(const icehost::ScriptText& script) {
-  return !script.TooLong().has_value();
+  return !script.CutAt().has_value();
 }
 
 void CheckScript(std::string_view bytes) {
   const icehost::ScriptText script("script", std::string(bytes));
   std::ostringstream report;
-  const icehost::Checked checked = icehost::Check(script);
+  const icehost::CheckResult checked = icehost::CheckScript(script);
   const icehost::Problems& problems = checked.problems;
-  problems.Write(report, script, {});
-  icehost::CheckStream(report).Write(problems);
+  problems.Write(report, script.Name(), script.Content(), {});
+  problems.WriteJson(report);
   Check(!problems.HasErrors() || report.str().find(": error: ") != std::string::npos,
         "errors are reported");
   const icehost::ScriptText learned("learned",
                                     Learn(script, checked.plan, Read(script, checked.plan)));
   if (problems.HasErrors() || !IsWhole(learned)) return;
-  const icehost::Checked again = icehost::Check(learned);
+  const icehost::CheckResult again = icehost::CheckScript(learned);
   Check(!again.problems.HasErrors(), "what is learned is right");
   Check(again.plan.pins.size() == checked.plan.pins.size() &&
             again.plan.jtag.size() == checked.plan.jtag.size(),
@@ -298,9 +297,11 @@ void ImportSvf(std::string_view bytes) {
   constexpr std::size_t kMost = 1U << 20U;
   const icehost::ImportedSvf imported = icehost::ImportSvf("expect\nme", bytes, kMost);
   Check(imported.script.empty() == imported.problems.HasErrors(), "a script, or errors");
+  std::ostringstream report;
+  imported.problems.Write(report, "svf", bytes, {});
   if (imported.problems.HasErrors()) return;
   const icehost::ScriptText script("imported", imported.script);
-  const icehost::Problems problems = icehost::Check(script).problems;
+  const icehost::Problems problems = icehost::CheckScript(script).problems;
   Check(problems.Found().empty(), "nothing is wrong with what is imported");
   Check(IsWhole(script) && imported.script.size() < 2 * kMost, "it is not too long");
 }

@@ -8,10 +8,10 @@
 #include <utility>
 
 #include "host/check/check.h"
-#include "host/check/check_stream.h"
 #include "host/colour.h"
 #include "host/console.h"
 #include "host/system/errors.h"
+#include "host/system/json_text.h"
 #include "host/system/output_file.h"
 #include "host/verbs.h"
 
@@ -22,16 +22,16 @@ std::string Counted(long count, const char* what) {
   return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s");
 }
 
-class Checker {
+// Checks the scripts of a command line, and writes what it finds as text, as JSON lines, or both.
+class CheckReport {
  public:
-  explicit Checker(const CheckCommand& command);
+  explicit CheckReport(const CheckCommand& command);
 
-  ExitStatus CheckAll();
+  ExitStatus WriteAll();
 
  private:
   // The status of one script.
-  ExitStatus CheckOne(const std::string& path);
-  ExitStatus Judge(const std::string& path);
+  ExitStatus WriteOne(const std::string& path);
   ExitStatus Refuse(const std::string& why, ExitStatus status);
   void WriteSummary();
   ExitStatus Close(ExitStatus status);
@@ -40,56 +40,54 @@ class Checker {
   ReportStyle style_;
   OutputFile standard_output_;
   std::optional<OutputFile> file_;
-  std::ostream* text_;  // null where the JSON lines take its place
-  std::optional<CheckStream> json_;
-  CheckCounts counts_;
+  std::ostream* text_;            // null where the JSON lines take its place
+  std::ostream* json_ = nullptr;  // null where there are none; docs/json.md describes them
+  // In all scripts that could be read:
+  long errors_ = 0;
+  long warnings_ = 0;
+  long scripts_ = 0;
 };
 
-// What fails is shown also where only errors are to be.
-Checker::Checker(const CheckCommand& command)
+// With --strict a warning fails, so it is shown even where --quiet is given.
+CheckReport::CheckReport(const CheckCommand& command)
     : command_(command),
       style_{command.quiet && !command.strict, WantsColour(STDOUT_FILENO)},
       standard_output_("-", OutputFile::Rest::kLines),
       text_(&standard_output_.Stream()) {
   if (command.json == "-") {
-    json_.emplace(*std::exchange(text_, nullptr));
+    json_ = std::exchange(text_, nullptr);
   } else if (!command.json.empty()) {
-    json_.emplace(file_.emplace(command.json, OutputFile::Rest::kLines).Stream());
+    json_ = &file_.emplace(command.json, OutputFile::Rest::kLines).Stream();
   }
 }
 
-ExitStatus Checker::CheckAll() {
+ExitStatus CheckReport::WriteAll() {
   standard_output_.Begin();
   if (file_.has_value()) file_->Begin();
-  if (json_.has_value()) json_->Begin();
+  if (json_ != nullptr) *json_ << "{\"schema\":\"icehost-check\",\"version\":1}\n";
   ExitStatus status = kAllWell;
   for (const std::string& path : command_.scripts) {
-    status = std::max(status, CheckOne(path));
+    if (json_ != nullptr) *json_ << fmt::format("{{\"script\":{}}}\n", JsonText(path));
+    const ExitStatus one = WriteOne(path);
+    if (json_ != nullptr) *json_ << fmt::format("{{\"end\":{}}}\n", one == kAllWell);
+    status = std::max(status, one);
     standard_output_.Stream().flush();
     standard_output_.ThrowIfCut();
   }
-  if (text_ != nullptr) WriteSummary();
-  if (json_.has_value()) json_->End(counts_);
+  WriteSummary();
   return Close(status);
 }
 
-ExitStatus Checker::CheckOne(const std::string& path) {
-  if (json_.has_value()) json_->BeginScript(path);
-  const ExitStatus status = Judge(path);
-  if (json_.has_value()) json_->EndScript(status == kAllWell);
-  return status;
-}
-
-ExitStatus Checker::Judge(const std::string& path) try {
+ExitStatus CheckReport::WriteOne(const std::string& path) try {
   const ScriptText script(path == "-" ? "<stdin>" : path, ReadScript(path, command_.size_limit));
-  const Problems problems = Check(script).problems;
-  if (text_ != nullptr) problems.Write(*text_, script, style_);
-  if (json_.has_value()) json_->Write(problems);
+  const Problems problems = CheckScript(script).problems;
+  if (text_ != nullptr) problems.Write(*text_, script.Name(), script.Content(), style_);
+  if (json_ != nullptr) problems.WriteJson(*json_);
   const long errors = problems.Errors();
   const long warnings = problems.Warnings();
-  counts_.errors += errors;
-  counts_.warnings += warnings;
-  ++counts_.scripts;
+  errors_ += errors;
+  warnings_ += warnings;
+  ++scripts_;
   return errors > 0 || (command_.strict && warnings > 0) ? kScriptFailed : kAllWell;
 } catch (const IoError& error) {
   return Refuse(error.what(), kScriptFailed);
@@ -97,23 +95,28 @@ ExitStatus Checker::Judge(const std::string& path) try {
   return Refuse(path + ": out of memory", kNotOpened);
 }
 
-ExitStatus Checker::Refuse(const std::string& why, ExitStatus status) {
+ExitStatus CheckReport::Refuse(const std::string& why, ExitStatus status) {
   Complain(why);
-  if (json_.has_value()) json_->WriteError(why);
+  if (json_ != nullptr) *json_ << fmt::format("{{\"error\":{}}}\n", JsonText(why));
   return status;
 }
 
-// Of what was shown; nothing where nothing was.
-void Checker::WriteSummary() {
-  std::string found;
-  if (counts_.errors > 0) found = Counted(counts_.errors, "error");
-  if (counts_.warnings > 0 && !style_.errors_only) {
-    found += (found.empty() ? "" : ", ") + Counted(counts_.warnings, "warning");
+// The text counts the problems that it has shown, and says nothing where there are none.
+void CheckReport::WriteSummary() {
+  if (json_ != nullptr) {
+    *json_ << fmt::format("{{\"errors\":{},\"warnings\":{},\"scripts\":{}}}\n", errors_, warnings_,
+                          scripts_);
   }
-  if (!found.empty()) *text_ << fmt::format("{} in {}\n", found, Counted(counts_.scripts, "file"));
+  if (text_ == nullptr) return;
+  std::string found;
+  if (errors_ > 0) found = Counted(errors_, "error");
+  if (warnings_ > 0 && !style_.errors_only) {
+    found += (found.empty() ? "" : ", ") + Counted(warnings_, "warning");
+  }
+  if (!found.empty()) *text_ << fmt::format("{} in {}\n", found, Counted(scripts_, "file"));
 }
 
-ExitStatus Checker::Close(ExitStatus status) {
+ExitStatus CheckReport::Close(ExitStatus status) {
   for (OutputFile* const file : {&standard_output_, file_.has_value() ? &*file_ : nullptr}) {
     try {
       if (file != nullptr) file->Close();
@@ -128,7 +131,7 @@ ExitStatus Checker::Close(ExitStatus status) {
 }  // namespace
 
 ExitStatus Execute(const CheckCommand& command) try {
-  return Checker(command).CheckAll();
+  return CheckReport(command).WriteAll();
 } catch (const IoError& error) {
   Complain(error.what());
   return kNotOpened;

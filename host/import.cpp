@@ -1,29 +1,20 @@
 #include <fmt/format.h>
+#include <unistd.h>
 
-#include <cstdio>
+#include <iostream>
 #include <new>
 #include <string>
 
+#include "host/colour.h"
 #include "host/console.h"
 #include "host/svf/importer.h"
 #include "host/system/errors.h"
 #include "host/system/input_file.h"
 #include "host/system/output_file.h"
-#include "host/system/printable.h"
 #include "host/verbs.h"
 
 namespace icehost {
 namespace {
-
-void Show(const std::string& name, const Problems& problems, bool quiet) {
-  for (const Problem& problem : problems.Found()) {
-    if (quiet && !problem.error) continue;
-    const std::string line =
-        fmt::format("{}:{}:{}: {}: {}", name, problem.place.line, problem.place.column,
-                    problem.error ? "error" : "warning", problem.text);
-    std::fputs((Printable(line) + "\n").c_str(), stderr);
-  }
-}
 
 void Write(const std::string& script, const std::string& path) {
   OutputFile file(path, OutputFile::Rest::kNothing);
@@ -35,10 +26,12 @@ void Write(const std::string& script, const std::string& path) {
 }  // namespace
 
 ExitStatus Execute(const ImportCommand& command) {
+  std::string svf;
   ImportedSvf imported;
   const std::string name = command.file == "-" ? "<stdin>" : command.file;
   try {
-    imported = ImportSvf(name, ReadInput(command.file, command.size_limit), command.size_limit);
+    svf = ReadInput(command.file, command.size_limit);
+    imported = ImportSvf(name, svf, command.size_limit);
   } catch (const IoError& error) {
     Complain(error.what());
     return kScriptFailed;
@@ -46,7 +39,7 @@ ExitStatus Execute(const ImportCommand& command) {
     Complain(command.file + ": out of memory");
     return kNotOpened;
   }
-  Show(name, imported.problems, command.quiet);
+  imported.problems.Write(std::cerr, name, svf, {command.quiet, WantsColour(STDERR_FILENO)});
   if (imported.problems.HasErrors()) {
     Complain(fmt::format("{} is not imported", command.file));
     return kScriptFailed;

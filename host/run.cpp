@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "host/check/check.h"
-#include "host/check/learn.h"
+#include "host/check/plan.h"
 #include "host/colour.h"
 #include "host/console.h"
 #include "host/events/follower.h"
@@ -51,7 +51,7 @@ std::string WhyNot(const Problems& problems, const RunCommand& command) {
 }
 
 // Reads and checks all scripts, and shows their problems as check does, on standard error. Returns
-// none, and says why, if they are not to be played. Throws as ReadScript and Check.
+// none, and says why, if they are not to be played. Throws IoError and Interrupted.
 std::vector<Script> LoadScripts(const RunCommand& command) {
   std::vector<Script> scripts;
   scripts.reserve(command.scripts.size());
@@ -62,15 +62,15 @@ std::vector<Script> LoadScripts(const RunCommand& command) {
   }
   bool play = true;
   for (Script& script : scripts) {
-    Checked checked = Check(*script.text);
-    checked.problems.Write(std::cerr, *script.text,
-                           {command.quiet && !command.strict, WantsColour(STDERR_FILENO)});
-    const std::string why = WhyNot(checked.problems, command);
+    CheckResult result = CheckScript(*script.text);
+    result.problems.Write(std::cerr, script.name, script.text->Content(),
+                          {command.quiet && !command.strict, WantsColour(STDERR_FILENO)});
+    const std::string why = WhyNot(result.problems, command);
     if (!why.empty()) Complain(fmt::format("{} {}", script.path, why));
     play = play && why.empty();
-    script.plan = std::move(checked.plan);
-    script.has_errors = checked.problems.HasErrors();
-    script.problems = std::move(checked.problems);
+    script.plan = std::move(result.plan);
+    script.has_errors = result.problems.HasErrors();
+    script.problems = std::move(result.problems);
   }
   if (!play) scripts.clear();
   return scripts;
@@ -232,7 +232,7 @@ ExitStatus Runner::Judge(const Script& script, bool ran) {
 
 ExitStatus Runner::WriteLearned(const Script& script) {
   const std::string learned = Learn(*script.text, script.plan, follower_.Read());
-  const bool writable = !Check(ScriptText(script.name, learned)).problems.HasErrors();
+  const bool writable = !CheckScript(ScriptText(script.name, learned)).problems.HasErrors();
   if (!writable || follower_.Unread() > 0) {
     events_.Say(fmt::format("{} is not learned: {}", script.path,
                             writable ? "the probe does not tell all that it expects"

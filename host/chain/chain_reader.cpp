@@ -19,8 +19,8 @@ constexpr std::uint64_t kMarker = 0x9C3A'51E7'2B64'D0FF;
 constexpr std::size_t kMarkerBits = 64;
 // Most chains are short, and a simulator may need a millisecond a bit.
 constexpr int kFewTaps = 4;
-// Longer than any IR, of one TAP and of each in a chain.
-constexpr std::size_t kMostIrBits = 256;
+// More than any IR has: that of a lone TAP, and that of each in a chain.
+constexpr std::size_t kMostIrBitsAlone = 256;
 constexpr std::size_t kMostIrBitsEach = 64;
 // Lengths of the single IRs to tell where several fit.
 constexpr std::size_t kWaysTold = 4;
@@ -171,7 +171,7 @@ void ChainReader::ExplainEndless(const Bits& out) {
 
 // The ones behind the marker stay in the IRs: BYPASS in every TAP.
 bool ChainReader::ReadIrs() {
-  const std::size_t most = std::max(kMostIrBits, kMostIrBitsEach * chain_.taps.size());
+  const std::size_t most = std::max(kMostIrBitsAlone, kMostIrBitsEach * chain_.taps.size());
   const Bits in = MarkedBits(most);
   const auto out = ReadTwice(From::kReset, TapState::kShiftIr, in, "the IRs");
   if (!out.has_value()) return false;

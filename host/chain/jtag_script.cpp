@@ -11,7 +11,7 @@
 namespace icehost {
 namespace {
 
-constexpr std::size_t kMostIrBits = std::size_t{8} * JTAG_IR_MAX_BYTES;
+constexpr std::size_t kMostScriptIrBits = std::size_t{8} * JTAG_IR_MAX_BYTES;
 
 constexpr char kHead[] =
     "# Made by icehost detect. To be completed with the instructions of the chip's data sheet.\n"
@@ -132,9 +132,9 @@ std::string Script::IdcodeSection(std::size_t i) const {
 
 std::string Script::Text() const {
   if (chain_.taps.size() > kMostTaps) throw Unsupported("no JTAG script: more than 64 TAPs");
-  if (IrBits() > kMostIrBits) {
+  if (IrBits() > kMostScriptIrBits) {
     throw Unsupported(fmt::format("no JTAG script: the IR has {} bits, and in a script at most {}",
-                                  IrBits(), kMostIrBits));
+                                  IrBits(), kMostScriptIrBits));
   }
   std::string text = kHead + BypassSection();
   if (!IrsAreKnown()) {

@@ -1,49 +1,82 @@
 #include "host/check/check.h"
 
-#include "base/ini_file.h"
-#include "host/check/near_tag.h"
-#include "host/system/memory_file.h"
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <string>
+
+#include "base/text.h"
+#include "host/check/hints.h"
 
 namespace icehost {
 namespace {
 
-// A NUL ends a line for the readers, which pass over what stands behind it.
+// A NUL ends a line for the readers, which skip the rest of it.
 void ReportCutLines(const ScriptText& script, Problems& problems) {
   if (script.Content().find('\0') == std::string::npos) return;
   for (const ScriptLine line : script) {
     const std::size_t nul = line.raw.find('\0');
     if (nul >= line.raw.find('#')) continue;
-    const std::string_view passed = line.raw.substr(nul);
-    const std::size_t text = passed.find_first_not_of(std::string_view("\0\r ", 3));
-    if (text == std::string_view::npos || passed[text] == '#') continue;
-    problems.Error(line.Of(passed), "a NUL cuts the line here: the rest of it is not read");
+    const std::string_view skipped = line.raw.substr(nul);
+    const std::size_t text = skipped.find_first_not_of(std::string_view("\0\r ", 3));
+    if (text == std::string_view::npos || skipped[text] == '#') continue;
+    problems.Error(line.Of(skipped), "a NUL cuts the line here: the rest of it is not read");
   }
+}
+
+// A script without text is not run at all, but the GPIO reader is the one that refuses it.
+bool IsGpioScript(const ScriptText& script) {
+  return !script.HasText() || icescript::IsSectionTag((*script.WithText(script.begin())).text);
+}
+
+// The letters of a line in upper case: they stay where a bracket is lost, or where there is a blank
+// or a byte-order mark.
+std::string Letters(std::string_view text) {
+  std::string letters;
+  for (const char ch : text) {
+    const char upper = icescript::UpperCase(ch);
+    if ((upper >= 'A' && upper <= 'Z') || upper == '_') letters += upper;
+  }
+  return letters;
+}
+
+// Why a line that has the letters of the tag, or nearly so, is not the tag.
+std::string WhyNotTag(std::string_view text, const std::string& tag) {
+  if (const auto slip = SlipIn(text); !slip.empty()) return std::string(slip);
+  if (text.front() != '[' || text.find(']') == std::string_view::npos) return "a bracket is lost";
+  if (text.back() != ']') return "it stands alone on its line";
+  if (icescript::EqualsUpper(text, "[" + tag + "]")) return "tags are in upper case";
+  if (Letters(text) == tag) return "nothing but the name stands between the brackets";
+  return {};
+}
+
+// Reports a first line of a JTAG script that looks like the tag of a GPIO script.
+void WarnOfNearTag(const ScriptText& script, Problems& problems) {
+  const ScriptLine first = *script.WithText(script.begin());
+  const std::string_view name =
+      first.text.substr(0, std::min(FindForeignComment(first.text), first.text.find(']')));
+  // Brackets, blanks and the like may be as many again.
+  if (name.size() > 40) return;
+  const std::string tag = Nearest(Letters(name), {"ORVEX_ICE_GPIO", "ZEVA_ICE_GPIO"});
+  if (tag.empty()) return;
+  problems.Warn(first.Start(),
+                fmt::format("this is not quite [{}]: the file is run as a JTAG script{}", tag,
+                            InParentheses(WhyNotTag(first.text, tag))));
 }
 
 }  // namespace
 
-Place CutAt(const ScriptLine& too_long) {
-  return {too_long.number, icescript::INI_LINE_BUFFER};
-}
-
-Checked Check(const ScriptText& script) {
-  Checked checked;
-  ReportCutLines(script, checked.problems);
+CheckResult CheckScript(const ScriptText& script) {
+  CheckResult result;
+  ReportCutLines(script, result.problems);
   if (IsGpioScript(script)) {
-    CheckGpio(script, checked);
+    CheckGpio(script, result);
   } else {
-    WarnOfNearTag(script, checked.problems);
-    CheckJtag(script, checked);
+    WarnOfNearTag(script, result.problems);
+    CheckJtag(script, result);
   }
-  checked.problems.Sort();
-  return checked;
-}
-
-bool IsGpioScript(const ScriptText& script) {
-  const ScriptText::Iterator first = script.WithText(script.begin());
-  const MemoryFile file(first != script.end() ? first.Raw() : "");
-  icescript::CIniFile ini{icescript::CString(file.Path())};
-  return ini.ReadGpioFile() != icescript::GPIO_READ_NOT_GPIO;
+  result.problems.Sort();
+  return result;
 }
 
 }  // namespace icehost

@@ -8,24 +8,22 @@
 
 namespace icehost {
 
-struct Checked {
-  Problems problems;
+struct CheckResult {
+  Problems problems;  // in the order of their places
   Plan plan;
 };
 
-// All problems of a script, in the order of their places, and what runs of it. Throws Interrupted,
-// as does all of the below.
-Checked Check(const ScriptText& script);
+// Finds all problems of a script, and what runs of it. Throws Interrupted, as do the two below.
+CheckResult CheckScript(const ScriptText& script);
 
-// What Check is made of: a script that the plug-in runs as a GPIO script, and as a JTAG script.
-bool IsGpioScript(const ScriptText& script);
-void CheckGpio(const ScriptText& script, Checked& checked);
-void CheckJtag(const ScriptText& script, Checked& checked);
+// The parts of CheckScript: for a script that the plug-in runs as a GPIO script, and as a JTAG
+// script.
+void CheckGpio(const ScriptText& script, CheckResult& result);
+void CheckJtag(const ScriptText& script, CheckResult& result);
 
-// Where the plug-in stops reading for a line that is too long.
+// The problem at ScriptText::CutAt().
 constexpr const char* kCutScript =
     "the line is too long: the plug-in reads neither it nor anything after it";
-Place CutAt(const ScriptLine& too_long);
 
 }  // namespace icehost
 

@@ -2,52 +2,136 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "base/gpio_line_parser.h"
 #include "base/ini_file.h"
+#include "base/text.h"
 #include "entry/icescript.h"
 #include "host/check/check.h"
-#include "host/check/check_items.h"
-#include "host/check/clean_lines.h"
-#include "host/check/explain_item.h"
-#include "host/check/gpio_blocks.h"
 #include "host/check/gpio_items.h"
-#include "host/check/gpio_pins.h"
-#include "host/check/pin_expectation.h"
-#include "host/check/remarks.h"
-#include "host/system/memory_file.h"
+#include "host/check/hints.h"
 
 namespace icehost {
 namespace {
 
-using icescript::CIniFile;
 using icescript::GpioLineParser;
+using Element = icescript::CIniFile::gpio_element;
 
-// What the plug-in's reader says of a script that begins so and has no END.
-std::string ReaderMessage(const std::string& head) {
-  const MemoryFile file(head);
-  CIniFile ini{icescript::CString(file.Path())};
-  ini.ReadGpioFile();
-  return ini.error_msg;
-}
+// Finds levels that come to nothing, and levels on TDO, which is the target's to drive. Takes the
+// lines of a script one by one.
+class GpioPins {
+ public:
+  explicit GpioPins(Problems& problems) : problems_(problems) {}
 
-std::string WhyNoStart(std::string_view text) {
-  const std::string_view slip = SlipIn(text);
-  return fmt::format("{}{}the line below the section tag is START, alone", slip,
-                     slip.empty() ? "" : "; ");
-}
+  // `named`: the pins that the line sets by name.
+  void Take(const GpioLine& line, const Element& element, int named) {
+    if (element.out_value < 0 || element.oe_mask < 0) return;  // an error of its own
+    if ((element.flags & GPIO_FLAG_WRITE_OE) != 0) Enable(line, element.oe_mask);
+    const int changed = (element.out_value ^ levels_) & GPIO_PIN_ALL;
+    levels_ = element.out_value;
+    if (((named | changed) & ~enables_) != 0) SetIdle(line, named, changed);
+    if ((enables_ & GPIO_PIN_TDO) != 0 && !tdo_reported_) {
+      CheckTdo(line, element.flags, named, changed);
+    }
+  }
 
-// The lines after START, as the plug-in's parser takes them one by one. A line that is refused is
-// reported and left out: the ones after it are checked as if it were not there.
+  // The block that began at the line `rept` ends. A pin that is enabled early in a block is enabled
+  // after the block's levels too, in its next run.
+  void CloseBlock(int rept) {
+    int enabled = 0;
+    for (unsigned pin = 0; pin < kPins; ++pin) {
+      if (enabled_at_[pin] > rept) enabled |= 1 << pin;
+    }
+    const auto reaches = [=](const Idle& idle) {
+      return idle.place.line > rept && (idle.pins & enabled) != 0;
+    };
+    idle_.erase(std::remove_if(idle_.begin(), idle_.end(), reaches), idle_.end());
+  }
+
+  // There are no more lines.
+  void Finish() {
+    for (const Idle& idle : idle_) {
+      problems_.Warn(idle.place,
+                     fmt::format("this level reaches no pin: GPIO_OE does not enable {}, "
+                                 "here or on a later line",
+                                 PinNames(idle.pins)));
+    }
+  }
+
+ private:
+  // Levels that reach no pin unless one of these is enabled later.
+  struct Idle {
+    Place place;
+    int pins;
+  };
+
+  void Enable(const GpioLine& line, int enables) {
+    enables_ = enables & GPIO_PIN_ALL;
+    if ((enables_ & GPIO_PIN_TDO) == 0) tdo_reported_ = false;
+    for (unsigned pin = 0; pin < kPins; ++pin) {
+      if ((enables_ & 1 << pin) != 0) enabled_at_[pin] = line.source.number;
+    }
+    const auto reaches = [this](const Idle& idle) { return (idle.pins & enables_) != 0; };
+    idle_.erase(std::remove_if(idle_.begin(), idle_.end(), reaches), idle_.end());
+  }
+
+  // A word sets all pins, whichever are meant: the levels that it raises are idle where no level
+  // that it changes is seen.
+  void SetIdle(const GpioLine& line, int named, int changed) {
+    int known = 0;
+    for (const Idle& idle : idle_) known |= idle.pins;
+    for (unsigned pin = 0; pin < kPins; ++pin) {
+      const int bit = 1 << pin;
+      if ((named & ~enables_ & ~known & bit) != 0) idle_.push_back({line.PlaceOf(pin), bit});
+    }
+    const int by_word = changed & levels_ & ~named;
+    if ((changed & enables_) == 0 && (by_word & ~known) != 0) {
+      idle_.push_back({line.PlaceOf(kOut), by_word});
+    }
+  }
+
+  // Reported once for as long as it is driven: every script begins with it driven, and most never
+  // mind.
+  void CheckTdo(const GpioLine& line, int flags, int named, int changed) {
+    const bool by_name = (named & GPIO_PIN_TDO) != 0;
+    tdo_reported_ = true;
+    if (by_name || (changed & GPIO_PIN_TDO) != 0) {
+      problems_.Warn(
+          line.PlaceOf(by_name ? kTdo : kOut),
+          "this drives TDO, which is the target's to drive (GPIO_OE=0x1F leaves it alone)");
+    } else if ((flags & GPIO_FLAG_READ_IN) != 0) {
+      problems_.Warn(line.PlaceOf(kPrint),
+                     "TDO is driven by the probe, whose own level is read, not the target's "
+                     "(GPIO_OE=0x1F leaves it to the target)");
+    } else if ((flags & GPIO_FLAG_WRITE_OE) != 0) {
+      problems_.Warn(line.PlaceOf(kOe),
+                     fmt::format("this enables TDO, which is the target's to drive ({})",
+                                 DidYouMean(fmt::format("0x{:02X}", enables_ & ~GPIO_PIN_TDO))));
+    } else {
+      tdo_reported_ = false;
+    }
+  }
+
+  Problems& problems_;
+  int levels_ = 0;
+  int enables_ = GPIO_PIN_ALL;       // as the probe has them
+  bool tdo_reported_ = false;        // since TDO is driven
+  std::array<int, 6> enabled_at_{};  // the last line that enables the pin
+  std::vector<Idle> idle_;
+};
+
+// Takes START and the lines after it one by one, as the plug-in's parser does. A line that is
+// refused is reported and left out: the ones after it are checked as if it were not there.
 class GpioLines {
  public:
-  explicit GpioLines(Checked& checked)
-      : problems_(checked.problems), plan_(checked.plan), pins_(problems_) {}
+  explicit GpioLines(CheckResult& result)
+      : problems_(result.problems), plan_(result.plan), pins_(problems_) {}
 
-  // START.
-  void Begin(const ScriptLine& line) { Append(line); }
+  void TakeStart(const ScriptLine& line) { AddOperation(line); }
   void Take(const ScriptLine& line);
   // There are no more.
   void Finish();
@@ -56,28 +140,34 @@ class GpioLines {
   bool RefusedLast() const { return refused_last_; }
 
  private:
-  void Refuse(const ScriptLine& line, std::string_view item);
-  void Append(const ScriptLine& line);
-  void Plan(const ScriptLine& line);
-  // Checks the items too.
-  int NamedPins(const ScriptLine& line);
-  void CheckWords(const ScriptLine& line, const CIniFile::gpio_element& element);
+  struct Block {
+    Place rept;
+    bool empty = true;  // so far it holds no pin operation
+  };
+
+  void Refuse(const GpioLine& line, std::string_view item);
+  void CheckWords(const GpioLine& line, const Element& element);
+  void AddOperation(const ScriptLine& line);
+  void AddExpectation(const ScriptLine& line);
+  void TakeElement(const ScriptLine& line);
+  void CloseBlock(const ScriptLine& endr);
 
   Problems& problems_;
-  icehost::Plan& plan_;
-  bool begins_block_ = false;
+  Plan& plan_;
   GpioLineParser parser_;
-  CIniFile::gpio_element state_{0, GPIO_PIN_ALL, GPIO_FLAG_START, icescript::GPIO_KIND_PIN, 0};
-  GpioBlocks blocks_;
+  Element state_{0, GPIO_PIN_ALL, GPIO_FLAG_START, icescript::GPIO_KIND_PIN, 0};
   GpioPins pins_;
-  CleanLines clean_;
+  std::vector<Block> blocks_;  // the open ones
+  Problems block_problems_;
+  bool begins_block_ = false;
   bool refused_last_ = false;
   bool refused_block_ = false;
 };
 
-void GpioLines::Take(const ScriptLine& line) {
+void GpioLines::Take(const ScriptLine& source) {
+  const GpioLine line(source);
   const GpioLineParser before = parser_;
-  const GpioLineParser::Result result = parser_.Parse(line.text, state_);
+  const GpioLineParser::Result result = parser_.Parse(source.text, state_);
   refused_last_ = result != GpioLineParser::Result::kLine && result != GpioLineParser::Result::kEnd;
   if (refused_last_) {
     Refuse(line, parser_.BadItem());
@@ -86,114 +176,151 @@ void GpioLines::Take(const ScriptLine& line) {
   }
   CheckWords(line, parser_.Element());
   state_ = parser_.Element();
-  Plan(line);
-  blocks_.Take(line, state_);
-  pins_.Take(line, state_, NamedPins(line));
+  TakeElement(source);
+  AddExpectation(source);
+  pins_.Take(line, state_, line.Check(state_.flags, problems_));
 }
 
-int GpioLines::NamedPins(const ScriptLine& line) {
-  if (const auto known = clean_.Find(line.text, state_.flags)) return *known;
-  const std::size_t before = problems_.Found().size();
-  const int named = CheckItems(line, state_.flags, problems_);
-  if (problems_.Found().size() == before) clean_.Add(line.text, state_.flags, named);
-  return named;
+void GpioLines::Refuse(const GpioLine& line, std::string_view item) {
+  const std::size_t blanks = std::min(item.find_first_not_of(' '), item.size());
+  problems_.Error(line.source.Of(item.substr(blanks)),
+                  fmt::format("Syntax error in line{} : {} ({})", line.source.number, item,
+                              line.WhyRefused(item)));
+  refused_block_ = refused_block_ || line.NamesBlock();
 }
 
-void GpioLines::Append(const ScriptLine& line) {
+// Reported where a word gets its value, which the lines after it carry on.
+void GpioLines::CheckWords(const GpioLine& line, const Element& element) {
+  const auto rises = [](int word, int before) {
+    return word > GPIO_PIN_ALL && (word & ~GPIO_PIN_ALL) != (before & ~GPIO_PIN_ALL);
+  };
+  if (element.out_value < 0 && element.out_value != state_.out_value) {
+    problems_.Error(line.PlaceOf(kOut), "GPIO_OUT is negative: refused without a message");
+  } else if (rises(element.out_value, state_.out_value)) {
+    problems_.Warn(line.PlaceOf(kOut),
+                   "GPIO_OUT has bits above the six pins, until a pin is cleared");
+  }
+  if (element.oe_mask < 0 && element.oe_mask != state_.oe_mask) {
+    problems_.Error(line.PlaceOf(kOe), ",inifile.error (GPIO_OE is negative)");
+  } else if (rises(element.oe_mask, state_.oe_mask)) {
+    problems_.Warn(line.PlaceOf(kOe), "GPIO_OE has bits above the six pins, 0x01 to 0x20");
+  }
+}
+
+void GpioLines::AddOperation(const ScriptLine& line) {
   const auto number = static_cast<unsigned>(line.number);
   plan_.pins.push_back({number & 0x3FFFFFFFU, std::exchange(begins_block_, false) ? 1U : 0U, 0});
 }
 
-void GpioLines::Plan(const ScriptLine& line) {
-  if (state_.kind == icescript::GPIO_KIND_PIN) {
-    Append(line);
-  } else if (state_.kind == icescript::GPIO_KIND_REPT) {
-    begins_block_ = true;
-  } else {
-    plan_.pins.back().ends_block = 1;
-  }
-  auto expectation = PinExpectation(line, (state_.flags & GPIO_FLAG_READ_IN) != 0, problems_);
+void GpioLines::AddExpectation(const ScriptLine& line) {
+  if ((state_.flags & GPIO_FLAG_READ_IN) == 0) return ReportVainExpectation(line, problems_);
+  auto expectation = ReadPinExpectation(line, problems_);
   if (!expectation.has_value()) return;
   expectation->operation = plan_.pins.size() - 1;
   plan_.expectations.push_back(std::move(*expectation));
 }
 
-void GpioLines::Refuse(const ScriptLine& line, std::string_view item) {
-  const std::size_t blanks = std::min(item.find_first_not_of(' '), item.size());
-  problems_.Error(line.Of(item.substr(blanks)),
-                  fmt::format("Syntax error in line{} : {} ({})", line.number, item,
-                              WhyRefused(item, line.text)));
-  refused_block_ = refused_block_ || NamesBlock(line);
+void GpioLines::TakeElement(const ScriptLine& line) {
+  if (state_.kind == icescript::GPIO_KIND_REPT) {
+    begins_block_ = true;
+    blocks_.push_back({line.Start()});
+  } else if (state_.kind == icescript::GPIO_KIND_ENDR) {
+    plan_.pins.back().ends_block = 1;
+    CloseBlock(line);
+  } else {
+    AddOperation(line);
+    if (!blocks_.empty()) blocks_.back().empty = false;
+  }
 }
 
-// Reported where a word gets its value: the lines after it carry it on.
-void GpioLines::CheckWords(const ScriptLine& line, const CIniFile::gpio_element& element) {
-  const auto rises = [](int word, int before) {
-    return word > GPIO_PIN_ALL && (word & ~GPIO_PIN_ALL) != (before & ~GPIO_PIN_ALL);
-  };
-  if (element.out_value < 0 && element.out_value != state_.out_value) {
-    problems_.Error(PlaceOfKey(line, kOut), "GPIO_OUT is negative: refused without a message");
-  } else if (rises(element.out_value, state_.out_value)) {
-    problems_.Warn(PlaceOfKey(line, kOut),
-                   "GPIO_OUT has bits above the six pins, until a pin is cleared");
+void GpioLines::CloseBlock(const ScriptLine& endr) {
+  if (blocks_.empty()) {
+    block_problems_.Error(endr.Start(), "error: rept & endr not match. (no REPT is open)");
+    return;
   }
-  if (element.oe_mask < 0 && element.oe_mask != state_.oe_mask) {
-    problems_.Error(PlaceOfKey(line, kOe), ",inifile.error (GPIO_OE is negative)");
-  } else if (rises(element.oe_mask, state_.oe_mask)) {
-    problems_.Warn(PlaceOfKey(line, kOe), "GPIO_OE has bits above the six pins, 0x01 to 0x20");
+  const Block block = blocks_.back();
+  blocks_.pop_back();
+  if (block.empty) {
+    block_problems_.Warn(block.rept,
+                         "this block holds no pin operation: it is skipped and delays nothing");
+  } else if (!blocks_.empty()) {
+    blocks_.back().empty = false;  // a block holds what a block in it holds
   }
+  pins_.CloseBlock(block.rept.line);
 }
 
 void GpioLines::Finish() {
-  // A refused REPT or ENDR leaves its partner alone: that is no second fault.
-  if (!refused_block_) problems_.Add(blocks_.Finish());
+  for (const Block& block : blocks_) {
+    block_problems_.Error(block.rept,
+                          "syntax error: rept & endr not match. (this REPT has no ENDR)");
+  }
+  // A refused REPT or ENDR leaves its partner alone: that is not a second fault.
+  if (!refused_block_) problems_.Add(std::move(block_problems_));
   pins_.Finish();
 }
 
-// An expectation on a line that does nothing, up to START and where there is nothing but a comment.
+// Returns whether the line below the section tag is START, else reports it.
+bool CheckStart(const ScriptLine& line, Problems& problems) {
+  if (icescript::EqualsUpper(line.text, "START")) return true;
+  const std::string_view slip = SlipIn(line.text);
+  problems.Error(line.Start(),
+                 fmt::format("Syntax error: no start found. ({}{}the line below the section tag is "
+                             "START, alone)",
+                             slip, slip.empty() ? "" : "; "));
+  return false;
+}
+
+// Reports expectations on lines that do nothing: up to START, and where there is only a comment.
 void ReportLoneExpectations(const ScriptText& script, int start, int last, Problems& problems) {
   if (script.Content().find("expect") == std::string::npos) return;
   for (const ScriptLine line : script) {
     if (line.number > last) break;
-    if (line.Blank() || line.number <= start) PinExpectation(line, false, problems);
+    if (line.Blank() || line.number <= start) ReportVainExpectation(line, problems);
+  }
+}
+
+// Reports a script without END; `last` is the place of its last line with text.
+void ReportNoEnd(const ScriptText& script, Place last, const GpioLines& lines, Problems& problems) {
+  constexpr const char* kNoEnd = "Syntax error, no end found";
+  if (const auto cut = script.CutAt()) {
+    problems.Error(*cut, fmt::format("{} ({})", kNoEnd, kCutScript));
+  } else if (!lines.RefusedLast()) {  // which may have been meant as the END
+    problems.Error(last, kNoEnd + InParentheses(script.HasText() ? "" : "the script is empty"));
   }
 }
 
 }  // namespace
 
-void CheckGpio(const ScriptText& script, Checked& checked) {
-  Problems& problems = checked.problems;
-  std::string head;
-  Place last{1, 1};
+void CheckGpio(const ScriptText& script, CheckResult& result) {
+  Problems& problems = result.problems;
+  GpioLines lines(result);
+  Place last{1, 1};  // of the last line with text
   auto at = script.WithText(script.begin());
-  for (int i = 0; i < 2 && at != script.end(); ++i, at = script.WithText(++at)) {
-    head.append(at.Raw()) += '\n';
+  if (at != script.end()) {  // the section tag
     last = (*at).Start();
+    at = script.WithText(++at);
   }
-  const std::string message = ReaderMessage(head);
-  if (message.find("no start") != std::string::npos) {
-    problems.Error(last, message + InParentheses(WhyNoStart(script.Line(last.line).text)));
-    return;
+  if (at != script.end()) {
+    const ScriptLine line = *at;
+    if (!CheckStart(line, problems)) return;
+    lines.TakeStart(line);
+    last = line.Start();
+    ++at;
   }
-  GpioLines lines(checked);
   const int start = last.line;
-  lines.Begin(script.Line(start));
   for (; at != script.end() && !lines.Ended(); ++at) {
     const ScriptLine line = *at;
     if (line.Blank()) continue;
     lines.Take(line);
     last = line.Start();
   }
-  at = script.WithText(at);
   lines.Finish();
   ReportLoneExpectations(script, start, last.line, problems);
-  const auto too_long = script.TooLong();
-  if (lines.Ended()) {
-    if (at != script.end()) problems.Warn((*at).Start(), "text after END is not read");
-  } else if (too_long.has_value()) {
-    problems.Error(CutAt(*too_long), fmt::format("{} ({})", message, kCutScript));
-  } else if (!lines.RefusedLast()) {  // which may have been meant as the END
-    problems.Error(last, message + InParentheses(head.empty() ? "the script is empty" : ""));
+  at = script.WithText(at);
+  if (!lines.Ended()) {
+    ReportNoEnd(script, last, lines, problems);
+  } else if (at != script.end()) {
+    problems.Warn((*at).Start(), "text after END is not read");
   }
 }
 

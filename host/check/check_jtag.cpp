@@ -7,12 +7,8 @@
 
 #include "base/ini_file.h"
 #include "host/check/check.h"
-#include "host/check/check_control.h"
-#include "host/check/check_scan.h"
 #include "host/check/ini_sections.h"
-#include "host/check/pin_expectation.h"
-#include "host/check/scan_expectation.h"
-#include "host/check/scan_fields.h"
+#include "host/check/jtag_values.h"
 #include "host/system/interrupt.h"
 #include "jtag/jtag_scr.h"
 
@@ -26,8 +22,8 @@ using icescript::JtagScr;
 // The operations of a script, in order.
 class JtagOperations {
  public:
-  JtagOperations(const ScriptText& script, Checked& checked)
-      : script_(script), problems_(checked.problems), plan_(checked.plan) {}
+  JtagOperations(const ScriptText& script, CheckResult& result)
+      : script_(script), problems_(result.problems), plan_(result.plan) {}
 
   void Take(const IniSection& section) {
     // A store for each section: in one of them all, each lookup would walk through all.
@@ -106,7 +102,7 @@ class JtagOperations {
   }
 
   void TakeExpectation(const IniSection& section, ScanKey value_key, int bits) {
-    auto expectation = ScanExpectation(script_, section, value_key, bits, problems_);
+    auto expectation = ReadScanExpectation(script_, section, value_key, bits, problems_);
     if (!expectation.has_value() || stopped_) return;
     expectation->operation = plan_.jtag.size() - 1;
     plan_.expectations.push_back(std::move(*expectation));
@@ -132,16 +128,16 @@ class JtagOperations {
 
 }  // namespace
 
-void CheckJtag(const ScriptText& script, Checked& checked) {
-  JtagOperations operations(script, checked);
-  for (const IniSection& section : FindSections(script, checked.problems)) {
+void CheckJtag(const ScriptText& script, CheckResult& result) {
+  JtagOperations operations(script, result);
+  for (const IniSection& section : FindSections(script, result.problems)) {
     ThrowIfInterrupted();
     operations.Take(section);
   }
   if (script.Content().find("expect") != std::string::npos) {
-    for (const ScriptLine line : script) WarnOfExpectation(line, checked.problems);
+    for (const ScriptLine line : script) WarnOfPinExpectation(line, result.problems);
   }
-  if (const auto line = script.TooLong()) checked.problems.Error(CutAt(*line), kCutScript);
+  if (const auto cut = script.CutAt()) result.problems.Error(*cut, kCutScript);
 }
 
 }  // namespace icehost

@@ -1,22 +1,132 @@
 #include "host/check/gpio_items.h"
 
+#include <fmt/format.h>
+
+#include <algorithm>
 #include <iterator>
 
 #include "base/field_cursor.h"
 #include "base/gpio_line_parser.h"
 #include "base/text.h"
+#include "entry/icescript.h"
+#include "host/check/hints.h"
 
 namespace icehost {
 namespace {
 
+using icescript::EqualsUpper;
+
 constexpr std::string_view kItemKeys[] = {"NRST",     "TRST",    "TCK",   "TMS",  "TDI",  "TDO",
                                           "GPIO_OUT", "GPIO_OE", "PRINT", "REPT", "ENDR", "END"};
 
+// ---- Traps
+
+// Whether the reader converts all of it: decimal, or hexadecimal after "0x".
+bool IsNumber(std::string_view text, int base) {
+  text = text.substr(0, text.find_last_not_of(" \t") + 1);
+  if (base == 16) {
+    text.remove_prefix(2);
+  } else {
+    text.remove_prefix(std::min(text.find_first_not_of(" \t"), text.size()));
+    if (text.substr(0, 1) == "-" || text.substr(0, 1) == "+") text.remove_prefix(1);
+  }
+  return IsDigits(text, base);
+}
+
+// The number that a value that is not one may have been meant to be.
+std::string NumberMeant(const NamedItem& item) {
+  if (const auto slip = SlipIn(item.value); !slip.empty()) return std::string(slip);
+  if (item.IsPin()) return fmt::format("{} is 0 or 1", item.key);
+  std::string_view digits = item.value;
+  if (digits.substr(0, 2) == "0X" || digits.substr(0, 2) == "0x") digits.remove_prefix(2);
+  return IsDigits(digits, 16) ? DidYouMean(fmt::format("0x{}", digits)) : "";
+}
+
+void CheckValue(const ScriptLine& line, const NamedItem& item, Problems& problems) {
+  if (!item.TakesNumber()) return;
+  const std::string_view digits = item.value.substr(item.Base() == 16 ? 2 : 0);
+  if (digits.size() < 8 && IsDigits(digits, item.Base())) return;  // as a rule
+  const Place place = line.Of(item.key);
+  if (!item.has_equals) {
+    problems.Warn(place, "without \"=\" this is set to 0");
+  } else if (item.value.empty()) {
+    problems.Warn(place, "an empty value takes the number of the last item that had one");
+  } else if (!IsNumber(item.value, item.Base())) {
+    problems.Warn(place, fmt::format("\"{}\" is no number: only what it begins with counts{}",
+                                     item.value, InParentheses(NumberMeant(item))));
+  } else if (std::string cut = CutNumber(item.value, item.Base()); !cut.empty()) {
+    problems.Warn(line.Of(item.value), std::move(cut));
+  }
+}
+
+// Reports an item that replaces those before it, which set the keys `set`.
+void CheckAgain(const ScriptLine& line, const NamedItem& item, unsigned set, Problems& problems) {
+  if (item.which > kOe || set == 0) return;
+  if ((set >> item.which & 1U) != 0) {
+    problems.Warn(line.Of(item.key),
+                  fmt::format("a line is one operation: of {} only the last counts", item.key));
+  } else if (item.which == kOut && (set & GPIO_PIN_ALL) != 0) {
+    problems.Warn(line.Of(item.key), "GPIO_OUT replaces what the line sets before it");
+  }
+}
+
+// ---- Items that the plug-in refuses
+
+// The item that one without a known key was meant to be.
+std::string ItemMeant(const NamedItem& item) {
+  if (!item.has_equals) {
+    const Words with_value(kItemKeys, kItemKeys + kEndr);
+    if (std::string whole = WithEquals(item.key, with_value); !whole.empty()) return whole;
+  }
+  if (EqualsUpper(item.key, "GPIO_IN")) return "PRINT=GPIO_IN";
+  const std::string_view key = item.key;
+  const std::size_t first = key.find_first_not_of("\t ");
+  if (first == std::string_view::npos) return {};
+  return Nearest(key.substr(first, key.find_last_not_of("\t ") + 1 - first),
+                 Words(std::begin(kItemKeys), std::end(kItemKeys)));
+}
+
+std::string WhyUnknown(const NamedItem& item) {
+  if (EqualsUpper(item.key, "START")) return "START stands once, below the section tag";
+  const std::string_view slip = SlipIn(item.key);
+  const std::string meant = DidYouMean(ItemMeant(item));
+  if (!slip.empty()) return fmt::format("{}{}{}", slip, meant.empty() ? "" : ": ", meant);
+  if (!meant.empty()) return "no such item: " + meant;
+  return "no such item; the items are " +
+         Listed(Words(std::begin(kItemKeys), std::end(kItemKeys)), "and");
+}
+
+std::string WhyNotPrint(const NamedItem& item) {
+  if (EqualsUpper(item.value, "GPIO_IN")) return "GPIO_IN is in upper case";
+  const std::string_view slip = SlipIn(item.value);
+  return fmt::format("{}{}PRINT takes GPIO_IN alone, in upper case", slip,
+                     slip.empty() ? "" : "; ");
+}
+
+// The numbers that a key takes.
+std::string Range(const NamedItem& item) {
+  if (item.which == kRept) return "REPT takes a count from 1 to 2147483647";
+  const std::string_view key = kItemKeys[item.which];
+  return item.IsPin() ? fmt::format("{} is 0 or 1", key) : fmt::format("{} is 0 to 0x3F", key);
+}
+
+std::string WhyNotNumber(const NamedItem& item) {
+  if (!item.has_equals) return "without \"=\" it is 0; " + Range(item);
+  if (item.value.empty()) {
+    return Range(item) + "; an empty value takes the number of the last item that had one";
+  }
+  const std::string cut = CutNumber(item.value, item.Base());
+  return cut + (cut.empty() ? "" : "; ") + Range(item);
+}
+
 }  // namespace
 
-const Words& ItemKeys() {
-  static const Words keys(std::begin(kItemKeys), std::end(kItemKeys));
-  return keys;
+std::string PinNames(int pins) {
+  Words names;
+  for (unsigned pin = 0; pin < kPins; ++pin) {
+    if ((pins & 1 << pin) != 0) names.push_back(kItemKeys[pin]);
+  }
+  return Listed(names, "or");
 }
 
 NamedItem::NamedItem(std::string_view field)
@@ -24,23 +134,66 @@ NamedItem::NamedItem(std::string_view field)
   const icescript::GpioItem item(field);
   key = item.key;
   if (has_equals) value = item.value;
-  while (which < kOther && !icescript::EqualsUpper(key, kItemKeys[which])) ++which;
+  while (which < kOther && !EqualsUpper(key, kItemKeys[which])) ++which;
 }
 
-std::vector<NamedItem> ItemsOf(std::string_view text) {
-  std::vector<NamedItem> items;
-  for (icescript::FieldCursor fields(text, ','); fields.HasNext();) {
+GpioLine::GpioLine(const ScriptLine& line) : source(line) {
+  items.reserve(8);  // enough for most lines: a long script is checked line by line
+  for (icescript::FieldCursor fields(line.text, ','); fields.HasNext();) {
     items.emplace_back(fields.Next());
   }
-  return items;
 }
 
-Place PlaceOfKey(const ScriptLine& line, unsigned which) {
-  Place place = line.Start();
-  for (const NamedItem& item : ItemsOf(line.text)) {
-    if (item.which == which) place = line.Of(item.key);
+Place GpioLine::PlaceOf(unsigned key) const {
+  const auto item = std::find_if(items.rbegin(), items.rend(),
+                                 [key](const NamedItem& one) { return one.which == key; });
+  return item != items.rend() ? source.Of(item->key) : source.Start();
+}
+
+bool GpioLine::NamesBlock() const {
+  const Words blocks = {"REPT", "ENDR"};
+  return std::any_of(items.begin(), items.end(), [&blocks](const NamedItem& item) {
+    return item.which == kRept || item.which == kEndr ||
+           (item.which == kOther &&
+            (!Nearest(item.key, blocks).empty() || !WithEquals(item.key, blocks).empty()));
+  });
+}
+
+std::string GpioLine::WhyRefused(std::string_view field) const {
+  const NamedItem item(field);
+  const auto end = static_cast<std::size_t>(field.data() + field.size() - source.text.data());
+  if (FindForeignComment(source.text.substr(0, end)) != std::string_view::npos) {
+    return "comments start with #";
   }
-  return place;
+  if (item.key.empty()) return "there is a comma too many, or an item is missing";
+  if (item.which == kOther) return WhyUnknown(item);
+  if (item.which == kPrint) return WhyNotPrint(item);
+  if (items.size() > 1 && (item.which == kRept || item.which == kEndr)) {
+    return fmt::format("{} stands alone on its line", kItemKeys[item.which]);
+  }
+  return WhyNotNumber(item);
+}
+
+int GpioLine::Check(int flags, Problems& problems) const {
+  unsigned set = 0;
+  int asked = 0;
+  for (auto item = items.begin(); item != items.end(); ++item) {
+    if (item->which == kEnd) {
+      if (++item != items.end()) problems.Warn(source.Of(item->key), "text after END is not read");
+      break;
+    }
+    CheckValue(source, *item, problems);
+    CheckAgain(source, *item, set, problems);
+    set |= 1U << item->which;
+    if (item->which == kPrint) asked |= GPIO_FLAG_READ_IN;
+    if (item->which == kOe) asked |= GPIO_FLAG_WRITE_OE;
+    if (item->which == kNrst && (asked & ~flags) != 0) {
+      problems.Warn(source.Of(item->key),
+                    "NRST=1 undoes the PRINT or GPIO_OE before it on the line");
+      asked = 0;
+    }
+  }
+  return static_cast<int>(set) & GPIO_PIN_ALL;
 }
 
 }  // namespace icehost

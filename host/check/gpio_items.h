@@ -1,11 +1,12 @@
-// The items of one line of a GPIO script, by their keys.
+// The items of one line of a GPIO script: the traps in them, and why the plug-in refuses one.
 #ifndef ICESCRIPT_HOST_CHECK_GPIO_ITEMS_H_
 #define ICESCRIPT_HOST_CHECK_GPIO_ITEMS_H_
 
+#include <string>
 #include <string_view>
 #include <vector>
 
-#include "host/check/near_words.h"
+#include "host/check/problems.h"
 #include "host/check/script_text.h"
 
 namespace icehost {
@@ -23,15 +24,16 @@ enum ItemKey : unsigned {
   kEnd,
   kOther
 };
-const Words& ItemKeys();
+// Pins as text: "NRST or TRST". `pins` are GPIO_PIN_ bits.
+std::string PinNames(int pins);
 
+// The text between two commas.
 struct NamedItem {
-  // What stands between two commas.
   explicit NamedItem(std::string_view field);
 
   bool IsPin() const { return which < kPins; }
   bool TakesNumber() const { return which < kPrint || which == kRept; }
-  // Of the number.
+  // The base of the number.
   int Base() const { return value.substr(0, 2) == "0x" ? 16 : 10; }
 
   std::string_view key;
@@ -40,10 +42,24 @@ struct NamedItem {
   unsigned which;  // an ItemKey
 };
 
-std::vector<NamedItem> ItemsOf(std::string_view text);
+// A line after START, split at its commas.
+struct GpioLine {
+  explicit GpioLine(const ScriptLine& line);
 
-// Of the last item with this key, or of the line's text where there is none.
-Place PlaceOfKey(const ScriptLine& line, unsigned which);
+  // The place of the last item with this key, or of the line's text where there is none.
+  Place PlaceOf(unsigned key) const;
+  // Whether an item has the key REPT or ENDR, or nearly so.
+  bool NamesBlock() const;
+  // Explains why the plug-in's parser refused an item, `field` in the line's text: what is allowed,
+  // and what was probably meant.
+  std::string WhyRefused(std::string_view field) const;
+  // Reports the traps of a line to which the plug-in gave the flags `flags`. Returns the pins that
+  // it sets by name, GPIO_PIN_ bits.
+  int Check(int flags, Problems& problems) const;
+
+  ScriptLine source;
+  std::vector<NamedItem> items;
+};
 
 }  // namespace icehost
 

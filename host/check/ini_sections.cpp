@@ -10,12 +10,88 @@
 #include <utility>
 
 #include "base/text.h"
-#include "host/check/ini_hints.h"
 
 namespace icehost {
 namespace {
 
 using icescript::EqualsUpper;
+
+// ---- Lines that are not what they were meant to be
+
+bool Holds(const IniKeys& keys, std::string_view name) {
+  return std::find(keys.begin(), keys.end(), name) != keys.end();
+}
+
+// The key that an unknown one, without its blanks, may have been meant to be.
+std::string KeyMeant(std::string_view name, const IniKeys& keys) {
+  if (const auto slip = SlipIn(name); !slip.empty()) return std::string(slip);
+  if (!name.empty() && name.front() == '[') return "a header ends with ]";
+  if (Holds(KeysOf("CONTROL"), name)) return fmt::format("{} belongs to the section CONTROL", name);
+  if (Holds(KeysOf(""), name)) return fmt::format("{} belongs to a scan, in another section", name);
+  return DidYouMean(Nearest(name, keys));
+}
+
+// Whether a name is that of a key that only icehost knows, in upper case or lower.
+bool IsExpectationKey(std::string_view name) {
+  const IniKeys& keys = KeysOf("");
+  return std::any_of(keys.begin() + kKeysRead, keys.end(),
+                     [name](std::string_view key) { return EqualsUpper(name, key); });
+}
+
+// A text as it was meant where the author took tabs and spaces for blanks.
+std::string WithoutBlanks(std::string_view text) {
+  std::string bare(text);
+  bare.erase(
+      std::remove_if(bare.begin(), bare.end(), [](char ch) { return ch == ' ' || ch == '\t'; }),
+      bare.end());
+  return bare;
+}
+
+// Says what is wrong with a line that is neither a header nor a value, in a section of these keys.
+std::string WhyNotIniLine(std::string_view text, const IniKeys& keys) {
+  if (const auto slip = SlipIn(text); !slip.empty()) return std::string(slip);
+  if (EqualsUpper(text, "START") || EqualsUpper(text, "END")) {
+    return "a GPIO script begins with [ORVEX_ICE_GPIO]";
+  }
+  if (text.front() == '[' && text.find(']') != std::string_view::npos) {
+    return "a header ends with its ]";
+  }
+  if (text.front() == '[') return "the ] is lost: " + DidYouMean(fmt::format("{}]", text));
+  if (text.back() == ']') return "the [ is lost: " + DidYouMean(fmt::format("[{}", text));
+  const std::string meant = WithEquals(text, keys);
+  return meant.empty() ? "a line is [SECTION], KEY=VALUE or a comment behind #" : DidYouMean(meant);
+}
+
+// Reports a key that means nothing in a section of these keys.
+void WarnOfKey(const ScriptLine& line, const IniKeys& keys, std::string_view name,
+               Problems& problems) {
+  const std::string bare = WithoutBlanks(name);
+  if (IsExpectationKey(bare)) {
+    problems.Error(line.Start(),
+                   Holds(keys, "IR")
+                       ? "this expects nothing: keys are in upper case, without blanks"
+                       : "CONTROL reads nothing: this belongs to a scan");
+  } else if (Holds(keys, bare)) {
+    problems.Warn(line.Of(name.substr(name.find_first_of(" \t"))),
+                  fmt::format("a blank here belongs to the name: this is not \"{}\"", bare));
+  } else if (std::any_of(keys.begin(), keys.end(),
+                         [&bare](std::string_view key) { return EqualsUpper(bare, key); })) {
+    problems.Warn(line.Start(), "keys are in upper case: this one is ignored");
+  } else {
+    problems.Warn(line.Start(),
+                  fmt::format("unknown key, ignored: a section like this has {}{}",
+                              Listed(keys, "and"), InParentheses(KeyMeant(bare, keys))));
+  }
+}
+
+// Reports the tag of a GPIO script as the header of a section: it counts on the first line alone.
+void WarnOfLateTag(const ScriptLine& header, std::string_view name, Problems& problems) {
+  if (!icescript::IsSectionTag(fmt::format("[{}]", name))) return;
+  problems.Warn(header.Start(),
+                "a GPIO script has this on its first line with text: this is a JTAG script");
+}
+
+// ---- Sections
 
 void WarnOfTab(const ScriptLine& line, Problems& problems) {
   const std::size_t tab = line.text.find('\t');
@@ -28,8 +104,26 @@ class SectionFinder {
   explicit SectionFinder(Problems& problems) : problems_(problems) {}
 
   // A line with text.
-  void Take(const ScriptLine& line);
-  std::vector<IniSection> Finish();
+  void Take(const ScriptLine& line) {
+    WarnOfTab(line, problems_);
+    const std::size_t equals = line.text.find('=');
+    if (line.IsHeader()) {
+      TakeHeader(line);
+    } else if (equals != std::string_view::npos) {
+      TakeValue(line, line.text.substr(0, equals));
+    } else {
+      problems_.Error(line.Start(),
+                      fmt::format("{} in {}: Syntax error: nothing runs ({})", line.text, name_,
+                                  WhyNotIniLine(line.text, KeysOf(name_))));
+    }
+  }
+
+  std::vector<IniSection> Finish() {
+    for (const auto& [name, named] : named_) {
+      if (named.section < 0) problems_.Warn(*named.header, "a section without a value is not run");
+    }
+    return std::move(sections_);
+  }
 
  private:
   struct Named {
@@ -37,9 +131,49 @@ class SectionFinder {
     std::optional<Place> header;
   };
 
-  void TakeHeader(const ScriptLine& line);
-  void TakeValue(const ScriptLine& line, std::string_view key);
-  void WarnOfRepeat(const ScriptLine& line, bool repeated);
+  void TakeHeader(const ScriptLine& line) {
+    name_ = icescript::TrimRight(icescript::TrimLeft(line.text, '['), ']');
+    header_ = line.Start();
+    if (name_ != "CONTROL" && EqualsUpper(WithoutBlanks(name_), "CONTROL")) {
+      problems_.Warn(*header_, "this is not the section CONTROL, but a scan");
+    }
+    WarnOfLateTag(line, name_, problems_);
+    Named& named = named_[name_];
+    if (named.header.has_value()) {
+      problems_.Warn(*header_, name_ == "CONTROL"
+                                   ? "this continues the CONTROL above: the two are one operation"
+                                   : "this section continues the one of the same name above");
+    } else {
+      named.header = header_;
+    }
+  }
+
+  void TakeValue(const ScriptLine& line, std::string_view key) {
+    Named& named = named_[name_];
+    if (named.section < 0) {
+      named.section = static_cast<int>(sections_.size());
+      sections_.push_back({name_, header_.value_or(line.Start()), {}});
+    }
+    const IniKeys& keys = KeysOf(name_);
+    const auto known =
+        static_cast<std::size_t>(std::find(keys.begin(), keys.end(), key) - keys.begin());
+    if (known < keys.size()) {
+      int& place = sections_[static_cast<std::size_t>(named.section)].lines[known];
+      const bool repeated = std::exchange(place, line.number) != 0;
+      if (repeated && known >= kKeysRead) {
+        problems_.Error(line.Start(), "this replaces the value given above, which is not compared");
+      } else {
+        WarnOfRepeat(line, repeated);
+      }
+    } else {
+      WarnOfRepeat(line, !other_keys_.emplace(named.section, key).second);
+      WarnOfKey(line, keys, key, problems_);
+    }
+  }
+
+  void WarnOfRepeat(const ScriptLine& line, bool repeated) {
+    if (repeated) problems_.Warn(line.Start(), "this replaces the value given above");
+  }
 
   Problems& problems_;
   std::vector<IniSection> sections_;
@@ -48,71 +182,6 @@ class SectionFinder {
   std::string_view name_;
   std::optional<Place> header_;
 };
-
-void SectionFinder::Take(const ScriptLine& line) {
-  WarnOfTab(line, problems_);
-  const std::size_t equals = line.text.find('=');
-  if (line.IsHeader()) {
-    TakeHeader(line);
-  } else if (equals != std::string_view::npos) {
-    TakeValue(line, line.text.substr(0, equals));
-  } else {
-    problems_.Error(line.Start(),
-                    fmt::format("{} in {}: Syntax error: nothing runs ({})", line.text, name_,
-                                WhyNoIniLine(line.text, KeysOf(name_))));
-  }
-}
-
-void SectionFinder::TakeHeader(const ScriptLine& line) {
-  name_ = icescript::TrimRight(icescript::TrimLeft(line.text, '['), ']');
-  header_ = line.Start();
-  if (name_ != "CONTROL" && EqualsUpper(WithoutBlanks(name_), "CONTROL")) {
-    problems_.Warn(*header_, "this is not the section CONTROL, but a scan");
-  }
-  WarnOfLateTag(line, name_, problems_);
-  Named& named = named_[name_];
-  if (named.header.has_value()) {
-    problems_.Warn(*header_, name_ == "CONTROL"
-                                 ? "this continues the CONTROL above: the two are one operation"
-                                 : "this section continues the one of the same name above");
-  } else {
-    named.header = header_;
-  }
-}
-
-void SectionFinder::TakeValue(const ScriptLine& line, std::string_view key) {
-  Named& named = named_[name_];
-  if (named.section < 0) {
-    named.section = static_cast<int>(sections_.size());
-    sections_.push_back({name_, header_.value_or(line.Start()), {}});
-  }
-  const IniKeys& keys = KeysOf(name_);
-  const auto known =
-      static_cast<std::size_t>(std::find(keys.begin(), keys.end(), key) - keys.begin());
-  if (known < keys.size()) {
-    int& place = sections_[static_cast<std::size_t>(named.section)].lines[known];
-    const bool repeated = std::exchange(place, line.number) != 0;
-    if (repeated && known >= kKeysRead) {
-      problems_.Error(line.Start(), "this replaces the value given above, which is not compared");
-    } else {
-      WarnOfRepeat(line, repeated);
-    }
-  } else {
-    WarnOfRepeat(line, !other_keys_.emplace(named.section, key).second);
-    WarnOfKey(line, keys, key, problems_);
-  }
-}
-
-void SectionFinder::WarnOfRepeat(const ScriptLine& line, bool repeated) {
-  if (repeated) problems_.Warn(line.Start(), "this replaces the value given above");
-}
-
-std::vector<IniSection> SectionFinder::Finish() {
-  for (const auto& [name, named] : named_) {
-    if (named.section < 0) problems_.Warn(*named.header, "a section without a value is not run");
-  }
-  return std::move(sections_);
-}
 
 }  // namespace
 

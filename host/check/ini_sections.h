@@ -1,4 +1,4 @@
-// Where the sections and values of a JTAG script stand, which the INI store does not keep.
+// The sections of a JTAG script and the lines of their values, which the INI store does not keep.
 #ifndef ICESCRIPT_HOST_CHECK_INI_SECTIONS_H_
 #define ICESCRIPT_HOST_CHECK_INI_SECTIONS_H_
 
@@ -6,16 +6,17 @@
 #include <string_view>
 #include <vector>
 
-#include "host/check/near_words.h"
+#include "host/check/hints.h"
 #include "host/check/problems.h"
+#include "host/check/script_text.h"
 
 namespace icehost {
 
-// The keys of a section that mean something.
+// The keys that a section of this name knows.
 using IniKeys = Words;
 const IniKeys& KeysOf(std::string_view section);
 
-// Where they are in it: first those that the plug-in reads, the others are icehost's.
+// Their places in the list: first those that the plug-in reads, then those of icehost alone.
 enum ControlKey : std::size_t { kReset, kCdi };
 enum ScanKey : std::size_t { kIr, kDr, kTdo, kMask, kIrTdo, kIrMask };
 constexpr std::size_t kKeysRead = 2;
@@ -24,7 +25,7 @@ constexpr std::size_t kMostKeys = 6;
 struct IniSection {
   std::string_view name;  // in the script's text
   Place first;            // its header, or its first value where it has none
-  // That have the values of its keys, the last ones; 0: none has.
+  // The lines with the values of its keys, the last ones; 0 where there is none.
   std::array<int, kMostKeys> lines;
 };
 

@@ -1,15 +1,286 @@
 #include "host/check/plan.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
+#include <cctype>
+
+#include "base/field_cursor.h"
+#include "base/number.h"
+#include "base/text.h"
+#include "entry/icescript.h"
+#include "host/check/gpio_items.h"
+#include "host/check/hints.h"
 
 namespace icehost {
+namespace {
 
-const Expectation* Plan::Expected(std::size_t operation, Expectation::Of of) const {
+using Of = Expectation::Of;
+
+// ---- The comment of a GPIO line
+
+constexpr std::string_view kWord = "expect";
+constexpr const char* kForm =
+    "expected is NAME=LEVEL, ... with the names of pins, or VALUE or VALUE/MASK up to 0x3f";
+
+// Levels of pins, and which of them count.
+struct Levels {
+  int value = 0;
+  int mask = 0;
+};
+
+std::string_view TrimWhitespace(std::string_view text) {
+  const std::size_t first = text.find_first_not_of(" \t\r");
+  if (first == std::string_view::npos) return text.substr(text.size());
+  return text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
+}
+
+// The letters that a text begins with.
+std::string_view FirstWord(std::string_view text) {
+  const auto* const end = std::find_if(text.begin(), text.end(),
+                                       [](unsigned char ch) { return std::isalpha(ch) == 0; });
+  return text.substr(0, static_cast<std::size_t>(end - text.begin()));
+}
+
+// The comment of a line, from its "#" to the end; empty where it has none.
+std::string_view CommentOf(const ScriptLine& line) {
+  const auto end = static_cast<std::size_t>(line.text.data() + line.text.size() - line.raw.data());
+  return line.raw.substr(std::min(line.raw.find('#', end), line.raw.size()));
+}
+
+// The part of a comment that says "expect ...", from its word on and up to the next "#"; empty
+// where there is none.
+std::string_view FindExpect(std::string_view comment) {
+  icescript::FieldCursor notes(comment, '#');
+  while (notes.HasNext()) {
+    const std::string_view note = TrimWhitespace(notes.Next());
+    if (FirstWord(note) == kWord) return note;
+  }
+  return {};
+}
+
+// The levels of all pins as a number, decimal or hexadecimal after "0x".
+std::optional<int> PinWord(std::string_view text) {
+  const bool hex = text.substr(0, 2) == "0x";
+  const std::string_view digits = text.substr(hex ? 2 : 0);
+  const int base = hex ? 16 : 10;
+  if (digits.size() > 4 || !IsDigits(digits, base)) return std::nullopt;
+  const int number = icescript::ParseNumber(digits, base);
+  if (number > GPIO_PIN_ALL) return std::nullopt;
+  return number;
+}
+
+std::optional<Levels> WordLevels(std::string_view text) {
+  const std::size_t slash = std::min(text.find('/'), text.size());
+  const std::optional<int> value = PinWord(TrimWhitespace(text.substr(0, slash)));
+  const std::optional<int> mask =
+      slash == text.size() ? GPIO_PIN_ALL : PinWord(TrimWhitespace(text.substr(slash + 1)));
+  if (!value.has_value() || !mask.has_value()) return std::nullopt;
+  return Levels{*value, *mask};
+}
+
+// NAME=LEVEL, no pin twice.
+std::optional<Levels> NamedLevels(std::string_view text) {
+  Levels levels;
+  for (icescript::FieldCursor items(text, ','); items.HasNext();) {
+    const std::string_view item = items.Next();
+    const std::size_t equals = std::min(item.find('='), item.size());
+    const std::string_view name = TrimWhitespace(item.substr(0, equals));
+    const std::string_view level = TrimWhitespace(item.substr(std::min(equals + 1, item.size())));
+    const unsigned pin = NamedItem(name).which;
+    if (pin >= kPins || (level != "0" && level != "1")) return std::nullopt;
+    const int bit = 1 << pin;
+    if ((levels.mask & bit) != 0) return std::nullopt;
+    levels.mask |= bit;
+    if (level == "1") levels.value |= bit;
+  }
+  return levels;
+}
+
+std::optional<Levels> ReadLevels(std::string_view text) {
+  return text.find('=') != std::string_view::npos ? NamedLevels(text) : WordLevels(text);
+}
+
+bool SaysExpect(std::string_view text) {
+  return std::search(text.begin(), text.end(), kWord.begin(), kWord.end(),
+                     [](char ch, char letter) {
+                       return icescript::UpperCase(ch) == icescript::UpperCase(letter);
+                     }) != text.end();
+}
+
+// Reports a comment that may have been meant as an expectation.
+void WarnOfNearWord(const ScriptLine& line, std::string_view comment, Problems& problems) {
+  icescript::FieldCursor notes(comment, '#');
+  while (notes.HasNext()) {
+    const std::string_view note = TrimWhitespace(notes.Next());
+    const std::string_view word = FirstWord(note);
+    const bool near = !Nearest(word, {kWord}).empty() &&
+                      ReadLevels(TrimWhitespace(note.substr(word.size()))).has_value();
+    if (!near && !SaysExpect(note)) continue;
+    problems.Warn(line.Of(note), "nothing is expected here: " + DidYouMean("# expect ..."));
+    return;
+  }
+}
+
+// The levels that "expect ..." names, as text.
+std::string_view LevelsIn(std::string_view expect) {
+  return TrimWhitespace(expect.substr(kWord.size()));
+}
+
+// Whether another expectation follows the one that counts.
+bool HasAnother(std::string_view comment, std::string_view expect) {
+  const auto end = static_cast<std::size_t>(expect.data() + expect.size() - comment.data());
+  const std::size_t mark = comment.find('#', end);
+  return mark != std::string_view::npos && !FindExpect(comment.substr(mark)).empty();
+}
+
+// ---- Learning
+
+// "0x01,0x10": as DR lists them.
+std::string ByteList(const std::string& bytes) {
+  std::string list;
+  for (const char byte : bytes) {
+    list += fmt::format("{}0x{:02x}", list.empty() ? "" : ",", static_cast<unsigned char>(byte));
+  }
+  return list;
+}
+
+class Learner {
+ public:
+  Learner(const ScriptText& script, const Plan& plan) : script_(script), plan_(plan) {}
+
+  void Take(std::size_t operation, Of of, const Capture& capture) {
+    const Expectation* const known = plan_.Expected(operation, of);
+    if (of == Of::kPins) {
+      TakePins(static_cast<int>(plan_.pins[operation].line),
+               known != nullptr ? known->mask[0] : '\x3F', capture);
+    } else if (known != nullptr) {
+      Replace(known->place, ByteList(capture.value));
+    } else if (of == Of::kDr && plan_.jtag[operation].reads && !capture.value.empty()) {
+      const ScriptLine line = script_.Line(plan_.jtag[operation].line);
+      const bool returns = !line.raw.empty() && line.raw.back() == '\r';
+      const std::string learned = fmt::format("\nTDO={}", ByteList(capture.value));
+      // Before a carriage return, which then ends the new line.
+      Edit(line.raw.substr(line.raw.size() - (returns ? 1 : 0), 0),
+           (returns ? "\r" : "") + learned);
+    }
+  }
+
+  std::string Finish() {
+    std::string learned;
+    std::size_t kept = 0;
+    for (const auto& [at, edit] : edits_) {
+      learned.append(script_.Content(), kept, at - kept).append(edit.text);
+      kept = at + edit.replaced;
+    }
+    return learned.append(script_.Content(), kept);
+  }
+
+ private:
+  struct Change {
+    std::size_t replaced;
+    std::string text;
+  };
+
+  void Edit(std::string_view replaced, std::string text) {
+    const auto at = static_cast<std::size_t>(replaced.data() - script_.Content().data());
+    edits_[at] = {replaced.size(), std::move(text)};
+  }
+
+  // Replaces the rest of the line's text from a place on.
+  void Replace(Place place, std::string text) {
+    const ScriptLine line = script_.Line(place.line);
+    Edit(line.text.substr(static_cast<std::size_t>(place.column - line.Start().column)),
+         std::move(text));
+  }
+
+  void TakePins(int number, char mask, const Capture& capture) {
+    const ScriptLine line = script_.Line(number);
+    const std::string_view comment = CommentOf(line);
+    const std::string_view known = FindExpect(comment);
+    const int counted = capture.steady[0] & mask;
+    const std::string learned =
+        counted == 0 ? ""
+                     : fmt::format("expect 0x{:02x}/0x{:02x}", capture.value[0] & counted, counted);
+    if (!known.empty()) {
+      Edit(known, learned.empty() ? "its levels change" : learned);
+    } else if (learned.empty()) {
+      return;
+    } else if (!comment.empty()) {
+      Edit(comment.substr(0, 0), fmt::format("# {} ", learned));
+    } else {
+      Edit(line.text.substr(line.text.size(), 0), fmt::format("  # {}", learned));
+    }
+  }
+
+  const ScriptText& script_;
+  const Plan& plan_;
+  std::map<std::size_t, Change> edits_;  // by their places in the content
+};
+
+}  // namespace
+
+const Expectation* Plan::Expected(std::size_t operation, Of of) const {
   auto at = std::lower_bound(
       expectations.begin(), expectations.end(), operation,
       [](const Expectation& one, std::size_t number) { return one.operation < number; });
   while (at != expectations.end() && at->operation == operation && at->of != of) ++at;
   return at != expectations.end() && at->operation == operation ? &*at : nullptr;
+}
+
+std::string Learn(const ScriptText& script, const Plan& plan, const Captures& captures) {
+  Learner learner(script, plan);
+  for (const auto& [what, capture] : captures) learner.Take(what.first, what.second, capture);
+  return learner.Finish();
+}
+
+std::optional<Expectation> ReadPinExpectation(const ScriptLine& line, Problems& problems) {
+  const std::string_view comment = CommentOf(line);
+  if (comment.empty()) return std::nullopt;
+  const std::string_view expect = FindExpect(comment);
+  if (expect.empty()) {
+    WarnOfNearWord(line, comment, problems);
+    return std::nullopt;
+  }
+  const std::string_view text = LevelsIn(expect);
+  const Place place = line.Of(text.empty() ? expect : text);
+  const std::optional<Levels> levels = ReadLevels(text);
+  if (!levels.has_value()) {
+    problems.Error(place, kForm);
+  } else if (levels->mask == 0) {
+    problems.Error(place, "a mask of 0 compares nothing");
+  } else if (HasAnother(comment, expect)) {
+    problems.Error(place, "a line has one expectation, and this one has more");
+  } else {
+    Expectation expectation{0, Of::kPins, place, "", "", levels->mask != GPIO_PIN_ALL};
+    expectation.value += static_cast<char>(levels->value);
+    expectation.mask += static_cast<char>(levels->mask);
+    return expectation;
+  }
+  return std::nullopt;
+}
+
+void ReportVainExpectation(const ScriptLine& line, Problems& problems) {
+  const std::string_view expect = FindExpect(CommentOf(line));
+  if (expect.empty()) return;
+  constexpr const char* kNoRead = "nothing is read on this line";
+  const std::string_view text = LevelsIn(expect);
+  if (ReadLevels(text).has_value()) {
+    problems.Error(line.Of(expect), kNoRead);
+  } else if (text.find('=') != std::string_view::npos) {  // it may be a sentence
+    problems.Warn(line.Of(expect), kNoRead);
+  }
+}
+
+void WarnOfPinExpectation(const ScriptLine& line, Problems& problems) {
+  const std::string_view expect = FindExpect(CommentOf(line));
+  if (expect.empty()) return;
+  const std::string_view text = LevelsIn(expect);
+  // More than a number may be a sentence.
+  const bool number = !text.empty() && text[0] >= '0' && text[0] <= '9' &&
+                      text.find_first_of(" \t") == std::string_view::npos;
+  if (!number && !ReadLevels(text).has_value()) return;
+  problems.Warn(line.Of(expect), "a JTAG script says with TDO and MASK what it expects");
 }
 
 }  // namespace icehost

@@ -1,12 +1,15 @@
-// What the plug-in does with a script and what the script expects of it, with the places where it
-// says so.
+// What the plug-in does with a script, what the script expects of it, and what a run has read.
 #ifndef ICESCRIPT_HOST_CHECK_PLAN_H_
 #define ICESCRIPT_HOST_CHECK_PLAN_H_
 
 #include <cstddef>
+#include <map>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "host/check/problems.h"
 #include "host/check/script_text.h"
 
 namespace icehost {
@@ -14,8 +17,8 @@ namespace icehost {
 // One pin operation, in one word: a script may have millions.
 struct PinOperation {
   unsigned line : 30;
-  unsigned begins_block : 1;  // a REPT stands before it
-  unsigned ends_block : 1;    // an ENDR stands behind it
+  unsigned begins_block : 1;  // it follows a REPT
+  unsigned ends_block : 1;    // an ENDR follows it
 };
 
 // One operation of a JTAG script.
@@ -37,16 +40,45 @@ struct Expectation {
   bool masked;        // the script says so itself
 };
 
+// How many bits of a captured IR a script can compare: more are not handed out.
+constexpr int kMostCapturedIrBits = 16;
+
 // The operations in the order in which they are first met; of a script with errors those that run
-// all the same. One of the two is empty.
+// all the same. One of the two lists is empty.
 struct Plan {
   std::vector<PinOperation> pins;
   std::vector<JtagOperation> jtag;
   std::vector<Expectation> expectations;  // by operation
 
-  // What is expected of an operation, or null.
+  // The value that is expected of an operation, or null.
   const Expectation* Expected(std::size_t operation, Expectation::Of of) const;
 };
+
+// The values that one operation has read in all its runs.
+struct Capture {
+  std::string value;   // bytes, least significant first: the first one read
+  std::string steady;  // as many; a bit that is 1 was the same each time
+};
+
+// By operation of the plan, and the part of it that was read.
+using Captures = std::map<std::pair<std::size_t, Expectation::Of>, Capture>;
+
+// Returns the script with the values read as the values it expects: for each read, and for each
+// value that it expects already, under the masks that it has. Pins that changed from one run of a
+// line to the next do not count there. Everything else stays as it is.
+std::string Learn(const ScriptText& script, const Plan& plan, const Captures& captures);
+
+// ---- "# expect TDO=1, NRST=1" or "# expect VALUE/MASK" in the comment of a GPIO line
+
+// Reads the expectation of a line that reads the pins. None where there is none, or where it is
+// wrong, which is reported.
+std::optional<Expectation> ReadPinExpectation(const ScriptLine& line, Problems& problems);
+
+// Reports an expectation on a line that reads nothing.
+void ReportVainExpectation(const ScriptLine& line, Problems& problems);
+
+// Reports an expectation in a comment of a JTAG script, which expects with keys.
+void WarnOfPinExpectation(const ScriptLine& line, Problems& problems);
 
 }  // namespace icehost
 

@@ -7,6 +7,7 @@
 #include <tuple>
 
 #include "host/system/interrupt.h"
+#include "host/system/json_text.h"
 #include "host/system/printable.h"
 
 namespace icehost {
@@ -29,12 +30,31 @@ std::string BlanksBelow(const std::string& shown) {
   return blanks;
 }
 
+// Finds lines of a text in one walk through it.
+class LineFinder {
+ public:
+  explicit LineFinder(std::string_view text) : rest_(text) {}
+
+  // The line of this number, which is not below the one before it.
+  std::string_view Find(int number) {
+    for (; number_ < number; ++number_) {
+      rest_.remove_prefix(std::min(rest_.find('\n'), rest_.size()));
+      if (!rest_.empty()) rest_.remove_prefix(1);
+    }
+    return rest_.substr(0, rest_.find('\n'));
+  }
+
+ private:
+  std::string_view rest_;  // from the line `number_` on
+  int number_ = 1;
+};
+
 // The line, and the caret below its column.
 std::string Source(std::string_view raw, std::size_t column, const fmt::text_style& caret_style) {
   const std::size_t at = std::min(column - 1, raw.size());
   std::size_t first = at - std::min(at, kShownBefore);
   std::size_t end = std::min(raw.size(), first + kShown);
-  // No character is cut in two.
+  // A character is not cut in two.
   while (first > 0 && first < at && IsContinuation(raw[first])) ++first;
   while (end > at && end < raw.size() && IsContinuation(raw[end])) --end;
   const std::string before = Printable(raw.substr(first, at - first));
@@ -59,11 +79,13 @@ void Problems::Sort() {
   });
 }
 
-void Problems::Write(std::ostream& stream, const ScriptText& script, ReportStyle style) const {
+void Problems::Write(std::ostream& stream, std::string_view name, std::string_view content,
+                     ReportStyle style) const {
   const auto styled = [style](fmt::terminal_color of) {
     return style.colour ? fmt::emphasis::bold | fg(of) : fmt::text_style();
   };
-  const std::string file = Printable(script.Name());
+  const std::string file = Printable(name);
+  LineFinder lines(content);
   for (const Problem& problem : found_) {
     ThrowIfInterrupted();
     if (style.errors_only && !problem.error) continue;
@@ -72,8 +94,17 @@ void Problems::Write(std::ostream& stream, const ScriptText& script, ReportStyle
     const auto colour = problem.error ? fmt::terminal_color::red : fmt::terminal_color::magenta;
     stream << fmt::format("{}:{}:{}: {} {}\n", file, line, column,
                           fmt::styled(word, styled(colour)), Printable(problem.text))
-           << Source(script.Line(line).raw, static_cast<std::size_t>(column),
+           << Source(lines.Find(line), static_cast<std::size_t>(column),
                      styled(fmt::terminal_color::green));
+  }
+}
+
+void Problems::WriteJson(std::ostream& stream) const {
+  for (const Problem& problem : found_) {
+    ThrowIfInterrupted();
+    stream << fmt::format("{{\"problem\":\"{}\",\"line\":{},\"column\":{},\"text\":{}}}\n",
+                          problem.error ? "error" : "warning", problem.place.line,
+                          problem.place.column, JsonText(problem.text));
   }
 }
 

@@ -1,18 +1,22 @@
-// What is wrong with a script, and how that is shown.
+// What is wrong with a script or another text, and how that is shown.
 #ifndef ICESCRIPT_HOST_CHECK_PROBLEMS_H_
 #define ICESCRIPT_HOST_CHECK_PROBLEMS_H_
 
 #include <ostream>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
-#include "host/check/script_text.h"
-
 namespace icehost {
 
-// One problem. An error makes the plug-in refuse or skip something; a warning is legal and almost
-// never meant.
+// Both from 1; columns are bytes.
+struct Place {
+  int line;
+  int column;
+};
+
+// An error makes the plug-in refuse or skip something; a warning is legal and almost never meant.
 struct Problem {
   Place place;
   bool error;
@@ -24,7 +28,7 @@ struct ReportStyle {
   bool colour = false;
 };
 
-// Collects the problems of one script.
+// Collects the problems of one text.
 class Problems {
  public:
   void Error(Place place, std::string text) { found_.push_back({place, true, std::move(text)}); }
@@ -34,11 +38,16 @@ class Problems {
   bool HasErrors() const { return Errors() > 0; }
   long Errors() const;
   long Warnings() const { return static_cast<long>(found_.size()) - Errors(); }
-  // By their places; to be called before they are written.
+  // Sorts them by their places, as both of the writers below expect.
   void Sort();
   const std::vector<Problem>& Found() const { return found_; }
-  // "file:line:column: error: text", the line, and a caret below it. Throws Interrupted.
-  void Write(std::ostream& stream, const ScriptText& script, ReportStyle style) const;
+
+  // Writes "name:line:column: error: text", the line of `content`, and a caret below it. `content`
+  // is the whole text. Throws Interrupted, as does WriteJson.
+  void Write(std::ostream& stream, std::string_view name, std::string_view content,
+             ReportStyle style) const;
+  // Writes a JSON object a line; docs/json.md describes it. ASCII only.
+  void WriteJson(std::ostream& stream) const;
 
  private:
   std::vector<Problem> found_;

@@ -12,7 +12,7 @@
 namespace icehost {
 namespace {
 
-// Every so many lines their beginning is kept.
+// The beginning of every so many lines is kept.
 constexpr int kStride = 16;
 
 // The line reader counts on room for a terminating NUL.
@@ -20,7 +20,7 @@ bool IsTooLong(std::string_view raw) {
   return raw.size() >= icescript::INI_LINE_BUFFER;
 }
 
-// As the line reader and the readers behind it cut and trim a line.
+// As the line reader and the readers that use it cut and trim a line.
 std::string_view TextOf(std::string_view raw) {
   const std::string_view cut = raw.substr(0, std::min(raw.find('#'), raw.find('\0')));
   return icescript::TrimBlanks(icescript::TrimRight(cut, ' '));
@@ -97,9 +97,9 @@ ScriptLine ScriptText::Line(int number) const {
   return *at;
 }
 
-std::optional<ScriptLine> ScriptText::TooLong() const {
+std::optional<Place> ScriptText::CutAt() const {
   if (too_long_ == 0) return std::nullopt;
-  return Line(too_long_);
+  return Place{too_long_, icescript::INI_LINE_BUFFER};
 }
 
 }  // namespace icehost

@@ -1,4 +1,4 @@
-// The text of a script, with the places of what stands in it.
+// The text of a script, line by line.
 #ifndef ICESCRIPT_HOST_CHECK_SCRIPT_TEXT_H_
 #define ICESCRIPT_HOST_CHECK_SCRIPT_TEXT_H_
 
@@ -7,13 +7,9 @@
 #include <string_view>
 #include <vector>
 
-namespace icehost {
+#include "host/check/problems.h"
 
-// Both from 1; columns are bytes.
-struct Place {
-  int line;
-  int column;
-};
+namespace icehost {
 
 // One line as the readers of the plug-in take it. The views are of the ScriptText.
 struct ScriptLine {
@@ -26,21 +22,21 @@ struct ScriptLine {
   bool Blank() const { return text.empty(); }
   // Whether the reader of JTAG scripts takes it as the header of a section.
   bool IsHeader() const { return !Blank() && text.front() == '[' && text.back() == ']'; }
-  // Of a part of the line.
+  // The place of a part of the line.
   Place Of(std::string_view part) const {
     return {number, static_cast<int>(part.data() - raw.data()) + 1};
   }
-  // Of the text.
+  // The place of the text.
   Place Start() const { return Of(text); }
 };
 
-// The whole of `path`, "-" being standard input, up to `limit` bytes. Throws IoError that says why
-// not: it does not exist, is a directory, or is binary: it holds a NUL, does not begin with a
-// section header, and the plug-in refuses more than half of its lines. Throws Interrupted.
+// Reads the whole of `path`, "-" being standard input, up to `limit` bytes. Throws IoError where it
+// cannot be read or is binary: where it holds a NUL, does not begin with a section header, and the
+// plug-in refuses more than half of its lines. Throws Interrupted.
 std::string ReadScript(const std::string& path, std::size_t limit);
 
-// The lines that the plug-in reads: up to the first that is too long for it. They are made anew
-// each time that they are asked for: a script may have millions.
+// The lines that the plug-in reads: up to the first that is too long for it. Each is made when it
+// is asked for and is not kept: a script may have millions.
 class ScriptText {
  public:
   class Iterator {
@@ -74,10 +70,11 @@ class ScriptText {
   Iterator end() const { return {Read(), read_, 0}; }
   // The first line with text at or after `from`.
   Iterator WithText(Iterator from) const;
+  bool HasText() const { return WithText(begin()) != end(); }
   // A line by its number, the one that is too long included.
   ScriptLine Line(int number) const;
-  // The line that is too long, if there is one.
-  std::optional<ScriptLine> TooLong() const;
+  // Where the plug-in stops reading for a line that is too long, if there is one.
+  std::optional<Place> CutAt() const;
 
  private:
   std::string_view Read() const { return std::string_view(content_).substr(0, read_); }

@@ -8,7 +8,6 @@
 #include <unordered_map>
 #include <vector>
 
-#include "host/check/captures.h"
 #include "host/check/plan.h"
 #include "host/events/events.h"
 

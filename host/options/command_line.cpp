@@ -8,8 +8,7 @@
 #include <sstream>
 #include <utility>
 
-#include "host/check/near_words.h"
-#include "host/check/remarks.h"
+#include "host/check/hints.h"
 #include "host/options/verb_options.h"
 #include "host/system/printable.h"
 

@@ -8,15 +8,13 @@
 #include <vector>
 
 #include "base/text.h"
+#include "host/check/plan.h"
 #include "host/system/printable.h"
 
 namespace icehost {
 namespace {
 
 constexpr std::size_t kLongestName = 200;
-
-// The bits of a captured IR that a script can compare.
-constexpr std::size_t kMostComparedIrBits = 16;
 
 // "0x01,0x02": the bits that are shifted first in the first byte. At least one byte.
 std::string Bytes(const Bits& bits) {
@@ -41,10 +39,10 @@ void ScriptWriter::Ir(Place place, const SvfShift& shift) {
   WriteIr();
   instruction_reset_ = false;
   if (!BeginScan(place, shift)) return;
-  if (shift.Compares() && shift.tdi.size() > kMostComparedIrBits) {
+  if (shift.Compares() && shift.tdi.size() > kMostCapturedIrBits) {
     problems_.Error(place, fmt::format("a script compares a captured IR of up to {} bits, this one "
                                        "has {}: leave its TDO out",
-                                       kMostComparedIrBits, shift.tdi.size()));
+                                       kMostCapturedIrBits, shift.tdi.size()));
     return;
   }
   new_ir_ = {place.line, shift};

@@ -166,7 +166,7 @@ TEST(Svf, ImportsWhatAScriptCanSay) {
       // Scans without their other half, and several on a line.
       {"SDR 8 TDI (0);SDR 8;\nSIR 5 TDI (2);SIR 5;",
        "<stdin>:1:1: warning: no SIR before: this scans what the instruction before the file "
-       "selects, and icehost resets the TAP first\n",
+       "selects, and icehost resets the TAP first\nSDR 8 TDI (0);SDR 8;\n^\n",
        "[LINE_1]\nIR=0,0x00\nDR=W,8,0x00\n\n[LINE_1_2]\nIR=0,0x00\nDR=W,8,0x00\n\n"
        "[LINE_2]\nIR=5,0x02\nDR=W,0,0x00\n\n[LINE_2_2]\nIR=5,0x02\nDR=W,0,0x00\n\n"},
       // What changes nothing; a reset behind the last scan stays undone, and that is told.
@@ -174,7 +174,7 @@ TEST(Svf, ImportsWhatAScriptCanSay) {
        "FREQUENCY 1.5E6 HZ; RUNTEST RESET 100 TCK ENDSTATE IDLE; SIR 5 TDI (1);\n"
        "RUNTEST IDLE 16 TCK 1E-5 SEC MAXIMUM 1 SEC ENDSTATE IDLE; SDR 1 TDI (0);\n STATE RESET;",
        "<stdin>:4:2: warning: left out: a script cannot reset the TAP behind its scans; the last "
-       "instruction stays\n",
+       "instruction stays\n STATE RESET;\n ^\n",
        "[LINE_3]\nIR=5,0x01\nDR=W,1,0x00\n\n"},
       {"SIR 16 TDI (8001) TDO (8001); SDR 288 TDI (0);", "",
        "[LINE_1]\nIR=16,0x01,0x80\nDR=W,288,"
@@ -271,10 +271,12 @@ TEST(Svf, BoundsWhatItTakes) {
   } kRuns[] = {
       {"yes 'FOO 1;' | head -n 1000 | icehost import - 2>&1 | grep -c error:", 0, "50\n"},
       {"(printf 'SDR 8 TDI (0) '; yes ')' | head -n 100; echo ';') | icehost import - 2>&1", 1,
-       "<stdin>:1:1: error: the statement has more than 64 words\nicehost: - is not imported\n"},
+       "<stdin>:1:1: error: the statement has more than 64 words\nSDR 8 TDI (0) )\n^\n"
+       "icehost: - is not imported\n"},
       {"printf 'SIR 5 TDI (1\\0);\\0;' | icehost import - 2>&1", 1,
-       "<stdin>:1:13: error: \" \" is no hexadecimal digit\n"
-       "<stdin>:1:16: error: SVF has no statement \" \"\nicehost: - is not imported\n"},
+       "<stdin>:1:13: error: \" \" is no hexadecimal digit\nSIR 5 TDI (1 ); ;\n            ^\n"
+       "<stdin>:1:16: error: SVF has no statement \" \"\nSIR 5 TDI (1 ); ;\n               ^\n"
+       "icehost: - is not imported\n"},
       {"(echo 'SDR 288 TDI (0);'; yes 'SDR 288;' | head -n 8000) | icehost import --size-limit 1 - "
        "2>&1 | head -n 1 | cut -d: -f3-",
        0, "1: error: the script becomes larger than 1 MiB; --size-limit lets more out\n"},

@@ -1,14 +1,20 @@
-#include "host/check/near_words.h"
+#include "host/check/hints.h"
+
+#include <fmt/format.h>
 
 #include <algorithm>
 #include <array>
+#include <charconv>
+#include <limits>
+#include <system_error>
 
+#include "base/number.h"
 #include "base/text.h"
 
 namespace icehost {
 namespace {
 
-// Longer words are near none.
+// No word is near a longer one.
 constexpr std::size_t kLongest = 32;
 
 // Letters that look alike become one.
@@ -24,7 +30,7 @@ char Shape(char ch) {
   }
 }
 
-// How many slips make one word of the other, each no longer than kLongest.
+// How many slips turn one word into the other, each no longer than kLongest.
 std::size_t Slips(std::string_view a, std::string_view b) {
   std::array<std::array<std::size_t, kLongest + 1>, 3> rows{};
   for (std::size_t j = 0; j <= b.size(); ++j) rows[0][j] = j;
@@ -44,7 +50,7 @@ std::size_t Slips(std::string_view a, std::string_view b) {
   return rows[a.size() % 3][b.size()];
 }
 
-// That a word of this size forgives.
+// How many slips a word of this size forgives.
 std::size_t Forgiven(std::size_t size) {
   return size < 6 ? 1 : 2;
 }
@@ -89,6 +95,49 @@ std::string WithEquals(std::string_view text, const Words& keys) {
     }
   }
   return {};
+}
+
+std::size_t FindForeignComment(std::string_view text) {
+  return std::min(text.find(';'), text.find("//"));
+}
+
+std::string_view SlipIn(std::string_view text) {
+  if (text.substr(0, 3) == "\xEF\xBB\xBF") return "a byte-order mark stands before it";
+  if (FindForeignComment(text) != std::string_view::npos) return "comments start with #";
+  if (!text.empty() && (text.front() == '\t' || text.back() == '\t')) return "tabs are text here";
+  return {};
+}
+
+std::string InParentheses(std::string_view remark) {
+  return remark.empty() ? "" : std::string(" (").append(remark).append(")");
+}
+
+std::string DidYouMean(std::string_view what) {
+  return what.empty() ? "" : std::string("did you mean ").append(what).append("?");
+}
+
+bool IsDigits(std::string_view text, int base) {
+  const auto is_digit = [base](char ch) {
+    const char upper = icescript::UpperCase(ch);
+    return (ch >= '0' && ch <= '9') || (base == 16 && upper >= 'A' && upper <= 'F');
+  };
+  return !text.empty() && std::all_of(text.begin(), text.end(), is_digit);
+}
+
+std::string CutNumber(std::string_view text, int base) {
+  if (text.size() < 8) return {};  // as a rule
+  std::string_view digits = text.substr(std::min(text.find_first_not_of(" \t"), text.size()));
+  if (digits.substr(0, 1) == "+") digits.remove_prefix(1);
+  if (base == 16 && digits.substr(0, 2) == "0x") digits.remove_prefix(2);
+  long number = 0;
+  const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), number, base);
+  using Kept = std::numeric_limits<int>;
+  if (result.ec != std::errc::result_out_of_range && number <= Kept::max() &&
+      number >= Kept::min()) {
+    return {};
+  }
+  return fmt::format("{} is too large a number: taken as {}", text,
+                     icescript::ParseNumber(text, base));
 }
 
 }  // namespace icehost
