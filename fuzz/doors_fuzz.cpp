@@ -18,10 +18,8 @@
 
 #include "entry/icescript.h"
 #include "fuzz/harness.h"
+#include "host/chain/chain.h"
 #include "host/chain/chain_reader.h"
-#include "host/chain/chain_report.h"
-#include "host/chain/chain_script.h"
-#include "host/chain/openocd_chain.h"
 #include "host/check/check.h"
 #include "host/check/check_stream.h"
 #include "host/check/learn.h"
@@ -31,7 +29,7 @@
 #include "host/pins/vcd_writer.h"
 #include "host/probe/bitbang_port.h"
 #include "host/probe/bitbang_server.h"
-#include "host/probe/openocd_probe.h"
+#include "host/probe/openocd.h"
 #include "host/probe/pin_probe.h"
 #include "host/probe/sim_port.h"
 #include "host/svf/importer.h"
@@ -164,11 +162,10 @@ void BeBitbangClient(std::string_view bytes) {
                             icehost::BitbangPort::Manner::kProbe);
   StepCounter counter;
   icehost::RecordingPort recording(port, {&counter});
-  icehost::PinProbe probe(recording, CDI_ANSWER_JTAG5, false, [](const std::string& why) {
-    Check(!why.empty(), "a doubt has a reason");
-  });
+  icehost::PinProbe probe(recording, CDI_ANSWER_JTAG5, false);
   Scan(probe);
   probe.Flush();
+  Check(counter.steps == probe.Steps(), "every write is a step");
   Check(counter.steps == recording.Steps(), "every step is recorded");
 }
 
@@ -227,7 +224,7 @@ class AnsweringPort : public icehost::PinPort {
 void TellChain(const icehost::Chain& chain, std::optional<std::size_t> only) {
   Check(!chain.taps.empty() || !chain.faults.empty(), "no TAP is a fault");
   Check(chain.taps.size() <= icehost::kMostTaps || only.has_value(), "a chain has an end");
-  Check(!icehost::ReportOf(chain, "a probe", {}).empty(), "a chain is told");
+  Check(!icehost::ReportOf(chain, "a probe").empty(), "a chain is told");
   if (!chain.faults.empty()) return;
   std::vector<std::string> scripts = {icehost::GpioScriptOf(chain)};
   try {

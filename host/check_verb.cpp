@@ -9,10 +9,9 @@
 
 #include "host/check/check.h"
 #include "host/check/check_stream.h"
-#include "host/colour.h"
-#include "host/reporter.h"
 #include "host/system/errors.h"
 #include "host/system/output_file.h"
+#include "host/system/standard_streams.h"
 #include "host/verbs.h"
 
 namespace icehost {

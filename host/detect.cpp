@@ -6,14 +6,12 @@
 #include <string>
 #include <vector>
 
+#include "host/chain/chain.h"
 #include "host/chain/chain_reader.h"
-#include "host/chain/chain_report.h"
-#include "host/chain/chain_script.h"
-#include "host/chain/openocd_chain.h"
 #include "host/open_probe.h"
-#include "host/reporter.h"
 #include "host/system/errors.h"
 #include "host/system/output_file.h"
+#include "host/system/standard_streams.h"
 #include "host/verbs.h"
 
 namespace icehost {
@@ -73,8 +71,7 @@ void WriteScript(const DetectCommand& command, const Chain& chain) {
 
 ExitStatus Tell(const DetectCommand& command, const Chain& chain) {
   if (!command.quiet && !chain.taps.empty()) {
-    const std::string report =
-        ReportOf(chain, NameOf(command.probe.choice), Manufacturers::Installed());
+    const std::string report = ReportOf(chain, NameOf(command.probe.choice));
     if (command.script.has_value()) {
       std::fputs(report.c_str(), stderr);
     } else {

@@ -4,12 +4,12 @@
 #include <new>
 #include <string>
 
-#include "host/reporter.h"
 #include "host/svf/importer.h"
 #include "host/system/errors.h"
-#include "host/system/input_file.h"
+#include "host/system/files.h"
 #include "host/system/output_file.h"
-#include "host/system/printable.h"
+#include "host/system/standard_streams.h"
+#include "host/system/text.h"
 #include "host/verbs.h"
 
 namespace icehost {

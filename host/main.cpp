@@ -2,7 +2,6 @@
 #include <exception>
 
 #include "host/options/command_line.h"
-#include "host/reporter.h"
 #include "host/system/errors.h"
 #include "host/system/interrupt.h"
 #include "host/system/standard_streams.h"

@@ -6,8 +6,7 @@
 
 #include "host/options/commands.h"
 #include "host/probe/bitbang_port.h"
-#include "host/probe/openocd_probe.h"
-#include "host/probe/openocd_rpc.h"
+#include "host/probe/openocd.h"
 #include "host/probe/pin_port.h"
 
 namespace icehost {

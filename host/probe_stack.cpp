@@ -2,8 +2,6 @@
 
 #include <fmt/format.h>
 
-#include <utility>
-
 #include "host/open_probe.h"
 #include "host/system/errors.h"
 
@@ -18,14 +16,12 @@ ProbeStack::ProbeStack(const ProbeOptions& options, int wire_mode, bool records_
   if (port_ == nullptr) probe_ = OpenOpenocd(options);
 }
 
-Probe& ProbeStack::Build(const std::vector<StepRecorder*>& recorders, PinProbe::Doubt doubt) {
+Probe& ProbeStack::Build(const std::vector<StepRecorder*>& recorders) {
   if (port_ == nullptr) return *probe_;
   if (!recorders.empty()) recording_ = std::make_unique<RecordingPort>(*port_, recorders);
   PinPort* top = port_.get();
   if (recording_ != nullptr) top = recording_.get();
-  auto pin_probe = std::make_unique<PinProbe>(*top, wire_mode_, two_wire_, std::move(doubt));
-  pin_probe_ = pin_probe.get();
-  probe_ = std::move(pin_probe);
+  probe_ = std::make_unique<PinProbe>(*top, wire_mode_, two_wire_);
   return *probe_;
 }
 
@@ -34,11 +30,6 @@ void ProbeStack::BeginOperation(const CallSource& source) {
   recording_->BeginOperation(source.section != nullptr ? fmt::format("[{}]", *source.section)
                                                        : fmt::format("line {}", source.line),
                              source);
-}
-
-std::optional<long> ProbeStack::TckCycles() const {
-  if (pin_probe_ == nullptr) return std::nullopt;
-  return pin_probe_->TckCycles();
 }
 
 }  // namespace icehost

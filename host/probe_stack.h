@@ -19,14 +19,14 @@ class ProbeStack {
   ProbeStack(const ProbeOptions& options, int wire_mode, bool records_pins);
 
   // The probe, with its pins recorded; to be called once. The recorders must outlive this object.
-  Probe& Build(const std::vector<StepRecorder*>& recorders, PinProbe::Doubt doubt);
+  Probe& Build(const std::vector<StepRecorder*>& recorders);
   bool ShowsPins() const { return port_ != nullptr; }
   // An operation of the script begins.
   void BeginOperation(const CallSource& source);
   // Writes to the pins that the recorders have seen or will see.
   std::size_t Steps() const { return recording_ != nullptr ? recording_->Steps() : 0; }
   // Unknown where the probe does not show its pins.
-  std::optional<long> TckCycles() const;
+  std::optional<long> TckCycles() const { return probe_->TckCycles(); }
 
  private:
   int wire_mode_;
@@ -34,7 +34,6 @@ class ProbeStack {
   std::unique_ptr<PinPort> port_;  // null where the probe does not show its pins
   std::unique_ptr<RecordingPort> recording_;
   std::unique_ptr<Probe> probe_;
-  PinProbe* pin_probe_ = nullptr;  // probe_, where it is made of pins
 };
 
 }  // namespace icehost

@@ -7,13 +7,10 @@
 
 #include "host/events/events.h"
 #include "host/progress.h"
-#include "host/system/captured_output.h"
+#include "host/system/standard_streams.h"
 #include "host/work_lock.h"
 
 namespace icehost {
-
-// icehost's own words, a line on standard error.
-void Complain(const std::string& what);
 
 // Tells the user, and all who listen, what happens. Each line makes room for itself: the line of
 // progress is erased before it. What the plug-in writes to standard output itself is a message like

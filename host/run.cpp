@@ -1,10 +1,10 @@
 #include <utility>
 #include <vector>
 
-#include "host/reporter.h"
 #include "host/runner.h"
 #include "host/scripts.h"
 #include "host/system/errors.h"
+#include "host/system/standard_streams.h"
 #include "host/verbs.h"
 
 namespace icehost {

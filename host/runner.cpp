@@ -14,9 +14,10 @@
 #include "host/check/learn.h"
 #include "host/page_head.h"
 #include "host/system/errors.h"
+#include "host/system/files.h"
 #include "host/system/interrupt.h"
-#include "host/system/memory_file.h"
-#include "host/system/printable.h"
+#include "host/system/standard_streams.h"
+#include "host/system/text.h"
 
 namespace icehost {
 namespace {
@@ -43,9 +44,9 @@ Runner::Runner(const RunCommand& command)
                   explained_ = true;
                   reporter_.SayAt(place.line, place.column, what);
                 }),
-      observed_(stack_.Build(outputs_.recorders, [this](const std::string& why) { OnDoubt(why); }),
-                follower_, outputs_.listeners,
+      observed_(stack_.Build(outputs_.recorders), follower_, outputs_.listeners,
                 {[this](const std::string& why) { SayOfCall(why); },
+                 [this](const std::string& why) { OnDoubt(why); },
                  [this](bool begins) { OnCall(begins); }, [this] { return stack_.Steps(); }}) {
   if (!command.learn.empty()) {
     learned_ = &outputs_.Add(command.learn, OutputFile::Rest::kNothing);

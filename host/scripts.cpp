@@ -7,8 +7,7 @@
 #include <utility>
 
 #include "host/check/check.h"
-#include "host/colour.h"
-#include "host/reporter.h"
+#include "host/system/standard_streams.h"
 
 namespace icehost {
 namespace {

@@ -9,8 +9,8 @@
 #include "host/page_head.h"
 #include "host/pins/tap_decoder.h"
 #include "host/probe/bitbang_server.h"
-#include "host/reporter.h"
 #include "host/system/errors.h"
+#include "host/system/standard_streams.h"
 #include "host/tables/outputs.h"
 #include "host/verbs.h"
 

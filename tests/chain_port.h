@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "host/probe/pin_port.h"
-#include "host/target/pin_names.h"
 #include "host/target/tap.h"
+#include "host/target/wires.h"
 
 struct TapKind {
   int ir_bits;

@@ -7,7 +7,7 @@
 #include "host/pins/recording_port.h"
 #include "host/pins/tap_decoder.h"
 #include "host/probe/bitbang_server.h"
-#include "host/target/tap_tracker.h"
+#include "host/target/tap.h"
 
 namespace {
 

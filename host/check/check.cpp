@@ -2,7 +2,7 @@
 
 #include "base/ini_file.h"
 #include "host/check/near_tag.h"
-#include "host/system/memory_file.h"
+#include "host/system/files.h"
 
 namespace icehost {
 namespace {

@@ -17,7 +17,7 @@
 #include "host/check/gpio_pins.h"
 #include "host/check/pin_expectation.h"
 #include "host/check/remarks.h"
-#include "host/system/memory_file.h"
+#include "host/system/files.h"
 
 namespace icehost {
 namespace {

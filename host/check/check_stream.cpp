@@ -3,7 +3,7 @@
 #include <fmt/format.h>
 
 #include "host/system/interrupt.h"
-#include "host/system/json_text.h"
+#include "host/system/text.h"
 
 namespace icehost {
 

@@ -7,7 +7,7 @@
 #include <tuple>
 
 #include "host/system/interrupt.h"
-#include "host/system/printable.h"
+#include "host/system/text.h"
 
 namespace icehost {
 namespace {

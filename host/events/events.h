@@ -68,9 +68,6 @@ struct SourceMark {
   std::string text;
 };
 
-// The bytes of a register as text, most significant first.
-std::string ByteText(const std::uint8_t* bytes, std::size_t count);
-
 class EventListener {
  public:
   virtual ~EventListener() = default;

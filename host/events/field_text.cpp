@@ -3,7 +3,7 @@
 #include <fmt/format.h>
 
 #include "entry/icescript.h"
-#include "host/target/pin_names.h"
+#include "host/target/wires.h"
 
 namespace icehost {
 namespace {

@@ -4,8 +4,8 @@
 
 #include "entry/icescript.h"
 #include "host/events/field_text.h"
-#include "host/system/json_text.h"
-#include "host/target/interface_names.h"
+#include "host/system/text.h"
+#include "host/target/wires.h"
 
 namespace icehost {
 namespace {

@@ -1,9 +1,6 @@
 #include "host/events/observed_probe.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
-#include <iterator>
 #include <utility>
 
 #include "entry/icescript.h"
@@ -24,11 +21,6 @@ Field Bytes(const char* name, const std::uint8_t* bytes, int bits) {
 }
 
 }  // namespace
-
-std::string ByteText(const std::uint8_t* bytes, std::size_t count) {
-  const auto last_first = std::make_reverse_iterator(bytes + count);
-  return fmt::format("0x{:02x}", fmt::join(last_first, std::make_reverse_iterator(bytes), ""));
-}
 
 ObservedProbe::ObservedProbe(Probe& probe, CallGuide& guide, std::vector<EventListener*> listeners,
                              Callbacks callbacks)
@@ -125,7 +117,11 @@ int ObservedProbe::Insert(int ir_bits, const std::uint8_t* ir, int dr_bits,
 
 int ObservedProbe::Execute(std::uint8_t* capture) {
   Begin(true);
-  int result = Guard("link_jtag_execute", [&] { return probe_.Execute(capture); });
+  int result = Guard("link_jtag_execute", [&] {
+    const int executed = probe_.Execute(capture);
+    if (const std::string why = probe_.Doubt(); !why.empty()) callbacks_.doubt(why);
+    return executed;
+  });
   const bool captured = result == 0;
   const int extra = wire_mode_ == CDI_ANSWER_2WIRE ? 1 : 0;
   const std::uint8_t* const dr = capture + kDrCaptureByte + extra;

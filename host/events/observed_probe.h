@@ -28,6 +28,8 @@ class ObservedProbe : public Probe {
   struct Callbacks {
     // Why the probe refuses a call.
     std::function<void(const std::string& why)> refused;
+    // Why a scan may not have reached a TAP; may throw Unsupported to fail the call.
+    std::function<void(const std::string& why)> doubt;
     // Called before every call: whether an operation begins with it, rather than belong to one.
     std::function<void(bool begins_operation)> begin;
     // Steps of the pins so far.

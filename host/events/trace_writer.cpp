@@ -3,7 +3,7 @@
 #include <fmt/format.h>
 
 #include "host/events/field_text.h"
-#include "host/system/printable.h"
+#include "host/system/text.h"
 
 namespace icehost {
 namespace {

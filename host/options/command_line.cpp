@@ -9,7 +9,7 @@
 #include "host/options/verbs.h"
 #include "host/options/words.h"
 #include "host/probe/plugin.h"
-#include "host/system/printable.h"
+#include "host/system/text.h"
 
 namespace icehost {
 namespace {

@@ -8,9 +8,9 @@
 #include <variant>
 #include <vector>
 
+#include "host/probe/sim_port.h"
 #include "host/system/endpoint.h"
 #include "host/tables/outputs.h"
-#include "host/target/target.h"
 
 namespace icehost {
 

@@ -8,7 +8,7 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "host/target/interface_names.h"
+#include "host/target/wires.h"
 
 namespace icehost {
 namespace {

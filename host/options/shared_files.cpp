@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "host/system/file_identity.h"
+#include "host/system/files.h"
 
 namespace icehost {
 namespace {

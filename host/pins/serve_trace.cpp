@@ -2,7 +2,7 @@
 
 #include <fmt/format.h>
 
-#include "host/system/printable.h"
+#include "host/system/text.h"
 
 namespace icehost {
 namespace {

@@ -5,12 +5,9 @@
 #include <utility>
 #include <vector>
 
+#include "host/target/wires.h"
+
 namespace icehost {
-namespace {
-
-constexpr int kResetPins = GPIO_PIN_NRST | GPIO_PIN_TRST;
-
-}  // namespace
 
 std::string BitText(const Bits& bits) {
   std::vector<std::uint8_t> bytes((bits.size() + 7) / 8);

@@ -4,7 +4,7 @@
 #include <cctype>
 #include <string>
 
-#include "host/target/pin_names.h"
+#include "host/target/wires.h"
 
 namespace icehost {
 namespace {

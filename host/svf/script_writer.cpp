@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "host/system/printable.h"
+#include "host/system/text.h"
 
 namespace icehost {
 namespace {

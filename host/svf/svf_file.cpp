@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "host/system/printable.h"
+#include "host/system/text.h"
 
 namespace icehost {
 namespace {

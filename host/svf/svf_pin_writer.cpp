@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "host/svf/svf_call_writer.h"
-#include "host/target/pin_names.h"
+#include "host/target/wires.h"
 
 namespace icehost {
 namespace {

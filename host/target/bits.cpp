@@ -1,6 +1,9 @@
 #include "host/target/bits.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
+#include <iterator>
 
 namespace icehost {
 
@@ -16,6 +19,11 @@ std::uint64_t NumberOfBits(const Bits& bits) {
   return number;
 }
 
+Bits Slice(const Bits& bits, std::size_t first, std::size_t end) {
+  const auto at = [&bits](std::size_t i) { return bits.begin() + static_cast<std::ptrdiff_t>(i); };
+  return {at(first), at(end)};
+}
+
 Bits BitsOfBytes(const std::uint8_t* bytes, int first, int end) {
   Bits bits;
   for (int i = first; i < end; ++i) bits.push_back((bytes[i / 8] >> i % 8 & 1) != 0);
@@ -28,6 +36,21 @@ void StoreBits(const Bits& bits, int limit, std::uint8_t* bytes) {
     const int bit = bits[static_cast<std::size_t>(i)] ? 1 << i % 8 : 0;
     bytes[i / 8] = static_cast<std::uint8_t>(bytes[i / 8] | bit);
   }
+}
+
+std::vector<std::uint8_t> BytesOfBits(const Bits& bits) {
+  std::vector<std::uint8_t> bytes((bits.size() + 7) / 8);
+  StoreBits(bits, static_cast<int>(bits.size()), bytes.data());
+  return bytes;
+}
+
+std::string ByteText(const std::uint8_t* bytes, std::size_t count) {
+  const auto last_first = std::make_reverse_iterator(bytes + count);
+  return fmt::format("0x{:02x}", fmt::join(last_first, std::make_reverse_iterator(bytes), ""));
+}
+
+std::string ByteList(const Bits& bits) {
+  return fmt::format("{:#04x}", fmt::join(BytesOfBits(bits), ","));
 }
 
 }  // namespace icehost
