@@ -53,20 +53,14 @@ std::size_t TailOf(const Bits& bits) {
   return static_cast<std::size_t>(other - bits.rbegin());
 }
 
-// Returns the bits at which an IR may begin.
-std::vector<int> Beginnings(const Bits& captured) {
-  std::vector<int> beginnings;
-  for (std::size_t i = 0; i + 1 < captured.size(); ++i) {
-    if (captured[i] && !captured[i + 1]) beginnings.push_back(static_cast<int>(i));
-  }
-  return beginnings;
-}
-
 // Returns the IR lengths that `taps` TAPs may have whose captured IRs together are these bits, the
 // TAP nearest to TDO first: every combination, or `most` of them. By IEEE 1149.1 the first two bits
 // of each captured IR are 1 and 0.
 std::vector<std::vector<int>> IrLengths(const Bits& captured, std::size_t taps, std::size_t most) {
-  const std::vector<int> beginnings = Beginnings(captured);
+  std::vector<int> beginnings;
+  for (std::size_t i = 0; i + 1 < captured.size(); ++i) {
+    if (captured[i] && !captured[i + 1]) beginnings.push_back(static_cast<int>(i));
+  }
   if (taps == 0 || beginnings.size() < taps || beginnings.front() != 0) return {};
   // Tries each choice of beginnings after the first.
   Bits chosen(beginnings.size() - 1);
@@ -106,7 +100,6 @@ class ChainReader {
   bool CountBypasses();
 
   std::optional<Bits> ReadTwice(From from, TapState shift, const Bits& in, const char* what);
-  Bits ReadOnce(From from, TapState shift, const Bits& in);
   void TakeTaps(const Bits& out, std::size_t begin_below, std::size_t end);
   void TakeIr(const Bits& captured);
   void ExplainEndless(const Bits& out);
@@ -122,16 +115,15 @@ bool ChainReader::Fail(std::string why) {
   return false;
 }
 
-Bits ChainReader::ReadOnce(From from, TapState shift, const Bits& in) {
-  if (from == From::kReset) walker_.ResetTap();
-  walker_.Scan(shift, in);
-  return port_.CollectTdo();
-}
-
 std::optional<Bits> ChainReader::ReadTwice(From from, TapState shift, const Bits& in,
                                            const char* what) {
-  Bits first = ReadOnce(from, shift, in);
-  const Bits second = ReadOnce(from, shift, in);
+  const auto read = [&] {
+    if (from == From::kReset) walker_.ResetTap();
+    walker_.Scan(shift, in);
+    return port_.CollectTdo();
+  };
+  Bits first = read();
+  const Bits second = read();
   if (first == second) return first;
   const auto differs = std::mismatch(first.begin(), first.end(), second.begin()).first;
   Fail(
@@ -228,6 +220,7 @@ void ChainReader::TakeIr(const Bits& captured) {
     for (std::size_t i = 0; i < taps; ++i) chain_.taps[i].ir_bits = ways[0][i];
   } else {
     std::vector<std::string> shown;
+    shown.reserve(ways.size());
     for (const auto& way : ways) shown.push_back(fmt::format("{}", fmt::join(way, "+")));
     if (ways.size() > kWaysShown) shown.back() = "...";
     chain_.notes.push_back(

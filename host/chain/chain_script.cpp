@@ -64,7 +64,6 @@ class Script {
  private:
   bool Reaches(std::size_t i) const { return !only_.has_value() || i == *only_; }
   std::size_t IrBits() const;
-  bool IrsAreKnown() const;
   std::string BypassSection() const;
   std::string IdcodeSection(std::size_t i) const;
 
@@ -79,11 +78,6 @@ std::size_t Script::IrBits() const {
     if (Reaches(i)) bits += chain_.taps[i].ir_bits.value_or(0);
   }
   return static_cast<std::size_t>(bits);
-}
-
-bool Script::IrsAreKnown() const {
-  return std::all_of(chain_.taps.begin(), chain_.taps.end(),
-                     [](const ChainTap& tap) { return tap.ir_bits.has_value(); });
 }
 
 // All TAPs delay what is shifted in, also those that the scan does not reach; the probe decides
@@ -126,7 +120,8 @@ std::string Script::Text() const {
                                   IrBits(), kLongestScriptIr));
   }
   std::string text = kJtagHead + BypassSection();
-  if (!IrsAreKnown()) {
+  const auto is_known = [](const ChainTap& tap) { return tap.ir_bits.has_value(); };
+  if (!std::all_of(chain_.taps.begin(), chain_.taps.end(), is_known)) {
     return text + "\n# Which bits of the IR belong to which TAP could not be told.\n";
   }
   for (std::size_t i = 0; i < chain_.taps.size(); ++i) {

@@ -28,9 +28,17 @@ constexpr struct {
     {"Update-IR", S::kRunTestIdle, S::kSelectDrScan},
 };
 
-bool IsReached(TapState to, TapState from, int edges) {
-  return from == to || (edges > 0 && (IsReached(to, NextTapState(from, false), edges - 1) ||
-                                      IsReached(to, NextTapState(from, true), edges - 1)));
+constexpr unsigned BitOf(TapState state) {
+  return 1U << static_cast<unsigned>(state);
+}
+
+// Returns the states that one edge reaches from any of these, a bit for each.
+unsigned StatesAfter(unsigned states) {
+  unsigned after = 0;
+  for (int i = 0; i < kTapStates; ++i) {
+    if ((states >> i & 1) != 0) after |= BitOf(kStates[i].tms_low) | BitOf(kStates[i].tms_high);
+  }
+  return after;
 }
 
 }  // namespace
@@ -45,10 +53,12 @@ TapState NextTapState(TapState state, bool tms) {
 }
 
 bool TmsTowards(TapState from, TapState to) {
-  for (int edges = 0;; ++edges) {
-    if (IsReached(to, NextTapState(from, false), edges)) return false;
-    if (IsReached(to, NextTapState(from, true), edges)) return true;
+  unsigned low = BitOf(NextTapState(from, false));
+  unsigned high = BitOf(NextTapState(from, true));
+  for (; (low & BitOf(to)) == 0; low = StatesAfter(low), high = StatesAfter(high)) {
+    if ((high & BitOf(to)) != 0) return true;
   }
+  return false;
 }
 
 void TapTracker::Update(int wires) {
