@@ -115,7 +115,8 @@ void BitbangServer::Run() {
   for (;;) {
     loop.restart();
     ThrowIfInterrupted();
-    if (loop.run_one_for(kLookAtPort) == 0) port_.CheckAlive();
+    // The signal that stops the loop may have ended the server of the port, too.
+    if (loop.run_one_for(kLookAtPort) == 0 && !IsInterrupted()) port_.CheckAlive();
     while (Work()) {
     }
   }

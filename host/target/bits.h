@@ -19,8 +19,7 @@ std::uint64_t NumberOfBits(const Bits& bits);
 // Returns bits `first` to `end - 1`.
 Bits Slice(const Bits& bits, std::size_t first, std::size_t end);
 
-// Returns bits `first` to `end - 1` of bytes that are least significant first; none if end <=
-// first.
+// Returns bits `first` to `end - 1` of bytes, least significant first; none if end <= first.
 Bits BitsOfBytes(const std::uint8_t* bytes, int first, int end);
 // Stores at most `limit` bits in bytes that are zero before.
 void StoreBits(const Bits& bits, int limit, std::uint8_t* bytes);
