@@ -18,17 +18,15 @@
 
 #include "entry/icescript.h"
 #include "fuzz/harness.h"
+#include "host/chain/chain.h"
 #include "host/chain/chain_reader.h"
-#include "host/chain/chain_report.h"
-#include "host/chain/chain_script.h"
-#include "host/chain/openocd_chain.h"
 #include "host/check/check.h"
 #include "host/check/plan.h"
 #include "host/pins/pin_writers.h"
 #include "host/pins/recording_port.h"
 #include "host/probe/bitbang_port.h"
 #include "host/probe/bitbang_server.h"
-#include "host/probe/openocd_probe.h"
+#include "host/probe/openocd.h"
 #include "host/probe/pin_probe.h"
 #include "host/probe/sim_port.h"
 #include "host/svf/importer.h"
@@ -165,6 +163,7 @@ void BeBitbangClient(std::string_view bytes) {
   icehost::PinProbe probe(recording, CDI_ANSWER_JTAG5, false);
   Scan(probe);
   probe.Flush();
+  Check(counter.steps == probe.Steps(), "every write is a step");
   Check(counter.steps == recording.Steps(), "every step is recorded");
 }
 
@@ -223,7 +222,7 @@ class AnsweringPort : public icehost::PinPort {
 void TellChain(const icehost::Chain& chain, std::optional<std::size_t> only) {
   Check(!chain.taps.empty() || !chain.faults.empty(), "no TAP is a fault");
   Check(chain.taps.size() <= icehost::kMostTaps || only.has_value(), "a chain has an end");
-  Check(!icehost::ReportOf(chain, "a probe", {}).empty(), "a chain is told");
+  Check(!icehost::ReportOf(chain, "a probe").empty(), "a chain is told");
   if (!chain.faults.empty()) return;
   std::vector<std::string> scripts = {icehost::GpioScriptOf(chain)};
   try {

@@ -8,11 +8,10 @@
 #include <utility>
 
 #include "host/check/check.h"
-#include "host/colour.h"
-#include "host/console.h"
 #include "host/system/errors.h"
-#include "host/system/json_text.h"
 #include "host/system/output_file.h"
+#include "host/system/standard_streams.h"
+#include "host/system/text.h"
 #include "host/verbs.h"
 
 namespace icehost {

@@ -9,8 +9,8 @@
 #include <utility>
 
 #include "host/system/errors.h"
-#include "host/system/file_identity.h"
-#include "host/system/printable.h"
+#include "host/system/files.h"
+#include "host/system/text.h"
 
 namespace icehost {
 namespace {
@@ -22,17 +22,7 @@ constexpr char kEraseLine[] = "\r\033[K";
   throw IoError(fmt::format("standard output: {}", std::strerror(errno)));
 }
 
-void ComplainLine(std::string line) {
-  while (!line.empty() && line.back() == '\n') line.pop_back();
-  // Where standard error takes no more, there is nobody left to tell.
-  std::fputs((Printable(line) + "\n").c_str(), stderr);
-}
-
 }  // namespace
-
-void Complain(const std::string& what) {
-  ComplainLine("icehost: " + what);
-}
 
 Console::Console(const Options& options, Rescue& rescue)
     : rescue_(rescue),

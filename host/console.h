@@ -5,13 +5,10 @@
 #include <chrono>
 #include <string>
 
-#include "host/system/captured_output.h"
 #include "host/system/interrupt.h"
+#include "host/system/standard_streams.h"
 
 namespace icehost {
-
-// icehost's own words, a line on standard error.
-void Complain(const std::string& what);
 
 // Messages go to standard output, icehost's own words and the progress of a long run to standard
 // error. Each line erases the line of progress first. While a user keeps us waiting, the run may be

@@ -3,11 +3,10 @@
 #include <optional>
 #include <string>
 
-#include "host/chain/chain_report.h"
-#include "host/chain/chain_script.h"
-#include "host/console.h"
+#include "host/chain/chain.h"
 #include "host/system/errors.h"
 #include "host/system/output_file.h"
+#include "host/system/standard_streams.h"
 #include "host/verbs.h"
 
 namespace icehost {
@@ -30,7 +29,7 @@ void WriteScript(const DetectCommand& command, const Chain& chain) {
 
 ExitStatus Tell(const DetectCommand& command, const Chain& chain) {
   if (!command.quiet && !chain.taps.empty()) {
-    const std::string report = ReportOf(chain, command.probe.Name(), Manufacturers::Installed());
+    const std::string report = ReportOf(chain, command.probe.Name());
     if (command.script.has_value()) {
       std::fputs(report.c_str(), stderr);
     } else {

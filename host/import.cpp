@@ -5,12 +5,11 @@
 #include <new>
 #include <string>
 
-#include "host/colour.h"
-#include "host/console.h"
 #include "host/svf/importer.h"
 #include "host/system/errors.h"
-#include "host/system/input_file.h"
+#include "host/system/files.h"
 #include "host/system/output_file.h"
+#include "host/system/standard_streams.h"
 #include "host/verbs.h"
 
 namespace icehost {

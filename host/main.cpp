@@ -1,7 +1,6 @@
 // icehost: runs and checks scripts without a debug server.
 #include <exception>
 
-#include "host/console.h"
 #include "host/options/commands.h"
 #include "host/system/errors.h"
 #include "host/system/interrupt.h"

@@ -39,7 +39,7 @@ ObservedProbe::ObservedProbe(const ProbeOptions& options, int wire_mode, bool re
 }
 
 void ObservedProbe::Begin(const char* function, bool begins_operation) {
-  begin_step_ = Steps();
+  begin_step_ = probe_->Steps();
   events_.BeginCall(function, source_, begins_operation);
   if (!begins_operation || recording_ == nullptr) return;
   recording_->BeginOperation(source_.section != nullptr ? fmt::format("[{}]", *source_.section)
@@ -61,7 +61,7 @@ int ObservedProbe::Guard(Ask ask) {
 }
 
 void ObservedProbe::End(const HostCall& call, int result, std::vector<Comparison> comparisons) {
-  events_.EndCall({call, result, std::move(comparisons), source_, {begin_step_, Steps()}});
+  events_.EndCall({call, result, std::move(comparisons), source_, {begin_step_, probe_->Steps()}});
 }
 
 int ObservedProbe::Config(int code, int value) {

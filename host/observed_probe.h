@@ -44,8 +44,6 @@ class ObservedProbe : public Probe {
   const RunCounts& Counts() const { return counts_; }
 
  private:
-  // Writes to the pins so far, including those that the recorders have not seen yet.
-  std::size_t Steps() const { return recording_ != nullptr ? recording_->Steps() : 0; }
   void Begin(const char* function, bool begins_operation);
   template <class Ask>
   int Guard(Ask ask);

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "host/system/errors.h"
+#include "host/system/standard_streams.h"
 
 namespace icehost {
 

@@ -5,11 +5,11 @@
 #include <optional>
 #include <vector>
 
-#include "host/console.h"
 #include "host/pins/recording_port.h"
 #include "host/pins/tap_decoder.h"
 #include "host/probe/bitbang_server.h"
 #include "host/system/errors.h"
+#include "host/system/standard_streams.h"
 #include "host/tables/outputs.h"
 #include "host/verbs.h"
 

@@ -2,10 +2,26 @@
 
 #include <fmt/format.h>
 
-#include "host/chain/idcode.h"
-#include "host/system/printable.h"
+#include "host/system/text.h"
 
 namespace icehost {
+namespace {
+
+// The standard reserves this code, so that a marker may follow the end of a chain.
+constexpr unsigned kCodeOfNobody = 0x7F;
+
+// Returns why a register that begins with 1 is not an IDCODE; empty if it may be one.
+std::string WhyNoIdcode(std::uint32_t idcode) {
+  if (ManufacturerOf(idcode).code == kCodeOfNobody) return "no manufacturer may have code 0x7f";
+  if (idcode >> 1 == 0) return "manufacturer, part and version are all 0";
+  return "";
+}
+
+}  // namespace
+
+Manufacturer ManufacturerOf(std::uint32_t idcode) {
+  return {(idcode >> 8 & 0xF) + 1, idcode >> 1 & 0x7F};
+}
 
 void JudgeIdcodes(Chain& chain) {
   for (std::size_t i = 0; i < chain.taps.size(); ++i) {

@@ -1,4 +1,4 @@
-// What is on a probe: a chain of TAPs.
+// The chain of TAPs on a probe, and its text: a report, and the beginnings of scripts.
 #ifndef ICESCRIPT_HOST_CHAIN_CHAIN_H_
 #define ICESCRIPT_HOST_CHAIN_CHAIN_H_
 
@@ -11,32 +11,59 @@
 namespace icehost {
 
 struct ChainTap {
-  std::string name;                     // empty where nobody gave it one
-  std::optional<std::uint32_t> idcode;  // none: a reset selects BYPASS
-  std::optional<int> ir_bits;           // none: cannot be told
-  // What is known of a chain that was declared before it was read.
-  bool answered = true;      // else nothing above was read
-  std::string manufacturer;  // by whoever read the IDCODE; may be empty
+  std::string name;                     // empty if it has none
+  std::optional<std::uint32_t> idcode;  // nothing: a reset selects BYPASS
+  std::optional<int> ir_bits;           // nothing: unknown
+  // For a chain that was declared before it was read.
+  bool answered = true;      // false: nothing above was read
+  std::string manufacturer;  // as the reader of the IDCODE names it; may be empty
   std::string expected;      // IDCODEs; may be empty
 };
 
 struct Chain {
   std::vector<ChainTap> taps;      // the first is the nearest to TDO
-  std::optional<int> ir_bits;      // of all of them, where it was measured
-  std::vector<std::string> notes;  // what is to know besides
-  // What is wrong, the gravest first. Without any the chain is sound, and holds one TAP or more.
+  std::optional<int> ir_bits;      // of all TAPs, if measured
+  std::vector<std::string> notes;  // for the report
+  // What is wrong, the most serious first. A chain without faults is sound and has a TAP or more.
   std::vector<std::string> faults;
 };
 
 // No chain is longer than this.
 constexpr int kMostTaps = 64;
 
-// Adds a fault for each IDCODE that is none.
+constexpr int kIdcodeBits = 32;
+
+// The manufacturer in an IDCODE, as JEP106 numbers it: a code in a bank, both counted from 1.
+struct Manufacturer {
+  unsigned bank;  // 1 to 16
+  unsigned code;  // 1 to 126; 0 and 127 identify nobody
+};
+Manufacturer ManufacturerOf(std::uint32_t idcode);
+// Returns the name; empty if it is unknown.
+std::string ManufacturerName(Manufacturer manufacturer);
+
+// Adds a fault for each IDCODE that is not valid.
 void JudgeIdcodes(Chain& chain);
-// "TAP 2", and its name in parentheses where it has one; counted from 0 here. Printable.
+// Returns "TAP 2", followed by the TAP's name in parentheses if it has one; `i` counts from 0. The
+// text is printable.
 std::string TapTitle(const Chain& chain, std::size_t i);
-// "1 TAP", "2 TAPs".
+// Returns "1 TAP", "2 TAPs".
 std::string CountedTaps(std::size_t taps);
+
+// Returns a report for people: the TAPs and notes, a line for each, without its faults. `where`
+// names the probe. The text is printable.
+std::string ReportOf(const Chain& chain, const std::string& where);
+
+// Returns a JTAG script that passes on this sound chain: it shifts through BYPASS, whose
+// instruction is the same in every TAP. For each IDCODE it contains a section that is commented
+// out, since no standard defines the instruction. `only` is the one TAP that a scan of the probe
+// reaches: OpenOCD keeps the others in BYPASS. Throws Unsupported if the IR is longer than a
+// script's may be, or the chain longer than kMostTaps.
+std::string JtagScriptOf(const Chain& chain, std::optional<std::size_t> only);
+
+// Returns a GPIO script that passes on this sound chain: it resets the TAPs and reads their IDCODEs
+// bit by bit, ignoring the versions.
+std::string GpioScriptOf(const Chain& chain);
 
 }  // namespace icehost
 

@@ -6,41 +6,39 @@
 #include <optional>
 #include <utility>
 
-#include "host/chain/idcode.h"
-#include "host/chain/ir_lengths.h"
-#include "host/probe/tap_walker.h"
+#include "host/probe/pin_probe.h"
 
 namespace icehost {
 namespace {
 
-// What is shifted in first and known again behind the chain. No chain answers with it: it begins as
-// an IDCODE of the manufacturer that the standard forbids.
+// Shifted in first, and recognised after the chain. No chain answers with it: it begins like an
+// IDCODE of the manufacturer that the standard forbids.
 constexpr std::uint64_t kMarker = 0x9C3A'51E7'2B64'D0FF;
 constexpr std::size_t kMarkerBits = 64;
-// Most chains are short, and a simulator may need a millisecond a bit.
+// Tried first: most chains are short, and a simulator may need a millisecond for each bit.
 constexpr int kFewTaps = 4;
-// More than any IR has: that of a lone TAP, and that of each in a chain.
-constexpr std::size_t kMostIrBitsAlone = 256;
-constexpr std::size_t kMostIrBitsEach = 64;
-// Lengths of the single IRs to tell where several fit.
-constexpr std::size_t kWaysTold = 4;
+// The longest IR to search for: of a TAP alone, and of each TAP in a chain.
+constexpr std::size_t kLongestIr = 256;
+constexpr std::size_t kLongestIrEach = 64;
+// Combinations of IR lengths to report if several fit.
+constexpr std::size_t kWaysShown = 4;
 
-// The marker again and again: what is all alike behind the chain did not come through it.
+// Returns the marker repeatedly: bits after the chain that are all alike did not pass through it.
 Bits Markers(std::size_t bits) {
   Bits markers = BitsOfNumber(kMarker, kMarkerBits);
   while (markers.size() < bits) markers.push_back(markers[markers.size() - kMarkerBits]);
   return markers;
 }
 
-// The marker, and ones behind it.
-Bits MarkedBits(std::size_t bits_behind) {
+// Returns the marker, followed by ones.
+Bits MarkedBits(std::size_t ones) {
   Bits bits = BitsOfNumber(kMarker, kMarkerBits);
-  bits.insert(bits.end(), bits_behind, true);
+  bits.insert(bits.end(), ones, true);
   return bits;
 }
 
-// How many bits stand between TDI and TDO: where what went in comes out. Nothing where the marker
-// does not come out whole.
+// Returns the number of bits between TDI and TDO: the place where `in` comes out. Nothing if the
+// whole marker does not.
 std::optional<std::size_t> LengthBetween(const Bits& in, const Bits& out) {
   for (std::size_t at = 0; at + kMarkerBits <= out.size(); ++at) {
     const auto echo = out.begin() + static_cast<std::ptrdiff_t>(at);
@@ -49,10 +47,36 @@ std::optional<std::size_t> LengthBetween(const Bits& in, const Bits& out) {
   return std::nullopt;
 }
 
-// The number of bits at the end that are all alike.
+// Returns the number of bits at the end that are all alike.
 std::size_t TailOf(const Bits& bits) {
   const auto other = std::find(bits.rbegin(), bits.rend(), !bits.back());
   return static_cast<std::size_t>(other - bits.rbegin());
+}
+
+// Returns the IR lengths that `taps` TAPs may have whose captured IRs together are these bits, the
+// TAP nearest to TDO first: every combination, or `most` of them. By IEEE 1149.1 the first two bits
+// of each captured IR are 1 and 0.
+std::vector<std::vector<int>> IrLengths(const Bits& captured, std::size_t taps, std::size_t most) {
+  std::vector<int> beginnings;
+  for (std::size_t i = 0; i + 1 < captured.size(); ++i) {
+    if (captured[i] && !captured[i + 1]) beginnings.push_back(static_cast<int>(i));
+  }
+  if (taps == 0 || beginnings.size() < taps || beginnings.front() != 0) return {};
+  // Tries each choice of beginnings after the first.
+  Bits chosen(beginnings.size() - 1);
+  std::fill_n(chosen.begin(), taps - 1, true);
+  std::vector<std::vector<int>> ways;
+  do {
+    std::vector<int> lengths;
+    int begin = 0;
+    for (std::size_t i = 0; i < chosen.size(); ++i) {
+      if (chosen[i]) lengths.push_back(beginnings[i + 1] - begin);
+      if (chosen[i]) begin = beginnings[i + 1];
+    }
+    lengths.push_back(static_cast<int>(captured.size()) - begin);
+    ways.push_back(lengths);
+  } while (ways.size() < most && std::prev_permutation(chosen.begin(), chosen.end()));
+  return ways;
 }
 
 class ChainReader {
@@ -70,13 +94,12 @@ class ChainReader {
  private:
   enum class From { kReset, kHere };
 
-  // Each returns whether it makes sense to go on.
+  // Each returns whether the next can be read.
   bool ReadIdcodes();
   bool ReadIrs();
   bool CountBypasses();
 
   std::optional<Bits> ReadTwice(From from, TapState shift, const Bits& in, const char* what);
-  Bits ReadOnce(From from, TapState shift, const Bits& in);
   void TakeTaps(const Bits& out, std::size_t begin_below, std::size_t end);
   void TakeIr(const Bits& captured);
   void ExplainEndless(const Bits& out);
@@ -92,16 +115,15 @@ bool ChainReader::Fail(std::string why) {
   return false;
 }
 
-Bits ChainReader::ReadOnce(From from, TapState shift, const Bits& in) {
-  if (from == From::kReset) walker_.ResetTap();
-  walker_.Scan(shift, in);
-  return port_.CollectTdo();
-}
-
 std::optional<Bits> ChainReader::ReadTwice(From from, TapState shift, const Bits& in,
                                            const char* what) {
-  Bits first = ReadOnce(from, shift, in);
-  const Bits second = ReadOnce(from, shift, in);
+  const auto read = [&] {
+    if (from == From::kReset) walker_.ResetTap();
+    walker_.Scan(shift, in);
+    return port_.CollectTdo();
+  };
+  Bits first = read();
+  const Bits second = read();
   if (first == second) return first;
   const auto differs = std::mismatch(first.begin(), first.end(), second.begin()).first;
   Fail(
@@ -129,7 +151,7 @@ bool ChainReader::ReadIdcodes() {
   return false;
 }
 
-// The TAPs whose answers begin below one bit and end at another or before.
+// Adds the TAPs whose answers begin before one bit and end at another or before.
 void ChainReader::TakeTaps(const Bits& out, std::size_t begin_below, std::size_t end) {
   for (std::size_t at = 0; at < begin_below && chain_.taps.size() < kMostTaps;) {
     ChainTap tap;
@@ -138,9 +160,7 @@ void ChainReader::TakeTaps(const Bits& out, std::size_t begin_below, std::size_t
       Fail(fmt::format("the last {} bits of the chain are no whole IDCODE", end - at));
       return;
     }
-    const auto first = out.begin() + static_cast<std::ptrdiff_t>(at);
-    const Bits idcode(first, first + static_cast<std::ptrdiff_t>(bits));
-    if (out[at]) tap.idcode = static_cast<std::uint32_t>(NumberOfBits(idcode));
+    if (out[at]) tap.idcode = static_cast<std::uint32_t>(NumberOfBits(Slice(out, at, at + bits)));
     chain_.taps.push_back(tap);
     at += bits;
   }
@@ -169,9 +189,9 @@ void ChainReader::ExplainEndless(const Bits& out) {
   }
 }
 
-// The ones behind the marker stay in the IRs: BYPASS in every TAP.
+// The ones after the marker stay in the IRs: BYPASS in every TAP.
 bool ChainReader::ReadIrs() {
-  const std::size_t most = std::max(kMostIrBitsAlone, kMostIrBitsEach * chain_.taps.size());
+  const std::size_t most = std::max(kLongestIr, kLongestIrEach * chain_.taps.size());
   const Bits in = MarkedBits(most);
   const auto out = ReadTwice(From::kReset, TapState::kShiftIr, in, "the IRs");
   if (!out.has_value()) return false;
@@ -183,14 +203,14 @@ bool ChainReader::ReadIrs() {
         most));
   }
   chain_.ir_bits = static_cast<int>(*length);
-  TakeIr(Bits(out->begin(), out->begin() + static_cast<std::ptrdiff_t>(*length)));
+  TakeIr(Slice(*out, 0, *length));
   return true;
 }
 
 void ChainReader::TakeIr(const Bits& captured) {
   const std::size_t taps = chain_.taps.size();
   if (taps == 1) chain_.taps[0].ir_bits = chain_.ir_bits;
-  const auto ways = IrLengths(captured, taps, kWaysTold + 1);
+  const auto ways = IrLengths(captured, taps, kWaysShown + 1);
   if (ways.empty()) {
     Fail(
         fmt::format("the captured IR, {} bits, is not that of {}: each begins with the 01 of "
@@ -199,12 +219,12 @@ void ChainReader::TakeIr(const Bits& captured) {
   } else if (ways.size() == 1) {
     for (std::size_t i = 0; i < taps; ++i) chain_.taps[i].ir_bits = ways[0][i];
   } else {
-    std::vector<std::string> told;
-    told.reserve(ways.size());
-    for (const auto& way : ways) told.push_back(fmt::format("{}", fmt::join(way, "+")));
-    if (ways.size() > kWaysTold) told.back() = "...";
+    std::vector<std::string> shown;
+    shown.reserve(ways.size());
+    for (const auto& way : ways) shown.push_back(fmt::format("{}", fmt::join(way, "+")));
+    if (ways.size() > kWaysShown) shown.back() = "...";
     chain_.notes.push_back(
-        fmt::format("the single IR lengths cannot be told: {}", fmt::join(told, " or ")));
+        fmt::format("the single IR lengths cannot be told: {}", fmt::join(shown, " or ")));
   }
 }
 
@@ -219,10 +239,7 @@ bool ChainReader::CountBypasses() {
     return Fail(fmt::format("{} answered after the reset, but in BYPASS there are {} bits",
                             CountedTaps(taps), bits));
   }
-  if (std::find(out->begin(), out->end(), true) <
-      out->begin() + static_cast<std::ptrdiff_t>(taps)) {
-    return Fail("a TAP in BYPASS answers with 1, not 0");
-  }
+  if (Slice(*out, 0, taps) != Bits(taps)) return Fail("a TAP in BYPASS answers with 1, not 0");
   return true;
 }
 

@@ -1,16 +1,28 @@
-// Reads a chain off the pins of a probe.
+// Reads a chain, from the pins of a probe or from OpenOCD.
 #ifndef ICESCRIPT_HOST_CHAIN_CHAIN_READER_H_
 #define ICESCRIPT_HOST_CHAIN_CHAIN_READER_H_
 
+#include <string>
+
 #include "host/chain/chain.h"
+#include "host/probe/openocd.h"
 #include "host/probe/pin_port.h"
 
 namespace icehost {
 
-// Resets the TAPs by TMS, NRST and TRST staying high, reads what they answer, loads BYPASS and no
-// other instruction, and leaves them in Test-Logic-Reset. Each reading is done twice, and what
-// differs is a fault. Throws what the port throws.
+// Resets the TAPs by TMS, with NRST and TRST high, reads what they answer, loads no instruction but
+// BYPASS, and leaves the TAPs in Test-Logic-Reset. Reads everything twice; a difference is a fault.
+// Throws what the port throws.
 Chain ReadChain(PinPort& port);
+
+// Lets OpenOCD examine its chain again, which resets the TAPs but not the target. IDCODEs are those
+// read then; IR lengths are those that OpenOCD was configured with or found when it started. Throws
+// as OpenocdRpc.
+Chain ReadOpenocdChain(OpenocdRpc& rpc);
+
+// Returns the chain that results from OpenOCD's messages during the examination, in lines, and from
+// its table after that.
+Chain OpenocdChain(const std::string& said, const std::string& table);
 
 }  // namespace icehost
 

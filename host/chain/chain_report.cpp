@@ -1,21 +1,30 @@
-#include "host/chain/chain_report.h"
-
 #include <fmt/format.h>
 
-#include "host/chain/idcode.h"
-#include "host/system/printable.h"
+#include "host/chain/chain.h"
+#include "host/system/text.h"
 
 namespace icehost {
 namespace {
 
-// What a reset selects in the TAP.
-std::string AnswerOf(const ChainTap& tap, const Manufacturers& manufacturers) {
+constexpr unsigned kHighestCode = 126;
+
+// Returns such as "version 1, part 0xce51, manufacturer 0x23b (bank 5, code 0x3b: NAME)".
+std::string DescribeIdcode(std::uint32_t idcode, std::string name) {
+  const Manufacturer manufacturer = ManufacturerOf(idcode);
+  const auto [bank, code] = manufacturer;
+  if (name.empty()) name = ManufacturerName(manufacturer);
+  if (code == 0 || code > kHighestCode) name = "none has it";
+  return fmt::format(
+      "version {}, part 0x{:04x}, manufacturer 0x{:03x} (bank {}, code 0x{:02x}{}{})", idcode >> 28,
+      idcode >> 12 & 0xFFFF, idcode >> 1 & 0x7FF, bank, code, name.empty() ? "" : ": ", name);
+}
+
+// Returns what a reset selects in the TAP.
+std::string AnswerOf(const ChainTap& tap) {
   if (!tap.answered) return "nothing was read";
   if (!tap.idcode.has_value()) return "no IDCODE";
-  const std::uint32_t idcode = *tap.idcode;
-  std::string name = tap.manufacturer;
-  if (name.empty()) name = manufacturers.NameOf(ManufacturerOf(idcode));
-  return fmt::format("IDCODE 0x{:08x}: {}", idcode, DescribeIdcode(idcode, name));
+  return fmt::format("IDCODE 0x{:08x}: {}", *tap.idcode,
+                     DescribeIdcode(*tap.idcode, tap.manufacturer));
 }
 
 std::string IrOf(const ChainTap& tap) {
@@ -24,29 +33,22 @@ std::string IrOf(const ChainTap& tap) {
                      tap.name.empty() ? "" : ": OpenOCD's word, not measured");
 }
 
-std::string TextOf(const Chain& chain, const std::string& where,
-                   const Manufacturers& manufacturers) {
+}  // namespace
+
+std::string ReportOf(const Chain& chain, const std::string& where) {
   const std::size_t taps = chain.taps.size();
   std::string text = fmt::format("{} on {}{}\n", CountedTaps(taps), where,
                                  taps > 1 ? "; TAP 1 is the nearest to TDO" : "");
   for (std::size_t i = 0; i < taps; ++i) {
     const ChainTap& tap = chain.taps[i];
-    text += fmt::format("{}: {}\n", TapTitle(chain, i), AnswerOf(tap, manufacturers));
-    text += IrOf(tap);
+    text += fmt::format("{}: {}\n", TapTitle(chain, i), AnswerOf(tap)) + IrOf(tap);
     if (!tap.expected.empty()) text += fmt::format("       expected {}\n", tap.expected);
   }
   if (taps > 1 && chain.ir_bits.has_value()) {
     text += fmt::format("IR {} bits in all\n", *chain.ir_bits);
   }
   for (const std::string& note : chain.notes) text += note + "\n";
-  return text;
-}
-
-}  // namespace
-
-std::string ReportOf(const Chain& chain, const std::string& where,
-                     const Manufacturers& manufacturers) {
-  return PrintableLines(TextOf(chain, where, manufacturers));
+  return PrintableLines(text);
 }
 
 }  // namespace icehost

@@ -1,85 +1,45 @@
-#include "host/chain/manufacturers.h"
-
-#include <algorithm>
-#include <fstream>
-#include <optional>
-#include <string_view>
+#include "host/chain/chain.h"
 
 namespace icehost {
 namespace {
 
-using Banks = std::vector<std::vector<std::string>>;
-
-constexpr char kInstalled[] = "/usr/bin/decode-dimms";
-// Ten times that of i2c-tools 4.3.
-constexpr std::size_t kLongestTable = 1 << 20;
-constexpr std::size_t kCodesOfBank = 126;
-
-std::string ReadTable(std::istream& stream) {
-  std::string text(kLongestTable, '\0');
-  stream.read(text.data(), static_cast<std::streamsize>(text.size()));
-  text.resize(static_cast<std::size_t>(stream.gcount()));
-  return text;
-}
-
-// The names in the quotes of one bank, whose brackets are outside; nothing where it is none.
-std::optional<std::vector<std::string>> ParseBank(std::string_view text) {
-  std::vector<std::string> names;
-  while (!text.empty()) {
-    const std::size_t quote = text.find('"');
-    const std::string_view between = text.substr(0, quote);
-    if (between.find_first_not_of(", \t\r\n") != std::string_view::npos) return std::nullopt;
-    if (quote == std::string_view::npos) break;
-    const std::size_t end = text.find('"', quote + 1);
-    if (end == std::string_view::npos) return std::nullopt;
-    names.emplace_back(text.substr(quote + 1, end - quote - 1));
-    text.remove_prefix(end + 1);
-  }
-  return names;
-}
-
-// Each bank but the last is full: a name too many or too few would give all that follow to others.
-bool AreWhole(const Banks& banks) {
-  if (banks.empty()) return false;
-  return std::all_of(banks.begin(), banks.end() - 1,
-                     [](const auto& bank) { return bank.size() == kCodesOfBank; }) &&
-         banks.back().size() <= kCodesOfBank;
-}
-
-Banks ParseBanks(std::string_view text) {
-  constexpr std::string_view kBegin = "\n@vendors = (";
-  const std::size_t begin = text.find(kBegin);
-  const std::size_t end = text.find(");", std::min(begin, text.size()));
-  if (end == std::string_view::npos) return {};
-  text = text.substr(begin + kBegin.size(), end - begin - kBegin.size());
-  Banks banks;
-  for (std::size_t open = 0; (open = text.find('[')) != std::string_view::npos;) {
-    const std::size_t close = text.find(']', open);
-    if (close == std::string_view::npos) return {};
-    auto bank = ParseBank(text.substr(open + 1, close - open - 1));
-    if (!bank.has_value()) return {};
-    banks.push_back(*std::move(bank));
-    text.remove_prefix(close + 1);
-  }
-  return banks;
-}
+// Makers of chips that have a TAP, by bank and code of JEP106.
+constexpr struct {
+  unsigned bank;
+  unsigned code;
+  const char* name;
+} kManufacturers[] = {
+    {1, 0x01, "AMD"},           {1, 0x04, "Fujitsu"},
+    {1, 0x07, "Hitachi"},       {1, 0x09, "Intel"},
+    {1, 0x0e, "Freescale"},     {1, 0x10, "NEC"},
+    {1, 0x15, "NXP"},           {1, 0x17, "Texas Instruments"},
+    {1, 0x1f, "Atmel"},         {1, 0x20, "STMicroelectronics"},
+    {1, 0x21, "Lattice"},       {1, 0x24, "IBM"},
+    {1, 0x29, "Microchip"},     {1, 0x33, "IDT"},
+    {1, 0x34, "Cypress"},       {1, 0x36, "LSI Logic"},
+    {1, 0x41, "Infineon"},      {1, 0x49, "Xilinx"},
+    {1, 0x4e, "Samsung"},       {1, 0x65, "Analog Devices"},
+    {1, 0x6e, "Altera"},        {2, 0x01, "Cirrus Logic"},
+    {2, 0x3f, "Broadcom"},      {3, 0x21, "Silicon Laboratories"},
+    {3, 0x27, "MIPS"},          {3, 0x44, "Nordic"},
+    {4, 0x4c, "Cavium"},        {4, 0x69, "Marvell"},
+    {4, 0x6b, "NVIDIA"},        {5, 0x23, "Renesas"},
+    {5, 0x26, "MediaTek"},      {5, 0x3b, "ARM"},
+    {5, 0x66, "Synopsys"},      {5, 0x71, "Toshiba"},
+    {5, 0x72, "Tensilica"},     {7, 0x19, "XMOS"},
+    {7, 0x1e, "Andes"},         {7, 0x20, "Achronix"},
+    {7, 0x48, "GigaDevice"},    {9, 0x0d, "Gowin"},
+    {9, 0x2d, "Nuvoton"},       {10, 0x09, "SiFive"},
+    {10, 0x13, "Raspberry Pi"}, {11, 0x3c, "Efinix"},
+};
 
 }  // namespace
 
-Manufacturers::Manufacturers(std::istream& table) {
-  Banks banks = ParseBanks(ReadTable(table));
-  if (AreWhole(banks)) banks_ = std::move(banks);
-}
-
-Manufacturers Manufacturers::Installed() {
-  std::ifstream table(kInstalled);
-  return Manufacturers(table);
-}
-
-std::string Manufacturers::NameOf(Manufacturer manufacturer) const {
-  const std::size_t bank = manufacturer.bank - 1;
-  const std::size_t code = manufacturer.code - 1;  // of 0: beyond every bank
-  return bank < banks_.size() && code < banks_[bank].size() ? banks_[bank][code] : "";
+std::string ManufacturerName(Manufacturer manufacturer) {
+  for (const auto& known : kManufacturers) {
+    if (known.bank == manufacturer.bank && known.code == manufacturer.code) return known.name;
+  }
+  return "";
 }
 
 }  // namespace icehost

@@ -1,22 +1,18 @@
-#include "host/chain/openocd_chain.h"
-
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <charconv>
 #include <map>
 #include <optional>
-#include <set>
 #include <sstream>
-#include <string_view>
 #include <vector>
 
+#include "host/chain/chain_reader.h"
 #include "host/system/errors.h"
 
 namespace icehost {
 namespace {
 
-// What it says of each TAP is on level 2, and on level 3 there would be too much of it.
+// OpenOCD reports each TAP on debug level 2, and too much else on level 3.
 constexpr char kExamine[] =
     "set icehost_level [lindex [debug_level] end]; debug_level 2; "
     "set icehost_failed [catch {capture {jtag arp_init}} icehost_said]; "
@@ -31,23 +27,13 @@ struct Answer {
   std::string manufacturer;
 };
 
-// What OpenOCD says while it examines a chain.
+// OpenOCD's messages while it examines a chain.
 struct Examination {
-  std::map<std::string, Answer> read;  // by the names of TAPs
-  std::set<std::string> without;       // an IDCODE
+  std::map<std::string, std::optional<Answer>> answers;  // by the names of TAPs; may have no IDCODE
   std::vector<std::string> complaints;
 };
 
-std::optional<std::uint32_t> Hexadecimal(std::string_view word) {
-  if (word.substr(0, 2) != "0x") return std::nullopt;
-  std::uint32_t value = 0;
-  const auto [stopped, error] =
-      std::from_chars(word.data() + 2, word.data() + word.size(), value, 16);
-  if (stopped != word.data() + word.size() || error != std::errc()) return std::nullopt;
-  return value;
-}
-
-// From "... (mfg: 0x23b (NAME), part: ..."; OpenOCD puts "<invalid>" where it has no name.
+// Returns the NAME in "... (mfg: 0x23b (NAME), part: ..."; OpenOCD writes "<invalid>" for none.
 std::string ManufacturerIn(const std::string& line) {
   const std::size_t begin = line.find(" (", line.find("(mfg: 0x") + 1);
   const std::size_t end = line.find("), part: ");
@@ -56,20 +42,21 @@ std::string ManufacturerIn(const std::string& line) {
   return name.empty() || name.front() == '<' ? "" : name;
 }
 
-// "JTAG tap: NAME tap/device found: 0x... (mfg: ...": what was read of a TAP.
+// Takes "JTAG tap: NAME tap/device found: 0x... (mfg: ...".
 bool TakeFound(const std::string& line, const std::vector<std::string>& words,
                Examination& examination) {
   if (words.size() < 6 || words[0] != "JTAG" || words[3] != "tap/device") return false;
-  const auto idcode = Hexadecimal(words[5]);
+  if (words[5].substr(0, 2) != "0x") return false;
+  const auto idcode = NumberIn(words[5].substr(2), 16);
   if (!idcode.has_value()) return false;
-  examination.read[words[2]] = {*idcode, ManufacturerIn(line)};
+  examination.answers[words[2]] = {*idcode, ManufacturerIn(line)};
   return true;
 }
 
-// "TAP NAME does not have valid IDCODE (idcode=0x...)": the TAP is there, and in BYPASS.
+// Takes "TAP NAME does not have valid IDCODE (idcode=0x...)": the TAP is in BYPASS.
 bool TakeWithout(const std::vector<std::string>& words, Examination& examination) {
   if (words.size() < 7 || words[0] != "TAP" || words[6] != "IDCODE") return false;
-  examination.without.insert(words[1]);
+  examination.answers.emplace(words[1], std::nullopt);
   return true;
 }
 
@@ -95,15 +82,15 @@ ChainTap TapOf(const OpenocdTap& row, const Examination& examination) {
   if (row.expected.front() != kNoneExpected) {
     tap.expected = fmt::format("{}", fmt::join(row.expected, " or "));
   }
-  const auto read = examination.read.find(row.name);
-  tap.answered = read != examination.read.end() || examination.without.count(row.name) > 0;
-  if (read == examination.read.end()) return tap;
-  tap.idcode = read->second.idcode;
-  tap.manufacturer = read->second.manufacturer;
+  const auto found = examination.answers.find(row.name);
+  tap.answered = found != examination.answers.end();
+  if (!tap.answered || !found->second.has_value()) return tap;
+  tap.idcode = found->second->idcode;
+  tap.manufacturer = found->second->manufacturer;
   return tap;
 }
 
-// What is wrong with one TAP that OpenOCD may be content with.
+// Adds faults of one TAP that OpenOCD may accept.
 void JudgeTap(const ChainTap& tap, const std::string& title, std::vector<std::string>& faults) {
   if (*tap.ir_bits < kLeastIrBits) faults.push_back(title + ": no IR is that short");
   if (!tap.answered) {

@@ -7,8 +7,7 @@
 #include <tuple>
 
 #include "host/system/interrupt.h"
-#include "host/system/json_text.h"
-#include "host/system/printable.h"
+#include "host/system/text.h"
 
 namespace icehost {
 namespace {

@@ -6,7 +6,7 @@
 #include "base/ini_file.h"
 #include "base/text.h"
 #include "host/system/errors.h"
-#include "host/system/input_file.h"
+#include "host/system/files.h"
 #include "host/system/interrupt.h"
 
 namespace icehost {

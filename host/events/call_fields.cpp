@@ -4,7 +4,7 @@
 
 #include "entry/icescript.h"
 #include "host/target/bits.h"
-#include "host/target/pin_names.h"
+#include "host/target/wires.h"
 
 namespace icehost {
 namespace {

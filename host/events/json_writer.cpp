@@ -10,8 +10,8 @@
 #include "host/events/call_fields.h"
 #include "host/events/events.h"
 #include "host/events/run_writers.h"
-#include "host/system/json_text.h"
-#include "host/target/interface_names.h"
+#include "host/system/text.h"
+#include "host/target/wires.h"
 
 namespace icehost {
 namespace {

@@ -9,7 +9,7 @@
 #include "host/events/call_fields.h"
 #include "host/events/events.h"
 #include "host/events/run_writers.h"
-#include "host/system/printable.h"
+#include "host/system/text.h"
 
 namespace icehost {
 namespace {

@@ -10,7 +10,7 @@
 
 #include "host/check/hints.h"
 #include "host/options/verb_options.h"
-#include "host/system/printable.h"
+#include "host/system/text.h"
 
 namespace icehost {
 namespace {

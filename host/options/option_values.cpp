@@ -10,8 +10,8 @@
 #include <stdexcept>
 #include <utility>
 
-#include "host/system/file_identity.h"
-#include "host/target/interface_names.h"
+#include "host/system/files.h"
+#include "host/target/wires.h"
 
 namespace icehost {
 namespace {

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "host/probe/sim_port.h"
 #include "host/system/endpoint.h"
-#include "host/target/target.h"
 
 namespace icehost {
 

@@ -4,8 +4,8 @@
 
 #include <algorithm>
 
-#include "host/system/json_text.h"
-#include "host/target/pin_names.h"
+#include "host/system/text.h"
+#include "host/target/wires.h"
 
 namespace icehost {
 namespace {

@@ -22,8 +22,7 @@ const char* Column(const TapScan& scan) {
 }
 
 std::string ShownBits(const Bits& bits) {
-  const auto shown = static_cast<std::ptrdiff_t>(std::min(bits.size(), kMostBits));
-  return BitText(Bits(bits.begin(), bits.begin() + shown));
+  return BitText(Slice(bits, 0, std::min(bits.size(), kMostBits)));
 }
 
 std::string NameOf(const TapScan& scan) {

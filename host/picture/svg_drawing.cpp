@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <iterator>
 
-#include "host/system/xml_text.h"
-#include "host/target/pin_names.h"
+#include "host/system/text.h"
+#include "host/target/wires.h"
 
 namespace icehost {
 namespace {

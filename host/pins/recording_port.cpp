@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "host/target/wires.h"
+
 namespace icehost {
 namespace {
 

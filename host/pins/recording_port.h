@@ -11,7 +11,6 @@
 #include "host/events/events.h"
 #include "host/probe/pin_port.h"
 #include "host/target/tap.h"
-#include "host/target/tap_tracker.h"
 
 namespace icehost {
 

@@ -2,8 +2,7 @@
 
 #include "entry/icescript.h"
 #include "host/pins/pin_writers.h"
-#include "host/system/json_text.h"
-#include "host/system/printable.h"
+#include "host/system/text.h"
 
 namespace icehost {
 namespace {

@@ -1,22 +1,10 @@
 #include "host/pins/tap_decoder.h"
 
-#include <cstdint>
-#include <limits>
 #include <utility>
-#include <vector>
+
+#include "host/target/wires.h"
 
 namespace icehost {
-namespace {
-
-constexpr int kResetPins = GPIO_PIN_NRST | GPIO_PIN_TRST;
-
-}  // namespace
-
-std::string BitText(const Bits& bits) {
-  std::vector<std::uint8_t> bytes((bits.size() + 7) / 8);
-  StoreBits(bits, std::numeric_limits<int>::max(), bytes.data());
-  return ByteText(bytes.data(), bytes.size());
-}
 
 void TapDecoder::Record(const PinStep& step) {
   const bool rising = (~last_.wires & step.wires & GPIO_PIN_TCK) != 0;

@@ -30,9 +30,6 @@ struct TapScan {
   bool reset = false;        // a TAP reset cut it short
 };
 
-// Returns the bits of a scan as text, the last bit first: "0x", and two digits for each eight bits.
-std::string BitText(const Bits& bits);
-
 class TapListener {
  public:
   virtual ~TapListener() = default;

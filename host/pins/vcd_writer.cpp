@@ -10,7 +10,7 @@
 #include "host/events/output.h"
 #include "host/pins/pin_writers.h"
 #include "host/pins/recording_port.h"
-#include "host/target/pin_names.h"
+#include "host/target/wires.h"
 
 namespace icehost {
 namespace {

@@ -6,20 +6,17 @@
 #include <utility>
 
 #include "host/system/errors.h"
-#include "host/target/pin_names.h"
 #include "host/target/tap.h"
+#include "host/target/wires.h"
 
 namespace icehost {
 namespace {
 
 constexpr std::size_t kSendAt = 4096;
-// More answers under way than this could fill the buffers of both sides while each waits for the
-// other to read.
+// More answers could fill the buffers of both sides while each waits for the other to read.
 constexpr std::size_t kAnswersUnderWay = 2048;
-// How long an answer too many may be behind the last one that was asked for.
+// How long an answer too many may come after the last one that was asked for.
 constexpr std::chrono::milliseconds kStragglers{10};
-
-constexpr int kResetPins = GPIO_PIN_NRST | GPIO_PIN_TRST;
 
 char PinByte(int levels) {
   return static_cast<char>('0' + ((levels & GPIO_PIN_TCK) != 0 ? 4 : 0) +
@@ -39,7 +36,7 @@ BitbangPort::~BitbangPort() {
     Put('Q');
     SendBuffered();
   } catch (const std::exception&) {
-    // The connection is gone, or the user wants to be: there is nobody to say good-bye to.
+    // The connection is lost, or the user has pressed Ctrl-C: no server expects a good-bye.
   }
 }
 

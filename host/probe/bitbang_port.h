@@ -1,4 +1,4 @@
-// The pins behind a remote_bitbang server.
+// The pins of a remote_bitbang server.
 #ifndef ICESCRIPT_HOST_PROBE_BITBANG_PORT_H_
 #define ICESCRIPT_HOST_PROBE_BITBANG_PORT_H_
 
@@ -10,17 +10,17 @@
 
 namespace icehost {
 
-// One byte an operation: '0' to '7' set TCK (4), TMS (2) and TDI (1), 'R' asks for TDO, 'r' 's' 't'
-// 'u' set TRST and SRST to 00 01 10 11, where 1 asserts; 'Q' quits. Writes are buffered, samples
-// are asked for without waiting for their answers.
+// One byte is one operation: '0' to '7' set TCK (4), TMS (2) and TDI (1), 'R' asks for TDO, 'r' 's'
+// 't' 'u' set TRST and SRST to 00 01 10 11, where 1 asserts; 'Q' quits. Writes are buffered, and
+// samples are asked for without waiting for their answers.
 //
-// The protocol has no output enables, drives no TDO and reads no other pin. It does not number its
-// answers either: a server that sends one too many shifts all that follow, so that any byte which
-// was not asked for is an IoError.
+// The protocol has no output enables, cannot drive TDO and reads no other pin. It does not number
+// its answers: one too many would shift all that follow, so that any byte which was not asked for
+// is an IoError.
 class BitbangPort : public PinPort {
  public:
   enum class Manner {
-    // Drives all pins from the first write on, and clocks the TAP into reset where TRST falls, for
+    // Drives all pins from the first write on, and clocks the TAP into reset when TRST falls, for
     // servers that ignore the reset bytes.
     kProbe,
     // Sends what the writes change and nothing else. TCK, TMS and TDI together, or NRST and TRST
@@ -34,7 +34,7 @@ class BitbangPort : public PinPort {
   BitbangPort& operator=(const BitbangPort&) = delete;
 
   void Write(int levels, int enables) override;
-  // What is driven, and TDO as it is.
+  // Returns the levels that are driven, and TDO.
   int Read() override;
   void SampleTdo() override;
   Bits CollectTdo() override;

@@ -19,8 +19,8 @@ constexpr std::size_t kReadAtOnce = 4096;
 // How often the port is looked at while nobody uses it.
 constexpr std::chrono::seconds kLookAtPort{1};
 
-// A client whose machine is gone is noticed after two minutes. None of the options is known to a
-// UNIX socket, whose other end cannot vanish.
+// A client whose machine is gone is noticed after two minutes. A UNIX socket, whose other end
+// cannot vanish, knows none of the options.
 void SetTcpOptions(int fd) {
   constexpr struct {
     int level, name, value;
@@ -37,23 +37,18 @@ void SetTcpOptions(int fd) {
 }  // namespace
 
 bool BitbangSession::Feed(std::string_view bytes, std::string& answers) {
-  const bool open = Play(bytes);
-  for (const bool tdo : port_.CollectTdo()) answers += tdo ? '1' : '0';
-  return open;
-}
-
-bool BitbangSession::Play(std::string_view bytes) {
-  for (const char byte : bytes) {
-    if (byte == 'Q') return false;
+  const std::size_t quit = bytes.find('Q');
+  for (const char byte : bytes.substr(0, quit)) {
     if (byte >= '0' && byte <= '7') SetPins(byte - '0');
     if (byte >= 'r' && byte <= 'u') SetResets(byte - 'r');
     if (byte == 'R') port_.SampleTdo();
   }
-  return true;
+  for (const bool tdo : port_.CollectTdo()) answers += tdo ? '1' : '0';
+  return quit == std::string_view::npos;
 }
 
 void BitbangSession::SetPins(int bits) {
-  levels_ &= GPIO_PIN_NRST | GPIO_PIN_TRST;
+  levels_ &= kResetPins;
   levels_ |= ((bits & 4) != 0 ? GPIO_PIN_TCK : 0) | ((bits & 2) != 0 ? GPIO_PIN_TMS : 0) |
              ((bits & 1) != 0 ? GPIO_PIN_TDI : 0);
   enables_ |= GPIO_PIN_TCK | GPIO_PIN_TMS | GPIO_PIN_TDI;
@@ -62,14 +57,14 @@ void BitbangSession::SetPins(int bits) {
 
 // 1 asserts a reset, which drives its line low.
 void BitbangSession::SetResets(int bits) {
-  levels_ |= GPIO_PIN_NRST | GPIO_PIN_TRST;
+  levels_ |= kResetPins;
   levels_ &= ~(((bits & 2) != 0 ? GPIO_PIN_TRST : 0) | ((bits & 1) != 0 ? GPIO_PIN_NRST : 0));
-  enables_ |= GPIO_PIN_NRST | GPIO_PIN_TRST;
+  enables_ |= kResetPins;
   port_.Write(levels_, enables_);
 }
 
-// Whatever the port waits for, it waits on the loop that these operations run on. They therefore do
-// nothing but note what came, for Work.
+// The port waits on the loop that these operations run on. They therefore only note what came, for
+// Work.
 
 struct BitbangServer::Arrival {
   std::optional<StreamProtocol::socket> socket;
@@ -120,7 +115,8 @@ void BitbangServer::Run() {
   for (;;) {
     loop.restart();
     ThrowIfInterrupted();
-    if (loop.run_one_for(kLookAtPort) == 0) port_.CheckAlive();
+    // The signal that stops the loop may have ended the server of the port, too.
+    if (loop.run_one_for(kLookAtPort) == 0 && !IsInterrupted()) port_.CheckAlive();
     while (Work()) {
     }
   }
@@ -134,8 +130,8 @@ void BitbangServer::Accept() {
       });
 }
 
-// False once there is nothing to do. In the course of each of these more may come. A client that
-// has left is in nobody's way.
+// Does one thing, during which more may come; returns false if there is nothing to do. Dismisses a
+// client that has left before it admits another.
 bool BitbangServer::Work() {
   if (client_ != nullptr && client_->received > 0) {
     Answer();

@@ -7,49 +7,48 @@
 #include <string>
 #include <string_view>
 
-#include "entry/icescript.h"
 #include "host/probe/pin_port.h"
-#include "host/system/listener.h"
+#include "host/system/socket.h"
+#include "host/target/wires.h"
 
 namespace icehost {
 
-// What the bytes of clients do to the pins (see BitbangPort for the bytes). Bytes that mean
-// nothing, blinking among them, are passed over. A pin that no byte has set yet is not enabled.
+// Plays the bytes of clients on the pins (see BitbangPort for the bytes). Skips bytes that have no
+// meaning here, such as blinking. A pin that no byte has set yet is not enabled.
 class BitbangSession {
  public:
   // `port` must outlive the session.
   explicit BitbangSession(PinPort& port) : port_(port) {}
 
-  // Appends the answers to `answers`, at most one for each byte. False once the client has quit;
-  // the bytes behind that are not looked at. The port has collected its samples at the end.
+  // Appends the answers to `answers`, at most one for each byte. Returns false if the client has
+  // quit, and ignores the bytes after that. Collects all samples of the port.
   bool Feed(std::string_view bytes, std::string& answers);
 
  private:
-  bool Play(std::string_view bytes);
   void SetPins(int bits);
   void SetResets(int bits);
 
   PinPort& port_;
-  int levels_ = GPIO_PIN_NRST | GPIO_PIN_TRST;
+  int levels_ = kResetPins;
   int enables_ = 0;
 };
 
-// Serves one client at a time. Another that comes meanwhile finds its connection closed, unless the
-// first has been silent for the idle limit: then it takes its place. Clients that vanish without a
-// word are found out by TCP's keep-alive. Each finds the pins as the one before left them.
+// Serves one client at a time. The connection of another that comes meanwhile is closed, unless the
+// first has been silent for the idle limit: then the other takes its place. TCP's keep-alive
+// discovers clients that vanish. Each client finds the pins as the one before left them.
 class BitbangServer {
  public:
-  // Told what clients do, in order and never while the port is at work. What it throws ends Run.
+  // Learns what clients do, in order and never while the port is working. An exception ends Run.
   class Observer {
    public:
     virtual ~Observer() = default;
-    // A client comes to be served; `peer` is empty where it has no name.
+    // A client is accepted; `peer` is empty if it has no name.
     virtual void OnClient(const std::string& peer) = 0;
-    // So many bytes of its have come.
+    // So many of its bytes have come.
     virtual void OnBytes(std::size_t count) = 0;
-    // What they ask for has been done, but they are not answered yet.
+    // They were played, but are not answered yet.
     virtual void OnDone() = 0;
-    // It is gone.
+    // The client has left.
     virtual void OnClientLeft() = 0;
     // Why a client is sent away.
     virtual void OnRefusal(const std::string& why) = 0;
@@ -59,9 +58,8 @@ class BitbangServer {
   BitbangServer(Listener& listener, PinPort& port, std::chrono::milliseconds idle_limit,
                 Observer& observer);
 
-  // Serves until a signal ends it, by Interrupted. Throws IoError where no client can be accepted
-  // any more, and where the port does; one that is lost while nobody uses it is noticed within a
-  // second.
+  // Serves until a signal ends it, by Interrupted. Throws IoError if no client can be accepted any
+  // more, or if the port does; a port that is lost while nobody uses it is noticed within a second.
   [[noreturn]] void Run();
 
  private:
@@ -79,7 +77,7 @@ class BitbangServer {
   std::chrono::milliseconds idle_limit_;
   Observer& observer_;
   BitbangSession session_;
-  // Shared with the operations that are under way for them, which may end later than the server.
+  // Shared with operations under way, which may end later than the server.
   std::shared_ptr<Arrival> arrival_;
   std::shared_ptr<Client> client_;
 };

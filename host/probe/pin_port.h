@@ -1,4 +1,4 @@
-// Six pins of a probe, the lowest level that a probe may offer.
+// Six pins of a probe.
 #ifndef ICESCRIPT_HOST_PROBE_PIN_PORT_H_
 #define ICESCRIPT_HOST_PROBE_PIN_PORT_H_
 
@@ -7,25 +7,25 @@
 namespace icehost {
 
 // Levels and enables are GPIO_PIN_ bits (entry/icescript.h). Pins that are not enabled float high.
-// Every function may throw IoError, Interrupted, or Unsupported where the pins cannot do that.
+// Every function may throw IoError, Interrupted, or Unsupported if the pins cannot do that.
 class PinPort {
  public:
   virtual ~PinPort() = default;
 
   // Sets all pins at one moment.
   virtual void Write(int levels, int enables) = 0;
-  // The levels of all pins now.
+  // Returns the levels of all pins now.
   virtual int Read() = 0;
 
-  // Notes TDO as it is between the writes before and after, for the next CollectTdo. A port across
-  // a network need not wait for the answer.
+  // Samples TDO between the writes before and after, for the next CollectTdo. A port across a
+  // network need not wait for the answer.
   virtual void SampleTdo() = 0;
-  // The samples since the last call, in order.
+  // Returns the samples since the last call, in order.
   virtual Bits CollectTdo() = 0;
-  // Ends what is under way: buffered writes go out, and whoever takes them has answered since.
-  // Everything sampled has been collected before.
+  // Sends buffered writes, and returns after their receiver has answered. To be called after
+  // everything sampled was collected.
   virtual void Flush() {}
-  // Throws IoError where the pins are lost, as far as that is known without waiting. To be called
+  // Throws IoError if the pins are lost, as far as that is known without waiting. To be called
   // while nothing is under way.
   virtual void CheckAlive() {}
 };

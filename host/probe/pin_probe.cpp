@@ -5,17 +5,15 @@
 #include <algorithm>
 
 #include "host/system/errors.h"
-#include "host/target/pin_names.h"
+#include "host/target/wires.h"
 
 namespace icehost {
 namespace {
 
 constexpr int kIrCaptureBits = 8 * kDrCaptureByte;
 
-constexpr int kNoReset = GPIO_PIN_NRST | GPIO_PIN_TRST;
-
-// IEEE 1149.1: the two bits of a captured IR that come first are 1 and 0. The others are the
-// design's own, so that they tell nothing of its length. Empty where this may be one.
+// Returns why these bits cannot be a captured IR; empty if they can. By IEEE 1149.1 the first two
+// are 1 and 0. The others depend on the design, so that the IR's length does not follow from them.
 std::string WhyNoIr(const Bits& captured) {
   if (captured.size() < 2 || (captured[0] && !captured[1])) return "";
   const auto ones = std::count(captured.begin(), captured.end(), true);
@@ -29,25 +27,59 @@ std::string WhyNoIr(const Bits& captured) {
 
 }  // namespace
 
+void TapWalker::Write(int levels, int enables) {
+  port_.Write(levels, enables);
+  ++steps_;
+  levels_ = levels;
+  enables_ = enables;
+  tap_.Update(WireLevels(levels, enables));
+}
+
+// One TCK cycle. While TCK is low, TMS and TDI are set up and TDO is sampled: the target reads TMS
+// and TDI on the rising edge and changes TDO on the falling one.
+void TapWalker::ClockTck(bool tms, bool tdi, bool sample) {
+  const int levels = kResetPins | (tms ? GPIO_PIN_TMS : 0) | (tdi ? GPIO_PIN_TDI : 0);
+  Write(levels, kDrivenPins);
+  if (sample) port_.SampleTdo();
+  Write(levels | GPIO_PIN_TCK, kDrivenPins);
+}
+
+void TapWalker::TakeTap() {
+  Write(kResetPins, kDrivenPins);
+  while (!tap_.State().has_value()) ClockTck(true, false, false);
+  MoveTo(TapState::kRunTestIdle);
+}
+
+void TapWalker::ResetTap() {
+  Write(kResetPins, kDrivenPins);
+  for (int i = 0; i < kTapResetEdges; ++i) ClockTck(true, false, false);
+  Write(kResetPins | GPIO_PIN_TMS, kDrivenPins);
+}
+
+void TapWalker::MoveTo(TapState state) {
+  while (tap_.State() != state) ClockTck(TmsTowards(*tap_.State(), state), false, false);
+}
+
+void TapWalker::Scan(TapState shift, const Bits& in) {
+  MoveTo(shift);
+  for (std::size_t i = 0; i < in.size(); ++i) ClockTck(i + 1 == in.size(), in[i], true);
+  MoveTo(TapState::kRunTestIdle);
+  Write(kResetPins, kDrivenPins);
+}
+
 int PinProbe::Config(int code, int value) {
-  switch (code) {
-    case LINK_CONFIG_GET_CDI:
-      return wire_mode_;
-    case LINK_CONFIG_CDI_MODE:
-      if (value == CDI_MODE_2WIRE && !two_wire_) {
-        throw Unsupported("these pins have no 2-wire interface");
-      }
-      wire_mode_ = value == CDI_MODE_2WIRE ? CDI_ANSWER_2WIRE : CDI_ANSWER_JTAG5;
-      return 0;
-    default:
-      return -1;
-  }
+  if (code == LINK_CONFIG_GET_CDI) return wire_mode_;
+  if (code != LINK_CONFIG_CDI_MODE) return -1;
+  const bool two_wire = value == CDI_MODE_2WIRE;
+  if (two_wire && !two_wire_) throw Unsupported("these pins have no 2-wire interface");
+  wire_mode_ = two_wire ? CDI_ANSWER_2WIRE : CDI_ANSWER_JTAG5;
+  return 0;
 }
 
 int PinProbe::Reset(int kind) {
   if (kind != LINK_RESET_TARGET) return -1;
-  walker_.Write(kNoReset & ~GPIO_PIN_NRST, kDrivenPins);
-  walker_.Write(kNoReset, kDrivenPins);
+  walker_.Write(kResetPins & ~GPIO_PIN_NRST, kDrivenPins);
+  walker_.Write(kResetPins, kDrivenPins);
   return 0;
 }
 
@@ -61,19 +93,19 @@ int PinProbe::Execute(std::uint8_t* capture) {
   walker_.TakeTap();
   if (!ir_.empty()) walker_.Scan(TapState::kShiftIr, ir_);
   if (!dr_.empty()) walker_.Scan(TapState::kShiftDr, dr_);
-  // Both at once, for across a network a wait costs more than a scan.
+  // Collects both at once, because across a network a wait costs more than a scan.
   const Bits out = port_.CollectTdo();
-  const auto dr_out = out.begin() + static_cast<std::ptrdiff_t>(ir_.size());
-  const Bits ir_out(out.begin(), dr_out);
+  const Bits ir_out = Slice(out, 0, ir_.size());
+  const Bits dr_out = Slice(out, ir_.size(), out.size());
   doubt_ = WhyNoIr(ir_out);
   const int extra = wire_mode_ == CDI_ANSWER_2WIRE ? 1 : 0;
   StoreBits(ir_out, kIrCaptureBits, capture);
-  StoreBits({dr_out, out.end()}, 8 * JTAG_DR_MAX_BYTES, capture + kDrCaptureByte + extra);
+  StoreBits(dr_out, 8 * JTAG_DR_MAX_BYTES, capture + kDrCaptureByte + extra);
   return 0;
 }
 
 int PinProbe::Gpio(int out_value, std::uint32_t& data, int oe_mask, int flags) {
-  // A script starts from the state that its START line stands for: every pin enabled and low.
+  // A START line means that every pin is enabled and low.
   const bool start = (flags & GPIO_FLAG_START) != 0;
   const bool write_out = start || (flags & GPIO_FLAG_WRITE_OUT) != 0;
   const bool write_oe = start || (flags & GPIO_FLAG_WRITE_OE) != 0;
@@ -84,8 +116,8 @@ int PinProbe::Gpio(int out_value, std::uint32_t& data, int oe_mask, int flags) {
   return 0;
 }
 
-// The bits of one register. On a 2-wire interface the first byte is the interface's own: it is not
-// shifted through the TAP.
+// Returns the bits of one register. On a 2-wire interface the first byte belongs to the interface
+// and is not shifted through the TAP.
 Bits PinProbe::ScanBits(int bits, const std::uint8_t* data) const {
   const int extra = wire_mode_ == CDI_ANSWER_2WIRE ? 8 : 0;
   return BitsOfBytes(data, extra, std::min(bits, 8 * JTAG_DR_MAX_BYTES));

@@ -2,19 +2,55 @@
 #ifndef ICESCRIPT_HOST_PROBE_PIN_PROBE_H_
 #define ICESCRIPT_HOST_PROBE_PIN_PROBE_H_
 
+#include <cstddef>
+#include <optional>
 #include <string>
 
 #include "entry/icescript.h"
 #include "host/probe/pin_port.h"
 #include "host/probe/probe.h"
-#include "host/probe/tap_walker.h"
 #include "host/target/bits.h"
+#include "host/target/tap.h"
 
 namespace icehost {
 
+// Moves the TAPs on the pins by TCK and TMS. Throws what the port throws.
+class TapWalker {
+ public:
+  // `port` must outlive the walker.
+  explicit TapWalker(PinPort& port) : port_(port) {}
+
+  // Writes the pins, and follows the TAP meanwhile.
+  void Write(int levels, int enables);
+  // What was written last; nothing is enabled at first.
+  int Levels() const { return levels_; }
+  int Enables() const { return enables_; }
+
+  // Moves the TAP to Run-Test/Idle, wherever the pins and the TAP are, with TRST and NRST high.
+  void TakeTap();
+  // Moves it to Test-Logic-Reset, from any state and by TMS alone: TRST and NRST stay high.
+  void ResetTap();
+  // Scans from a known state through Shift-DR or Shift-IR to Run-Test/Idle, with TCK low at the
+  // end. The caller collects from the port what comes out.
+  void Scan(TapState shift, const Bits& in);
+
+  std::size_t Steps() const { return steps_; }
+  long TckCycles() const { return tap_.TckCycles(); }
+
+ private:
+  void ClockTck(bool tms, bool tdi, bool sample);
+  void MoveTo(TapState state);
+
+  PinPort& port_;
+  int levels_ = GPIO_PIN_ALL;
+  int enables_ = 0;
+  std::size_t steps_ = 0;  // calls of Write
+  TapTracker tap_;
+};
+
 class PinProbe : public Probe {
  public:
-  // `port` must outlive the probe. `wire_mode` is the CDI_ANSWER_ in force at the start; where
+  // `port` must outlive the probe. `wire_mode` is the CDI_ANSWER_ in force at the start; if
   // `two_wire` is false, selecting the 2-wire interface throws Unsupported.
   PinProbe(PinPort& port, int wire_mode, bool two_wire)
       : port_(port), two_wire_(two_wire), wire_mode_(wire_mode), walker_(port) {}
@@ -23,10 +59,10 @@ class PinProbe : public Probe {
   int Reset(int kind) override;
   int Insert(int ir_bits, const std::uint8_t* ir, int dr_bits, const std::uint8_t* dr) override;
   int Execute(std::uint8_t* capture) override;
-  int Gpio(int out_value, std::uint32_t& data, int oe_mask, int flags) override;
   std::string Doubt() const override { return doubt_; }
+  int Gpio(int out_value, std::uint32_t& data, int oe_mask, int flags) override;
   void Flush() override { port_.Flush(); }
-
+  std::size_t Steps() const override { return walker_.Steps(); }
   std::optional<long> TckCycles() const override { return walker_.TckCycles(); }
 
  private:
@@ -34,10 +70,10 @@ class PinProbe : public Probe {
 
   PinPort& port_;
   bool two_wire_;
-  std::string doubt_;
   int wire_mode_;
   Bits ir_;
   Bits dr_;
+  std::string doubt_;
   TapWalker walker_;
 };
 

@@ -12,14 +12,14 @@ namespace icehost {
 class Plugin {
  public:
   // Loads the library at `path` and binds it to this process's link_ functions. Throws IoError that
-  // says why when it cannot.
+  // says why it cannot.
   explicit Plugin(const std::string& path);
   ~Plugin();
   Plugin(const Plugin&) = delete;
   Plugin& operator=(const Plugin&) = delete;
 
-  // Runs one script on `probe`; true when it ran to its end. What the probe and `print` throw
-  // passes through, as does std::bad_alloc; any other exception becomes PluginThrew.
+  // Runs one script on `probe`; returns whether it ran to its end. Exceptions of the probe and of
+  // `print` and std::bad_alloc pass through; any other exception becomes PluginThrew.
   bool Run(Probe& probe, const std::string& script, PrintCallback print) const;
 
  private:
@@ -27,8 +27,8 @@ class Plugin {
   decltype(&ImplementScr) entry_;
 };
 
-// The plug-in that was built or installed with this program: in its own folder, or where the
-// installation puts it from there.
+// Returns the plug-in that was built with this program, in the program's folder, or installed with
+// it.
 std::string DefaultPluginPath();
 
 }  // namespace icehost

@@ -1,8 +1,62 @@
 #include "host/probe/sim_port.h"
 
-#include "host/target/tap_tracker.h"
+#include <algorithm>
+
+#include "host/target/wires.h"
 
 namespace icehost {
+
+Target::Target(const TargetOptions& options)
+    : options_(options), instruction_(options.idcode_instruction) {
+  if (options_.idcode_instruction != kScratchInstruction) {
+    options_.registers.emplace(kScratchInstruction, BitsOfNumber(0, 32));
+  }
+  registers_ = options_.registers;
+}
+
+void Target::RaiseTck(bool tms, bool tdi) {
+  if (state_ == TapState::kCaptureDr) shift_ = CapturedDr();
+  // The two lowest bits are the standard's 01.
+  if (state_ == TapState::kCaptureIr) shift_ = BitsOfNumber(0x01, options_.ir_length);
+  if (IsShifting()) {
+    std::rotate(shift_.begin(), shift_.begin() + 1, shift_.end());
+    shift_.back() = tdi;
+  }
+  state_ = NextTapState(state_, tms);
+}
+
+void Target::LowerTck() {
+  if (state_ == TapState::kUpdateDr) UpdateDr();
+  if (state_ == TapState::kUpdateIr) instruction_ = NumberOfBits(shift_);
+  if (state_ == TapState::kTestLogicReset) instruction_ = options_.idcode_instruction;
+  tdo_ = IsShifting() ? std::optional<bool>(shift_.front()) : std::nullopt;
+}
+
+void Target::ResetTap() {
+  state_ = TapState::kTestLogicReset;
+  instruction_ = options_.idcode_instruction;
+  tdo_.reset();
+}
+
+void Target::HoldRegisters(bool hold) {
+  if (hold && !held_) registers_ = options_.registers;
+  held_ = hold;
+}
+
+Bits Target::CapturedDr() const {
+  if (const auto found = registers_.find(instruction_); found != registers_.end()) {
+    return found->second;
+  }
+  if (instruction_ == options_.idcode_instruction) return BitsOfNumber(options_.idcode, 32);
+  return BitsOfNumber(0, 1);  // BYPASS
+}
+
+void Target::UpdateDr() {
+  if (held_) return;
+  if (const auto found = registers_.find(instruction_); found != registers_.end()) {
+    found->second = shift_;
+  }
+}
 
 void SimPort::Write(int levels, int enables) {
   const int before = wires_;

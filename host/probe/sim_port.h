@@ -1,14 +1,65 @@
-// The pins of the simulated probe, with the simulated target behind them.
+// The pins of the simulated probe, and the simulated target.
 #ifndef ICESCRIPT_HOST_PROBE_SIM_PORT_H_
 #define ICESCRIPT_HOST_PROBE_SIM_PORT_H_
 
+#include <cstdint>
+#include <map>
+#include <optional>
 #include <utility>
 
 #include "entry/icescript.h"
 #include "host/probe/pin_port.h"
-#include "host/target/target.h"
+#include "host/target/bits.h"
+#include "host/target/tap.h"
 
 namespace icehost {
+
+// The instruction of a register of 32 bits that the target has in addition to those of the options,
+// unless one of them or the IDCODE has this instruction.
+constexpr std::uint64_t kScratchInstruction = 0x02;
+
+struct TargetOptions {
+  // Instructions other than those below select BYPASS.
+  int ir_length = 5;
+  std::uint64_t idcode_instruction = 0x01;
+  std::uint32_t idcode = 0x1CE51001;  // no manufacturer has this code
+  // The reset values of data registers that a script may write and read, by instruction. A register
+  // with the IDCODE's instruction replaces the IDCODE.
+  std::map<std::uint64_t, Bits> registers;
+};
+
+// A TAP of IEEE 1149.1 with its registers.
+class Target {
+ public:
+  explicit Target(const TargetOptions& options);
+
+  // The two edges of TCK: the TAP samples TMS and TDI on the rising edge; it changes TDO and
+  // updates its registers on the falling one.
+  void RaiseTck(bool tms, bool tdi);
+  void LowerTck();
+  // TRST low.
+  void ResetTap();
+  // NRST low: the registers get their reset values and keep them; the TAP controller keeps its
+  // state.
+  void HoldRegisters(bool hold);
+
+  // Returns the level of TDO; nothing outside Shift-IR and Shift-DR, where the target does not
+  // drive it.
+  std::optional<bool> Tdo() const { return tdo_; }
+
+ private:
+  bool IsShifting() const { return state_ == TapState::kShiftDr || state_ == TapState::kShiftIr; }
+  Bits CapturedDr() const;
+  void UpdateDr();
+
+  TargetOptions options_;
+  std::map<std::uint64_t, Bits> registers_;
+  bool held_ = false;
+  TapState state_ = TapState::kTestLogicReset;
+  std::uint64_t instruction_;
+  Bits shift_;
+  std::optional<bool> tdo_;
+};
 
 class SimPort : public PinPort {
  public:

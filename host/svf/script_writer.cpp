@@ -9,19 +9,12 @@
 
 #include "base/text.h"
 #include "host/check/plan.h"
-#include "host/system/printable.h"
+#include "host/system/text.h"
 
 namespace icehost {
 namespace {
 
 constexpr std::size_t kLongestName = 200;
-
-// "0x01,0x02": the bits that are shifted first in the first byte. At least one byte.
-std::string Bytes(const Bits& bits) {
-  std::vector<std::uint8_t> bytes(std::max<std::size_t>((bits.size() + 7) / 8, 1));
-  StoreBits(bits, static_cast<int>(bits.size()), bytes.data());
-  return fmt::format("0x{:02x}", fmt::join(bytes, ",0x"));
-}
 
 // A file name for a comment, in which "expect" would begin an expectation.
 std::string NameInComment(std::string name) {
@@ -121,9 +114,10 @@ void ScriptWriter::Comment(const std::string& text) {
 void ScriptWriter::Section(int line, const SvfShift& ir, const SvfShift& dr) {
   on_line_ = line == last_line_ ? on_line_ + 1 : 1;
   last_line_ = line;
-  text_ += fmt::format("[LINE_{}{}]\nIR={},{}\nDR={},{},{}\n", line,
-                       on_line_ > 1 ? fmt::format("_{}", on_line_) : "", ir.tdi.size(),
-                       Bytes(ir.tdi), dr.Compares() ? 'R' : 'W', dr.tdi.size(), Bytes(dr.tdi));
+  text_ +=
+      fmt::format("[LINE_{}{}]\nIR={},{}\nDR={},{},{}\n", line,
+                  on_line_ > 1 ? fmt::format("_{}", on_line_) : "", ir.tdi.size(), ByteList(ir.tdi),
+                  dr.Compares() ? 'R' : 'W', dr.tdi.size(), ByteList(dr.tdi));
   Expect("IR_TDO", "IR_MASK", ir);
   Expect("TDO", "MASK", dr);
   text_ += '\n';
@@ -131,9 +125,9 @@ void ScriptWriter::Section(int line, const SvfShift& ir, const SvfShift& dr) {
 
 void ScriptWriter::Expect(const char* value_key, const char* mask_key, const SvfShift& shift) {
   if (!shift.Compares()) return;
-  text_ += fmt::format("{}={}\n", value_key, Bytes(shift.tdo));
+  text_ += fmt::format("{}={}\n", value_key, ByteList(shift.tdo));
   if (std::find(shift.mask.begin(), shift.mask.end(), false) == shift.mask.end()) return;
-  text_ += fmt::format("{}={}\n", mask_key, Bytes(shift.mask));
+  text_ += fmt::format("{}={}\n", mask_key, ByteList(shift.mask));
 }
 
 std::string ScriptWriter::Script(const std::string& name) const {

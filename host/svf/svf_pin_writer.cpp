@@ -9,7 +9,7 @@
 #include "host/pins/recording_port.h"
 #include "host/pins/tap_decoder.h"
 #include "host/svf/svf_writer.h"
-#include "host/target/pin_names.h"
+#include "host/target/wires.h"
 
 namespace icehost {
 namespace {

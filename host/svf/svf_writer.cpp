@@ -7,7 +7,7 @@
 
 #include "base/text.h"
 #include "host/pins/tap_decoder.h"
-#include "host/system/printable.h"
+#include "host/system/text.h"
 
 namespace icehost {
 namespace {

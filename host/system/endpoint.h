@@ -1,4 +1,4 @@
-// Where to connect to or to listen.
+// An address to connect to or to listen at.
 #ifndef ICESCRIPT_HOST_SYSTEM_ENDPOINT_H_
 #define ICESCRIPT_HOST_SYSTEM_ENDPOINT_H_
 
@@ -18,7 +18,7 @@ struct Endpoint {
   std::string Name() const;
 };
 
-// The reverse of Name. Throws std::invalid_argument that says what is expected.
+// Parses a Name. Throws std::invalid_argument that says what is expected.
 Endpoint ParseEndpoint(std::string_view text);
 
 }  // namespace icehost

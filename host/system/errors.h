@@ -1,4 +1,4 @@
-// What ends a call, a script or the run.
+// The exceptions that end a call, a script or the run.
 #ifndef ICESCRIPT_HOST_SYSTEM_ERRORS_H_
 #define ICESCRIPT_HOST_SYSTEM_ERRORS_H_
 
@@ -18,13 +18,13 @@ class Unsupported : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-// The plug-in threw an exception of its own. The script has failed.
+// The plug-in threw an exception. The script has failed.
 class PluginThrew : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-// The user pressed Ctrl-C, or the program was told to end. The run ends with kInterrupted.
+// The user pressed Ctrl-C, or a signal ended the program. The run ends with kInterrupted.
 class Interrupted : public std::runtime_error {
  public:
   Interrupted() : std::runtime_error("interrupted") {}

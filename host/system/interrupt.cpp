@@ -1,6 +1,5 @@
 #include "host/system/interrupt.h"
 
-#include <asio/signal_set.hpp>
 #include <atomic>
 #include <chrono>
 #include <csignal>
@@ -40,8 +39,7 @@ void EndWithoutMain() {
   std::_Exit(kSignalOffset + SIGINT);
 }
 
-// On the thread of the signals. One signal may come twice: a program like timeout sends it to its
-// child and to the group of both.
+// One signal may come twice: a program like timeout sends it to its child and to the group of both.
 void OnSignal(int signal) {
   using Clock = std::chrono::steady_clock;
   static Clock::time_point first;
@@ -55,11 +53,10 @@ void OnSignal(int signal) {
   }
 }
 
-void AwaitSignal(asio::signal_set& signals) {
-  signals.async_wait([&signals](const asio::error_code& /*error*/, int signal) {
-    OnSignal(signal);
-    AwaitSignal(signals);
-  });
+[[noreturn]] void AwaitSignals(sigset_t signals) {
+  for (int signal = 0;;) {
+    if (sigwait(&signals, &signal) == 0) OnSignal(signal);
+  }
 }
 
 bool IsIgnored(int signal) {
@@ -67,32 +64,18 @@ bool IsIgnored(int signal) {
   return sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
 }
 
-void Watch(asio::io_context& loop, asio::signal_set& signals, const sigset_t& set) {
-  pthread_sigmask(SIG_BLOCK, &set, nullptr);
-  AwaitSignal(signals);
-  std::thread([&loop, set] {
-    pthread_sigmask(SIG_UNBLOCK, &set, nullptr);
-    loop.run();
-  }).detach();
-}
-
 }  // namespace
 
 void CatchInterrupts() try {
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);
-  EventLoop();
-  // As long as the process lives, its thread waits here.
-  static auto& loop = *new asio::io_context;
-  static auto& signals = *new asio::signal_set(loop);
-  sigset_t set;
-  sigemptyset(&set);
+  sigset_t signals;
+  sigemptyset(&signals);
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-    if (IsIgnored(signal)) continue;
-    signals.add(signal);
-    sigaddset(&set, signal);
+    if (!IsIgnored(signal)) sigaddset(&signals, signal);
   }
-  Watch(loop, signals, set);
+  pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+  std::thread(AwaitSignals, signals).detach();
 } catch (const std::system_error& error) {
   throw IoError(error.what());
 }

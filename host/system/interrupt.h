@@ -8,12 +8,11 @@
 
 namespace icehost {
 
-// From here on the first SIGINT, SIGTERM or SIGHUP is noted, for the program to end by itself; one
-// that comes half a second later ends it at once. A signal that the process was started to ignore
-// stays ignored. They are taken by a thread of their own, and interrupt no system call of the
-// caller's. SIGPIPE and SIGXFSZ are ignored: writing to a closed connection or beyond a file's
-// limit is an error like another. To be called once, before other threads are started. Throws
-// IoError.
+// After this call the first SIGINT, SIGTERM or SIGHUP is noted, for the program to end by itself;
+// one that comes half a second later ends it at once. A signal that the process was started to
+// ignore stays ignored. A thread of their own takes the signals, so that they interrupt no system
+// call. SIGPIPE and SIGXFSZ are ignored: writing to a closed connection or beyond a file's limit is
+// an error like any other. To be called once, before other threads are started. Throws IoError.
 void CatchInterrupts();
 
 // Whether a signal has been noted.
@@ -59,9 +58,9 @@ class Rescue {
   std::mutex working_;  // held by the main thread while it works
 };
 
-// The loop for every wait of the main thread; a signal stops it. Whoever waits restarts it, then
-// calls ThrowIfInterrupted, then runs it: so no signal is missed. It is never destroyed, for the
-// look-up of a host name that was given up cannot be ended and would be waited for.
+// The loop for every wait of the main thread; a signal stops it. To miss no signal, a caller
+// restarts it, then calls ThrowIfInterrupted, then runs it. It is never destroyed, because that
+// would wait for the look-up of a host name that was given up.
 asio::io_context& EventLoop();
 
 }  // namespace icehost

@@ -22,18 +22,18 @@ constexpr int kBufferSize = 1 << 16;
 constexpr std::ptrdiff_t kPipePiece = PIPE_BUF;  // a pipe with room takes it whole
 constexpr int kLookForSignalsEvery = 100;        // ms
 
-// A descriptor of our own, which outlives that descriptor 1 is led elsewhere.
+// Returns a duplicate, which stays standard output while descriptor 1 leads elsewhere.
 int OpenStandardOutput() {
   const int fd = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
   if (fd < 0) throw IoError(fmt::format("standard output: {}", std::strerror(errno)));
   return fd;
 }
 
-// Opens a file that is there, or makes one; `created` says which.
+// Opens an existing file, or creates one; `created` says which.
 int Open(const std::string& path, bool& created) {
   if (path == "-") return OpenStandardOutput();
   constexpr int kNew = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
-  constexpr int kThere = O_WRONLY | O_CREAT | O_CLOEXEC;  // made all the same behind a dead link
+  constexpr int kThere = O_WRONLY | O_CREAT | O_CLOEXEC;  // O_CREAT for a dead link
   int fd = open(path.c_str(), kNew, 0666);
   created = fd >= 0;
   if (!created) fd = open(path.c_str(), kThere, 0666);
@@ -53,7 +53,7 @@ OutputFile::Buffer::Buffer(int fd)
   setp(bytes_.get(), bytes_.get() + kBufferSize);
 }
 
-// After a signal nobody is waited for.
+// Stops waiting after a signal.
 void OutputFile::Buffer::AwaitReader() {
   pollfd waiting = {fd_, POLLOUT, 0};
   while (poll(&waiting, 1, kLookForSignalsEvery) == 0) {
@@ -123,13 +123,13 @@ void OutputFile::Close() {
 }
 
 void OutputFile::Fail(int error) {
-  if (std::exchange(told_, true)) return;
+  if (std::exchange(reported_, true)) return;
   const char* const what = IsStandardOutput() ? "standard output" : path_.c_str();
   const char* const act = IsStandardOutput() ? "" : "cannot write: ";
   throw IoError(fmt::format("{}: {}{}", what, act, std::strerror(error)));
 }
 
-// Takes back a part of a line, or all, where the file can be read and cut.
+// Removes a part of a line, or everything, if the file can be read and cut.
 void OutputFile::CutUnfinished() const {
   off_t end = rest_ == Rest::kLines ? lseek(fd_, 0, SEEK_CUR) : 0;
   const int reader =

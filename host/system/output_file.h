@@ -11,36 +11,36 @@
 namespace icehost {
 
 // Writes in place, so that a run can be followed and the file's links, owner and mode stay; but not
-// before Begin. A file that was opened and not begun is as it was, or gone where it was not there.
-// Begun, it is whole at any time but for what is yet to be flushed. Of standard output, "-",
-// nothing is ever taken back.
+// before Begin. A file that was opened and not begun stays as it was, or disappears if it did not
+// exist. After Begin it is complete at any time except for what is not flushed yet. Nothing is ever
+// removed from standard output, "-".
 class OutputFile {
  public:
-  // What may stay of a file that could not be written to its end: every whole line, or nothing.
+  // What remains of a file that could not be written to its end: every whole line, or nothing.
   enum class Rest { kLines, kNothing };
 
-  // Opens the file; throws IoError that says why it cannot. Standard output is the one that
+  // Opens the file; throws IoError that says why it cannot. Standard output is the file that
   // descriptor 1 leads to now.
   OutputFile(const std::string& path, Rest rest);
-  // Writes what is left of a file that was begun.
+  // Writes the rest of a file that was begun.
   ~OutputFile();
   OutputFile(const OutputFile&) = delete;
   OutputFile& operator=(const OutputFile&) = delete;
 
-  // Empties the file. What is written from here on goes there.
+  // Empties the file. To be called before anything is written.
   void Begin();
   std::ostream& Stream() { return stream_; }
-  // Throws IoError where something could not be written, unless that was told; or Interrupted where
-  // a signal was the reason.
+  // Throws IoError if something could not be written and that was not thrown before; or Interrupted
+  // if a signal was the reason.
   void ThrowIfCut();
-  // Throws likewise, IoError only.
+  // Writes the rest and closes the file; throws such an IoError.
   void Close();
 
  private:
   class Buffer : public std::streambuf {
    public:
     explicit Buffer(int fd);
-    // Of the first write that failed, or 0.
+    // The error of the first write that failed, or 0.
     int Error() const { return error_; }
     bool Write();
 
@@ -52,7 +52,7 @@ class OutputFile {
     void AwaitReader();
 
     int fd_;
-    bool has_reader_;  // who may keep us waiting
+    bool has_reader_;  // who may be slow
     int error_ = 0;
     std::unique_ptr<char[]> bytes_;
   };
@@ -65,13 +65,13 @@ class OutputFile {
   Rest rest_;
   bool created_;
   bool begun_ = false;
-  bool told_ = false;
+  bool reported_ = false;
   int fd_;
   Buffer buffer_;
   std::ostream stream_;
 };
 
-// Closes each, and returns what went wrong: a text for each that could not be written whole.
+// Closes each, and returns a message for each that could not be written completely.
 std::vector<std::string> CloseAll(const std::vector<std::unique_ptr<OutputFile>>& files);
 
 }  // namespace icehost

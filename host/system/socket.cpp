@@ -5,10 +5,12 @@
 #include <poll.h>
 #include <sys/socket.h>
 
+#include <algorithm>
 #include <asio/ip/tcp.hpp>
 #include <asio/local/stream_protocol.hpp>
 #include <asio/write.hpp>
 #include <cerrno>
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -18,8 +20,37 @@
 #include "host/system/interrupt.h"
 
 namespace icehost {
+namespace {
 
+namespace fs = std::filesystem;
 using asio::ip::tcp;
+
+// Removes the socket file of a server that has ended, which prevents the next from listening. Any
+// other file stays: connecting to one is refused as well.
+void RemoveStaleSocket(const std::string& path) {
+  std::error_code ignored;
+  if (!fs::is_socket(fs::symlink_status(path, ignored))) return;
+  asio::error_code error;
+  asio::local::stream_protocol::socket(EventLoop()).connect(path, error);
+  if (error == asio::error::connection_refused) fs::remove(path, ignored);
+}
+
+StreamProtocol::endpoint Address(const Endpoint& endpoint) {
+  if (endpoint.IsUnix()) return asio::local::stream_protocol::endpoint(endpoint.path);
+  return tcp::resolver(EventLoop())
+      .resolve(endpoint.host, endpoint.port, tcp::resolver::passive)
+      .begin()
+      ->endpoint();
+}
+
+tcp::endpoint TcpAddress(const StreamProtocol::endpoint& generic) {
+  tcp::endpoint address;
+  std::copy_n(reinterpret_cast<const char*>(generic.data()), generic.size(),
+              reinterpret_cast<char*>(address.data()));
+  return address;
+}
+
+}  // namespace
 
 Socket::Socket(std::string name, Timeout timeout)
     : socket_(EventLoop()), name_(std::move(name)), timeout_(timeout) {}
@@ -86,7 +117,7 @@ std::string Socket::Receive(std::size_t limit) {
 }
 
 std::size_t Socket::Pending(std::chrono::milliseconds patience) {
-  asio::error_code none;  // what is wrong with the connection, the next operation says
+  asio::error_code none;  // the next operation reports what is wrong
   pollfd readable = {socket_.native_handle(), POLLIN, 0};
   if (patience.count() > 0) poll(&readable, 1, static_cast<int>(patience.count()));
   return socket_.available(none);
@@ -101,16 +132,16 @@ bool Socket::HasEnded() {
   return got == 0;
 }
 
-// A server that writes each answer by itself and has Nagle's algorithm on sends the second once the
-// first is acknowledged: by itself the system takes 40 ms for that. The option does not last. A
-// UNIX socket has none.
+// A server that writes each answer separately with Nagle's algorithm on sends the second after the
+// first is acknowledged, which the system delays by 40 ms. The option does not last. A UNIX socket
+// has none.
 void Socket::AcknowledgeNow() {
   const int on = 1;
   setsockopt(socket_.native_handle(), IPPROTO_TCP, TCP_QUICKACK, &on, sizeof on);
 }
 
-// Begins an operation and waits until it is done or the time is over. What it is given to call
-// outlives this function, since an operation that was given up still ends some time.
+// Begins an operation and waits until it is done or the time is over. Its handler owns the outcome,
+// since an operation that was given up still ends some time.
 template <class Result, class Begin>
 std::pair<asio::error_code, Result> Socket::Await(Begin begin) {
   using Outcome = std::pair<asio::error_code, Result>;
@@ -137,6 +168,36 @@ void Socket::Lose(const asio::error_code& error) const {
 
 void Socket::Fail(const std::string& what, const asio::error_code& error) const {
   throw IoError(fmt::format("{}: {}: {}", name_, what, error.message()));
+}
+
+Listener::Listener(const Endpoint& endpoint) try : endpoint_(endpoint), acceptor_(EventLoop()) {
+  if (endpoint.IsUnix()) RemoveStaleSocket(endpoint.path);
+  const StreamProtocol::endpoint address = Address(endpoint);
+  acceptor_.open(address.protocol());
+  acceptor_.set_option(asio::socket_base::reuse_address(true));
+  acceptor_.bind(address);
+  acceptor_.listen();
+} catch (const asio::system_error& error) {
+  throw IoError(fmt::format("{}: cannot listen: {}", endpoint.Name(), error.code().message()));
+}
+
+Listener::~Listener() {
+  std::error_code ignored;
+  if (endpoint_.IsUnix()) fs::remove(endpoint_.path, ignored);
+}
+
+std::string Listener::Name() const {
+  if (endpoint_.IsUnix()) return endpoint_.Name();
+  const unsigned short port = TcpAddress(acceptor_.local_endpoint()).port();
+  return Endpoint{endpoint_.host, std::to_string(port), ""}.Name();
+}
+
+std::string PeerName(const StreamProtocol::socket& socket) {
+  asio::error_code error;
+  const StreamProtocol::endpoint peer = socket.remote_endpoint(error);
+  if (error || peer.protocol().family() == AF_UNIX) return "";
+  const tcp::endpoint address = TcpAddress(peer);
+  return Endpoint{address.address().to_string(), std::to_string(address.port()), ""}.Name();
 }
 
 }  // namespace icehost

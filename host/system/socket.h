@@ -1,7 +1,8 @@
-// The connection of a client, TCP or UNIX.
+// Sockets, TCP or UNIX: the connection of a client, and one that listens.
 #ifndef ICESCRIPT_HOST_SYSTEM_SOCKET_H_
 #define ICESCRIPT_HOST_SYSTEM_SOCKET_H_
 
+#include <asio/basic_socket_acceptor.hpp>
 #include <asio/generic/stream_protocol.hpp>
 #include <chrono>
 #include <string>
@@ -28,10 +29,10 @@ class Socket {
   // Waits for at least one byte and returns what is there, at most `limit`; empty when the other
   // side has closed.
   std::string Receive(std::size_t limit);
-  // Bytes that have come and were not received yet; where there are none, waits for some as long as
-  // `patience`.
+  // Returns the number of bytes that have come and were not received yet; if there are none, waits
+  // for some as long as `patience`.
   std::size_t Pending(std::chrono::milliseconds patience = {});
-  // Whether the other side has closed and nothing is left to receive. Waits for nothing.
+  // Returns whether the other side has closed and nothing is left to receive. Does not wait.
   bool HasEnded();
   // The endpoint as the user named it.
   const std::string& Name() const { return name_; }
@@ -52,6 +53,30 @@ class Socket {
   std::string name_;
   Timeout timeout_;
 };
+
+// Listens on the event loop. The file of a UNIX socket exists as long as the object.
+class Listener {
+ public:
+  using Acceptor = asio::basic_socket_acceptor<StreamProtocol>;
+
+  // Replaces the file of a UNIX socket whose server has ended, and no other file. Throws IoError.
+  explicit Listener(const Endpoint& endpoint);
+  ~Listener();
+  Listener(const Listener&) = delete;
+  Listener& operator=(const Listener&) = delete;
+
+  // Returns the endpoint as a client names it, with the real port instead of port 0.
+  std::string Name() const;
+  Acceptor& GetAcceptor() { return acceptor_; }
+
+ private:
+  Endpoint endpoint_;
+  Acceptor acceptor_;
+};
+
+// Returns the other end of a TCP connection as an Endpoint's Name; empty for a UNIX socket, whose
+// other end has no name, and for a lost connection.
+std::string PeerName(const StreamProtocol::socket& socket);
 
 }  // namespace icehost
 

@@ -1,18 +1,30 @@
 #include "host/system/standard_streams.h"
 
 #include <fcntl.h>
+#include <sys/mman.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
+#include <cstdlib>
+#include <cstring>
 #include <initializer_list>
 
+#include "host/system/errors.h"
+#include "host/system/text.h"
+
 namespace icehost {
+namespace {
+
+[[noreturn]] void Fail() {
+  throw IoError(std::string("standard output: ") + std::strerror(errno));
+}
+
+}  // namespace
 
 void OccupyStandardDescriptors() {
   for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
     if (fcntl(fd, F_GETFD) != -1 || errno != EBADF) continue;
-    // The lowest free number is this one. Opened the wrong way round, for the error.
+    // The lowest free number is this one. The wrong direction makes every use an error.
     [[maybe_unused]] const int opened = open("/dev/null", fd == 0 ? O_WRONLY : O_RDONLY);
   }
 }
@@ -20,6 +32,56 @@ void OccupyStandardDescriptors() {
 bool CompleteStandardStreams() {
   const bool flushed = std::fflush(stdout) == 0;
   return flushed && std::ferror(stdout) == 0 && std::ferror(stderr) == 0;
+}
+
+CapturedOutput::CapturedOutput() : kept_(memfd_create("stdout", MFD_CLOEXEC)) {
+  if (kept_ < 0) Fail();
+  std::fflush(stdout);
+  const int user = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+  user_ = user >= 0 ? fdopen(user, "w") : nullptr;
+  if (user_ != nullptr && dup2(kept_, STDOUT_FILENO) >= 0) return;
+  // EINVAL: standard output cannot be written to.
+  const int error = errno == EINVAL ? EBADF : errno;
+  close(kept_);
+  if (user >= 0) close(user);
+  errno = error;
+  Fail();
+}
+
+CapturedOutput::~CapturedOutput() {
+  std::fflush(stdout);
+  std::fflush(user_);
+  dup2(fileno(user_), STDOUT_FILENO);
+  std::fclose(user_);
+  close(kept_);
+}
+
+std::string CapturedOutput::Take() {
+  // Descriptor 1 shares this offset.
+  const off_t size = lseek(kept_, 0, SEEK_CUR);
+  if (size <= 0) return "";
+  std::string text(static_cast<std::size_t>(size), '\0');
+  const ssize_t got = pread(kept_, text.data(), text.size(), 0);
+  text.resize(got > 0 ? static_cast<std::size_t>(got) : 0);
+  lseek(kept_, 0, SEEK_SET);
+  return text;
+}
+
+bool WantsColour(int fd) {
+  const char* const no_colour = std::getenv("NO_COLOR");
+  const char* const terminal = std::getenv("TERM");
+  return isatty(fd) != 0 && (no_colour == nullptr || *no_colour == '\0') &&
+         (terminal == nullptr || std::strcmp(terminal, "dumb") != 0);
+}
+
+void ComplainLine(std::string line) {
+  while (!line.empty() && line.back() == '\n') line.pop_back();
+  // If standard error takes no more, nobody can be informed.
+  std::fputs((Printable(line) + "\n").c_str(), stderr);
+}
+
+void Complain(const std::string& what) {
+  ComplainLine("icehost: " + what);
 }
 
 }  // namespace icehost

@@ -7,10 +7,8 @@
 #include <utility>
 
 #include "host/chain/chain_reader.h"
-#include "host/chain/openocd_chain.h"
 #include "host/probe/bitbang_port.h"
-#include "host/probe/openocd_probe.h"
-#include "host/probe/openocd_rpc.h"
+#include "host/probe/openocd.h"
 #include "host/probe/sim_port.h"
 #include "host/system/errors.h"
 #include "host/system/socket.h"

@@ -11,8 +11,8 @@
 #include "host/chain/chain.h"
 #include "host/probe/pin_port.h"
 #include "host/probe/probe.h"
+#include "host/probe/sim_port.h"
 #include "host/system/endpoint.h"
-#include "host/target/target.h"
 
 namespace icehost {
 

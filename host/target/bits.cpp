@@ -1,6 +1,9 @@
 #include "host/target/bits.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
+#include <iterator>
 
 namespace icehost {
 
@@ -14,6 +17,11 @@ std::uint64_t NumberOfBits(const Bits& bits) {
   std::uint64_t number = 0;
   for (std::size_t i = 0; i < bits.size() && i < 64; ++i) number |= std::uint64_t{bits[i]} << i;
   return number;
+}
+
+Bits Slice(const Bits& bits, std::size_t first, std::size_t end) {
+  const auto at = [&bits](std::size_t i) { return bits.begin() + static_cast<std::ptrdiff_t>(i); };
+  return {at(first), at(end)};
 }
 
 Bits BitsOfBytes(const std::uint8_t* bytes, int first, int end) {
@@ -37,19 +45,36 @@ void StoreBits(const Bits& bits, int limit, std::uint8_t* bytes) {
   }
 }
 
+std::vector<std::uint8_t> BytesOfBits(const Bits& bits) {
+  std::vector<std::uint8_t> bytes((bits.size() + 7) / 8);
+  StoreBits(bits, static_cast<int>(bits.size()), bytes.data());
+  return bytes;
+}
+
 std::string ByteText(const std::uint8_t* bytes, std::size_t count) {
   constexpr char kDigits[] = "0123456789abcdef";
   std::string text = "0x";
-  text.reserve(2 + 2 * count);
+  text.reserve(text.size() + 2 * count);
   for (std::size_t i = count; i-- > 0;) {
-    text += kDigits[bytes[i] >> 4];
-    text += kDigits[bytes[i] & 0xF];
+    text += kDigits[bytes[i] >> 4U];
+    text += kDigits[bytes[i] & 0xFU];
   }
   return text;
 }
 
 std::string ByteText(std::string_view bytes) {
   return ByteText(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
+}
+
+std::string BitText(const Bits& bits) {
+  const std::vector<std::uint8_t> bytes = BytesOfBits(bits);
+  return ByteText(bytes.data(), bytes.size());
+}
+
+std::string ByteList(const Bits& bits) {
+  std::vector<std::uint8_t> bytes = BytesOfBits(bits);
+  if (bytes.empty()) bytes.push_back(0);
+  return fmt::format("{:#04x}", fmt::join(bytes, ","));
 }
 
 }  // namespace icehost

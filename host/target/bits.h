@@ -12,22 +12,31 @@ namespace icehost {
 
 using Bits = std::vector<bool>;
 
-// The `length` lowest bits of a number; zeros above the 64th.
+// Returns the `length` lowest bits of a number; zeros above the 64th.
 Bits BitsOfNumber(std::uint64_t number, int length);
-// The lowest 64 bits as a number.
+// Returns the lowest 64 bits as a number.
 std::uint64_t NumberOfBits(const Bits& bits);
 
-// Bits `first` to `end - 1` of bytes that are least significant first; none where end <= first.
+// Returns bits `first` to `end - 1`.
+Bits Slice(const Bits& bits, std::size_t first, std::size_t end);
+
+// Returns bits `first` to `end - 1` of bytes, least significant first; none if end <= first.
 Bits BitsOfBytes(const std::uint8_t* bytes, int first, int end);
-// The first `count` bits of such bytes; zeros beyond them.
+// Returns the first `count` bits of such bytes; zeros beyond them.
 Bits BitsOfBytes(const std::string& bytes, std::size_t count);
-// Sets the bits of zeroed bytes, no more than `limit` of them.
+// Stores at most `limit` bits in bytes that are zero before.
 void StoreBits(const Bits& bits, int limit, std::uint8_t* bytes);
 
-// The bytes of a register, least significant first, as text: "0x" and two digits for each byte, the
-// most significant first.
+// Returns all bits in bytes, the last of them filled with zeros.
+std::vector<std::uint8_t> BytesOfBits(const Bits& bits);
+
+// Returns bytes that are least significant first as one number: "0x" and two digits for each.
 std::string ByteText(const std::uint8_t* bytes, std::size_t count);
 std::string ByteText(std::string_view bytes);
+// Returns bits as such a number, the last of them first.
+std::string BitText(const Bits& bits);
+// Returns the bytes of a register as a script lists them, such as "0x01,0x02"; "0x00" for no bits.
+std::string ByteList(const Bits& bits);
 
 }  // namespace icehost
 

@@ -1,77 +1,81 @@
 #include "host/target/tap.h"
 
-#include <array>
-#include <queue>
-
 namespace icehost {
 namespace {
 
 using S = TapState;
 
-struct Ways {
-  TapState tms_low;
+constexpr struct {
+  const char* name;
+  TapState tms_low;  // the state after a rising TCK edge
   TapState tms_high;
+} kStates[kTapStates] = {
+    {"Test-Logic-Reset", S::kRunTestIdle, S::kTestLogicReset},
+    {"Run-Test/Idle", S::kRunTestIdle, S::kSelectDrScan},
+    {"Select-DR-Scan", S::kCaptureDr, S::kSelectIrScan},
+    {"Capture-DR", S::kShiftDr, S::kExit1Dr},
+    {"Shift-DR", S::kShiftDr, S::kExit1Dr},
+    {"Exit1-DR", S::kPauseDr, S::kUpdateDr},
+    {"Pause-DR", S::kPauseDr, S::kExit2Dr},
+    {"Exit2-DR", S::kShiftDr, S::kUpdateDr},
+    {"Update-DR", S::kRunTestIdle, S::kSelectDrScan},
+    {"Select-IR-Scan", S::kCaptureIr, S::kTestLogicReset},
+    {"Capture-IR", S::kShiftIr, S::kExit1Ir},
+    {"Shift-IR", S::kShiftIr, S::kExit1Ir},
+    {"Exit1-IR", S::kPauseIr, S::kUpdateIr},
+    {"Pause-IR", S::kPauseIr, S::kExit2Ir},
+    {"Exit2-IR", S::kShiftIr, S::kUpdateIr},
+    {"Update-IR", S::kRunTestIdle, S::kSelectDrScan},
 };
 
-constexpr Ways kWays[kTapStates] = {
-    {S::kRunTestIdle, S::kTestLogicReset},  // Test-Logic-Reset
-    {S::kRunTestIdle, S::kSelectDrScan},    // Run-Test/Idle
-    {S::kCaptureDr, S::kSelectIrScan},      // Select-DR-Scan
-    {S::kShiftDr, S::kExit1Dr},             // Capture-DR
-    {S::kShiftDr, S::kExit1Dr},             // Shift-DR
-    {S::kPauseDr, S::kUpdateDr},            // Exit1-DR
-    {S::kPauseDr, S::kExit2Dr},             // Pause-DR
-    {S::kShiftDr, S::kUpdateDr},            // Exit2-DR
-    {S::kRunTestIdle, S::kSelectDrScan},    // Update-DR
-    {S::kCaptureIr, S::kTestLogicReset},    // Select-IR-Scan
-    {S::kShiftIr, S::kExit1Ir},             // Capture-IR
-    {S::kShiftIr, S::kExit1Ir},             // Shift-IR
-    {S::kPauseIr, S::kUpdateIr},            // Exit1-IR
-    {S::kPauseIr, S::kExit2Ir},             // Pause-IR
-    {S::kShiftIr, S::kUpdateIr},            // Exit2-IR
-    {S::kRunTestIdle, S::kSelectDrScan},    // Update-IR
-};
+constexpr unsigned BitOf(TapState state) {
+  return 1U << static_cast<unsigned>(state);
+}
 
-constexpr const char* kNames[kTapStates] = {
-    "Test-Logic-Reset", "Run-Test/Idle",  "Select-DR-Scan", "Capture-DR",
-    "Shift-DR",         "Exit1-DR",       "Pause-DR",       "Exit2-DR",
-    "Update-DR",        "Select-IR-Scan", "Capture-IR",     "Shift-IR",
-    "Exit1-IR",         "Pause-IR",       "Exit2-IR",       "Update-IR",
-};
-
-// Number of edges of the shortest way.
-int Distance(TapState from, TapState to) {
-  std::array<int, kTapStates> distance{};
-  distance.fill(-1);
-  distance[static_cast<std::size_t>(from)] = 0;
-  std::queue<TapState> open({from});
-  while (open.front() != to) {
-    const TapState state = open.front();
-    open.pop();
-    for (const bool tms : {false, true}) {
-      const TapState next = NextTapState(state, tms);
-      int& next_distance = distance[static_cast<std::size_t>(next)];
-      if (next_distance != -1) continue;
-      next_distance = distance[static_cast<std::size_t>(state)] + 1;
-      open.push(next);
-    }
+// Returns the states that one edge reaches from any of these, a bit for each.
+unsigned StatesAfter(unsigned states) {
+  unsigned after = 0;
+  for (int i = 0; i < kTapStates; ++i) {
+    if ((states >> i & 1) != 0) after |= BitOf(kStates[i].tms_low) | BitOf(kStates[i].tms_high);
   }
-  return distance[static_cast<std::size_t>(to)];
+  return after;
 }
 
 }  // namespace
 
 const char* TapStateName(TapState state) {
-  return kNames[static_cast<int>(state)];
+  return kStates[static_cast<int>(state)].name;
 }
 
 TapState NextTapState(TapState state, bool tms) {
-  const Ways& ways = kWays[static_cast<int>(state)];
+  const auto& ways = kStates[static_cast<int>(state)];
   return tms ? ways.tms_high : ways.tms_low;
 }
 
 bool TmsTowards(TapState from, TapState to) {
-  return Distance(NextTapState(from, true), to) < Distance(NextTapState(from, false), to);
+  unsigned low = BitOf(NextTapState(from, false));
+  unsigned high = BitOf(NextTapState(from, true));
+  for (; (low & BitOf(to)) == 0; low = StatesAfter(low), high = StatesAfter(high)) {
+    if ((high & BitOf(to)) != 0) return true;
+  }
+  return false;
+}
+
+void TapTracker::Update(int wires) {
+  const bool rising = (~wires_ & wires & GPIO_PIN_TCK) != 0;
+  const bool tms = (wires & GPIO_PIN_TMS) != 0;
+  wires_ = wires;
+  if (rising) ++tck_cycles_;
+  if ((wires & GPIO_PIN_TRST) == 0) {
+    state_ = TapState::kTestLogicReset;
+  } else if (rising) {
+    tms_high_edges_ = tms ? tms_high_edges_ + 1 : 0;
+    if (state_.has_value()) {
+      state_ = NextTapState(*state_, tms);
+    } else if (tms_high_edges_ >= kTapResetEdges) {
+      state_ = TapState::kTestLogicReset;
+    }
+  }
 }
 
 }  // namespace icehost

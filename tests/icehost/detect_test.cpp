@@ -6,13 +6,12 @@
 #include <sstream>
 #include <utility>
 
+#include "host/chain/chain.h"
 #include "host/chain/chain_reader.h"
-#include "host/chain/chain_report.h"
-#include "host/chain/openocd_chain.h"
 #include "host/probe/bitbang_server.h"
 #include "host/probe/pin_port.h"
-#include "host/target/pin_names.h"
 #include "host/target/tap.h"
+#include "host/target/wires.h"
 #include "tests/icehost/local_server.h"
 #include "tests/icehost/run_icehost.h"
 
@@ -301,41 +300,28 @@ TEST(Detect, TakesOpenocdsWord) {
 }
 
 TEST(Detect, NamesManufacturers) {
-  std::string full = "\n@vendors = (\n[\"First\", \"Second\"";
-  for (int i = 3; i < 126; ++i) full += ", \"x\"";
   const struct {
-    std::string table;
-    const char* of_arm;     // bank 5, code 0x3b
-    const char* of_second;  // bank 1, code 2
-    const char* of_last;    // bank 1, code 0x7e
-  } kTables[] = {
-      {full + ",\n \"Last\"],\n[\"Other\"]\n);\n", "", "Second", "Last"},
-      {full + "],\n[\"Other\"]\n);", "", "", ""},             // one is missing
-      {full + ",\"Last\",\"y\"],[\"Other\"]);", "", "", ""},  // one is too many
-      {full + ", Last],\n[\"Other\"]\n);", "", "", ""},
-      {full + ", \"Last\"]", "", "", ""},
-      {"@vendors = (", "", "", ""},
-      {"\n@vendors = ();", "", "", ""},
-      {"\n@vendors = ([\"First\", \"Second\");]", "", "", ""},
-      {"", "", "", ""},
+    std::uint32_t idcode;
+    const char* described;
+    const char* known = "";  // to OpenOCD
+  } kIdcodes[] = {
+      {kArm, "version 4, part 0xba00, manufacturer 0x23b (bank 5, code 0x3b: ARM)"},
+      {kArm, "version 4, part 0xba00, manufacturer 0x23b (bank 5, code 0x3b: A)", "A"},
+      {0x13631093, "version 1, part 0x3631, manufacturer 0x049 (bank 1, code 0x49: Xilinx)"},
+      {0x3, "version 0, part 0x0000, manufacturer 0x001 (bank 1, code 0x01: AMD)"},
+      {0x5, "version 0, part 0x0000, manufacturer 0x002 (bank 1, code 0x02)"},
+      {0x479, "version 0, part 0x0000, manufacturer 0x23c (bank 5, code 0x3c)"},
+      {kOne, "version 1, part 0xce51, manufacturer 0x000 (bank 1, code 0x00: none has it)", "A"},
+      {0xFF, "version 0, part 0x0000, manufacturer 0x07f (bank 1, code 0x7f: none has it)", "A"},
   };
-  for (const auto& test : kTables) {
-    std::istringstream stream(test.table);
-    const icehost::Manufacturers names(stream);
-    const auto name_of = [&](std::uint32_t idcode) {
-      return names.NameOf(icehost::ManufacturerOf(idcode));
-    };
-    EXPECT_EQ(name_of(kArm), test.of_arm) << test.table;
-    EXPECT_EQ(name_of(0x5), test.of_second) << test.table;
-    EXPECT_EQ(name_of(0xFD), test.of_last) << test.table;
-    EXPECT_EQ(name_of(0x1) + name_of(0xFF), "") << test.table;  // codes that are nobody's
+  for (const auto& test : kIdcodes) {
+    Chain chain;
+    chain.taps = {{"", test.idcode, kNone, true, test.known, ""}};
+    char idcode[11];
+    std::snprintf(idcode, sizeof idcode, "0x%08x", test.idcode);
+    EXPECT_EQ(icehost::ReportOf(chain, "it"),
+              std::string("1 TAP on it\nTAP 1: IDCODE ") + idcode + ": " + test.described + "\n");
   }
-  EXPECT_EQ(icehost::DescribeIdcode(kArm, "A"),
-            "version 4, part 0xba00, manufacturer 0x23b (bank 5, code 0x3b: A)");
-  EXPECT_EQ(icehost::DescribeIdcode(0x3, ""),
-            "version 0, part 0x0000, manufacturer 0x001 (bank 1, code 0x01)");
-  EXPECT_EQ(icehost::DescribeIdcode(kOne, "A"),
-            "version 1, part 0xce51, manufacturer 0x000 (bank 1, code 0x00: none has it)");
 }
 
 // The scripts pass on the chain that they were made for, with the instructions filled in too, and

@@ -6,7 +6,7 @@
 #include <sstream>
 #include <string_view>
 
-#include "host/system/printable.h"
+#include "host/system/text.h"
 #include "tests/icehost/run_icehost.h"
 
 namespace {

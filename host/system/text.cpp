@@ -1,7 +1,8 @@
-#include "host/system/printable.h"
+#include "host/system/text.h"
 
 #include <algorithm>
 #include <iterator>
+#include <nlohmann/json.hpp>
 
 namespace icehost {
 namespace {
@@ -25,7 +26,7 @@ bool IsPrintable(char32_t code) {
   });
 }
 
-// Number of bytes that a first byte announces; 0 for a byte that begins no character.
+// Returns the number of bytes that a first byte announces; 0 for a byte that cannot be the first.
 std::size_t SizeOf(unsigned char first) {
   if (first < 0x80) return 1;
   if (first >= 0xC2 && first < 0xE0) return 2;  // 0xC0 and 0xC1 would only be overlong
@@ -33,7 +34,7 @@ std::size_t SizeOf(unsigned char first) {
   return first >= 0xF0 && first < 0xF5 ? 4 : 0;
 }
 
-// The character at the beginning of `text`, of `size` bytes; false where they are no UTF-8.
+// Reads the character in the first `size` bytes; returns false if they are not UTF-8.
 bool Decode(std::string_view text, std::size_t size, char32_t& code) {
   if (size == 0 || text.size() < size) return false;
   const auto first = static_cast<unsigned char>(text[0]);
@@ -45,6 +46,16 @@ bool Decode(std::string_view text, std::size_t size, char32_t& code) {
   const char32_t least[] = {0, 0x80, 0x800, 0x10000};
   return code >= least[size - 1] && code <= 0x10FFFF && (code < 0xD800 || code > 0xDFFF);
 }
+
+struct Replacement {
+  std::string_view text;
+  std::string_view with;
+};
+
+// U+FFFE and U+FFFF are UTF-8, but not characters of XML. "]]>" is forbidden, hence ">".
+constexpr Replacement kReplacements[] = {
+    {"&", "&amp;"}, {"<", "&lt;"}, {">", "&gt;"}, {"\xEF\xBF\xBE", "?"}, {"\xEF\xBF\xBF", "?"},
+};
 
 }  // namespace
 
@@ -73,6 +84,31 @@ std::string PrintableLines(std::string_view text) {
     text.remove_prefix(end + 1);
   }
   return shown + Printable(text);
+}
+
+std::string JsonText(std::string_view text) {
+  using Json = nlohmann::json;
+  std::string line = Json(text).dump(-1, ' ', true, Json::error_handler_t::replace);
+  // The only control character that dump leaves.
+  for (std::size_t at = 0; (at = line.find('\x7f', at)) != std::string::npos;) {
+    line.replace(at, 1, "\\u007f");
+  }
+  return line;
+}
+
+std::string XmlText(std::string_view text) {
+  const std::string printable = Printable(text);
+  std::string escaped;
+  for (std::string_view rest = printable; !rest.empty();) {
+    const auto* const found = std::find_if(
+        std::begin(kReplacements), std::end(kReplacements), [rest](const Replacement& replacement) {
+          return rest.substr(0, replacement.text.size()) == replacement.text;
+        });
+    const bool replaced = found != std::end(kReplacements);
+    escaped += replaced ? found->with : rest.substr(0, 1);
+    rest.remove_prefix(replaced ? found->text.size() : 1);
+  }
+  return escaped;
 }
 
 }  // namespace icehost

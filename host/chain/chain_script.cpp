@@ -1,0 +1,199 @@
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "entry/icescript.h"
+#include "host/chain/chain.h"
+#include "host/system/errors.h"
+#include "host/target/bits.h"
+
+namespace icehost {
+namespace {
+
+constexpr std::size_t kLongestScriptIr = std::size_t{8} * JTAG_IR_MAX_BYTES;
+// The uppermost four bits, the version, may differ from chip to chip of one design.
+constexpr std::uint32_t kIdcodeWithoutVersion = 0x0FFFFFFF;
+
+constexpr char kJtagHead[] =
+    R"(# Made by icehost detect. To be completed with the instructions of the chip's data sheet.
+
+[CONTROL]
+CDI=5
+
+# All ones is BYPASS, by IEEE 1149.1: what is shifted in comes out a bit later for each TAP.
+)";
+
+// Shifted through BYPASS: neither all alike nor the same backwards.
+constexpr std::uint64_t kPattern = 0x5AC3'0F71;
+constexpr int kPatternBits = 32;
+
+std::string Field(const Bits& bits) {
+  return fmt::format("{},{}", bits.size(), ByteList(bits));
+}
+
+// Returns `bits` with so many zeros before and after them.
+Bits Between(std::size_t before, Bits bits, std::size_t after) {
+  bits.insert(bits.begin(), before, false);
+  bits.insert(bits.end(), after, false);
+  return bits;
+}
+
+struct Expected {
+  Bits value;
+  Bits mask;  // empty: all bits count
+};
+
+// Returns the lines of a section after its name, each after `comment`.
+std::string Scan(const std::string& comment, const Bits& ir, const Bits& dr,
+                 const Expected& expected) {
+  std::string lines = fmt::format("{0}IR={1}\n{0}DR=R,{2}\n{0}TDO={3}\n", comment, Field(ir),
+                                  Field(dr), ByteList(expected.value));
+  if (!expected.mask.empty()) {
+    lines += fmt::format("{}MASK={}\n", comment, ByteList(expected.mask));
+  }
+  return lines;
+}
+
+// A script for a chain, or for one TAP in it.
+class Script {
+ public:
+  Script(const Chain& chain, std::optional<std::size_t> only) : chain_(chain), only_(only) {}
+
+  std::string Text() const;
+
+ private:
+  bool Reaches(std::size_t i) const { return !only_.has_value() || i == *only_; }
+  std::size_t IrBits() const;
+  std::string BypassSection() const;
+  std::string IdcodeSection(std::size_t i) const;
+
+  const Chain& chain_;
+  std::optional<std::size_t> only_;
+};
+
+std::size_t Script::IrBits() const {
+  if (chain_.ir_bits.has_value()) return static_cast<std::size_t>(*chain_.ir_bits);
+  int bits = 0;
+  for (std::size_t i = 0; i < chain_.taps.size(); ++i) {
+    if (Reaches(i)) bits += chain_.taps[i].ir_bits.value_or(0);
+  }
+  return static_cast<std::size_t>(bits);
+}
+
+// All TAPs delay what is shifted in, also those that the scan does not reach; the probe decides
+// what it shifts into these.
+std::string Script::BypassSection() const {
+  const std::size_t taps = chain_.taps.size();
+  const Bits pattern = BitsOfNumber(kPattern, kPatternBits);
+  const Bits mask = only_.has_value() ? Between(taps, Bits(kPatternBits, true), 0) : Bits();
+  return "[BYPASS]\n" + Scan("", Bits(IrBits(), true), Between(0, pattern, taps),
+                             {Between(taps, pattern, 0), mask});
+}
+
+// Only the instruction is to be filled in: the other TAPs stay in BYPASS.
+std::string Script::IdcodeSection(std::size_t i) const {
+  std::size_t before = 0;
+  std::size_t after = 0;
+  int first = 0;
+  for (std::size_t other = 0; other < chain_.taps.size(); ++other) {
+    if (other == i || !Reaches(other)) continue;
+    ++(other < i ? before : after);
+    if (other < i) first += *chain_.taps[other].ir_bits;
+  }
+  const auto place = [&](std::uint32_t number) {
+    return Between(before, BitsOfNumber(number, kIdcodeBits), after);
+  };
+  const std::uint32_t idcode = *chain_.taps[i].idcode;
+  const std::string text = fmt::format(
+      "\n# {}: IDCODE 0x{:08x} of any version. Put its IDCODE instruction into IR bits {} to {},\n"
+      "# which hold BYPASS, and take away the # of the lines below.\n"
+      "#[READ_IDCODE_{}]\n",
+      TapTitle(chain_, i), idcode, first, first + *chain_.taps[i].ir_bits - 1, i + 1);
+  return text + Scan("#", Bits(IrBits(), true), Bits(before + kIdcodeBits + after),
+                     {place(idcode), place(kIdcodeWithoutVersion)});
+}
+
+std::string Script::Text() const {
+  if (chain_.taps.size() > kMostTaps) throw Unsupported("no JTAG script: more than 64 TAPs");
+  if (IrBits() > kLongestScriptIr) {
+    throw Unsupported(fmt::format("no JTAG script: the IR has {} bits, and in a script at most {}",
+                                  IrBits(), kLongestScriptIr));
+  }
+  std::string text = kJtagHead + BypassSection();
+  const auto is_known = [](const ChainTap& tap) { return tap.ir_bits.has_value(); };
+  if (!std::all_of(chain_.taps.begin(), chain_.taps.end(), is_known)) {
+    return text + "\n# Which bits of the IR belong to which TAP could not be told.\n";
+  }
+  for (std::size_t i = 0; i < chain_.taps.size(); ++i) {
+    if (Reaches(i) && chain_.taps[i].idcode.has_value()) text += IdcodeSection(i);
+  }
+  return text;
+}
+
+// A script cannot spare the target: START pulls every pin low.
+constexpr char kGpioHead[] =
+    "# Made by icehost detect: resets the TAPs and reads what they answer then, every TCK edge a "
+    "line.\n"
+    R"(# START pulls every pin low: NRST resets the target.
+[ORVEX_ICE_GPIO]
+START
+GPIO_OE=0x1F                # TDO is the target's to drive
+NRST=1,TRST=1,TMS=1
+REPT=5                      # Test-Logic-Reset
+TCK=1
+TCK=0
+ENDR
+TMS=0
+TCK=1                       # Run-Test/Idle
+TCK=0,TMS=1
+TCK=1                       # Select-DR-Scan
+TCK=0,TMS=0
+TCK=1                       # Capture-DR
+TCK=0
+)";
+
+constexpr char kGpioTail[] = R"(
+TMS=1
+REPT=5                      # back to Test-Logic-Reset
+TCK=1
+TCK=0
+ENDR
+END
+)";
+
+// Reads one bit of TDO, and expects `level` if it is given.
+std::string ReadBit(const std::string& name, std::optional<bool> level) {
+  const std::string read =
+      level.has_value() ? fmt::format("PRINT=GPIO_IN               # expect TDO={:d}", *level)
+                        : "PRINT=GPIO_IN";
+  return fmt::format("TCK=1                       # {}\nTCK=0\n{}\n", name, read);
+}
+
+std::string ReadTap(const Chain& chain, std::size_t i) {
+  const ChainTap& tap = chain.taps[i];
+  if (!tap.idcode.has_value()) {
+    return fmt::format("\n# {} has no IDCODE\n", TapTitle(chain, i)) + ReadBit("BYPASS", false);
+  }
+  std::string lines = fmt::format("\n# {}: IDCODE 0x{:08x}\n", TapTitle(chain, i), *tap.idcode);
+  for (int bit = 0; bit < kIdcodeBits; ++bit) {
+    const bool level = (*tap.idcode >> bit & 1) != 0;
+    const bool compared = (kIdcodeWithoutVersion >> bit & 1) != 0;
+    lines += compared ? ReadBit(fmt::format("bit {}", bit), level)
+                      : ReadBit(fmt::format("bit {}, of the version", bit), std::nullopt);
+  }
+  return lines;
+}
+
+}  // namespace
+
+std::string JtagScriptOf(const Chain& chain, std::optional<std::size_t> only) {
+  return Script(chain, only).Text();
+}
+
+std::string GpioScriptOf(const Chain& chain) {
+  std::string script = kGpioHead;
+  for (std::size_t i = 0; i < chain.taps.size(); ++i) script += ReadTap(chain, i);
+  return script + kGpioTail;
+}
+
+}  // namespace icehost

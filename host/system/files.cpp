@@ -1,0 +1,124 @@
+#include "host/system/files.h"
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <poll.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <memory>
+#include <new>
+
+#include "host/system/errors.h"
+#include "host/system/interrupt.h"
+
+namespace icehost {
+namespace {
+
+constexpr int kLookForSignalsEvery = 100;  // ms
+
+[[noreturn]] void Fail(const std::string& path) {
+  throw IoError(path + ": " + std::strerror(errno));
+}
+
+// Does not use the event loop, which would make the standard input of the user's shell non-blocking
+// even after this process has ended.
+std::string ReadAll(int fd, const std::string& path, std::size_t limit) {
+  std::string content;
+  struct stat status = {};
+  if (fstat(fd, &status) == 0 && S_ISREG(status.st_mode)) {
+    content.reserve(std::min(static_cast<std::size_t>(status.st_size), limit));
+  }
+  char buffer[1 << 16];
+  for (;;) {
+    pollfd waiting = {fd, POLLIN, 0};
+    const int ready = poll(&waiting, 1, kLookForSignalsEvery);
+    ThrowIfInterrupted();
+    if (ready == 0) continue;
+    const ssize_t got = read(fd, buffer, sizeof buffer);
+    if (got == 0) return content;
+    if (got < 0 && errno != EINTR && errno != EAGAIN) Fail(path);
+    if (got > 0) content.append(buffer, static_cast<std::size_t>(got));
+    if (content.size() > limit) {
+      throw IoError(
+          fmt::format("{}: is larger than {} MiB; --size-limit lets more in", path, limit >> 20U));
+    }
+  }
+}
+
+bool WriteAll(int fd, std::string_view content) {
+  while (!content.empty()) {
+    const ssize_t written = write(fd, content.data(), content.size());
+    if (written < 0) return false;
+    content.remove_prefix(static_cast<std::size_t>(written));
+  }
+  return true;
+}
+
+// Tried here, where the reason can be reported: a reader that fails later blames the script.
+bool CanBeOpened(const std::string& path) {
+  const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (fd >= 0) close(fd);
+  return fd >= 0;
+}
+
+std::string IdentityIn(const struct stat& status) {
+  if (!S_ISREG(status.st_mode)) return "";
+  return fmt::format("{}:{}", status.st_dev, status.st_ino);
+}
+
+}  // namespace
+
+std::string ReadInput(const std::string& path, std::size_t limit) try {
+  if (path == "-") return ReadAll(STDIN_FILENO, path, limit);
+  struct stat status = {};
+  if (stat(path.c_str(), &status) != 0) Fail(path);
+  if (S_ISDIR(status.st_mode)) throw IoError(path + ": is a directory");
+  // Without O_NONBLOCK open would wait for a writer of a FIFO, and no signal would end that.
+  const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+  if (fd < 0) Fail(path);
+  const std::unique_ptr<const int, void (*)(const int*)> closer(
+      &fd, [](const int* file) { close(*file); });
+  return ReadAll(fd, path, limit);
+} catch (const std::bad_alloc&) {
+  throw IoError(path + ": out of memory");
+}
+
+MemoryFile::MemoryFile(std::string_view content)
+    : fd_(memfd_create("script", MFD_CLOEXEC)), path_(fmt::format("/proc/self/fd/{}", fd_)) {
+  if (fd_ >= 0 && WriteAll(fd_, content) && CanBeOpened(path_)) return;
+  const int error = errno;
+  if (fd_ >= 0) close(fd_);
+  throw IoError(fmt::format("cannot keep a script in memory: {}", std::strerror(error)));
+}
+
+MemoryFile::~MemoryFile() {
+  close(fd_);
+}
+
+std::string IdentityOf(const std::string& path) {
+  struct stat status = {};
+  if (stat(path.c_str(), &status) == 0) return IdentityIn(status);
+  std::error_code error;
+  const std::filesystem::path place = std::filesystem::weakly_canonical(path, error);
+  return error ? "" : std::filesystem::absolute(place, error).string();
+}
+
+std::string IdentityOf(int fd) {
+  struct stat status = {};
+  return fstat(fd, &status) == 0 ? IdentityIn(status) : "";
+}
+
+bool IsSameFile(int fd, int other) {
+  struct stat one {};
+  struct stat two {};
+  return fstat(fd, &one) == 0 && fstat(other, &two) == 0 && one.st_dev == two.st_dev &&
+         one.st_ino == two.st_ino;
+}
+
+}  // namespace icehost

@@ -1,0 +1,29 @@
+// The wires between a probe and its target.
+#ifndef ICESCRIPT_HOST_TARGET_WIRES_H_
+#define ICESCRIPT_HOST_TARGET_WIRES_H_
+
+#include "entry/icescript.h"
+
+namespace icehost {
+
+// The names of the pins, lowest bit first.
+constexpr const char* kPinNames[] = {"NRST", "TRST", "TCK", "TMS", "TDI", "TDO"};
+constexpr int kPins = 6;
+
+constexpr int kResetPins = GPIO_PIN_NRST | GPIO_PIN_TRST;
+// The pins that a probe drives in a scan; the target drives TDO.
+constexpr int kDrivenPins = GPIO_PIN_ALL & ~GPIO_PIN_TDO;
+
+// Returns the levels of the wires when the probe puts out `levels` on the pins in `enables`: the
+// others float high.
+constexpr int WireLevels(int levels, int enables) {
+  return (levels | ~enables) & GPIO_PIN_ALL;
+}
+
+// The names of the wire modes, by CDI_ANSWER_.
+constexpr const char* kInterfaceNames[] = {"jtag5", "2wire", "cjtag2"};
+constexpr int kInterfaces = 3;
+
+}  // namespace icehost
+
+#endif  // ICESCRIPT_HOST_TARGET_WIRES_H_
