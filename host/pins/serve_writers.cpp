@@ -18,52 +18,39 @@ class ServeTrace : public Output, public ServeListener {
  public:
   // `stream` must outlive the trace.
   explicit ServeTrace(std::ostream& stream) : stream_(stream) {}
-  void OnScan(const TapScan& scan) override;
-  void OnTapReset(bool by_trst, StepRange steps) override;
-  void OnIdle(long cycles, StepRange steps) override;
-  void OnResetPins(int levels, StepRange steps) override;
-  void OnClient(const ServedClient& client, std::size_t step) override;
-  void OnClientLeft(const ServedClient& client, std::size_t step) override;
-  void OnEnd(const std::string& error) override;
+  void OnScan(const TapScan& scan) override {
+    std::string line = fmt::format("{} {} {} bits", scan.steps.begin, scan.ir ? "IR" : "DR",
+                                   scan.in.size() + scan.left_out);
+    if (!scan.in.empty()) line += fmt::format(" {} -> {}", BitText(scan.in), BitText(scan.out));
+    if (scan.left_out > 0) line += fmt::format(" (the first {} bits)", scan.in.size());
+    stream_ << line << CutText(scan) << '\n';
+  }
+  void OnTapReset(bool by_trst, StepRange steps) override {
+    stream_ << fmt::format("{} TAP reset ({})\n", steps.begin, by_trst ? "TRST" : "TMS");
+  }
+  void OnIdle(long cycles, StepRange steps) override {
+    stream_ << fmt::format("{} idle {} {}\n", steps.begin, cycles,
+                           cycles == 1 ? "cycle" : "cycles");
+  }
+  void OnResetPins(int levels, StepRange steps) override {
+    stream_ << fmt::format("{} TRST={:d} NRST={:d}\n", steps.begin, (levels & GPIO_PIN_TRST) != 0,
+                           (levels & GPIO_PIN_NRST) != 0);
+  }
+  void OnClient(const ServedClient& client, std::size_t step) override {
+    stream_ << fmt::format("{} client {} connected{}{}\n", step, client.number,
+                           client.peer.empty() ? "" : " from ", client.peer);
+  }
+  void OnClientLeft(const ServedClient& client, std::size_t step) override {
+    stream_ << fmt::format("{} client {} left: bytes {}, scans {}\n", step, client.number,
+                           client.bytes, client.scans);
+  }
+  void OnEnd(const std::string& error) override {
+    stream_ << (error.empty() ? "# ended\n" : "# failed: " + Printable(error) + "\n");
+  }
 
  private:
   std::ostream& stream_;
 };
-
-void ServeTrace::OnScan(const TapScan& scan) {
-  std::string line = fmt::format("{} {} {} bits", scan.steps.begin, scan.ir ? "IR" : "DR",
-                                 scan.in.size() + scan.left_out);
-  if (!scan.in.empty()) line += fmt::format(" {} -> {}", BitText(scan.in), BitText(scan.out));
-  if (scan.left_out > 0) line += fmt::format(" (the first {} bits)", scan.in.size());
-  stream_ << line << CutText(scan) << '\n';
-}
-
-void ServeTrace::OnTapReset(bool by_trst, StepRange steps) {
-  stream_ << fmt::format("{} TAP reset ({})\n", steps.begin, by_trst ? "TRST" : "TMS");
-}
-
-void ServeTrace::OnIdle(long cycles, StepRange steps) {
-  stream_ << fmt::format("{} idle {} {}\n", steps.begin, cycles, cycles == 1 ? "cycle" : "cycles");
-}
-
-void ServeTrace::OnResetPins(int levels, StepRange steps) {
-  stream_ << fmt::format("{} TRST={:d} NRST={:d}\n", steps.begin, (levels & GPIO_PIN_TRST) != 0,
-                         (levels & GPIO_PIN_NRST) != 0);
-}
-
-void ServeTrace::OnClient(const ServedClient& client, std::size_t step) {
-  stream_ << fmt::format("{} client {} connected{}{}\n", step, client.number,
-                         client.peer.empty() ? "" : " from ", client.peer);
-}
-
-void ServeTrace::OnClientLeft(const ServedClient& client, std::size_t step) {
-  stream_ << fmt::format("{} client {} left: bytes {}, scans {}\n", step, client.number,
-                         client.bytes, client.scans);
-}
-
-void ServeTrace::OnEnd(const std::string& error) {
-  stream_ << (error.empty() ? "# ended\n" : "# failed: " + Printable(error) + "\n");
-}
 
 std::string Place(StepRange steps) {
   return fmt::format(R"("step":{},"end_step":{}}})"
@@ -78,63 +65,45 @@ class ServeJson : public Output, public ServeListener {
   // `stream` must outlive the writer.
   explicit ServeJson(std::ostream& stream) : stream_(stream) {}
   // The line that says what follows.
-  void Begin() override;
-  void OnScan(const TapScan& scan) override;
-  void OnTapReset(bool by_trst, StepRange steps) override;
-  void OnIdle(long cycles, StepRange steps) override;
-  void OnResetPins(int levels, StepRange steps) override;
-  void OnClient(const ServedClient& client, std::size_t step) override;
-  void OnClientLeft(const ServedClient& client, std::size_t step) override;
-  void OnEnd(const std::string& error) override;
+  void Begin() override { stream_ << "{\"schema\":\"icehost-serve\",\"version\":1}\n"; }
+  void OnScan(const TapScan& scan) override {
+    std::string line = fmt::format(R"({{"scan":"{}","bits":{},)", scan.ir ? "IR" : "DR",
+                                   scan.in.size() + scan.left_out);
+    if (scan.left_out > 0) line += fmt::format(R"("kept_bits":{},)", scan.in.size());
+    if (!scan.in.empty()) {
+      line += fmt::format(R"("in":"{}","out":"{}",)", BitText(scan.in), BitText(scan.out));
+    }
+    stream_ << line << fmt::format(R"("updated":{},)", scan.updated) << Place(scan.steps);
+  }
+  void OnTapReset(bool by_trst, StepRange steps) override {
+    stream_ << fmt::format(R"({{"reset":"{}",)", by_trst ? "TRST" : "TMS") << Place(steps);
+  }
+  void OnIdle(long cycles, StepRange steps) override {
+    stream_ << fmt::format(R"({{"idle":{},)", cycles) << Place(steps);
+  }
+  void OnResetPins(int levels, StepRange steps) override {
+    stream_ << fmt::format(R"({{"pins":{{"TRST":{:d},"NRST":{:d}}},)",
+                           (levels & GPIO_PIN_TRST) != 0, (levels & GPIO_PIN_NRST) != 0)
+            << Place(steps);
+  }
+  void OnClient(const ServedClient& client, std::size_t step) override {
+    stream_ << fmt::format(R"({{"client":"connected","number":{},)", client.number);
+    if (!client.peer.empty()) stream_ << fmt::format(R"("peer":{},)", JsonText(client.peer));
+    stream_ << fmt::format("\"step\":{}}}\n", step);
+  }
+  void OnClientLeft(const ServedClient& client, std::size_t step) override {
+    stream_ << fmt::format(R"({{"client":"left","number":{},"bytes":{},"scans":{},"step":{}}})",
+                           client.number, client.bytes, client.scans, step)
+            << '\n';
+  }
+  void OnEnd(const std::string& error) override {
+    if (!error.empty()) stream_ << fmt::format("{{\"error\":{}}}\n", JsonText(error));
+    stream_ << fmt::format("{{\"end\":{}}}\n", error.empty());
+  }
 
  private:
   std::ostream& stream_;
 };
-
-void ServeJson::Begin() {
-  stream_ << "{\"schema\":\"icehost-serve\",\"version\":1}\n";
-}
-
-void ServeJson::OnScan(const TapScan& scan) {
-  std::string line = fmt::format(R"({{"scan":"{}","bits":{},)", scan.ir ? "IR" : "DR",
-                                 scan.in.size() + scan.left_out);
-  if (scan.left_out > 0) line += fmt::format(R"("kept_bits":{},)", scan.in.size());
-  if (!scan.in.empty()) {
-    line += fmt::format(R"("in":"{}","out":"{}",)", BitText(scan.in), BitText(scan.out));
-  }
-  stream_ << line << fmt::format(R"("updated":{},)", scan.updated) << Place(scan.steps);
-}
-
-void ServeJson::OnTapReset(bool by_trst, StepRange steps) {
-  stream_ << fmt::format(R"({{"reset":"{}",)", by_trst ? "TRST" : "TMS") << Place(steps);
-}
-
-void ServeJson::OnIdle(long cycles, StepRange steps) {
-  stream_ << fmt::format(R"({{"idle":{},)", cycles) << Place(steps);
-}
-
-void ServeJson::OnResetPins(int levels, StepRange steps) {
-  stream_ << fmt::format(R"({{"pins":{{"TRST":{:d},"NRST":{:d}}},)", (levels & GPIO_PIN_TRST) != 0,
-                         (levels & GPIO_PIN_NRST) != 0)
-          << Place(steps);
-}
-
-void ServeJson::OnClient(const ServedClient& client, std::size_t step) {
-  stream_ << fmt::format(R"({{"client":"connected","number":{},)", client.number);
-  if (!client.peer.empty()) stream_ << fmt::format(R"("peer":{},)", JsonText(client.peer));
-  stream_ << fmt::format("\"step\":{}}}\n", step);
-}
-
-void ServeJson::OnClientLeft(const ServedClient& client, std::size_t step) {
-  stream_ << fmt::format(R"({{"client":"left","number":{},"bytes":{},"scans":{},"step":{}}})",
-                         client.number, client.bytes, client.scans, step)
-          << '\n';
-}
-
-void ServeJson::OnEnd(const std::string& error) {
-  if (!error.empty()) stream_ << fmt::format("{{\"error\":{}}}\n", JsonText(error));
-  stream_ << fmt::format("{{\"end\":{}}}\n", error.empty());
-}
 
 }  // namespace
 
