@@ -28,7 +28,7 @@ class GpioPins {
   explicit GpioPins(Problems& problems) : problems_(problems) {}
 
   // `named`: the pins that the line sets by name.
-  void Take(const GpioLine& line, const Element& element, int named) {
+  void Take(GpioLine& line, const Element& element, int named) {
     if (element.out_value < 0 || element.oe_mask < 0) return;  // an error of its own
     if ((element.flags & GPIO_FLAG_WRITE_OE) != 0) Enable(line, element.oe_mask);
     const int changed = (element.out_value ^ levels_) & GPIO_PIN_ALL;
@@ -69,11 +69,11 @@ class GpioPins {
     int pins;
   };
 
-  void Enable(const GpioLine& line, int enables) {
+  void Enable(GpioLine& line, int enables) {
     enables_ = enables & GPIO_PIN_ALL;
     if ((enables_ & GPIO_PIN_TDO) == 0) tdo_reported_ = false;
     for (unsigned pin = 0; pin < kPins; ++pin) {
-      if ((enables_ & 1 << pin) != 0) enabled_at_[pin] = line.source.number;
+      if ((enables_ & 1 << pin) != 0) enabled_at_[pin] = line.Source().number;
     }
     const auto reaches = [this](const Idle& idle) { return (idle.pins & enables_) != 0; };
     idle_.erase(std::remove_if(idle_.begin(), idle_.end(), reaches), idle_.end());
@@ -81,7 +81,7 @@ class GpioPins {
 
   // A word sets all pins, whichever are meant: the levels that it raises are idle where no level
   // that it changes is seen.
-  void SetIdle(const GpioLine& line, int named, int changed) {
+  void SetIdle(GpioLine& line, int named, int changed) {
     int known = 0;
     for (const Idle& idle : idle_) known |= idle.pins;
     for (unsigned pin = 0; pin < kPins; ++pin) {
@@ -96,7 +96,7 @@ class GpioPins {
 
   // Reported once for as long as it is driven: every script begins with it driven, and most never
   // mind.
-  void CheckTdo(const GpioLine& line, int flags, int named, int changed) {
+  void CheckTdo(GpioLine& line, int flags, int named, int changed) {
     const bool by_name = (named & GPIO_PIN_TDO) != 0;
     tdo_reported_ = true;
     if (by_name || (changed & GPIO_PIN_TDO) != 0) {
@@ -145,8 +145,8 @@ class GpioLines {
     bool empty = true;  // so far it holds no pin operation
   };
 
-  void Refuse(const GpioLine& line, std::string_view item);
-  void CheckWords(const GpioLine& line, const Element& element);
+  void Refuse(GpioLine& line, std::string_view item);
+  void CheckWords(GpioLine& line, const Element& element);
   void AddOperation(const ScriptLine& line);
   void AddExpectation(const ScriptLine& line);
   void TakeElement(const ScriptLine& line);
@@ -155,6 +155,7 @@ class GpioLines {
   Problems& problems_;
   Plan& plan_;
   GpioLineParser parser_;
+  GpioLine line_;  // the one that is taken
   Element state_{0, GPIO_PIN_ALL, GPIO_FLAG_START, icescript::GPIO_KIND_PIN, 0};
   GpioPins pins_;
   std::vector<Block> blocks_;  // the open ones
@@ -165,32 +166,32 @@ class GpioLines {
 };
 
 void GpioLines::Take(const ScriptLine& source) {
-  const GpioLine line(source);
+  line_.Take(source);
   const GpioLineParser before = parser_;
   const GpioLineParser::Result result = parser_.Parse(source.text, state_);
   refused_last_ = result != GpioLineParser::Result::kLine && result != GpioLineParser::Result::kEnd;
   if (refused_last_) {
-    Refuse(line, parser_.BadItem());
+    Refuse(line_, parser_.BadItem());
     parser_ = before;
     return;
   }
-  CheckWords(line, parser_.Element());
+  CheckWords(line_, parser_.Element());
   state_ = parser_.Element();
   TakeElement(source);
   AddExpectation(source);
-  pins_.Take(line, state_, line.Check(state_.flags, problems_));
+  pins_.Take(line_, state_, line_.Check(state_.flags, problems_));
 }
 
-void GpioLines::Refuse(const GpioLine& line, std::string_view item) {
+void GpioLines::Refuse(GpioLine& line, std::string_view item) {
   const std::size_t blanks = std::min(item.find_first_not_of(' '), item.size());
-  problems_.Error(line.source.Of(item.substr(blanks)),
-                  fmt::format("Syntax error in line{} : {} ({})", line.source.number, item,
+  problems_.Error(line.Source().Of(item.substr(blanks)),
+                  fmt::format("Syntax error in line{} : {} ({})", line.Source().number, item,
                               line.WhyRefused(item)));
   refused_block_ = refused_block_ || line.NamesBlock();
 }
 
 // Reported where a word gets its value, which the lines after it carry on.
-void GpioLines::CheckWords(const GpioLine& line, const Element& element) {
+void GpioLines::CheckWords(GpioLine& line, const Element& element) {
   const auto rises = [](int word, int before) {
     return word > GPIO_PIN_ALL && (word & ~GPIO_PIN_ALL) != (before & ~GPIO_PIN_ALL);
   };

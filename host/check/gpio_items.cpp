@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 #include "base/field_cursor.h"
 #include "base/gpio_line_parser.h"
@@ -129,66 +130,87 @@ std::string PinNames(int pins) {
   return Listed(names, "or");
 }
 
-NamedItem::NamedItem(std::string_view field)
-    : has_equals(field.find('=') != std::string_view::npos), which(0) {
+NamedItem::NamedItem(std::string_view field) : which(0) {
   const icescript::GpioItem item(field);
   key = item.key;
+  has_equals = field.find('=') != std::string_view::npos;
   if (has_equals) value = item.value;
   while (which < kOther && !EqualsUpper(key, kItemKeys[which])) ++which;
 }
 
-GpioLine::GpioLine(const ScriptLine& line) : source(line) {
-  items.reserve(8);  // enough for most lines: a long script is checked line by line
-  for (icescript::FieldCursor fields(line.text, ','); fields.HasNext();) {
-    items.emplace_back(fields.Next());
-  }
+void GpioLine::Take(const ScriptLine& line) {
+  source_ = line;
+  split_ = false;
 }
 
-Place GpioLine::PlaceOf(unsigned key) const {
+const std::vector<NamedItem>& GpioLine::Items() {
+  if (std::exchange(split_, true)) return items_;
+  items_.clear();
+  for (icescript::FieldCursor fields(source_.text, ','); fields.HasNext();) {
+    items_.emplace_back(fields.Next());
+  }
+  return items_;
+}
+
+Place GpioLine::PlaceOf(unsigned key) {
+  const std::vector<NamedItem>& items = Items();
   const auto item = std::find_if(items.rbegin(), items.rend(),
                                  [key](const NamedItem& one) { return one.which == key; });
-  return item != items.rend() ? source.Of(item->key) : source.Start();
+  return item != items.rend() ? source_.Of(item->key) : source_.Start();
 }
 
-bool GpioLine::NamesBlock() const {
+bool GpioLine::NamesBlock() {
   const Words blocks = {"REPT", "ENDR"};
-  return std::any_of(items.begin(), items.end(), [&blocks](const NamedItem& item) {
+  return std::any_of(Items().begin(), Items().end(), [&blocks](const NamedItem& item) {
     return item.which == kRept || item.which == kEndr ||
            (item.which == kOther &&
             (!Nearest(item.key, blocks).empty() || !WithEquals(item.key, blocks).empty()));
   });
 }
 
-std::string GpioLine::WhyRefused(std::string_view field) const {
+std::string GpioLine::WhyRefused(std::string_view field) {
   const NamedItem item(field);
-  const auto end = static_cast<std::size_t>(field.data() + field.size() - source.text.data());
-  if (FindForeignComment(source.text.substr(0, end)) != std::string_view::npos) {
+  const auto end = static_cast<std::size_t>(field.data() + field.size() - source_.text.data());
+  if (FindForeignComment(source_.text.substr(0, end)) != std::string_view::npos) {
     return "comments start with #";
   }
   if (item.key.empty()) return "there is a comma too many, or an item is missing";
   if (item.which == kOther) return WhyUnknown(item);
   if (item.which == kPrint) return WhyNotPrint(item);
-  if (items.size() > 1 && (item.which == kRept || item.which == kEndr)) {
+  if (Items().size() > 1 && (item.which == kRept || item.which == kEndr)) {
     return fmt::format("{} stands alone on its line", kItemKeys[item.which]);
   }
   return WhyNotNumber(item);
 }
 
-int GpioLine::Check(int flags, Problems& problems) const {
+int GpioLine::Check(int flags, Problems& problems) {
+  for (const Clean& line : clean_) {
+    if (line.flags == flags && line.text == source_.text) return line.named;
+  }
+  const std::size_t before = problems.Found().size();
+  const int named = CheckItems(flags, problems);
+  if (problems.Found().size() == before) {
+    clean_[next_clean_++ % clean_.size()] = {source_.text, flags, named};
+  }
+  return named;
+}
+
+int GpioLine::CheckItems(int flags, Problems& problems) {
+  const std::vector<NamedItem>& items = Items();
   unsigned set = 0;
   int asked = 0;
   for (auto item = items.begin(); item != items.end(); ++item) {
     if (item->which == kEnd) {
-      if (++item != items.end()) problems.Warn(source.Of(item->key), "text after END is not read");
+      if (++item != items.end()) problems.Warn(source_.Of(item->key), "text after END is not read");
       break;
     }
-    CheckValue(source, *item, problems);
-    CheckAgain(source, *item, set, problems);
+    CheckValue(source_, *item, problems);
+    CheckAgain(source_, *item, set, problems);
     set |= 1U << item->which;
     if (item->which == kPrint) asked |= GPIO_FLAG_READ_IN;
     if (item->which == kOe) asked |= GPIO_FLAG_WRITE_OE;
     if (item->which == kNrst && (asked & ~flags) != 0) {
-      problems.Warn(source.Of(item->key),
+      problems.Warn(source_.Of(item->key),
                     "NRST=1 undoes the PRINT or GPIO_OE before it on the line");
       asked = 0;
     }

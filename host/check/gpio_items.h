@@ -2,6 +2,8 @@
 #ifndef ICESCRIPT_HOST_CHECK_GPIO_ITEMS_H_
 #define ICESCRIPT_HOST_CHECK_GPIO_ITEMS_H_
 
+#include <array>
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -42,23 +44,41 @@ struct NamedItem {
   unsigned which;  // an ItemKey
 };
 
-// A line after START, split at its commas.
-struct GpioLine {
-  explicit GpioLine(const ScriptLine& line);
+// A line after START. It is split at its commas once, when its items are first asked for: most
+// lines of a long script are known, and their items are not.
+class GpioLine {
+ public:
+  // Takes another line.
+  void Take(const ScriptLine& line);
+  const ScriptLine& Source() const { return source_; }
 
-  // The place of the last item with this key, or of the line's text where there is none.
-  Place PlaceOf(unsigned key) const;
+  // The place of the last item with this key, or of the line's text if there is none.
+  Place PlaceOf(unsigned key);
   // Whether an item has the key REPT or ENDR, or nearly so.
-  bool NamesBlock() const;
+  bool NamesBlock();
   // Explains why the plug-in's parser refused an item, `field` in the line's text: what is allowed,
   // and what was probably meant.
-  std::string WhyRefused(std::string_view field) const;
+  std::string WhyRefused(std::string_view field);
   // Reports the traps of a line to which the plug-in gave the flags `flags`. Returns the pins that
   // it sets by name, GPIO_PIN_ bits.
-  int Check(int flags, Problems& problems) const;
+  int Check(int flags, Problems& problems);
 
-  ScriptLine source;
-  std::vector<NamedItem> items;
+ private:
+  // The last few lines without a trap: a long script is made of few.
+  struct Clean {
+    std::string_view text;
+    int flags = 0;
+    int named = 0;
+  };
+
+  const std::vector<NamedItem>& Items();
+  int CheckItems(int flags, Problems& problems);
+
+  ScriptLine source_{0, ""};
+  std::vector<NamedItem> items_;  // of the source if `split_`
+  bool split_ = false;
+  std::array<Clean, 8> clean_;
+  std::size_t next_clean_ = 0;
 };
 
 }  // namespace icehost
