@@ -99,10 +99,9 @@ OutputRequests RequestsOf(const CLI::App& verb) {
   for (const OutputKind& kind : OutputKinds()) {
     const CLI::Option* const option = verb.get_option_no_throw(kind.option);
     if (option == nullptr || option->empty()) continue;
-    OutputRequest& request = requests.emplace_back(OutputRequest{&kind, {}});
-    const auto path = option->as<std::string>();
-    const bool lacks = kind.file_may_lack && path == "true";  // CLI11's value of a flag without one
-    if (!lacks) request.path = path;
+    std::optional<std::string> path = option->as<std::string>();
+    if (kind.file_may_lack && path == "true") path.reset();  // CLI11's value of a flag without one
+    requests.push_back({&kind, std::move(path)});
   }
   return requests;
 }

@@ -196,7 +196,7 @@ std::vector<std::string> WordsOf(const std::string& text) {
   return words;
 }
 
-std::optional<std::uint32_t> NumberIn(std::string_view word, int base) {
+std::optional<std::uint32_t> NumberIn(const std::string& word, int base) {
   std::uint32_t value = 0;
   const char* const end = word.data() + word.size();
   const auto [stopped, error] = std::from_chars(word.data(), end, value, base);

@@ -80,7 +80,7 @@ void RefuseUnknownTap(const std::vector<std::string>& taps, const std::string& t
 // Returns the text between blanks.
 std::vector<std::string> WordsOf(const std::string& text);
 // Returns the whole word, in digits without a sign, as a number of 32 bits; nothing if it is not.
-std::optional<std::uint32_t> NumberIn(std::string_view word, int base);
+std::optional<std::uint32_t> NumberIn(const std::string& word, int base);
 
 }  // namespace icehost
 
