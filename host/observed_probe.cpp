@@ -65,10 +65,10 @@ void ObservedProbe::End(const HostCall& call, int result, std::vector<Comparison
 }
 
 int ObservedProbe::Config(int code, int value) {
+  const Rescue::Scope working(rescue_, Rescue::State::kWorking);
   const bool query = code == LINK_CONFIG_GET_CDI;
   if (!query) ++counts_.operations;
   source_ = follower_.NextOperation();
-  const Rescue::Scope working(rescue_, Rescue::State::kWorking);
   Begin("link_config", false);
   const int result = Guard([&] { return probe_->Config(code, value); });
   if (query) wire_mode_ = result;
@@ -77,9 +77,9 @@ int ObservedProbe::Config(int code, int value) {
 }
 
 int ObservedProbe::Reset(int kind) {
+  const Rescue::Scope working(rescue_, Rescue::State::kWorking);
   ++counts_.operations;
   source_ = follower_.NextOperation();
-  const Rescue::Scope working(rescue_, Rescue::State::kWorking);
   Begin("link_reset", true);
   const int result = Guard([&] { return probe_->Reset(kind); });
   End(ResetCall{kind}, result);
@@ -88,6 +88,7 @@ int ObservedProbe::Reset(int kind) {
 
 int ObservedProbe::Insert(int ir_bits, const std::uint8_t* ir, int dr_bits,
                           const std::uint8_t* dr) {
+  const Rescue::Scope working(rescue_, Rescue::State::kWorking);
   ++counts_.operations;
   ++counts_.reads;
   const int extra = wire_mode_ == CDI_ANSWER_2WIRE ? 8 : 0;  // not shifted through the TAP
@@ -95,7 +96,6 @@ int ObservedProbe::Insert(int ir_bits, const std::uint8_t* ir, int dr_bits,
   scan_ = {{ir_bits, RegisterBytes(ir, ir_bits), {}},
            {dr_bits, RegisterBytes(dr, dr_bits), {}},
            wire_mode_};
-  const Rescue::Scope working(rescue_, Rescue::State::kWorking);
   Begin("link_jtag_insert", false);
   const int result = Guard([&] { return probe_->Insert(ir_bits, ir, dr_bits, dr); });
   End(InsertCall{&scan_}, result);
@@ -132,11 +132,11 @@ void ObservedProbe::KeepCaptured(const std::uint8_t* capture) {
 }
 
 int ObservedProbe::Gpio(int out_value, std::uint32_t& data, int oe_mask, int flags) {
+  const Rescue::Scope working(rescue_, Rescue::State::kWorking);
   ++counts_.operations;
   const bool read = (flags & GPIO_FLAG_READ_IN) != 0;
   if (read) ++counts_.reads;
   source_ = follower_.NextPinOperation(data);
-  const Rescue::Scope working(rescue_, Rescue::State::kWorking);
   Begin("link_gpio_operator", true);
   int result = Guard([&] { return probe_->Gpio(out_value, data, oe_mask, flags); });
   GpioCall call = {out_value, oe_mask, flags, {}};

@@ -111,7 +111,7 @@ class Runner {
   const RunCommand& command_;
   Plugin plugin_;
   Outputs outputs_;
-  OutputFile* learned_ = nullptr;  // one of the outputs' files
+  OutputFile* learned_;  // one of the outputs' files, or null
   Console console_;
   RunEvents events_;
   Follower follower_;
@@ -151,15 +151,14 @@ Runner::Runner(const RunCommand& command)
     : command_(command),
       plugin_(command.plugin),
       outputs_(command.outputs, &OutputKind::run, *command.probe.kind),
+      learned_(command.learn.empty() ? nullptr
+                                     : &outputs_.Add(command.learn, OutputFile::Rest::kNothing)),
       console_(ConsoleOptions(command), rescue_),
       events_(outputs_, console_, command.strict),
       follower_(ModeOf(command)),
       probe_(command.probe, command.wire_mode, !outputs_.recorders.empty(), follower_, events_,
              rescue_),
       rescue_(Rescue::State::kWorking, [this] { Abandon(); }) {
-  if (!command.learn.empty()) {
-    learned_ = &outputs_.Add(command.learn, OutputFile::Rest::kNothing);
-  }
   running = this;
 }
 

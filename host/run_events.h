@@ -30,8 +30,8 @@ class RunEvents : public StepRecorder {
   // `marks` are the problems that `check` finds in the script.
   void BeginScript(const RunScript& script, const std::vector<SourceMark>& marks);
   void EndScript(bool ran);
-  // The script under way, if any, ends without the main thread: says why, except to the outputs on
-  // standard output.
+  // Ends the script under way, if there is one, and reports why, for a main thread that is stuck.
+  // Leaves the console's standard output alone: the main thread may hold it.
   void Abandon(const std::string& why);
 
   // The plug-in makes a call; it may be the first or the only one of an operation. Throws IoError
@@ -51,9 +51,7 @@ class RunEvents : public StepRecorder {
   // Why the scan of the call under way may have reached no TAP: a warning, once in each script.
   // Throws Unsupported if doubts are failures.
   void Doubt(const std::string& why);
-  // Something about a place of the script; a line or column of 0 means there is none.
-  void SayAt(int line, int column, const std::string& what);
-  // Something about the script or the run.
+  // Reports something about the script or the run.
   void Say(const std::string& what);
 
   void BeginOperation(const std::string& name, const CallSource& source) override;
@@ -66,6 +64,8 @@ class RunEvents : public StepRecorder {
  private:
   void Pass(const char* message);
   void PassCaptured();
+  // Reports something about a place of the script; a line or column of 0 means there is none.
+  void SayAt(int line, int column, const std::string& what);
   void Error(const std::string& what, int line, const std::string& shown);
 
   Outputs& outputs_;

@@ -36,7 +36,6 @@ class Serving : private BitbangServer::Observer {
  private:
   std::string Serve();
   PinPort& Begin();
-  std::vector<std::string> Complete(const std::string& error);
   std::size_t Steps() const { return recording_.has_value() ? recording_->Steps() : 0; }
   PageHead Head(const std::string& error) const;
   void EndClient();
@@ -63,7 +62,10 @@ ExitStatus Serving::Run() {
   const std::string error = Serve();
   if (has_client_) EndClient();
   if (!error.empty()) Complain(error);
-  const std::vector<std::string> failures = Complete(error);
+  const PageHead head = Head(error);  // without the scan that the end cuts short
+  decoder_.End();
+  for (ServeListener* const listener : outputs_.serve_listeners) listener->OnEnd(error);
+  const std::vector<std::string> failures = outputs_.Complete(head);
   for (const std::string& failure : failures) Complain(failure);
   return error.empty() && failures.empty() ? kAllWell : kNotOpened;
 }
@@ -83,12 +85,6 @@ PinPort& Serving::Begin() {
   std::vector<StepRecorder*> recorders = outputs_.recorders;
   recorders.push_back(&decoder_);
   return recording_.emplace(*port_, recorders);
-}
-
-std::vector<std::string> Serving::Complete(const std::string& error) {
-  decoder_.End();
-  for (ServeListener* const listener : outputs_.serve_listeners) listener->OnEnd(error);
-  return outputs_.Complete(Head(error));
 }
 
 // Returns why it ended; nothing for a signal.

@@ -43,7 +43,7 @@ class GpioPins {
   // after the block's levels too, in its next run.
   void CloseBlock(int rept) {
     int enabled = 0;
-    for (unsigned pin = 0; pin < kPins; ++pin) {
+    for (unsigned pin = 0; pin < kPinKeys; ++pin) {
       if (enabled_at_[pin] > rept) enabled |= 1 << pin;
     }
     const auto reaches = [=](const Idle& idle) {
@@ -72,7 +72,7 @@ class GpioPins {
   void Enable(GpioLine& line, int enables) {
     enables_ = enables & GPIO_PIN_ALL;
     if ((enables_ & GPIO_PIN_TDO) == 0) tdo_reported_ = false;
-    for (unsigned pin = 0; pin < kPins; ++pin) {
+    for (unsigned pin = 0; pin < kPinKeys; ++pin) {
       if ((enables_ & 1 << pin) != 0) enabled_at_[pin] = line.Source().number;
     }
     const auto reaches = [this](const Idle& idle) { return (idle.pins & enables_) != 0; };
@@ -84,7 +84,7 @@ class GpioPins {
   void SetIdle(GpioLine& line, int named, int changed) {
     int known = 0;
     for (const Idle& idle : idle_) known |= idle.pins;
-    for (unsigned pin = 0; pin < kPins; ++pin) {
+    for (unsigned pin = 0; pin < kPinKeys; ++pin) {
       const int bit = 1 << pin;
       if ((named & ~enables_ & ~known & bit) != 0) idle_.push_back({line.PlaceOf(pin), bit});
     }

@@ -124,7 +124,7 @@ std::string WhyNotNumber(const NamedItem& item) {
 
 std::string PinNames(int pins) {
   Words names;
-  for (unsigned pin = 0; pin < kPins; ++pin) {
+  for (unsigned pin = 0; pin < kPinKeys; ++pin) {
     if ((pins & 1 << pin) != 0) names.push_back(kItemKeys[pin]);
   }
   return Listed(names, "or");

@@ -17,8 +17,8 @@ namespace icehost {
 enum ItemKey : unsigned {
   kNrst = 0,
   kTdo = 5,
-  kPins,  // how many there are
-  kOut = kPins,
+  kPinKeys,  // how many there are
+  kOut = kPinKeys,
   kOe,
   kPrint,
   kRept,
@@ -33,7 +33,7 @@ std::string PinNames(int pins);
 struct NamedItem {
   explicit NamedItem(std::string_view field);
 
-  bool IsPin() const { return which < kPins; }
+  bool IsPin() const { return which < kPinKeys; }
   bool TakesNumber() const { return which < kPrint || which == kRept; }
   // The base of the number.
   int Base() const { return value.substr(0, 2) == "0x" ? 16 : 10; }

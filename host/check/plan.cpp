@@ -88,7 +88,7 @@ std::optional<Levels> NamedLevels(std::string_view text) {
     const std::string_view name = TrimWhitespace(item.substr(0, equals));
     const std::string_view level = TrimWhitespace(item.substr(std::min(equals + 1, item.size())));
     const unsigned pin = NamedItem(name).which;
-    if (pin >= kPins || (level != "0" && level != "1")) return std::nullopt;
+    if (pin >= kPinKeys || (level != "0" && level != "1")) return std::nullopt;
     const int bit = 1 << pin;
     if ((levels.mask & bit) != 0) return std::nullopt;
     levels.mask |= bit;

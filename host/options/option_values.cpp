@@ -8,7 +8,6 @@
 #include <iterator>
 #include <sstream>
 #include <stdexcept>
-#include <utility>
 
 #include "host/system/files.h"
 #include "host/target/wires.h"

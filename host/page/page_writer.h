@@ -3,13 +3,11 @@
 #ifndef ICESCRIPT_HOST_PAGE_PAGE_WRITER_H_
 #define ICESCRIPT_HOST_PAGE_PAGE_WRITER_H_
 
-#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <ostream>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include "host/events/events.h"

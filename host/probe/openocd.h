@@ -2,7 +2,6 @@
 #ifndef ICESCRIPT_HOST_PROBE_OPENOCD_H_
 #define ICESCRIPT_HOST_PROBE_OPENOCD_H_
 
-#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>

@@ -3,9 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cstdint>
 #include <utility>
-#include <vector>
 
 #include "base/text.h"
 #include "host/check/plan.h"

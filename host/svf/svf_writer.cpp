@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "base/text.h"
-#include "host/pins/tap_decoder.h"
 #include "host/system/text.h"
 
 namespace icehost {

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <stdexcept>
-#include <utility>
 
 #include "host/chain/chain_reader.h"
 #include "host/probe/bitbang_port.h"

@@ -199,6 +199,7 @@ TEST(Expectations, AreLearned) {
     const TempFile learned("");
     EXPECT_EQ(RunIcehost("run -q --learn " + learned.Name() + " " + file.Name()).status, 0);
     EXPECT_EQ(learned.Text(), run.learned);
+    EXPECT_EQ(RunIcehost("run --learn - " + file.Name()).output, run.learned);
     EXPECT_EQ(file.Text(), run.script);
     EXPECT_EQ(RunIcehost("run -q " + learned.Name()).status, 0) << run.learned;
   }

@@ -118,6 +118,7 @@ def check_signals():
     ends_by(signal.SIGINT, "check", *["many.ini"] * 50)
     os.mkfifo("fifo")
     ends_by(signal.SIGINT, "check", "fifo")
+    ends_by(signal.SIGINT, "run", "--learn", "fifo", SCRIPT)
     # Nobody takes what it says.
     with open(os.open("fifo", os.O_RDWR), "rb"):
         ends_by(signal.SIGINT, "run", "--svg=f.svg", "--html=f.html", "reads.gpio", out="fifo")
