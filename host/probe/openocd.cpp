@@ -21,7 +21,8 @@ constexpr int kLongestIr = 64;
 
 // A command of OpenOCD's own fails with a number below zero, and logs the reason only.
 bool IsOwnError(std::string_view code) {
-  return !code.empty() && code.front() == '-' && NumberIn(code.substr(1), 10).has_value();
+  return !code.empty() && code.front() == '-' &&
+         NumberIn(std::string(code.substr(1)), 10).has_value();
 }
 
 // Returns the drscan command for these bits, in fields of 8 bits and a last one of 1 to 8.
@@ -198,9 +199,9 @@ std::vector<std::string> WordsOf(const std::string& text) {
 
 std::optional<std::uint32_t> NumberIn(const std::string& word, int base) {
   std::uint32_t value = 0;
-  const char* const end = word.data() + word.size();
-  const auto [stopped, error] = std::from_chars(word.data(), end, value, base);
-  if (stopped != end || error != std::errc()) return std::nullopt;
+  const auto [stopped, error] =
+      std::from_chars(word.data(), word.data() + word.size(), value, base);
+  if (stopped != word.data() + word.size() || error != std::errc()) return std::nullopt;
   return value;
 }
 
