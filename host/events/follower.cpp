@@ -12,7 +12,7 @@
 namespace icehost {
 namespace {
 
-// Whether every bit that counts is as expected; what was not told is not.
+// Returns whether every bit that counts is as expected. A bit that the probe did not report is not.
 bool IsMet(const Expectation& expectation, const std::string& captured) {
   if (captured.size() < expectation.value.size()) return false;
   for (std::size_t i = 0; i < expectation.value.size(); ++i) {

@@ -91,8 +91,8 @@ void AppendComparisons(const std::vector<Comparison>& comparisons, std::string& 
   if (!comparisons.empty()) line += ']';
 }
 
-// One object a line, told apart by its first key: "schema", "script", "call", "message", "error" or
-// "end"; docs/json.md describes them. ASCII only.
+// Writes one object a line. Its first key names its kind: "schema", "script", "call", "message",
+// "error" or "end"; docs/json.md describes them. ASCII only.
 class JsonWriter : public Output, public EventListener {
  public:
   // `stream` must outlive the writer.

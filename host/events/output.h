@@ -16,7 +16,7 @@ struct PageHead {
   std::vector<std::pair<std::string, std::string>> entries;  // shown in their order
 };
 
-// A writer derives from this and from what it is to be told: EventListener, ServeListener,
+// A writer derives from this and from the listeners it needs: EventListener, ServeListener,
 // StepRecorder.
 class Output {
  public:
@@ -25,7 +25,7 @@ class Output {
   virtual void Begin() {}
   // Nothing follows.
   virtual void End(const PageHead& /*head*/) {}
-  // What was played and is not in the file: warnings, each once.
+  // Returns a warning for each thing that was played and is not in the file, and each only once.
   virtual std::vector<std::string> TakeLosses() { return {}; }
 };
 

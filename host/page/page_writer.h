@@ -40,9 +40,9 @@ class PageWriter : public StepRecorder {
   void AddSource(std::string_view name, std::string_view content,
                  const std::vector<SourceMark>& marks);
   void AddRow(const PageRow& row);
-  // Of the row before it; may be a piece of a line.
+  // Adds a message of the row before it; may be a piece of a line.
   void AddMessage(std::string_view text);
-  // Why a row or the source is not well; `line` is 0 where it is of none.
+  // Explains why a row or the source failed; `line` is 0 if it concerns no line.
   void AddError(std::string_view text, int line);
   void Record(const PinStep& step) override;
 
@@ -54,8 +54,8 @@ class PageWriter : public StepRecorder {
   void Append(std::string_view entry);
   std::string Totals() const;
 
-  std::string sources_;  // elements of an array, as is log_
-  std::string log_;      // likewise; page/model.js says of what
+  std::string sources_;  // elements of an array; page/model.js describes them
+  std::string log_;      // elements of another
   std::vector<std::uint16_t> steps_;
   long total_steps_ = 0;
   long rows_ = 0;

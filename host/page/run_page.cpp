@@ -99,7 +99,7 @@ std::string NameOfOperation(const CallEvent& call) {
   return pins != nullptr ? PinName(pins->flags) : FunctionOf(call.call);
 }
 
-// Makes an operation of the calls that it takes, and puts why it failed behind it.
+// Makes one row of the calls of an operation, followed by the reasons why it failed.
 class RunPage : public Output, public EventListener, public StepRecorder {
  public:
   explicit RunPage(std::ostream& stream) : stream_(stream) {}

@@ -43,8 +43,8 @@ class RecordingPort : public PinPort {
   void Flush() override;
   void CheckAlive() override { port_.CheckAlive(); }
 
-  // An operation begins; one that writes nothing is told to nobody. What `source` points at must
-  // live until the next Flush.
+  // An operation begins. The recorders are not called for one that writes nothing. What `source`
+  // points at must live until the next Flush.
   void BeginOperation(std::string name, const CallSource& source) {
     next_ = Operation{std::move(name), source};
   }

@@ -12,7 +12,7 @@ const char* CutText(const TapScan& scan) {
   return scan.reset ? " (cut short by a reset)" : " (cut short by the end)";
 }
 
-// One line an event, behind the number of the step where it begins:
+// Writes one line for each event, which begins with the number of its first step:
 // "1042 DR 32 bits 0x00000000 -> 0x1ce51001", what went in before what came out.
 class ServeTrace : public Output, public ServeListener {
  public:
@@ -58,8 +58,8 @@ std::string Place(StepRange steps) {
                      steps.begin, steps.end);
 }
 
-// One object a line, told apart by its first key: "schema", "client", "scan", "reset", "idle",
-// "pins", "error" or "end"; docs/json.md describes them. ASCII only.
+// Writes one object a line. Its first key names its kind: "schema", "client", "scan", "reset",
+// "idle", "pins", "error" or "end"; docs/json.md describes them. ASCII only.
 class ServeJson : public Output, public ServeListener {
  public:
   // `stream` must outlive the writer.
