@@ -11,6 +11,7 @@
 #include "entry/icescript.h"
 #include "host/check/gpio_items.h"
 #include "host/check/hints.h"
+#include "host/target/bits.h"
 
 namespace icehost {
 namespace {
@@ -135,15 +136,6 @@ bool HasAnother(std::string_view comment, std::string_view expect) {
 }
 
 // ---- Learning
-
-// "0x01,0x10": as DR lists them.
-std::string ByteList(const std::string& bytes) {
-  std::string list;
-  for (const char byte : bytes) {
-    list += fmt::format("{}0x{:02x}", list.empty() ? "" : ",", static_cast<unsigned char>(byte));
-  }
-  return list;
-}
 
 class Learner {
  public:

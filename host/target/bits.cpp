@@ -74,7 +74,15 @@ std::string BitText(const Bits& bits) {
 std::string ByteList(const Bits& bits) {
   std::vector<std::uint8_t> bytes = BytesOfBits(bits);
   if (bytes.empty()) bytes.push_back(0);
-  return fmt::format("{:#04x}", fmt::join(bytes, ","));
+  return ByteList(std::string(bytes.begin(), bytes.end()));
+}
+
+std::string ByteList(std::string_view bytes) {
+  std::string list;
+  for (const char byte : bytes) {
+    list += fmt::format("{}0x{:02x}", list.empty() ? "" : ",", static_cast<unsigned char>(byte));
+  }
+  return list;
 }
 
 }  // namespace icehost

@@ -37,6 +37,7 @@ std::string ByteText(std::string_view bytes);
 std::string BitText(const Bits& bits);
 // Returns the bytes of a register as a script lists them, such as "0x01,0x02"; "0x00" for no bits.
 std::string ByteList(const Bits& bits);
+std::string ByteList(std::string_view bytes);
 
 }  // namespace icehost
 
