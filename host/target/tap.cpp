@@ -1,8 +1,5 @@
 #include "host/target/tap.h"
 
-#include <array>
-#include <queue>
-
 namespace icehost {
 namespace {
 
@@ -39,24 +36,20 @@ constexpr const char* kNames[kTapStates] = {
     "Exit1-IR",         "Pause-IR",       "Exit2-IR",       "Update-IR",
 };
 
-// Number of edges of the shortest way.
+// Number of edges of the shortest way: each round adds the states that are one edge further.
 int Distance(TapState from, TapState to) {
-  std::array<int, kTapStates> distance{};
-  distance.fill(-1);
-  distance[static_cast<std::size_t>(from)] = 0;
-  std::queue<TapState> open({from});
-  while (open.front() != to) {
-    const TapState state = open.front();
-    open.pop();
-    for (const bool tms : {false, true}) {
-      const TapState next = NextTapState(state, tms);
-      int& next_distance = distance[static_cast<std::size_t>(next)];
-      if (next_distance != -1) continue;
-      next_distance = distance[static_cast<std::size_t>(state)] + 1;
-      open.push(next);
+  const auto bit = [](TapState state) { return 1U << static_cast<unsigned>(state); };
+  unsigned reached = bit(from);
+  int edges = 0;
+  for (; (reached & bit(to)) == 0; ++edges) {
+    const unsigned before = reached;
+    for (unsigned state = 0; state < kTapStates; ++state) {
+      if ((before >> state & 1U) != 0) {
+        reached |= bit(kWays[state].tms_low) | bit(kWays[state].tms_high);
+      }
     }
   }
-  return distance[static_cast<std::size_t>(to)];
+  return edges;
 }
 
 }  // namespace
