@@ -21,6 +21,7 @@ constexpr std::uint64_t Word(std::string_view text) {
 
 // Base 16 after "0x", base 10 otherwise; "0X" starts no hexadecimal number.
 int ItemNumber(std::string_view value) {
+  if (value.size() == 1 && value[0] >= '0' && value[0] <= '9') return value[0] - '0';  // mostly
   return ParseNumber(value, value.substr(0, 2) == "0x" ? 16 : 10);
 }
 

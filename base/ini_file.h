@@ -4,6 +4,7 @@
 
 #include <iosfwd>
 #include <istream>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -132,6 +133,8 @@ class CIniFile {
     std::vector<CString> value_names;
   };
 
+  // Index of the section with this name, up to its first NUL, or -1.
+  int FindSection(std::string_view name) const;
   // Whether the file at `path` could be opened; leaves a message when it could not.
   bool IsReadable(const LineReader& lines);
   int RefuseGpioValue(const char* message);
@@ -140,6 +143,9 @@ class CIniFile {
   std::vector<gpio_element> gpio_elements;
   std::vector<key> keys;
   std::vector<CString> key_names;  // key_names[i] names keys[i]
+  // key_tails[i] is the end of key_names[i] as one number, so that a lookup compares several names
+  // at a time. It may have an entry more than key_names after an allocation failed.
+  std::vector<wchar_t> key_tails;
 
  public:
   char error_msg[ERROR_MSG_SIZE] = "";

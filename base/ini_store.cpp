@@ -1,6 +1,8 @@
 // The INI store of CIniFile.
 #include <algorithm>
 #include <cstdio>
+#include <cstring>
+#include <cwchar>
 #include <string_view>
 #include <utility>
 
@@ -27,7 +29,37 @@ int FindName(const std::vector<CString>& names, std::string_view name) {
   return static_cast<int>(names.rend() - found) - 1;
 }
 
+// The last four bytes of a name as one number, padded with zeros. They tell most names apart, since
+// those of a long script tend to be numbered.
+wchar_t TailOf(std::string_view name) {
+  wchar_t tail = 0;
+  static_assert(sizeof tail == 4);
+  if (name.size() >= sizeof tail) {
+    std::memcpy(&tail, name.data() + name.size() - sizeof tail, sizeof tail);
+  } else {
+    std::memcpy(&tail, name.data(), name.size());
+  }
+  return tail;
+}
+
 }  // namespace
+
+int CIniFile::FindSection(std::string_view name) const {
+  const wchar_t tail = TailOf(name);
+  const auto is_at = [&](std::size_t index) {
+    return key_tails[index] == tail && key_names[index].Text().c_str() == name;
+  };
+  const std::size_t size = key_names.size();
+  // Values follow each other section by section, so that it is the newest as a rule.
+  if (size > 0 && is_at(size - 1)) return static_cast<int>(size) - 1;
+  const wchar_t* const begin = key_tails.data();
+  for (const wchar_t* at = begin; size > 0; ++at) {
+    at = std::wmemchr(at, tail, static_cast<std::size_t>(begin + size - at));
+    if (at == nullptr) break;
+    if (is_at(static_cast<std::size_t>(at - begin))) return static_cast<int>(at - begin);
+  }
+  return -1;
+}
 
 // In the lookups below a negative index becomes a size_t beyond any section. Accesses are checked
 // where names and what they name would differ in number after an allocation failed between them.
@@ -38,7 +70,7 @@ CString CIniFile::GetKeyName(int keyID) const {
 }
 
 int CIniFile::FindKey(CString keyname) const {
-  return FindName(key_names, keyname.Text().c_str());
+  return FindSection(keyname.Text().c_str());
 }
 
 int CIniFile::GetNumValues(CString keyname) const {
@@ -73,9 +105,11 @@ CString CIniFile::GetValue(int keyID, CString valuename) {
 }
 
 bool CIniFile::SetValue(CString keyname, CString valuename, CString value, bool create) {
-  int keyID = FindName(key_names, keyname.Text().c_str());
+  int keyID = FindSection(keyname.Text().c_str());
   if (keyID == -1) {
     if (!create) return false;
+    key_tails.resize(key_names.size());
+    key_tails.push_back(TailOf(keyname.Text().c_str()));
     key_names.push_back(std::move(keyname));
     keys.emplace_back();
     keys.back().value_names.reserve(2);  // as a scan has
