@@ -33,6 +33,23 @@ TEST(IniStore, KeepsTheOrderOfFirstAssignment) {
   EXPECT_TRUE(ini.GetValue("B", "X") == "4" && ini.GetValue(0, "Y") == "3");
 }
 
+// A lookup compares the last four bytes first.
+TEST(IniStore, TellsNamesWithTheSameEndApart) {
+  CIniFile ini;
+  const std::vector<std::string> names = {"SCAN1000", "scan1000", "1000",     "X1000", "",    "A",
+                                          "AA",       "000",      "SCAN2000", "A100",  "0001"};
+  for (const std::string& name : names) EXPECT_TRUE(ini.SetValue(name, "V", name, true));
+  ini.SetValue(std::string("A\0more", 6), "V", "through NUL", false);
+  for (int i = 0; i < static_cast<int>(names.size()); ++i) {
+    const std::string& name = names[static_cast<std::size_t>(i)];
+    EXPECT_EQ(ini.FindKey(name), i) << name;
+    EXPECT_EQ(ini.GetValue(name, "V").GetString(), name == "A" ? "through NUL" : name);
+  }
+  for (const char* const other : {"CAN1000", "Y1000", "00", "AAA", "1"}) {
+    EXPECT_EQ(ini.FindKey(other), -1) << other;
+  }
+}
+
 TEST(IniStore, AnswersWhatIsMissing) {
   CIniFile ini;
   EXPECT_STREQ(ini.error_msg, "");
