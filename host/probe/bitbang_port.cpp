@@ -112,6 +112,7 @@ void BitbangPort::SendBuffered() {
 void BitbangPort::TakeAnswers() {
   SendBuffered();
   while (unanswered_ > 0) {
+    // One more than was asked for shows whether more have come.
     const std::string answers = socket_.Receive(unanswered_ + 1);
     if (answers.empty()) FailClosed();
     CheckStep(answers.size());
@@ -124,7 +125,6 @@ void BitbangPort::TakeAnswers() {
     }
     unanswered_ -= answers.size();
   }
-  CheckStep(socket_.Pending());
 }
 
 void BitbangPort::FailClosed() const {

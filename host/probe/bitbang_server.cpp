@@ -85,11 +85,17 @@ struct BitbangServer::Client {
   }
   // Reads on once the answers are on their way.
   static void Write(const std::shared_ptr<Client>& client, bool open) {
-    asio::async_write(client->socket, asio::buffer(client->answers),
-                      [client, open](const asio::error_code& error, std::size_t /*sent*/) {
-                        client->gone = error || !open;
-                        if (!client->gone) Read(client);
-                      });
+    const auto read_on = [client, open](const asio::error_code& error, std::size_t /*sent*/) {
+      client->gone = error || !open;
+      if (!client->gone) Read(client);
+    };
+    std::string_view rest = client->answers;
+    const asio::error_code error = SendAtOnce(client->socket, rest);
+    if (error || rest.empty()) {
+      read_on(error, 0);
+    } else {
+      asio::async_write(client->socket, asio::buffer(rest), read_on);
+    }
   }
 
   StreamProtocol::socket socket;

@@ -101,17 +101,23 @@ Socket::Addresses Socket::Resolve(const Endpoint& endpoint) try {
 }
 
 void Socket::Send(std::string_view bytes) {
+  if (bytes.empty()) return;
+  ThrowIfInterrupted();
+  acknowledged_ = true;
+  if (const asio::error_code error = SendAtOnce(socket_, bytes)) Lose(error);
+  if (bytes.empty()) return;
   const auto [error, sent] = Await<std::size_t>(
       [&](auto done) { asio::async_write(socket_, asio::buffer(bytes), std::move(done)); });
   if (error) Lose(error);
 }
 
 std::string Socket::Receive(std::size_t limit) {
+  AcknowledgeNow();
   std::string bytes(limit, '\0');
   const auto [error, got] = Await<std::size_t>(
       [&](auto done) { socket_.async_receive(asio::buffer(bytes), std::move(done)); });
   if (error && error != asio::error::eof) Lose(error);
-  AcknowledgeNow();
+  acknowledged_ = false;
   bytes.resize(got);
   return bytes;
 }
@@ -119,7 +125,10 @@ std::string Socket::Receive(std::size_t limit) {
 std::size_t Socket::Pending(std::chrono::milliseconds patience) {
   asio::error_code none;  // the next operation reports what is wrong
   pollfd readable = {socket_.native_handle(), POLLIN, 0};
-  if (patience.count() > 0) poll(&readable, 1, static_cast<int>(patience.count()));
+  if (patience.count() > 0) {
+    AcknowledgeNow();
+    poll(&readable, 1, static_cast<int>(patience.count()));
+  }
   return socket_.available(none);
 }
 
@@ -133,9 +142,10 @@ bool Socket::HasEnded() {
 }
 
 // A server that writes each answer separately with Nagle's algorithm on sends the second after the
-// first is acknowledged, which the system delays by 40 ms. The option does not last. A UNIX socket
-// has none.
+// first is acknowledged, which the system delays by 40 ms. Only a wait for more needs this packet:
+// bytes sent to the server acknowledge as well. The option does not last. A UNIX socket has none.
 void Socket::AcknowledgeNow() {
+  if (std::exchange(acknowledged_, true)) return;
   const int on = 1;
   setsockopt(socket_.native_handle(), IPPROTO_TCP, TCP_QUICKACK, &on, sizeof on);
 }
@@ -168,6 +178,17 @@ void Socket::Lose(const asio::error_code& error) const {
 
 void Socket::Fail(const std::string& what, const asio::error_code& error) const {
   throw IoError(fmt::format("{}: {}: {}", name_, what, error.message()));
+}
+
+asio::error_code SendAtOnce(StreamProtocol::socket& socket, std::string_view& bytes) {
+  const ssize_t sent =
+      send(socket.native_handle(), bytes.data(), bytes.size(), MSG_DONTWAIT | MSG_NOSIGNAL);
+  if (sent >= 0) {
+    bytes.remove_prefix(static_cast<std::size_t>(sent));
+  } else if (errno != EAGAIN && errno != EINTR) {
+    return asio::error_code(errno, asio::error::get_system_category());
+  }
+  return {};
 }
 
 Listener::Listener(const Endpoint& endpoint) try : endpoint_(endpoint), acceptor_(EventLoop()) {

@@ -52,7 +52,12 @@ class Socket {
   StreamProtocol::socket socket_;
   std::string name_;
   Timeout timeout_;
+  bool acknowledged_ = true;  // everything that was received
 };
+
+// Sends those of the bytes that the system takes without waiting, which saves a turn of the event
+// loop, and removes them. Returns an error other than that it takes none now.
+asio::error_code SendAtOnce(StreamProtocol::socket& socket, std::string_view& bytes);
 
 // Listens on the event loop. The file of a UNIX socket exists as long as the object.
 class Listener {

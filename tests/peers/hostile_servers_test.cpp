@@ -50,6 +50,20 @@ Server Target(const std::string& before, const std::string& after) {
   };
 }
 
+// Answers every sample, the `last` one twice: the second answer is a packet of its own, which
+// Nagle's algorithm holds back until the first is acknowledged.
+Server Twice(int last) {
+  return [last](tcp::socket& client) mutable {
+    for (;;) {
+      for (const char byte : ReadFrom(client)) {
+        if (byte != 'R') continue;
+        Write(client, "1");
+        if (--last == 0) Write(client, "1");
+      }
+    }
+  };
+}
+
 // TDO, whatever happens on the other pins: these levels again and again.
 Server Tdo(const std::string& levels) {
   return Answering([=, at = std::size_t{0}](const std::string& bytes) mutable {
@@ -157,6 +171,7 @@ TEST(Servers, EndARunAsTheyShould) {
       {Target("", "1"), bitbang, walk, 3, step},
       {Target("0", ""), bitbang, reset, 3, step},
       {Target("0", ""), bitbang, "--vcd /dev/null " + idcode, 3, step},
+      {Twice(33), bitbang, walk, 3, step},
       {flood, bitbang, idcode, 3, step},
       {flood, bitbang, writes, 3, step},
       {Once("0123"), bitbang, idcode, 3, "SERVER: expected a TDO level, got the byte 50"},
