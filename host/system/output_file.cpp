@@ -20,7 +20,7 @@ namespace {
 
 constexpr int kBufferSize = 1 << 16;
 constexpr std::ptrdiff_t kPipePiece = PIPE_BUF;  // a pipe with room takes it whole
-constexpr int kSignalPollInterval = 100;        // ms
+constexpr int kSignalPollInterval = 100;         // ms
 
 // Returns a duplicate, which stays standard output while descriptor 1 leads elsewhere.
 int OpenStandardOutput() {
