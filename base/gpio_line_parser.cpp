@@ -19,9 +19,12 @@ constexpr std::uint64_t Word(std::string_view text) {
   return word;
 }
 
-// Base 16 after "0x", base 10 otherwise; "0X" starts no hexadecimal number.
+// Base 16 after "0x", base 10 otherwise; "0X" starts no hexadecimal number. Most values are one
+// digit, or a word, which has none to begin with. `value` is not empty.
 int ItemNumber(std::string_view value) {
-  if (value.size() == 1 && value[0] >= '0' && value[0] <= '9') return value[0] - '0';  // mostly
+  const char first = value.front();
+  if (value.size() == 1 && first >= '0' && first <= '9') return first - '0';
+  if (first > '9') return 0;
   return ParseNumber(value, value.substr(0, 2) == "0x" ? 16 : 10);
 }
 

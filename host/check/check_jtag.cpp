@@ -86,7 +86,7 @@ class JtagOperations {
     RefuseBeyondTwoWires(section, kIr, record->irBitLength);
     RefuseBeyondTwoWires(section, kDr, record->drBitLength);
     TakeExpectation(section, kIrTdo, record->irBitLength);
-    TakeExpectation(section, kTdo, record->drBitLength);
+    TakeExpectation(section, kDrTdo, record->drBitLength);
   }
 
   void RefuseBeyondTwoWires(const IniSection& section, std::size_t key, int bits) {

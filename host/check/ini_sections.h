@@ -18,7 +18,7 @@ const IniKeys& KeysOf(std::string_view section);
 
 // Their places in the list: first those that the plug-in reads, then those of icehost alone.
 enum ControlKey : std::size_t { kReset, kCdi };
-enum ScanKey : std::size_t { kIr, kDr, kTdo, kMask, kIrTdo, kIrMask };
+enum ScanKey : std::size_t { kIr, kDr, kDrTdo, kMask, kIrTdo, kIrMask };
 constexpr std::size_t kKeysRead = 2;
 constexpr std::size_t kMostKeys = 6;
 

@@ -288,7 +288,7 @@ std::optional<Expectation> ReadScanExpectation(const ScriptText& script, const I
   std::optional<std::string> mask = WholeMask(bits);
   if (mask_at != 0) mask = ReadMask(script.Line(mask_at), bits, problems);
   if (!value.has_value() || !mask.has_value()) return std::nullopt;
-  const auto of = value_key == kTdo ? Expectation::Of::kDr : Expectation::Of::kIr;
+  const auto of = value_key == kDrTdo ? Expectation::Of::kDr : Expectation::Of::kIr;
   return Expectation{0,           of, line.Of(ValueOf(line)), std::move(*value), std::move(*mask),
                      mask_at != 0};
 }

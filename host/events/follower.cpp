@@ -33,7 +33,7 @@ std::string CapturedText(const std::string& captured) {
 std::string PinText(const Expectation& expectation, const std::string& captured) {
   const int wrong = (captured[0] ^ expectation.value[0]) & expectation.mask[0];
   std::string text;
-  for (int pin = 0; pin < kPins; ++pin) {
+  for (int pin = 0; pin < kPinCount; ++pin) {
     if ((wrong >> pin & 1) == 0) continue;
     text += fmt::format("{} {} is {}", text.empty() ? ":" : ",", kPinNames[pin],
                         captured[0] >> pin & 1);

@@ -127,7 +127,7 @@ void PageWriter::Record(const PinStep& step) {
   ++total_steps_;
   if (steps_.size() >= kMostSteps) return;
   const int tap = step.tap.has_value() ? static_cast<int>(*step.tap) : kUnknownTap;
-  steps_.push_back(static_cast<std::uint16_t>(tap << kPins | step.wires));
+  steps_.push_back(static_cast<std::uint16_t>(tap << kPinCount | step.wires));
 }
 
 void PageWriter::Write(std::ostream& stream, const PageHead& head) const {
@@ -136,7 +136,7 @@ void PageWriter::Write(std::ostream& stream, const PageHead& head) const {
   const std::size_t at = page.find(kMark);
   stream << page.substr(0, at) << "{\"head\":" << HeadText(head) << ",\n\"sources\":[" << sources_
          << "],\n\"log\":[" << log_ << "],\n"
-         << Totals() << ",\n\"pins\":" << Names(kPinNames, kPins) << ",\"taps\":" << TapNames()
+         << Totals() << ",\n\"pins\":" << Names(kPinNames, kPinCount) << ",\"taps\":" << TapNames()
          << ",\n\"steps\":\"" << Base64(steps_) << "\"}" << page.substr(at + kMark.size());
 }
 

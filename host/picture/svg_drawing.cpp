@@ -242,7 +242,7 @@ void Drawing::DrawBand(int y) {
     y += kRowHeight;
   }
   Print("<g {}>\n", kWave);
-  for (int pin = 0; pin < kPins; ++pin, y += kRowHeight) DrawPin(pin, y);
+  for (int pin = 0; pin < kPinCount; ++pin, y += kRowHeight) DrawPin(pin, y);
   stream_ << "</g>\n";
   DrawReads(y + kShapeHeight / 2);
 }

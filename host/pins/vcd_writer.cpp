@@ -47,7 +47,7 @@ class VcdWriter : public Output, public StepRecorder {
 
 VcdWriter::VcdWriter(std::ostream& stream) : stream_(stream) {
   stream_ << "$version icehost $end\n$timescale 1 us $end\n$scope module probe $end\n";
-  for (int pin = 0; pin < kPins; ++pin) {
+  for (int pin = 0; pin < kPinCount; ++pin) {
     stream_ << "$var wire 1 " << static_cast<char>(kFirstId + pin) << ' '
             << LowerCase(kPinNames[pin]) << " $end\n";
   }
@@ -69,7 +69,7 @@ void VcdWriter::Record(const PinStep& step) {
   operation_.clear();
   ++time_;
   const int changed = last_.has_value() ? step.wires ^ last_->wires : GPIO_PIN_ALL;
-  for (int pin = 0; pin < kPins; ++pin) {
+  for (int pin = 0; pin < kPinCount; ++pin) {
     if ((changed >> pin & 1) == 0) continue;
     stream_ << (step.wires >> pin & 1) << static_cast<char>(kFirstId + pin) << '\n';
   }

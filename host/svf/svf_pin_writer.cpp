@@ -37,7 +37,7 @@ const char* Column(bool ir) {
 
 std::string NamesOf(int pins) {
   std::string names;
-  for (int pin = 0; pin < kPins; ++pin) {
+  for (int pin = 0; pin < kPinCount; ++pin) {
     if ((pins >> pin & 1) == 0) continue;
     names.append(names.empty() ? "" : ", ").append(kPinNames[pin]);
   }

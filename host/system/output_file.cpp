@@ -20,7 +20,7 @@ namespace {
 
 constexpr int kBufferSize = 1 << 16;
 constexpr std::ptrdiff_t kPipePiece = PIPE_BUF;  // a pipe with room takes it whole
-constexpr int kLookForSignalsEvery = 100;        // ms
+constexpr int kSignalPollInterval = 100;         // ms
 
 // Returns a duplicate, which stays standard output while descriptor 1 leads elsewhere.
 int OpenStandardOutput() {
@@ -56,7 +56,7 @@ OutputFile::Buffer::Buffer(int fd)
 // Stops waiting after a signal.
 void OutputFile::Buffer::AwaitReader() {
   pollfd waiting = {fd_, POLLOUT, 0};
-  while (poll(&waiting, 1, kLookForSignalsEvery) == 0) {
+  while (poll(&waiting, 1, kSignalPollInterval) == 0) {
     if (!IsInterrupted()) continue;
     error_ = EINTR;
     return;

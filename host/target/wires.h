@@ -8,7 +8,7 @@ namespace icehost {
 
 // The names of the pins, lowest bit first.
 constexpr const char* kPinNames[] = {"NRST", "TRST", "TCK", "TMS", "TDI", "TDO"};
-constexpr int kPins = 6;
+constexpr int kPinCount = 6;
 
 constexpr int kResetPins = GPIO_PIN_NRST | GPIO_PIN_TRST;
 // The pins that a probe drives in a scan; the target drives TDO.
