@@ -15,21 +15,32 @@ Target::Target(const TargetOptions& options)
 }
 
 void Target::RaiseTck(bool tms, bool tdi) {
-  if (state_ == TapState::kCaptureDr) shift_ = CapturedDr();
+  if (state_ == TapState::kCaptureDr) Capture(CapturedDr());
   // The two lowest bits are the standard's 01.
-  if (state_ == TapState::kCaptureIr) shift_ = BitsOfNumber(0x01, options_.ir_length);
+  if (state_ == TapState::kCaptureIr) Capture(BitsOfNumber(0x01, options_.ir_length));
   if (IsShifting()) {
-    std::rotate(shift_.begin(), shift_.begin() + 1, shift_.end());
-    shift_.back() = tdi;
+    shift_[first_] = tdi;
+    first_ = (first_ + 1) % shift_.size();
   }
   state_ = NextTapState(state_, tms);
 }
 
 void Target::LowerTck() {
   if (state_ == TapState::kUpdateDr) UpdateDr();
-  if (state_ == TapState::kUpdateIr) instruction_ = NumberOfBits(shift_);
+  if (state_ == TapState::kUpdateIr) instruction_ = NumberOfBits(Shifted());
   if (state_ == TapState::kTestLogicReset) instruction_ = options_.idcode_instruction;
-  tdo_ = IsShifting() ? std::optional<bool>(shift_.front()) : std::nullopt;
+  tdo_ = IsShifting() ? std::optional<bool>(shift_[first_]) : std::nullopt;
+}
+
+void Target::Capture(Bits bits) {
+  shift_ = std::move(bits);
+  first_ = 0;
+}
+
+Bits Target::Shifted() const {
+  Bits bits = shift_;
+  std::rotate(bits.begin(), bits.begin() + static_cast<std::ptrdiff_t>(first_), bits.end());
+  return bits;
 }
 
 void Target::ResetTap() {
@@ -54,7 +65,7 @@ Bits Target::CapturedDr() const {
 void Target::UpdateDr() {
   if (held_) return;
   if (const auto found = registers_.find(instruction_); found != registers_.end()) {
-    found->second = shift_;
+    found->second = Shifted();
   }
 }
 

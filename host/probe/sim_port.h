@@ -2,6 +2,7 @@
 #ifndef ICESCRIPT_HOST_PROBE_SIM_PORT_H_
 #define ICESCRIPT_HOST_PROBE_SIM_PORT_H_
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -51,13 +52,18 @@ class Target {
   bool IsShifting() const { return state_ == TapState::kShiftDr || state_ == TapState::kShiftIr; }
   Bits CapturedDr() const;
   void UpdateDr();
+  void Capture(Bits bits);
+  // The shift register, the bit next to TDO first.
+  Bits Shifted() const;
 
   TargetOptions options_;
   std::map<std::uint64_t, Bits> registers_;
   bool held_ = false;
   TapState state_ = TapState::kTestLogicReset;
   std::uint64_t instruction_;
+  // A ring, so that an edge moves no bits: the bit that leaves makes room for the one that comes.
   Bits shift_;
+  std::size_t first_ = 0;  // the bit that leaves next
   std::optional<bool> tdo_;
 };
 
