@@ -40,6 +40,9 @@ TEST(IniStore, TellsNamesWithTheSameEndApart) {
                                           "AA",       "000",      "SCAN2000", "A100",  "0001"};
   for (const std::string& name : names) EXPECT_TRUE(ini.SetValue(name, "V", name, true));
   ini.SetValue(std::string("A\0more", 6), "V", "through NUL", false);
+  ini.SetValue(std::string("CUT\0more", 8), "V", "", true);
+  ini.SetValue("LAST", "V", "", true);
+  EXPECT_EQ(ini.FindKey("CUT"), static_cast<int>(names.size()));
   for (int i = 0; i < static_cast<int>(names.size()); ++i) {
     const std::string& name = names[static_cast<std::size_t>(i)];
     EXPECT_EQ(ini.FindKey(name), i) << name;
