@@ -249,31 +249,6 @@ TEST(Servers, NeedNotAccept) {
   EXPECT_EQ(outcome.output, "icehost: " + name + ": cannot connect: Connection timed out\n");
 }
 
-// What keeps icehost from a server before anything is sent.
-TEST(Servers, CannotBeReached) {
-  const std::string long_path(108, 'x');
-  const struct {
-    std::string command;
-    std::string message;
-  } kFaults[] = {
-      {"run --probe remote-bitbang:[::1]:1 examples/reset.ini",
-       "[::1]:1: cannot connect: Connection refused"},
-      {"run --probe openocd:[::1]:1:t examples/reset.ini",
-       "[::1]:1: cannot connect: Connection refused"},
-      {"run --probe 'remote-bitbang:a b:1' examples/reset.ini",
-       "a b:1: cannot be looked up: Host not found (authoritative)"},
-      {"run --probe remote-bitbang:unix:" + long_path + " examples/reset.ini",
-       "unix:" + long_path + ": cannot connect: File name too long"},
-      {"serve unix:" + long_path, "unix:" + long_path + ": cannot listen: File name too long"},
-      {"serve unix:/tmp", "unix:/tmp: cannot listen: Address already in use"},
-  };
-  for (const auto& fault : kFaults) {
-    const Outcome outcome = RunIcehost(fault.command + " 2>&1");
-    EXPECT_EQ(outcome.status, 3) << fault.command;
-    EXPECT_EQ(outcome.output, "icehost: " + fault.message + "\n") << fault.command;
-  }
-}
-
 // However few files may be open, the reason is that and nothing else.
 TEST(Servers, AreOutOfReachWithoutFiles) {
   if (ICESCRIPT_SANITIZED) GTEST_SKIP() << "a sanitizer opens files of its own";
