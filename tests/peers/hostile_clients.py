@@ -3,7 +3,6 @@
 
 usage: hostile_clients.py ICEHOST SOURCE_FOLDER
 """
-import json
 import os
 import re
 import signal
@@ -13,7 +12,8 @@ import threading
 import time
 
 sys.path.append(sys.path[0] + "/..")
-from lib import BACK, ICEHOST, RESET, TO_SHIFT_DR, Serve, expect, failures, read, run_checks
+from lib import (BACK, ICEHOST, RESET, TO_SHIFT_DR, Serve, expect, failures, read, records_of,
+                 run_checks)
 
 IDCODE = RESET + b"04" + TO_SHIFT_DR + b"0R4" * 31 + b"2R6" + BACK[2:]
 
@@ -124,7 +124,7 @@ def check_recording():
         "86 client 2 left: bytes 1, scans 0",
         "# ended",
     ])
-    expect("end", json.loads(read("j").splitlines()[-1]), {"end": True})
+    expect("end", records_of(read("j"))[-1], {"end": True})
     expect("waveform", read("v").splitlines()[-1], "#86")
 
 
@@ -163,7 +163,7 @@ def check_lost():
         status, said = serve.end(deed if why is None else None)
         wanted = f"icehost: ADDRESS: .*{why}.*\n" if why else ""
         expect(name, (status, re.fullmatch(wanted, said) is None), (3 if why else 0, False))
-        lines = [json.loads(line) for line in read("j").splitlines()]
+        lines = records_of(read("j"))
         expect(name, (lines[-1], "error" in lines[-2]), ({"end": not why}, bool(why)))
         expect(name, [line["client"] for line in lines if "client" in line], ["connected", "left"])
         expect(name, read("t").splitlines()[-1].startswith("# failed" if why else "# ended"), True)
