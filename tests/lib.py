@@ -73,6 +73,7 @@ def records_of(lines):
 
 
 def write(path, text):
+    os.makedirs(os.path.dirname(os.path.abspath(path)), exist_ok=True)
     with open(path, "w", encoding="utf-8") as file:
         file.write(text)
 
