@@ -3,6 +3,7 @@
 A test works in a folder of its own, which has the entries of the source folder and is removed at
 the end. `icehost` is on the PATH.
 """
+import json
 import os
 import re
 import signal
@@ -66,7 +67,13 @@ def read(path):
         return file.read()
 
 
+def records_of(lines):
+    """Returns the objects of JSON lines."""
+    return [json.loads(line) for line in lines.splitlines()]
+
+
 def write(path, text):
+    os.makedirs(os.path.dirname(os.path.abspath(path)), exist_ok=True)
     with open(path, "w", encoding="utf-8") as file:
         file.write(text)
 

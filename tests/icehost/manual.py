@@ -161,10 +161,9 @@ def check_shell(name):
 
 
 def check_shells():
-    os.makedirs("shells/folder")
+    write("shells/two words.ini", "")
+    write("shells/folder/inner.ini", "")
     os.chdir("shells")
-    for file in "two words.ini", "folder/inner.ini":
-        write(file, "")
     for name in SHELLS:
         check_shell(name)
 

@@ -6,16 +6,15 @@ usage: messages.py ICEHOST SOURCE_FOLDER. In a table `<...>` stands for any text
 parentheses at the end may be missing.
 """
 import glob
-import json
 import re
 import sys
 
 sys.path.append(sys.path[0] + "/..")
-from lib import ICEHOST, failures, output, read, run_checks
+from lib import ICEHOST, failures, output, read, records_of, run_checks
 
 
 def checked(script):
-    records = map(json.loads, output(ICEHOST, "check", "-q", "--json", "-", script).splitlines())
+    records = records_of(output(ICEHOST, "check", "-q", "--json", "-", script))
     return [(record["problem"], record["text"]) for record in records if "problem" in record]
 
 

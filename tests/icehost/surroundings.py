@@ -106,7 +106,7 @@ def expect_whole(*paths):
 
 def check_signals():
     for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
-        ends_by(number, "run", "--svg", "e.svg", "--json", "e.json", ENDLESS)
+        ends_by(number, "run", "--svg", "e.svg", "--json", "e.json", "--vcd", "e.vcd", ENDLESS)
         expect_whole("e.svg", "e.json")
         told = re.findall(">The first 1000 of [0-9]* steps<", read("e.svg"))
         expect("the picture of an interrupted run", len(told), 1)

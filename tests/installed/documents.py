@@ -1,8 +1,8 @@
-#!/usr/bin/python3
+#!/usr/bin/python3 -B
 """What the documents show, against what happens: every block is run or compared, every link followed.
 
-usage: documents.py PREFIX SOURCE_FOLDER [DOCUMENT...]. The commands run on what is installed in PREFIX
-(by `cmake --install build/dev --prefix PREFIX`; ctest has it in build/dev/installed).
+usage: documents.py ICEHOST SOURCE_FOLDER [DOCUMENT...]. The commands run on what is installed with
+ICEHOST (by `cmake --install build/dev --prefix PREFIX`; ctest has it in build/dev/installed).
 CONTRIBUTING.md says how a block is marked.
 """
 import glob
@@ -11,14 +11,15 @@ import random
 import re
 import select
 import shutil
-import socket
 import subprocess
 import sys
 import tempfile
 import time
 
-PREFIX = os.path.abspath(sys.argv[1])
-SOURCE = os.path.abspath(sys.argv[2])
+sys.path.append(sys.path[0] + "/..")
+from lib import ICEHOST, failures, read, run_checks, write
+
+PREFIX = os.path.dirname(os.path.dirname(ICEHOST))
 # A link may lead to what is installed, and to nothing else.
 INSTALLED = ("README.md", "CHANGELOG.md", "CONTRIBUTING.md", "docs", "examples")
 # Where a Debian package puts them, and where they are.
@@ -32,35 +33,16 @@ MARKS = {"console": {"exit", "run-by", "hardware"}, "text": {"file", "from"}}
 OTHER_MARKS = {"file", "from"}
 FENCE = re.compile(r"^( *)(```+)([^`\n]*)\n(.*?)^\1\2 *$", re.MULTILINE | re.DOTALL)
 
-failures = []
-
 
 def fail(place, *lines):
     failures.append("\n  ".join([f"{place}: {lines[0]}", *lines[1:]]))
 
 
-def read(path):
-    with open(path, encoding="utf-8") as file:
-        return file.read()
-
-
-def write(path, text):
-    os.makedirs(os.path.dirname(path), exist_ok=True)
-    with open(path, "w", encoding="utf-8") as file:
-        file.write(text)
-
-
 def free_port():
-    """Below those that the system itself hands out."""
-    while True:
-        port = random.randrange(20000, 32000)
-        with socket.socket() as probe:
-            probe.setsockopt(socket.SOL_SOCKET, socket.SO_REUSEADDR, 1)
-            try:
-                probe.bind(("127.0.0.1", port))
-                return str(port)
-            except OSError:
-                continue
+    """Returns a port below those that the system itself hands out."""
+    while is_listening(port := random.randrange(20000, 32000)):
+        pass
+    return str(port)
 
 
 def is_listening(port):
@@ -75,27 +57,18 @@ def write_program(path, line):
 class Shell:
     """A bash that runs one command after the other in a folder of its own."""
 
-    LOOP = (
-        'while IFS= read -r -d "" -u 9 command; do eval "$command"; '
-        'printf "%s %d\\n" "$SENTINEL" $?; done 9<&"$COMMANDS"'
-    )
+    LOOP = ('while IFS= read -r -d "" -u 9 command; do eval "$command"; '
+            'printf "%s %d\\n" "$SENTINEL" $?; done 9<&"$COMMANDS"')
 
     def __init__(self, folder, openocd_port):
         self.openocd_port = openocd_port
         self.sentinel = f"@{random.randrange(1 << 64):x}@"
         self.output = ""
         reading, self.commands = os.pipe()
-        environment = {
-            **os.environ,
-            "CMAKE_PREFIX_PATH": PREFIX,
-            "PKG_CONFIG_PATH": f"{PREFIX}/lib/pkgconfig",
-            "COMMANDS": str(reading),
-            "SENTINEL": self.sentinel,
-            "HOME": folder,
-            "LC_ALL": "C.UTF-8",
-            "TERM": "dumb",
-            "PATH": f"{folder}/.programs:{PREFIX}/bin:/usr/bin:/bin:{os.environ['PATH']}",
-        }
+        environment = dict(
+            os.environ, CMAKE_PREFIX_PATH=PREFIX, PKG_CONFIG_PATH=f"{PREFIX}/lib/pkgconfig",
+            COMMANDS=str(reading), SENTINEL=self.sentinel, HOME=folder, TERM="dumb", LC_ALL="C.UTF-8",
+            PATH=f"{folder}/.programs:{PREFIX}/bin:/usr/bin:/bin:{os.environ['PATH']}")
         self.process = subprocess.Popen(
             ["bash", "--noprofile", "--norc", "-c", self.LOOP],
             cwd=folder, env=environment, pass_fds=[reading], start_new_session=True,
@@ -115,10 +88,9 @@ class Shell:
         end = time.monotonic() + SECONDS
         while not (result := condition()) and time.monotonic() < end:
             if select.select([self.process.stdout], [], [], 0.1)[0]:
-                read = os.read(self.process.stdout.fileno(), 1 << 16)
-                if not read:
+                if not (printed := os.read(self.process.stdout.fileno(), 1 << 16)):
                     return None
-                self.output += read.decode(errors="replace")
+                self.output += printed.decode(errors="replace")
         return result
 
     def run(self, command, expected):
@@ -150,10 +122,9 @@ def with_line_end(text):
 
 def pattern_of(expected):
     """`...` alone stands for any lines, within a line for any characters."""
-    lines = (
+    return "".join(
         r"(?:.*\n)*" if line == "..." else re.escape(line).replace(re.escape("..."), ".*") + r"\n"
         for line in expected)
-    return "".join(lines)
 
 
 def commands_of(lines):
@@ -257,24 +228,17 @@ def check_links(document, text):
             continue
         path, _, anchor = link.partition("#")
         target = os.path.normpath(os.path.join(os.path.dirname(document), path)) if path else document
-        if target.split("/")[0] not in INSTALLED or not os.path.exists(target):
-            fail(document, f"a link leads nowhere: {link}")
-        elif anchor and anchor not in anchors_of(read(target)):
+        leads = target.split("/")[0] in INSTALLED and os.path.exists(target)
+        if not leads or (anchor and anchor not in anchors_of(read(target))):
             fail(document, f"a link leads nowhere: {link}")
 
 
-def main():
-    if not os.path.exists(f"{PREFIX}/bin/icehost"):
-        sys.exit(__doc__)
-    os.chdir(SOURCE)
-    documents = sys.argv[3:] or sorted(
-        path for pattern in ("*.md", "docs/*.md") for path in glob.glob(pattern))
+def check_documents():
+    documents = sys.argv[3:] or sorted(glob.glob("*.md") + glob.glob("docs/*.md"))
     for document in documents:
-        begin = time.monotonic()
         run_document(document)
-        print(f"{document}: {time.monotonic() - begin:.1f} s", flush=True)
-    print("\n".join(failures))
-    sys.exit(bool(failures) or not documents)
+    if not documents:
+        fail("documents", "there are none")
 
 
-main()
+run_checks(check_documents)

@@ -42,7 +42,7 @@ MANWIDTH=200 man icehost | col -bx >manual
 example=$(sed -n '/^EXAMPLES/,$ s/^ *\$ //p' manual | head -n 1)
 say "$example"
 eval "$example" | diff - <(icehost run "$root/examples/read_idcode.ini")
-"$root/tests/installed/documents.py" /usr "$root"
+"$root/tests/installed/documents.py" /usr/bin/icehost "$root"
 
 [ "$(pkg-config --variable=plugindir icescript)" = /usr/lib/x86_64-linux-gnu/icescript ]
 

@@ -5,23 +5,7 @@ source "$(dirname "${BASH_SOURCE[0]}")/../lib.sh"
 
 serve --idcode 0x2BADC001
 
-# A client that sends nonsense and goes; the TAP is asked twice, bytes without a meaning between.
-exec 3<>"/dev/tcp/127.0.0.1/$port"
-printf 'BxRb\n~R' >&3
-read -r -t 5 -n 2 -u 3 answers || fail "no answer to R"
-[ "$answers" = 11 ] || fail "TDO read as $answers"
-# Another finds the door closed for as long as this one stays.
-exec 4<>"/dev/tcp/127.0.0.1/$port"
-read -r -t 5 -n 1 -u 4 && fail "two clients at once"
-wait_for '^icehost: busy: a second client was sent away$' "$scratch/serve.log" >/dev/null
-printf R >&3
-read -r -t 5 -n 1 -u 3 || fail "the first client had to go"
-exec 3>&- 4>&-
-
-start_openocd 'jtag newtap sim tap -irlen 5 -expected-id 0x2BADC001' init \
-  'irscan sim.tap 2; drscan sim.tap 32 0x12345678; echo "scratch [drscan sim.tap 32 0]"'
-wait_for '^scratch 12345678$' "$scratch/openocd.log" >/dev/null
-grep -q 'tap/device found: 0x2badc001' "$scratch/openocd.log" || fail "OpenOCD found another IDCODE"
+start_openocd 'jtag newtap sim tap -irlen 5 -expected-id 0x2BADC001' init
 
 # same_as_simulated PROBE SCRIPT...
 same_as_simulated() {
@@ -97,13 +81,9 @@ for run in "--idcode 0x2BADC001 tests/scripts/idcode.ini" \
   xmllint --noout "$scratch/run.svg" || fail "the picture is not well-formed"
 done
 
-# Names that XML and GTKWave have a use for: markup, every byte, a character that is none of XML's.
+# Names that XML and GTKWave have a use for: markup, every byte, a character that XML lacks.
 hostile="$scratch/<x>&\"$(printf '\001\377').ini"
-{
-  printf '[<a b="c">&amp;\\x41'"'"']\nIR=5,1\nDR=R,32,0\nTDO=0,0,0,0\n['
-  for byte in {1..9} {11..34} {36..90} {92..92} {94..255}; do printf "\\x$(printf %x "$byte")"; done
-  printf '\xef\xbf\xbe\xf0\x9f\x98\x80\xf0\x9f]\nIR=5,1\nDR=R,32,0\n'
-} >"$hostile"
+cp tests/scripts/every_byte.ini "$hostile"
 "$icehost" run -q --keep-going --svg "$scratch/run.svg" --vcd "$scratch/run.vcd" "$hostile" \
   examples/reset_pulse.gpio 2>"$scratch/run.log" && fail "an expectation was met"
 xmllint --noout "$scratch/run.svg" || fail "the picture of a hostile script"
@@ -138,15 +118,3 @@ printf 'R' >&4
 read -r -t 5 -n 1 -u 4 || fail "no answer to R"
 sleep 0.1
 "$icehost" run -q --probe "remote-bitbang:127.0.0.1:$port" examples/reset.ini || fail "no room"
-
-# An endless run is interrupted, and what it wrote is complete.
-env --default-signal=INT "$icehost" run --svg "$scratch/endless.svg" --vcd "$scratch/endless.vcd" \
-  tests/scripts/endless_writes.gpio >/dev/null 2>"$scratch/end.log" &
-run=$!
-wait_for '^#100$' "$scratch/endless.vcd" >/dev/null
-kill -INT "$run"
-status=0
-wait "$run" || status=$?
-[ "$status" = 130 ] || fail "an interrupted run ended with $status"
-holds end.log "icehost: interrupted"
-xmllint --noout "$scratch/endless.svg" || fail "the picture of an interrupted run"
