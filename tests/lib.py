@@ -28,6 +28,8 @@ RESET = b"26" * 5
 TO_SHIFT_DR = b"260404"  # from Run-Test/Idle
 BACK = b"262604"  # with the last bit, to Run-Test/Idle
 
+PINS = ["NRST", "TRST", "TCK", "TMS", "TDI", "TDO"]
+
 failures = []
 started = []  # processes
 
@@ -76,6 +78,21 @@ def write(path, text):
     os.makedirs(os.path.dirname(os.path.abspath(path)), exist_ok=True)
     with open(path, "w", encoding="utf-8") as file:
         file.write(text)
+
+
+def waveform(path, steps=1 << 30):
+    """Returns the levels of each pin and the state of the TAP for the first steps of a VCD file."""
+    values = dict.fromkeys("!\"#$%&t", "")
+    levels, states = dict.fromkeys(PINS, ""), []
+    for line in read(path).split("$enddefinitions $end\n")[1].splitlines():
+        if line[0] != "#":
+            values[line[-1]] = line[1:-2] if line[0] == "s" else line[0]
+            continue
+        held = min(int(line[1:]), steps) - len(states)
+        for pin, code in zip(PINS, values):
+            levels[pin] += values[code] * held
+        states += [values["t"].replace("?", "unknown")] * held
+    return levels, states
 
 
 class Serve:

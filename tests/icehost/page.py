@@ -16,7 +16,7 @@ from selenium.webdriver.chrome.service import Service
 
 sys.path.append(sys.path[0] + "/..")
 from lib import (BACK, ICEHOST, RESET, TO_SHIFT_DR, Serve, expect, output, read, records_of,
-                 run_checks)
+                 run_checks, waveform)
 
 PAGE = os.path.abspath("page.html")
 FLAGS = """--headless=new --no-sandbox --disable-gpu --disable-quic --no-first-run
@@ -100,18 +100,6 @@ def operations_of(lines):
     return found
 
 
-def levels_of(path):
-    """The pins at each step of a waveform, NRST the lowest bit."""
-    levels, steps = 0, []
-    for line in read(path).split("$enddefinitions $end\n")[1].splitlines():
-        if line[0] == "#":
-            steps += [levels] * (int(line[1:]) - len(steps))
-        elif line[0] in "01":
-            bit = 1 << ord(line[1]) - ord("!")
-            levels = levels | bit if line[0] == "1" else levels & ~bit
-    return steps
-
-
 def check_against_other_outputs():
     """A page shows what the JSON lines and the waveform of the same run say."""
     for status, *arguments in (
@@ -126,7 +114,10 @@ def check_against_other_outputs():
                operations_of(lines))
         messages = "".join(line.get("message", "") for line in lines)
         expect(what, texts(".note:not(.error)"), [one for one in messages.split("\n") if one])
-        expect(what, js("return Array.from(steps, (step) => step & 63)"), levels_of("v"))
+        # The lowest bit is NRST, the first pin.
+        steps = ["".join(levels)[::-1] for levels in zip(*waveform("v")[0].values())]
+        expect(what, js("return Array.from(steps, (step) => step & 63)"),
+               [int(step, 2) for step in steps])
         expect(what, texts("#result"), ["failed" if status else "passed"])
         shown = [read(path).rstrip("\n") for path in arguments if "/" in path]
         played = len([line for line in lines if "script" in line])

@@ -54,8 +54,8 @@ def last_line(path):
 
 
 def check_commands():
-    reads = "REPT=99999\nPRINT=GPIO_IN\nENDR\n"
-    write("reads.gpio", f"[ZEVA_ICE_GPIO]\nSTART\nGPIO_OE=0x1F\n{reads}END\n")
+    write("reads.gpio",
+          "[ZEVA_ICE_GPIO]\nSTART\nGPIO_OE=0x1F\nREPT=99999\nPRINT=GPIO_IN\nENDR\nEND\n")
     write("appended", "before\n")
     for status, said, command in COMMANDS:
         expect(command, (shell(command), last_line("err")), (status, said))
@@ -90,9 +90,8 @@ def ends_by(number, *arguments, out="/dev/null"):
     time.sleep(0.3)
     process.send_signal(number)
     begun = time.monotonic()
-    expect(what, process.wait(20), 130)
+    expect(what, (process.wait(20), read("err").split("\n")[0]), (130, "icehost: interrupted"))
     expect(what, time.monotonic() - begun < 1.5, True)
-    expect(what, read("err").split("\n")[0], "icehost: interrupted")
 
 
 def expect_whole(*paths):
@@ -108,8 +107,8 @@ def check_signals():
     for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
         ends_by(number, "run", "--svg", "e.svg", "--json", "e.json", "--vcd", "e.vcd", ENDLESS)
         expect_whole("e.svg", "e.json")
-        told = re.findall(">The first 1000 of [0-9]* steps<", read("e.svg"))
-        expect("the picture of an interrupted run", len(told), 1)
+        cuts = re.findall(">The first 1000 of [0-9]* steps<", read("e.svg"))
+        expect("the picture of an interrupted run", len(cuts), 1)
     names = (i * 7919 % 60000 for i in range(60000))
     write("many.ini", "".join(f"[{name}x]\nIR=5,1\nDR=R,8,0\n" for name in names))
     ends_by(signal.SIGINT, "run", "--json", "m.json", "--html", "m.html", "many.ini")
@@ -142,21 +141,17 @@ def check_ignored_signals():
     expect("ends", process.wait(20), 130)
 
 
-def on_terminal(command):
-    """What a terminal gets."""
-    return output("timeout", "-k", "1", "30", "script", "-qec", command, "/dev/null")
-
-
 def check_terminal():
     """A terminal shows progress, which leaves nothing there, and takes no text for a command."""
+    terminal = ["timeout", "-k", "1", "30", "script", "/dev/null", "-qec"]
     endless = f"timeout -s INT 1.7 icehost run {ENDLESS}"
-    shown = on_terminal(endless)
+    shown = output(*terminal, endless)
     expect(f"progress in {shown!r}", shown.count("operations, ") >= 2, True)
     expect("progress is left", shown.count("\r\x1b[K"), shown.count("operations, ") + 1)
     shell(endless)
     expect("progress in a file", read("err"), "icehost: interrupted\n")
     write("bold.ini", "[\x1b[7m\x9b]\nIR=5\nDR=W,0\n")
-    shown = on_terminal("icehost run --force bold.ini; icehost check bold.ini '\x1b[7m'")
+    shown = output(*terminal, "icehost run --force bold.ini; icehost check bold.ini '\x1b[7m'")
     expect("controls", [text for text in ("\x1b[7m", "\x9b") if text in shown], [])
     shell("icehost run --force bold.ini")
     expect("a file", "\x1b[7m\x9b syntax error" in read("out"), True)

@@ -13,10 +13,9 @@ from difflib import unified_diff
 from itertools import groupby
 
 sys.path.append(sys.path[0] + "/..")
-from lib import failures, read, run_checks, write
+from lib import PINS, failures, read, run_checks, waveform, write
 
 GOLDEN = "tests/golden/svg_bands.txt"
-PINS = ["NRST", "TRST", "TCK", "TMS", "TDI", "TDO"]
 CHARACTER = 6.02  # the pixels of one at the pictures' font size
 
 
@@ -32,7 +31,6 @@ def scan(section, bits, expected=""):
     return f"[{section}]\nIR=2,3\nDR=R,{bits},0\n{expected}"
 
 
-FAR = "\n" * 1000
 READS = "PRINT=GPIO_IN  # expect NRST=0\n"
 # Arguments, and a script for standard input. The golden file has each band's lanes and marks, how
 # often such a band follows itself, and a note after the last.
@@ -51,7 +49,7 @@ PICTURES = [
     ("--ir-length 2 -", scan("A", 2) + scan("A<&>B\x01", 4)),
     ("--ir-length 2 -", scan("A" * 99, 2)),
     # Lines share a segment until their numbers fit.
-    ("-", gpio(FAR + loop(5, "TCK=1\nTDI=1\nTCK=0\n") + "\nTDI=0\n" * 6)),
+    ("-", gpio("\n" * 1000 + loop(5, "TCK=1\nTDI=1\nTCK=0\n") + "\nTDI=0\n" * 6)),
     # What was read, and what was not as expected.
     ("examples/reset_pulse.gpio", ""),
     ("--keep-going -",
@@ -141,22 +139,6 @@ class Picture:
             width = CHARACTER * len(text.text)
             left = int(text.get("x")) - (width / 2 if centred else 0)
             self.texts.append((int(text.get("y")), left, left + width, text.text))
-
-
-def waveform(name, steps):
-    """The levels of each pin and the state of the TAP for the first steps of a VCD file."""
-    values = dict.fromkeys("!\"#$%&t", "")
-    levels, states = dict.fromkeys(PINS, ""), []
-    changes = read(name).split("$enddefinitions $end\n")[1]
-    for line in changes.splitlines():
-        if line[0] != "#":
-            values[line[-1]] = line[1:-2] if line[0] == "s" else line[0]
-            continue
-        held = min(int(line[1:]), steps) - len(states)
-        for pin, code in zip(PINS, values):
-            levels[pin] += values[code] * held
-        states += [values["t"].replace("?", "unknown")] * held
-    return levels, states
 
 
 def check(arguments, script):

@@ -22,15 +22,13 @@ from lib import ICEHOST, failures, read, run_checks, write
 PREFIX = os.path.dirname(os.path.dirname(ICEHOST))
 # A link may lead to what is installed, and to nothing else.
 INSTALLED = ("README.md", "CHANGELOG.md", "CONTRIBUTING.md", "docs", "examples")
-# Where a Debian package puts them, and where they are.
+# Where a Debian package puts them.
 MANUALS = "/usr/share/doc/icescript"
-INSTALLED_MANUALS = PREFIX + MANUALS.removeprefix("/usr")
 PORTS = ("5555", "6666", "9824")
 SECONDS = 30
 # Read in a clone. With the others one has what is installed.
 OF_A_CLONE = ("README.md", "CONTRIBUTING.md")
 MARKS = {"console": {"exit", "run-by", "hardware"}, "text": {"file", "from"}}
-OTHER_MARKS = {"file", "from"}
 FENCE = re.compile(r"^( *)(```+)([^`\n]*)\n(.*?)^\1\2 *$", re.MULTILINE | re.DOTALL)
 
 
@@ -151,7 +149,7 @@ def blocks_of(document, text):
         language, *words = block[3].split() or [""]
         marks = dict((word.split("=", 1) + [""])[:2] for word in words)
         lines = [line[len(block[1]):] for line in block[4].splitlines()]
-        known = MARKS.get(language, OTHER_MARKS)
+        known = MARKS.get(language, {"file", "from"})
         if len(marks) > 1 or not set(marks) <= known or not (marks or language in MARKS):
             fail(place, f"a block cannot be marked {block[3]!r}")
             continue
@@ -187,7 +185,7 @@ def run_document(document):
     free = {port: free_port() for port in PORTS}
 
     def here(line):
-        line = line.replace(MANUALS, INSTALLED_MANUALS)
+        line = line.replace(MANUALS, PREFIX + MANUALS.removeprefix("/usr"))
         return re.sub(r"\b(" + "|".join(PORTS) + r")\b", lambda match: free[match[0]], line)
 
     with tempfile.TemporaryDirectory() as folder:

@@ -55,7 +55,6 @@ class Upstream:
         self.name = f"remote-bitbang:127.0.0.1:{self.listener.getsockname()[1]}"
         self.came = b""
         self.answer = answer
-        self.connection = None
         threading.Thread(target=self.serve, daemon=True).start()
 
     def serve(self):
@@ -130,24 +129,16 @@ def check_recording():
 
 def check_lost():
     """A server behind that is lost, or talks nonsense, ends the serving with complete files."""
-    def nothing(_):
-        return b""
-
-    def garbage(got):
-        return b"x" * got.count(b"R")
-
-    def too_many(got):
-        return ones(got) + b"1"
-
     ended = "the server closed the connection"
     for name, answer, deed, request, why in [
         ("idle", ones, "close", b"", ended),
         ("killed", ones, "close", IDCODE * 50, f"({ended}|connection lost)"),
-        ("garbage", garbage, None, IDCODE, "expected a TDO level, got the byte 120"),
-        ("out of step", too_many, None, IDCODE, "out of step"),
-        ("hangs", nothing, None, IDCODE, "no answer within 300 ms"),
-        ("signal", nothing, signal.SIGTERM, IDCODE, None),
-        ("interrupt", nothing, signal.SIGINT, IDCODE, None),
+        ("garbage", lambda got: b"x" * got.count(b"R"), None, IDCODE,
+         "expected a TDO level, got the byte 120"),
+        ("out of step", lambda got: ones(got) + b"1", None, IDCODE, "out of step"),
+        ("hangs", lambda _: b"", None, IDCODE, "no answer within 300 ms"),
+        ("signal", lambda _: b"", signal.SIGTERM, IDCODE, None),
+        ("interrupt", lambda _: b"", signal.SIGINT, IDCODE, None),
     ]:
         timeout = "20" if deed else "0.3"
         upstream = Upstream(answer)
@@ -223,8 +214,7 @@ def check_flood():
             expect("answers", wanted, 0)
             expect("the end of a flood", len(ask(client, b"R")), 1)
             client.close()
-        with open(f"/proc/{serve.process.pid}/status", encoding="ascii") as status:
-            peak = int(re.search(r"VmHWM:\s*(\d+)", status.read())[1])
+        peak = int(re.search(r"VmHWM:\s*(\d+)", read(f"/proc/{serve.process.pid}/status"))[1])
         # A sanitizer keeps what was freed.
         expect(f"{peak} KiB", peak < 32768 or "sanitize" in ICEHOST, True)
         expect("flooded", serve.end()[0], 0)
