@@ -9,6 +9,7 @@
 #include "entry/icescript.h"
 #include "host/probe/pin_probe.h"
 #include "host/system/errors.h"
+#include "host/target/wires.h"
 
 namespace icehost {
 namespace {
@@ -97,7 +98,14 @@ int ObservedProbe::Insert(int ir_bits, const std::uint8_t* ir, int dr_bits,
            {dr_bits, RegisterBytes(dr, dr_bits), {}},
            wire_mode_};
   Begin("link_jtag_insert", false);
-  const int result = Guard([&] { return probe_->Insert(ir_bits, ir, dr_bits, dr); });
+  const int result = Guard([&] {
+    // A script need not select two wires itself, so that its check knows of them.
+    if (extra > 0 && std::max(ir_bits, dr_bits) - extra > kMostTwoWireBits) {
+      throw Unsupported(
+          "over two wires a register has at most 256 bits: the plug-in has lost the 33rd byte");
+    }
+    return probe_->Insert(ir_bits, ir, dr_bits, dr);
+  });
   End(InsertCall{&scan_}, result);
   return result;
 }
@@ -143,7 +151,7 @@ int ObservedProbe::Gpio(int out_value, std::uint32_t& data, int oe_mask, int fla
   std::vector<Comparison> comparisons;
   if (read && result >= 0) {
     call.data = static_cast<int>(data);
-    if (!follower_.ComparePins(*call.data, comparisons)) result = -1;
+    if (!follower_.ComparePins(*call.data, probe_->ReportedPins(), comparisons)) result = -1;
   }
   End(call, result, std::move(comparisons));
   return result;

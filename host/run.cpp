@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
+#include <exception>
 #include <iostream>
 #include <new>
 #include <optional>
@@ -81,7 +83,7 @@ class Runner {
  public:
   // Loads the plug-in, and opens the outputs and the probe; throws IoError if one cannot be opened.
   explicit Runner(const RunCommand& command);
-  ~Runner() { running = nullptr; }
+  ~Runner();
   Runner(const Runner&) = delete;
   Runner& operator=(const Runner&) = delete;
 
@@ -90,6 +92,7 @@ class Runner {
 
  private:
   ExitStatus PlayOne(Script& script);
+  void EndScript(const std::string& name, ExitStatus status);
   // Whether the plug-in ran it to its end.
   bool Play(Script& script);
   bool RunPlugin(const std::string& path);
@@ -100,6 +103,9 @@ class Runner {
   ExitStatus Complete(ExitStatus status);
   // Called instead of Complete if the main thread is stuck.
   void Abandon();
+  // Called at the end of the process: ends it with a failure if the plug-in is what ends it.
+  static void OnExit();
+  ExitStatus EndWithPlugin() noexcept;
 
   static int Show(const char* message);
   void BeginScript(Script& script);
@@ -116,10 +122,11 @@ class Runner {
   RunEvents events_;
   Follower follower_;
   ObservedProbe probe_;
-  std::size_t begun_ = 0;  // scripts
-  bool ran_ = false;       // this script, to its end
-  std::string summary_;    // the results of the expectations
-  Rescue rescue_;          // the last member: it needs the others
+  std::size_t begun_ = 0;              // scripts
+  const Script* in_plugin_ = nullptr;  // the script that the plug-in runs now
+  bool ran_ = false;                   // this script, to its end
+  std::string summary_;                // the results of the expectations
+  Rescue rescue_;                      // the last member: it needs the others
 };
 
 Follower::Mode ModeOf(const RunCommand& command) {
@@ -160,6 +167,11 @@ Runner::Runner(const RunCommand& command)
              rescue_),
       rescue_(Rescue::State::kWorking, [this] { Abandon(); }) {
   running = this;
+  if (std::atexit(OnExit) != 0) throw IoError("out of memory");
+}
+
+Runner::~Runner() {
+  running = nullptr;
 }
 
 ExitStatus Runner::PlayAll(std::vector<Script> scripts) {
@@ -169,15 +181,18 @@ ExitStatus Runner::PlayAll(std::vector<Script> scripts) {
     ++begun_;
     BeginScript(script);
     const ExitStatus ended = PlayOne(script);
-    for (const std::string& loss : outputs_.TakeLosses()) events_.Say(loss);
-    events_.EndScript(ended == kAllWell);
-    if (command_.summary) {
-      for (const std::string& line : follower_.Summary(script.name)) summary_ += line + '\n';
-    }
+    EndScript(script.name, ended);
     status = std::max(status, ended);
     if (ended != kAllWell && !(command_.keep_going && ran_)) break;
   }
   return Complete(status);
+}
+
+void Runner::EndScript(const std::string& name, ExitStatus status) {
+  for (const std::string& loss : outputs_.TakeLosses()) events_.Say(loss);
+  events_.EndScript(status == kAllWell);
+  if (!command_.summary) return;
+  for (const std::string& line : follower_.Summary(name)) summary_ += line + '\n';
 }
 
 void Runner::BeginScript(Script& script) {
@@ -213,7 +228,9 @@ bool Runner::Play(Script& script) {
   const MemoryFile copy(script.text->Content());
   // A long script need not be there twice.
   if (command_.learn.empty()) script.text.reset();
+  in_plugin_ = &script;
   const bool ran = RunPlugin(copy.Path());
+  in_plugin_ = nullptr;
   probe_.Flush();
   events_.Flush();
   return ran;
@@ -256,6 +273,9 @@ std::string Runner::WhyFailed(const Script& script) const {
   if (command_.learn.empty() && follower_.Unread() > 0) {
     return fmt::format("failed: not read: {} of the values expected", follower_.Unread());
   }
+  if (follower_.Unreached() > 0) {
+    return fmt::format("failed: the plug-in left out {} of its operations", follower_.Unreached());
+  }
   return "";
 }
 
@@ -283,6 +303,23 @@ void Runner::Abandon() {
   events_.Abandon(Interrupted().what());
   for (const std::string& failure : outputs_.Complete(Head(kInterrupted))) Complain(failure);
   for (const std::string& loss : outputs_.TakeLosses()) Complain(loss);
+}
+
+void Runner::OnExit() {
+  if (running == nullptr || running->in_plugin_ == nullptr) return;
+  std::_Exit(running->EndWithPlugin());
+}
+
+ExitStatus Runner::EndWithPlugin() noexcept try {
+  const Rescue::Scope working(rescue_, Rescue::State::kWorking);
+  const Script& script = *std::exchange(in_plugin_, nullptr);
+  events_.Flush();
+  events_.Say(fmt::format("{}: the plug-in ended the process", script.path));
+  EndScript(script.name, kScriptFailed);
+  return Complete(kScriptFailed);
+} catch (const std::exception& error) {
+  Complain(error.what());
+  return kScriptFailed;
 }
 
 PageHead Runner::Head(ExitStatus status) const {

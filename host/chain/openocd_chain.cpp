@@ -90,13 +90,28 @@ ChainTap TapOf(const OpenocdTap& row, const Examination& examination) {
   return tap;
 }
 
+// Returns whether an IDCODE is one of those expected. OpenOCD writes a star for a version that it
+// ignores.
+bool IsExpected(std::uint32_t idcode, const std::vector<std::string>& expected) {
+  const std::string read = fmt::format("0x{:08x}", idcode);
+  return std::any_of(expected.begin(), expected.end(), [&read](const std::string& one) {
+    const std::size_t same = one.substr(0, 3) == "0x*" ? 3 : 0;
+    return one.substr(same) == read.substr(same);
+  });
+}
+
 // Adds faults of one TAP that OpenOCD may accept.
-void JudgeTap(const ChainTap& tap, const std::string& title, std::vector<std::string>& faults) {
+void JudgeTap(const ChainTap& tap, const std::vector<std::string>& expected,
+              const std::string& title, std::vector<std::string>& faults) {
   if (*tap.ir_bits < kLeastIrBits) faults.push_back(title + ": no IR is that short");
   if (!tap.answered) {
     faults.push_back(title + ": OpenOCD read nothing");
   } else if (!tap.idcode.has_value() && !tap.expected.empty()) {
     faults.push_back(fmt::format("{}: it has no IDCODE, expected {}", title, tap.expected));
+  } else if (tap.idcode.has_value() && !tap.expected.empty() &&
+             !IsExpected(*tap.idcode, expected)) {
+    faults.push_back(
+        fmt::format("{}: read 0x{:08x}, expected {}", title, *tap.idcode, tap.expected));
   }
 }
 
@@ -112,7 +127,7 @@ Chain OpenocdChain(const std::string& said, const std::string& table) {
       continue;
     }
     chain.taps.push_back(TapOf(row, examination));
-    JudgeTap(chain.taps.back(), TapTitle(chain, chain.taps.size() - 1), chain.faults);
+    JudgeTap(chain.taps.back(), row.expected, TapTitle(chain, chain.taps.size() - 1), chain.faults);
   }
   JudgeIdcodes(chain);
   if (chain.taps.empty() && chain.faults.empty()) chain.faults.emplace_back("OpenOCD has no TAP");
@@ -125,7 +140,9 @@ Chain ReadOpenocdChain(OpenocdRpc& rpc) {
     throw IoError("OpenOCD cannot examine its chain: " +
                   said.substr(std::min<std::size_t>(2, said.size())));
   }
-  return OpenocdChain(said.substr(1), rpc.Ask(kAskScanChain));
+  const std::string table = rpc.Ask(kAskScanChain);
+  rpc.ExpectNoMore();
+  return OpenocdChain(said.substr(1), table);
 }
 
 }  // namespace icehost

@@ -271,12 +271,13 @@ bool CheckStart(const ScriptLine& line, Problems& problems) {
   return false;
 }
 
-// Reports expectations on lines that do nothing: up to START, and where there is only a comment.
+// Reports expectations on lines that do nothing: up to START, after END, and where there is only a
+// comment.
 void ReportLoneExpectations(const ScriptText& script, int start, int last, Problems& problems) {
-  if (script.Content().find("expect") == std::string::npos) return;
+  if (!MentionsExpectation(script.Content())) return;
   for (const ScriptLine line : script) {
-    if (line.number > last) break;
-    if (line.Blank() || line.number <= start) ReportVainExpectation(line, problems);
+    const bool outside = line.number <= start || line.number > last;
+    if (outside || line.Blank()) ReportVainExpectation(line, problems);
   }
 }
 

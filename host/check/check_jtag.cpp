@@ -10,6 +10,7 @@
 #include "host/check/ini_sections.h"
 #include "host/check/jtag_values.h"
 #include "host/system/interrupt.h"
+#include "host/target/wires.h"
 #include "jtag/jtag_scr.h"
 
 namespace icehost {
@@ -90,8 +91,7 @@ class JtagOperations {
   }
 
   void RefuseBeyondTwoWires(const IniSection& section, std::size_t key, int bits) {
-    constexpr int kMostBits = 256;  // with the byte that this interface adds, 33 bytes
-    if (!two_wires_ || bits <= kMostBits) return;
+    if (!two_wires_ || bits <= kMostTwoWireBits) return;
     const ScriptLine line = script_.Line(section.lines[key]);
     problems_.Error(line.Of(ValueOf(line)),
                     "over two wires a register has at most 256 bits: the 33rd byte is lost");
@@ -134,7 +134,7 @@ void CheckJtag(const ScriptText& script, CheckResult& result) {
     ThrowIfInterrupted();
     operations.Take(section);
   }
-  if (script.Content().find("expect") != std::string::npos) {
+  if (MentionsExpectation(script.Content())) {
     for (const ScriptLine line : script) WarnOfPinExpectation(line, result.problems);
   }
   if (const auto cut = script.CutAt()) result.problems.Error(*cut, kCutScript);

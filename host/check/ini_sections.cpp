@@ -3,6 +3,8 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cctype>
+#include <iterator>
 #include <optional>
 #include <set>
 #include <string>
@@ -31,11 +33,21 @@ std::string KeyMeant(std::string_view name, const IniKeys& keys) {
   return DidYouMean(Nearest(name, keys));
 }
 
-// Whether a name is that of a key that only icehost knows, in upper case or lower.
-bool IsExpectationKey(std::string_view name) {
-  const IniKeys& keys = KeysOf("");
-  return std::any_of(keys.begin() + kKeysRead, keys.end(),
-                     [name](std::string_view key) { return EqualsUpper(name, key); });
+// The letters, digits and underscores of a text.
+std::string Core(std::string_view text) {
+  std::string core;
+  std::copy_if(text.begin(), text.end(), std::back_inserter(core),
+               [](unsigned char ch) { return ch < 0x80 && (std::isalnum(ch) != 0 || ch == '_'); });
+  return core;
+}
+
+// Returns the key, of those that only icehost knows, that an unknown name may have been meant to
+// be; empty if there is none.
+std::string ExpectationKeyMeant(std::string_view name) {
+  const IniKeys& all = KeysOf("");
+  std::string core = Core(name);
+  if (EqualsUpper(core.substr(0, 3), "DR_")) core.erase(0, 3);
+  return Nearest(core, IniKeys(all.begin() + kKeysRead, all.end()));
 }
 
 // A text as it was meant where the author took tabs and spaces for blanks.
@@ -66,11 +78,10 @@ std::string WhyNotIniLine(std::string_view text, const IniKeys& keys) {
 void WarnOfKey(const ScriptLine& line, const IniKeys& keys, std::string_view name,
                Problems& problems) {
   const std::string bare = WithoutBlanks(name);
-  if (IsExpectationKey(bare)) {
-    problems.Error(line.Start(),
-                   Holds(keys, "IR")
-                       ? "this expects nothing: keys are in upper case, without blanks"
-                       : "CONTROL reads nothing: this belongs to a scan");
+  if (const std::string meant = ExpectationKeyMeant(bare); !meant.empty()) {
+    problems.Error(line.Start(), Holds(keys, "IR")
+                                     ? "this expects nothing: " + DidYouMean(meant)
+                                     : "CONTROL reads nothing: this belongs to a scan");
   } else if (Holds(keys, bare)) {
     problems.Warn(line.Of(name.substr(name.find_first_of(" \t"))),
                   fmt::format("a blank here belongs to the name: this is not \"{}\"", bare));

@@ -102,25 +102,49 @@ std::optional<Levels> ReadLevels(std::string_view text) {
   return text.find('=') != std::string_view::npos ? NamedLevels(text) : WordLevels(text);
 }
 
-bool SaysExpect(std::string_view text) {
-  return std::search(text.begin(), text.end(), kWord.begin(), kWord.end(),
-                     [](char ch, char letter) {
-                       return icescript::UpperCase(ch) == icescript::UpperCase(letter);
-                     }) != text.end();
+// The text after the first word that has "expect" in it, in upper case or lower.
+std::optional<std::string_view> AfterExpect(std::string_view text) {
+  const auto* const found =
+      std::search(text.begin(), text.end(), kWord.begin(), kWord.end(), [](char ch, char letter) {
+        return icescript::UpperCase(ch) == icescript::UpperCase(letter);
+      });
+  if (found == text.end()) return std::nullopt;
+  const auto at = static_cast<std::size_t>(found - text.begin());
+  return text.substr(at + FirstWord(text.substr(at)).size());
+}
+
+// Whether a text begins with levels, whatever follows the first of them. A number alone may count
+// something else, unless nothing follows it.
+bool BeginsWithLevels(std::string_view text) {
+  text = text.substr(std::min(text.find_first_not_of(" \t:="), text.size()));
+  return ReadLevels(text).has_value() || NamedLevels(text.substr(0, text.find_first_of(" \t,;.")));
 }
 
 // Reports a comment that may have been meant as an expectation.
-void WarnOfNearWord(const ScriptLine& line, std::string_view comment, Problems& problems) {
+void ReportNearWord(const ScriptLine& line, std::string_view comment, Problems& problems) {
   icescript::FieldCursor notes(comment, '#');
   while (notes.HasNext()) {
     const std::string_view note = TrimWhitespace(notes.Next());
     const std::string_view word = FirstWord(note);
-    const bool near = !Nearest(word, {kWord}).empty() &&
-                      ReadLevels(TrimWhitespace(note.substr(word.size()))).has_value();
-    if (!near && !SaysExpect(note)) continue;
-    problems.Warn(line.Of(note), "nothing is expected here: " + DidYouMean("# expect ..."));
-    return;
+    const auto after = AfterExpect(note);
+    const bool near = !Nearest(word, {kWord}).empty() && BeginsWithLevels(note.substr(word.size()));
+    const std::string remark = "nothing is expected here: " + DidYouMean("# expect ...");
+    if (near || (after.has_value() && BeginsWithLevels(*after))) {
+      return problems.Error(line.Of(note), remark);
+    }
+    if (after.has_value()) return problems.WarnAlways(line.Of(note), remark);
   }
+}
+
+// The first part of a comment that names levels to expect, or nearly so; empty if there is none.
+std::string_view FindMeant(std::string_view comment) {
+  icescript::FieldCursor notes(comment, '#');
+  while (notes.HasNext()) {
+    const std::string_view note = TrimWhitespace(notes.Next());
+    const auto after = AfterExpect(note);
+    if (after.has_value() && BeginsWithLevels(*after)) return note;
+  }
+  return {};
 }
 
 // The levels that "expect ..." names, as text.
@@ -132,7 +156,9 @@ std::string_view LevelsIn(std::string_view expect) {
 bool HasAnother(std::string_view comment, std::string_view expect) {
   const auto end = static_cast<std::size_t>(expect.data() + expect.size() - comment.data());
   const std::size_t mark = comment.find('#', end);
-  return mark != std::string_view::npos && !FindExpect(comment.substr(mark)).empty();
+  if (mark == std::string_view::npos) return false;
+  const std::string_view rest = comment.substr(mark);
+  return !FindExpect(rest).empty() || !FindMeant(rest).empty();
 }
 
 // ---- Learning
@@ -231,7 +257,7 @@ std::optional<Expectation> ReadPinExpectation(const ScriptLine& line, Problems& 
   if (comment.empty()) return std::nullopt;
   const std::string_view expect = FindExpect(comment);
   if (expect.empty()) {
-    WarnOfNearWord(line, comment, problems);
+    ReportNearWord(line, comment, problems);
     return std::nullopt;
   }
   const std::string_view text = LevelsIn(expect);
@@ -253,26 +279,33 @@ std::optional<Expectation> ReadPinExpectation(const ScriptLine& line, Problems& 
 }
 
 void ReportVainExpectation(const ScriptLine& line, Problems& problems) {
-  const std::string_view expect = FindExpect(CommentOf(line));
-  if (expect.empty()) return;
+  const std::string_view comment = CommentOf(line);
   constexpr const char* kNoRead = "nothing is read on this line";
-  const std::string_view text = LevelsIn(expect);
-  if (ReadLevels(text).has_value()) {
-    problems.Error(line.Of(expect), kNoRead);
-  } else if (text.find('=') != std::string_view::npos) {  // it may be a sentence
-    problems.Warn(line.Of(expect), kNoRead);
+  if (const std::string_view meant = FindMeant(comment); !meant.empty()) {
+    problems.Error(line.Of(meant), kNoRead);
+  } else if (const std::string_view expect = FindExpect(comment);
+             expect.find('=') != std::string_view::npos) {  // it may be a sentence
+    problems.WarnAlways(line.Of(expect), kNoRead);
   }
 }
 
 void WarnOfPinExpectation(const ScriptLine& line, Problems& problems) {
-  const std::string_view expect = FindExpect(CommentOf(line));
-  if (expect.empty()) return;
-  const std::string_view text = LevelsIn(expect);
-  // More than a number may be a sentence.
-  const bool number = !text.empty() && text[0] >= '0' && text[0] <= '9' &&
-                      text.find_first_of(" \t") == std::string_view::npos;
-  if (!number && !ReadLevels(text).has_value()) return;
-  problems.Warn(line.Of(expect), "a JTAG script says with TDO and MASK what it expects");
+  const std::string_view comment = CommentOf(line);
+  std::string_view meant = FindMeant(comment);
+  if (const std::string_view expect = FindExpect(comment); meant.empty() && !expect.empty()) {
+    const std::string_view text = LevelsIn(expect);
+    // More than a number may be a sentence.
+    const bool number = !text.empty() && text[0] >= '0' && text[0] <= '9' &&
+                        text.find_first_of(" \t") == std::string_view::npos;
+    if (number) meant = expect;
+  }
+  if (meant.empty()) return;
+  problems.WarnAlways(line.Of(meant), "a JTAG script says with TDO and MASK what it expects");
+}
+
+bool MentionsExpectation(std::string_view content) {
+  return content.find("xpect") != std::string_view::npos ||
+         content.find("XPECT") != std::string_view::npos;
 }
 
 }  // namespace icehost

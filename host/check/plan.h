@@ -6,6 +6,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -54,10 +55,10 @@ struct Plan {
   const Expectation* Expected(std::size_t operation, Expectation::Of of) const;
 };
 
-// The values that one operation has read in all its runs.
+// The value that one run of an operation has read, or the values of all its runs.
 struct Capture {
   std::string value;   // bytes, least significant first: the first one read
-  std::string steady;  // as many; a bit that is 1 was the same each time
+  std::string steady;  // as many; a bit that is 1 was reported, and was the same each time
 };
 
 // By operation of the plan, and the part of it that was read.
@@ -73,6 +74,9 @@ std::string Learn(const ScriptText& script, const Plan& plan, const Captures& ca
 // Reads the expectation of a line that reads the pins. None where there is none, or where it is
 // wrong, which is reported.
 std::optional<Expectation> ReadPinExpectation(const ScriptLine& line, Problems& problems);
+
+// Returns whether any line of a script may have an expectation in its comment.
+bool MentionsExpectation(std::string_view content);
 
 // Reports an expectation on a line that reads nothing.
 void ReportVainExpectation(const ScriptLine& line, Problems& problems);

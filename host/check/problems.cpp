@@ -87,7 +87,7 @@ void Problems::Write(std::ostream& stream, std::string_view name, std::string_vi
   LineFinder lines(content);
   for (const Problem& problem : found_) {
     ThrowIfInterrupted();
-    if (style.errors_only && !problem.error) continue;
+    if (style.errors_only && !problem.error && !problem.always) continue;
     const auto [line, column] = problem.place;
     const std::string_view word = problem.error ? "error:" : "warning:";
     const auto colour = problem.error ? fmt::terminal_color::red : fmt::terminal_color::magenta;

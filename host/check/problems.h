@@ -21,10 +21,11 @@ struct Problem {
   Place place;
   bool error;
   std::string text;
+  bool always = false;  // not even --quiet hides this warning
 };
 
 struct ReportStyle {
-  bool errors_only = false;
+  bool errors_only = false;  // and the warnings that are always shown
   bool colour = false;
 };
 
@@ -33,6 +34,10 @@ class Problems {
  public:
   void Error(Place place, std::string text) { found_.push_back({place, true, std::move(text)}); }
   void Warn(Place place, std::string text) { found_.push_back({place, false, std::move(text)}); }
+  // Warns of an expectation that comes to nothing: a run would pass without it.
+  void WarnAlways(Place place, std::string text) {
+    found_.push_back({place, false, std::move(text), true});
+  }
   void Add(Problems more);
 
   bool HasErrors() const { return Errors() > 0; }

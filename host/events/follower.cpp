@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "entry/icescript.h"
+#include "host/check/gpio_items.h"
 #include "host/target/bits.h"
 #include "host/target/wires.h"
 
@@ -13,10 +14,11 @@ namespace icehost {
 namespace {
 
 // Returns whether every bit that counts is as expected. A bit that the probe did not report is not.
-bool IsMet(const Expectation& expectation, const std::string& captured) {
-  if (captured.size() < expectation.value.size()) return false;
+bool IsMet(const Expectation& expectation, const Capture& captured) {
+  if (captured.value.size() < expectation.value.size()) return false;
   for (std::size_t i = 0; i < expectation.value.size(); ++i) {
-    if (((captured[i] ^ expectation.value[i]) & expectation.mask[i]) != 0) return false;
+    const int other = (captured.value[i] ^ expectation.value[i]) | ~captured.steady[i];
+    if ((other & expectation.mask[i]) != 0) return false;
   }
   return true;
 }
@@ -25,18 +27,25 @@ std::string MaskText(const Expectation& expectation) {
   return expectation.masked ? fmt::format(" (mask {})", ByteText(expectation.mask)) : "";
 }
 
-std::string CapturedText(const std::string& captured) {
-  return captured.empty() ? "nothing, since this probe does not tell it" : ByteText(captured);
+std::string CapturedText(const Expectation& expectation, const Capture& captured) {
+  if (captured.value.empty()) return "nothing, since this probe does not tell it";
+  std::string text = ByteText(captured.value);
+  const int unreported = expectation.mask[0] & ~captured.steady[0];
+  if (expectation.of == Expectation::Of::kPins && unreported != 0) {
+    text += fmt::format(" without {}, which this probe does not report", PinNames(unreported));
+  }
+  return text;
 }
 
 // The pins that are not as expected.
-std::string PinText(const Expectation& expectation, const std::string& captured) {
-  const int wrong = (captured[0] ^ expectation.value[0]) & expectation.mask[0];
+std::string PinText(const Expectation& expectation, const Capture& captured) {
+  const int other = captured.value[0] ^ expectation.value[0];
+  const int wrong = other & captured.steady[0] & expectation.mask[0];
   std::string text;
   for (int pin = 0; pin < kPinCount; ++pin) {
     if ((wrong >> pin & 1) == 0) continue;
     text += fmt::format("{} {} is {}", text.empty() ? ":" : ",", kPinNames[pin],
-                        captured[0] >> pin & 1);
+                        captured.value[0] >> pin & 1);
   }
   return text;
 }
@@ -84,19 +93,24 @@ std::size_t Follower::NextPin(const std::uint32_t& data) {
 }
 
 bool Follower::CompareScan(const Scan& scan, std::vector<Comparison>& comparisons) {
-  const bool ir_met =
-      Compare("ir_out", Expectation::Of::kIr, scan.ir.out.value_or(""), comparisons);
-  const bool dr_met =
-      Compare("dr_out", Expectation::Of::kDr, scan.dr.out.value_or(""), comparisons);
+  const bool ir_met = CompareRegister("ir_out", Expectation::Of::kIr, scan.ir, comparisons);
+  const bool dr_met = CompareRegister("dr_out", Expectation::Of::kDr, scan.dr, comparisons);
   return ir_met && dr_met;
 }
 
-bool Follower::ComparePins(int levels, std::vector<Comparison>& comparisons) {
-  const std::string captured(1, static_cast<char>(levels & GPIO_PIN_ALL));
+bool Follower::CompareRegister(const char* of, Expectation::Of which, const ScanRegister& captured,
+                               std::vector<Comparison>& comparisons) {
+  const std::string bytes = captured.out.value_or("");
+  return Compare(of, which, {bytes, std::string(bytes.size(), '\xFF')}, comparisons);
+}
+
+bool Follower::ComparePins(int levels, int reported, std::vector<Comparison>& comparisons) {
+  const Capture captured = {std::string(1, static_cast<char>(levels & reported & GPIO_PIN_ALL)),
+                            std::string(1, static_cast<char>(reported))};
   return Compare("data", Expectation::Of::kPins, captured, comparisons);
 }
 
-bool Follower::Compare(const char* of, Expectation::Of which, const std::string& captured,
+bool Follower::Compare(const char* of, Expectation::Of which, const Capture& captured,
                        std::vector<Comparison>& comparisons) {
   if (mode_ == Mode::kLearn) {
     Keep(which, captured);
@@ -106,10 +120,11 @@ bool Follower::Compare(const char* of, Expectation::Of which, const std::string&
   return expected == nullptr || CompareOne(of, *expected, captured, comparisons);
 }
 
-bool Follower::CompareOne(const char* of, const Expectation& expected, const std::string& captured,
+bool Follower::CompareOne(const char* of, const Expectation& expected, const Capture& captured,
                           std::vector<Comparison>& comparisons) {
   comparisons.push_back({of, expected.place.line, expected.place.column, ByteText(expected.value),
-                         ByteText(expected.mask), captured.empty() ? "" : ByteText(captured), ""});
+                         ByteText(expected.mask),
+                         captured.value.empty() ? "" : ByteText(captured.value), ""});
   Tally& tally = tallies_[static_cast<std::size_t>(&expected - plan_->expectations.data())];
   ++tally.compared;
   if (tally.unmet == 0) tally.captured = captured;
@@ -117,20 +132,22 @@ bool Follower::CompareOne(const char* of, const Expectation& expected, const std
   ++tally.unmet;
   ++unmet_;
   const bool pins = expected.of == Expectation::Of::kPins;
-  comparisons.back().fault =
-      fmt::format("expected {}, captured {}{}{}", ByteText(expected.value), CapturedText(captured),
-                  MaskText(expected), pins ? PinText(expected, captured) : "");
+  comparisons.back().fault = fmt::format("expected {}, captured {}{}{}", ByteText(expected.value),
+                                         CapturedText(expected, captured), MaskText(expected),
+                                         pins ? PinText(expected, captured) : "");
   return mode_ == Mode::kKeepGoing;
 }
 
-void Follower::Keep(Expectation::Of of, const std::string& captured) {
-  if (captured.empty()) return;
-  const auto [at, is_new] = captures_.try_emplace(
-      {current_, of}, Capture{captured, std::string(captured.size(), '\xFF')});
+void Follower::Keep(Expectation::Of of, const Capture& captured) {
+  if (captured.value.empty()) return;
+  const Expectation* const expected = plan_->Expected(current_, of);
+  const bool pins = of == Expectation::Of::kPins;
+  if (pins && expected != nullptr && (expected->mask[0] & ~captured.steady[0]) != 0) return;
+  const auto [at, is_new] = captures_.try_emplace({current_, of}, captured);
   if (is_new) return;
-  Capture& capture = at->second;
-  for (std::size_t i = 0; i < std::min(captured.size(), capture.value.size()); ++i) {
-    capture.steady[i] = static_cast<char>(capture.steady[i] & ~(captured[i] ^ capture.value[i]));
+  Capture& all = at->second;
+  for (std::size_t i = 0; i < std::min(captured.value.size(), all.value.size()); ++i) {
+    all.steady[i] = static_cast<char>(all.steady[i] & ~(captured.value[i] ^ all.value[i]));
   }
 }
 
@@ -144,6 +161,11 @@ long Follower::Unread() const {
   return unread;
 }
 
+std::size_t Follower::Unreached() const {
+  const std::size_t operations = std::max(plan_->pins.size(), plan_->jtag.size());
+  return operations - std::min(next_, operations);
+}
+
 std::vector<std::string> Follower::Summary(const std::string& script) const {
   std::vector<std::string> lines;
   if (mode_ == Mode::kLearn) return lines;
@@ -155,8 +177,8 @@ std::vector<std::string> Follower::Summary(const std::string& script) const {
     if (tally.compared == 0) {
       line += ": not read";
     } else {
-      line += fmt::format(", captured {}{}: {}", CapturedText(tally.captured), MaskText(expected),
-                          tally.unmet == 0 ? "met" : "not met");
+      line += fmt::format(", captured {}{}: {}", CapturedText(expected, tally.captured),
+                          MaskText(expected), tally.unmet == 0 ? "met" : "not met");
       if (tally.compared > 1) {
         line += fmt::format(" ({} of {} times)", tally.unmet == 0 ? tally.compared : tally.unmet,
                             tally.compared);

@@ -41,12 +41,15 @@ class Follower {
   // comparisons. Returns whether the call succeeds. A scan without a captured IR comes from a probe
   // that does not report it.
   bool CompareScan(const Scan& scan, std::vector<Comparison>& comparisons);
-  bool ComparePins(int levels, std::vector<Comparison>& comparisons);
+  // `reported`: the pins whose levels the probe reports.
+  bool ComparePins(int levels, int reported, std::vector<Comparison>& comparisons);
 
   // How often a value was not the expected one, in this script.
   long Unmet() const { return unmet_; }
   // How many of the values that this script expects were not read at all.
   long Unread() const;
+  // How many operations of this script, counted from its end, did not begin.
+  std::size_t Unreached() const;
   // The result of each expectation of this script, a line each, for people; empty in Mode::kLearn.
   std::vector<std::string> Summary(const std::string& script) const;
   const Captures& Read() const { return captures_; }
@@ -56,15 +59,17 @@ class Follower {
   struct Tally {
     long compared = 0;
     long unmet = 0;
-    std::string captured;  // the first that was not as expected, or else the last
+    Capture captured;  // the first that was not as expected, or else the last
   };
 
   std::size_t NextPin(const std::uint32_t& data);
-  bool Compare(const char* of, Expectation::Of which, const std::string& captured,
+  bool CompareRegister(const char* of, Expectation::Of which, const ScanRegister& captured,
+                       std::vector<Comparison>& comparisons);
+  bool Compare(const char* of, Expectation::Of which, const Capture& captured,
                std::vector<Comparison>& comparisons);
-  bool CompareOne(const char* of, const Expectation& expected, const std::string& captured,
+  bool CompareOne(const char* of, const Expectation& expected, const Capture& captured,
                   std::vector<Comparison>& comparisons);
-  void Keep(Expectation::Of of, const std::string& captured);
+  void Keep(Expectation::Of of, const Capture& captured);
 
   Mode mode_;
   const Plan* plan_ = nullptr;

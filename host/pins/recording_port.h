@@ -41,6 +41,8 @@ class RecordingPort : public PinPort {
   void SampleTdo() override;
   Bits CollectTdo() override;
   void Flush() override;
+  int ReportedPins() const override { return port_.ReportedPins(); }
+  std::optional<int> IrLength() const override { return port_.IrLength(); }
   void CheckAlive() override { port_.CheckAlive(); }
 
   // An operation begins. The recorders are not called for one that writes nothing. What `source`

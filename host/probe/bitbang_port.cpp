@@ -15,8 +15,6 @@ namespace {
 constexpr std::size_t kSendAt = 4096;
 // More answers could fill the buffers of both sides while each waits for the other to read.
 constexpr std::size_t kAnswersUnderWay = 2048;
-// How long an answer too many may come after the last one that was asked for.
-constexpr std::chrono::milliseconds kStragglers{10};
 
 char PinByte(int levels) {
   return static_cast<char>('0' + ((levels & GPIO_PIN_TCK) != 0 ? 4 : 0) +
@@ -84,7 +82,7 @@ Bits BitbangPort::CollectTdo() {
 
 void BitbangPort::Flush() {
   Read();
-  CheckStep(socket_.Pending(kStragglers));
+  CheckStep(socket_.Pending(Socket::kStragglers));
 }
 
 void BitbangPort::CheckAlive() {

@@ -40,6 +40,7 @@ class BitbangPort : public PinPort {
   Bits CollectTdo() override;
   // Returns once a last sample has shown that the server has taken everything until then.
   void Flush() override;
+  int ReportedPins() const override { return GPIO_PIN_TDO; }
   void CheckAlive() override;
 
  private:

@@ -59,6 +59,7 @@ Bits ParseDrscanAnswer(const std::string& answer, std::size_t length) {
 // The answer begins with the command's number, which identifies an answer too many, and with a code
 // that is 0 unless the command failed: the reason is returned like any other result.
 std::string OpenocdRpc::Ask(const std::string& command) {
+  ThrowIfEarly({});
   const std::string number = fmt::format("{} ", ++commands_);
   socket_.Send(
       fmt::format("concat {}[catch {{{}}} result] $result{}", number, command, kEndOfText));
@@ -75,6 +76,17 @@ std::string OpenocdRpc::Ask(const std::string& command) {
   }
   throw IoError(fmt::format("{}: this does not answer command {}\"{}\": \"{:.80}\"", socket_.Name(),
                             number, command, Printable(answer)));
+}
+
+void OpenocdRpc::ExpectNoMore() {
+  ThrowIfEarly(Socket::kStragglers);
+}
+
+// The number of a command is known in advance, so an answer that comes too early could look right.
+void OpenocdRpc::ThrowIfEarly(std::chrono::milliseconds patience) {
+  if (received_.empty() && socket_.Pending(patience) == 0) return;
+  throw IoError(
+      fmt::format("{}: the server is out of step: it answers what was not asked", socket_.Name()));
 }
 
 std::string OpenocdRpc::ReceiveAnswer(const std::string& command) {
@@ -158,9 +170,10 @@ int OpenocdProbe::Execute(std::uint8_t* capture) {
   return 0;
 }
 
-// The answer to an empty command shows that no answer came twice and that OpenOCD is still there.
+// The answer to an empty command shows that OpenOCD is still there.
 void OpenocdProbe::Flush() {
   rpc_.Ask("");
+  rpc_.ExpectNoMore();
 }
 
 int OpenocdProbe::Gpio(int /*out_value*/, std::uint32_t& /*data*/, int /*oe_mask*/, int /*flags*/) {

@@ -2,6 +2,7 @@
 #ifndef ICESCRIPT_HOST_PROBE_OPENOCD_H_
 #define ICESCRIPT_HOST_PROBE_OPENOCD_H_
 
+#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -21,10 +22,14 @@ class OpenocdRpc {
   explicit OpenocdRpc(Socket socket) : socket_(std::move(socket)) {}
 
   // Returns the result of one command, whose braces are balanced; up to 64 KiB. Throws Unsupported
-  // with OpenOCD's words if it refuses; IoError if the connection is lost or the answer is invalid.
+  // with OpenOCD's words if it refuses; IoError if the connection is lost, the answer is invalid,
+  // or something came before the command was sent.
   std::string Ask(const std::string& command);
+  // Throws IoError if anything comes within a few milliseconds. To be called after the last answer.
+  void ExpectNoMore();
 
  private:
+  void ThrowIfEarly(std::chrono::milliseconds patience);
   std::string ReceiveAnswer(const std::string& command);
 
   Socket socket_;

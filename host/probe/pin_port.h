@@ -2,6 +2,9 @@
 #ifndef ICESCRIPT_HOST_PROBE_PIN_PORT_H_
 #define ICESCRIPT_HOST_PROBE_PIN_PORT_H_
 
+#include <optional>
+
+#include "entry/icescript.h"
 #include "host/target/bits.h"
 
 namespace icehost {
@@ -25,6 +28,11 @@ class PinPort {
   // Sends buffered writes, and returns after their receiver has answered. To be called after
   // everything sampled was collected.
   virtual void Flush() {}
+  // The GPIO_PIN_ bits whose levels Read takes from the wires. The others are as the probe drives
+  // them.
+  virtual int ReportedPins() const { return GPIO_PIN_ALL; }
+  // The length of the target's IR in bits, if the port knows it.
+  virtual std::optional<int> IrLength() const { return std::nullopt; }
   // Throws IoError if the pins are lost, as far as that is known without waiting. To be called
   // while nothing is under way.
   virtual void CheckAlive() {}

@@ -97,11 +97,18 @@ int PinProbe::Execute(std::uint8_t* capture) {
   const Bits out = port_.CollectTdo();
   const Bits ir_out = Slice(out, 0, ir_.size());
   const Bits dr_out = Slice(out, ir_.size(), out.size());
-  doubt_ = WhyNoIr(ir_out);
+  doubt_ = DoubtOf(ir_out);
   const int extra = wire_mode_ == CDI_ANSWER_2WIRE ? 1 : 0;
   StoreBits(ir_out, kIrCaptureBits, capture);
   StoreBits(dr_out, 8 * JTAG_DR_MAX_BYTES, capture + kDrCaptureByte + extra);
   return 0;
+}
+
+std::string PinProbe::DoubtOf(const Bits& captured_ir) const {
+  const auto shifted = static_cast<int>(ir_.size());
+  const int length = port_.IrLength().value_or(shifted);
+  if (shifted == 0 || shifted == length) return WhyNoIr(captured_ir);
+  return fmt::format("the script's IR has {} bits, but the target's has {}", shifted, length);
 }
 
 int PinProbe::Gpio(int out_value, std::uint32_t& data, int oe_mask, int flags) {

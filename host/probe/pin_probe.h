@@ -62,11 +62,13 @@ class PinProbe : public Probe {
   std::string Doubt() const override { return doubt_; }
   int Gpio(int out_value, std::uint32_t& data, int oe_mask, int flags) override;
   void Flush() override { port_.Flush(); }
+  int ReportedPins() const override { return port_.ReportedPins(); }
   std::size_t Steps() const override { return walker_.Steps(); }
   std::optional<long> TckCycles() const override { return walker_.TckCycles(); }
 
  private:
   Bits ScanBits(int bits, const std::uint8_t* data) const;
+  std::string DoubtOf(const Bits& captured_ir) const;
 
   PinPort& port_;
   bool two_wire_;

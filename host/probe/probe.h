@@ -7,6 +7,8 @@
 #include <optional>
 #include <string>
 
+#include "entry/icescript.h"
+
 namespace icehost {
 
 // Where a probe stores the captured DR; the captured IR is in the bytes before it. On the 2-wire
@@ -28,6 +30,9 @@ class Probe {
   // Ends a script: sends what is buffered, and returns after its receiver has answered.
   virtual void Flush() = 0;
 
+  // The GPIO_PIN_ bits whose levels Gpio reads from the wires. The others are as the probe drives
+  // them.
+  virtual int ReportedPins() const { return GPIO_PIN_ALL; }
   // Whether Execute stores the captured IR.
   virtual bool CapturesIr() const { return true; }
   // Why the scan executed last may not have reached a TAP; empty if nothing speaks against it.

@@ -44,6 +44,7 @@ class Target {
   // state.
   void HoldRegisters(bool hold);
 
+  int IrLength() const { return options_.ir_length; }
   // Returns the level of TDO; nothing outside Shift-IR and Shift-DR, where the target does not
   // drive it.
   std::optional<bool> Tdo() const { return tdo_; }
@@ -75,6 +76,7 @@ class SimPort : public PinPort {
   int Read() override;
   void SampleTdo() override { samples_.push_back((Read() & GPIO_PIN_TDO) != 0); }
   Bits CollectTdo() override { return std::exchange(samples_, {}); }
+  std::optional<int> IrLength() const override { return target_.IrLength(); }
 
  private:
   Target target_;

@@ -20,6 +20,8 @@ using StreamProtocol = asio::generic::stream_protocol;
 class Socket {
  public:
   using Timeout = std::chrono::milliseconds;
+  // How long an answer too many may come after the last one that was asked for.
+  static constexpr Timeout kStragglers{10};
 
   static Socket Connect(const Endpoint& endpoint, Timeout timeout);
   // Takes over `fd`, of a connected UNIX socket.

@@ -20,6 +20,10 @@ constexpr int WireLevels(int levels, int enables) {
   return (levels | ~enables) & GPIO_PIN_ALL;
 }
 
+// The longest register that a scan over two wires carries whole, in bits: the interface's own byte
+// displaces the 33rd.
+constexpr int kMostTwoWireBits = 256;
+
 // The names of the wire modes, by CDI_ANSWER_.
 constexpr const char* kInterfaceNames[] = {"jtag5", "2wire", "cjtag2"};
 constexpr int kInterfaces = 3;

@@ -261,7 +261,7 @@ TEST(Detect, TakesOpenocdsWord) {
   const std::string head =
       "   TapName             Enabled  IdCode     Expected   IrLen IrCap IrMask\n"
       "-- ------------------- -------- ---------- ---------- ----- ----- ------\n";
-  const std::string one = " 0 a.tap    Y     0x1ce51001 0x1ce51003     5 0x01  0x03\n";
+  const std::string one = " 0 a.tap    Y     0x1ce51001 0x1ce51001     5 0x01  0x03\n";
   const std::string found =
       "JTAG tap: a.tap tap/device found: 0x1ce51001 (mfg: 0x000 (<invalid>), part: 0xce51, ver: "
       "0x1)\n";
@@ -273,23 +273,29 @@ TEST(Detect, TakesOpenocdsWord) {
       {found, head + one, "a.tap1ce51001/5"},
       {found + "TAP b.tap does not have valid IDCODE (idcode=0x575b8002)\n",
        head + one +
-           "      0x1ce51001\n 1 b.tap  Y  0x00000000 0x00000000  4 0x01  0x03\n"
+           "      0x1ce51003\n 1 b.tap  Y  0x00000000 0x00000000  4 0x01  0x03\n"
            " 2 c.tap   n  0x00000000 0x00000000  7 0x01  0x03\n",
        "a.tap1ce51001/5 b.tap-/4; c.tap is declared, but disabled: it is not in the chain"},
       {"TAP a.tap does not have valid IDCODE (idcode=0x0)\n", head + one,
-       "a.tap-/5; !TAP 1 (a.tap): it has no IDCODE, expected 0x1ce51003"},
+       "a.tap-/5; !TAP 1 (a.tap): it has no IDCODE, expected 0x1ce51001"},
       // The table's IDCODE is an old one.
       {"JTAG scan chain interrogation failed: all ones\n", head + one,
        "a.tap-/5; !OpenOCD: JTAG scan chain interrogation failed: all ones; !TAP 1 (a.tap): "
        "OpenOCD read nothing"},
       {found + "JTAG tap: a.tap       UNEXPECTED: 0x1ce51001\n", head + one,
        "a.tap1ce51001/5; !OpenOCD: JTAG tap: a.tap UNEXPECTED: 0x1ce51001"},
-      {"JTAG tap: a.tap tap/device found: 0xffffffff (mfg", head + one,
+      {"JTAG tap: a.tap tap/device found: 0xffffffff (mfg", head + " 0 a.tap Y 0 0x00000000 5 1 3",
        "a.tapffffffff/5; !TAP 1 (a.tap): 0xffffffff is no valid IDCODE"},
       {"JTAG tap: a.tap tap/device found: 0x1ce510011 (", head + one,
        "a.tap-/5; !OpenOCD: JTAG tap: a.tap tap/device found: 0x1ce510011 (; !TAP 1 (a.tap): "
        "OpenOCD read nothing"},
-      {found, head + " 0 a.tap Y 0 0 1 1 3",
+      {found, head + " 0 a.tap Y 0 0x1ce51001 5 1 3", "a.tap1ce51001/5"},
+      {found, head + " 0 a.tap Y 0 0x*ce51001 5 1 3", "a.tap1ce51001/5"},
+      {found, head + " 0 a.tap Y 0 0x*ce51003 5 1 3",
+       "a.tap1ce51001/5; !TAP 1 (a.tap): read 0x1ce51001, expected 0x*ce51003"},
+      {"JTAG tap: a.tap tap/device found: 0x1ce51000 (", head + " 0 a.tap Y 0 0x00000000 5 1 3",
+       "a.tap1ce51000/5; !TAP 1 (a.tap): 0x1ce51000 is no valid IDCODE"},
+      {found, head + " 0 a.tap Y 0 0x00000000 1 1 3",
        "a.tap1ce51001/1; !TAP 1 (a.tap): no IR is that short"},
       {"", "", "; !OpenOCD has no TAP"},
       {"", head + " 0 a.tap Y 0 0 9999999999 1 3\n", "; !OpenOCD has no TAP"},

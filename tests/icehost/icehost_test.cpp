@@ -40,8 +40,7 @@ TEST(Icehost, RunsAsGolden) {
 // "= STATUS".
 TEST(Icehost, AnswersAsInSessions) {
   const std::string surroundings =
-      "exec 2>&1; MODULE=" ICESCRIPT_MODULE " IDLE_PLUGIN=" ICESCRIPT_IDLE_PLUGIN
-      " THROWING_PLUGIN=" ICESCRIPT_THROWING_PLUGIN "; ";
+      "exec 2>&1; MODULE=" ICESCRIPT_MODULE " FAULTY_PLUGIN=" ICESCRIPT_FAULTY_PLUGIN "; ";
   for (const std::string name : {"command_line", "expectations", "faults", "svf"}) {
     const std::string path = kGolden + name + ".session";
     std::ifstream session(path);

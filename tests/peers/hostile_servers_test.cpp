@@ -129,6 +129,8 @@ TEST(Servers, EndARunAsTheyShould) {
   const std::string walk = "tests/scripts/idcode.gpio";
   const std::string writes = "tests/scripts/endless_writes.gpio";
   const std::string dr_only = "tests/scripts/dr_only.ini";
+  const std::string pins = "tests/scripts/reported_pins.gpio";
+  const std::string nrst = "NRST, which this probe does not report (mask 0x21)";
   const std::string step = "SERVER: the server is out of step: it answers what was not asked";
   const std::string silence = "SERVER: no answer within 200 ms";
   const std::string closed = "SERVER: the server closed the connection";
@@ -191,6 +193,11 @@ TEST(Servers, EndARunAsTheyShould) {
       {Tdo("11011"), bitbang, "--strict " + idcode, 1, other},
       {Tdo("1"), bitbang, "--strict " + dr_only + " " + walk, 0, ""},
       {Target("", ""), bitbang, "--strict " + idcode, 0, ""},
+      {Tdo("1"), bitbang, pins, 1, "expected 0x20, captured 0x20 without " + nrst},
+      {Tdo("0"), bitbang, "--vcd /dev/null " + pins, 1,
+       "expected 0x20, captured 0x00 without " + nrst + ": TDO is 0"},
+      {Tdo("1"), bitbang, "--learn /dev/null " + pins, 1,
+       pins + " is not learned: the probe does not tell all that it expects"},
 
       {OpenocdScan({"3 0 01 10 E5 1c", "4 0"}), openocd, idcode, 0, ""},
       {close_at_once, openocd, reset, 3, gone},
@@ -220,10 +227,11 @@ TEST(Servers, EndARunAsTheyShould) {
       {OpenocdScan({"3 0 -0"}), openocd, dr_only, 3, no_scan + "\"-0\""},
       {OpenocdScan({std::string("3 0 5\0", 6)}), openocd, dr_only, 3, no_scan + "\"5 \""},
       // An answer twice (\032 ends it): the second is not the next scan's, nor passes at the end.
-      {OpenocdScan({"3 0 05\0323 0 05", "4 0 06"}), openocd, dr_only, 3,
-       no_answer + "4 \"drscan a 8 0\": \"3 0 05\""},
-      {OpenocdScan({"3 0 05", "4 0 06\0324 0 06", "5 0"}), openocd, dr_only, 3,
-       no_answer + "5 \"\": \"4 0 06\""},
+      {OpenocdScan({"3 0 05\0323 0 05", "4 0 06"}), openocd, dr_only, 3, step},
+      {OpenocdScan({"3 0 05", "4 0 06\0324 0 06", "5 0"}), openocd, dr_only, 3, step},
+      // All answers at once, and one too many after the last.
+      {OpenocdScan({"3 0 05\0324 0 06\0325 0"}), openocd, dr_only, 3, step},
+      {OpenocdScan({"3 0 05", "4 0 06", "5 0\0326 0"}), openocd, dr_only, 3, step},
       {OpenocdScan({"3 0 05", "4 0 06"}), openocd, dr_only, 3, silence},
   };
   for (const auto& run : kRuns) {

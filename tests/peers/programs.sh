@@ -54,6 +54,10 @@ same_as_simulated "$bitbang" "${scans[@]}" examples/read_idcode.gpio
 refused "$bitbang" examples/two_wire.ini "5: link_config failed: these pins have no 2-wire interface"
 refused "$bitbang" examples/reset_pulse.gpio \
   "5: link_gpio_operator failed: remote_bitbang has no output enables: only TDO can be released"
+# Only what the server reports is learned.
+printf '[ORVEX_ICE_GPIO]\nSTART\nGPIO_OE=0x1F\nPRINT=GPIO_IN\nEND\n' |
+  "$icehost" run -q --probe "$bitbang" --learn - - >"$scratch/run.txt"
+grep -qE '^PRINT=GPIO_IN  # expect 0x[02]0/0x20$' "$scratch/run.txt" || fail "pins on $bitbang"
 
 # edges VCD: what changes when, in an order and under names that no writer chooses.
 edges() {

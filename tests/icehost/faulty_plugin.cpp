@@ -1,0 +1,18 @@
+// A plug-in that does less than a script says, in the way that the variable FAULT names: by default
+// it does nothing and reports success.
+#include <cstdlib>
+#include <stdexcept>
+#include <string_view>
+
+#include "entry/icescript.h"
+
+int ImplementScr(LinkHandle /*handle*/, char* /*path*/, PrintCallback callback) {
+  const char* const variable = std::getenv("FAULT");
+  const std::string_view fault = variable != nullptr ? variable : "";
+  if (fault == "throw") throw std::runtime_error("out of sorts");
+  if (fault == "exit") {
+    callback("A message.\n");
+    std::exit(0);
+  }
+  return 0;
+}
