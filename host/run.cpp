@@ -167,7 +167,7 @@ Runner::Runner(const RunCommand& command)
              rescue_),
       rescue_(Rescue::State::kWorking, [this] { Abandon(); }) {
   running = this;
-  if (std::atexit(OnExit) != 0) throw IoError("out of memory");
+  if (std::atexit(OnExit) != 0 || std::at_quick_exit(OnExit) != 0) throw IoError("out of memory");
 }
 
 Runner::~Runner() {
