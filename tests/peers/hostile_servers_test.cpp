@@ -153,6 +153,10 @@ TEST(Servers, EndARunAsTheyShould) {
   const auto flood = [](tcp::socket& client) {
     for (;;) Write(client, std::string(4096, '0'));
   };
+  const auto flood_when_asked = [=](tcp::socket& client) {
+    ReadFrom(client);
+    flood(client);
+  };
   const auto never_read = [](tcp::socket& client) {
     while (client.is_open() && !icehost_ended) std::this_thread::sleep_for(10ms);
   };
@@ -202,7 +206,7 @@ TEST(Servers, EndARunAsTheyShould) {
       {OpenocdScan({"3 0 01 10 E5 1c", "4 0"}), openocd, idcode, 0, ""},
       {close_at_once, openocd, reset, 3, gone},
       {kSilent, openocd, reset, 3, silence},
-      {flood, openocd, reset, 3, "SERVER: the answer to \"jtag names\" has no end"},
+      {flood_when_asked, openocd, reset, 3, "SERVER: the answer to \"jtag names\" has no end"},
       {Openocd({"what"}), openocd, reset, 3, no_answer + "1 \"jtag names\": \"what\""},
       {Openocd({"1 2 a"}), openocd, reset, 3, no_answer + "1 \"jtag names\": \"1 2 a\""},
       {Openocd({"1 0"}), openocd, reset, 3, "OpenOCD has no TAP"},
