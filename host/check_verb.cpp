@@ -9,6 +9,7 @@
 
 #include "host/check/check.h"
 #include "host/system/errors.h"
+#include "host/system/file_uses.h"
 #include "host/system/output_file.h"
 #include "host/system/standard_streams.h"
 #include "host/system/text.h"
@@ -58,6 +59,8 @@ CheckReport::CheckReport(const CheckCommand& command)
   } else if (!command.json.empty()) {
     json_ = &file_.emplace(command.json, OutputFile::Rest::kLines).Stream();
   }
+  FileUses uses(command.scripts);
+  if (json_ != nullptr) uses.AddOutput(file_.has_value() ? *file_ : standard_output_, "--json");
 }
 
 ExitStatus CheckReport::WriteAll() {

@@ -7,6 +7,7 @@
 
 #include "host/svf/importer.h"
 #include "host/system/errors.h"
+#include "host/system/file_uses.h"
 #include "host/system/files.h"
 #include "host/system/output_file.h"
 #include "host/system/standard_streams.h"
@@ -15,8 +16,9 @@
 namespace icehost {
 namespace {
 
-void Write(const std::string& script, const std::string& path) {
-  OutputFile file(path, OutputFile::Rest::kNothing);
+void Write(const std::string& script, const ImportCommand& command) {
+  OutputFile file(command.output, OutputFile::Rest::kNothing);
+  FileUses({command.file}).AddOutput(file, "--output");
   file.Begin();
   file.Stream() << script;
   file.Close();
@@ -44,7 +46,7 @@ ExitStatus Execute(const ImportCommand& command) {
     return kScriptFailed;
   }
   try {
-    Write(imported.script, command.output);
+    Write(imported.script, command);
   } catch (const IoError& error) {
     Complain(error.what());
     return kNotOpened;

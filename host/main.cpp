@@ -31,6 +31,9 @@ int main(int argc, char** argv) {
   } catch (const Interrupted& error) {
     Complain(error.what());
     return kInterrupted;
+  } catch (const BadUsage& error) {
+    Complain(error.what());
+    return kBadUsage;
   } catch (const std::exception& error) {
     Complain(error.what());
     return kNotOpened;

@@ -79,7 +79,8 @@ std::vector<Script> LoadScripts(const RunCommand& command) {
 // Plays scripts one after the other. There is only one Runner at a time.
 class Runner {
  public:
-  // Loads the plug-in, and opens the outputs and the probe; throws IoError if one cannot be opened.
+  // Loads the plug-in, and opens the outputs and the probe. Throws IoError if one cannot be opened,
+  // and BadUsage if an output is another file of the run.
   explicit Runner(const RunCommand& command);
   ~Runner() { running = nullptr; }
   Runner(const Runner&) = delete;
@@ -150,9 +151,11 @@ Runner* Runner::running = nullptr;
 Runner::Runner(const RunCommand& command)
     : command_(command),
       plugin_(command.plugin),
-      outputs_(command.outputs, &OutputKind::run, *command.probe.kind),
-      learned_(command.learn.empty() ? nullptr
-                                     : &outputs_.Add(command.learn, OutputFile::Rest::kNothing)),
+      outputs_(command.outputs, &OutputKind::run, *command.probe.kind,
+               FileUses(command.scripts, command.plugin)),
+      learned_(command.learn.empty()
+                   ? nullptr
+                   : &outputs_.Add("--learn", command.learn, OutputFile::Rest::kNothing)),
       console_(ConsoleOptions(command), rescue_),
       events_(outputs_, console_, command.strict),
       follower_(ModeOf(command)),

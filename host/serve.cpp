@@ -23,10 +23,10 @@ std::unique_ptr<PinPort> OpenServed(const ProbeOptions& probe) {
 
 class Serving : private BitbangServer::Observer {
  public:
-  // Opens everything. Throws IoError, or Interrupted.
+  // Opens everything. Throws IoError, BadUsage, or Interrupted.
   explicit Serving(const ServeCommand& command)
       : command_(command),
-        outputs_(command.outputs, &OutputKind::serve, *command.probe.kind),
+        outputs_(command.outputs, &OutputKind::serve, *command.probe.kind, FileUses()),
         decoder_({outputs_.serve_listeners.begin(), outputs_.serve_listeners.end()}),
         port_(OpenServed(command.probe)),
         listener_(command.endpoint) {}

@@ -10,7 +10,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <filesystem>
 #include <memory>
 #include <new>
 
@@ -67,11 +66,6 @@ bool CanBeOpened(const std::string& path) {
   return fd >= 0;
 }
 
-std::string IdentityIn(const struct stat& status) {
-  if (!S_ISREG(status.st_mode)) return "";
-  return fmt::format("{}:{}", status.st_dev, status.st_ino);
-}
-
 }  // namespace
 
 std::string ReadInput(const std::string& path, std::size_t limit) try {
@@ -101,24 +95,14 @@ MemoryFile::~MemoryFile() {
   close(fd_);
 }
 
-std::string IdentityOf(const std::string& path) {
-  struct stat status = {};
-  if (stat(path.c_str(), &status) == 0) return IdentityIn(status);
-  std::error_code error;
-  const std::filesystem::path place = std::filesystem::weakly_canonical(path, error);
-  return error ? "" : std::filesystem::absolute(place, error).string();
-}
-
-std::string IdentityOf(int fd) {
-  struct stat status = {};
-  return fstat(fd, &status) == 0 ? IdentityIn(status) : "";
+bool IsSameFile(const struct stat& one, const struct stat& other) {
+  return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
 }
 
 bool IsSameFile(int fd, int other) {
-  struct stat one {};
-  struct stat two {};
-  return fstat(fd, &one) == 0 && fstat(other, &two) == 0 && one.st_dev == two.st_dev &&
-         one.st_ino == two.st_ino;
+  struct stat one = {};
+  struct stat two = {};
+  return fstat(fd, &one) == 0 && fstat(other, &two) == 0 && IsSameFile(one, two);
 }
 
 }  // namespace icehost

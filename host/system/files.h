@@ -1,6 +1,8 @@
-// Files that icehost reads, files in memory, and which file is which.
+// Files that icehost reads, files in memory, and whether two are the same.
 #ifndef ICESCRIPT_HOST_SYSTEM_FILES_H_
 #define ICESCRIPT_HOST_SYSTEM_FILES_H_
+
+#include <sys/stat.h>
 
 #include <cstddef>
 #include <string>
@@ -28,13 +30,9 @@ class MemoryFile {
   std::string path_;
 };
 
-// Returns the same text for the same file, whatever path leads to it; a file that does not exist
-// yet is known by its place. Empty for a terminal, a pipe and others that a second opening does not
-// destroy.
-std::string IdentityOf(const std::string& path);
-// Returns the same text for an open descriptor; empty also if it is closed.
-std::string IdentityOf(int fd);
-// Returns whether both descriptors lead to the same file, terminal or pipe.
+// Returns whether both are of the same file, terminal or pipe.
+bool IsSameFile(const struct stat& one, const struct stat& other);
+// Returns whether both descriptors lead to the same one.
 bool IsSameFile(int fd, int other);
 
 }  // namespace icehost

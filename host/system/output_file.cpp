@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <climits>
 #include <cstring>
+#include <filesystem>
 #include <utility>
 
 #include "host/system/errors.h"
@@ -29,14 +30,26 @@ int OpenStandardOutput() {
   return fd;
 }
 
-// Opens an existing file, or creates one; `created` says which.
-int Open(const std::string& path, bool& created) {
+// Where links lead whose file does not exist.
+std::string MissingFile(const std::string& path) {
+  namespace fs = std::filesystem;
+  fs::path place = path;
+  std::error_code ignored;
+  for (;;) {
+    const fs::path target = fs::read_symlink(place, ignored);
+    if (target.empty()) return place;
+    place = place.parent_path() / target;
+  }
+}
+
+// Opens an existing file, or creates one, and then names it in `created`.
+int Open(const std::string& path, std::string& created) {
   if (path == "-") return OpenStandardOutput();
-  constexpr int kNew = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
-  constexpr int kThere = O_WRONLY | O_CREAT | O_CLOEXEC;  // O_CREAT for a dead link
-  int fd = open(path.c_str(), kNew, 0666);
-  created = fd >= 0;
-  if (!created) fd = open(path.c_str(), kThere, 0666);
+  int fd = open(path.c_str(), O_WRONLY | O_CLOEXEC);
+  if (fd < 0 && errno == ENOENT) {
+    created = MissingFile(path);
+    fd = open(created.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+  }
   if (fd < 0) throw IoError(fmt::format("{}: {}", path, std::strerror(errno)));
   return fd;
 }
@@ -89,7 +102,6 @@ OutputFile::Buffer::int_type OutputFile::Buffer::overflow(int_type ch) {
 OutputFile::OutputFile(const std::string& path, Rest rest)
     : path_(path),
       rest_(rest),
-      created_(false),
       fd_(Open(path, created_)),
       buffer_(fd_),
       stream_(&buffer_) {
@@ -99,7 +111,13 @@ OutputFile::OutputFile(const std::string& path, Rest rest)
 OutputFile::~OutputFile() {
   if (begun_ && fd_ >= 0) buffer_.Write();
   if (fd_ >= 0) close(fd_);
-  if (created_ && !begun_) unlink(path_.c_str());
+  if (!created_.empty() && !begun_) unlink(created_.c_str());
+}
+
+struct stat OutputFile::Status() const {
+  struct stat status = {};
+  if (fstat(fd_, &status) != 0) throw IoError(fmt::format("{}: {}", path_, std::strerror(errno)));
+  return status;
 }
 
 void OutputFile::Begin() {

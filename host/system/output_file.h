@@ -2,6 +2,8 @@
 #ifndef ICESCRIPT_HOST_SYSTEM_OUTPUT_FILE_H_
 #define ICESCRIPT_HOST_SYSTEM_OUTPUT_FILE_H_
 
+#include <sys/stat.h>
+
 #include <memory>
 #include <ostream>
 #include <streambuf>
@@ -30,6 +32,11 @@ class OutputFile {
   // Empties the file. To be called before anything is written.
   void Begin();
   std::ostream& Stream() { return stream_; }
+  // As the user named it.
+  const std::string& Path() const { return path_; }
+  bool IsStandardOutput() const { return path_ == "-"; }
+  // Of the open file; throws IoError.
+  struct stat Status() const;
   // Throws IoError if something could not be written and that was not thrown before; or Interrupted
   // if a signal was the reason.
   void ThrowIfCut();
@@ -57,13 +64,12 @@ class OutputFile {
     std::unique_ptr<char[]> bytes_;
   };
 
-  bool IsStandardOutput() const { return path_ == "-"; }
   void CutUnfinished() const;
   void Fail(int error);
 
   std::string path_;
   Rest rest_;
-  bool created_;
+  std::string created_;  // the file, if it did not exist
   bool begun_ = false;
   bool reported_ = false;
   int fd_;

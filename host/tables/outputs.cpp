@@ -99,13 +99,15 @@ std::vector<std::pair<std::string, std::string>> HeadEntries(const ProbeOptions&
 }
 
 Outputs::Outputs(const OutputRequests& requests, OutputKind::Verb OutputKind::*verb,
-                 const ProbeKind& probe) {
+                 const ProbeKind& probe, FileUses uses)
+    : uses_(std::move(uses)) {
   for (const OutputRequest& request : requests) {
     if (!request.kind->needs_pins || probe.ShowsPins()) continue;
     throw IoError(fmt::format("{} shows no pins: no waveform of it", probe.title));
   }
   for (const auto& [kind, path] : requests) {
-    std::ostream& stream = path.has_value() ? Add(*path, kind->rest).Stream() : std::cerr;
+    std::ostream& stream =
+        path.has_value() ? Add(kind->option, *path, kind->rest).Stream() : std::cerr;
     const auto& [help, make, make_without_pins] = kind->*verb;
     const bool without = !probe.ShowsPins() && make_without_pins != nullptr;
     outputs_.push_back((without ? make_without_pins : make)(stream));
@@ -116,10 +118,12 @@ Outputs::Outputs(const OutputRequests& requests, OutputKind::Verb OutputKind::*v
   begun_ = files_.size();
 }
 
-OutputFile& Outputs::Add(const std::string& path, OutputFile::Rest rest) {
-  files_.push_back(std::make_unique<OutputFile>(path, rest));
-  if (path == "-") standard_output_ = files_.back().get();
-  return *files_.back();
+OutputFile& Outputs::Add(const std::string& option, const std::string& path,
+                         OutputFile::Rest rest) {
+  OutputFile& file = *files_.emplace_back(std::make_unique<OutputFile>(path, rest));
+  uses_.AddOutput(file, option);
+  if (file.IsStandardOutput()) standard_output_ = &file;
+  return file;
 }
 
 void Outputs::Begin() {

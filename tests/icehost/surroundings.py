@@ -82,6 +82,30 @@ def check_old_files():
         expect(cannot, (status != 0, read("old"), os.path.exists("new")), (True, "before\n", False))
 
 
+def check_shared_files():
+    """An output is no other file of its command, by whatever name; if it would be, nothing changes."""
+    write("script.ini", read(SCRIPT))
+    os.link("script.ini", "hard_link")
+    os.symlink("new", "dangling")
+    os.symlink("new", "dangling_too")
+    os.mkfifo("one_pipe")
+    before = sorted(os.listdir())
+    for command in (
+            "run --json new --vcd dangling script.ini", "run --json dangling --svg new script.ini",
+            "run --json dangling --vcd dangling_too script.ini",
+            "run --learn new --html dangling script.ini", "serve --trace=new --json dangling tcp:0",
+            "run --json one_pipe --vcd one_pipe script.ini & cat one_pipe; wait %1",
+            "run --json /dev/stdout --vcd /dev/stdout script.ini | cat",
+            "run --json - --svf /dev/stdout script.ini | cat", "run --json - --vcd - script.ini",
+            "run --json /dev/stdout script.ini | cat", "run --vcd hard_link - <script.ini",
+            "check --json hard_link script.ini"):
+        status = shell(f"icehost {command}")
+        expect(command, (status, " is also " in last_line("err")), (2, True))
+    expect("a shared file", (sorted(os.listdir()), read("script.ini")), (before, read(SCRIPT)))
+    null = "run --json /dev/null --vcd /dev/null --html /dev/stdout script.ini >/dev/null"
+    expect(null, shell(f"icehost {null}"), 0)
+
+
 def ends_by(number, *arguments, out="/dev/null"):
     """A signal ends it within a second, with status 130 and a word."""
     what = f"{' '.join(arguments[:9])} by {number}"
@@ -157,5 +181,5 @@ def check_terminal():
     expect("a file", "\x1b[7m\x9b syntax error" in read("out"), True)
 
 
-run_checks(check_commands, check_size_limit, check_old_files, check_signals, check_ignored_signals,
-           check_terminal)
+run_checks(check_commands, check_size_limit, check_old_files, check_shared_files, check_signals,
+           check_ignored_signals, check_terminal)
