@@ -12,6 +12,7 @@
 #include <cstring>
 #include <memory>
 #include <new>
+#include <vector>
 
 #include "host/system/errors.h"
 #include "host/system/interrupt.h"
@@ -33,16 +34,16 @@ std::string ReadAll(int fd, const std::string& path, std::size_t limit) {
   if (fstat(fd, &status) == 0 && S_ISREG(status.st_mode)) {
     content.reserve(std::min(static_cast<std::size_t>(status.st_size), limit));
   }
-  char buffer[1 << 16];
+  std::vector<char> buffer(1 << 16);
   for (;;) {
     pollfd waiting = {fd, POLLIN, 0};
     const int ready = poll(&waiting, 1, kLookForSignalsEvery);
     ThrowIfInterrupted();
     if (ready == 0) continue;
-    const ssize_t got = read(fd, buffer, sizeof buffer);
+    const ssize_t got = read(fd, buffer.data(), buffer.size());
     if (got == 0) return content;
     if (got < 0 && errno != EINTR && errno != EAGAIN) Fail(path);
-    if (got > 0) content.append(buffer, static_cast<std::size_t>(got));
+    if (got > 0) content.append(buffer.data(), static_cast<std::size_t>(got));
     if (content.size() > limit) {
       throw IoError(
           fmt::format("{}: is larger than {} MiB; --size-limit lets more in", path, limit >> 20U));

@@ -12,7 +12,7 @@ import sys
 import time
 
 sys.path.append(sys.path[0] + "/..")
-from lib import expect, output, read, run_checks, start, write
+from lib import SANITIZED, expect, output, read, run_checks, start, write
 
 ENDLESS = "tests/scripts/endless_writes.gpio"
 SCRIPT = "examples/read_idcode.ini"
@@ -38,6 +38,11 @@ COMMANDS = [
         "reads.gpio", f"--json=- {ENDLESS}", f"--vcd=- {ENDLESS}", f"--trace=- {ENDLESS}")),
     # Standard output is appended to.
     (0, "", "icehost run --json - --vcd v examples/reset.ini >>appended"),
+    # A stack of 64 KiB is enough.
+    *((0, "", f"ulimit -s 64; icehost {arguments}") for arguments in (
+        f"check {SCRIPT}", f"run -q --svf - {SCRIPT} | icehost import -", "detect",
+        f"run --trace=a --json b --vcd c --svg d --html e {SCRIPT} examples/read_idcode.gpio")
+      if not SANITIZED),
 ]
 
 
