@@ -10,6 +10,7 @@ import signal
 import subprocess
 import sys
 import time
+import unicodedata
 
 sys.path.append(sys.path[0] + "/..")
 from lib import SANITIZED, expect, output, read, run_checks, start, write
@@ -182,6 +183,10 @@ def check_terminal():
     write("bold.ini", "[\x1b[7m\x9b]\nIR=5\nDR=W,0\n")
     shown = output(*terminal, "icehost run --force bold.ini; icehost check bold.ini '\x1b[7m'")
     expect("controls", [text for text in ("\x1b[7m", "\x9b") if text in shown], [])
+    hidden = {chr(code) for code in range(1, sys.maxunicode + 1)
+              if unicodedata.category(chr(code)) in ("Cc", "Cf", "Zl", "Zp")}
+    shown = output("icehost", "check", "".join(sorted(hidden)))
+    expect("hidden", sorted(map(ascii, hidden.intersection(shown) - {"\t", "\n"})), [])
     shell("icehost run --force bold.ini")
     expect("a file", "\x1b[7m\x9b syntax error" in read("out"), True)
 
