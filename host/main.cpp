@@ -1,5 +1,6 @@
 // icehost: runs and checks scripts without a debug server.
 #include <exception>
+#include <new>
 
 #include "host/options/commands.h"
 #include "host/system/errors.h"
@@ -34,6 +35,9 @@ int main(int argc, char** argv) {
   } catch (const BadUsage& error) {
     Complain(error.what());
     return kBadUsage;
+  } catch (const std::bad_alloc&) {
+    ComplainOfMemory();
+    return kNotOpened;
   } catch (const std::exception& error) {
     Complain(error.what());
     return kNotOpened;

@@ -90,6 +90,7 @@ class Runner {
   ExitStatus PlayAll(std::vector<Script> scripts);
 
  private:
+  ExitStatus PlayEach(std::vector<Script>& scripts);
   ExitStatus PlayOne(Script& script);
   // Whether the plug-in ran it to its end.
   bool Play(Script& script);
@@ -166,6 +167,17 @@ Runner::Runner(const RunCommand& command)
 }
 
 ExitStatus Runner::PlayAll(std::vector<Script> scripts) {
+  ExitStatus status = kNotOpened;
+  try {
+    status = PlayEach(scripts);
+  } catch (const std::bad_alloc&) {
+    outputs_.MarkIncomplete();
+    ComplainOfMemory();
+  }
+  return Complete(status);
+}
+
+ExitStatus Runner::PlayEach(std::vector<Script>& scripts) {
   ExitStatus status = kAllWell;
   outputs_.Begin();
   for (Script& script : scripts) {
@@ -180,7 +192,7 @@ ExitStatus Runner::PlayAll(std::vector<Script> scripts) {
     status = std::max(status, ended);
     if (ended != kAllWell && !(command_.keep_going && ran_)) break;
   }
-  return Complete(status);
+  return status;
 }
 
 void Runner::BeginScript(Script& script) {
@@ -207,6 +219,7 @@ ExitStatus Runner::PlayOne(Script& script) {
     events_.Say(fmt::format("{}: the plug-in threw an exception{}", script.path, error.what()));
     return kScriptFailed;
   } catch (const std::bad_alloc&) {
+    outputs_.MarkIncomplete();
     events_.Say(fmt::format("{}: out of memory", script.path));
     return kNotOpened;
   }

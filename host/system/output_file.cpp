@@ -135,6 +135,7 @@ void OutputFile::ThrowIfCut() {
 void OutputFile::Close() {
   buffer_.Write();
   int error = buffer_.Error();
+  if (error == 0 && incomplete_) error = ENOMEM;
   if (error != 0 && !IsStandardOutput()) CutUnfinished();
   if (close(std::exchange(fd_, -1)) != 0 && error == 0) error = errno;
   if (error != 0) Fail(error);

@@ -37,6 +37,8 @@ class OutputFile {
   bool IsStandardOutput() const { return path_ == "-"; }
   // Of the open file; throws IoError.
   struct stat Status() const;
+  // There was no memory for something that belongs in the file: Close fails.
+  void MarkIncomplete() { incomplete_ = true; }
   // Throws IoError if something could not be written and that was not thrown before; or Interrupted
   // if a signal was the reason.
   void ThrowIfCut();
@@ -71,6 +73,7 @@ class OutputFile {
   Rest rest_;
   std::string created_;  // the file, if it did not exist
   bool begun_ = false;
+  bool incomplete_ = false;
   bool reported_ = false;
   int fd_;
   Buffer buffer_;

@@ -84,4 +84,8 @@ void Complain(const std::string& what) {
   ComplainLine("icehost: " + what);
 }
 
+void ComplainOfMemory() {
+  std::fputs("icehost: out of memory\n", stderr);
+}
+
 }  // namespace icehost

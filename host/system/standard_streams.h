@@ -25,6 +25,9 @@ void ComplainLine(std::string line);
 // Prints icehost's own words in such a line.
 void Complain(const std::string& what);
 
+// Prints that memory has run out, and takes none for that.
+void ComplainOfMemory();
+
 // While it exists, it keeps what a library writes to descriptor 1, as printf does, and the user's
 // standard output is the stream of this object. One at a time.
 class CapturedOutput {

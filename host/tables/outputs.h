@@ -74,10 +74,12 @@ class Outputs {
   // Returns a warning for each thing that was played and is in no file, and each only once.
   // Complete may add some.
   std::vector<std::string> TakeLosses();
+  // There was no memory for some event: what became of it in which file is unknown.
+  void MarkIncomplete();
   // Ends and closes the files. Returns a text for each that could not be written whole.
   std::vector<std::string> Complete(const PageHead& head);
 
-  bool Any() const { return !outputs_.empty(); }
+  bool Any() const { return !writers_.empty(); }
 
   // The outputs, by what they listen to.
   std::vector<EventListener*> listeners;
@@ -85,9 +87,14 @@ class Outputs {
   std::vector<StepRecorder*> recorders;
 
  private:
+  struct Writer {
+    std::unique_ptr<Output> output;
+    OutputFile* file;  // null: standard error
+  };
+
   FileUses uses_;
   std::vector<std::unique_ptr<OutputFile>> files_;
-  std::vector<std::unique_ptr<Output>> outputs_;
+  std::vector<Writer> writers_;
   std::size_t begun_ = 0;                  // how many of the files Begin begins
   OutputFile* standard_output_ = nullptr;  // where it is one of the files
 };
