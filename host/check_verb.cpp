@@ -124,7 +124,7 @@ ExitStatus CheckReport::Close(ExitStatus status) {
       if (file != nullptr) file->Close();
     } catch (const IoError& error) {
       Complain(error.what());
-      status = kNotOpened;
+      status = StatusOfLoss();
     }
   }
   return status;

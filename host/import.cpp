@@ -1,7 +1,6 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
-#include <iostream>
 #include <new>
 #include <string>
 
@@ -19,9 +18,7 @@ namespace {
 void Write(const std::string& script, const ImportCommand& command) {
   OutputFile file(command.output, OutputFile::Rest::kNothing);
   FileUses({command.file}).AddOutput(file, "--output");
-  file.Begin();
-  file.Stream() << script;
-  file.Close();
+  file.WriteWhole(script);
 }
 
 }  // namespace
@@ -40,7 +37,7 @@ ExitStatus Execute(const ImportCommand& command) {
     Complain(command.file + ": out of memory");
     return kNotOpened;
   }
-  imported.problems.Write(std::cerr, name, svf, {command.quiet, WantsColour(STDERR_FILENO)});
+  imported.problems.Write(StandardError(), name, svf, {command.quiet, WantsColour(STDERR_FILENO)});
   if (imported.problems.HasErrors()) {
     Complain(fmt::format("{} is not imported", command.file));
     return kScriptFailed;

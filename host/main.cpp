@@ -28,7 +28,7 @@ int main(int argc, char** argv) {
   try {
     OccupyStandardDescriptors();
     const ExitStatus status = Main(argc, argv);
-    return CompleteStandardStreams() || status != kAllWell ? status : kNotOpened;
+    return CompleteStandardStreams() || status != kAllWell ? status : StatusOfLoss();
   } catch (const Interrupted& error) {
     Complain(error.what());
     return kInterrupted;

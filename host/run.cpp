@@ -3,8 +3,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstdio>
-#include <iostream>
 #include <new>
 #include <optional>
 #include <string>
@@ -63,7 +61,7 @@ std::vector<Script> LoadScripts(const RunCommand& command) {
   bool play = true;
   for (Script& script : scripts) {
     CheckResult result = CheckScript(*script.text);
-    result.problems.Write(std::cerr, script.name, script.text->Content(),
+    result.problems.Write(StandardError(), script.name, script.text->Content(),
                           {command.quiet && !command.strict, WantsColour(STDERR_FILENO)});
     const std::string why = WhyNot(result.problems, command);
     if (!why.empty()) Complain(fmt::format("{} {}", script.path, why));
@@ -288,11 +286,11 @@ int Runner::Show(const char* message) {
 
 ExitStatus Runner::Complete(ExitStatus status) {
   console_.Close();
-  if (command_.summary) std::fputs((PrintableLines(summary_) + Counts() + "\n").c_str(), stderr);
+  if (command_.summary) StandardError() << PrintableLines(summary_) + Counts() + "\n";
   const std::vector<std::string> failures = outputs_.Complete(Head(status));
   for (const std::string& loss : outputs_.TakeLosses()) Complain(loss);
   for (const std::string& failure : failures) Complain(failure);
-  return status == kAllWell && !failures.empty() ? kNotOpened : status;
+  return status == kAllWell && !failures.empty() ? StatusOfLoss() : status;
 }
 
 void Runner::Abandon() {

@@ -2,7 +2,6 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cstdio>
 #include <iostream>
 #include <map>
 #include <sstream>
@@ -10,6 +9,7 @@
 
 #include "host/check/hints.h"
 #include "host/options/verb_options.h"
+#include "host/system/standard_streams.h"
 #include "host/system/text.h"
 
 namespace icehost {
@@ -136,7 +136,7 @@ std::variant<Command, ExitStatus> ParseCommandLine(int argc, char** argv) {
   } catch (const CLI::ParseError& error) {
     std::ostringstream complaint;  // which may quote the command line
     const int status = app.exit(error, std::cout, complaint);
-    std::fputs(PrintableLines(complaint.str()).c_str(), stderr);
+    StandardError() << PrintableLines(complaint.str());
     return status == 0 ? kAllWell : kBadUsage;
   }
   Command& command = *command_of.at(app.get_subcommands().front());

@@ -2,13 +2,10 @@
 
 #include <fcntl.h>
 #include <fmt/format.h>
-#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
-#include <climits>
 #include <cstring>
 #include <filesystem>
 #include <utility>
@@ -20,8 +17,6 @@ namespace icehost {
 namespace {
 
 constexpr int kBufferSize = 1 << 16;
-constexpr std::ptrdiff_t kPipePiece = PIPE_BUF;  // a pipe with room takes it whole
-constexpr int kSignalPollInterval = 100;         // ms
 
 // Returns a duplicate, which stays standard output while descriptor 1 leads elsewhere.
 int OpenStandardOutput() {
@@ -54,43 +49,18 @@ int Open(const std::string& path, std::string& created) {
   return fd;
 }
 
-bool HasReader(int fd) {
-  struct stat status = {};
-  return fstat(fd, &status) == 0 && !S_ISREG(status.st_mode);
-}
-
 }  // namespace
 
 OutputFile::Buffer::Buffer(int fd)
-    : fd_(fd), has_reader_(HasReader(fd)), bytes_(std::make_unique<char[]>(kBufferSize)) {
+    : writer_(fd), bytes_(std::make_unique<char[]>(kBufferSize)) {
   setp(bytes_.get(), bytes_.get() + kBufferSize);
 }
 
-// Stops waiting after a signal.
-void OutputFile::Buffer::AwaitReader() {
-  pollfd waiting = {fd_, POLLOUT, 0};
-  while (poll(&waiting, 1, kSignalPollInterval) == 0) {
-    if (!IsInterrupted()) continue;
-    error_ = EINTR;
-    return;
-  }
-}
-
 bool OutputFile::Buffer::Write() {
-  const char* at = pbase();
-  while (error_ == 0 && at < pptr()) {
-    std::ptrdiff_t size = pptr() - at;
-    if (has_reader_) {
-      AwaitReader();
-      if (error_ != 0) break;
-      size = std::min(size, kPipePiece);
-    }
-    const ssize_t written = write(fd_, at, static_cast<std::size_t>(size));
-    if (written >= 0) at += written;
-    if (written < 0 && errno != EINTR && errno != EAGAIN) error_ = errno;
-  }
+  const bool written =
+      writer_.Write(std::string_view(pbase(), static_cast<std::size_t>(pptr() - pbase())));
   setp(pbase(), epptr());
-  return error_ == 0;
+  return written;
 }
 
 OutputFile::Buffer::int_type OutputFile::Buffer::overflow(int_type ch) {
@@ -109,7 +79,7 @@ OutputFile::OutputFile(const std::string& path, Rest rest)
 }
 
 OutputFile::~OutputFile() {
-  if (begun_ && fd_ >= 0) buffer_.Write();
+  if (begun_ && fd_ >= 0 && !buffer_.Write()) CutUnfinished();
   if (fd_ >= 0) close(fd_);
   if (!created_.empty() && !begun_) unlink(created_.c_str());
 }
@@ -136,9 +106,16 @@ void OutputFile::Close() {
   buffer_.Write();
   int error = buffer_.Error();
   if (error == 0 && incomplete_) error = ENOMEM;
-  if (error != 0 && !IsStandardOutput()) CutUnfinished();
+  if (error != 0) CutUnfinished();
   if (close(std::exchange(fd_, -1)) != 0 && error == 0) error = errno;
   if (error != 0) Fail(error);
+}
+
+void OutputFile::WriteWhole(std::string_view text) {
+  Begin();
+  stream_ << text << std::flush;
+  if (!stream_) ThrowIfInterrupted();
+  Close();
 }
 
 void OutputFile::Fail(int error) {
@@ -150,6 +127,7 @@ void OutputFile::Fail(int error) {
 
 // Removes a part of a line, or everything, if the file can be read and cut.
 void OutputFile::CutUnfinished() const {
+  if (IsStandardOutput()) return;
   off_t end = rest_ == Rest::kLines ? lseek(fd_, 0, SEEK_CUR) : 0;
   const int reader =
       open(fmt::format("/proc/self/fd/{}", fd_).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);

@@ -8,7 +8,10 @@
 #include <ostream>
 #include <streambuf>
 #include <string>
+#include <string_view>
 #include <vector>
+
+#include "host/system/descriptor_writer.h"
 
 namespace icehost {
 
@@ -44,13 +47,16 @@ class OutputFile {
   void ThrowIfCut();
   // Writes the rest and closes the file; throws such an IoError.
   void Close();
+  // Does all of it with the whole text: begins, writes and closes the file. Throws Interrupted if a
+  // signal came while nobody took the text.
+  void WriteWhole(std::string_view text);
 
  private:
   class Buffer : public std::streambuf {
    public:
     explicit Buffer(int fd);
     // The error of the first write that failed, or 0.
-    int Error() const { return error_; }
+    int Error() const { return writer_.Error(); }
     bool Write();
 
    protected:
@@ -58,11 +64,7 @@ class OutputFile {
     int sync() override { return Write() ? 0 : -1; }
 
    private:
-    void AwaitReader();
-
-    int fd_;
-    bool has_reader_;  // who may be slow
-    int error_ = 0;
+    DescriptorWriter writer_;
     std::unique_ptr<char[]> bytes_;
   };
 

@@ -3,6 +3,7 @@
 #define ICESCRIPT_HOST_SYSTEM_STANDARD_STREAMS_H_
 
 #include <cstdio>
+#include <ostream>
 #include <string>
 
 namespace icehost {
@@ -11,6 +12,9 @@ namespace icehost {
 // connection gets their numbers, and text for the user with them: using one is an error. To be
 // called first.
 void OccupyStandardDescriptors();
+
+// Standard error, without a buffer. A wait for its reader ends after a signal.
+std::ostream& StandardError();
 
 // Writes out the buffers. Returns false if standard output or standard error did not take
 // everything that was written to it since the start.

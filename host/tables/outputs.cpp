@@ -6,7 +6,6 @@
 #include <chrono>
 #include <cstdint>
 #include <ctime>
-#include <iostream>
 #include <new>
 
 #include "host/events/run_writers.h"
@@ -15,6 +14,7 @@
 #include "host/pins/pin_writers.h"
 #include "host/svf/svf_writer.h"
 #include "host/system/errors.h"
+#include "host/system/standard_streams.h"
 
 namespace icehost {
 namespace {
@@ -111,7 +111,7 @@ Outputs::Outputs(const OutputRequests& requests, OutputKind::Verb OutputKind::*v
     const auto& [help, make, make_without_pins] = kind->*verb;
     const bool without = !probe.ShowsPins() && make_without_pins != nullptr;
     const MakeOutput make_output = without ? make_without_pins : make;
-    writers_.push_back({make_output(file != nullptr ? file->Stream() : std::cerr), file});
+    writers_.push_back({make_output(file != nullptr ? file->Stream() : StandardError()), file});
     Output& output = *writers_.back().output;
     AddTo(listeners, output);
     AddTo(serve_listeners, output);
