@@ -93,6 +93,8 @@ ExitStatus CheckReport::WriteOne(const std::string& path) try {
   return errors > 0 || (command_.strict && warnings > 0) ? kScriptFailed : kAllWell;
 } catch (const IoError& error) {
   return Refuse(error.what(), kScriptFailed);
+} catch (const OutOfResources& error) {
+  return Refuse(error.what(), kNotOpened);
 } catch (const std::bad_alloc&) {
   return Refuse(path + ": out of memory", kNotOpened);
 }

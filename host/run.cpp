@@ -49,7 +49,7 @@ std::string WhyNot(const Problems& problems, const RunCommand& command) {
 }
 
 // Reads and checks all scripts, and shows their problems as check does, on standard error. Returns
-// none, and says why, if they are not to be played. Throws IoError and Interrupted.
+// none, and says why, if they are not to be played. Throws IoError, OutOfResources and Interrupted.
 std::vector<Script> LoadScripts(const RunCommand& command) {
   std::vector<Script> scripts;
   scripts.reserve(command.scripts.size());

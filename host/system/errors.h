@@ -18,6 +18,13 @@ class IoError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+// The system has no descriptor or memory left, which says nothing about the file that is named. The
+// run ends with kNotOpened.
+class OutOfResources : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
 // The probe cannot do what the script asks for. The call fails; the plug-in ends the script.
 class Unsupported : public std::runtime_error {
  public:

@@ -23,7 +23,10 @@ namespace {
 constexpr int kLookForSignalsEvery = 100;  // ms
 
 [[noreturn]] void Fail(const std::string& path) {
-  throw IoError(path + ": " + std::strerror(errno));
+  const int error = errno;
+  const std::string what = path + ": " + std::strerror(error);
+  if (error == EMFILE || error == ENFILE || error == ENOMEM) throw OutOfResources(what);
+  throw IoError(what);
 }
 
 // Does not use the event loop, which would make the standard input of the user's shell non-blocking
@@ -81,7 +84,7 @@ std::string ReadInput(const std::string& path, std::size_t limit) try {
       &fd, [](const int* file) { close(*file); });
   return ReadAll(fd, path, limit);
 } catch (const std::bad_alloc&) {
-  throw IoError(path + ": out of memory");
+  throw OutOfResources(path + ": out of memory");
 }
 
 MemoryFile::MemoryFile(std::string_view content)
@@ -89,7 +92,8 @@ MemoryFile::MemoryFile(std::string_view content)
   if (fd_ >= 0 && WriteAll(fd_, content) && CanBeOpened(path_)) return;
   const int error = errno;
   if (fd_ >= 0) close(fd_);
-  throw IoError(fmt::format("cannot keep a script in memory: {}", std::strerror(error)));
+  throw IoError(fmt::format("cannot keep a script in memory: {}{}", fd_ >= 0 ? path_ + ": " : "",
+                            std::strerror(error)));
 }
 
 MemoryFile::~MemoryFile() {

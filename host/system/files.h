@@ -11,7 +11,7 @@
 namespace icehost {
 
 // Returns the whole content of `path`, where "-" is standard input, up to `limit` bytes. Throws
-// IoError that says why it cannot, and Interrupted.
+// IoError that says why it cannot, OutOfResources, and Interrupted.
 std::string ReadInput(const std::string& path, std::size_t limit);
 
 // A file in memory, for a reader that opens a path. It exists as long as the object.

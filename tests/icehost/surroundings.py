@@ -13,8 +13,9 @@ import time
 import unicodedata
 
 sys.path.append(sys.path[0] + "/..")
-from lib import SANITIZED, expect, output, read, run_checks, start, write
+from lib import ICEHOST, SANITIZED, expect, output, read, run_checks, start, write
 
+PLUGIN = os.path.join(os.path.dirname(ICEHOST), "libicescript.so")
 ENDLESS = "tests/scripts/endless_writes.gpio"
 SCRIPT = "examples/read_idcode.ini"
 FULL = "icehost: standard output: No space left on device"
@@ -67,6 +68,21 @@ def check_commands():
         expect(command, (shell(command), last_line("err")), (status, said))
     expect("a waveform without standard error", read("closed.vcd")[:8], "$version")
     expect("appended", (read("appended")[:7], last_line("appended")), ("before\n", '{"end":true}'))
+
+
+def check_lacks():
+    """Where the system lacks something, that is the reason, and no fault of the script."""
+    write("id.svf", "SIR 5 TDI (01);\nSDR 32 TDI (0);\n")
+    for files in range(4, 12):
+        for arguments in (f"run -q {SCRIPT}", f"check {SCRIPT}", "import id.svf", "detect"):
+            status = shell(f"ulimit -n {files}; icehost {arguments}")
+            lack = "Too many open files" in read("err")
+            expect(f"{files} files: {arguments}", status, 3 * lack)
+    if shell("unshare -rm mount -t tmpfs none /proc") == 0:
+        for options, lack in (("", "/proc/self/exe: "), (f"--plugin {PLUGIN}", "/proc/self/fd/")):
+            status = shell(f"unshare -rm sh -c 'mount -t tmpfs none /proc; "
+                           f"icehost run {options} {SCRIPT}'")
+            expect(f"no {lack}", (status, lack in read("err")), (3, True))
 
 
 def check_size_limit():
@@ -147,7 +163,6 @@ def check_signals():
     # In the plug-in, which reads the script, or where it is checked before that.
     expect_whole(*glob.glob("m.*"))
     ends_by(signal.SIGINT, "check", *["many.ini"] * 50)
-    write("id.svf", "SIR 5 TDI (01);\nSDR 32 TDI (0);\n")
     os.mkfifo("fifo")
     ends_by(signal.SIGINT, "check", "fifo")
     ends_by(signal.SIGINT, "run", "--learn", "fifo", SCRIPT)
@@ -204,5 +219,5 @@ def check_terminal():
     expect("a file", "\x1b[7m\x9b syntax error" in read("out"), True)
 
 
-run_checks(check_commands, check_size_limit, check_old_files, check_shared_files, check_signals,
+run_checks(check_commands, *([] if SANITIZED else [check_lacks]), check_size_limit, check_old_files, check_shared_files, check_signals,
            check_ignored_signals, check_terminal)
