@@ -94,11 +94,21 @@ void RefuseUnknownOption(const CLI::App& app) {
   }
 }
 
+// CLI11 takes the next word for the value, or none where the option can do without.
+void RefuseEmptyValues(const Texts& words) {
+  for (const std::string& word : words) {
+    if (word == "--") return;
+    if (word.substr(0, 2) != "--" || word.find('=') + 1 != word.size()) continue;
+    throw CLI::ValidationError(fmt::format("option \"{}\" has no value", word));
+  }
+}
+
 // As app.parse; but "help VERB" means "VERB --help", and an unknown verb or option is named, and
 // that before anything that is missing. Throws CLI::ParseError.
 void ParseWords(CLI::App& app, Texts words) {
   PutOptionForHelp(words);
   RefuseUnknownVerb(app, words);
+  RefuseEmptyValues(words);
   std::reverse(words.begin(), words.end());
   try {
     app.parse(words);
