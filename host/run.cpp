@@ -170,6 +170,7 @@ ExitStatus Runner::PlayAll(std::vector<Script> scripts) {
     status = PlayEach(scripts);
   } catch (const std::bad_alloc&) {
     outputs_.MarkIncomplete();
+    console_.Close();
     ComplainOfMemory();
   }
   return Complete(status);

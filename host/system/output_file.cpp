@@ -51,9 +51,8 @@ int Open(const std::string& path, std::string& created) {
 
 }  // namespace
 
-OutputFile::Buffer::Buffer(int fd)
-    : writer_(fd), bytes_(std::make_unique<char[]>(kBufferSize)) {
-  setp(bytes_.get(), bytes_.get() + kBufferSize);
+OutputFile::Buffer::Buffer(int fd, char* room) : writer_(fd) {
+  setp(room, room + kBufferSize);
 }
 
 bool OutputFile::Buffer::Write() {
@@ -72,8 +71,9 @@ OutputFile::Buffer::int_type OutputFile::Buffer::overflow(int_type ch) {
 OutputFile::OutputFile(const std::string& path, Rest rest)
     : path_(path),
       rest_(rest),
+      room_(std::make_unique<char[]>(kBufferSize)),
       fd_(Open(path, created_)),
-      buffer_(fd_),
+      buffer_(fd_, room_.get()),
       stream_(&buffer_) {
   if (isatty(fd_) != 0) stream_.setf(std::ios::unitbuf);
 }

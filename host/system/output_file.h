@@ -40,8 +40,8 @@ class OutputFile {
   bool IsStandardOutput() const { return path_ == "-"; }
   // Of the open file; throws IoError.
   struct stat Status() const;
-  // There was no memory for something that belongs in the file: Close fails.
-  void MarkIncomplete() { incomplete_ = true; }
+  // There was no memory for something that belongs in the file: Close fails, if it was begun.
+  void MarkIncomplete() { incomplete_ = begun_; }
   // Throws IoError if something could not be written and that was not thrown before; or Interrupted
   // if a signal was the reason.
   void ThrowIfCut();
@@ -54,7 +54,7 @@ class OutputFile {
  private:
   class Buffer : public std::streambuf {
    public:
-    explicit Buffer(int fd);
+    Buffer(int fd, char* room);
     // The error of the first write that failed, or 0.
     int Error() const { return writer_.Error(); }
     bool Write();
@@ -65,7 +65,6 @@ class OutputFile {
 
    private:
     DescriptorWriter writer_;
-    std::unique_ptr<char[]> bytes_;
   };
 
   void CutUnfinished() const;
@@ -77,6 +76,7 @@ class OutputFile {
   bool begun_ = false;
   bool incomplete_ = false;
   bool reported_ = false;
+  std::unique_ptr<char[]> room_;  // of the buffer; there is nothing to undo if there is none
   int fd_;
   Buffer buffer_;
   std::ostream stream_;

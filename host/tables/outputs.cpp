@@ -158,8 +158,11 @@ std::vector<std::string> Outputs::Complete(const PageHead& head) {
     try {
       writer.output->End(head);
     } catch (const std::bad_alloc&) {
-      if (writer.file == nullptr) failures.emplace_back("standard error: out of memory");
-      if (writer.file != nullptr) writer.file->MarkIncomplete();
+      if (writer.file != nullptr) {
+        writer.file->MarkIncomplete();
+      } else {
+        failures.emplace_back("standard error: out of memory");
+      }
     }
   }
   for (std::string& failure : CloseAll(files_)) failures.push_back(std::move(failure));

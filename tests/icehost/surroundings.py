@@ -88,6 +88,27 @@ def check_lacks():
             expect(f"no {lack}", (status, lack in read("err")), (3, True))
 
 
+def check_memory():
+    """Where memory runs out, each output that is not complete is named."""
+    write("walk.gpio", "[ZEVA_ICE_GPIO]\nSTART\nGPIO_OE=0x1F\nREPT=9999\nTCK=1\n"
+          "TCK=0,PRINT=GPIO_IN\nENDR\nEND\n")
+    ends = {"j.json": '{"end":', "p.svg": "</svg>", "p.html": "</html>"}
+    for limit in range(12000, 40000, 400):
+        write("learned", "before\n")
+        status = shell(f"rm -f {' '.join(ends)}; ulimit -v {limit}; icehost run -q --learn learned "
+                       "--json j.json --svg p.svg --html p.html walk.gpio")
+        said = read("err")
+        cut = [file for file, end in ends.items()
+               if os.path.exists(file) and not last_line(file).startswith(end)]
+        expect(f"{limit} KiB, cut", (cut, status == 0), ([f for f in cut if f in said], not said))
+        expect(f"{limit} KiB, said", "bad_alloc" in said, False)
+        expect(f"{limit} KiB, learned", last_line("learned") in ("before", "END"), True)
+        if status == 0:
+            break
+    else:
+        expect("enough memory", limit, 0)
+
+
 def check_size_limit():
     """Beyond the limit of a file's size its lines are whole, or it is empty."""
     status = shell("ulimit -f 1; trap '' XFSZ; icehost run -q --trace=t --json j --vcd v --svg s "
@@ -119,7 +140,7 @@ def check_shared_files():
             "run --json new --vcd dangling script.ini", "run --json dangling --svg new script.ini",
             "run --json dangling --vcd dangling_too script.ini",
             "run --learn new --html dangling script.ini", "serve --trace=new --json dangling tcp:0",
-            "run --json one_pipe --vcd one_pipe script.ini & cat one_pipe; wait %1",
+            "run --json one_pipe --vcd one_pipe script.ini & cat one_pipe; wait $!",
             "run --json /dev/stdout --vcd /dev/stdout script.ini | cat",
             "run --json - --svf /dev/stdout script.ini | cat", "run --json - --vcd - script.ini",
             "run --json /dev/stdout script.ini | cat", "run --vcd hard_link - <script.ini",
@@ -222,5 +243,5 @@ def check_terminal():
     expect("a file", "\x1b[7m\x9b syntax error" in read("out"), True)
 
 
-run_checks(check_commands, *([] if SANITIZED else [check_lacks]), check_size_limit, check_old_files, check_shared_files, check_signals,
-           check_ignored_signals, check_terminal)
+run_checks(check_commands, *([] if SANITIZED else [check_lacks, check_memory]),
+           check_size_limit, check_old_files, check_shared_files, check_signals, check_ignored_signals, check_terminal)
