@@ -9,6 +9,7 @@
 
 #include "host/check/check.h"
 #include "host/system/errors.h"
+#include "host/system/file_uses.h"
 #include "host/system/output_file.h"
 #include "host/system/standard_streams.h"
 #include "host/system/text.h"
@@ -58,6 +59,8 @@ CheckReport::CheckReport(const CheckCommand& command)
   } else if (!command.json.empty()) {
     json_ = &file_.emplace(command.json, OutputFile::Rest::kLines).Stream();
   }
+  FileUses uses(command.scripts);
+  if (json_ != nullptr) uses.AddOutput(file_.has_value() ? *file_ : standard_output_, "--json");
 }
 
 ExitStatus CheckReport::WriteAll() {
@@ -90,6 +93,8 @@ ExitStatus CheckReport::WriteOne(const std::string& path) try {
   return errors > 0 || (command_.strict && warnings > 0) ? kScriptFailed : kAllWell;
 } catch (const IoError& error) {
   return Refuse(error.what(), kScriptFailed);
+} catch (const OutOfResources& error) {
+  return Refuse(error.what(), kNotOpened);
 } catch (const std::bad_alloc&) {
   return Refuse(path + ": out of memory", kNotOpened);
 }
@@ -121,7 +126,7 @@ ExitStatus CheckReport::Close(ExitStatus status) {
       if (file != nullptr) file->Close();
     } catch (const IoError& error) {
       Complain(error.what());
-      status = kNotOpened;
+      status = StatusOfLoss();
     }
   }
   return status;

@@ -52,7 +52,7 @@ void Console::Say(const std::string& line) {
     std::fflush(output_.User());
   }
   Close();
-  if (shared_ && std::exchange(mid_line_, false)) std::fputc('\n', stderr);
+  if (shared_ && std::exchange(mid_line_, false)) StandardError() << '\n';
   ComplainLine(line);
 }
 
@@ -61,14 +61,12 @@ void Console::CountOperation() {
   if (!show_progress_ || Clock::now() < next_) return;
   next_ = Clock::now() + kDrawEvery;
   const double rate = static_cast<double>(operations_) / Seconds();
-  std::fputs(fmt::format("{}{} operations, {:.0f}/s", kEraseLine, operations_, rate).c_str(),
-             stderr);
-  std::fflush(stderr);
+  StandardError() << fmt::format("{}{} operations, {:.0f}/s", kEraseLine, operations_, rate);
   drawn_ = true;
 }
 
 void Console::Close() {
-  if (std::exchange(drawn_, false)) std::fputs(kEraseLine, stderr);
+  if (std::exchange(drawn_, false)) StandardError() << kEraseLine;
 }
 
 }  // namespace icehost

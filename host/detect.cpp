@@ -1,5 +1,4 @@
 #include <cstddef>
-#include <cstdio>
 #include <optional>
 #include <string>
 
@@ -13,10 +12,7 @@ namespace icehost {
 namespace {
 
 void Write(const std::string& text) {
-  OutputFile output("-", OutputFile::Rest::kLines);
-  output.Begin();
-  output.Stream() << text;
-  output.Close();
+  OutputFile("-", OutputFile::Rest::kLines).WriteWhole(text);
 }
 
 void WriteScript(const DetectCommand& command, const Chain& chain) {
@@ -31,7 +27,7 @@ ExitStatus Tell(const DetectCommand& command, const Chain& chain) {
   if (!command.quiet && !chain.taps.empty()) {
     const std::string report = ReportOf(chain, command.probe.Name());
     if (command.script.has_value()) {
-      std::fputs(report.c_str(), stderr);
+      StandardError() << report;
     } else {
       Write(report);
     }

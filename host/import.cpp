@@ -1,12 +1,12 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
-#include <iostream>
 #include <new>
 #include <string>
 
 #include "host/svf/importer.h"
 #include "host/system/errors.h"
+#include "host/system/file_uses.h"
 #include "host/system/files.h"
 #include "host/system/output_file.h"
 #include "host/system/standard_streams.h"
@@ -15,11 +15,10 @@
 namespace icehost {
 namespace {
 
-void Write(const std::string& script, const std::string& path) {
-  OutputFile file(path, OutputFile::Rest::kNothing);
-  file.Begin();
-  file.Stream() << script;
-  file.Close();
+void Write(const std::string& script, const ImportCommand& command) {
+  OutputFile file(command.output, OutputFile::Rest::kNothing);
+  FileUses({command.file}).AddOutput(file, "--output");
+  file.WriteWhole(script);
 }
 
 }  // namespace
@@ -38,13 +37,13 @@ ExitStatus Execute(const ImportCommand& command) {
     Complain(command.file + ": out of memory");
     return kNotOpened;
   }
-  imported.problems.Write(std::cerr, name, svf, {command.quiet, WantsColour(STDERR_FILENO)});
+  imported.problems.Write(StandardError(), name, svf, {command.quiet, WantsColour(STDERR_FILENO)});
   if (imported.problems.HasErrors()) {
     Complain(fmt::format("{} is not imported", command.file));
     return kScriptFailed;
   }
   try {
-    Write(imported.script, command.output);
+    Write(imported.script, command);
   } catch (const IoError& error) {
     Complain(error.what());
     return kNotOpened;

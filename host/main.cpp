@@ -1,5 +1,6 @@
 // icehost: runs and checks scripts without a debug server.
 #include <exception>
+#include <new>
 
 #include "host/options/commands.h"
 #include "host/system/errors.h"
@@ -27,10 +28,16 @@ int main(int argc, char** argv) {
   try {
     OccupyStandardDescriptors();
     const ExitStatus status = Main(argc, argv);
-    return CompleteStandardStreams() || status != kAllWell ? status : kNotOpened;
+    return CompleteStandardStreams() || status != kAllWell ? status : StatusOfLoss();
   } catch (const Interrupted& error) {
     Complain(error.what());
     return kInterrupted;
+  } catch (const BadUsage& error) {
+    Complain(error.what());
+    return kBadUsage;
+  } catch (const std::bad_alloc&) {
+    ComplainOfMemory();
+    return kNotOpened;
   } catch (const std::exception& error) {
     Complain(error.what());
     return kNotOpened;

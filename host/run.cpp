@@ -3,10 +3,8 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
 #include <exception>
-#include <iostream>
 #include <new>
 #include <optional>
 #include <string>
@@ -53,7 +51,7 @@ std::string WhyNot(const Problems& problems, const RunCommand& command) {
 }
 
 // Reads and checks all scripts, and shows their problems as check does, on standard error. Returns
-// none, and says why, if they are not to be played. Throws IoError and Interrupted.
+// none, and says why, if they are not to be played. Throws IoError, OutOfResources and Interrupted.
 std::vector<Script> LoadScripts(const RunCommand& command) {
   std::vector<Script> scripts;
   scripts.reserve(command.scripts.size());
@@ -65,7 +63,7 @@ std::vector<Script> LoadScripts(const RunCommand& command) {
   bool play = true;
   for (Script& script : scripts) {
     CheckResult result = CheckScript(*script.text);
-    result.problems.Write(std::cerr, script.name, script.text->Content(),
+    result.problems.Write(StandardError(), script.name, script.text->Content(),
                           {command.quiet && !command.strict, WantsColour(STDERR_FILENO)});
     const std::string why = WhyNot(result.problems, command);
     if (!why.empty()) Complain(fmt::format("{} {}", script.path, why));
@@ -81,7 +79,8 @@ std::vector<Script> LoadScripts(const RunCommand& command) {
 // Plays scripts one after the other. There is only one Runner at a time.
 class Runner {
  public:
-  // Loads the plug-in, and opens the outputs and the probe; throws IoError if one cannot be opened.
+  // Loads the plug-in, and opens the outputs and the probe. Throws IoError if one cannot be opened,
+  // and BadUsage if an output is another file of the run.
   explicit Runner(const RunCommand& command);
   ~Runner();
   Runner(const Runner&) = delete;
@@ -91,6 +90,7 @@ class Runner {
   ExitStatus PlayAll(std::vector<Script> scripts);
 
  private:
+  ExitStatus PlayEach(std::vector<Script>& scripts);
   ExitStatus PlayOne(Script& script);
   void EndScript(const std::string& name, ExitStatus status);
   // Whether the plug-in ran it to its end.
@@ -157,9 +157,11 @@ Runner* Runner::running = nullptr;
 Runner::Runner(const RunCommand& command)
     : command_(command),
       plugin_(command.plugin),
-      outputs_(command.outputs, &OutputKind::run, *command.probe.kind),
-      learned_(command.learn.empty() ? nullptr
-                                     : &outputs_.Add(command.learn, OutputFile::Rest::kNothing)),
+      outputs_(command.outputs, &OutputKind::run, *command.probe.kind,
+               FileUses(command.scripts, command.plugin)),
+      learned_(command.learn.empty()
+                   ? nullptr
+                   : &outputs_.Add("--learn", command.learn, OutputFile::Rest::kNothing)),
       console_(ConsoleOptions(command), rescue_),
       events_(outputs_, console_, command.strict),
       follower_(ModeOf(command)),
@@ -175,6 +177,18 @@ Runner::~Runner() {
 }
 
 ExitStatus Runner::PlayAll(std::vector<Script> scripts) {
+  ExitStatus status = kNotOpened;
+  try {
+    status = PlayEach(scripts);
+  } catch (const std::bad_alloc&) {
+    outputs_.MarkIncomplete();
+    console_.Close();
+    ComplainOfMemory();
+  }
+  return Complete(status);
+}
+
+ExitStatus Runner::PlayEach(std::vector<Script>& scripts) {
   ExitStatus status = kAllWell;
   outputs_.Begin();
   for (Script& script : scripts) {
@@ -185,7 +199,7 @@ ExitStatus Runner::PlayAll(std::vector<Script> scripts) {
     status = std::max(status, ended);
     if (ended != kAllWell && !(command_.keep_going && ran_)) break;
   }
-  return Complete(status);
+  return status;
 }
 
 void Runner::EndScript(const std::string& name, ExitStatus status) {
@@ -219,6 +233,7 @@ ExitStatus Runner::PlayOne(Script& script) {
     events_.Say(fmt::format("{}: the plug-in threw an exception{}", script.path, error.what()));
     return kScriptFailed;
   } catch (const std::bad_alloc&) {
+    outputs_.MarkIncomplete();
     events_.Say(fmt::format("{}: out of memory", script.path));
     return kNotOpened;
   }
@@ -292,11 +307,11 @@ int Runner::Show(const char* message) {
 
 ExitStatus Runner::Complete(ExitStatus status) {
   console_.Close();
-  if (command_.summary) std::fputs((PrintableLines(summary_) + Counts() + "\n").c_str(), stderr);
+  if (command_.summary) StandardError() << PrintableLines(summary_) + Counts() + "\n";
   const std::vector<std::string> failures = outputs_.Complete(Head(status));
   for (const std::string& loss : outputs_.TakeLosses()) Complain(loss);
   for (const std::string& failure : failures) Complain(failure);
-  return status == kAllWell && !failures.empty() ? kNotOpened : status;
+  return status == kAllWell && !failures.empty() ? StatusOfLoss() : status;
 }
 
 void Runner::Abandon() {

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <memory>
+#include <new>
 #include <optional>
 #include <vector>
 
@@ -16,6 +17,8 @@
 namespace icehost {
 namespace {
 
+constexpr const char* kOutOfMemory = "out of memory";
+
 std::unique_ptr<PinPort> OpenServed(const ProbeOptions& probe) {
   const ProbeKind& kind = *probe.kind;
   return (kind.open_served != nullptr ? kind.open_served : kind.open_pins)(probe);
@@ -23,10 +26,10 @@ std::unique_ptr<PinPort> OpenServed(const ProbeOptions& probe) {
 
 class Serving : private BitbangServer::Observer {
  public:
-  // Opens everything. Throws IoError, or Interrupted.
+  // Opens everything. Throws IoError, BadUsage, or Interrupted.
   explicit Serving(const ServeCommand& command)
       : command_(command),
-        outputs_(command.outputs, &OutputKind::serve, *command.probe.kind),
+        outputs_(command.outputs, &OutputKind::serve, *command.probe.kind, FileUses()),
         decoder_({outputs_.serve_listeners.begin(), outputs_.serve_listeners.end()}),
         port_(OpenServed(command.probe)),
         listener_(command.endpoint) {}
@@ -37,6 +40,8 @@ class Serving : private BitbangServer::Observer {
   std::string Serve();
   PinPort& Begin();
   std::size_t Steps() const { return recording_.has_value() ? recording_->Steps() : 0; }
+  // Ends the events; `error` is why, and becomes one if there is no memory for that.
+  PageHead End(std::string& error);
   PageHead Head(const std::string& error) const;
   void EndClient();
   void OnClient(const std::string& peer) override;
@@ -59,15 +64,27 @@ class Serving : private BitbangServer::Observer {
 };
 
 ExitStatus Serving::Run() {
-  const std::string error = Serve();
-  if (has_client_) EndClient();
-  if (!error.empty()) Complain(error);
-  const PageHead head = Head(error);  // without the scan that the end cuts short
-  decoder_.End();
-  for (ServeListener* const listener : outputs_.serve_listeners) listener->OnEnd(error);
+  std::string error = Serve();
+  const PageHead head = End(error);
   const std::vector<std::string> failures = outputs_.Complete(head);
   for (const std::string& failure : failures) Complain(failure);
   return error.empty() && failures.empty() ? kAllWell : kNotOpened;
+}
+
+PageHead Serving::End(std::string& error) {
+  PageHead head = {};
+  try {
+    if (has_client_) EndClient();
+    if (!error.empty()) Complain(error);
+    head = Head(error);  // without the scan that the end cuts short
+    decoder_.End();
+    for (ServeListener* const listener : outputs_.serve_listeners) listener->OnEnd(error);
+  } catch (const std::bad_alloc&) {
+    outputs_.MarkIncomplete();
+    ComplainOfMemory();
+    error = kOutOfMemory;
+  }
+  return head;
 }
 
 PageHead Serving::Head(const std::string& error) const {
@@ -96,6 +113,9 @@ std::string Serving::Serve() try {
   return "";
 } catch (const IoError& error) {
   return error.what();
+} catch (const std::bad_alloc&) {
+  outputs_.MarkIncomplete();
+  return kOutOfMemory;
 }
 
 void Serving::OnClient(const std::string& peer) {

@@ -3,8 +3,15 @@
 #define ICESCRIPT_HOST_VERBS_H_
 
 #include "host/options/commands.h"
+#include "host/system/interrupt.h"
 
 namespace icehost {
+
+// Returns the status of a command that is well but for an output that is not whole: interrupted if
+// a signal ended the wait for its reader.
+inline ExitStatus StatusOfLoss() {
+  return IsInterrupted() ? kInterrupted : kNotOpened;
+}
 
 // Runs the scripts. Completes the outputs however the run ends.
 ExitStatus Execute(const RunCommand& command);

@@ -16,6 +16,7 @@ import time
 ICEHOST = os.path.abspath(sys.argv[1])
 SOURCE = os.path.abspath(sys.argv[2])
 os.environ["PATH"] = f"{os.path.dirname(ICEHOST)}:{os.environ['PATH']}"
+SANITIZED = "sanitize" in ICEHOST  # which takes more memory, and files of its own
 FOLDER = tempfile.TemporaryDirectory()
 for entry in os.listdir(SOURCE):
     os.symlink(os.path.join(SOURCE, entry), os.path.join(FOLDER.name, entry))

@@ -133,8 +133,8 @@ class GpioLines {
 
   void TakeStart(const ScriptLine& line) { AddOperation(line); }
   void Take(const ScriptLine& line);
-  // There are no more.
-  void Finish();
+  // There are no more, or if `cut`, the plug-in reads no more. What they lack is then no fault.
+  void Finish(bool cut);
 
   bool Ended() const { return (state_.flags & GPIO_FLAG_END) != 0; }
   bool RefusedLast() const { return refused_last_; }
@@ -250,14 +250,15 @@ void GpioLines::CloseBlock(const ScriptLine& endr) {
   pins_.CloseBlock(block.rept.line);
 }
 
-void GpioLines::Finish() {
+void GpioLines::Finish(bool cut) {
+  if (cut) blocks_.clear();
   for (const Block& block : blocks_) {
     block_problems_.Error(block.rept,
                           "syntax error: rept & endr not match. (this REPT has no ENDR)");
   }
   // A refused REPT or ENDR leaves its partner alone: that is not a second fault.
   if (!refused_block_) problems_.Add(std::move(block_problems_));
-  pins_.Finish();
+  if (!cut) pins_.Finish();
 }
 
 // Returns whether the line below the section tag is START, else reports it.
@@ -316,7 +317,7 @@ void CheckGpio(const ScriptText& script, CheckResult& result) {
     lines.Take(line);
     last = line.Start();
   }
-  lines.Finish();
+  lines.Finish(script.CutAt().has_value() && !lines.Ended());
   ReportLoneExpectations(script, start, last.line, problems);
   at = script.WithText(at);
   if (!lines.Ended()) {

@@ -53,9 +53,7 @@ class JtagOperations {
     const std::unique_ptr<icescript::JtagOperatorData> record(scr.ParsingControl(ini, 0));
     const bool reset = record != nullptr && record->operatorType == icescript::JTAG_OP_RESET;
     if (record == nullptr) {
-      problems_.Error(section.first, section.lines[kCdi] == 0
-                                         ? "CONTROL syntax error (it has neither RESET nor CDI)"
-                                         : "CONTROL syntax error");
+      ReportNoControl(section);
     } else {
       Append(section, section.lines[reset ? kReset : kCdi], false);
       if (!reset) two_wires_ = record->operatorType == icescript::JTAG_OP_CDI_2WIRE;
@@ -72,11 +70,19 @@ class JtagOperations {
     }
   }
 
+  void ReportNoControl(const IniSection& section) {
+    if (section.lines[kCdi] != 0) return problems_.Error(section.first, "CONTROL syntax error");
+    if (section.cut) return;
+    problems_.Error(section.first, "CONTROL syntax error (it has neither RESET nor CDI)");
+  }
+
   void TakeScan(CIniFile& ini, const IniSection& section) {
     const IniKeys& keys = KeysOf(section.name);
     for (std::size_t i = 0; i < kKeysRead; ++i) {
       if (ini.GetValue(0, CString(keys[i])) != "") continue;
-      ReportMissing(section, i, ini.error_msg[0] != '\0' ? ini.error_msg : message_);
+      if (!section.cut || section.lines[i] != 0) {
+        ReportMissing(section, i, ini.error_msg[0] != '\0' ? ini.error_msg : message_);
+      }
       stopped_ = true;
       return;
     }

@@ -129,7 +129,9 @@ class SectionFinder {
     }
   }
 
-  std::vector<IniSection> Finish() {
+  // `cut`: the script has a line that is too long.
+  std::vector<IniSection> Finish(bool cut) {
+    if (cut) CutLast();
     for (const auto& [name, named] : named_) {
       if (named.section < 0) problems_.Warn(*named.header, "a section without a value is not run");
     }
@@ -141,6 +143,15 @@ class SectionFinder {
     int section = -1;  // in sections_, once it has a value
     std::optional<Place> header;
   };
+
+  void CutLast() {
+    const int last = named_[name_].section;
+    if (last < 0) {
+      named_.erase(name_);
+    } else {
+      sections_[static_cast<std::size_t>(last)].cut = true;
+    }
+  }
 
   void TakeHeader(const ScriptLine& line) {
     name_ = icescript::TrimRight(icescript::TrimLeft(line.text, '['), ']');
@@ -207,7 +218,7 @@ std::vector<IniSection> FindSections(const ScriptText& script, Problems& problem
   for (const ScriptLine line : script) {
     if (!line.Blank()) finder.Take(line);
   }
-  return finder.Finish();
+  return finder.Finish(script.CutAt().has_value());
 }
 
 }  // namespace icehost

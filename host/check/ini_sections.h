@@ -27,6 +27,7 @@ struct IniSection {
   Place first;            // its header, or its first value where it has none
   // The lines with the values of its keys, the last ones; 0 where there is none.
   std::array<int, kMostKeys> lines;
+  bool cut = false;  // the line at ScriptText::CutAt() would have been one of it
 };
 
 // Reads the lines as the reader does and reports what is wrong with single lines and headers; a

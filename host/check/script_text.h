@@ -32,7 +32,7 @@ struct ScriptLine {
 
 // Reads the whole of `path`, "-" being standard input, up to `limit` bytes. Throws IoError where it
 // cannot be read or is binary: where it holds a NUL, does not begin with a section header, and the
-// plug-in refuses more than half of its lines. Throws Interrupted.
+// plug-in refuses more than half of its lines. Throws OutOfResources and Interrupted.
 std::string ReadScript(const std::string& path, std::size_t limit);
 
 // The lines that the plug-in reads: up to the first that is too long for it. Each is made when it

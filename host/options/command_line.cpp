@@ -2,7 +2,6 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cstdio>
 #include <iostream>
 #include <map>
 #include <sstream>
@@ -10,6 +9,7 @@
 
 #include "host/check/hints.h"
 #include "host/options/verb_options.h"
+#include "host/system/standard_streams.h"
 #include "host/system/text.h"
 
 namespace icehost {
@@ -94,11 +94,21 @@ void RefuseUnknownOption(const CLI::App& app) {
   }
 }
 
+// CLI11 takes the next word for the value, or none where the option can do without.
+void RefuseEmptyValues(const Texts& words) {
+  for (const std::string& word : words) {
+    if (word == "--") return;
+    if (word.substr(0, 2) != "--" || word.find('=') + 1 != word.size()) continue;
+    throw CLI::ValidationError(fmt::format("option \"{}\" has no value", word));
+  }
+}
+
 // As app.parse; but "help VERB" means "VERB --help", and an unknown verb or option is named, and
 // that before anything that is missing. Throws CLI::ParseError.
 void ParseWords(CLI::App& app, Texts words) {
   PutOptionForHelp(words);
   RefuseUnknownVerb(app, words);
+  RefuseEmptyValues(words);
   std::reverse(words.begin(), words.end());
   try {
     app.parse(words);
@@ -136,7 +146,7 @@ std::variant<Command, ExitStatus> ParseCommandLine(int argc, char** argv) {
   } catch (const CLI::ParseError& error) {
     std::ostringstream complaint;  // which may quote the command line
     const int status = app.exit(error, std::cout, complaint);
-    std::fputs(PrintableLines(complaint.str()).c_str(), stderr);
+    StandardError() << PrintableLines(complaint.str());
     return status == 0 ? kAllWell : kBadUsage;
   }
   Command& command = *command_of.at(app.get_subcommands().front());

@@ -1,7 +1,6 @@
 #include "host/options/option_values.h"
 
 #include <fmt/format.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cctype>
@@ -9,14 +8,12 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "host/system/files.h"
 #include "host/target/wires.h"
 
 namespace icehost {
 namespace {
 
 constexpr int kLongestRegister = 4096;
-constexpr const char* kScript = "a script";
 
 bool TakePrefix(std::string& text, const std::string& prefix) {
   if (text.compare(0, prefix.size(), prefix) != 0) return false;
@@ -60,26 +57,6 @@ Bits HexBits(std::string digits, int length) {
   }
   bits.resize(static_cast<std::size_t>(length));
   return bits;
-}
-
-struct Use {
-  std::string identity;
-  std::string what;
-};
-
-std::vector<Use> UsesBesideOutputs(const std::vector<std::string>& scripts) {
-  std::vector<Use> uses = {{IdentityOf(STDOUT_FILENO), "standard output"},
-                           {IdentityOf(STDERR_FILENO), "standard error"}};
-  for (const std::string& script : scripts) {
-    uses.push_back({script == "-" ? IdentityOf(STDIN_FILENO) : IdentityOf(script), kScript});
-  }
-  return uses;
-}
-
-bool IsScript(const std::string& identity, const std::vector<Use>& uses) {
-  return !identity.empty() && std::any_of(uses.begin(), uses.end(), [&identity](const Use& use) {
-    return use.what == kScript && use.identity == identity;
-  });
 }
 
 }  // namespace
@@ -145,27 +122,6 @@ void RefuseUnfitInstruction(std::uint64_t instruction, int ir_length) {
   if (instruction >> static_cast<unsigned>(ir_length) == 0) return;
   throw std::invalid_argument(
       fmt::format("instruction {:#x} does not fit an IR of {} bits", instruction, ir_length));
-}
-
-void RefuseSharedFiles(const std::vector<NamedOutput>& outputs,
-                       const std::vector<std::string>& scripts, const std::string& plugin) {
-  std::vector<Use> uses = UsesBesideOutputs(scripts);
-  if (!plugin.empty()) uses.push_back({IdentityOf(plugin), "the plug-in"});
-  for (const auto& [option, path] : outputs) {
-    if (path.empty()) continue;
-    // Two outputs may be on the same terminal, but not on the same "-".
-    const std::string identity = path == "-" ? "-" : IdentityOf(path);
-    if (identity.empty()) continue;
-    if (identity == "-" && IsScript(IdentityOf(STDOUT_FILENO), uses)) {
-      throw std::invalid_argument(fmt::format("{}: standard output is also a script", option));
-    }
-    const auto other = std::find_if(
-        uses.begin(), uses.end(), [&id = identity](const Use& use) { return use.identity == id; });
-    if (other != uses.end()) {
-      throw std::invalid_argument(fmt::format("{}: {} is also {}", option, path, other->what));
-    }
-    uses.push_back({identity, fmt::format("the file of {}", option)});
-  }
 }
 
 }  // namespace icehost

@@ -31,17 +31,6 @@ void ParseRegister(const std::string& text, TargetOptions& target);
 // Throws where the instruction is longer than the IR.
 void RefuseUnfitInstruction(std::uint64_t instruction, int ir_length);
 
-// A file to write: empty where it is not asked for, "-" for standard output.
-struct NamedOutput {
-  const char* option;
-  std::string path;
-};
-
-// Throws where a file would be read and written, or written twice: names the option and the other
-// use of its file. Opens nothing.
-void RefuseSharedFiles(const std::vector<NamedOutput>& outputs,
-                       const std::vector<std::string>& scripts, const std::string& plugin = "");
-
 }  // namespace icehost
 
 #endif  // ICESCRIPT_HOST_OPTIONS_OPTION_VALUES_H_

@@ -19,13 +19,12 @@ CLI::App& NewVerb(CLI::App& app, const char* name, const char* description, bool
   return verb;
 }
 
-// Turns std::invalid_argument into a usage error of `option`; empty: the text names it.
+// Turns std::invalid_argument into a usage error of `option`.
 void Refuse(const std::string& option, const std::function<void()>& judge) {
   try {
     judge();
   } catch (const std::invalid_argument& error) {
-    if (!option.empty()) throw CLI::ValidationError(option, error.what());
-    throw CLI::ValidationError(error.what());
+    throw CLI::ValidationError(option, error.what());
   }
 }
 
@@ -106,14 +105,6 @@ OutputRequests RequestsOf(const CLI::App& verb) {
   return requests;
 }
 
-std::vector<NamedOutput> NamedIn(const OutputRequests& requests) {
-  std::vector<NamedOutput> named;
-  for (const auto& [kind, path] : requests) {
-    if (path.has_value()) named.push_back({kind->option, *path});
-  }
-  return named;
-}
-
 void RefuseUnfitProbe(const CLI::App& verb, const ProbeOptions& probe) {
   const TargetOptions& target = probe.target;
   Refuse("--register", [&target] {
@@ -133,16 +124,14 @@ void RefuseUnfitProbe(const CLI::App& verb, const ProbeOptions& probe) {
 
 void CompleteRun(const CLI::App& verb, RunCommand& run) {
   run.outputs = RequestsOf(verb);
-  std::vector<NamedOutput> named = NamedIn(run.outputs);
-  named.push_back({"--learn", run.learn});
-  Refuse("", [&] { RefuseSharedFiles(named, run.scripts, run.plugin); });
   if (!run.learn.empty() && run.scripts.size() > 1) {
     throw CLI::ValidationError("--learn", "takes one script");
   }
   RefuseUnfitProbe(verb, run.probe);
   // Anything else on standard output would spoil an output that is meant for a program.
-  run.quiet |= std::any_of(named.begin(), named.end(),
-                           [](const NamedOutput& output) { return output.path == "-"; });
+  run.quiet |= run.learn == "-" ||
+               std::any_of(run.outputs.begin(), run.outputs.end(),
+                           [](const OutputRequest& output) { return output.path == "-"; });
 }
 
 // Given without a kind, the text is empty.
@@ -163,7 +152,6 @@ void CompleteDetect(const CLI::App& verb, const DetectCommand& detect) {
 void CompleteServe(const CLI::App& verb, ServeCommand& serve) {
   const ProbeKind& kind = *serve.probe.kind;
   serve.outputs = RequestsOf(verb);
-  Refuse("", [&serve] { RefuseSharedFiles(NamedIn(serve.outputs), {}); });
   if (serve.verbose && serve.quiet) throw CLI::ValidationError("--verbose", "is against --quiet");
   if (!kind.ShowsPins()) {
     throw CLI::ValidationError(
@@ -212,9 +200,6 @@ CLI::App& AddVerb(CLI::App& app, CheckCommand& check) {
   NamesFile(verb.add_option(
       "--json", check.json,
       "Write the problems as JSON lines; - is standard output, in place of the text"));
-  verb.final_callback([&check] {
-    Refuse("", [&check] { RefuseSharedFiles({{"--json", check.json}}, check.scripts); });
-  });
   return verb;
 }
 
@@ -238,9 +223,6 @@ CLI::App& AddVerb(CLI::App& app, ImportCommand& import) {
             [&import](const std::string& text) { import.size_limit = ParseMebibytes(text); });
   NamesFile(verb.add_option("-o,--output", import.output,
                             "Write the script to a file, instead of standard output"));
-  verb.final_callback([&import] {
-    Refuse("", [&import] { RefuseSharedFiles({{"--output", import.output}}, {import.file}); });
-  });
   return verb;
 }
 

@@ -51,7 +51,10 @@ std::string DefaultPluginPath() {
   namespace fs = std::filesystem;
   constexpr const char* kName = "libicescript.so";
   std::error_code ignored;
-  const fs::path folder = fs::read_symlink("/proc/self/exe", ignored).parent_path();
+  constexpr const char* kProgram = "/proc/self/exe";
+  const fs::path program = fs::read_symlink(kProgram, ignored);
+  if (program.empty()) return kProgram;  // which the error that comes then names
+  const fs::path folder = program.parent_path();
   const fs::path installed = (folder / ICEHOST_PLUGIN_FOLDER / kName).lexically_normal();
   const fs::path built = folder / kName;
   return fs::exists(built, ignored) ? built : installed;

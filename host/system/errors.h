@@ -6,8 +6,21 @@
 
 namespace icehost {
 
+// The command line cannot be carried out. The run ends with kBadUsage.
+class BadUsage : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
 // Something cannot be opened, or a connection is lost. The run ends with kNotOpened.
 class IoError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// The system has no descriptor or memory left, which says nothing about the file that is named. The
+// run ends with kNotOpened.
+class OutOfResources : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };

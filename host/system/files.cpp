@@ -10,9 +10,9 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <filesystem>
 #include <memory>
 #include <new>
+#include <vector>
 
 #include "host/system/errors.h"
 #include "host/system/interrupt.h"
@@ -23,7 +23,10 @@ namespace {
 constexpr int kLookForSignalsEvery = 100;  // ms
 
 [[noreturn]] void Fail(const std::string& path) {
-  throw IoError(path + ": " + std::strerror(errno));
+  const int error = errno;
+  const std::string what = path + ": " + std::strerror(error);
+  if (error == EMFILE || error == ENFILE || error == ENOMEM) throw OutOfResources(what);
+  throw IoError(what);
 }
 
 // Does not use the event loop, which would make the standard input of the user's shell non-blocking
@@ -34,16 +37,16 @@ std::string ReadAll(int fd, const std::string& path, std::size_t limit) {
   if (fstat(fd, &status) == 0 && S_ISREG(status.st_mode)) {
     content.reserve(std::min(static_cast<std::size_t>(status.st_size), limit));
   }
-  char buffer[1 << 16];
+  std::vector<char> buffer(1 << 16);
   for (;;) {
     pollfd waiting = {fd, POLLIN, 0};
     const int ready = poll(&waiting, 1, kLookForSignalsEvery);
     ThrowIfInterrupted();
     if (ready == 0) continue;
-    const ssize_t got = read(fd, buffer, sizeof buffer);
+    const ssize_t got = read(fd, buffer.data(), buffer.size());
     if (got == 0) return content;
     if (got < 0 && errno != EINTR && errno != EAGAIN) Fail(path);
-    if (got > 0) content.append(buffer, static_cast<std::size_t>(got));
+    if (got > 0) content.append(buffer.data(), static_cast<std::size_t>(got));
     if (content.size() > limit) {
       throw IoError(
           fmt::format("{}: is larger than {} MiB; --size-limit lets more in", path, limit >> 20U));
@@ -67,11 +70,6 @@ bool CanBeOpened(const std::string& path) {
   return fd >= 0;
 }
 
-std::string IdentityIn(const struct stat& status) {
-  if (!S_ISREG(status.st_mode)) return "";
-  return fmt::format("{}:{}", status.st_dev, status.st_ino);
-}
-
 }  // namespace
 
 std::string ReadInput(const std::string& path, std::size_t limit) try {
@@ -86,7 +84,7 @@ std::string ReadInput(const std::string& path, std::size_t limit) try {
       &fd, [](const int* file) { close(*file); });
   return ReadAll(fd, path, limit);
 } catch (const std::bad_alloc&) {
-  throw IoError(path + ": out of memory");
+  throw OutOfResources(path + ": out of memory");
 }
 
 MemoryFile::MemoryFile(std::string_view content)
@@ -94,31 +92,22 @@ MemoryFile::MemoryFile(std::string_view content)
   if (fd_ >= 0 && WriteAll(fd_, content) && CanBeOpened(path_)) return;
   const int error = errno;
   if (fd_ >= 0) close(fd_);
-  throw IoError(fmt::format("cannot keep a script in memory: {}", std::strerror(error)));
+  throw IoError(fmt::format("cannot keep a script in memory: {}{}", fd_ >= 0 ? path_ + ": " : "",
+                            std::strerror(error)));
 }
 
 MemoryFile::~MemoryFile() {
   close(fd_);
 }
 
-std::string IdentityOf(const std::string& path) {
-  struct stat status = {};
-  if (stat(path.c_str(), &status) == 0) return IdentityIn(status);
-  std::error_code error;
-  const std::filesystem::path place = std::filesystem::weakly_canonical(path, error);
-  return error ? "" : std::filesystem::absolute(place, error).string();
-}
-
-std::string IdentityOf(int fd) {
-  struct stat status = {};
-  return fstat(fd, &status) == 0 ? IdentityIn(status) : "";
+bool IsSameFile(const struct stat& one, const struct stat& other) {
+  return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
 }
 
 bool IsSameFile(int fd, int other) {
-  struct stat one {};
-  struct stat two {};
-  return fstat(fd, &one) == 0 && fstat(other, &two) == 0 && one.st_dev == two.st_dev &&
-         one.st_ino == two.st_ino;
+  struct stat one = {};
+  struct stat two = {};
+  return fstat(fd, &one) == 0 && fstat(other, &two) == 0 && IsSameFile(one, two);
 }
 
 }  // namespace icehost

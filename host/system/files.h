@@ -1,6 +1,8 @@
-// Files that icehost reads, files in memory, and which file is which.
+// Files that icehost reads, files in memory, and whether two are the same.
 #ifndef ICESCRIPT_HOST_SYSTEM_FILES_H_
 #define ICESCRIPT_HOST_SYSTEM_FILES_H_
+
+#include <sys/stat.h>
 
 #include <cstddef>
 #include <string>
@@ -9,7 +11,7 @@
 namespace icehost {
 
 // Returns the whole content of `path`, where "-" is standard input, up to `limit` bytes. Throws
-// IoError that says why it cannot, and Interrupted.
+// IoError that says why it cannot, OutOfResources, and Interrupted.
 std::string ReadInput(const std::string& path, std::size_t limit);
 
 // A file in memory, for a reader that opens a path. It exists as long as the object.
@@ -28,13 +30,9 @@ class MemoryFile {
   std::string path_;
 };
 
-// Returns the same text for the same file, whatever path leads to it; a file that does not exist
-// yet is known by its place. Empty for a terminal, a pipe and others that a second opening does not
-// destroy.
-std::string IdentityOf(const std::string& path);
-// Returns the same text for an open descriptor; empty also if it is closed.
-std::string IdentityOf(int fd);
-// Returns whether both descriptors lead to the same file, terminal or pipe.
+// Returns whether both are of the same file, terminal or pipe.
+bool IsSameFile(const struct stat& one, const struct stat& other);
+// Returns whether both descriptors lead to the same one.
 bool IsSameFile(int fd, int other);
 
 }  // namespace icehost

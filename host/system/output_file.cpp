@@ -2,14 +2,12 @@
 
 #include <fcntl.h>
 #include <fmt/format.h>
-#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
-#include <climits>
 #include <cstring>
+#include <filesystem>
 #include <utility>
 
 #include "host/system/errors.h"
@@ -19,8 +17,6 @@ namespace icehost {
 namespace {
 
 constexpr int kBufferSize = 1 << 16;
-constexpr std::ptrdiff_t kPipePiece = PIPE_BUF;  // a pipe with room takes it whole
-constexpr int kSignalPollInterval = 100;         // ms
 
 // Returns a duplicate, which stays standard output while descriptor 1 leads elsewhere.
 int OpenStandardOutput() {
@@ -29,55 +25,41 @@ int OpenStandardOutput() {
   return fd;
 }
 
-// Opens an existing file, or creates one; `created` says which.
-int Open(const std::string& path, bool& created) {
+// Where links lead whose file does not exist.
+std::string MissingFile(const std::string& path) {
+  namespace fs = std::filesystem;
+  fs::path place = path;
+  std::error_code ignored;
+  for (;;) {
+    const fs::path target = fs::read_symlink(place, ignored);
+    if (target.empty()) return place;
+    place = place.parent_path() / target;
+  }
+}
+
+// Opens an existing file, or creates one, and then names it in `created`.
+int Open(const std::string& path, std::string& created) {
   if (path == "-") return OpenStandardOutput();
-  constexpr int kNew = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
-  constexpr int kThere = O_WRONLY | O_CREAT | O_CLOEXEC;  // O_CREAT for a dead link
-  int fd = open(path.c_str(), kNew, 0666);
-  created = fd >= 0;
-  if (!created) fd = open(path.c_str(), kThere, 0666);
+  int fd = open(path.c_str(), O_WRONLY | O_CLOEXEC);
+  if (fd < 0 && errno == ENOENT) {
+    created = MissingFile(path);
+    fd = open(created.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+  }
   if (fd < 0) throw IoError(fmt::format("{}: {}", path, std::strerror(errno)));
   return fd;
 }
 
-bool HasReader(int fd) {
-  struct stat status = {};
-  return fstat(fd, &status) == 0 && !S_ISREG(status.st_mode);
-}
-
 }  // namespace
 
-OutputFile::Buffer::Buffer(int fd)
-    : fd_(fd), has_reader_(HasReader(fd)), bytes_(std::make_unique<char[]>(kBufferSize)) {
-  setp(bytes_.get(), bytes_.get() + kBufferSize);
-}
-
-// Stops waiting after a signal.
-void OutputFile::Buffer::AwaitReader() {
-  pollfd waiting = {fd_, POLLOUT, 0};
-  while (poll(&waiting, 1, kSignalPollInterval) == 0) {
-    if (!IsInterrupted()) continue;
-    error_ = EINTR;
-    return;
-  }
+OutputFile::Buffer::Buffer(int fd, char* room) : writer_(fd) {
+  setp(room, room + kBufferSize);
 }
 
 bool OutputFile::Buffer::Write() {
-  const char* at = pbase();
-  while (error_ == 0 && at < pptr()) {
-    std::ptrdiff_t size = pptr() - at;
-    if (has_reader_) {
-      AwaitReader();
-      if (error_ != 0) break;
-      size = std::min(size, kPipePiece);
-    }
-    const ssize_t written = write(fd_, at, static_cast<std::size_t>(size));
-    if (written >= 0) at += written;
-    if (written < 0 && errno != EINTR && errno != EAGAIN) error_ = errno;
-  }
+  const bool written =
+      writer_.Write(std::string_view(pbase(), static_cast<std::size_t>(pptr() - pbase())));
   setp(pbase(), epptr());
-  return error_ == 0;
+  return written;
 }
 
 OutputFile::Buffer::int_type OutputFile::Buffer::overflow(int_type ch) {
@@ -89,17 +71,23 @@ OutputFile::Buffer::int_type OutputFile::Buffer::overflow(int_type ch) {
 OutputFile::OutputFile(const std::string& path, Rest rest)
     : path_(path),
       rest_(rest),
-      created_(false),
+      room_(std::make_unique<char[]>(kBufferSize)),
       fd_(Open(path, created_)),
-      buffer_(fd_),
+      buffer_(fd_, room_.get()),
       stream_(&buffer_) {
   if (isatty(fd_) != 0) stream_.setf(std::ios::unitbuf);
 }
 
 OutputFile::~OutputFile() {
-  if (begun_ && fd_ >= 0) buffer_.Write();
+  if (begun_ && fd_ >= 0 && !buffer_.Write()) CutUnfinished();
   if (fd_ >= 0) close(fd_);
-  if (created_ && !begun_) unlink(path_.c_str());
+  if (!created_.empty() && !begun_) unlink(created_.c_str());
+}
+
+struct stat OutputFile::Status() const {
+  struct stat status = {};
+  if (fstat(fd_, &status) != 0) throw IoError(fmt::format("{}: {}", path_, std::strerror(errno)));
+  return status;
 }
 
 void OutputFile::Begin() {
@@ -117,9 +105,17 @@ void OutputFile::ThrowIfCut() {
 void OutputFile::Close() {
   buffer_.Write();
   int error = buffer_.Error();
-  if (error != 0 && !IsStandardOutput()) CutUnfinished();
+  if (error == 0 && incomplete_) error = ENOMEM;
+  if (error != 0) CutUnfinished();
   if (close(std::exchange(fd_, -1)) != 0 && error == 0) error = errno;
   if (error != 0) Fail(error);
+}
+
+void OutputFile::WriteWhole(std::string_view text) {
+  Begin();
+  stream_ << text << std::flush;
+  if (!stream_) ThrowIfInterrupted();
+  Close();
 }
 
 void OutputFile::Fail(int error) {
@@ -131,6 +127,7 @@ void OutputFile::Fail(int error) {
 
 // Removes a part of a line, or everything, if the file can be read and cut.
 void OutputFile::CutUnfinished() const {
+  if (IsStandardOutput()) return;
   off_t end = rest_ == Rest::kLines ? lseek(fd_, 0, SEEK_CUR) : 0;
   const int reader =
       open(fmt::format("/proc/self/fd/{}", fd_).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);

@@ -2,11 +2,16 @@
 #ifndef ICESCRIPT_HOST_SYSTEM_OUTPUT_FILE_H_
 #define ICESCRIPT_HOST_SYSTEM_OUTPUT_FILE_H_
 
+#include <sys/stat.h>
+
 #include <memory>
 #include <ostream>
 #include <streambuf>
 #include <string>
+#include <string_view>
 #include <vector>
+
+#include "host/system/descriptor_writer.h"
 
 namespace icehost {
 
@@ -30,18 +35,28 @@ class OutputFile {
   // Empties the file. To be called before anything is written.
   void Begin();
   std::ostream& Stream() { return stream_; }
+  // As the user named it.
+  const std::string& Path() const { return path_; }
+  bool IsStandardOutput() const { return path_ == "-"; }
+  // Of the open file; throws IoError.
+  struct stat Status() const;
+  // There was no memory for something that belongs in the file: Close fails, if it was begun.
+  void MarkIncomplete() { incomplete_ = begun_; }
   // Throws IoError if something could not be written and that was not thrown before; or Interrupted
   // if a signal was the reason.
   void ThrowIfCut();
   // Writes the rest and closes the file; throws such an IoError.
   void Close();
+  // Does all of it with the whole text: begins, writes and closes the file. Throws Interrupted if a
+  // signal came while nobody took the text.
+  void WriteWhole(std::string_view text);
 
  private:
   class Buffer : public std::streambuf {
    public:
-    explicit Buffer(int fd);
+    Buffer(int fd, char* room);
     // The error of the first write that failed, or 0.
-    int Error() const { return error_; }
+    int Error() const { return writer_.Error(); }
     bool Write();
 
    protected:
@@ -49,23 +64,19 @@ class OutputFile {
     int sync() override { return Write() ? 0 : -1; }
 
    private:
-    void AwaitReader();
-
-    int fd_;
-    bool has_reader_;  // who may be slow
-    int error_ = 0;
-    std::unique_ptr<char[]> bytes_;
+    DescriptorWriter writer_;
   };
 
-  bool IsStandardOutput() const { return path_ == "-"; }
   void CutUnfinished() const;
   void Fail(int error);
 
   std::string path_;
   Rest rest_;
-  bool created_;
+  std::string created_;  // the file, if it did not exist
   bool begun_ = false;
+  bool incomplete_ = false;
   bool reported_ = false;
+  std::unique_ptr<char[]> room_;  // of the buffer; there is nothing to undo if there is none
   int fd_;
   Buffer buffer_;
   std::ostream stream_;

@@ -8,7 +8,9 @@
 #include <cstdlib>
 #include <cstring>
 #include <initializer_list>
+#include <streambuf>
 
+#include "host/system/descriptor_writer.h"
 #include "host/system/errors.h"
 #include "host/system/text.h"
 
@@ -19,7 +21,31 @@ namespace {
   throw IoError(std::string("standard output: ") + std::strerror(errno));
 }
 
+class Unbuffered : public std::streambuf {
+ public:
+  explicit Unbuffered(int fd) : writer_(fd) {}
+
+ protected:
+  int_type overflow(int_type ch) override {
+    const char byte = traits_type::to_char_type(ch);
+    return writer_.Write({&byte, 1}) ? ch : traits_type::eof();
+  }
+  std::streamsize xsputn(const char* text, std::streamsize size) override {
+    return writer_.Write({text, static_cast<std::size_t>(size)}) ? size : 0;
+  }
+
+ private:
+  DescriptorWriter writer_;
+};
+
+// Never destroyed: threads may use it while the process ends.
+std::ostream& standard_error = *new std::ostream(new Unbuffered(STDERR_FILENO));
+
 }  // namespace
+
+std::ostream& StandardError() {
+  return standard_error;
+}
 
 void OccupyStandardDescriptors() {
   for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
@@ -31,7 +57,7 @@ void OccupyStandardDescriptors() {
 
 bool CompleteStandardStreams() {
   const bool flushed = std::fflush(stdout) == 0;
-  return flushed && std::ferror(stdout) == 0 && std::ferror(stderr) == 0;
+  return flushed && std::ferror(stdout) == 0 && standard_error.good();
 }
 
 CapturedOutput::CapturedOutput() : kept_(memfd_create("stdout", MFD_CLOEXEC)) {
@@ -77,11 +103,15 @@ bool WantsColour(int fd) {
 void ComplainLine(std::string line) {
   while (!line.empty() && line.back() == '\n') line.pop_back();
   // If standard error takes no more, nobody can be informed.
-  std::fputs((Printable(line) + "\n").c_str(), stderr);
+  standard_error << Printable(line) + "\n";
 }
 
 void Complain(const std::string& what) {
   ComplainLine("icehost: " + what);
+}
+
+void ComplainOfMemory() {
+  standard_error << "icehost: out of memory\n";
 }
 
 }  // namespace icehost

@@ -3,6 +3,7 @@
 #define ICESCRIPT_HOST_SYSTEM_STANDARD_STREAMS_H_
 
 #include <cstdio>
+#include <ostream>
 #include <string>
 
 namespace icehost {
@@ -11,6 +12,9 @@ namespace icehost {
 // connection gets their numbers, and text for the user with them: using one is an error. To be
 // called first.
 void OccupyStandardDescriptors();
+
+// Standard error, without a buffer. A wait for its reader ends after a signal.
+std::ostream& StandardError();
 
 // Writes out the buffers. Returns false if standard output or standard error did not take
 // everything that was written to it since the start.
@@ -24,6 +28,9 @@ bool WantsColour(int fd);
 void ComplainLine(std::string line);
 // Prints icehost's own words in such a line.
 void Complain(const std::string& what);
+
+// Prints that memory has run out, and takes none for that.
+void ComplainOfMemory();
 
 // While it exists, it keeps what a library writes to descriptor 1, as printf does, and the user's
 // standard output is the stream of this object. One at a time.

@@ -12,18 +12,22 @@ struct Range {
   char32_t last;
 };
 
+// In order: Unicode's control (Cc) and format characters (Cf) and its line and paragraph
+// separators.
 constexpr Range kUnprintable[] = {
-    {0x00, 0x08},     {0x0A, 0x1F},  // C0 but the tab
-    {0x7F, 0x9F},                    // DEL and C1
-    {0x200E, 0x200F},                // marks of direction
-    {0x2028, 0x202E},                // line breaks, embeddings and overrides
-    {0x2066, 0x2069},                // isolates
+    {0x00, 0x08},       {0x0A, 0x1F},       {0x7F, 0x9F},       {0xAD, 0xAD},
+    {0x600, 0x605},     {0x61C, 0x61C},     {0x6DD, 0x6DD},     {0x70F, 0x70F},
+    {0x890, 0x891},     {0x8E2, 0x8E2},     {0x180E, 0x180E},   {0x200B, 0x200F},
+    {0x2028, 0x202E},   {0x2060, 0x206F},   {0xFEFF, 0xFEFF},   {0xFFF9, 0xFFFB},
+    {0x110BD, 0x110BD}, {0x110CD, 0x110CD}, {0x13430, 0x1343F}, {0x1BCA0, 0x1BCA3},
+    {0x1D173, 0x1D17A}, {0xE0001, 0xE007F},
 };
 
 bool IsPrintable(char32_t code) {
-  return std::none_of(std::begin(kUnprintable), std::end(kUnprintable), [code](const Range& range) {
-    return code >= range.first && code <= range.last;
-  });
+  const auto* const range =
+      std::lower_bound(std::begin(kUnprintable), std::end(kUnprintable), code,
+                       [](const Range& one, char32_t wanted) { return one.last < wanted; });
+  return range == std::end(kUnprintable) || code < range->first;
 }
 
 // Returns the number of bytes that a first byte announces; 0 for a byte that cannot be the first.

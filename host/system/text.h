@@ -8,9 +8,9 @@
 namespace icehost {
 
 // Returns the text as valid UTF-8 with nothing in it that a terminal obeys. A blank replaces a
-// control character other than a tab, and a character that breaks lines or changes the direction of
-// the text; a question mark replaces a byte that is not UTF-8. Every replacement is one column
-// wide.
+// control character other than a tab, a line separator, and a format character, which is invisible
+// or changes the direction of the text. A question mark replaces a byte that is not UTF-8. Every
+// replacement is one column wide.
 std::string Printable(std::string_view text);
 // Does the same for each line: line breaks stay.
 std::string PrintableLines(std::string_view text);

@@ -6,7 +6,7 @@
 #include <chrono>
 #include <cstdint>
 #include <ctime>
-#include <iostream>
+#include <new>
 
 #include "host/events/run_writers.h"
 #include "host/page/page_writer.h"
@@ -14,6 +14,7 @@
 #include "host/pins/pin_writers.h"
 #include "host/svf/svf_writer.h"
 #include "host/system/errors.h"
+#include "host/system/standard_streams.h"
 
 namespace icehost {
 namespace {
@@ -99,32 +100,37 @@ std::vector<std::pair<std::string, std::string>> HeadEntries(const ProbeOptions&
 }
 
 Outputs::Outputs(const OutputRequests& requests, OutputKind::Verb OutputKind::*verb,
-                 const ProbeKind& probe) {
+                 const ProbeKind& probe, FileUses uses)
+    : uses_(std::move(uses)) {
   for (const OutputRequest& request : requests) {
     if (!request.kind->needs_pins || probe.ShowsPins()) continue;
     throw IoError(fmt::format("{} shows no pins: no waveform of it", probe.title));
   }
   for (const auto& [kind, path] : requests) {
-    std::ostream& stream = path.has_value() ? Add(*path, kind->rest).Stream() : std::cerr;
+    OutputFile* const file = path.has_value() ? &Add(kind->option, *path, kind->rest) : nullptr;
     const auto& [help, make, make_without_pins] = kind->*verb;
     const bool without = !probe.ShowsPins() && make_without_pins != nullptr;
-    outputs_.push_back((without ? make_without_pins : make)(stream));
-    AddTo(listeners, *outputs_.back());
-    AddTo(serve_listeners, *outputs_.back());
-    AddTo(recorders, *outputs_.back());
+    const MakeOutput make_output = without ? make_without_pins : make;
+    writers_.push_back({make_output(file != nullptr ? file->Stream() : StandardError()), file});
+    Output& output = *writers_.back().output;
+    AddTo(listeners, output);
+    AddTo(serve_listeners, output);
+    AddTo(recorders, output);
   }
   begun_ = files_.size();
 }
 
-OutputFile& Outputs::Add(const std::string& path, OutputFile::Rest rest) {
-  files_.push_back(std::make_unique<OutputFile>(path, rest));
-  if (path == "-") standard_output_ = files_.back().get();
-  return *files_.back();
+OutputFile& Outputs::Add(const std::string& option, const std::string& path,
+                         OutputFile::Rest rest) {
+  OutputFile& file = *files_.emplace_back(std::make_unique<OutputFile>(path, rest));
+  uses_.AddOutput(file, option);
+  if (file.IsStandardOutput()) standard_output_ = &file;
+  return file;
 }
 
 void Outputs::Begin() {
   for (std::size_t i = 0; i < begun_; ++i) files_[i]->Begin();
-  for (const auto& output : outputs_) output->Begin();
+  for (const Writer& writer : writers_) writer.output->Begin();
 }
 
 void Outputs::Flush() {
@@ -136,15 +142,31 @@ void Outputs::Flush() {
 
 std::vector<std::string> Outputs::TakeLosses() {
   std::vector<std::string> losses;
-  for (const auto& output : outputs_) {
-    for (std::string& loss : output->TakeLosses()) losses.push_back(std::move(loss));
+  for (const Writer& writer : writers_) {
+    for (std::string& loss : writer.output->TakeLosses()) losses.push_back(std::move(loss));
   }
   return losses;
 }
 
+void Outputs::MarkIncomplete() {
+  for (const auto& file : files_) file->MarkIncomplete();
+}
+
 std::vector<std::string> Outputs::Complete(const PageHead& head) {
-  for (const auto& output : outputs_) output->End(head);
-  return CloseAll(files_);
+  std::vector<std::string> failures;
+  for (const Writer& writer : writers_) {
+    try {
+      writer.output->End(head);
+    } catch (const std::bad_alloc&) {
+      if (writer.file != nullptr) {
+        writer.file->MarkIncomplete();
+      } else {
+        failures.emplace_back("standard error: out of memory");
+      }
+    }
+  }
+  for (std::string& failure : CloseAll(files_)) failures.push_back(std::move(failure));
+  return failures;
 }
 
 }  // namespace icehost

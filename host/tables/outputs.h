@@ -13,6 +13,7 @@
 #include "host/events/output.h"
 #include "host/pins/pin_writers.h"
 #include "host/pins/recording_port.h"
+#include "host/system/file_uses.h"
 #include "host/system/output_file.h"
 #include "host/tables/probes.h"
 
@@ -56,12 +57,12 @@ std::vector<std::pair<std::string, std::string>> HeadEntries(const ProbeOptions&
 
 class Outputs {
  public:
-  // Opens all files, and changes none. Throws IoError where one cannot be opened, and before it
-  // opens any where one needs the pins of a probe that shows none.
+  // Opens all files, and changes none. Throws IoError if one cannot be opened, or needs the pins of
+  // a probe that shows none; BadUsage if one has another use.
   Outputs(const OutputRequests& requests, OutputKind::Verb OutputKind::*verb,
-          const ProbeKind& probe);
+          const ProbeKind& probe, FileUses uses);
   // Adds a file that the caller begins and writes. Complete completes it with the others.
-  OutputFile& Add(const std::string& path, OutputFile::Rest rest);
+  OutputFile& Add(const std::string& option, const std::string& path, OutputFile::Rest rest);
   // Empties the files, except those of Add.
   void Begin();
   // Throws once standard output takes no more, because a run should not go on unseen.
@@ -73,10 +74,12 @@ class Outputs {
   // Returns a warning for each thing that was played and is in no file, and each only once.
   // Complete may add some.
   std::vector<std::string> TakeLosses();
+  // There was no memory for some event: what became of it in which file is unknown.
+  void MarkIncomplete();
   // Ends and closes the files. Returns a text for each that could not be written whole.
   std::vector<std::string> Complete(const PageHead& head);
 
-  bool Any() const { return !outputs_.empty(); }
+  bool Any() const { return !writers_.empty(); }
 
   // The outputs, by what they listen to.
   std::vector<EventListener*> listeners;
@@ -84,8 +87,14 @@ class Outputs {
   std::vector<StepRecorder*> recorders;
 
  private:
+  struct Writer {
+    std::unique_ptr<Output> output;
+    OutputFile* file;  // null: standard error
+  };
+
+  FileUses uses_;
   std::vector<std::unique_ptr<OutputFile>> files_;
-  std::vector<std::unique_ptr<Output>> outputs_;
+  std::vector<Writer> writers_;
   std::size_t begun_ = 0;                  // how many of the files Begin begins
   OutputFile* standard_output_ = nullptr;  // where it is one of the files
 };

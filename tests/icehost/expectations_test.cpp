@@ -56,11 +56,11 @@ TEST(Expectations, AreLearned) {
   const std::string& name = file.Name();
   const std::string both = old.Name() + " " + name + " examples/reset.ini";
   for (const auto& [arguments, message] : std::map<std::string, std::string>{
-           {"- " + name + " >>" + name, "standard output is also a script"},
-           {name + " " + name, name + " is also a script"},
-           {both + " --ir-length 4", "takes one script"}}) {
-    EXPECT_EQ(RunIcehost("run -q 2>&1 --learn " + arguments).output,
-              "--learn: " + message + "\nRun with --help for more information.\n");
+           {"- " + name + " >>" + name, "icehost: --learn: - is also a script\n"},
+           {name + " " + name, "icehost: --learn: " + name + " is also a script\n"},
+           {both + " --ir-length 4",
+            "--learn: takes one script\nRun with --help for more information.\n"}}) {
+    EXPECT_EQ(RunIcehost("run -q 2>&1 --learn " + arguments).output, message);
   }
   EXPECT_EQ(old.Text(), "as it was");
 }

@@ -10,10 +10,12 @@ import signal
 import subprocess
 import sys
 import time
+import unicodedata
 
 sys.path.append(sys.path[0] + "/..")
-from lib import expect, output, read, run_checks, start, write
+from lib import ICEHOST, SANITIZED, expect, output, read, run_checks, start, write
 
+PLUGIN = os.path.join(os.path.dirname(ICEHOST), "libicescript.so")
 ENDLESS = "tests/scripts/endless_writes.gpio"
 SCRIPT = "examples/read_idcode.ini"
 FULL = "icehost: standard output: No space left on device"
@@ -38,6 +40,14 @@ COMMANDS = [
         "reads.gpio", f"--json=- {ENDLESS}", f"--vcd=- {ENDLESS}", f"--trace=- {ENDLESS}")),
     # Standard output is appended to.
     (0, "", "icehost run --json - --vcd v examples/reset.ini >>appended"),
+    # A reader that has seen enough of the help is no error to report.
+    (141, "", "{ sleep 0.2; icehost help; } | true"),
+    (3, "", "trap '' PIPE; { sleep 0.2; icehost help; } | true"),
+    # A stack of 64 KiB is enough.
+    *((0, "", f"ulimit -s 64; icehost {arguments}") for arguments in (
+        f"check {SCRIPT}", f"run -q --svf - {SCRIPT} | icehost import -", "detect",
+        f"run --trace=a --json b --vcd c --svg d --html e {SCRIPT} examples/read_idcode.gpio")
+      if not SANITIZED),
 ]
 
 
@@ -63,6 +73,42 @@ def check_commands():
     expect("appended", (read("appended")[:7], last_line("appended")), ("before\n", '{"end":true}'))
 
 
+def check_lacks():
+    """Where the system lacks something, that is the reason, and no fault of the script."""
+    write("id.svf", "SIR 5 TDI (01);\nSDR 32 TDI (0);\n")
+    for files in range(4, 12):
+        for arguments in (f"run -q {SCRIPT}", f"check {SCRIPT}", "import id.svf", "detect"):
+            status = shell(f"ulimit -n {files}; icehost {arguments}")
+            lack = "Too many open files" in read("err")
+            expect(f"{files} files: {arguments}", status, 3 * lack)
+    if shell("unshare -rm mount -t tmpfs none /proc") == 0:
+        for options, lack in (("", "/proc/self/exe: "), (f"--plugin {PLUGIN}", "/proc/self/fd/")):
+            status = shell(f"unshare -rm sh -c 'mount -t tmpfs none /proc; "
+                           f"icehost run {options} {SCRIPT}'")
+            expect(f"no {lack}", (status, lack in read("err")), (3, True))
+
+
+def check_memory():
+    """Where memory runs out, each output that is not complete is named."""
+    write("walk.gpio", "[ZEVA_ICE_GPIO]\nSTART\nGPIO_OE=0x1F\nREPT=9999\nTCK=1\n"
+          "TCK=0,PRINT=GPIO_IN\nENDR\nEND\n")
+    ends = {"j.json": '{"end":', "p.svg": "</svg>", "p.html": "</html>"}
+    for limit in range(12000, 40000, 400):
+        write("learned", "before\n")
+        status = shell(f"rm -f {' '.join(ends)}; ulimit -v {limit}; icehost run -q --learn learned "
+                       "--json j.json --svg p.svg --html p.html walk.gpio")
+        said = read("err")
+        cut = [file for file, end in ends.items()
+               if os.path.exists(file) and not last_line(file).startswith(end)]
+        expect(f"{limit} KiB, cut", (cut, status == 0), ([f for f in cut if f in said], not said))
+        expect(f"{limit} KiB, said", "bad_alloc" in said, False)
+        expect(f"{limit} KiB, learned", last_line("learned") in ("before", "END"), True)
+        if status == 0:
+            break
+    else:
+        expect("enough memory", limit, 0)
+
+
 def check_size_limit():
     """Beyond the limit of a file's size its lines are whole, or it is empty."""
     status = shell("ulimit -f 1; trap '' XFSZ; icehost run -q --trace=t --json j --vcd v --svg s "
@@ -82,16 +128,42 @@ def check_old_files():
         expect(cannot, (status != 0, read("old"), os.path.exists("new")), (True, "before\n", False))
 
 
-def ends_by(number, *arguments, out="/dev/null"):
+def check_shared_files():
+    """An output is no other file of its command, by whatever name; if it would be, nothing changes."""
+    write("script.ini", read(SCRIPT))
+    os.link("script.ini", "hard_link")
+    os.symlink("new", "dangling")
+    os.symlink("new", "dangling_too")
+    os.mkfifo("one_pipe")
+    before = sorted(os.listdir())
+    for command in (
+            "run --json new --vcd dangling script.ini", "run --json dangling --svg new script.ini",
+            "run --json dangling --vcd dangling_too script.ini",
+            "run --learn new --html dangling script.ini", "serve --trace=new --json dangling tcp:0",
+            "run --json one_pipe --vcd one_pipe script.ini & cat one_pipe; wait $!",
+            "run --json /dev/stdout --vcd /dev/stdout script.ini | cat",
+            "run --json - --svf /dev/stdout script.ini | cat", "run --json - --vcd - script.ini",
+            "run --json /dev/stdout script.ini | cat", "run --vcd hard_link - <script.ini",
+            "check --json hard_link script.ini"):
+        status = shell(f"icehost {command}")
+        expect(command, (status, " is also " in last_line("err")), (2, True))
+    expect("a shared file", (sorted(os.listdir()), read("script.ini")), (before, read(SCRIPT)))
+    null = "run --json /dev/null --vcd /dev/null --html /dev/stdout script.ini >/dev/null"
+    expect(null, shell(f"icehost {null}"), 0)
+
+
+def ends_by(number, *arguments, out="/dev/null", err="err", said_first="icehost: interrupted"):
     """A signal ends it within a second, with status 130 and a word."""
-    what = f"{' '.join(arguments[:9])} by {number}"
-    with open(out, "wb") as taken, open("err", "wb") as err:
-        process = start("icehost", *arguments, stdin=subprocess.DEVNULL, stdout=taken, stderr=err)
+    what = f"{' '.join(arguments[:9])} >{out} 2>{err} by {number}"
+    with open(out, "wb") as taken, open(err, "wb") as said:
+        process = start("icehost", *arguments, stdin=subprocess.DEVNULL, stdout=taken, stderr=said)
     time.sleep(0.3)
     process.send_signal(number)
     begun = time.monotonic()
-    expect(what, (process.wait(20), read("err").split("\n")[0]), (130, "icehost: interrupted"))
+    expect(what, process.wait(20), 130)
     expect(what, time.monotonic() - begun < 1.5, True)
+    if err == "err":
+        expect(what, read("err").split("\n")[0], said_first)
 
 
 def expect_whole(*paths):
@@ -126,6 +198,16 @@ def check_signals():
         ends_by(signal.SIGINT, "run", "--json", "-", ENDLESS, out="fifo")
         scripts = glob.glob("tests/scripts/*.ini") + glob.glob("examples/*.ini")
         ends_by(signal.SIGINT, "check", "many.ini", *scripts, out="fifo")
+        # It is full by now.
+        ends_by(signal.SIGINT, "detect", out="fifo")
+        ends_by(signal.SIGINT, "import", "id.svf", out="fifo")
+        ends_by(signal.SIGINT, "import", "-o", "fifo", "id.svf")
+        cut = "icehost: fifo: cannot write: Interrupted system call"
+        ends_by(signal.SIGINT, "run", "--json", "fifo", SCRIPT, said_first=cut)
+        ends_by(signal.SIGINT, "check", "--json", "fifo", SCRIPT, said_first=cut)
+        ends_by(signal.SIGINT, "run", "--trace", ENDLESS, err="fifo")
+        ends_by(signal.SIGINT, "run", "-q", "--summary", SCRIPT, err="fifo")
+        ends_by(signal.SIGINT, "import", "id.svf", out="fifo", err="fifo")
 
 
 def check_ignored_signals():
@@ -153,9 +235,13 @@ def check_terminal():
     write("bold.ini", "[\x1b[7m\x9b]\nIR=5\nDR=W,0\n")
     shown = output(*terminal, "icehost run --force bold.ini; icehost check bold.ini '\x1b[7m'")
     expect("controls", [text for text in ("\x1b[7m", "\x9b") if text in shown], [])
+    hidden = {chr(code) for code in range(1, sys.maxunicode + 1)
+              if unicodedata.category(chr(code)) in ("Cc", "Cf", "Zl", "Zp")}
+    shown = output("icehost", "check", "".join(sorted(hidden)))
+    expect("hidden", sorted(map(ascii, hidden.intersection(shown) - {"\t", "\n"})), [])
     shell("icehost run --force bold.ini")
     expect("a file", "\x1b[7m\x9b syntax error" in read("out"), True)
 
 
-run_checks(check_commands, check_size_limit, check_old_files, check_signals, check_ignored_signals,
-           check_terminal)
+run_checks(check_commands, *([] if SANITIZED else [check_lacks, check_memory]),
+           check_size_limit, check_old_files, check_shared_files, check_signals, check_ignored_signals, check_terminal)
