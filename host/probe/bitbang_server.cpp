@@ -14,10 +14,14 @@
 namespace icehost {
 namespace {
 
+using Clock = std::chrono::steady_clock;
+
 // Bounds what is buffered: the answers to so many bytes are sent before more are read.
 constexpr std::size_t kReadAtOnce = 4096;
 // How often the port is looked at while nobody uses it.
 constexpr std::chrono::seconds kLookAtPort{1};
+// How long a newcomer waits at most while the client before it sends without a pause.
+constexpr std::chrono::seconds kNewcomerWaits{1};
 
 // A client whose machine is gone is noticed after two minutes. A UNIX socket, whose other end
 // cannot vanish, knows none of the options.
@@ -32,6 +36,12 @@ void SetTcpOptions(int fd) {
   for (const auto& option : kOptions) {
     setsockopt(fd, option.level, option.name, &option.value, sizeof option.value);
   }
+}
+
+// Ends one operation that has come so far that it need not wait; returns false if none has.
+bool EndOperation() {
+  EventLoop().restart();
+  return EventLoop().poll_one() > 0;
 }
 
 }  // namespace
@@ -69,11 +79,10 @@ void BitbangSession::SetResets(int bits) {
 struct BitbangServer::Arrival {
   std::optional<StreamProtocol::socket> socket;
   asio::error_code error;
+  Clock::time_point came;
 };
 
 struct BitbangServer::Client {
-  using Clock = std::chrono::steady_clock;
-
   explicit Client(StreamProtocol::socket connection) : socket(std::move(connection)) {}
 
   static void Read(const std::shared_ptr<Client>& client) {
@@ -123,8 +132,7 @@ void BitbangServer::Run() {
     ThrowIfInterrupted();
     // The signal that stops the loop may have ended the server of the port, too.
     if (loop.run_one_for(kLookAtPort) == 0 && !IsInterrupted()) port_.CheckAlive();
-    while (Work()) {
-    }
+    while (Work()) ThrowIfInterrupted();
   }
 }
 
@@ -133,18 +141,20 @@ void BitbangServer::Accept() {
       [arrival = arrival_](const asio::error_code& error, StreamProtocol::socket socket) {
         arrival->socket.emplace(std::move(socket));
         arrival->error = error;
+        arrival->came = Clock::now();
       });
 }
 
-// Does one thing, during which more may come; returns false if there is nothing to do. Dismisses a
-// client that has left before it admits another.
+// Does one thing, during which more may come; returns false if there is nothing to do. Judges a
+// newcomer only once nothing more has come from the client before, which may have left.
 bool BitbangServer::Work() {
   if (client_ != nullptr && client_->received > 0) {
     Answer();
   } else if (client_ != nullptr && client_->gone) {
     Dismiss();
   } else if (arrival_->socket.has_value()) {
-    Admit();
+    const bool overdue = Clock::now() - arrival_->came > kNewcomerWaits;
+    if (overdue || !EndOperation()) Admit();
   } else {
     return false;
   }
@@ -160,7 +170,7 @@ void BitbangServer::Admit() {
   }
   Accept();
   if (client_ != nullptr) {
-    if (Client::Clock::now() - client_->last_heard < idle_limit_) {
+    if (Clock::now() - client_->last_heard < idle_limit_) {
       observer_.OnRefusal("busy: a second client was sent away");
       return;
     }
@@ -178,7 +188,7 @@ void BitbangServer::Answer() {
   client_->answers.clear();
   observer_.OnBytes(received);
   const bool open = session_.Feed({client_->bytes.data(), received}, client_->answers);
-  client_->last_heard = Client::Clock::now();
+  client_->last_heard = Clock::now();
   observer_.OnDone();
   Client::Write(client_, open);
 }

@@ -34,8 +34,9 @@ class BitbangSession {
 };
 
 // Serves one client at a time. The connection of another that comes meanwhile is closed, unless the
-// first has been silent for the idle limit: then the other takes its place. TCP's keep-alive
-// discovers clients that vanish. Each client finds the pins as the one before left them.
+// first has left or has been silent for the idle limit: then the other takes its place. The server
+// first plays what has come from the first, for up to a second. TCP's keep-alive discovers clients
+// that vanish. Each client finds the pins as the one before left them.
 class BitbangServer {
  public:
   // Learns what clients do, in order and never while the port is working. An exception ends Run.

@@ -7,6 +7,7 @@ import os
 import re
 import signal
 import socket
+import struct
 import sys
 import threading
 import time
@@ -26,6 +27,14 @@ def wait_until(what, reached):
     failures.append(f"{what}: not within 10 s")
 
 
+def flood_until_closed(client):
+    try:
+        while True:
+            client.sendall(b"04" * 50000)
+    except OSError:
+        pass
+
+
 def ask(client, request):
     """The answers to all of it."""
     client.sendall(request)
@@ -33,18 +42,6 @@ def ask(client, request):
     while len(answers) < wanted and (got := client.recv(65536)):
         answers += got
     return answers.decode()
-
-
-def next_client(serve):
-    """A client, once the one before has left."""
-    for _ in range(500):
-        try:
-            if ask(client := serve.client(), b"R"):
-                return client
-        except ConnectionResetError:
-            pass
-        time.sleep(0.02)
-    raise TimeoutError("the client before stays")
 
 
 class Upstream:
@@ -111,7 +108,7 @@ def check_recording():
     expect("a second client", other.recv(1), b"")
     expect("the first stays, with bytes of no meaning", ask(one, b"BxRb\n~R"), "11")
     one.close()
-    next_client(serve)
+    expect("the next", ask(serve.client(), b"R"), "1")
     status, said = serve.end()
     expect("busy", (status, set(said.splitlines())),
            (0, {"icehost: busy: a second client was sent away"}))
@@ -125,6 +122,33 @@ def check_recording():
     ])
     expect("end", records_of(read("j"))[-1], {"end": True})
     expect("waveform", read("v").splitlines()[-1], "#86")
+
+
+def break_off(client):
+    """Closes so that the other side finds the connection lost."""
+    client.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, struct.pack("ii", 1, 0))
+    client.close()
+
+
+def check_next():
+    """A client that has left is in nobody's way, however much of it the server has still to read."""
+    serve = Serve()
+    for leave in (socket.socket.close, break_off, lambda client: client.sendall(b"Q"),
+                  lambda client: client.sendall(b"04" * 50000 + b"Q")):
+        for _ in range(5):
+            first = serve.client()
+            expect("first", ask(first, b"R"), "1")
+            serve.process.send_signal(signal.SIGSTOP)
+            leave(first)
+            following = serve.client()
+            serve.process.send_signal(signal.SIGCONT)
+            expect("the next", ask(following, b"R"), "1")
+            following.close()
+    # One that sends without a pause stays, and the other hears of that.
+    flooding = serve.client()
+    threading.Thread(target=flood_until_closed, args=(flooding,), daemon=True).start()
+    expect("a second client", serve.client().recv(1), b"")
+    expect("told", serve.end(), (0, "icehost: busy: a second client was sent away\n"))
 
 
 def check_lost():
@@ -203,7 +227,7 @@ def check_flood():
     for probe in ([], ["--probe", behind]):
         serve = Serve("--trace=/dev/null", "--json=/dev/null", "--vcd=/dev/null", *probe)
         for flood in floods:
-            client = next_client(serve)
+            client = serve.client()
             sender = threading.Thread(target=client.sendall, args=(flood,), daemon=True)
             sender.start()
             wanted = flood.count(b"R")
@@ -221,4 +245,4 @@ def check_flood():
     expect("behind", upstream.end()[0], 0)
 
 
-run_checks(check_passing_on, check_recording, check_lost, check_cut_outputs, check_flood)
+run_checks(check_passing_on, check_recording, check_next, check_lost, check_cut_outputs, check_flood)
