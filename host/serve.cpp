@@ -76,8 +76,7 @@ PageHead Serving::End(std::string& error) {
   try {
     if (has_client_) EndClient();
     if (!error.empty()) Complain(error);
-    head = Head(error);  // without the scan that the end cuts short
-    decoder_.End();
+    head = Head(error);
     for (ServeListener* const listener : outputs_.serve_listeners) listener->OnEnd(error);
   } catch (const std::bad_alloc&) {
     outputs_.MarkIncomplete();
@@ -139,6 +138,7 @@ void Serving::OnClientLeft() {
 
 void Serving::EndClient() {
   has_client_ = false;
+  decoder_.End();
   client_.scans = decoder_.Scans() - scans_before_;
   for (ServeListener* const one : outputs_.serve_listeners) one->OnClientLeft(client_, Steps());
   if (command_.verbose) {

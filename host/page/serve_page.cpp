@@ -26,8 +26,9 @@ std::string ShownBits(const Bits& bits) {
 }
 
 std::string NameOf(const TapScan& scan) {
-  if (scan.updated) return fmt::format("{} scan", Column(scan));
-  return fmt::format("{} scan, cut short by {}", Column(scan), scan.reset ? "a reset" : "the end");
+  std::string name = fmt::format("{} scan{}", Column(scan), scan.continued ? ", continued" : "");
+  if (!scan.updated) name += fmt::format(", cut short by {}", scan.reset ? "a reset" : "the end");
+  return name;
 }
 
 // A row for every scan, reset and stay in Run-Test/Idle, in the order in which they end; clients

@@ -7,9 +7,10 @@
 namespace icehost {
 namespace {
 
-const char* CutText(const TapScan& scan) {
-  if (scan.updated) return "";
-  return scan.reset ? " (cut short by a reset)" : " (cut short by the end)";
+std::string PartText(const TapScan& scan) {
+  std::string text = scan.continued ? " (continued)" : "";
+  if (scan.updated) return text;
+  return text + (scan.reset ? " (cut short by a reset)" : " (cut short by the end)");
 }
 
 // Writes one line for each event, which begins with the number of its first step:
@@ -23,7 +24,7 @@ class ServeTrace : public Output, public ServeListener {
                                    scan.in.size() + scan.left_out);
     if (!scan.in.empty()) line += fmt::format(" {} -> {}", BitText(scan.in), BitText(scan.out));
     if (scan.left_out > 0) line += fmt::format(" (the first {} bits)", scan.in.size());
-    stream_ << line << CutText(scan) << '\n';
+    stream_ << line << PartText(scan) << '\n';
   }
   void OnTapReset(bool by_trst, StepRange steps) override {
     stream_ << fmt::format("{} TAP reset ({})\n", steps.begin, by_trst ? "TRST" : "TMS");
@@ -73,7 +74,9 @@ class ServeJson : public Output, public ServeListener {
     if (!scan.in.empty()) {
       line += fmt::format(R"("in":"{}","out":"{}",)", BitText(scan.in), BitText(scan.out));
     }
-    stream_ << line << fmt::format(R"("updated":{},)", scan.updated) << Place(scan.steps);
+    line += fmt::format(R"("updated":{},)", scan.updated);
+    if (scan.continued) line += R"("continued":true,)";
+    stream_ << line << Place(scan.steps);
   }
   void OnTapReset(bool by_trst, StepRange steps) override {
     stream_ << fmt::format(R"({{"reset":"{}",)", by_trst ? "TRST" : "TMS") << Place(steps);

@@ -5,6 +5,17 @@
 #include "host/target/wires.h"
 
 namespace icehost {
+namespace {
+
+bool IsInDrScan(TapState state) {
+  return state >= TapState::kCaptureDr && state <= TapState::kExit2Dr;
+}
+
+bool IsInIrScan(TapState state) {
+  return state >= TapState::kCaptureIr && state <= TapState::kExit2Ir;
+}
+
+}  // namespace
 
 void TapDecoder::Record(const PinStep& step) {
   const bool rising = (~last_.wires & step.wires & GPIO_PIN_TCK) != 0;
@@ -33,6 +44,7 @@ void TapDecoder::OnEdge(const PinStep& step) {
   const TapState from = *last_.tap;
   const TapState to = *step.tap;
   Tell(&TapListener::OnTapEdge, last_, to);
+  if (!scan_.has_value() && (IsInDrScan(from) || IsInIrScan(from))) BeginScan(from, true);
   if (from == TapState::kShiftDr || from == TapState::kShiftIr) Shift(step.wires);
   if (from == TapState::kRunTestIdle && to == TapState::kRunTestIdle) ++idle_cycles_;
   if (from == to) return;
@@ -40,7 +52,7 @@ void TapDecoder::OnEdge(const PinStep& step) {
   switch (to) {
     case TapState::kCaptureDr:
     case TapState::kCaptureIr:
-      scan_ = {to == TapState::kCaptureIr, {}, {}, false, {step_, step_}, 0};
+      BeginScan(to, false);
       break;
     case TapState::kUpdateDr:
     case TapState::kUpdateIr:
@@ -55,6 +67,10 @@ void TapDecoder::OnEdge(const PinStep& step) {
     default:
       break;
   }
+}
+
+void TapDecoder::BeginScan(TapState state, bool continued) {
+  scan_ = {IsInIrScan(state), {}, {}, false, {step_, step_}, 0, false, continued};
 }
 
 void TapDecoder::Shift(int wires) {

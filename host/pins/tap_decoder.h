@@ -18,15 +18,17 @@ namespace icehost {
 // Limits the memory for a scan that does not end.
 constexpr std::size_t kMostScanBits = 1U << 20U;
 
-// One way through a column of the TAP's states, from Capture to Update, with or without Pause.
+// One way through a column of the TAP's states, from Capture to Update, with or without Pause; or
+// the part of it that one client played.
 struct TapScan {
   bool ir;                   // the IR column, else the DR column
   Bits in;                   // TDI at each rising TCK edge in Shift, the first bit first
   Bits out;                  // TDO before each of these edges
   bool updated;              // false if a TAP reset, or the end, cut it short
-  StepRange steps;           // from the edge that captures to the one that updates
+  StepRange steps;           // from the edge that captures to the one that updates, if it has them
   std::size_t left_out = 0;  // bits after the first kMostScanBits, which are not kept
   bool reset = false;        // a TAP reset cut it short
+  bool continued = false;    // End has cut off what was before
 };
 
 class TapListener {
@@ -53,7 +55,7 @@ class TapDecoder : public StepRecorder {
   explicit TapDecoder(std::vector<TapListener*> listeners) : listeners_(std::move(listeners)) {}
 
   void Record(const PinStep& step) override;
-  // No step follows. Reports what is still under way.
+  // Reports what is under way. If steps follow, they are reported on their own.
   void End();
   // The number of scans so far.
   std::size_t Scans() const { return scans_; }
@@ -66,6 +68,7 @@ class TapDecoder : public StepRecorder {
     for (TapListener* const listener : listeners_) (listener->*what)(arguments...);
   }
   void OnEdge(const PinStep& step);
+  void BeginScan(TapState state, bool continued);
   void Shift(int wires);
   void OnResetPins(int levels);
   void ResetByTms();

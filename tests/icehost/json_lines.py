@@ -58,13 +58,13 @@ def run(*arguments, script=""):
 
 def check_serving():
     server = Serve("--json", "served")
-    server.play(RESET + b"0404" + TO_SHIFT_DR + b"04" * (1 << 20) + BACK + b"RQ")
+    server.play(RESET + b"0404" + TO_SHIFT_DR + b"04" * (1 << 20) + BACK + b"04RQ")
     server.play(b"2604" + BACK + b"trRQ")
     server.end()
     check_lines("serve", read("served").splitlines())
     values = records_of(read("served"))
     expect("serve", " ".join(next(iter(value)) for value in values),
-           "schema client reset idle scan client client scan pins reset pins client end")
+           "schema client reset idle scan idle client client scan pins reset pins client end")
     expect("the scan", values[4].get("bits"), (1 << 20) + 1)
 
 

@@ -33,15 +33,18 @@ std::string Scan(const std::string& way, const std::string& tdi) {
 const std::string kReset = Walk("111110");
 const std::string kIr = "1100", kDr = "100";
 
-// Gives the simulated target these bytes, and the listener what is decoded.
+// Gives the simulated target these bytes, and the listener what is decoded. At each '|' a client
+// leaves.
 void Play(const std::string& bytes, icehost::TapListener& listener) {
   icehost::SimPort port{icehost::TargetOptions{}};
   icehost::TapDecoder decoder({&listener});
   icehost::RecordingPort recording(port, {&decoder});
   icehost::BitbangSession session(recording);
   std::string answers;
-  session.Feed(bytes, answers);
-  decoder.End();
+  std::istringstream clients(bytes);
+  for (std::string client; std::getline(clients, client, '|'); decoder.End()) {
+    session.Feed(client, answers);
+  }
 }
 
 // The text of an output that records these bytes.
@@ -124,6 +127,29 @@ TEST(Serve, IsToldInLines) {
        R"({"reset":"TMS","step":9,"end_step":10}
 {"idle":1,"step":11,"end_step":16}
 {"scan":"DR","bits":1,"in":"0x01","out":"0x01","updated":false,"step":17,"end_step":22}
+)"},
+      // What a client leaves unfinished is its own, and what the next adds is the next's.
+      {kReset + Walk("00") + "|" + Walk("0") + "|" + Walk(kDr) + Edges("00", "10") + "|" +
+           Edges("01", "11") + Walk("1") + "|" + Walk("0") + "|" + Walk("1100") + "|" + "tr",
+       R"(9 TAP reset (TMS)
+11 idle 2 cycles
+16 idle 1 cycle
+21 DR 2 bits 0x01 -> 0x01 (cut short by the end)
+29 DR 2 bits 0x03 -> 0x00 (continued)
+41 IR 0 bits (cut short by the end)
+44 TRST=0 NRST=1
+44 TAP reset (TRST)
+45 TRST=1 NRST=1
+)",
+       R"({"reset":"TMS","step":9,"end_step":10}
+{"idle":2,"step":11,"end_step":16}
+{"idle":1,"step":16,"end_step":18}
+{"scan":"DR","bits":2,"in":"0x01","out":"0x01","updated":false,"step":21,"end_step":28}
+{"scan":"DR","bits":2,"in":"0x03","out":"0x00","updated":true,"continued":true,"step":29,"end_step":34}
+{"scan":"IR","bits":0,"updated":false,"step":41,"end_step":44}
+{"pins":{"TRST":0,"NRST":1},"step":44,"end_step":45}
+{"reset":"TRST","step":44,"end_step":45}
+{"pins":{"TRST":1,"NRST":1},"step":45,"end_step":46}
 )"},
   };
   for (const auto& client : kClients) {
