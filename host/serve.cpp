@@ -10,6 +10,7 @@
 #include "host/pins/tap_decoder.h"
 #include "host/probe/bitbang_server.h"
 #include "host/system/errors.h"
+#include "host/system/interrupt.h"
 #include "host/system/standard_streams.h"
 #include "host/tables/outputs.h"
 #include "host/verbs.h"
@@ -18,6 +19,8 @@ namespace icehost {
 namespace {
 
 constexpr const char* kOutOfMemory = "out of memory";
+// How long the port may take after a signal. The rest of the second is for the files.
+constexpr std::chrono::milliseconds kLastBytes{400};
 
 std::unique_ptr<PinPort> OpenServed(const ProbeOptions& probe) {
   const ProbeKind& kind = *probe.kind;
@@ -38,6 +41,7 @@ class Serving : private BitbangServer::Observer {
 
  private:
   std::string Serve();
+  std::string Fault(const std::string& why) const;
   PinPort& Begin();
   std::size_t Steps() const { return recording_.has_value() ? recording_->Steps() : 0; }
   // Ends the events; `error` is why, and becomes one if there is no memory for that.
@@ -57,6 +61,7 @@ class Serving : private BitbangServer::Observer {
   std::unique_ptr<PinPort> port_;
   std::optional<RecordingPort> recording_;  // of it, where an output is asked for
   Listener listener_;
+  std::optional<BitbangServer> server_;
   ServedClient client_;  // the last one
   bool has_client_ = false;
   std::size_t scans_before_ = 0;  // it came
@@ -103,18 +108,34 @@ PinPort& Serving::Begin() {
   return recording_.emplace(*port_, recorders);
 }
 
-// Returns why it ended; nothing for a signal.
+// Returns why it ended; nothing for a signal that has cut nothing off.
 std::string Serving::Serve() try {
+  AllowAfterSignal(kLastBytes);
   PinPort& port = Begin();
   Say("serving remote_bitbang on " + listener_.Name());
-  BitbangServer(listener_, port, command_.idle_limit, *this).Run();
-} catch (const Interrupted&) {
+  Observer& observer = *this;
+  server_.emplace(listener_, port, command_.idle_limit, observer).Run();
   return "";
+} catch (const Interrupted& interrupted) {
+  return Fault(interrupted.what());
 } catch (const IoError& error) {
-  return error.what();
+  return Fault(error.what());
 } catch (const std::bad_alloc&) {
   outputs_.MarkIncomplete();
   return kOutOfMemory;
+}
+
+// After a signal only what is missing is a fault: the signal may have ended the server of the port
+// as well.
+std::string Serving::Fault(const std::string& why) const {
+  if (!IsInterrupted()) return why;
+  const std::size_t missing = recording_.has_value() ? recording_->Unrecorded() : 0;
+  if (missing > 0) {
+    return fmt::format("{}: not recorded: the last {} of {} steps", why, missing, Steps());
+  }
+  if (!server_.has_value() || !server_->OwesAPart()) return "";
+  return fmt::format("{}: not known to be played: the last bytes of client {}", why,
+                     client_.number);
 }
 
 void Serving::OnClient(const std::string& peer) {

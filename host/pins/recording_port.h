@@ -52,6 +52,8 @@ class RecordingPort : public PinPort {
   }
   // Number of writes so far.
   std::size_t Steps() const { return steps_; }
+  // Number of the last of them that the port has not answered yet.
+  std::size_t Unrecorded() const { return pending_.size(); }
 
  private:
   void Settle();

@@ -3,9 +3,11 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <new>
 #include <utility>
 
 #include "host/system/errors.h"
+#include "host/system/interrupt.h"
 #include "host/target/tap.h"
 #include "host/target/wires.h"
 
@@ -15,6 +17,8 @@ namespace {
 constexpr std::size_t kSendAt = 4096;
 // More answers could fill the buffers of both sides while each waits for the other to read.
 constexpr std::size_t kAnswersUnderWay = 2048;
+// How long answers may come after a signal has ended the wait for them.
+constexpr std::chrono::milliseconds kLastAnswers{100};
 
 char PinByte(int levels) {
   return static_cast<char>('0' + ((levels & GPIO_PIN_TCK) != 0 ? 4 : 0) +
@@ -29,12 +33,13 @@ char ResetByte(int levels) {
 
 }  // namespace
 
+// After an error the server has had its time for the answers.
 BitbangPort::~BitbangPort() {
+  const auto patience = IsInterrupted() ? kLastAnswers : std::chrono::milliseconds(0);
   try {
-    Put('Q');
-    SendBuffered();
-  } catch (const std::exception&) {
-    // The connection is lost, or the user has pressed Ctrl-C: no server expects a good-bye.
+    socket_.TakeLeave(unsent_ + 'Q', unanswered_, patience);
+  } catch (const std::bad_alloc&) {
+    // The server sees the end of the connection only.
   }
 }
 

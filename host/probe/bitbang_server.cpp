@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 #include <netinet/tcp.h>
+#include <poll.h>
 
 #include <array>
 #include <asio/write.hpp>
@@ -22,6 +23,8 @@ constexpr std::size_t kReadAtOnce = 4096;
 constexpr std::chrono::seconds kLookAtPort{1};
 // How long a newcomer waits at most while the client before it sends without a pause.
 constexpr std::chrono::seconds kNewcomerWaits{1};
+// How long bytes are played after a signal. The port may answer them later.
+constexpr std::chrono::milliseconds kLastWork{200};
 
 // A client whose machine is gone is noticed after two minutes. A UNIX socket, whose other end
 // cannot vanish, knows none of the options.
@@ -107,6 +110,12 @@ struct BitbangServer::Client {
     }
   }
 
+  // It may have sent bytes before, which are still to be read.
+  bool HasLeft() {
+    pollfd ended = {socket.native_handle(), POLLRDHUP, 0};
+    return poll(&ended, 1, 0) > 0;
+  }
+
   StreamProtocol::socket socket;
   std::array<char, kReadAtOnce> bytes{};
   std::size_t received = 0;  // and not looked at yet
@@ -125,15 +134,27 @@ BitbangServer::BitbangServer(Listener& listener, PinPort& port,
       arrival_(std::make_shared<Arrival>()) {}
 
 void BitbangServer::Run() {
-  asio::io_context& loop = EventLoop();
   Accept();
-  for (;;) {
-    loop.restart();
-    ThrowIfInterrupted();
-    // The signal that stops the loop may have ended the server of the port, too.
-    if (loop.run_one_for(kLookAtPort) == 0 && !IsInterrupted()) port_.CheckAlive();
+  while (!IsInterrupted()) {
+    Wait();
     while (Work()) ThrowIfInterrupted();
   }
+  const Clock::time_point end = Clock::now() + kLastWork;
+  while (Work() || EndOperation()) {
+    if (Clock::now() > end) throw Interrupted();
+  }
+}
+
+bool BitbangServer::OwesAPart() const {
+  return client_ != nullptr && !client_->gone && client_->HasLeft();
+}
+
+// Until something comes. A signal may have ended the server of the port, too.
+void BitbangServer::Wait() {
+  asio::io_context& loop = EventLoop();
+  loop.restart();
+  if (IsInterrupted()) return;
+  if (loop.run_one_for(kLookAtPort) == 0 && !IsInterrupted()) port_.CheckAlive();
 }
 
 void BitbangServer::Accept() {

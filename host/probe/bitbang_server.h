@@ -59,15 +59,20 @@ class BitbangServer {
   BitbangServer(Listener& listener, PinPort& port, std::chrono::milliseconds idle_limit,
                 Observer& observer);
 
-  // Serves until a signal ends it, by Interrupted. Throws IoError if no client can be accepted any
-  // more, or if the port does; a port that is lost while nobody uses it is noticed within a second.
-  [[noreturn]] void Run();
+  // Serves until a signal ends it, and plays what clients have sent by then; throws Interrupted if
+  // that takes more than a moment, or more than AllowAfterSignal allows. Throws IoError if no more
+  // clients can be accepted, or if the port does; a port that is lost while nobody uses it is
+  // noticed within a second.
+  void Run();
+  // After Run has thrown: whether a client has left without having been played to its end.
+  bool OwesAPart() const;
 
  private:
   struct Client;
   struct Arrival;
 
   void Accept();
+  void Wait();
   bool Work();
   void Admit();
   void Answer();

@@ -1,5 +1,6 @@
 #include "host/system/interrupt.h"
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <csignal>
@@ -13,10 +14,14 @@
 namespace icehost {
 namespace {
 
+using Clock = std::chrono::steady_clock;
+
 constexpr int kSignalOffset = 128;  // of the exit status, as a shell counts it
 constexpr std::chrono::milliseconds kGrace{500};
 
+std::atomic<std::chrono::milliseconds> allowed{};
 std::atomic<bool> interrupted{false};
+std::atomic<Clock::time_point> work_ends{};  // set before `interrupted`
 
 // Never destroyed: threads may use them while the process ends.
 std::mutex& rescue_lock = *new std::mutex;
@@ -33,6 +38,7 @@ void SetRescue(std::function<bool()> wanted) {
 }
 
 void EndWithoutMain() {
+  std::this_thread::sleep_until(work_ends.load());
   do {
     std::this_thread::sleep_for(kGrace);
   } while (!IsRescued());
@@ -41,10 +47,10 @@ void EndWithoutMain() {
 
 // One signal may come twice: a program like timeout sends it to its child and to the group of both.
 void OnSignal(int signal) {
-  using Clock = std::chrono::steady_clock;
   static Clock::time_point first;
   if (!interrupted) {
     first = Clock::now();
+    work_ends = first + allowed.load();
     interrupted = true;
     EventLoop().stop();
     std::thread(EndWithoutMain).detach();
@@ -80,12 +86,16 @@ void CatchInterrupts() try {
   throw IoError(error.what());
 }
 
+void AllowAfterSignal(std::chrono::milliseconds time) {
+  allowed = time;
+}
+
 bool IsInterrupted() {
   return interrupted;
 }
 
 void ThrowIfInterrupted() {
-  if (interrupted) throw Interrupted();
+  if (interrupted && Clock::now() >= work_ends.load()) throw Interrupted();
 }
 
 Rescue::Rescue(State state, std::function<void()> complete) : state_(state) {
@@ -115,6 +125,16 @@ void Rescue::Enter(State state) {
 asio::io_context& EventLoop() {
   static auto& loop = *new asio::io_context;
   return loop;
+}
+
+bool AwaitOperation(Clock::time_point deadline) {
+  asio::io_context& loop = EventLoop();
+  for (;;) {
+    loop.restart();
+    const auto end = interrupted ? std::min(deadline, work_ends.load()) : deadline;
+    if (loop.run_one_until(end) > 0) return true;
+    if (Clock::now() >= end) return false;  // else a signal has stopped the loop
+  }
 }
 
 }  // namespace icehost

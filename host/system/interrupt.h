@@ -3,6 +3,7 @@
 #define ICESCRIPT_HOST_SYSTEM_INTERRUPT_H_
 
 #include <asio/io_context.hpp>
+#include <chrono>
 #include <functional>
 #include <mutex>
 
@@ -15,9 +16,13 @@ namespace icehost {
 // an error like any other. To be called once, before other threads are started. Throws IoError.
 void CatchInterrupts();
 
+// Lets what is under way go on for so long after a signal, before ThrowIfInterrupted throws. A
+// Rescue comes so much later.
+void AllowAfterSignal(std::chrono::milliseconds time);
+
 // Whether a signal has been noted.
 bool IsInterrupted();
-// Throws Interrupted if so.
+// Throws Interrupted if so, and if the time that is allowed after it is over.
 void ThrowIfInterrupted();
 
 // Ends the program if a signal finds the main thread where it looks for none: in the plug-in, which
@@ -59,9 +64,12 @@ class Rescue {
 };
 
 // The loop for every wait of the main thread; a signal stops it. To miss no signal, a caller
-// restarts it, then calls ThrowIfInterrupted, then runs it. It is never destroyed, because that
-// would wait for the look-up of a host name that was given up.
+// restarts it, then calls IsInterrupted, then runs it. It is never destroyed, because that would
+// wait for the look-up of a host name that was given up.
 asio::io_context& EventLoop();
+// Waits until an operation on the loop ends, which has been started. Returns false if the deadline,
+// or the time that is allowed after a signal, is over first.
+bool AwaitOperation(std::chrono::steady_clock::time_point deadline);
 
 }  // namespace icehost
 

@@ -98,7 +98,7 @@ void OutputFile::Begin() {
 
 void OutputFile::ThrowIfCut() {
   if (buffer_.Error() == 0) return;
-  ThrowIfInterrupted();
+  if (IsInterrupted()) throw Interrupted();
   Fail(buffer_.Error());
 }
 

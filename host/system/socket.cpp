@@ -6,6 +6,7 @@
 #include <sys/socket.h>
 
 #include <algorithm>
+#include <array>
 #include <asio/ip/tcp.hpp>
 #include <asio/local/stream_protocol.hpp>
 #include <asio/write.hpp>
@@ -132,6 +133,22 @@ std::size_t Socket::Pending(std::chrono::milliseconds patience) {
   return socket_.available(none);
 }
 
+void Socket::TakeLeave(std::string_view bytes, std::size_t answers,
+                       std::chrono::milliseconds patience) {
+  using Clock = std::chrono::steady_clock;
+  SendAtOnce(socket_, bytes);
+  const Clock::time_point end = Clock::now() + patience;
+  std::array<char, 4096> taken;
+  while (answers > 0) {
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now());
+    pollfd readable = {socket_.native_handle(), POLLIN, 0};
+    if (poll(&readable, 1, std::max(0, static_cast<int>(left.count()))) <= 0) return;
+    const ssize_t got = recv(readable.fd, taken.data(), taken.size(), MSG_DONTWAIT);
+    if (got <= 0) return;
+    answers -= std::min(answers, static_cast<std::size_t>(got));
+  }
+}
+
 bool Socket::HasEnded() {
   char byte = 0;
   const ssize_t got = recv(socket_.native_handle(), &byte, 1, MSG_PEEK | MSG_DONTWAIT);
@@ -157,16 +174,15 @@ std::pair<asio::error_code, Result> Socket::Await(Begin begin) {
   using Outcome = std::pair<asio::error_code, Result>;
   const auto outcome = std::make_shared<std::optional<Outcome>>();
   const auto deadline = std::chrono::steady_clock::now() + timeout_;
-  asio::io_context& loop = EventLoop();
-  loop.restart();
   ThrowIfInterrupted();
   begin([outcome](const asio::error_code& error, Result result) {
     outcome->emplace(error, std::move(result));
   });
-  while (!outcome->has_value() && loop.run_one_until(deadline) > 0) {
+  while (!outcome->has_value() && AwaitOperation(deadline)) {
   }
   if (outcome->has_value()) return std::move(**outcome);
-  socket_.close();
+  asio::error_code ignored;
+  socket_.cancel(ignored);
   ThrowIfInterrupted();
   return {asio::error::timed_out, {}};
 }

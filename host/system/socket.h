@@ -36,6 +36,10 @@ class Socket {
   std::size_t Pending(std::chrono::milliseconds patience = {});
   // Returns whether the other side has closed and nothing is left to receive. Does not wait.
   bool HasEnded();
+  // To be called last; no signal ends it. Sends those of the bytes that the system takes without
+  // waiting. Receives and drops so many `answers`, for as long as `patience`: a server that writes
+  // to a closed connection may miss the bytes, or die.
+  void TakeLeave(std::string_view bytes, std::size_t answers, std::chrono::milliseconds patience);
   // The endpoint as the user named it.
   const std::string& Name() const { return name_; }
 

@@ -8,13 +8,14 @@ import re
 import signal
 import socket
 import struct
+import subprocess
 import sys
 import threading
 import time
 
 sys.path.append(sys.path[0] + "/..")
 from lib import (BACK, ICEHOST, RESET, TO_SHIFT_DR, Serve, expect, failures, read, records_of,
-                 run_checks)
+                 run_checks, start)
 
 IDCODE = RESET + b"04" + TO_SHIFT_DR + b"0R4" * 31 + b"2R6" + BACK[2:]
 
@@ -154,6 +155,7 @@ def check_next():
 def check_lost():
     """A server behind that is lost, or talks nonsense, ends the serving with complete files."""
     ended = "the server closed the connection"
+    cut_off = r"not recorded: the last \d+ of \d+ steps"
     for name, answer, deed, request, why in [
         ("idle", ones, "close", b"", ended),
         ("killed", ones, "close", IDCODE * 50, f"({ended}|connection lost)"),
@@ -161,8 +163,8 @@ def check_lost():
          "expected a TDO level, got the byte 120"),
         ("out of step", lambda got: ones(got) + b"1", None, IDCODE, "out of step"),
         ("hangs", lambda _: b"", None, IDCODE, "no answer within 300 ms"),
-        ("signal", lambda _: b"", signal.SIGTERM, IDCODE, None),
-        ("interrupt", lambda _: b"", signal.SIGINT, IDCODE, None),
+        ("signal", lambda _: b"", signal.SIGTERM, IDCODE, cut_off),
+        ("interrupt", lambda _: b"", signal.SIGINT, IDCODE, cut_off),
     ]:
         timeout = "20" if deed else "0.3"
         upstream = Upstream(answer)
@@ -175,14 +177,59 @@ def check_lost():
             wait_until(name, lambda: len(upstream.came) > 8)
         if deed == "close":
             upstream.close()
-        status, said = serve.end(deed if why is None else None)
-        wanted = f"icehost: ADDRESS: .*{why}.*\n" if why else ""
-        expect(name, (status, re.fullmatch(wanted, said) is None), (3 if why else 0, False))
+        status, said = serve.end(None if deed == "close" else deed)
+        wanted = f"icehost: (ADDRESS|interrupted): .*{why}.*\n"
+        expect(name, (status, re.fullmatch(wanted, said) is None), (3, False))
         lines = records_of(read("j"))
-        expect(name, (lines[-1], "error" in lines[-2]), ({"end": not why}, bool(why)))
+        expect(name, (lines[-1], "error" in lines[-2]), ({"end": False}, True))
         expect(name, [line["client"] for line in lines if "client" in line], ["connected", "left"])
-        expect(name, read("t").splitlines()[-1].startswith("# failed" if why else "# ended"), True)
+        expect(name, read("t").splitlines()[-1].startswith("# failed"), True)
         expect(name, re.fullmatch(r"#\d+", read("v").splitlines()[-1]) is not None, True)
+
+
+def late(got):
+    time.sleep(0.05)
+    return ones(got)
+
+
+def check_signal():
+    """A signal cuts off nothing that a client has left, or says so; the server behind gets its Q."""
+    for number, answer, outputs, status, wanted in [
+        (signal.SIGTERM, ones, ["--trace=t"], 0, ""),
+        (signal.SIGINT, late, ["--trace=t"], 0, ""),
+        (signal.SIGTERM, late, [], 0, ""),
+        (signal.SIGTERM, lambda _: b"", ["--trace=t"], 3, "not recorded: the last 86 of 86 steps"),
+        (signal.SIGINT, lambda _: b"", [], 3, "not known to be played: the last bytes of client 1"),
+    ]:
+        upstream = Upstream(answer)
+        serve = Serve("--probe", upstream.name, *outputs)
+        client = serve.client()
+        client.sendall(IDCODE + b"Q")
+        client.close()
+        said = f"icehost: interrupted: {wanted}\n" if wanted else ""
+        expect(f"{number} {wanted}", serve.end(number), (status, said))
+        if outputs:
+            expect(wanted, read("t").count("DR 32 bits 0x00000000 -> 0xffffffff\n"), status == 0)
+        wait_until(f"Q after {number}", lambda up=upstream: up.came.endswith(b"Q"))
+
+
+def check_good_bye():
+    """Whatever ends a run: the server gets a Q, and no broken connection before it."""
+    for number, answer, arguments, status in [
+        (signal.SIGINT, ones, ["tests/scripts/endless_writes.gpio"], 130),
+        (signal.SIGTERM, late, ["--vcd", "v", "tests/scripts/endless_writes.gpio"], 130),
+        (signal.SIGTERM, lambda _: b"", ["examples/read_idcode.ini"], 130),
+        (None, lambda _: b"", ["--timeout", "0.2", "examples/read_idcode.ini"], 3),
+        (None, lambda got: b"x" * got.count(b"R"), ["examples/read_idcode.ini"], 3),
+    ]:
+        upstream = Upstream(answer)
+        run = start(ICEHOST, "run", "-q", "--probe", upstream.name, *arguments,
+                    stderr=subprocess.DEVNULL)
+        wait_until("a connection", lambda up=upstream: up.came)
+        if number:
+            run.send_signal(number)
+        expect("status", run.wait(20), status)
+        wait_until(f"Q after {number}, {arguments}", lambda up=upstream: up.came.endswith(b"Q"))
 
 
 def check_cut_outputs():
@@ -245,4 +292,5 @@ def check_flood():
     expect("behind", upstream.end()[0], 0)
 
 
-run_checks(check_passing_on, check_recording, check_next, check_lost, check_cut_outputs, check_flood)
+run_checks(check_passing_on, check_recording, check_next, check_lost, check_signal,
+           check_good_bye, check_cut_outputs, check_flood)
