@@ -35,7 +35,7 @@ class Serving : private BitbangServer::Observer {
         outputs_(command.outputs, &OutputKind::serve, *command.probe.kind, FileUses()),
         decoder_({outputs_.serve_listeners.begin(), outputs_.serve_listeners.end()}),
         port_(OpenServed(command.probe)),
-        listener_(command.endpoint) {}
+        listener_(command.endpoint, command.probe.timeout) {}
 
   ExitStatus Run();
 

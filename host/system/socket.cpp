@@ -11,7 +11,6 @@
 #include <asio/local/stream_protocol.hpp>
 #include <asio/write.hpp>
 #include <cerrno>
-#include <filesystem>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -23,18 +22,7 @@
 namespace icehost {
 namespace {
 
-namespace fs = std::filesystem;
 using asio::ip::tcp;
-
-// Removes the socket file of a server that has ended, which prevents the next from listening. Any
-// other file stays: connecting to one is refused as well.
-void RemoveStaleSocket(const std::string& path) {
-  std::error_code ignored;
-  if (!fs::is_socket(fs::symlink_status(path, ignored))) return;
-  asio::error_code error;
-  asio::local::stream_protocol::socket(EventLoop()).connect(path, error);
-  if (error == asio::error::connection_refused) fs::remove(path, ignored);
-}
 
 StreamProtocol::endpoint Address(const Endpoint& endpoint) {
   if (endpoint.IsUnix()) return asio::local::stream_protocol::endpoint(endpoint.path);
@@ -207,20 +195,20 @@ asio::error_code SendAtOnce(StreamProtocol::socket& socket, std::string_view& by
   return {};
 }
 
-Listener::Listener(const Endpoint& endpoint) try : endpoint_(endpoint), acceptor_(EventLoop()) {
-  if (endpoint.IsUnix()) RemoveStaleSocket(endpoint.path);
+Listener::Listener(const Endpoint& endpoint, std::chrono::milliseconds timeout) try
+    : endpoint_(endpoint), acceptor_(EventLoop()) {
   const StreamProtocol::endpoint address = Address(endpoint);
   acceptor_.open(address.protocol());
   acceptor_.set_option(asio::socket_base::reuse_address(true));
-  acceptor_.bind(address);
+  const auto bind = [&] { acceptor_.bind(address); };
+  if (endpoint.IsUnix()) {
+    file_.emplace(endpoint.path, timeout, bind);
+  } else {
+    bind();
+  }
   acceptor_.listen();
 } catch (const asio::system_error& error) {
   throw IoError(fmt::format("{}: cannot listen: {}", endpoint.Name(), error.code().message()));
-}
-
-Listener::~Listener() {
-  std::error_code ignored;
-  if (endpoint_.IsUnix()) fs::remove(endpoint_.path, ignored);
 }
 
 std::string Listener::Name() const {

@@ -5,11 +5,13 @@
 #include <asio/basic_socket_acceptor.hpp>
 #include <asio/generic/stream_protocol.hpp>
 #include <chrono>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "host/system/endpoint.h"
+#include "host/system/socket_file.h"
 
 namespace icehost {
 
@@ -65,16 +67,13 @@ class Socket {
 // loop, and removes them. Returns an error other than that it takes none now.
 asio::error_code SendAtOnce(StreamProtocol::socket& socket, std::string_view& bytes);
 
-// Listens on the event loop. The file of a UNIX socket exists as long as the object.
+// Listens on the event loop.
 class Listener {
  public:
   using Acceptor = asio::basic_socket_acceptor<StreamProtocol>;
 
-  // Replaces the file of a UNIX socket whose server has ended, and no other file. Throws IoError.
-  explicit Listener(const Endpoint& endpoint);
-  ~Listener();
-  Listener(const Listener&) = delete;
-  Listener& operator=(const Listener&) = delete;
+  // Makes the file of a UNIX socket, a SocketFile. Throws IoError, or Interrupted.
+  Listener(const Endpoint& endpoint, std::chrono::milliseconds timeout);
 
   // Returns the endpoint as a client names it, with the real port instead of port 0.
   std::string Name() const;
@@ -83,6 +82,7 @@ class Listener {
  private:
   Endpoint endpoint_;
   Acceptor acceptor_;
+  std::optional<SocketFile> file_;  // goes before the socket is closed
 };
 
 // Returns the other end of a TCP connection as an Endpoint's Name; empty for a UNIX socket, whose

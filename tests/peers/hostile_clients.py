@@ -3,6 +3,7 @@
 
 usage: hostile_clients.py ICEHOST SOURCE_FOLDER
 """
+import fcntl
 import os
 import re
 import signal
@@ -14,8 +15,8 @@ import threading
 import time
 
 sys.path.append(sys.path[0] + "/..")
-from lib import (BACK, ICEHOST, RESET, TO_SHIFT_DR, Serve, expect, failures, read, records_of,
-                 run_checks, start)
+from lib import (BACK, ICEHOST, RESET, TO_SHIFT_DR, Serve, expect, failures, output, read,
+                 records_of, run_checks, start, write)
 
 IDCODE = RESET + b"04" + TO_SHIFT_DR + b"0R4" * 31 + b"2R6" + BACK[2:]
 
@@ -132,7 +133,7 @@ def break_off(client):
 
 
 def check_next():
-    """A client that has left is in nobody's way, however much of it the server has still to read."""
+    """A client that has left is in nobody's way, even if the server has still to read from it."""
     serve = Serve()
     for leave in (socket.socket.close, break_off, lambda client: client.sendall(b"Q"),
                   lambda client: client.sendall(b"04" * 50000 + b"Q")):
@@ -193,7 +194,7 @@ def late(got):
 
 
 def check_signal():
-    """A signal cuts off nothing that a client has left, or says so; the server behind gets its Q."""
+    """A signal cuts off nothing that a client has left, or says so; the server behind gets a Q."""
     for number, answer, outputs, status, wanted in [
         (signal.SIGTERM, ones, ["--trace=t"], 0, ""),
         (signal.SIGINT, late, ["--trace=t"], 0, ""),
@@ -265,6 +266,66 @@ def check_cut_outputs():
     os.close(reader)
 
 
+def refused():
+    return output(ICEHOST, "serve", "unix:door", "--timeout", "0.2")
+
+
+def check_door():
+    """A server replaces the socket of one that has ended only, and removes its own only."""
+    in_use = "icehost: unix:door: cannot listen: Address already in use\n"
+    for name, kind, backlog, clients in [
+        ("between bind and listen", socket.SOCK_STREAM, None, 0),
+        ("listens", socket.SOCK_STREAM, 5, 0),
+        ("has a full queue", socket.SOCK_STREAM, 0, 1),
+        ("takes datagrams", socket.SOCK_DGRAM, None, 0),
+    ]:
+        with socket.socket(socket.AF_UNIX, kind) as owner, socket.socket(socket.AF_UNIX) as client:
+            owner.bind("door")
+            if backlog is not None:
+                owner.listen(backlog)
+                owner.setblocking(False)
+            if clients:
+                client.connect("door")
+            expect(name, refused(), in_use)
+            admitted = 0
+            try:
+                while backlog is not None and owner.accept():
+                    admitted += 1
+            except BlockingIOError:
+                pass
+            expect(f"clients of one that {name}", admitted, clients)
+        # It has ended now.
+        serve = Serve(endpoint="unix:door")
+        os.remove("door")
+        other = Serve(endpoint="unix:door")
+        expect("ends", serve.end(), (0, ""))
+        expect("the socket of another", refused(), in_use)
+        expect("ends", other.end(), (0, ""))
+        expect("its own socket", os.path.exists("door"), False)
+    write("door", "a file\n")
+    expect("a file", (refused(), read("door")), (in_use, "a file\n"))
+    os.remove("door")
+    folder = os.open(".", os.O_RDONLY)
+    fcntl.flock(folder, fcntl.LOCK_EX)
+    expect("a locked folder", refused(),
+           "icehost: unix:door: cannot listen: Device or resource busy\n")
+    os.close(folder)
+
+
+def check_race():
+    """Of servers that start at once on the same socket, one serves."""
+    for _ in range(40):
+        with socket.socket(socket.AF_UNIX) as ended:
+            ended.bind("door")
+        servers = [start(ICEHOST, "serve", "unix:door", stderr=subprocess.PIPE) for _ in range(8)]
+        said = [server.stderr.readline().decode() for server in servers]
+        expect("servers", sum("serving" in line for line in said), 1)
+        expect("others", sum("Address already in use" in line for line in said), 7)
+        for server in servers:
+            server.terminate()
+            server.wait()
+
+
 def check_flood():
     """Whatever a client sends and however much of it: the memory stays, and every R is answered."""
     upstream = Serve()
@@ -293,4 +354,4 @@ def check_flood():
 
 
 run_checks(check_passing_on, check_recording, check_next, check_lost, check_signal,
-           check_good_bye, check_cut_outputs, check_flood)
+           check_good_bye, check_cut_outputs, check_door, check_race, check_flood)
