@@ -33,6 +33,11 @@ char ResetByte(int levels) {
 
 }  // namespace
 
+BitbangPort::BitbangPort(Socket socket, Manner manner)
+    : socket_(std::move(socket)), manner_(manner) {
+  socket_.AdviseOnLoss("is another client connected?");
+}
+
 // After an error the server has had its time for the answers.
 BitbangPort::~BitbangPort() {
   const auto patience = IsInterrupted() ? kLastAnswers : std::chrono::milliseconds(0);
@@ -92,7 +97,7 @@ void BitbangPort::Flush() {
 
 void BitbangPort::CheckAlive() {
   CheckStep(socket_.Pending());
-  if (socket_.HasEnded()) FailClosed();
+  if (socket_.HasEnded()) socket_.FailClosed("the server");
 }
 
 void BitbangPort::PutChanged(char byte, char& last) {
@@ -117,7 +122,7 @@ void BitbangPort::TakeAnswers() {
   while (unanswered_ > 0) {
     // One more than was asked for shows whether more have come.
     const std::string answers = socket_.Receive(unanswered_ + 1);
-    if (answers.empty()) FailClosed();
+    if (answers.empty()) socket_.FailClosed("the server");
     CheckStep(answers.size());
     for (const char answer : answers) {
       if (answer != '0' && answer != '1') {
@@ -128,10 +133,6 @@ void BitbangPort::TakeAnswers() {
     }
     unanswered_ -= answers.size();
   }
-}
-
-void BitbangPort::FailClosed() const {
-  throw IoError(socket_.Name() + ": the server closed the connection");
 }
 
 void BitbangPort::CheckStep(std::size_t came) const {

@@ -16,7 +16,7 @@ namespace icehost {
 //
 // The protocol has no output enables, cannot drive TDO and reads no other pin. It does not number
 // its answers: one too many would shift all that follow, so that any byte which was not asked for
-// is an IoError.
+// is an IoError. A server that has a client already can only close the connection of another.
 class BitbangPort : public PinPort {
  public:
   enum class Manner {
@@ -28,7 +28,7 @@ class BitbangPort : public PinPort {
     kProxy,
   };
 
-  BitbangPort(Socket socket, Manner manner) : socket_(std::move(socket)), manner_(manner) {}
+  BitbangPort(Socket socket, Manner manner);
   ~BitbangPort() override;
   BitbangPort(const BitbangPort&) = delete;
   BitbangPort& operator=(const BitbangPort&) = delete;
@@ -50,7 +50,6 @@ class BitbangPort : public PinPort {
   void SendBuffered();
   void TakeAnswers();
   void CheckStep(std::size_t came) const;
-  [[noreturn]] void FailClosed() const;
 
   Socket socket_;
   Manner manner_;

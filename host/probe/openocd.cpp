@@ -93,7 +93,7 @@ std::string OpenocdRpc::ReceiveAnswer(const std::string& command) {
   std::size_t end = 0;
   while ((end = received_.find(kEndOfText)) == std::string::npos) {
     const std::string bytes = socket_.Receive(kLongestAnswer);
-    if (bytes.empty()) throw IoError(socket_.Name() + ": OpenOCD closed the connection");
+    if (bytes.empty()) socket_.FailClosed("OpenOCD");
     received_ += bytes;
     if (received_.size() > kLongestAnswer) {
       throw IoError(fmt::format("{}: the answer to \"{}\" has no end", socket_.Name(), command));

@@ -107,6 +107,7 @@ std::string Socket::Receive(std::size_t limit) {
       [&](auto done) { socket_.async_receive(asio::buffer(bytes), std::move(done)); });
   if (error && error != asio::error::eof) Lose(error);
   acknowledged_ = false;
+  received_ = received_ || got > 0;
   bytes.resize(got);
   return bytes;
 }
@@ -176,8 +177,18 @@ std::pair<asio::error_code, Result> Socket::Await(Begin begin) {
 }
 
 void Socket::Lose(const asio::error_code& error) const {
-  if (error != asio::error::timed_out) Fail("connection lost", error);
+  if (error != asio::error::timed_out) {
+    throw IoError(fmt::format("{}: connection lost: {}{}", name_, error.message(), Advice()));
+  }
   throw IoError(fmt::format("{}: no answer within {} ms", name_, timeout_.count()));
+}
+
+void Socket::FailClosed(const std::string& who) const {
+  throw IoError(fmt::format("{}: {} closed the connection{}", name_, who, Advice()));
+}
+
+std::string Socket::Advice() const {
+  return received_ || advice_.empty() ? "" : fmt::format(" ({})", advice_);
 }
 
 void Socket::Fail(const std::string& what, const asio::error_code& error) const {

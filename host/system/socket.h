@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "host/system/endpoint.h"
@@ -38,6 +39,10 @@ class Socket {
   std::size_t Pending(std::chrono::milliseconds patience = {});
   // Returns whether the other side has closed and nothing is left to receive. Does not wait.
   bool HasEnded();
+  // Ends the error about a connection that is lost before anything was received.
+  void AdviseOnLoss(std::string advice) { advice_ = std::move(advice); }
+  // Throws the error that `who`, on the other side, has closed the connection.
+  [[noreturn]] void FailClosed(const std::string& who) const;
   // To be called last; no signal ends it. Sends those of the bytes that the system takes without
   // waiting. Receives and drops so many `answers`, for as long as `patience`: a server that writes
   // to a closed connection may miss the bytes, or die.
@@ -55,12 +60,15 @@ class Socket {
   std::pair<asio::error_code, Result> Await(Begin begin);
   void AcknowledgeNow();
   [[noreturn]] void Lose(const asio::error_code& error) const;
+  std::string Advice() const;
   [[noreturn]] void Fail(const std::string& what, const asio::error_code& error) const;
 
   StreamProtocol::socket socket_;
   std::string name_;
   Timeout timeout_;
   bool acknowledged_ = true;  // everything that was received
+  bool received_ = false;     // anything
+  std::string advice_;
 };
 
 // Sends those of the bytes that the system takes without waiting, which saves a turn of the event

@@ -134,6 +134,7 @@ TEST(Servers, EndARunAsTheyShould) {
   const std::string step = "SERVER: the server is out of step: it answers what was not asked";
   const std::string silence = "SERVER: no answer within 200 ms";
   const std::string closed = "SERVER: the server closed the connection";
+  const std::string is_busy = " (is another client connected?)";
   const std::string gone = "SERVER: OpenOCD closed the connection";
   const std::string no_ir = "no TAP answers as it should: the captured IR does not end in 01 (";
   const std::string zeros = no_ir + "all zeros: TDO is shorted, or the target is held in reset)";
@@ -141,6 +142,10 @@ TEST(Servers, EndARunAsTheyShould) {
   const std::string no_answer = "SERVER: this does not answer command ";
   const std::string no_scan = "OpenOCD's answer to a DR scan is none: ";
   const auto close_at_once = [](tcp::socket& client) { ReadFrom(client); };
+  const auto answer_and_close = [](tcp::socket& client) {
+    ReadFrom(client);
+    Write(client, "1");
+  };
   const auto half_close = [](tcp::socket& client) {
     client.shutdown(tcp::socket::shutdown_send);
     kSilent(client);
@@ -181,10 +186,12 @@ TEST(Servers, EndARunAsTheyShould) {
       {flood, bitbang, idcode, 3, step},
       {flood, bitbang, writes, 3, step},
       {Once("0123"), bitbang, idcode, 3, "SERVER: expected a TDO level, got the byte 50"},
-      {close_at_once, bitbang, reset, 3, closed},
-      {close_at_once, bitbang, idcode, 3, closed},
-      {half_close, bitbang, reset, 3, closed},
-      {reset_connection, bitbang, reset, 3, "SERVER: connection lost: Connection reset by peer"},
+      {close_at_once, bitbang, reset, 3, closed + is_busy},
+      {close_at_once, bitbang, idcode, 3, closed + is_busy},
+      {half_close, bitbang, reset, 3, closed + is_busy},
+      {reset_connection, bitbang, reset, 3,
+       "SERVER: connection lost: Connection reset by peer" + is_busy},
+      {answer_and_close, bitbang, idcode, 3, closed},
       {kSilent, bitbang, reset, 3, silence},
       {kSilent, bitbang, "--vcd /dev/null " + reset, 3, silence},
       {never_read, bitbang, writes, 3, silence},
@@ -205,6 +212,7 @@ TEST(Servers, EndARunAsTheyShould) {
 
       {OpenocdScan({"3 0 01 10 E5 1c", "4 0"}), openocd, idcode, 0, ""},
       {close_at_once, openocd, reset, 3, gone},
+      {reset_connection, openocd, reset, 3, "SERVER: connection lost: Connection reset by peer"},
       {kSilent, openocd, reset, 3, silence},
       {flood_when_asked, openocd, reset, 3, "SERVER: the answer to \"jtag names\" has no end"},
       {Openocd({"what"}), openocd, reset, 3, no_answer + "1 \"jtag names\": \"what\""},
