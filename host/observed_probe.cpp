@@ -9,7 +9,6 @@
 #include "entry/icescript.h"
 #include "host/probe/pin_probe.h"
 #include "host/system/errors.h"
-#include "host/target/wires.h"
 
 namespace icehost {
 namespace {
@@ -98,14 +97,7 @@ int ObservedProbe::Insert(int ir_bits, const std::uint8_t* ir, int dr_bits,
            {dr_bits, RegisterBytes(dr, dr_bits), {}},
            wire_mode_};
   Begin("link_jtag_insert", false);
-  const int result = Guard([&] {
-    // A script need not select two wires itself, so that its check knows of them.
-    if (extra > 0 && std::max(ir_bits, dr_bits) - extra > kMostTwoWireBits) {
-      throw Unsupported(
-          "over two wires a register has at most 256 bits: the plug-in has lost the 33rd byte");
-    }
-    return probe_->Insert(ir_bits, ir, dr_bits, dr);
-  });
+  const int result = Guard([&] { return probe_->Insert(ir_bits, ir, dr_bits, dr); });
   End(InsertCall{&scan_}, result);
   return result;
 }

@@ -84,6 +84,11 @@ int PinProbe::Reset(int kind) {
 }
 
 int PinProbe::Insert(int ir_bits, const std::uint8_t* ir, int dr_bits, const std::uint8_t* dr) {
+  // The check of a script does not know of two wires that another script has selected.
+  if (wire_mode_ == CDI_ANSWER_2WIRE && std::max(ir_bits, dr_bits) - 8 > kMostTwoWireBits) {
+    throw Unsupported(
+        "over two wires a register has at most 256 bits: the plug-in has lost the 33rd byte");
+  }
   ir_ = ScanBits(ir_bits, ir);
   dr_ = ScanBits(dr_bits, dr);
   return 0;
