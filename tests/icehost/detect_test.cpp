@@ -351,15 +351,16 @@ TEST(Detect, WritesScriptsThatPass) {
         command.replace(command.find('%'), 1, "--probe remote-bitbang:" + server.Name()));
   };
   for (const std::string kind : {"jtag", "gpio"}) {
-    const std::string script = testing::TempDir() + "detected." + kind;
-    const Outcome made = run_on(chain, "icehost detect --script " + kind + " % 2>&1 >" + script +
-                                           "; icehost check --strict " + script);
+    const TempFile script("");
+    const Outcome made =
+        run_on(chain, "icehost detect --script " + kind + " % 2>&1 >" + script.Name() +
+                          "; icehost check --strict " + script.Name());
     EXPECT_EQ(made.output.substr(0, 9), "3 TAPs on") << kind;
     EXPECT_EQ(made.output.find(": error"), std::string::npos) << made.output;
     EXPECT_EQ(made.status, 0) << kind;
     const std::string edit = kind == "jtag" ? fill + " " : "cat ";
     const auto run = [&](const Taps& taps) {
-      return run_on(taps, edit + script + " | icehost run -q --strict % - 2>&1");
+      return run_on(taps, edit + script.Name() + " | icehost run -q --strict % - 2>&1");
     };
     EXPECT_EQ(run(chain).output, "") << kind;
     EXPECT_EQ(run(older).output, "") << kind;
