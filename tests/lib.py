@@ -21,6 +21,7 @@ FOLDER = tempfile.TemporaryDirectory()
 for entry in os.listdir(SOURCE):
     os.symlink(os.path.join(SOURCE, entry), os.path.join(FOLDER.name, entry))
 os.chdir(FOLDER.name)
+os.environ["HOME"] = FOLDER.name
 # A shell lets what it starts in the background ignore SIGINT.
 signal.signal(signal.SIGINT, signal.default_int_handler)
 

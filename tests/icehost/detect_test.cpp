@@ -10,6 +10,7 @@
 #include "host/chain/chain_reader.h"
 #include "host/probe/bitbang_server.h"
 #include "host/probe/pin_port.h"
+#include "host/system/errors.h"
 #include "host/target/tap.h"
 #include "host/target/wires.h"
 #include "tests/icehost/local_server.h"
@@ -254,6 +255,35 @@ TEST(Detect, ReadsAsManyTapsAsItSays) {
   EXPECT_EQ(chain.ir_bits, 64 * 64);
   EXPECT_EQ(chain.taps[63].ir_bits, 64);
   EXPECT_TRUE(chain.faults.empty());
+  ChainPort longer(Taps(65, {2, kNone}));
+  EXPECT_EQ(
+      icehost::ReadChain(longer).faults,
+      std::vector<std::string>{"64 TAPs answered after the reset, but in BYPASS there are more "
+                               "than 64 bits"});
+}
+
+TEST(Detect, WritesNoJtagScriptOfALongChain) {
+  const struct {
+    std::size_t taps;
+    int ir_bits;
+    std::string refused;
+  } kChains[] = {
+      {64, 288, ""},
+      {65, 130, "no JTAG script: more than 64 TAPs"},
+      {64, 289, "no JTAG script: the IR has 289 bits, and in a script at most 288"},
+  };
+  for (const auto& test : kChains) {
+    Chain chain;
+    chain.taps.resize(test.taps);
+    chain.ir_bits = test.ir_bits;
+    std::string refused;
+    try {
+      icehost::JtagScriptOf(chain, kNone);
+    } catch (const icehost::Unsupported& error) {
+      refused = error.what();
+    }
+    EXPECT_EQ(refused, test.refused);
+  }
 }
 
 // What OpenOCD 0.12 says, and the table that it prints.
@@ -357,15 +387,16 @@ TEST(Detect, WritesScriptsThatPass) {
         command.replace(command.find('%'), 1, "--probe remote-bitbang:" + server.Name()));
   };
   for (const std::string kind : {"jtag", "gpio"}) {
-    const std::string script = testing::TempDir() + "detected." + kind;
-    const Outcome made = run_on(chain, "icehost detect --script " + kind + " % 2>&1 >" + script +
-                                           "; icehost check --strict " + script);
+    const TempFile script("");
+    const Outcome made =
+        run_on(chain, "icehost detect --script " + kind + " % 2>&1 >" + script.Name() +
+                          "; icehost check --strict " + script.Name());
     EXPECT_EQ(made.output.substr(0, 9), "3 TAPs on") << kind;
     EXPECT_EQ(made.output.find(": error"), std::string::npos) << made.output;
     EXPECT_EQ(made.status, 0) << kind;
     const std::string edit = kind == "jtag" ? fill + " " : "cat ";
     const auto run = [&](const Taps& taps) {
-      return run_on(taps, edit + script + " | icehost run -q --strict % - 2>&1");
+      return run_on(taps, edit + script.Name() + " | icehost run -q --strict % - 2>&1");
     };
     EXPECT_EQ(run(chain).output, "") << kind;
     EXPECT_EQ(run(older).output, "") << kind;

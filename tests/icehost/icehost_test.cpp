@@ -1,11 +1,17 @@
 // icehost as a user runs it: command line, exit status, output.
 #include <gtest/gtest.h>
+#include <unistd.h>
 
+#include <chrono>
+#include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
 #include <string_view>
+#include <thread>
 
+#include "host/system/interrupt.h"
 #include "host/system/text.h"
 #include "tests/icehost/run_icehost.h"
 
@@ -74,12 +80,32 @@ TEST(Icehost, PrintsNoControls) {
        "???"
        "?(?"},                                                           // stray, cut short
       {"\xc0\x9b\xe0\x82\x9b\xf0\x80\x82\x9b", "?????????"},             // overlong
+      {"\xc1\xbf\xe0\x9f\xbf\xf0\x8f\xbf\xbf", "?????????"},             // likewise, the highest
       {"\xed\xa0\x80\xf4\x90\x80\x80\xff", "????????"},                  // beyond Unicode
       {"\xef\xbf\xbf\xf4\x8f\xbf\xbf", "\xef\xbf\xbf\xf4\x8f\xbf\xbf"},  // its ends
       {"\xe2\x80\xa7\xe2\x80\xa8\xe2\x80\xae\xe2\x80\xac\xe2\x80\xaf",
        "\xe2\x80\xa7   \xe2\x80\xaf"},
   };
   for (const auto& text : kTexts) EXPECT_EQ(icehost::Printable(text.text), text.printable);
+}
+
+void BeInterruptedAtWork() {
+  using icehost::Rescue;
+  icehost::CatchInterrupts();
+  Rescue rescue(Rescue::State::kAway, [] { std::fputs("completed", stderr); });
+  {
+    const Rescue::Scope scope(rescue, Rescue::State::kWorking);
+    kill(getpid(), SIGINT);
+    std::this_thread::sleep_for(std::chrono::milliseconds(1200));
+    std::fputs("worked, ", stderr);
+  }
+  std::this_thread::sleep_for(std::chrono::seconds(10));
+}
+
+// The outputs are completed when the main thread is away, and not before.
+TEST(Rescue, WaitsForTheMainThread) {
+  testing::FLAGS_gtest_death_test_style = "threadsafe";
+  EXPECT_EXIT(BeInterruptedAtWork(), testing::ExitedWithCode(130), "worked, completed");
 }
 
 }  // namespace

@@ -13,7 +13,7 @@ sys.path.append(sys.path[0] + "/..")
 from lib import FOLDER, ICEHOST, SOURCE, expect, failures, output, run_checks, write
 
 PAGE = ICEHOST + ".1"
-os.environ.update(HOME=FOLDER.name, TERM="dumb", LC_ALL="C.UTF-8")
+os.environ.update(XDG_RUNTIME_DIR=FOLDER.name, TERM="dumb", LC_ALL="C.UTF-8")
 
 
 def options_in(text):

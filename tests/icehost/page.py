@@ -3,11 +3,13 @@
 
 usage: page.py ICEHOST SOURCE_FOLDER
 """
+import json
 import os
 import re
 import subprocess
 import sys
 import time
+from difflib import unified_diff
 
 from selenium import webdriver
 from selenium.webdriver.common.action_chains import ActionChains
@@ -15,8 +17,9 @@ from selenium.webdriver.common.keys import Keys
 from selenium.webdriver.chrome.service import Service
 
 sys.path.append(sys.path[0] + "/..")
-from lib import (BACK, ICEHOST, RESET, TO_SHIFT_DR, Serve, expect, output, read, records_of,
-                 run_checks, waveform)
+from lib import (BACK, ICEHOST, RESET, TO_SHIFT_DR, Serve, expect, failures, output, read,
+                 records_of, run_checks, waveform, write)
+from page_drawing import RECORD, Picture, colours_of, drawn
 
 PAGE = os.path.abspath("page.html")
 FLAGS = """--headless=new --no-sandbox --disable-gpu --disable-quic --no-first-run
@@ -118,7 +121,9 @@ def check_against_other_outputs():
         steps = ["".join(levels)[::-1] for levels in zip(*waveform("v")[0].values())]
         expect(what, js("return Array.from(steps, (step) => step & 63)"),
                [int(step, 2) for step in steps])
-        expect(what, texts("#result"), ["failed" if status else "passed"])
+        result = js("const {className, textContent} = document.getElementById('result');"
+                    "return [className, textContent]")
+        expect(what, result, ["", "failed"] if status else ["good", "passed"])
         shown = [read(path).rstrip("\n") for path in arguments if "/" in path]
         played = len([line for line in lines if "script" in line])
         expect(what, texts("#source .text"), "\n".join(shown[:played]).split("\n"))
@@ -142,27 +147,38 @@ def check_head_and_failure():
     why = "expected 0x1ce51001, captured 0x39ca2003 (mask 0x0fffffff)"
     expect("at its line", texts(".mark"), [why])
     expect("behind its row", texts(".note.error")[0], f"line 12: {why}")
-    show("--keep-going", "-", script="[ZEVA_ICE_GPIO]\nSTART\nREPT=4\n"
+    show("--keep-going", "-", script="[ZEVA_ICE_GPIO]\nSTART\nREPT=3\n"
          "PRINT=GPIO_IN # expect TCK=0\nTCK=1\nENDR\nEND\n")
-    expect("some of its times", texts(".line")[3:5],
-           ["4NOT MET \u00d73PRINT=GPIO_IN # expect TCK=0", "5ok \u00d74TCK=1"])
-    expect("told once", [text.split(": ")[1] for text in texts(".mark.error")], ["TCK is 1 \u00d73"])
+    expect("some of its times", texts(".line")[1:5],
+           ["2okSTART", "3REPT=3", "4NOT MET \u00d72PRINT=GPIO_IN # expect TCK=0",
+            "5ok \u00d73TCK=1"])
+    expect("told once", [text.split(": ")[1] for text in texts(".mark.error")], ["TCK is 1 \u00d72"])
+    show("-", script="[CONTROL]\nCDI=5\n")
+    expect("without pins", (texts("#notes li"), js("return document.querySelector('#wave').hidden")),
+           (["No waveform: the probe showed no pins, or nothing moved them"], True))
+    server = Serve()
+    address = f"127.0.0.1:{server.port}"
+    show("--probe", f"remote-bitbang:{address}", "examples/read_idcode.ini")
+    expect("another probe", dict(zip(texts("#entries dt"), texts("#entries dd")))["Probe"],
+           f"remote_bitbang at {address}")
 
 
 def check_problems():
     """The problems of check follow their lines; without --force nothing is written."""
-    records = records_of(output(ICEHOST, "check", "-q", "--json", "-", "tests/scripts/bad.ini"))
-    problems = [one for one in records if "problem" in one]
     os.unlink(PAGE)
     expect("with errors", run("tests/scripts/bad.ini"), 1)
     expect("a page of nothing", os.path.exists(PAGE), False)
     show("--force", "tests/scripts/bad.ini", "examples/reset.ini")
     expect("the rest", texts("#entries dd")[-1], "examples/reset.ini")
-    items = js("let line; return [...document.querySelectorAll('#source-list .item')].flatMap("
-               "(item) => { if (!item.matches('.line')) return [`${line}:${item.textContent}`];"
-               "line = item.querySelector('a').textContent; return [] })")
-    expect("problems", items,
-           [f"{one['line']}:{one['column']}: {one['problem']}: {one['text']}" for one in problems])
+    # An empty script has its problem beyond its end.
+    for script in ("tests/scripts/bad.ini", "tests/golden/empty.txt"):
+        records = records_of(output(ICEHOST, "check", "-q", "--json", "-", script))
+        show("--force", script)
+        items = js("let line; return [...document.querySelectorAll('#source-list .item')].flatMap("
+                   "(item) => { if (!item.matches('.line')) return [`${line}:${item.textContent}`];"
+                   "line = item.querySelector('a').textContent; return [] })")
+        expect(script, items, [f"{one['line']}:{one['column']}: {one['problem']}: {one['text']}"
+                               for one in records if "problem" in one])
 
 
 def check_hostile():
@@ -224,44 +240,132 @@ def check_picking():
     expect("another address", "[WRITE_SCRATCH]" in picked()[1], True)
     open_page("#line-99999999999999999999")
     expect("no such line", (picked()[1], before), ("", view()))
+    section = "IR=5,1\nDR=W,8,0\n# below\n\n"
+    show("--force", "-", script=f"[A]\n{section}[NOTHING]\nIR=5\nDR=W,0\n[C]\n{section}")
+    for text, line, row in (("DR=W,0", "8", ""), ("[NOTHING]", "6", ""), ("# below", "4", ""),
+                            ("[C]", "9", "1")):
+        click(".text", text)
+        expect(text, (picked()[0], picked()[1][:1]), (line, row))
 
 
-def check_keys_and_wheel():
+# Pages on which something is done: arguments, and a script for standard input. The first has more
+# operations than the list holds elements at once, the last fewer steps than the canvas has room for.
+READ = "PRINT=GPIO_IN"
+PAGES = {
+    "long": (["examples/read_idcode.ini", "examples/reset.ini", "-"],
+             "[ZEVA_ICE_GPIO]\nSTART\nGPIO_OE=0x1F\nREPT=470\nTDI=1\nTCK=1\nTDI=0\nTCK=0\nENDR\n"
+             f"{READ}\nEND\n"),
+    "failing": (["--keep-going", "--idcode", "39ca2003", "examples/read_idcode.ini", "-"],
+                f"[ZEVA_ICE_GPIO]\nSTART\nGPIO_OE=0x1F\n{READ} # expect TCK=1\n\nTCK=1,TMS=1\n"
+                f"TCK=0\nREPT=2\n{READ} # expect TCK=0\nENDR\nEND\n"),
+    "short": (["examples/reset_pulse.gpio"], ""),
+}
+MOVES = "tests/golden/page_moves.txt"
+OUTLINE = "tests/golden/page_outline.txt"
+# The waveform has room for 1000 pixels, each list for 10 lines. Each function returns whether the
+# browser was left to do what it does by itself.
+HELPERS = """
+const canvas = document.getElementById("canvas"), lists = [sourceList.element, rowList.element];
+canvas.style.width = "1064px";
+for (const list of lists) list.style.cssText = "flex: none; height: 200px";
+canvas.setPointerCapture = () => {};
+const event = (x, more) => ({clientX: x + canvas.getBoundingClientRect().left,
+  clientY: canvas.getBoundingClientRect().top + 50, bubbles: true, cancelable: true, ...more});
+window.pointer = (what, x, more) => canvas.dispatchEvent(
+  new PointerEvent(`pointer${what}`, event(x, more)));
+window.wheel = (x, more) => canvas.dispatchEvent(new WheelEvent("wheel", event(x, more)));
+window.key = (key, more, element) => (element ?? canvas).dispatchEvent(
+  new KeyboardEvent("keydown", event(0, {key, ...more})));
+window.press = (id) => document.getElementById(id).click();
+"""
+STATE = """
+const short = (value) => value === null ? "-" : Math.round(value * 1000) / 1000;
+const text = (selector) => document.querySelector(selector)?.textContent ?? "-";
+const of = ({element, shown}) => `${element.scrollTop} ${Math.min(...shown.keys())} ${shown.size}`;
+return [[wave.from, wave.scale, wave.cursor, wave.hover].map(short).join(" "),
+  `${text("#source-list .picked a")} ${text("#row-list .picked span")} ${location.hash}`,
+  of(sourceList), of(rowList), text("#view"), text("#readout")].join(" | ")"""
+
+
+def check_drawing(what):
+    """The canvas shows the steps of the run."""
+    data = json.loads(re.search('id="data">(.*?)</script', read(PAGE), re.S)[1])
+    colours = colours_of(read("host/page/page.css"))
+    view = js("const {from, scale, cursor, hover, row, width, height, character} = wave;"
+              "return {from, scale, cursor, hover, row: row?.index, width, height, character}")
+    view.setdefault("row")
+    got, wanted = drawn(js(RECORD), colours, view["width"]), Picture(data, view).wanted()
+    if got != wanted:
+        lines = unified_diff([str(one) for one in wanted], [str(one) for one in got], n=0)
+        failures.append("\n".join([f"{what} draws", *list(lines)[:12]]))
+
+
+def compare_golden(path, text):
+    if "ICESCRIPT_UPDATE_GOLDEN" in os.environ:
+        write(path, text)
+    failures.extend(unified_diff(read(path).splitlines(), text.splitlines(), path, "now", n=0))
+
+
+def check_moves():
+    """A session: after each "$ DEED" comes what it returns, and what is in sight then."""
+    session = ""
+    for line in read(MOVES).splitlines():
+        if line[0] == "=":
+            continue
+        session += line + "\n"
+        if line[0] == ">":
+            arguments, script = PAGES[line[2:]]
+            show(*arguments, script=script)
+            js(HELPERS)
+            settle()
+        elif line[0] == "$":
+            done = js("return " + line[2:])
+            settle()
+            session += f"= {done} | {js(STATE)}\n"
+            check_drawing(line)
+    compare_golden(MOVES, session)
+    expect("font", js("return wave.context.font"), "11px monospace")
+
+
+def check_outline():
+    """The elements of a page, but for what differs from run to run. Its totals say that it was cut,
+    a line has more errors than are shown with it, and one is beyond the end of the script."""
+    arguments, script = PAGES["failing"]
+    run(*arguments, script=script)
+    page = re.sub(r'("total_\w+":)(\d+)', lambda total: f"{total[1]}{int(total[2]) + 2}", read(PAGE))
+    page = page.replace('"cut_messages":false,"cut_faults":false',
+                        '"cut_messages":true,"cut_faults":true')
+    errors = [(6, "a"), (6, "b"), (6, "b"), (6, "c"), (6, "d"), (6, "e"), (1, "f"), (14, "g")]
+    entries = "".join(f',{{"line":{line},"text":"\\u003cstdin>:{line}:1: {text}"}}'
+                      for line, text in errors)
+    write(PAGE, page.replace('],\n"total_rows"', entries + '],\n"total_rows"'))
+    open_page()
+    click(".text", "[READ_IDCODE]")
+    outline = js("return document.querySelector('header').outerHTML +"
+                 "document.querySelector('main').outerHTML")
+    outline = re.sub(r"(<(?:div|dt|li|section|h1|h2|ul|dl)\b)", r"\n\1", outline)
+    for name in ("Started", "Plug-in", "icehost", "Done"):
+        outline = re.sub(f"(<dt>{name}</dt><dd>)[^<]*", r"\1...", outline)
+    compare_golden(OUTLINE, outline + "\n")
+
+
+def check_mouse_and_keyboard():
+    """The events that a browser makes itself."""
     show("examples/scratch_register.ini", "examples/reset.ini")
     canvas = browser.find_element("id", "canvas")
-    full = view()
 
     def keys(*pressed):
         ActionChains(browser).send_keys(*pressed).perform()
         return view()
 
-    def wheel(x, y):
-        js("arguments[0].dispatchEvent(new WheelEvent('wheel', {deltaX: arguments[1],"
-           "deltaY: arguments[2], clientX: 640, bubbles: true, cancelable: true}))", canvas, x, y)
-        return view()
-
+    full = view()
     click_wave(canvas, 200)
+    expect("clicked", texts("#readout")[0][:7], "200 us:")
     near = keys("+", "+", "+")
     expect("zoomed in", near[1] - near[0] < (full[1] - full[0]) / 3 and near[0] < 200 < near[1], True)
-    right = keys(Keys.ARROW_RIGHT)
-    expect("scrolled to", right[0] > near[0], True)
-    expect("scrolled", abs(right[1] - right[0] - (near[1] - near[0])) <= 1, True)
-    expect("end and home", (keys(Keys.END)[1], keys(Keys.HOME)[0]), (full[1], 0))
-    ActionChains(browser).key_down(Keys.SHIFT).send_keys(Keys.ARROW_LEFT).key_up(Keys.SHIFT).perform()
-    settle()
-    levels = js("return Array.from(data.pins, (name, pin) => `, ${name} ${steps[199] >> pin & 1}`)")
-    expect("cursor", re.sub("[A-Z][a-zA-Z0-9]*[-/][-/a-zA-Z]*", "TAP", texts("#readout")[0]),
-           f"199 us: TAP{''.join(levels)}")
-    expect("all", keys("0"), full)
-    closer = wheel(0, -400)
-    expect("wheel", closer[1] - closer[0] < (full[1] - full[0]) * 0.6, True)
-    expect("sideways", wheel(100, 0)[0] > closer[0], True)
-    expect("back", wheel(0, 4000), full)
-    wheel(0, -400)
-    dragged = view()[0]
     actions = ActionChains(browser).move_to_element(canvas).click_and_hold()
-    actions.move_by_offset(-200, 0).release().perform()
-    expect("dragged", view()[0] > dragged, True)
+    actions.move_by_offset(-200, -150).release().perform()
+    expect("dragged beyond the canvas", view()[0] > near[0], True)
     js("document.getElementById('source-list').focus()")
     keys(Keys.HOME)
     expect("first line", picked()[0], "1")
@@ -305,29 +409,42 @@ def check_served():
     server.play(scan + b"2626" + b"tr" + b"04" + TO_SHIFT_DR + b"1515RQ")
     expect("status", server.end()[0], 0)
     open_page()
-    expect("table", [row[2:5] for row in table()], [
-        ["TAP reset", "by TMS", ""],
-        ["DR scan", "DR 4: 0x07", "DR 0x01"],
-        ["reset pins", "TRST=0 NRST=1", ""],
-        ["TAP reset", "by TRST", ""],
-        ["reset pins", "TRST=1 NRST=1", ""],
-        ["DR scan, cut short by the end", "DR 2: 0x03", "DR 0x01"]])
+    expect("table", [row[:5] for row in table()], [
+        ["0", "", "TAP reset", "by TMS", ""],
+        ["1", "", "DR scan", "DR 4: 0x07", "DR 0x01"],
+        ["2", "", "reset pins", "TRST=0 NRST=1", ""],
+        ["3", "", "TAP reset", "by TRST", ""],
+        ["4", "", "reset pins", "TRST=1 NRST=1", ""],
+        ["5", "", "DR scan, cut short by the end", "DR 2: 0x03", "DR 0x01"]])
     expect("clients", [re.sub(" from.*|, .*", "", text) for text in texts(".note")],
            ["client 1 connected", f"client 1 left: bytes {len(scan) + 20}"])
     click("#row-list .row > :nth-child(4)", "DR 4: 0x07")
     begin, end = view()
     expect("in sight", begin <= 16 < end, True)
+    check_drawing("served")
     expect("no script", texts("#source-list a"), [])
     expect("result", texts("#result"), ["ended"])
 
 
 def check_narrow():
     browser.execute_cdp_cmd("Emulation.setDeviceMetricsOverride",
-                            {"width": 400, "height": 800, "deviceScaleFactor": 1, "mobile": False})
+                            {"width": 400, "height": 800, "deviceScaleFactor": 2, "mobile": False})
     show("--idcode", "39ca2003", "examples/read_idcode.ini")
     wide = js("return document.documentElement.scrollWidth")
     expect("no wider than the screen", wide <= 400, True)
-    expect("values", "received IR 0x01, DR 0x39ca2003" in texts(".value"), True)
+    expect("cells", table()[1], ["1", "11", "[READ_IDCODE]", "NOT MET"])
+    expect("values", texts(".picked.value"),
+           ["sent IR 5: 0x01, DR 32: 0x00000000", "received IR 0x01, DR 0x39ca2003",
+            "expected DR 0x1ce51001/0x0fffffff"])
+    expect("no levels", texts("#readout")[0].count(","), 0)
+    expect("sharp", js("const {a, b, c, d, e, f} = wave.context.getTransform(), {canvas} = wave;"
+                       "return [canvas.width / canvas.clientWidth, canvas.height / canvas.clientHeight,"
+                       "a, b, c, d, e, f]"), [2, 2, 2, 0, 0, 2, 0, 0])
+    dark = {"features": [{"name": "prefers-color-scheme", "value": "dark"}]}
+    browser.execute_cdp_cmd("Emulation.setEmulatedMedia", dark)
+    settle()
+    expect("dark", js("return wave.colour.bg"), "#0d1117")
+    browser.execute_cdp_cmd("Emulation.setEmulatedMedia", {"features": []})
     browser.execute_cdp_cmd("Emulation.clearDeviceMetricsOverride", {})
 
 
@@ -342,7 +459,7 @@ def check_console():
 
 try:
     run_checks(check_against_other_outputs, check_head_and_failure, check_problems, check_hostile,
-               check_picking, check_keys_and_wheel, check_long, check_interrupted, check_served,
-               check_narrow, check_console)
+               check_picking, check_moves, check_outline, check_mouse_and_keyboard, check_long,
+               check_interrupted, check_served, check_narrow, check_console)
 finally:
     browser.quit()

@@ -122,6 +122,20 @@ TEST(Serve, IsToldInLines) {
 {"reset":"TRST","step":27,"end_step":28}
 {"pins":{"TRST":1,"NRST":1},"step":28,"end_step":29}
 )"},
+      // TRST in Shift-DR, while TCK is low: the next scan reads the IDCODE.
+      {kReset + Scan(kIr, "01000") + Walk(kDr) + Edges("00", "11") + "0tr" + Walk("0") +
+           Scan(kDr, "00000000"),
+       "9 TAP reset (TMS)\n17 IR 5 bits 0x02 -> 0x01\n37 DR 2 bits 0x03 -> 0x00 (cut short by a "
+       "reset)\n45 TRST=0 NRST=1\n45 TAP reset (TRST)\n46 TRST=1 NRST=1\n52 DR 8 bits 0x00 -> "
+       "0x01\n",
+       R"({"reset":"TMS","step":9,"end_step":10}
+{"scan":"IR","bits":5,"in":"0x02","out":"0x01","updated":true,"step":17,"end_step":32}
+{"scan":"DR","bits":2,"in":"0x03","out":"0x00","updated":false,"step":37,"end_step":46}
+{"pins":{"TRST":0,"NRST":1},"step":45,"end_step":46}
+{"reset":"TRST","step":45,"end_step":46}
+{"pins":{"TRST":1,"NRST":1},"step":46,"end_step":47}
+{"scan":"DR","bits":8,"in":"0x00","out":"0x01","updated":true,"step":52,"end_step":73}
+)"},
       {kReset + Walk("0" + kDr) + Edges("0", "1"),
        "9 TAP reset (TMS)\n11 idle 1 cycle\n17 DR 1 bits 0x01 -> 0x01 (cut short by the end)\n",
        R"({"reset":"TMS","step":9,"end_step":10}

@@ -8,12 +8,14 @@
 
 namespace {
 
-// The lines that begin with `first`; without it those that are neither comments nor messages.
+// The lines that begin with `first`; without it those of the file but for its first, and for the
+// comments on places.
 std::string Lines(const std::string& text, const std::string& first = "") {
   std::istringstream lines(text);
   std::string kept;
   for (std::string line; std::getline(lines, line);) {
-    const bool statement = line[0] != '!' && line.rfind("icehost:", 0) != 0;
+    const bool statement = line.rfind("! Played", 0) != 0 && line.rfind("! -:", 0) != 0 &&
+                           line.rfind("icehost:", 0) != 0;
     if (first.empty() ? statement : line.rfind(first, 0) == 0) kept += line + "\n";
   }
   return kept;
@@ -45,10 +47,11 @@ std::string Walk(const std::string& edges) {
   return script + "END";
 }
 
-// The pins as statements, after the TRST and the STATE that begin each of these runs, and the
+// The pins as statements and comments, after the resets that begin each of these runs, and the
 // losses.
 TEST(Svf, SaysWhatTheTapDoes) {
-  const std::string head = "ENDIR IDLE;\nENDDR IDLE;\nTRST ON;\nTRST OFF;\nSTATE IDLE;\n";
+  const std::string head =
+      "ENDIR IDLE;\nENDDR IDLE;\n! NRST low\nTRST ON;\n! NRST high\nTRST OFF;\nSTATE IDLE;\n";
   const std::string reset_line =
       "icehost: warning: --svf: SVF has no word for NRST: a player does not reset the target\n";
   const auto loss = [](const char* what) {
@@ -74,22 +77,28 @@ TEST(Svf, SaysWhatTheTapDoes) {
       {"0100 i1 1111 01100 i1 1111 0", "",
        "ENDDR DRPAUSE;\nSDR 2 TDI (1);\nSTATE RESET;\nSTATE IDLE;\nENDIR IRPAUSE;\nSIR 2 TDI "
        "(1);\nSTATE RESET;\nSTATE IDLE;\n"},
-      {"0100 i1 1100 01 10", no_idle, "SDR 2 TDI (1);\nSDR 2 TDI (0);\n"},
-      {"0100 i1 1 {NRST=0} 111", no_idle, "SDR 2 TDI (1);\nSTATE RESET;\n"},
-      {"0100 i1 010 i1 10 100 1 10", paused, "SDR 4 TDI (5);\nSDR 1 TDI (0);\n"},
+      {"0100 i1 1100 01 10", no_idle,
+       "SDR 2 TDI (1);\n! from the scan above to the next without Run-Test/Idle\nSDR 2 TDI (0);\n"},
+      {"0100 i1 1 {NRST=0} 111", no_idle,
+       "SDR 2 TDI (1);\n! NRST low\n! from the scan above to the reset without "
+       "Run-Test/Idle\nSTATE RESET;\n"},
+      {"0100 i1 010 i1 10 100 1 10", paused,
+       "! by way of Pause-DR\nSDR 4 TDI (5);\nSDR 1 TDI (0);\n"},
       // What cannot be said.
       {"010 1 10 100 i1 10",
        loss("SVF has no scan of 0 bits: a player neither captures nor updates there"),
-       "SDR 2 TDI (1);\n"},
+       "! scan of 0 DR bits: left out\nSDR 2 TDI (1);\n"},
       {"0100 i0 {TRST=0}{TRST=1} 0", loss("a scan was cut short: it is not in the file"),
-       "TRST ON;\nTRST OFF;\nSTATE IDLE;\n"},
+       "! scan of 2 DR bits: cut short, left out\nTRST ON;\nTRST OFF;\nSTATE IDLE;\n"},
       {"0000 {TRST=0}{TRST=1} 0", "",
        "RUNTEST IDLE 3 TCK ENDSTATE IDLE;\nTRST ON;\nTRST OFF;\nSTATE IDLE;\n"},
-      {"0100 i0", loss("a scan was cut short: it is not in the file"), ""},
+      {"0100 i0", loss("a scan was cut short: it is not in the file"),
+       "! scan of 2 DR bits: cut short, left out\n"},
       {"0100 {REPT=1048576}{TCK=0}{TCK=1}{ENDR} 1 10",
-       loss("a scan has more than 1048576 bits: it is not in the file"), ""},
+       loss("a scan has more than 1048576 bits: it is not in the file"),
+       "! scan of 1048577 DR bits: too long, left out\n"},
       {"{TRST=1}0{GPIO_OE=0x3}{TCK=0}{GPIO_OE=0x1f}",
-       loss("SVF cannot release pins: a player drives them"), ""},
+       loss("SVF cannot release pins: a player drives them"), "! TCK, TMS, TDI released\n"},
   };
   for (const auto& walk : kWalks) {
     const Outcome outcome = RunOn(Walk(walk.edges), "run -q --svf - - 2>&1");

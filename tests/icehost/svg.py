@@ -48,6 +48,7 @@ PICTURES = [
     # A scan has its values in each band where they fit, or else its name; long names give way.
     ("--ir-length 2 -", scan("A", 2) + scan("A<&>B\x01", 4)),
     ("--ir-length 2 -", scan("A" * 99, 2)),
+    *(("--ir-length 2 -", scan("\u00e9" * letters, 2)) for letters in (16, 17)),
     # Lines share a segment until their numbers fit.
     ("-", gpio("\n" * 1000 + loop(5, "TCK=1\nTDI=1\nTCK=0\n") + "\nTDI=0\n" * 6)),
     # What was read, and what was not as expected.
@@ -73,6 +74,7 @@ class Picture:
         self.bands, self.texts, self.states = [], [], []
         self.levels = dict.fromkeys(PINS, "")
         self.step_width = 44  # of a picture with one tick
+        self.times = set()  # that the ruler shows
         for element in root:
             kind = element.get("class")
             is_text = element.tag.endswith("text")
@@ -90,6 +92,7 @@ class Picture:
                 self.bands[-1] += "|".join(labels.get(self.middle(path), "") for path in self.shapes)
             elif kind == "ink" and element.get("text-anchor"):
                 self.ticks = [(int(text.get("x")), int(text.text)) for text in element]
+                self.times |= {time for _, time in self.ticks}
                 self.bands.append("")
             elif kind == "ink":
                 self.rows = {int(text.get("y")) - 11: text.text for text in element}
@@ -136,7 +139,7 @@ class Picture:
     def read_extents(self, element):
         centred = element.get("text-anchor") == "middle"
         for text in element.iter("{http://www.w3.org/2000/svg}text"):
-            width = CHARACTER * len(text.text)
+            width = CHARACTER * sum(1 if ch.isascii() else 2 for ch in text.text)
             left = int(text.get("x")) - (width / 2 if centred else 0)
             self.texts.append((int(text.get("y")), left, left + width, text.text))
 
@@ -149,6 +152,9 @@ def check(arguments, script):
     picture = Picture("svg")
     if (picture.levels, picture.states) != waveform("vcd", len(picture.states)):
         failures.append(f"{arguments} {script}: other levels or states than in the waveform")
+    tick = 5 if picture.bands[0].startswith("line:") else 10
+    if picture.times != set(range(0, len(picture.states) + 1, tick)):
+        failures.append(f"{arguments} {script}: the ruler shows {sorted(picture.times)}")
     texts = sorted(picture.texts)
     for one, other in zip(texts, texts[1:] + [(None,)]):
         if one[1] < 0 or one[2] > picture.width or (one[0] == other[0] and one[2] >= other[1]):

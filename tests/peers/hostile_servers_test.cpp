@@ -35,15 +35,19 @@ Server Answering(Answer answer) {
 
 const Server kSilent = Answering([](const std::string&) { return ""; });
 
-// Sends `before`, then serves the simulated target, and `after` at once behind the last sample.
-Server Target(const std::string& before, const std::string& after) {
+// Sends `before`, then serves the simulated target, and `after` at once behind the last sample. The
+// bytes `ignored` do nothing.
+Server Target(const std::string& before, const std::string& after,
+              const std::string& ignored = "") {
   return [=](tcp::socket& client) {
     icehost::SimPort port{icehost::TargetOptions{}};
     icehost::BitbangSession session(port);
     std::string answers = before;
     for (;;) {
       const std::string bytes = ReadFrom(client);
-      session.Feed(bytes, answers);
+      for (const char byte : bytes) {
+        if (ignored.find(byte) == std::string::npos) session.Feed({&byte, 1}, answers);
+      }
       Write(client, answers + (bytes.back() == 'R' ? after : ""));
       answers.clear();
     }
@@ -126,7 +130,7 @@ TEST(Servers, EndARunAsTheyShould) {
   const std::string bitbang = "remote-bitbang", openocd = "openocd";
   const std::string idcode = "tests/scripts/idcode.ini", reset = "tests/scripts/reset_only.ini";
   const std::string scratch = "examples/scratch_register.ini";
-  const std::string walk = "tests/scripts/idcode.gpio";
+  const std::string walk = "tests/scripts/idcode.gpio", trst = "tests/scripts/trst.gpio";
   const std::string writes = "tests/scripts/endless_writes.gpio";
   const std::string dr_only = "tests/scripts/dr_only.ini";
   const std::string pins = "tests/scripts/reported_pins.gpio";
@@ -177,6 +181,8 @@ TEST(Servers, EndARunAsTheyShould) {
     std::string message;
   } kRuns[] = {
       {Target("", ""), bitbang, idcode + " " + scratch + " " + walk, 0, ""},
+      {Target("", ""), bitbang, trst, 0, ""},
+      {Target("", "", "rstu"), bitbang, trst, 0, ""},
       {Target("0", ""), bitbang, idcode, 3, step},
       {Target("", "1"), bitbang, idcode, 3, step},
       {Target("", "1"), bitbang, walk, 3, step},

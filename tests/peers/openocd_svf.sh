@@ -55,6 +55,7 @@ for script in examples/read_idcode.ini examples/scratch_register.ini; do
 done
 written "$scratch/calls.svf" --probe "$probe" examples/reset.ini
 grep -q 'warning: --svf: SVF has no word for NRST' "$scratch/run.log" || fail "no word of NRST"
+grep -qx '! NRST low, NRST high' "$scratch/calls.svf" || fail "no comment on NRST"
 
 # played SCRIPT OPTION...: prints the statements of a run and its status.
 played() {

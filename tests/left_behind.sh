@@ -1,0 +1,30 @@
+#!/usr/bin/env bash
+# Finds what the tests of a build left. FOLDER is the TMPDIR of each test, and of no other process: every
+# file in it and every process with this TMPDIR is theirs. `clear` runs before the tests: it ends and
+# removes what an interrupted run left. `check` runs after them: it does the same, and fails if there
+# was anything.
+# usage: left_behind.sh clear|check FOLDER
+set -uo pipefail
+folder=$2
+
+processes() { grep -lsxzF "TMPDIR=$folder" /proc/[0-9]*/environ | cut -d/ -f3; }
+files() { find "$folder" -mindepth 1 2>/dev/null; }
+
+failed=0
+if [ "$1" = check ]; then
+  # A process that was told to end may take a moment.
+  for _ in {1..30}; do
+    [ -n "$(processes)$(files)" ] || break
+    sleep 0.1
+  done
+  if [ -n "$(processes)$(files)" ]; then
+    echo "left behind:"
+    processes | xargs -r ps -o pid,args -p
+    files
+    failed=1
+  fi
+fi
+processes | xargs -r kill -KILL
+rm -rf "${folder:?}"
+[ "$1" = check ] || mkdir -m 700 "$folder" || failed=1
+exit "$failed"
