@@ -286,8 +286,10 @@ TEST(Servers, AreOutOfReachWithoutFiles) {
           RunShell("exec 2>&1; ulimit -n " + std::to_string(files) +
                    "; exec icehost run -q --timeout 0.1 --probe " + probe + " examples/reset.ini");
       const bool no_files = outcome.output.find("Too many open files") != std::string::npos;
-      const bool served = probe == "sim" ? outcome.output.empty()
-                                         : outcome.output.find("no answer") != std::string::npos;
+      // A busy machine may need all of the time to connect.
+      const bool waited = outcome.output.find("no answer") != std::string::npos ||
+                          outcome.output.find("timed out") != std::string::npos;
+      const bool served = probe == "sim" ? outcome.output.empty() : waited;
       EXPECT_TRUE(served || no_files) << files << ": " << outcome.output;
       EXPECT_EQ(outcome.status == 0, probe == "sim" && served) << files << ": " << outcome.output;
     }
