@@ -17,6 +17,7 @@ from lib import ICEHOST, SANITIZED, expect, output, read, run_checks, start, wri
 
 PLUGIN = os.path.join(os.path.dirname(ICEHOST), "libicescript.so")
 ENDLESS = "tests/scripts/endless_writes.gpio"
+SVF = "SIR 5 TDI (01);\nSDR 32 TDI (0);\n"
 SCRIPT = "examples/read_idcode.ini"
 FULL = "icehost: standard output: No space left on device"
 PIPE = "icehost: standard output: Broken pipe"
@@ -75,7 +76,7 @@ def check_commands():
 
 def check_lacks():
     """Where the system lacks something, that is the reason, and no fault of the script."""
-    write("id.svf", "SIR 5 TDI (01);\nSDR 32 TDI (0);\n")
+    write("id.svf", SVF)
     for files in range(4, 12):
         for arguments in (f"run -q {SCRIPT}", f"check {SCRIPT}", "import id.svf", "detect"):
             status = shell(f"ulimit -n {files}; icehost {arguments}")
@@ -129,7 +130,7 @@ def check_old_files():
 
 
 def check_shared_files():
-    """An output is no other file of its command, by whatever name; if it would be, nothing changes."""
+    """An output must be a file of its own, whatever its name; if it is not, nothing changes."""
     write("script.ini", read(SCRIPT))
     os.link("script.ini", "hard_link")
     os.symlink("new", "dangling")
@@ -188,6 +189,7 @@ def check_signals():
     expect_whole(*glob.glob("m.*"))
     ends_by(signal.SIGINT, "check", *["many.ini"] * 50)
     os.mkfifo("fifo")
+    write("id.svf", SVF)
     ends_by(signal.SIGINT, "check", "fifo")
     ends_by(signal.SIGINT, "run", "--learn", "fifo", SCRIPT)
     # Nobody takes what it says.
