@@ -123,8 +123,8 @@ void Scan(icehost::Probe& probe) {
   probe.Reset(LINK_RESET_TARGET);
 }
 
-// The client's bytes a second time, with everything recorded, in the middle as if a client left: it
-// is none the wiser.
+// Serves the client's bytes a second time, with everything recorded and a client that leaves in the
+// middle. The answers must stay the same.
 std::string ServeRecorded(std::string_view bytes) {
   std::ostringstream text;
   const auto trace = icehost::MakeServeTrace(text);

@@ -38,7 +38,7 @@ class OutputFile {
   // As the user named it.
   const std::string& Path() const { return path_; }
   bool IsStandardOutput() const { return path_ == "-"; }
-  // Of the open file; throws IoError.
+  // Returns the status of the open file; throws IoError.
   struct stat Status() const;
   // There was no memory for something that belongs in the file: Close fails, if it was begun.
   void MarkIncomplete() { incomplete_ = begun_; }

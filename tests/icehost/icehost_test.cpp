@@ -80,7 +80,7 @@ TEST(Icehost, PrintsNoControls) {
        "???"
        "?(?"},                                                           // stray, cut short
       {"\xc0\x9b\xe0\x82\x9b\xf0\x80\x82\x9b", "?????????"},             // overlong
-      {"\xc1\xbf\xe0\x9f\xbf\xf0\x8f\xbf\xbf", "?????????"},             // likewise, the highest
+      {"\xc1\xbf\xe0\x9f\xbf\xf0\x8f\xbf\xbf", "?????????"},             // the highest of them
       {"\xed\xa0\x80\xf4\x90\x80\x80\xff", "????????"},                  // beyond Unicode
       {"\xef\xbf\xbf\xf4\x8f\xbf\xbf", "\xef\xbf\xbf\xf4\x8f\xbf\xbf"},  // its ends
       {"\xe2\x80\xa7\xe2\x80\xa8\xe2\x80\xae\xe2\x80\xac\xe2\x80\xaf",

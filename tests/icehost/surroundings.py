@@ -246,4 +246,5 @@ def check_terminal():
 
 
 run_checks(check_commands, *([] if SANITIZED else [check_lacks, check_memory]),
-           check_size_limit, check_old_files, check_shared_files, check_signals, check_ignored_signals, check_terminal)
+           check_size_limit, check_old_files, check_shared_files, check_signals, check_ignored_signals,
+           check_terminal)
