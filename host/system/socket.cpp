@@ -124,12 +124,12 @@ std::size_t Socket::Pending(std::chrono::milliseconds patience) {
 
 void Socket::TakeLeave(std::string_view bytes, std::size_t answers,
                        std::chrono::milliseconds patience) {
-  using Clock = std::chrono::steady_clock;
   SendAtOnce(socket_, bytes);
-  const Clock::time_point end = Clock::now() + patience;
+  const auto end = std::chrono::steady_clock::now() + patience;
   std::array<char, 4096> taken;
   while (answers > 0) {
-    const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now());
+    const auto left =
+        std::chrono::ceil<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
     pollfd readable = {socket_.native_handle(), POLLIN, 0};
     if (poll(&readable, 1, std::max(0, static_cast<int>(left.count()))) <= 0) return;
     const ssize_t got = recv(readable.fd, taken.data(), taken.size(), MSG_DONTWAIT);
