@@ -1,9 +1,11 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
+#include <cstddef>
 #include <new>
 #include <string>
 
+#include "host/check/file_kinds.h"
 #include "host/svf/importer.h"
 #include "host/system/errors.h"
 #include "host/system/file_uses.h"
@@ -21,6 +23,14 @@ void Write(const std::string& script, const ImportCommand& command) {
   file.WriteWhole(script);
 }
 
+ImportedSvf Import(const std::string& name, const std::string& svf, std::size_t most) {
+  const auto wrong = FindWrongKind(svf, FileUse::kSvf);
+  if (!wrong.has_value()) return ImportSvf(name, svf, most);
+  ImportedSvf refused;
+  refused.problems.Error(wrong->place, wrong->text);
+  return refused;
+}
+
 }  // namespace
 
 ExitStatus Execute(const ImportCommand& command) {
@@ -29,7 +39,7 @@ ExitStatus Execute(const ImportCommand& command) {
   const std::string name = command.file == "-" ? "<stdin>" : command.file;
   try {
     svf = ReadInput(command.file, command.size_limit);
-    imported = ImportSvf(name, svf, command.size_limit);
+    imported = Import(name, svf, command.size_limit);
   } catch (const IoError& error) {
     Complain(error.what());
     return kScriptFailed;

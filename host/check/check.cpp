@@ -6,6 +6,7 @@
 #include <string>
 
 #include "base/text.h"
+#include "host/check/file_kinds.h"
 #include "host/check/hints.h"
 
 namespace icehost {
@@ -64,6 +65,15 @@ void WarnOfNearTag(const ScriptText& script, Problems& problems) {
                             InParentheses(WhyNotTag(first.text, tag))));
 }
 
+// If the file is none that a verb plays, that is its one error.
+void ReportWrongKind(const ScriptText& script, Problems& problems) {
+  if (!problems.HasErrors()) return;
+  const auto wrong = FindWrongKind(script.Content(), FileUse::kScript);
+  if (!wrong.has_value()) return;
+  problems = {};
+  problems.Error(wrong->place, wrong->text);
+}
+
 }  // namespace
 
 CheckResult CheckScript(const ScriptText& script) {
@@ -76,6 +86,7 @@ CheckResult CheckScript(const ScriptText& script) {
     CheckJtag(script, result);
   }
   result.problems.Sort();
+  ReportWrongKind(script, result.problems);
   return result;
 }
 

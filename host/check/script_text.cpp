@@ -5,6 +5,7 @@
 
 #include "base/ini_file.h"
 #include "base/text.h"
+#include "host/check/file_kinds.h"
 #include "host/system/errors.h"
 #include "host/system/files.h"
 #include "host/system/interrupt.h"
@@ -55,8 +56,9 @@ ScriptLine::ScriptLine(int line_number, std::string_view line)
 
 std::string ReadScript(const std::string& path, std::size_t limit) {
   std::string content = ReadInput(path, limit);
-  if (IsBinary(content)) throw IoError(path + ": is binary, not a script");
-  return content;
+  if (!IsBinary(content)) return content;
+  const auto wrong = FindWrongKind(content, FileUse::kScript);
+  throw IoError(path + ": " + (wrong.has_value() ? wrong->text : "is binary, not a script"));
 }
 
 ScriptText::Iterator::Iterator(std::string_view content, std::size_t at, int number)

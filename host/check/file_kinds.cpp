@@ -1,0 +1,129 @@
+#include "host/check/file_kinds.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "base/text.h"
+#include "host/check/hints.h"
+#include "host/check/script_text.h"
+
+namespace icehost {
+namespace {
+
+constexpr std::string_view kWhitespace = " \t\n\v\f\r";
+
+struct FileKind {
+  const char* name;
+  const char* taker;
+  FileUse use;
+  Words comments;  // what begins a comment, which ends with its line
+  // Whether the text, from the first word on, is of this kind.
+  bool (*is)(std::string_view text);
+};
+
+ScriptLine FirstLine(std::string_view text) {
+  return {1, text.substr(0, text.find('\n'))};
+}
+
+// Whether a text begins with one of the words, in upper case or lower, and then with one of the
+// characters `after`.
+bool BeginsWith(std::string_view text, const Words& upper_words, std::string_view after) {
+  return std::any_of(upper_words.begin(), upper_words.end(), [=](std::string_view word) {
+    return icescript::EqualsUpper(text.substr(0, word.size()), word) && text.size() > word.size() &&
+           after.find(text[word.size()]) != std::string_view::npos;
+  });
+}
+
+bool IsGpioScriptText(std::string_view text) {
+  return icescript::IsSectionTag(FirstLine(text).text);
+}
+
+bool IsJtagScriptText(std::string_view text) {
+  return FirstLine(text).IsHeader() && !IsGpioScriptText(text);
+}
+
+// A line with "=" is one of a JTAG script.
+bool IsSvf(std::string_view text) {
+  return BeginsWith(text,
+                    {"ENDDR", "ENDIR", "FREQUENCY", "HDR", "HIR", "PIO", "PIOMAP", "RUNTEST", "SDR",
+                     "SIR", "STATE", "TDR", "TIR", "TRST"},
+                    " \t\n\v\f\r();!") &&
+         FirstLine(text).text.find('=') == std::string_view::npos;
+}
+
+bool IsVcd(std::string_view text) {
+  return BeginsWith(text, {"$COMMENT", "$DATE", "$SCOPE", "$TIMESCALE", "$VERSION"}, kWhitespace);
+}
+
+bool IsElf(std::string_view text) {
+  return text.substr(0, 4) ==
+         "\x7F"
+         "ELF";
+}
+
+bool IsHtml(std::string_view text) {
+  return BeginsWith(text, {"<!DOCTYPE HTML", "<HTML"}, " \t\n\r>");
+}
+
+bool IsSvg(std::string_view text) {
+  return BeginsWith(text, {"<SVG"}, " \t\n\r>");
+}
+
+bool IsRecord(std::string_view text) {
+  return text.substr(0, 19) == R"({"schema":"icehost-)";
+}
+
+const std::vector<FileKind>& FileKinds() {
+  static const std::vector<FileKind> kinds = {
+      {"a JTAG script", "icehost run plays it", FileUse::kScript, {"#"}, IsJtagScriptText},
+      {"a GPIO script", "icehost run plays it", FileUse::kScript, {"#"}, IsGpioScriptText},
+      {"an SVF file", "icehost import makes a script of it", FileUse::kSvf, {"!", "//"}, IsSvf},
+      {"a VCD file", "a waveform viewer such as GTKWave shows it", FileUse::kNone, {}, IsVcd},
+      {"an ELF file", "icehost run --plugin takes a plug-in", FileUse::kNone, {}, IsElf},
+      {"an HTML page", "a browser shows it", FileUse::kNone, {}, IsHtml},
+      {"an SVG picture", "a browser shows it", FileUse::kNone, {}, IsSvg},
+      {"a record that --json writes",
+       "a program such as jq reads it",
+       FileUse::kNone,
+       {},
+       IsRecord},
+  };
+  return kinds;
+}
+
+// Returns the text from the first word on.
+std::string_view SkipComments(std::string_view text, const Words& comments) {
+  for (;;) {
+    text.remove_prefix(std::min(text.find_first_not_of(kWhitespace), text.size()));
+    const bool comment =
+        std::any_of(comments.begin(), comments.end(),
+                    [text](std::string_view sign) { return text.substr(0, sign.size()) == sign; });
+    if (!comment) return text;
+    text.remove_prefix(std::min(text.find('\n'), text.size()));
+  }
+}
+
+// The place after this text.
+Place PlaceAfter(std::string_view text) {
+  const auto lines = std::count(text.begin(), text.end(), '\n');
+  const std::size_t line = text.rfind('\n') + 1;  // 0 if there is none
+  return {static_cast<int>(lines) + 1, static_cast<int>(text.size() - line) + 1};
+}
+
+}  // namespace
+
+std::optional<Problem> FindWrongKind(std::string_view content, FileUse wanted) {
+  for (const FileKind& kind : FileKinds()) {
+    const std::string_view text = SkipComments(content, kind.comments);
+    if (!kind.is(text)) continue;
+    if (kind.use == wanted) return std::nullopt;
+    return Problem{PlaceAfter(content.substr(0, content.size() - text.size())), true,
+                   fmt::format("this is {}: {}", kind.name, kind.taker)};
+  }
+  return std::nullopt;
+}
+
+}  // namespace icehost
