@@ -33,6 +33,9 @@ class Console {
   void Flush();
   // Shows a line of icehost's own.
   void Say(const std::string& line);
+  void SayUnlessQuiet(const std::string& line) {
+    if (!quiet_) Say(line);
+  }
   // Counts an operation, and draws the progress of a run that takes longer than a second.
   void CountOperation();
   // Erases the line of progress.

@@ -39,6 +39,7 @@ class ObservedProbe : public Probe {
   int Execute(std::uint8_t* capture) override;
   int Gpio(int out_value, std::uint32_t& data, int oe_mask, int flags) override;
   void Flush() override { probe_->Flush(); }
+  bool ResetTapBeforeScan() override { return probe_->ResetTapBeforeScan(); }
   std::optional<long> TckCycles() const override { return probe_->TckCycles(); }
 
   const RunCounts& Counts() const { return counts_; }

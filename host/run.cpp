@@ -93,6 +93,7 @@ class Runner {
   ExitStatus PlayEach(std::vector<Script>& scripts);
   ExitStatus PlayOne(Script& script);
   void EndScript(const std::string& name, ExitStatus status);
+  void RequestReset(const Script& script);
   // Whether the plug-in ran it to its end.
   bool Play(Script& script);
   bool RunPlugin(const std::string& path);
@@ -239,7 +240,13 @@ ExitStatus Runner::PlayOne(Script& script) {
   }
 }
 
+void Runner::RequestReset(const Script& script) {
+  if (probe_.ResetTapBeforeScan()) return events_.RequestReset();
+  events_.Remark(fmt::format("{}: # reset TAP is skipped: the probe shows no pins", script.path));
+}
+
 bool Runner::Play(Script& script) {
+  if (script.plan.resets_tap) RequestReset(script);
   const MemoryFile copy(script.text->Content());
   // A long script need not be there twice.
   if (command_.learn.empty()) script.text.reset();

@@ -23,6 +23,10 @@ void RunEvents::BeginScript(const RunScript& script, const std::vector<SourceMar
   doubted_ = false;
 }
 
+void RunEvents::RequestReset() {
+  for (EventListener* const listener : outputs_.listeners) listener->OnResetRequest();
+}
+
 void RunEvents::EndScript(bool ran) {
   in_script_ = false;
   for (EventListener* const listener : outputs_.listeners) listener->OnScriptEnd(ran);
@@ -96,8 +100,17 @@ void RunEvents::Say(const std::string& what) {
   Error(what, 0, "icehost: " + what);
 }
 
-void RunEvents::Error(const std::string& what, int line, const std::string& shown) {
+void RunEvents::Remark(const std::string& what) {
+  Tell(what, 0);
+  console_.SayUnlessQuiet("icehost: " + what);
+}
+
+void RunEvents::Tell(const std::string& what, int line) {
   for (EventListener* const listener : outputs_.listeners) listener->OnError(what, line);
+}
+
+void RunEvents::Error(const std::string& what, int line, const std::string& shown) {
+  Tell(what, line);
   console_.Say(shown);
 }
 

@@ -29,6 +29,8 @@ class RunEvents : public StepRecorder {
 
   // `marks` are the problems that `check` finds in the script.
   void BeginScript(const RunScript& script, const std::vector<SourceMark>& marks);
+  // The script under way asks for a TAP reset, which the probe does.
+  void RequestReset();
   void EndScript(bool ran);
   // Ends the script under way, if there is one, and reports why, for a main thread that is stuck.
   // Leaves the console's standard output alone: the main thread may hold it.
@@ -53,6 +55,8 @@ class RunEvents : public StepRecorder {
   void Doubt(const std::string& why);
   // Reports something about the script or the run.
   void Say(const std::string& what);
+  // Reports something that --quiet hides from the console.
+  void Remark(const std::string& what);
 
   void BeginOperation(const std::string& name, const CallSource& source) override;
   void Record(const PinStep& step) override;
@@ -66,6 +70,7 @@ class RunEvents : public StepRecorder {
   void PassCaptured();
   // Reports something about a place of the script; a line or column of 0 means there is none.
   void SayAt(int line, int column, const std::string& what);
+  void Tell(const std::string& what, int line);
   void Error(const std::string& what, int line, const std::string& shown);
 
   Outputs& outputs_;

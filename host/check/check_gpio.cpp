@@ -14,6 +14,7 @@
 #include "host/check/check.h"
 #include "host/check/gpio_items.h"
 #include "host/check/hints.h"
+#include "host/check/tap_reset.h"
 
 namespace icehost {
 namespace {
@@ -319,6 +320,7 @@ void CheckGpio(const ScriptText& script, CheckResult& result) {
   }
   lines.Finish(script.CutAt().has_value() && !lines.Ended());
   ReportLoneExpectations(script, start, last.line, problems);
+  WarnOfTapReset(script, problems);
   at = script.WithText(at);
   if (!lines.Ended()) {
     ReportNoEnd(script, last, lines, problems);

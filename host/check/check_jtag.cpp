@@ -9,6 +9,7 @@
 #include "host/check/check.h"
 #include "host/check/ini_sections.h"
 #include "host/check/jtag_values.h"
+#include "host/check/tap_reset.h"
 #include "host/system/interrupt.h"
 #include "host/target/wires.h"
 #include "jtag/jtag_scr.h"
@@ -140,6 +141,7 @@ void CheckJtag(const ScriptText& script, CheckResult& result) {
     ThrowIfInterrupted();
     operations.Take(section);
   }
+  result.plan.resets_tap = FindTapReset(script, result.problems);
   if (MentionsExpectation(script.Content())) {
     for (const ScriptLine line : script) WarnOfPinExpectation(line, result.problems);
   }

@@ -50,6 +50,7 @@ struct Plan {
   std::vector<PinOperation> pins;
   std::vector<JtagOperation> jtag;
   std::vector<Expectation> expectations;  // by operation
+  bool resets_tap = false;                // before the first scan, by "# reset TAP"
 
   // The value that is expected of an operation, or null.
   const Expectation* Expected(std::size_t operation, Expectation::Of of) const;

@@ -104,6 +104,8 @@ class EventListener {
  public:
   virtual ~EventListener() = default;
   virtual void OnScript(const std::string& /*path*/) {}
+  // The script that has just begun asks for a TAP reset, which its first scan begins with.
+  virtual void OnResetRequest() {}
   // The text of the script that begins next, and what `check` finds in it.
   virtual void OnSource(std::string_view /*name*/, std::string_view /*content*/,
                         const std::vector<SourceMark>& /*marks*/) {}

@@ -91,8 +91,8 @@ void AppendComparisons(const std::vector<Comparison>& comparisons, std::string& 
   if (!comparisons.empty()) line += ']';
 }
 
-// Writes one object a line. Its first key names its kind: "schema", "script", "call", "message",
-// "error" or "end"; docs/json.md describes them. ASCII only.
+// Writes one object a line. Its first key names its kind: "schema", "script", "request", "call",
+// "message", "error" or "end"; docs/json.md describes them. ASCII only.
 class JsonWriter : public Output, public EventListener {
  public:
   // `stream` must outlive the writer.
@@ -100,6 +100,7 @@ class JsonWriter : public Output, public EventListener {
   // The line that says what follows.
   void Begin() override;
   void OnScript(const std::string& path) override;
+  void OnResetRequest() override { stream_ << "{\"request\":\"reset TAP\"}\n"; }
   void OnCall(const CallEvent& call) override;
   void OnMessage(const char* text) override;
   void OnError(const std::string& text, int line) override;

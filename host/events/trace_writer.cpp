@@ -35,6 +35,7 @@ class TraceWriter : public Output, public EventListener {
   // `stream` must outlive the writer.
   explicit TraceWriter(std::ostream& stream) : stream_(stream) {}
   void OnScript(const std::string& path) override;
+  void OnResetRequest() override { stream_ << "# reset TAP\n"; }
   void OnCall(const CallEvent& call) override;
   void OnScriptEnd(bool ran) override;
 

@@ -109,6 +109,11 @@ int PinProbe::Execute(std::uint8_t* capture) {
   return 0;
 }
 
+bool PinProbe::ResetTapBeforeScan() {
+  walker_.ForgetTap();
+  return true;
+}
+
 std::string PinProbe::DoubtOf(const Bits& captured_ir) const {
   const auto shifted = static_cast<int>(ir_.size());
   const int length = port_.IrLength().value_or(shifted);

@@ -27,7 +27,10 @@ class TapWalker {
   int Enables() const { return enables_; }
 
   // Moves the TAP to Run-Test/Idle, wherever the pins and the TAP are, with TRST and NRST high.
+  // Resets it if its state is unknown.
   void TakeTap();
+  // Makes TakeTap reset the TAP, as if its state were unknown.
+  void ForgetTap() { tap_.Forget(); }
   // Moves it to Test-Logic-Reset, from any state and by TMS alone: TRST and NRST stay high.
   void ResetTap();
   // Scans from a known state through Shift-DR or Shift-IR to Run-Test/Idle, with TCK low at the
@@ -62,6 +65,7 @@ class PinProbe : public Probe {
   std::string Doubt() const override { return doubt_; }
   int Gpio(int out_value, std::uint32_t& data, int oe_mask, int flags) override;
   void Flush() override { port_.Flush(); }
+  bool ResetTapBeforeScan() override;
   int ReportedPins() const override { return port_.ReportedPins(); }
   std::size_t Steps() const override { return walker_.Steps(); }
   std::optional<long> TckCycles() const override { return walker_.TckCycles(); }

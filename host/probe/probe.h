@@ -29,6 +29,8 @@ class Probe {
   virtual int Gpio(int out_value, std::uint32_t& data, int oe_mask, int flags) = 0;
   // Ends a script: sends what is buffered, and returns after its receiver has answered.
   virtual void Flush() = 0;
+  // Makes the next scan begin with a TAP reset. Returns false if the probe cannot do that.
+  virtual bool ResetTapBeforeScan() { return false; }
 
   // The GPIO_PIN_ bits whose levels Gpio reads from the wires. The others are as the probe drives
   // them.

@@ -78,4 +78,9 @@ void TapTracker::Update(int wires) {
   }
 }
 
+void TapTracker::Forget() {
+  tms_high_edges_ = 0;
+  state_.reset();
+}
+
 }  // namespace icehost

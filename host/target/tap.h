@@ -47,6 +47,8 @@ class TapTracker {
   // The wires (GPIO_PIN_ bits) change to `wires`. They are high before the first call.
   void Update(int wires);
 
+  // Makes the state unknown, as at the beginning.
+  void Forget();
   // Unknown until TRST has been low or TMS high for five rising edges of TCK.
   std::optional<TapState> State() const { return state_; }
   // Rising edges of TCK so far.

@@ -1,0 +1,19 @@
+// "# reset TAP": the comment with which a JTAG script asks icehost for a TAP reset.
+#ifndef ICESCRIPT_HOST_CHECK_TAP_RESET_H_
+#define ICESCRIPT_HOST_CHECK_TAP_RESET_H_
+
+#include "host/check/problems.h"
+#include "host/check/script_text.h"
+
+namespace icehost {
+
+// Returns whether a JTAG script has the comment on a line before all lines with text. Warns of one
+// elsewhere, and of one that is nearly right.
+bool FindTapReset(const ScriptText& script, Problems& problems);
+
+// Warns of each such comment in a GPIO script.
+void WarnOfTapReset(const ScriptText& script, Problems& problems);
+
+}  // namespace icehost
+
+#endif  // ICESCRIPT_HOST_CHECK_TAP_RESET_H_
