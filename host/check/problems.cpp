@@ -16,6 +16,29 @@ namespace {
 constexpr std::size_t kShownBefore = 60;
 constexpr std::size_t kShown = 100;
 
+struct SeverityLook {
+  const char* word;
+  fmt::terminal_color colour;
+};
+
+const SeverityLook& LookOf(Severity severity) {
+  static constexpr SeverityLook kLooks[] = {
+      {"error", fmt::terminal_color::red},
+      {"warning", fmt::terminal_color::magenta},
+      {"note", fmt::terminal_color::cyan},
+  };
+  return kLooks[static_cast<std::size_t>(severity)];
+}
+
+fmt::text_style Bold(fmt::terminal_color colour, ReportStyle style) {
+  return style.colour ? fmt::emphasis::bold | fg(colour) : fmt::text_style();
+}
+
+std::string Word(Severity severity, ReportStyle style) {
+  const auto& [word, colour] = LookOf(severity);
+  return fmt::format(Bold(colour, style), "{}:", word);
+}
+
 constexpr bool IsContinuation(char byte) {
   return (byte & 0xC0) == 0x80;
 }
@@ -37,15 +60,16 @@ class LineFinder {
   // The line of this number, which is not below the one before it.
   std::string_view Find(int number) {
     for (; number_ < number; ++number_) {
-      rest_.remove_prefix(std::min(rest_.find('\n'), rest_.size()));
-      if (!rest_.empty()) rest_.remove_prefix(1);
+      line_ = rest_.substr(0, rest_.find('\n'));
+      rest_.remove_prefix(std::min(line_.size() + 1, rest_.size()));
     }
-    return rest_.substr(0, rest_.find('\n'));
+    return line_;
   }
 
  private:
-  std::string_view rest_;  // from the line `number_` on
-  int number_ = 1;
+  std::string_view line_;  // of the number `number_`
+  std::string_view rest_;  // the lines after it
+  int number_ = 0;
 };
 
 // The line, and the caret below its column.
@@ -67,9 +91,9 @@ void Problems::Add(Problems more) {
   std::move(more.found_.begin(), more.found_.end(), std::back_inserter(found_));
 }
 
-long Problems::Errors() const {
+long Problems::Count(Severity severity) const {
   return std::count_if(found_.begin(), found_.end(),
-                       [](const Problem& problem) { return problem.error; });
+                       [&](const Problem& problem) { return problem.severity == severity; });
 }
 
 void Problems::Sort() {
@@ -80,21 +104,16 @@ void Problems::Sort() {
 
 void Problems::Write(std::ostream& stream, std::string_view name, std::string_view content,
                      ReportStyle style) const {
-  const auto styled = [style](fmt::terminal_color of) {
-    return style.colour ? fmt::emphasis::bold | fg(of) : fmt::text_style();
-  };
   const std::string file = Printable(name);
   LineFinder lines(content);
   for (const Problem& problem : found_) {
     ThrowIfInterrupted();
-    if (style.errors_only && !problem.error && !problem.always) continue;
+    if (style.errors_only && problem.severity != Severity::kError && !problem.always) continue;
     const auto [line, column] = problem.place;
-    const std::string_view word = problem.error ? "error:" : "warning:";
-    const auto colour = problem.error ? fmt::terminal_color::red : fmt::terminal_color::magenta;
-    stream << fmt::format("{}:{}:{}: {} {}\n", file, line, column,
-                          fmt::styled(word, styled(colour)), Printable(problem.text))
-           << Source(lines.Find(line), static_cast<std::size_t>(column),
-                     styled(fmt::terminal_color::green));
+    const std::string source = Source(lines.Find(line), static_cast<std::size_t>(column),
+                                      Bold(fmt::terminal_color::green, style));
+    stream << fmt::format("{}:{}:{}: {} {}\n{}", file, line, column, Word(problem.severity, style),
+                          Printable(problem.text), source);
   }
 }
 
@@ -102,8 +121,8 @@ void Problems::WriteJson(std::ostream& stream) const {
   for (const Problem& problem : found_) {
     ThrowIfInterrupted();
     stream << fmt::format("{{\"problem\":\"{}\",\"line\":{},\"column\":{},\"text\":{}}}\n",
-                          problem.error ? "error" : "warning", problem.place.line,
-                          problem.place.column, JsonText(problem.text));
+                          LookOf(problem.severity).word, problem.place.line, problem.place.column,
+                          JsonText(problem.text));
   }
 }
 

@@ -2,6 +2,7 @@
 #ifndef ICESCRIPT_HOST_CHECK_PROBLEMS_H_
 #define ICESCRIPT_HOST_CHECK_PROBLEMS_H_
 
+#include <cstddef>
 #include <ostream>
 #include <string>
 #include <string_view>
@@ -16,10 +17,13 @@ struct Place {
   int column;
 };
 
-// An error makes the plug-in refuse or skip something; a warning is legal and almost never meant.
+// An error makes the plug-in refuse or skip something; a warning is legal and almost never meant; a
+// note is good to know, and never fails anything.
+enum class Severity : std::size_t { kError, kWarning, kNote };
+
 struct Problem {
   Place place;
-  bool error;
+  Severity severity;
   std::string text;
   bool always = false;  // not even --quiet hides this warning
 };
@@ -32,17 +36,18 @@ struct ReportStyle {
 // Collects the problems of one text.
 class Problems {
  public:
-  void Error(Place place, std::string text) { found_.push_back({place, true, std::move(text)}); }
-  void Warn(Place place, std::string text) { found_.push_back({place, false, std::move(text)}); }
+  void Error(Place place, std::string text) { Take({place, Severity::kError, std::move(text)}); }
+  void Warn(Place place, std::string text) { Take({place, Severity::kWarning, std::move(text)}); }
   // Warns of an expectation that comes to nothing: a run would pass without it.
   void WarnAlways(Place place, std::string text) {
-    found_.push_back({place, false, std::move(text), true});
+    Take({place, Severity::kWarning, std::move(text), true});
   }
+  void Note(Place place, std::string text) { Take({place, Severity::kNote, std::move(text)}); }
   void Add(Problems more);
 
   bool HasErrors() const { return Errors() > 0; }
-  long Errors() const;
-  long Warnings() const { return static_cast<long>(found_.size()) - Errors(); }
+  long Errors() const { return Count(Severity::kError); }
+  long Warnings() const { return Count(Severity::kWarning); }
   // Sorts them by their places, as both of the writers below expect.
   void Sort();
   const std::vector<Problem>& Found() const { return found_; }
@@ -55,6 +60,9 @@ class Problems {
   void WriteJson(std::ostream& stream) const;
 
  private:
+  void Take(Problem problem) { found_.push_back(std::move(problem)); }
+  long Count(Severity severity) const;
+
   std::vector<Problem> found_;
 };
 
