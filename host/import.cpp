@@ -29,7 +29,7 @@ ExitStatus Execute(const ImportCommand& command) {
   const std::string name = command.file == "-" ? "<stdin>" : command.file;
   try {
     svf = ReadInput(command.file, command.size_limit);
-    imported = ImportSvf(name, svf, command.size_limit);
+    imported = ImportSvf(name, svf, command.size_limit, command.all ? kKeepEach : kKeepReasons);
   } catch (const IoError& error) {
     Complain(error.what());
     return kScriptFailed;

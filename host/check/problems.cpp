@@ -3,7 +3,6 @@
 #include <fmt/color.h>
 
 #include <algorithm>
-#include <iterator>
 #include <tuple>
 
 #include "host/system/interrupt.h"
@@ -15,6 +14,7 @@ namespace {
 // The part of a long line that is shown round the column.
 constexpr std::size_t kShownBefore = 60;
 constexpr std::size_t kShown = 100;
+constexpr std::size_t kMoreLinesShown = 3;
 
 struct SeverityLook {
   const char* word;
@@ -22,7 +22,7 @@ struct SeverityLook {
 };
 
 const SeverityLook& LookOf(Severity severity) {
-  static constexpr SeverityLook kLooks[] = {
+  static constexpr SeverityLook kLooks[kSeverities] = {
       {"error", fmt::terminal_color::red},
       {"warning", fmt::terminal_color::magenta},
       {"note", fmt::terminal_color::cyan},
@@ -37,6 +37,29 @@ fmt::text_style Bold(fmt::terminal_color colour, ReportStyle style) {
 std::string Word(Severity severity, ReportStyle style) {
   const auto& [word, colour] = LookOf(severity);
   return fmt::format(Bold(colour, style), "{}:", word);
+}
+
+bool IsBefore(Place a, Place b) {
+  return std::tie(a.line, a.column) < std::tie(b.line, b.column);
+}
+
+// Counts one more place of a problem.
+void AddPlace(Problem& problem, Place place) {
+  if (IsBefore(place, problem.place)) std::swap(place, problem.place);
+  ++problem.more;
+  std::vector<int>& lines = problem.more_lines;
+  const auto at = std::lower_bound(lines.begin(), lines.end(), place.line);
+  if (at == lines.end() || *at != place.line) lines.insert(at, place.line);
+  if (lines.size() > kMoreLinesShown + 1) lines.pop_back();
+}
+
+std::string MorePlaces(const Problem& problem) {
+  if (problem.more == 0) return "";
+  const std::vector<int>& lines = problem.more_lines;
+  const auto shown = static_cast<std::ptrdiff_t>(std::min(lines.size(), kMoreLinesShown));
+  return fmt::format("  and {} more, on line{} {}{}\n", problem.more, shown > 1 ? "s" : "",
+                     fmt::join(lines.begin(), lines.begin() + shown, ", "),
+                     lines.size() > kMoreLinesShown ? ", ..." : "");
 }
 
 constexpr bool IsContinuation(char byte) {
@@ -88,18 +111,27 @@ std::string Source(std::string_view raw, std::size_t column, const fmt::text_sty
 }  // namespace
 
 void Problems::Add(Problems more) {
-  std::move(more.found_.begin(), more.found_.end(), std::back_inserter(found_));
+  for (Problem& problem : more.found_) Take(std::move(problem));
 }
 
-long Problems::Count(Severity severity) const {
-  return std::count_if(found_.begin(), found_.end(),
-                       [&](const Problem& problem) { return problem.severity == severity; });
+void Problems::Take(Problem problem) {
+  Count& count = counts_[static_cast<std::size_t>(problem.severity)];
+  ++count.found;
+  if (keeping_.grouped) {
+    const auto same = std::find_if(found_.begin(), found_.end(), [&](const Problem& known) {
+      return known.severity == problem.severity && known.text == problem.text;
+    });
+    if (same != found_.end()) return AddPlace(*same, problem.place);
+  }
+  count.lost = count.kept == keeping_.most;
+  if (count.lost) return;
+  ++count.kept;
+  found_.push_back(std::move(problem));
 }
 
 void Problems::Sort() {
-  std::stable_sort(found_.begin(), found_.end(), [](const Problem& a, const Problem& b) {
-    return std::tie(a.place.line, a.place.column) < std::tie(b.place.line, b.place.column);
-  });
+  std::stable_sort(found_.begin(), found_.end(),
+                   [](const Problem& a, const Problem& b) { return IsBefore(a.place, b.place); });
 }
 
 void Problems::Write(std::ostream& stream, std::string_view name, std::string_view content,
@@ -112,8 +144,21 @@ void Problems::Write(std::ostream& stream, std::string_view name, std::string_vi
     const auto [line, column] = problem.place;
     const std::string source = Source(lines.Find(line), static_cast<std::size_t>(column),
                                       Bold(fmt::terminal_color::green, style));
-    stream << fmt::format("{}:{}:{}: {} {}\n{}", file, line, column, Word(problem.severity, style),
-                          Printable(problem.text), source);
+    stream << fmt::format("{}:{}:{}: {} {}\n{}{}", file, line, column,
+                          Word(problem.severity, style), Printable(problem.text), source,
+                          MorePlaces(problem));
+  }
+  WriteLost(stream, file, style);
+}
+
+void Problems::WriteLost(std::ostream& stream, std::string_view file, ReportStyle style) const {
+  for (const Severity severity : {Severity::kError, Severity::kWarning, Severity::kNote}) {
+    const bool is_error = severity == Severity::kError;
+    if (!CountOf(severity).lost || (style.errors_only && !is_error)) continue;
+    stream << fmt::format("{}: {} there are more than {}{} {}s: {}\n", file, Word(severity, style),
+                          keeping_.most, keeping_.grouped ? " different" : "",
+                          LookOf(severity).word,
+                          is_error ? "the rest is not read" : "the others are not shown");
   }
 }
 
