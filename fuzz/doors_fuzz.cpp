@@ -299,7 +299,8 @@ void CheckScript(std::string_view bytes) {
 
 void ImportSvf(std::string_view bytes) {
   constexpr std::size_t kMost = 1U << 20U;
-  const icehost::ImportedSvf imported = icehost::ImportSvf("expect\nme", bytes, kMost);
+  const icehost::ImportedSvf imported =
+      icehost::ImportSvf("expect\nme", bytes, kMost, icehost::kKeepReasons);
   Check(imported.script.empty() == imported.problems.HasErrors(), "a script, or errors");
   std::ostringstream report;
   imported.problems.Write(report, "svf", bytes, {});

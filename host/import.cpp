@@ -23,9 +23,10 @@ void Write(const std::string& script, const ImportCommand& command) {
   file.WriteWhole(script);
 }
 
-ImportedSvf Import(const std::string& name, const std::string& svf, std::size_t most) {
+ImportedSvf Import(const std::string& name, const std::string& svf, std::size_t most,
+                   const Keeping& keeping) {
   const auto wrong = FindWrongKind(svf, FileUse::kSvf);
-  if (!wrong.has_value()) return ImportSvf(name, svf, most);
+  if (!wrong.has_value()) return ImportSvf(name, svf, most, keeping);
   ImportedSvf refused;
   refused.problems.Error(wrong->place, wrong->text);
   return refused;
@@ -39,7 +40,7 @@ ExitStatus Execute(const ImportCommand& command) {
   const std::string name = command.file == "-" ? "<stdin>" : command.file;
   try {
     svf = ReadInput(command.file, command.size_limit);
-    imported = Import(name, svf, command.size_limit);
+    imported = Import(name, svf, command.size_limit, command.all ? kKeepEach : kKeepReasons);
   } catch (const IoError& error) {
     Complain(error.what());
     return kScriptFailed;

@@ -213,7 +213,8 @@ void Runner::EndScript(const std::string& name, ExitStatus status) {
 void Runner::BeginScript(Script& script) {
   std::vector<SourceMark> marks;
   for (const Problem& problem : script.problems.Found()) {
-    marks.push_back({problem.place.line, problem.place.column, problem.error, problem.text});
+    marks.push_back({problem.place.line, problem.place.column, problem.severity == Severity::kError,
+                     problem.text});
   }
   script.problems = {};
   events_.BeginScript({script.path, script.name, script.text->Content()}, marks);

@@ -120,7 +120,7 @@ std::optional<Problem> FindWrongKind(std::string_view content, FileUse wanted) {
     const std::string_view text = SkipComments(content, kind.comments);
     if (!kind.is(text)) continue;
     if (kind.use == wanted) return std::nullopt;
-    return Problem{PlaceAfter(content.substr(0, content.size() - text.size())), true,
+    return Problem{PlaceAfter(content.substr(0, content.size() - text.size())), Severity::kError,
                    fmt::format("this is {}: {}", kind.name, kind.taker)};
   }
   return std::nullopt;

@@ -3,7 +3,6 @@
 #include <fmt/color.h>
 
 #include <algorithm>
-#include <iterator>
 #include <tuple>
 
 #include "host/system/interrupt.h"
@@ -15,6 +14,53 @@ namespace {
 // The part of a long line that is shown round the column.
 constexpr std::size_t kShownBefore = 60;
 constexpr std::size_t kShown = 100;
+constexpr std::size_t kMoreLinesShown = 3;
+
+struct SeverityLook {
+  const char* word;
+  fmt::terminal_color colour;
+};
+
+const SeverityLook& LookOf(Severity severity) {
+  static constexpr SeverityLook kLooks[kSeverities] = {
+      {"error", fmt::terminal_color::red},
+      {"warning", fmt::terminal_color::magenta},
+      {"note", fmt::terminal_color::cyan},
+  };
+  return kLooks[static_cast<std::size_t>(severity)];
+}
+
+fmt::text_style Bold(fmt::terminal_color colour, ReportStyle style) {
+  return style.colour ? fmt::emphasis::bold | fg(colour) : fmt::text_style();
+}
+
+std::string Word(Severity severity, ReportStyle style) {
+  const auto& [word, colour] = LookOf(severity);
+  return fmt::format(Bold(colour, style), "{}:", word);
+}
+
+bool IsBefore(Place a, Place b) {
+  return std::tie(a.line, a.column) < std::tie(b.line, b.column);
+}
+
+// Counts one more place of a problem.
+void AddPlace(Problem& problem, Place place) {
+  if (IsBefore(place, problem.place)) std::swap(place, problem.place);
+  ++problem.more;
+  std::vector<int>& lines = problem.more_lines;
+  const auto at = std::lower_bound(lines.begin(), lines.end(), place.line);
+  if (at == lines.end() || *at != place.line) lines.insert(at, place.line);
+  if (lines.size() > kMoreLinesShown + 1) lines.pop_back();
+}
+
+std::string MorePlaces(const Problem& problem) {
+  if (problem.more == 0) return "";
+  const std::vector<int>& lines = problem.more_lines;
+  const auto shown = static_cast<std::ptrdiff_t>(std::min(lines.size(), kMoreLinesShown));
+  return fmt::format("  and {} more, on line{} {}{}\n", problem.more, shown > 1 ? "s" : "",
+                     fmt::join(lines.begin(), lines.begin() + shown, ", "),
+                     lines.size() > kMoreLinesShown ? ", ..." : "");
+}
 
 constexpr bool IsContinuation(char byte) {
   return (byte & 0xC0) == 0x80;
@@ -37,15 +83,16 @@ class LineFinder {
   // The line of this number, which is not below the one before it.
   std::string_view Find(int number) {
     for (; number_ < number; ++number_) {
-      rest_.remove_prefix(std::min(rest_.find('\n'), rest_.size()));
-      if (!rest_.empty()) rest_.remove_prefix(1);
+      line_ = rest_.substr(0, rest_.find('\n'));
+      rest_.remove_prefix(std::min(line_.size() + 1, rest_.size()));
     }
-    return rest_.substr(0, rest_.find('\n'));
+    return line_;
   }
 
  private:
-  std::string_view rest_;  // from the line `number_` on
-  int number_ = 1;
+  std::string_view line_;  // of the number `number_`
+  std::string_view rest_;  // the lines after it
+  int number_ = 0;
 };
 
 // The line, and the caret below its column.
@@ -64,37 +111,54 @@ std::string Source(std::string_view raw, std::size_t column, const fmt::text_sty
 }  // namespace
 
 void Problems::Add(Problems more) {
-  std::move(more.found_.begin(), more.found_.end(), std::back_inserter(found_));
+  for (Problem& problem : more.found_) Take(std::move(problem));
 }
 
-long Problems::Errors() const {
-  return std::count_if(found_.begin(), found_.end(),
-                       [](const Problem& problem) { return problem.error; });
+void Problems::Take(Problem problem) {
+  Count& count = counts_[static_cast<std::size_t>(problem.severity)];
+  ++count.found;
+  if (keeping_.grouped) {
+    const auto same = std::find_if(found_.begin(), found_.end(), [&](const Problem& known) {
+      return known.severity == problem.severity && known.text == problem.text;
+    });
+    if (same != found_.end()) return AddPlace(*same, problem.place);
+  }
+  count.lost = count.kept == keeping_.most;
+  if (count.lost) return;
+  ++count.kept;
+  found_.push_back(std::move(problem));
 }
 
 void Problems::Sort() {
-  std::stable_sort(found_.begin(), found_.end(), [](const Problem& a, const Problem& b) {
-    return std::tie(a.place.line, a.place.column) < std::tie(b.place.line, b.place.column);
-  });
+  std::stable_sort(found_.begin(), found_.end(),
+                   [](const Problem& a, const Problem& b) { return IsBefore(a.place, b.place); });
 }
 
 void Problems::Write(std::ostream& stream, std::string_view name, std::string_view content,
                      ReportStyle style) const {
-  const auto styled = [style](fmt::terminal_color of) {
-    return style.colour ? fmt::emphasis::bold | fg(of) : fmt::text_style();
-  };
   const std::string file = Printable(name);
   LineFinder lines(content);
   for (const Problem& problem : found_) {
     ThrowIfInterrupted();
-    if (style.errors_only && !problem.error && !problem.always) continue;
+    if (style.errors_only && problem.severity != Severity::kError && !problem.always) continue;
     const auto [line, column] = problem.place;
-    const std::string_view word = problem.error ? "error:" : "warning:";
-    const auto colour = problem.error ? fmt::terminal_color::red : fmt::terminal_color::magenta;
-    stream << fmt::format("{}:{}:{}: {} {}\n", file, line, column,
-                          fmt::styled(word, styled(colour)), Printable(problem.text))
-           << Source(lines.Find(line), static_cast<std::size_t>(column),
-                     styled(fmt::terminal_color::green));
+    const std::string source = Source(lines.Find(line), static_cast<std::size_t>(column),
+                                      Bold(fmt::terminal_color::green, style));
+    stream << fmt::format("{}:{}:{}: {} {}\n{}{}", file, line, column,
+                          Word(problem.severity, style), Printable(problem.text), source,
+                          MorePlaces(problem));
+  }
+  WriteLost(stream, file, style);
+}
+
+void Problems::WriteLost(std::ostream& stream, std::string_view file, ReportStyle style) const {
+  for (const Severity severity : {Severity::kError, Severity::kWarning, Severity::kNote}) {
+    const bool is_error = severity == Severity::kError;
+    if (!CountOf(severity).lost || (style.errors_only && !is_error)) continue;
+    stream << fmt::format("{}: {} there are more than {}{} {}s: {}\n", file, Word(severity, style),
+                          keeping_.most, keeping_.grouped ? " different" : "",
+                          LookOf(severity).word,
+                          is_error ? "the rest is not read" : "the others are not shown");
   }
 }
 
@@ -102,8 +166,8 @@ void Problems::WriteJson(std::ostream& stream) const {
   for (const Problem& problem : found_) {
     ThrowIfInterrupted();
     stream << fmt::format("{{\"problem\":\"{}\",\"line\":{},\"column\":{},\"text\":{}}}\n",
-                          problem.error ? "error" : "warning", problem.place.line,
-                          problem.place.column, JsonText(problem.text));
+                          LookOf(problem.severity).word, problem.place.line, problem.place.column,
+                          JsonText(problem.text));
   }
 }
 

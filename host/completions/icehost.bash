@@ -74,7 +74,7 @@ _icehost() {
       ;;
     check) options+=' --size-limit --strict --json' ;;
     detect) options+=" $target --probe --timeout --script" ;;
-    import) options+=' --size-limit -o --output' ;;
+    import) options+=' --size-limit --all -o --output' ;;
     serve)
       options+=" $target -v --verbose --idle-limit --probe --timeout --trace --trace= --json --vcd"
       options+=' --html'

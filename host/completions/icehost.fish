@@ -76,6 +76,7 @@ __icehost_option run -l svf -r -F -d 'Write what was played in the Serial Vector
 __icehost_option run -l learn -r -F -d 'Write the script with the values that were read'
 
 __icehost_option detect -l script -x -a 'jtag gpio' -d 'Write the beginning of a script'
+__icehost_option import -l all -d 'Report every problem, instead of each reason once'
 __icehost_option import -s o -l output -r -F -d 'Write the script to a file'
 
 __icehost_option serve -a '(__icehost_endpoints)'

@@ -55,6 +55,7 @@ struct ImportCommand {
   std::string file;
   std::string output = "-";
   std::size_t size_limit = kDefaultSizeLimit;  // of the file, and of the script, in bytes
+  bool all = false;                            // reports every problem, not each reason once
   bool quiet = false;
 };
 

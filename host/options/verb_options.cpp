@@ -221,6 +221,7 @@ CLI::App& AddVerb(CLI::App& app, ImportCommand& import) {
   verb.add_option("FILE", import.file, "SVF file; - is standard input")->type_name("")->required();
   AddParsed(verb, "--size-limit", "MIB", "How large the file, and the script, may be (default 64)",
             [&import](const std::string& text) { import.size_limit = ParseMebibytes(text); });
+  verb.add_flag("--all", import.all, "Report every problem, instead of each reason once");
   NamesFile(verb.add_option("-o,--output", import.output,
                             "Write the script to a file, instead of standard output"));
   return verb;

@@ -13,9 +13,6 @@
 namespace icehost {
 namespace {
 
-// Nobody reads more.
-constexpr long kMostErrors = 50;
-
 // A script cannot wait. A probe spends this much time from one scan to the next anyway, so the
 // importer may leave it out.
 constexpr double kMostIdleCycles = 16;
@@ -80,7 +77,7 @@ class Importer {
   void Take(const SvfStatement& statement);
   void End();
   // Whether to stop reading.
-  bool IsFull() const { return script_.Size() > most_ || problems_.Errors() >= kMostErrors; }
+  bool IsFull() const { return script_.Size() > most_ || problems_.IsFull(); }
   std::string Script(const std::string& name) const { return script_.Script(name); }
 
  private:
@@ -296,8 +293,9 @@ void Importer::End() {
 
 }  // namespace
 
-ImportedSvf ImportSvf(const std::string& name, std::string_view text, std::size_t most) {
-  ImportedSvf imported;
+ImportedSvf ImportSvf(const std::string& name, std::string_view text, std::size_t most,
+                      const Keeping& keeping) {
+  ImportedSvf imported = {"", Problems(keeping)};
   Importer importer(most, imported.problems);
   SvfReader reader(text);
   for (auto statement = reader.Next(imported.problems); statement.has_value() && !importer.IsFull();

@@ -12,13 +12,14 @@ namespace icehost {
 
 struct ImportedSvf {
   std::string script;  // empty if there are errors
-  Problems problems;   // sorted by their places; reading stops after some errors
+  Problems problems;   // sorted by their places; reading stops when they are full
 };
 
 // Returns a script that does the same as the file and passes `check`, or errors. A warning names a
 // part of the file that no scan depends on. `name` is the file's name for a comment; `most` limits
 // the bytes of the script. Throws Interrupted.
-ImportedSvf ImportSvf(const std::string& name, std::string_view text, std::size_t most);
+ImportedSvf ImportSvf(const std::string& name, std::string_view text, std::size_t most,
+                      const Keeping& keeping);
 
 }  // namespace icehost
 

@@ -45,7 +45,8 @@ def check_page():
     parts = re.split(r"^ {0,3}(\S.*)\n", page, flags=re.M)
     sections = dict(zip(parts[1::2], parts[2::2]))
     heads = {name: re.findall(r"^     (\S.*)$", text, re.M) for name, text in sections.items()}
-    options = {name: sorted(head for head in lines if head[0] == "-")
+    # The text of a short option begins on the line of its name.
+    options = {name: sorted(head.split("  ")[0] for head in lines if head[0] == "-")
                for name, lines in heads.items()}
     expect("global options", options["DESCRIPTION"], heads_of(GLOBAL))
     expect("verbs", [name for name in sections if name.islower()], VERBS)
