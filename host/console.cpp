@@ -15,9 +15,6 @@
 namespace icehost {
 namespace {
 
-constexpr std::chrono::milliseconds kDrawEvery{200};
-constexpr char kEraseLine[] = "\r\033[K";
-
 [[noreturn]] void FailOutput() {
   throw IoError(fmt::format("standard output: {}", std::strerror(errno)));
 }
@@ -27,9 +24,9 @@ constexpr char kEraseLine[] = "\r\033[K";
 Console::Console(const Options& options, Rescue& rescue)
     : rescue_(rescue),
       quiet_(options.quiet),
-      show_progress_(options.show_progress),
       terminal_(isatty(fileno(output_.User())) != 0),
-      shared_(IsSameFile(fileno(output_.User()), STDERR_FILENO)) {}
+      shared_(IsSameFile(fileno(output_.User()), STDERR_FILENO)),
+      progress_(options.show_progress) {}
 
 void Console::Show(const char* message) {
   Close();
@@ -58,15 +55,9 @@ void Console::Say(const std::string& line) {
 
 void Console::CountOperation() {
   ++operations_;
-  if (!show_progress_ || Clock::now() < next_) return;
-  next_ = Clock::now() + kDrawEvery;
+  if (!progress_.IsDue()) return;
   const double rate = static_cast<double>(operations_) / Seconds();
-  StandardError() << fmt::format("{}{} operations, {:.0f}/s", kEraseLine, operations_, rate);
-  drawn_ = true;
-}
-
-void Console::Close() {
-  if (std::exchange(drawn_, false)) StandardError() << kEraseLine;
+  progress_.Draw(fmt::format("{} operations, {:.0f}/s", operations_, rate));
 }
 
 }  // namespace icehost

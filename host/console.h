@@ -6,6 +6,7 @@
 #include <string>
 
 #include "host/system/interrupt.h"
+#include "host/system/progress.h"
 #include "host/system/standard_streams.h"
 
 namespace icehost {
@@ -22,7 +23,6 @@ class Console {
 
   // `rescue` must outlive the console.
   Console(const Options& options, Rescue& rescue);
-  ~Console() { Close(); }
   Console(const Console&) = delete;
   Console& operator=(const Console&) = delete;
 
@@ -39,7 +39,7 @@ class Console {
   // Counts an operation, and draws the progress of a run that takes longer than a second.
   void CountOperation();
   // Erases the line of progress.
-  void Close();
+  void Close() { progress_.Erase(); }
 
   // Returns what the plug-in itself has written to standard output since the last call.
   std::string TakeCaptured() { return output_.Take(); }
@@ -51,14 +51,12 @@ class Console {
   Rescue& rescue_;
   CapturedOutput output_;
   bool quiet_;
-  bool show_progress_;
   bool terminal_;
   bool shared_;            // standard output and standard error are one
   bool mid_line_ = false;  // the last message has no line feed
-  bool drawn_ = false;     // the line of progress
   long operations_ = 0;
   Clock::time_point start_ = Clock::now();
-  Clock::time_point next_ = start_ + std::chrono::seconds(1);  // when progress is drawn
+  Progress progress_;
 };
 
 }  // namespace icehost
