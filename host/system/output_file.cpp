@@ -111,6 +111,11 @@ void OutputFile::Close() {
   if (error != 0) Fail(error);
 }
 
+void OutputFile::Abandon() {
+  CutUnfinished();
+  close(std::exchange(fd_, -1));
+}
+
 void OutputFile::WriteWhole(std::string_view text) {
   Begin();
   stream_ << text << std::flush;

@@ -47,6 +47,8 @@ class OutputFile {
   void ThrowIfCut();
   // Writes the rest and closes the file; throws such an IoError.
   void Close();
+  // Closes a file that something keeps from its end.
+  void Abandon();
   // Does all of it with the whole text: begins, writes and closes the file. Throws Interrupted if a
   // signal came while nobody took the text.
   void WriteWhole(std::string_view text);
