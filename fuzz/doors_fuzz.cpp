@@ -31,7 +31,9 @@
 #include "host/probe/sim_port.h"
 #include "host/svf/importer.h"
 #include "host/system/errors.h"
+#include "host/system/files.h"
 #include "host/system/interrupt.h"
+#include "host/target/tap.h"
 
 namespace {
 
@@ -297,18 +299,59 @@ void CheckScript(std::string_view bytes) {
         "what is learned changes no operation");
 }
 
+// The simulated target, up to so many lines of a script. What is imported reads only while it
+// shifts.
+class ImportProbe : public icehost::PinProbe {
+ public:
+  explicit ImportProbe(icehost::PinPort& port) : PinProbe(port, CDI_ANSWER_JTAG5, true) {}
+
+  int Gpio(int out_value, std::uint32_t& data, int oe_mask, int flags) override {
+    const auto state = tap_.State();
+    tap_.Update(out_value);
+    Check((flags & GPIO_FLAG_READ_IN) == 0 || state == icehost::TapState::kShiftDr ||
+              state == icehost::TapState::kShiftIr,
+          "a bit is read while it is shifted");
+    if (++lines_ > kMostLines) return -1;
+    return PinProbe::Gpio(out_value, data, oe_mask, flags);
+  }
+  bool IsSpent() const { return lines_ > kMostLines; }
+
+ private:
+  static constexpr int kMostLines = 20000;
+  icehost::TapTracker tap_;
+  int lines_ = 0;
+};
+
+void PlayImported(const std::string& script) {
+  icehost::SimPort port{icehost::TargetOptions{}};
+  ImportProbe probe(port);
+  const icehost::MemoryFile file(script);
+  std::string path = file.Path();
+  Check(ImplementScr(&probe, path.data(), nullptr) == 0 || probe.IsSpent(),
+        "what is imported plays");
+}
+
 void ImportSvf(std::string_view bytes) {
-  constexpr std::size_t kMost = 1U << 20U;
-  const icehost::ImportedSvf imported =
-      icehost::ImportSvf("expect\nme", bytes, kMost, icehost::kKeepReasons);
-  Check(imported.script.empty() == imported.problems.HasErrors(), "a script, or errors");
-  std::ostringstream report;
-  imported.problems.Write(report, "svf", bytes, {});
-  if (imported.problems.HasErrors()) return;
-  const icehost::ScriptText script("imported", imported.script);
-  const icehost::Problems problems = icehost::CheckScript(script).problems;
-  Check(problems.Found().empty(), "nothing is wrong with what is imported");
-  Check(IsWhole(script) && imported.script.size() < 2 * kMost, "it is not too long");
+  constexpr std::size_t kMost = 1U << 16U;
+  for (const bool gpio : {false, true}) {
+    const icehost::SvfImport import{"expect\nme", gpio, std::nullopt, kMost};
+    std::size_t read = 0;
+    const auto count = [&read](std::size_t now) {
+      Check(read < now, "each statement has bytes");
+      read = now;
+    };
+    const icehost::Problems problems = icehost::ImportSvf(import, bytes, nullptr, count);
+    Check(read <= bytes.size(), "no more bytes are read than there are");
+    std::ostringstream report;
+    problems.Write(report, "svf", bytes, {});
+    if (problems.HasErrors()) continue;
+    std::ostringstream text;
+    icehost::ImportSvf(import, bytes, &text, [](std::size_t) {});
+    const icehost::ScriptText script("imported", text.str());
+    Check(icehost::CheckScript(script).problems.Found().empty(), "nothing is wrong with a script");
+    Check(IsWhole(script) && script.Content().size() < 2 * kMost, "it is not too long");
+    PlayImported(script.Content());
+  }
 }
 
 }  // namespace

@@ -10,56 +10,122 @@
 #include "host/system/errors.h"
 #include "host/system/file_uses.h"
 #include "host/system/files.h"
+#include "host/system/interrupt.h"
 #include "host/system/output_file.h"
+#include "host/system/progress.h"
 #include "host/system/standard_streams.h"
 #include "host/verbs.h"
 
 namespace icehost {
 namespace {
 
-void Write(const std::string& script, const ImportCommand& command) {
-  OutputFile file(command.output, OutputFile::Rest::kNothing);
-  FileUses({command.file}).AddOutput(file, "--output");
-  file.WriteWhole(script);
-}
+// One import. The file is read twice: first to see whether it can be imported at all, then for the
+// script, which may be too large for the memory.
+class Import {
+ public:
+  explicit Import(const ImportCommand& command)
+      : command_(command), progress_(!command.quiet && isatty(STDERR_FILENO) != 0) {}
 
-ImportedSvf Import(const std::string& name, const std::string& svf, std::size_t most,
-                   const Keeping& keeping) {
-  const auto wrong = FindWrongKind(svf, FileUse::kSvf);
-  if (!wrong.has_value()) return ImportSvf(name, svf, most, keeping);
-  ImportedSvf refused;
-  refused.problems.Error(wrong->place, wrong->text);
-  return refused;
-}
+  ExitStatus Execute();
 
-}  // namespace
+ private:
+  ExitStatus Check();
+  Problems FindProblems();
+  void Write();
+  SvfImport Options() const;
+  std::string OtherForm() const;
+  void Show(const char* what, std::size_t bytes);
 
-ExitStatus Execute(const ImportCommand& command) {
-  std::string svf;
-  ImportedSvf imported;
-  const std::string name = command.file == "-" ? "<stdin>" : command.file;
+  const ImportCommand& command_;
+  std::string name_ = command_.file == "-" ? "<stdin>" : command_.file;
+  std::string svf_;
+  Progress progress_;
+};
+
+ExitStatus Import::Execute() try {
+  const ExitStatus status = Check();
+  if (status != kAllWell) return status;
   try {
-    svf = ReadInput(command.file, command.size_limit);
-    imported = Import(name, svf, command.size_limit, command.all ? kKeepEach : kKeepReasons);
-  } catch (const IoError& error) {
-    Complain(error.what());
-    return kScriptFailed;
-  } catch (const std::bad_alloc&) {
-    Complain(command.file + ": out of memory");
-    return kNotOpened;
-  }
-  imported.problems.Write(StandardError(), name, svf, {command.quiet, WantsColour(STDERR_FILENO)});
-  if (imported.problems.HasErrors()) {
-    Complain(fmt::format("{} is not imported", command.file));
-    return kScriptFailed;
-  }
-  try {
-    Write(imported.script, command);
+    Write();
   } catch (const IoError& error) {
     Complain(error.what());
     return kNotOpened;
   }
   return kAllWell;
+} catch (const IoError& error) {
+  Complain(error.what());
+  return kScriptFailed;
+} catch (const std::bad_alloc&) {
+  Complain(command_.file + ": out of memory");
+  return kNotOpened;
+}
+
+SvfImport Import::Options() const {
+  return {name_, command_.script == ScriptKind::kGpio, command_.tck_hz, command_.size_limit,
+          command_.all ? kKeepEach : kKeepReasons};
+}
+
+ExitStatus Import::Check() {
+  svf_ = ReadInput(command_.file, command_.size_limit);
+  const Problems problems = FindProblems();
+  progress_.Erase();
+  problems.Write(StandardError(), name_, svf_, {command_.quiet, WantsColour(STDERR_FILENO)});
+  if (!problems.HasErrors()) return kAllWell;
+  Complain(fmt::format("{} is not imported{}", command_.file, OtherForm()));
+  return kScriptFailed;
+}
+
+Problems Import::FindProblems() {
+  const auto wrong = FindWrongKind(svf_, FileUse::kSvf);
+  if (!wrong.has_value()) {
+    return ImportSvf(Options(), svf_, nullptr, [&](std::size_t bytes) { Show("read", bytes); });
+  }
+  Problems problems;
+  problems.Error(wrong->place, wrong->text);
+  return problems;
+}
+
+// How the file that cannot be a JTAG script can be imported after all; empty if it cannot.
+std::string Import::OtherForm() const {
+  SvfImport import = Options();
+  if (import.gpio) return "";
+  import.gpio = true;
+  for (const char* const rate : {"", " --tck-hz N"}) {
+    if (*rate != '\0') import.tck_hz = 1;
+    if (ImportSvf(import, svf_, nullptr, [](std::size_t) {}).HasErrors()) continue;
+    return fmt::format("; icehost import --script gpio{} can express it", rate);
+  }
+  return "";
+}
+
+void Import::Write() {
+  OutputFile file(command_.output, OutputFile::Rest::kNothing);
+  FileUses({command_.file}).AddOutput(file, "--output");
+  file.Begin();
+  try {
+    ImportSvf(Options(), svf_, &file.Stream(), [&](std::size_t bytes) {
+      file.ThrowIfCut();
+      Show("written", bytes);
+    });
+    file.Stream().flush();
+    file.ThrowIfCut();
+  } catch (...) {
+    file.Abandon();
+    throw;
+  }
+  progress_.Erase();
+  file.Close();
+}
+
+void Import::Show(const char* what, std::size_t bytes) {
+  if (!progress_.IsDue()) return;
+  progress_.Draw(fmt::format("{} % {}", 100 * bytes / svf_.size(), what));
+}
+
+}  // namespace
+
+ExitStatus Execute(const ImportCommand& command) {
+  return Import(command).Execute();
 }
 
 }  // namespace icehost

@@ -44,7 +44,7 @@ _icehost_value() {
     --wire) _icehost_offer jtag5 2wire cjtag2 ;;
     --script) _icehost_offer jtag gpio ;;
     --size-limit | --timeout | --ir-length | --idcode | --idcode-instruction \
-      | --register | --idle-limit) _icehost_offer ;;
+      | --register | --idle-limit | --tck-hz) _icehost_offer ;;
     *) return 1 ;;
   esac
 }
@@ -74,7 +74,7 @@ _icehost() {
       ;;
     check) options+=' --size-limit --strict --json' ;;
     detect) options+=" $target --probe --timeout --script" ;;
-    import) options+=' --size-limit --all -o --output' ;;
+    import) options+=' --script --tck-hz --size-limit --all -o --output' ;;
     serve)
       options+=" $target -v --verbose --idle-limit --probe --timeout --trace --trace= --json --vcd"
       options+=' --html'

@@ -35,7 +35,7 @@ function __icehost_verbs
     printf '%s\t%s\n' run 'Run scripts one after the other, up to the first that fails' \
         check 'Report every problem of scripts without touching a probe' \
         detect 'Tell which TAPs are on a probe' \
-        import 'Make a JTAG script of a Serial Vector Format (SVF) file' \
+        import 'Make a script of a Serial Vector Format (SVF) file' \
         serve 'Serve a target by the remote_bitbang protocol'
 end
 
@@ -76,6 +76,8 @@ __icehost_option run -l svf -r -F -d 'Write what was played in the Serial Vector
 __icehost_option run -l learn -r -F -d 'Write the script with the values that were read'
 
 __icehost_option detect -l script -x -a 'jtag gpio' -d 'Write the beginning of a script'
+__icehost_option import -l script -x -a 'jtag gpio' -d 'The kind of script to write'
+__icehost_option import -l tck-hz -x -d 'TCK cycles of the probe in a second'
 __icehost_option import -l all -d 'Report every problem, instead of each reason once'
 __icehost_option import -s o -l output -r -F -d 'Write the script to a file'
 

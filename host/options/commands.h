@@ -51,8 +51,12 @@ struct CheckCommand {
   bool quiet = false;
 };
 
+enum class ScriptKind { kJtag, kGpio };
+
 struct ImportCommand {
   std::string file;
+  ScriptKind script = ScriptKind::kJtag;
+  std::optional<double> tck_hz;  // for a GPIO script
   std::string output = "-";
   std::size_t size_limit = kDefaultSizeLimit;  // of the file, and of the script, in bytes
   bool all = false;                            // reports every problem, not each reason once
@@ -67,8 +71,6 @@ struct ServeCommand {
   bool verbose = false;
   bool quiet = false;
 };
-
-enum class ScriptKind { kJtag, kGpio };
 
 struct DetectCommand {
   ProbeOptions probe;

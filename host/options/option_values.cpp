@@ -39,6 +39,16 @@ std::uint64_t Number(const std::string& text, int base, std::uint64_t most) {
   return value;
 }
 
+// The whole text as a number, with or without a fraction, more than 0 and up to `most`.
+double Decimal(const std::string& text, double most, const char* expected) {
+  std::istringstream stream(text);
+  double value = 0;
+  if (!(stream >> value) || !stream.eof() || !(value > 0 && value <= most)) {
+    throw std::invalid_argument(expected);
+  }
+  return value;
+}
+
 // `digits` most significant first, as the bits of a register that must hold them.
 Bits HexBits(std::string digits, int length) {
   TakePrefix(digits, "0x");
@@ -80,13 +90,12 @@ int ParseWireMode(const std::string& text) {
 }
 
 std::chrono::milliseconds ParseSeconds(const std::string& text) {
-  constexpr double kDay = 86400;
-  std::istringstream stream(text);
-  double seconds = 0;
-  if (!(stream >> seconds) || !stream.eof() || !(seconds > 0 && seconds <= kDay)) {
-    throw std::invalid_argument("expected seconds, more than 0 and up to 86400");
-  }
+  const double seconds = Decimal(text, 86400, "expected seconds, more than 0 and up to 86400");
   return std::chrono::milliseconds(std::max(static_cast<long>(seconds * 1000), 1L));
+}
+
+double ParseHertz(const std::string& text) {
+  return Decimal(text, 1e12, "expected TCK cycles per second, such as 1000000 or 1e6");
 }
 
 std::size_t ParseMebibytes(const std::string& text) {

@@ -19,6 +19,8 @@ Endpoint ParseServeEndpoint(const std::string& text);
 int ParseWireMode(const std::string& text);
 // More than 0 and up to a day.
 std::chrono::milliseconds ParseSeconds(const std::string& text);
+// A number of TCK cycles in a second, more than 0.
+double ParseHertz(const std::string& text);
 // A number of mebibytes, as bytes.
 std::size_t ParseMebibytes(const std::string& text);
 // Hexadecimal, with or without "0x". Bit 0 of an IDCODE is 1 (IEEE 1149.1).

@@ -149,6 +149,12 @@ void CompleteDetect(const CLI::App& verb, const DetectCommand& detect) {
   }
 }
 
+void CompleteImport(const ImportCommand& import) {
+  if (import.tck_hz.has_value() && import.script == ScriptKind::kJtag) {
+    throw CLI::ValidationError("--tck-hz", "is for --script gpio: a JTAG script cannot wait");
+  }
+}
+
 void CompleteServe(const CLI::App& verb, ServeCommand& serve) {
   const ProbeKind& kind = *serve.probe.kind;
   serve.outputs = RequestsOf(verb);
@@ -216,14 +222,22 @@ CLI::App& AddVerb(CLI::App& app, DetectCommand& detect) {
 }
 
 CLI::App& AddVerb(CLI::App& app, ImportCommand& import) {
-  CLI::App& verb = NewVerb(app, "import", "Make a JTAG script of a Serial Vector Format (SVF) file",
-                           import.quiet);
+  CLI::App& verb =
+      NewVerb(app, "import", "Make a script of a Serial Vector Format (SVF) file", import.quiet);
   verb.add_option("FILE", import.file, "SVF file; - is standard input")->type_name("")->required();
+  AddParsed(verb, "--script", "KIND",
+            "jtag (the default), or gpio: that can express every file and needs a probe with pins",
+            [&import](const std::string& text) { import.script = ParseScriptKind(text); });
+  AddParsed(verb, "--tck-hz", "N",
+            "TCK cycles that the probe makes in a second at most, for the waits of a GPIO script\n"
+            "(default: FREQUENCY of the file)",
+            [&import](const std::string& text) { import.tck_hz = ParseHertz(text); });
   AddParsed(verb, "--size-limit", "MIB", "How large the file, and the script, may be (default 64)",
             [&import](const std::string& text) { import.size_limit = ParseMebibytes(text); });
   verb.add_flag("--all", import.all, "Report every problem, instead of each reason once");
   NamesFile(verb.add_option("-o,--output", import.output,
                             "Write the script to a file, instead of standard output"));
+  verb.final_callback([&import] { CompleteImport(import); });
   return verb;
 }
 

@@ -2,26 +2,23 @@
 
 #include <fmt/format.h>
 
+#include <memory>
 #include <optional>
 #include <utility>
+#include <vector>
 
-#include "base/text.h"
-#include "host/svf/script_writer.h"
+#include "host/svf/form.h"
 #include "host/svf/statements.h"
 #include "host/system/interrupt.h"
 
 namespace icehost {
 namespace {
 
-// A script cannot wait. A probe spends this much time from one scan to the next anyway, so the
-// importer may leave it out.
-constexpr double kMostIdleCycles = 16;
-constexpr double kMostIdleSeconds = 1e-5;
+constexpr std::size_t kBitsForByte = 4;
 
 constexpr const char* kRunTestForm =
     "expected RUNTEST [state] [count TCK] [time SEC [MAXIMUM time SEC]] [ENDSTATE state]";
-constexpr const char* kRunTestStates =
-    "a script stays in Run-Test/Idle: IDLE is the state, or RESET before the first scan";
+constexpr const char* kStableState = "expected a stable state: IDLE, RESET, DRPAUSE or IRPAUSE";
 
 // A walk over the words of one statement.
 class Words {
@@ -32,13 +29,29 @@ class Words {
   bool Is(const char* upper) const { return !AtEnd() && IsSvfWord(statement_.words[at_], upper); }
   bool Take(const char* upper) {
     const bool is = Is(upper);
-    if (is) ++at_;
+    if (is) Skip();
     return is;
   }
+  // The next word as a number, as a state.
+  std::optional<double> Number() const {
+    return AtEnd() ? std::nullopt : SvfNumber(statement_.words[at_]);
+  }
+  std::optional<TapState> State() const {
+    return AtEnd() ? std::nullopt : SvfState(statement_.words[at_]);
+  }
+  void Skip() { ++at_; }
   std::optional<double> TakeNumber() {
-    const auto number = AtEnd() ? std::nullopt : SvfNumber(statement_.words[at_]);
-    if (number.has_value()) ++at_;
+    const auto number = Number();
+    if (number.has_value()) Skip();
     return number;
+  }
+  // Takes a stable state into `state`.
+  bool TakeStable(TapState& state) {
+    const auto next = State();
+    if (!next.has_value() || !IsStable(*next)) return false;
+    state = *next;
+    Skip();
+    return true;
   }
   // The next word, or the keyword at the end.
   const SvfToken& Next() const { return AtEnd() ? statement_.keyword : statement_.words[at_]; }
@@ -48,37 +61,36 @@ class Words {
   std::size_t at_ = 0;
 };
 
-struct Stay {
-  double cycles = 0;
-  double seconds = 0;
-};
-
 // Reads a number with its unit, TCK or SEC, and all that follows up to the end state. Returns the
 // error at the next word, or null.
-const char* TakeStay(Words& words, Stay& stay) {
+const char* TakeStay(Words& words, SvfRunTest& run) {
   auto number = words.TakeNumber();
   if (!number.has_value()) return kRunTestForm;
-  if (words.Is("SCK")) return "a script has no system clock SCK";
+  if (words.Is("SCK")) return "SCK is a clock of the target's system: a probe does not have it";
   if (words.Take("TCK")) {
-    stay.cycles = *number;
+    run.cycles = *number;
     number = words.TakeNumber();
     if (!number.has_value()) return nullptr;
   }
   if (!words.Take("SEC")) return kRunTestForm;
-  stay.seconds = *number;
+  run.seconds = *number;
   if (!words.Take("MAXIMUM")) return nullptr;
-  return words.TakeNumber().has_value() && words.Take("SEC") ? nullptr : kRunTestForm;
+  run.most_seconds = words.Number();
+  if (!run.most_seconds.has_value()) return kRunTestForm;
+  if (*run.most_seconds < run.seconds) return "the maximum is less than the minimum before it";
+  words.Skip();
+  return words.Take("SEC") ? nullptr : kRunTestForm;
 }
 
+// Reads statements, keeps what they set for later ones, and hands their effects to a form.
 class Importer {
  public:
-  Importer(std::size_t most, Problems& problems) : most_(most), problems_(problems) {}
+  Importer(SvfForm& form, std::size_t most, Problems& problems)
+      : form_(form), most_(most), problems_(problems) {}
 
   void Take(const SvfStatement& statement);
-  void End();
   // Whether to stop reading.
-  bool IsFull() const { return script_.Size() > most_ || problems_.IsFull(); }
-  std::string Script(const std::string& name) const { return script_.Script(name); }
+  bool IsFull() const { return form_.Size() > most_ || problems_.IsFull(); }
 
  private:
   using Handler = void (Importer::*)(const SvfStatement&);
@@ -94,46 +106,43 @@ class Importer {
   };
 
   static Handler HandlerOf(const SvfToken& keyword);
-  void Sir(const SvfStatement& statement);
-  void Sdr(const SvfStatement& statement);
+  void Sir(const SvfStatement& statement) { TakeScan(ir_, true, statement); }
+  void Sdr(const SvfStatement& statement) { TakeScan(dr_, false, statement); }
   void Hir(const SvfStatement& statement) { TakeFrame(ir_.header, statement); }
   void Hdr(const SvfStatement& statement) { TakeFrame(dr_.header, statement); }
   void Tir(const SvfStatement& statement) { TakeFrame(ir_.trailer, statement); }
   void Tdr(const SvfStatement& statement) { TakeFrame(dr_.trailer, statement); }
-  void EndState(const SvfStatement& statement);
+  void EndIr(const SvfStatement& statement) { TakeEndState(true, statement); }
+  void EndDr(const SvfStatement& statement) { TakeEndState(false, statement); }
   void Frequency(const SvfStatement& statement);
   void RunTest(const SvfStatement& statement);
   void State(const SvfStatement& statement);
   void Trst(const SvfStatement& statement);
-  void Pio(const SvfStatement& statement);
+  void Pio(const SvfStatement& /*statement*/) { form_.Pio(); }
 
+  std::optional<SvfShift> TakeRegister(SvfRegister& remembered, const SvfStatement& statement);
   void TakeFrame(Frame& frame, const SvfStatement& statement);
-  std::optional<SvfShift> TakeScan(Column& column, const SvfStatement& statement);
-  bool Idle(const Stay& stay, const SvfStatement& statement);
-  void Reset(const SvfStatement& statement);
-  void LeaveOut(const SvfStatement& statement, const std::string& why);
+  void TakeScan(Column& column, bool ir, const SvfStatement& statement);
+  void TakeEndState(bool ir, const SvfStatement& statement);
   void Refuse(const SvfToken& token, const std::string& why) { problems_.Error(token.place, why); }
 
+  SvfForm& form_;
   std::size_t most_;
   Problems& problems_;
-  ScriptWriter script_{problems_};
   Column ir_;
   Column dr_;
-  // The states of the last RUNTEST; they apply to the next one that names none.
-  bool runs_in_reset_ = false;
-  bool run_ends_in_reset_ = false;
-  Stay idle_;  // since the last scan
+  // The states of the last RUNTEST apply to the next one that names none.
+  TapState run_state_ = TapState::kRunTestIdle;
+  TapState run_end_ = TapState::kRunTestIdle;
 };
 
 Importer::Handler Importer::HandlerOf(const SvfToken& keyword) {
   constexpr std::pair<const char*, Handler> kHandlers[] = {
-      {"SDR", &Importer::Sdr},         {"SIR", &Importer::Sir},
-      {"HDR", &Importer::Hdr},         {"HIR", &Importer::Hir},
-      {"TDR", &Importer::Tdr},         {"TIR", &Importer::Tir},
-      {"ENDDR", &Importer::EndState},  {"ENDIR", &Importer::EndState},
-      {"RUNTEST", &Importer::RunTest}, {"STATE", &Importer::State},
-      {"TRST", &Importer::Trst},       {"FREQUENCY", &Importer::Frequency},
-      {"PIO", &Importer::Pio},         {"PIOMAP", &Importer::Pio},
+      {"SDR", &Importer::Sdr},     {"SIR", &Importer::Sir},     {"HDR", &Importer::Hdr},
+      {"HIR", &Importer::Hir},     {"TDR", &Importer::Tdr},     {"TIR", &Importer::Tir},
+      {"ENDDR", &Importer::EndDr}, {"ENDIR", &Importer::EndIr}, {"RUNTEST", &Importer::RunTest},
+      {"STATE", &Importer::State}, {"TRST", &Importer::Trst},   {"FREQUENCY", &Importer::Frequency},
+      {"PIO", &Importer::Pio},     {"PIOMAP", &Importer::Pio},
   };
   for (const auto& [name, handler] : kHandlers) {
     if (IsSvfWord(keyword, name)) return handler;
@@ -150,163 +159,114 @@ void Importer::Take(const SvfStatement& statement) {
   if (statement.is_long) {
     return Refuse(keyword, fmt::format("the statement has more than {} words", kMostWords));
   }
+  form_.BeginStatement(keyword);
   (this->*handler)(statement);
-  if (script_.Size() <= most_) return;
+  if (form_.Size() <= most_) return;
   Refuse(keyword, fmt::format("the script becomes larger than {} MiB; --size-limit lets more out",
                               most_ >> 20U));
 }
 
-// Returns the whole scan: its header, its own bits and its trailer.
-std::optional<SvfShift> Importer::TakeScan(Column& column, const SvfStatement& statement) {
-  const auto own = column.scan.Take(statement, problems_);
-  if (!own.has_value()) return std::nullopt;
-  if (own->tdi.empty()) {
-    Refuse(statement.keyword, "a scan of 0 bits cannot be said in a script");
-    return std::nullopt;
-  }
-  SvfShift whole = column.header.shift;
-  whole.Append(*own);
-  whole.Append(column.trailer.shift);
-  idle_ = {};
-  return whole;
-}
-
-void Importer::Sir(const SvfStatement& statement) {
-  const auto shift = TakeScan(ir_, statement);
-  if (shift.has_value()) script_.Ir(statement.keyword.place, *shift);
-}
-
-void Importer::Sdr(const SvfStatement& statement) {
-  const auto shift = TakeScan(dr_, statement);
-  if (shift.has_value()) script_.Dr(statement.keyword.place, *shift);
+std::optional<SvfShift> Importer::TakeRegister(SvfRegister& remembered,
+                                               const SvfStatement& statement) {
+  return remembered.Take(statement, kBitsForByte * most_, problems_);
 }
 
 void Importer::TakeFrame(Frame& frame, const SvfStatement& statement) {
-  auto shift = frame.remembered.Take(statement, problems_);
+  auto shift = TakeRegister(frame.remembered, statement);
   if (shift.has_value()) frame.shift = std::move(*shift);
 }
 
-void Importer::EndState(const SvfStatement& statement) {
-  if (statement.words.size() == 1 && IsSvfWord(statement.words[0], "IDLE")) {
-    return LeaveOut(statement, "every scan of a script ends there");
-  }
-  Refuse(statement.keyword, "a script's scans end in Run-Test/Idle: IDLE is the one end state");
+// A whole scan is its header, its own bits and its trailer.
+void Importer::TakeScan(Column& column, bool ir, const SvfStatement& statement) {
+  const auto own = TakeRegister(column.scan, statement);
+  if (!own.has_value()) return;
+  SvfShift whole = column.header.shift;
+  whole.Append(*own);
+  whole.Append(column.trailer.shift);
+  if (whole.tdi.empty()) return Refuse(statement.keyword, "a scan has at least one bit");
+  form_.Scan(ir, whole);
+}
+
+void Importer::TakeEndState(bool ir, const SvfStatement& statement) {
+  Words words(statement);
+  TapState state{};
+  if (words.TakeStable(state) && words.AtEnd()) return form_.EndState(ir, state);
+  Refuse(words.Next(), kStableState);
 }
 
 void Importer::Frequency(const SvfStatement& statement) {
   Words words(statement);
-  if (words.AtEnd() || (words.TakeNumber().has_value() && words.Take("HZ") && words.AtEnd())) {
-    return LeaveOut(statement, "the probe has its own");
-  }
+  if (words.AtEnd()) return form_.Frequency(std::nullopt);
+  const auto hz = words.TakeNumber();
+  if (hz.value_or(0) > 0 && words.Take("HZ") && words.AtEnd()) return form_.Frequency(hz);
   Refuse(statement.keyword, "expected FREQUENCY, or FREQUENCY number HZ");
 }
 
 void Importer::RunTest(const SvfStatement& statement) {
   Words words(statement);
   const auto refuse = [&](const char* why) { Refuse(words.Next(), why); };
-  if (words.Is("IRPAUSE") || words.Is("DRPAUSE")) return refuse(kRunTestStates);
-  if (words.Take("IDLE")) runs_in_reset_ = run_ends_in_reset_ = false;
-  if (words.Take("RESET")) runs_in_reset_ = run_ends_in_reset_ = true;
-  Stay stay;
-  if (const char* const why = TakeStay(words, stay); why != nullptr) return refuse(why);
-  if (words.Take("ENDSTATE")) {
-    run_ends_in_reset_ = words.Is("RESET");
-    if (!words.Take("RESET") && !words.Take("IDLE")) return refuse(kRunTestStates);
+  SvfRunTest run{run_state_, run_end_, 0, 0, std::nullopt};
+  if (words.State().has_value()) {
+    if (!words.TakeStable(run.state)) return refuse(kStableState);
+    run.end = run.state;
   }
+  if (const char* const why = TakeStay(words, run); why != nullptr) return refuse(why);
+  if (words.Take("ENDSTATE") && !words.TakeStable(run.end)) return refuse(kStableState);
   if (!words.AtEnd()) return refuse(kRunTestForm);
-  // Cycles in Test-Logic-Reset do nothing.
-  if (runs_in_reset_) stay.cycles = 0;
-  if (!Idle(stay, statement)) return;
-  if (runs_in_reset_ || run_ends_in_reset_) return Reset(statement);
-  LeaveOut(statement, "a moment in Run-Test/Idle");
-}
-
-// Adds up the time since the last scan. Returns false, and reports it, if it is too long.
-bool Importer::Idle(const Stay& stay, const SvfStatement& statement) {
-  idle_.cycles += stay.cycles;
-  idle_.seconds += stay.seconds;
-  const bool is_slow = idle_.cycles > kMostIdleCycles;
-  if (!is_slow && idle_.seconds <= kMostIdleSeconds) return true;
-  Refuse(statement.keyword,
-         fmt::format("a script cannot wait, and {} may matter: left out are up to {} TCK cycles "
-                     "and {} s between two scans",
-                     is_slow ? fmt::format("{} TCK cycles", idle_.cycles)
-                             : fmt::format("{} s", idle_.seconds),
-                     kMostIdleCycles, kMostIdleSeconds));
-  idle_ = {};
-  return false;
+  run_state_ = run.state;
+  run_end_ = run.end;
+  form_.RunTest(run);
 }
 
 void Importer::State(const SvfStatement& statement) {
-  if (statement.words.empty()) return Refuse(statement.keyword, "STATE lacks its state");
-  if (!Idle({static_cast<double>(statement.words.size()), 0}, statement)) return;
-  bool resets = false;
-  for (const SvfToken& word : statement.words) {
-    const bool reset = IsSvfWord(word, "RESET");
-    resets = resets || reset;
-    if (reset || IsSvfWord(word, "IDLE")) continue;
-    return Refuse(word, fmt::format("a script cannot bring the TAP to {}: it knows RESET, before "
-                                    "the first scan, and IDLE",
-                                    Quoted(word)));
+  Words words(statement);
+  if (words.AtEnd()) return Refuse(statement.keyword, "STATE lacks its state");
+  std::vector<TapState> path;
+  for (; words.State().has_value(); words.Skip()) path.push_back(*words.State());
+  if (!words.AtEnd()) {
+    return Refuse(words.Next(), fmt::format("SVF has no state {}", Quoted(words.Next())));
   }
-  if (resets) return Reset(statement);
-  LeaveOut(statement, "every scan of a script ends there");
+  if (!IsStable(path.back())) return Refuse(statement.words.back(), kStableState);
+  form_.State(path);
 }
 
 void Importer::Trst(const SvfStatement& statement) {
+  constexpr std::pair<const char*, SvfTrst> kModes[] = {
+      {"ON", SvfTrst::kOn},
+      {"OFF", SvfTrst::kOff},
+      {"Z", SvfTrst::kZ},
+      {"ABSENT", SvfTrst::kAbsent},
+  };
   if (statement.words.size() != 1) return Refuse(statement.keyword, "expected TRST and one word");
   const SvfToken& word = statement.words[0];
-  if (IsSvfWord(word, "ON")) {
-    script_.SetTrst(true);
-    return Reset(statement);
+  for (const auto& [name, mode] : kModes) {
+    if (IsSvfWord(word, name)) return form_.Trst(mode);
   }
-  if (!IsSvfWord(word, "OFF") && !IsSvfWord(word, "Z") && !IsSvfWord(word, "ABSENT")) {
-    return Refuse(word, fmt::format("{} is none of ON, OFF, Z and ABSENT", Quoted(word)));
-  }
-  script_.SetTrst(false);
-  LeaveOut(statement, "the probe holds it off");
-}
-
-void Importer::Pio(const SvfStatement& statement) {
-  Refuse(statement.keyword, "a JTAG script has no other pins than those of the TAP");
-}
-
-void Importer::Reset(const SvfStatement& statement) {
-  script_.Reset(statement.keyword.place);
-  LeaveOut(statement,
-           script_.HasScanned() ? "no scan follows" : "for the probe to do before the first scan");
-}
-
-void Importer::LeaveOut(const SvfStatement& statement, const std::string& why) {
-  const SvfToken& keyword = statement.keyword;
-  std::string name(keyword.text);
-  for (char& ch : name) ch = icescript::UpperCase(ch);
-  script_.Comment(fmt::format("line {}: {} left out: {}", keyword.place.line, name, why));
-}
-
-void Importer::End() {
-  script_.End();
-  if (!script_.HasScanned() && !problems_.HasErrors()) {
-    problems_.Error({1, 1}, "the file scans nothing: it has no SIR and no SDR");
-  }
+  Refuse(word, fmt::format("{} is none of ON, OFF, Z and ABSENT", Quoted(word)));
 }
 
 }  // namespace
 
-ImportedSvf ImportSvf(const std::string& name, std::string_view text, std::size_t most,
-                      const Keeping& keeping) {
-  ImportedSvf imported = {"", Problems(keeping)};
-  Importer importer(most, imported.problems);
+Problems ImportSvf(const SvfImport& import, std::string_view text, std::ostream* script,
+                   const std::function<void(std::size_t)>& on_progress) {
+  Problems problems(import.keeping);
+  const auto form =
+      import.gpio ? MakeGpioForm(problems, script, import.tck_hz) : MakeJtagForm(problems, script);
+  Importer importer(*form, import.most, problems);
+  form->Begin(import.name);
   SvfReader reader(text);
-  for (auto statement = reader.Next(imported.problems); statement.has_value() && !importer.IsFull();
-       statement = reader.Next(imported.problems)) {
+  bool empty = true;
+  for (auto statement = reader.Next(problems); statement.has_value() && !importer.IsFull();
+       statement = reader.Next(problems)) {
     ThrowIfInterrupted();
+    empty = false;
     importer.Take(*statement);
+    on_progress(reader.BytesRead());
   }
-  importer.End();
-  imported.problems.Sort();
-  if (!imported.problems.HasErrors()) imported.script = importer.Script(name);
-  return imported;
+  if (empty && !problems.HasErrors()) problems.Error({1, 1}, "the file has no statement");
+  form->End();
+  problems.Sort();
+  return problems;
 }
 
 }  // namespace icehost

@@ -1,8 +1,11 @@
-// Makes a JTAG script of a Serial Vector Format file.
+// Makes a script of a Serial Vector Format file.
 #ifndef ICESCRIPT_HOST_SVF_IMPORTER_H_
 #define ICESCRIPT_HOST_SVF_IMPORTER_H_
 
 #include <cstddef>
+#include <functional>
+#include <optional>
+#include <ostream>
 #include <string>
 #include <string_view>
 
@@ -10,16 +13,21 @@
 
 namespace icehost {
 
-struct ImportedSvf {
-  std::string script;  // empty if there are errors
-  Problems problems;   // sorted by their places; reading stops when they are full
+struct SvfImport {
+  std::string name;  // of the file, for a comment
+  bool gpio = false;
+  std::optional<double> tck_hz;  // of the probe, for a GPIO script
+  std::size_t most = 0;          // bytes of the script; a scan has at most four times as many bits
+  Keeping keeping = kKeepReasons;
 };
 
-// Returns a script that does the same as the file and passes `check`, or errors. A warning names a
-// part of the file that no scan depends on. `name` is the file's name for a comment; `most` limits
-// the bytes of the script. Throws Interrupted.
-ImportedSvf ImportSvf(const std::string& name, std::string_view text, std::size_t most,
-                      const Keeping& keeping);
+// Reads the file and reports what is wrong with it and what the script leaves out, sorted by place;
+// reading stops when the problems are full. If `script` is
+// not null and nothing is wrong, writes a script there that does the same as the file and passes
+// `check`; the first `most` bytes of it otherwise are of no use. `on_progress` gets the number of
+// bytes read after each statement. Throws Interrupted.
+Problems ImportSvf(const SvfImport& import, std::string_view text, std::ostream* script,
+                   const std::function<void(std::size_t)>& on_progress);
 
 }  // namespace icehost
 

@@ -13,7 +13,11 @@ namespace {
 
 using Kind = SvfToken::Kind;
 
-static_assert(JTAG_IR_MAX_BYTES == JTAG_DR_MAX_BYTES);
+// In the order of TapState.
+constexpr const char* kStateNames[kTapStates] = {
+    "RESET",    "IDLE",     "DRSELECT",  "DRCAPTURE", "DRSHIFT", "DREXIT1", "DRPAUSE", "DREXIT2",
+    "DRUPDATE", "IRSELECT", "IRCAPTURE", "IRSHIFT",   "IREXIT1", "IRPAUSE", "IREXIT2", "IRUPDATE",
+};
 
 bool IsComment(std::string_view text) {
   return text.substr(0, 1) == "!" || text.substr(0, 2) == "//";
@@ -34,33 +38,31 @@ std::optional<unsigned> DigitOf(char ch) {
   return digit;
 }
 
-struct Digit {
-  unsigned value;
-  Place place;
+// The digits of a value without leading zeros.
+struct Digits {
+  SvfCursor first;  // at the most significant one
+  std::size_t count = 0;
 };
 
-// Returns the digits, the most significant first, without leading zeros. Returns nothing, and
-// reports it, if there is none or another character. Stops after `most` + 1 digits.
-std::optional<std::vector<Digit>> Digits(const SvfToken& value, std::size_t most,
-                                         Problems& problems) {
-  std::vector<Digit> digits;
-  bool empty = true;
+// Returns nothing, and reports it, if there is no digit or something else.
+std::optional<Digits> DigitsOf(const SvfToken& value, Problems& problems) {
   SvfCursor cursor(value.text, value.place);
-  for (cursor.SkipBlanks(); !cursor.AtEnd(); cursor.SkipBlanks()) {
+  cursor.SkipBlanks();
+  if (cursor.AtEnd()) {
+    problems.Error(value.place, "the parentheses hold no digit");
+    return std::nullopt;
+  }
+  Digits digits{cursor};
+  for (; !cursor.AtEnd(); cursor.SkipBlanks()) {
     const char ch = cursor.Rest()[0];
     const auto digit = DigitOf(ch);
     if (!digit.has_value()) {
       problems.Error(cursor.At(), fmt::format("\"{}\" is no hexadecimal digit", ch));
       return std::nullopt;
     }
-    empty = false;
-    if (!digits.empty() || *digit != 0) digits.push_back({*digit, cursor.At()});
-    if (digits.size() > most) break;
+    if (digits.count == 0) digits.first = cursor;
+    if (digits.count > 0 || *digit != 0) ++digits.count;
     cursor.Step();
-  }
-  if (empty) {
-    problems.Error(value.place, "the parentheses hold no digit");
-    return std::nullopt;
   }
   return digits;
 }
@@ -68,26 +70,30 @@ std::optional<std::vector<Digit>> Digits(const SvfToken& value, std::size_t most
 // Returns the bits of a value. Returns nothing, and reports it, if the value is not hexadecimal or
 // has a 1 beyond the length.
 std::optional<Bits> BitsOf(const SvfToken& value, std::size_t length, Problems& problems) {
-  const auto digits = Digits(value, (length + 3) / 4, problems);
+  auto digits = DigitsOf(value, problems);
   if (!digits.has_value()) return std::nullopt;
   Bits bits(length);
-  std::size_t first = 0;
-  for (auto digit = digits->rbegin(); digit != digits->rend(); ++digit, first += 4) {
+  SvfCursor cursor = digits->first;
+  for (std::size_t left = digits->count; left > 0; cursor.SkipBlanks()) {
+    const unsigned digit = *DigitOf(cursor.Rest()[0]);
+    cursor.Step();
+    --left;
     for (std::size_t i = 0; i < 4; ++i) {
-      if ((digit->value >> i & 1) == 0) continue;
-      if (first + i >= length) {
-        problems.Error(digit->place,
+      if ((digit >> i & 1) == 0) continue;
+      if (4 * left + i >= length) {
+        problems.Error(digits->first.At(),
                        fmt::format("a bit is set beyond the {} of the length", length));
         return std::nullopt;
       }
-      bits[first + i] = true;
+      bits[4 * left + i] = true;
     }
   }
   return bits;
 }
 
 // Reads the first word, a number of bits.
-std::optional<std::size_t> LengthOf(const SvfStatement& statement, Problems& problems) {
+std::optional<std::size_t> LengthOf(const SvfStatement& statement, std::size_t most,
+                                    Problems& problems) {
   if (statement.words.empty()) {
     problems.Error(statement.keyword.place,
                    fmt::format("{} lacks its length", Quoted(statement.keyword)));
@@ -101,8 +107,9 @@ std::optional<std::size_t> LengthOf(const SvfStatement& statement, Problems& pro
     problems.Error(word.place, fmt::format("{} is no length in bits", Quoted(word)));
     return std::nullopt;
   }
-  if (error == std::errc() && length <= kMostSvfBits) return length;
-  problems.Error(word.place, fmt::format("a script's register has at most {} bits", kMostSvfBits));
+  if (error == std::errc() && length <= most) return length;
+  problems.Error(word.place,
+                 fmt::format("more than {} bits; --size-limit lets longer scans in", most));
   return std::nullopt;
 }
 
@@ -195,8 +202,8 @@ std::optional<SvfStatement> SvfReader::Next(Problems& problems) {
   SvfStatement statement = {token, {}, false};
   for (token = NextToken(problems); token.kind != Kind::kSemicolon; token = NextToken(problems)) {
     if (token.kind == Kind::kEnd) {
-      problems.Error(statement.keyword.place, "the statement has no semicolon at its end");
-      return std::nullopt;
+      problems.Note(statement.keyword.place, "the last statement has no semicolon: is it whole?");
+      break;
     }
     statement.is_long = statement.words.size() == kMostWords;
     if (!statement.is_long) statement.words.push_back(token);
@@ -223,6 +230,22 @@ std::optional<double> SvfNumber(const SvfToken& token) {
   return number;
 }
 
+std::optional<TapState> SvfState(const SvfToken& token) {
+  for (int i = 0; i < kTapStates; ++i) {
+    if (IsSvfWord(token, kStateNames[i])) return static_cast<TapState>(i);
+  }
+  return std::nullopt;
+}
+
+const char* SvfStateName(TapState state) {
+  return kStateNames[static_cast<int>(state)];
+}
+
+bool IsStable(TapState state) {
+  return state == TapState::kTestLogicReset || state == TapState::kRunTestIdle ||
+         state == TapState::kPauseDr || state == TapState::kPauseIr;
+}
+
 bool SvfShift::Compares() const {
   return std::find(mask.begin(), mask.end(), true) != mask.end();
 }
@@ -233,8 +256,9 @@ void SvfShift::Append(const SvfShift& more) {
   mask.insert(mask.end(), more.mask.begin(), more.mask.end());
 }
 
-std::optional<SvfShift> SvfRegister::Take(const SvfStatement& statement, Problems& problems) {
-  const auto length = LengthOf(statement, problems);
+std::optional<SvfShift> SvfRegister::Take(const SvfStatement& statement, std::size_t most,
+                                          Problems& problems) {
+  const auto length = LengthOf(statement, most, problems);
   if (!length.has_value()) return std::nullopt;
   const bool is_new = *length != length_;
   if (is_new) {

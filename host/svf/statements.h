@@ -8,14 +8,12 @@
 #include <string_view>
 #include <vector>
 
-#include "entry/icescript.h"
 #include "host/check/problems.h"
 #include "host/target/bits.h"
+#include "host/target/tap.h"
 
 namespace icehost {
 
-// The longest register that a script can scan.
-constexpr std::size_t kMostSvfBits = std::size_t{8} * JTAG_DR_MAX_BYTES;
 // More words than a path through all states has.
 constexpr std::size_t kMostWords = 64;
 
@@ -56,16 +54,18 @@ class SvfCursor {
 class SvfReader {
  public:
   // The text must outlive the statements.
-  explicit SvfReader(std::string_view text) : cursor_(text, {1, 1}) {}
+  explicit SvfReader(std::string_view text) : size_(text.size()), cursor_(text, {1, 1}) {}
 
-  // Returns the next statement, and nothing at the end. Reports a statement without a semicolon
-  // and a value without its closing parenthesis.
+  // Returns the next statement, and nothing at the end. Reports a value without its closing
+  // parenthesis, and notes that the last statement has no semicolon.
   std::optional<SvfStatement> Next(Problems& problems);
+  std::size_t BytesRead() const { return size_ - cursor_.Rest().size(); }
 
  private:
   SvfToken NextToken(Problems& problems);
   SvfToken Value(Problems& problems);
 
+  std::size_t size_;
   SvfCursor cursor_;
 };
 
@@ -75,6 +75,12 @@ bool IsSvfWord(const SvfToken& token, std::string_view upper);
 std::string Quoted(const SvfToken& token);
 // Returns the number, which is not negative, or nothing if the token is something else.
 std::optional<double> SvfNumber(const SvfToken& token);
+// Returns the state of this name, in any case, or nothing.
+std::optional<TapState> SvfState(const SvfToken& token);
+// Returns the format's name of a state, such as "DRSHIFT".
+const char* SvfStateName(TapState state);
+// Whether the TAP stays in the state as long as TMS stays at one level, and shifts nothing there.
+bool IsStable(TapState state);
 
 // What one scan shifts: all of one length, the first bit to be shifted first.
 struct SvfShift {
@@ -92,8 +98,8 @@ struct SvfShift {
 class SvfRegister {
  public:
   // Takes LENGTH [TDI (..)] [TDO (..)] [MASK (..)] [SMASK (..)]. Returns nothing, and reports it,
-  // if that is wrong or too long for a script.
-  std::optional<SvfShift> Take(const SvfStatement& statement, Problems& problems);
+  // if that is wrong or longer than `most` bits.
+  std::optional<SvfShift> Take(const SvfStatement& statement, std::size_t most, Problems& problems);
 
  private:
   std::size_t length_ = 0;

@@ -95,7 +95,8 @@ SHELLS = {
         source '{SOURCE}/host/completions/icehost.fish'; icehost"""),
 }
 FILES = {"two words.ini", "folder"}
-VALUES = {"MODE": {"jtag5", "2wire", "cjtag2"}, "[KIND]": {"jtag", "gpio"}, "FILE": FILES,
+KINDS = {"jtag", "gpio"}
+VALUES = {"MODE": {"jtag5", "2wire", "cjtag2"}, "KIND": KINDS, "[KIND]": KINDS, "FILE": FILES,
           "MIB": set(), "SECONDS": set(), "N": set(), "HEX": set(), "IR:BITS[=HEX]": set()}
 OPERANDS = {"run": FILES, "check": FILES, "import": FILES, "serve": {"tcp:", "unix:"},
             "help": set(VERBS)}

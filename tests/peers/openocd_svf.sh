@@ -57,24 +57,29 @@ written "$scratch/calls.svf" --probe "$probe" examples/reset.ini
 grep -q 'warning: --svf: SVF has no word for NRST' "$scratch/run.log" || fail "no word of NRST"
 grep -qx '! NRST low, NRST high' "$scratch/calls.svf" || fail "no comment on NRST"
 
-# played SCRIPT OPTION...: prints the statements of a run and its status.
-played() {
+# verdict SCRIPT OPTION...: prints the status of a run.
+verdict() {
   local status=0
-  "$icehost" run -q --svf "$scratch/played.svf" "$@" >"$scratch/run.log" 2>&1 || status=$?
-  grep -v '^!' "$scratch/played.svf"
+  "$icehost" run -q "$@" >"$scratch/run.log" 2>&1 || status=$?
   echo "$status"
 }
 
-# There and back: the same scans, and the same verdict on every target.
-for script in examples/read_idcode.ini examples/scratch_register.ini examples/two_wire.ini; do
-  written "$scratch/played.svf" "$script"
-  "$icehost" import "$scratch/played.svf" -o "$scratch/back.ini" || fail "import of $script"
-  "$icehost" check --strict "$scratch/back.ini" >"$scratch/check.log" || fail "check of $script"
-  for options in "" "--idcode 2ce51001" "--idcode 1ce51003" "--register 2:31"; do
+# There and back, in both forms: the same scans, and the same verdict on every target. SVF has no
+# word for the NRST of reset.ini.
+for script in examples/*.ini examples/*.gpio; do
+  written "$scratch/there.svf" "$script"
+  for form in jtag gpio; do
+    "$icehost" import -q --script $form "$scratch/there.svf" -o "$scratch/$form" ||
+      fail "import of $script as $form"
+    "$icehost" check --strict "$scratch/$form" >"$scratch/check.log" || fail "check of $script"
+    [ "$script" = examples/reset.ini ] && continue
+    written "$scratch/back.svf" "$scratch/$form"
+    diff <(scans "$scratch/there.svf") <(scans "$scratch/back.svf") || fail "$script as $form"
+  done
+  for options in "" "--idcode=2ce51001" "--idcode=1ce51003" "--register=2:31"; do
     # shellcheck disable=SC2086
-    played "$script" $options >"$scratch/there.txt"
-    # shellcheck disable=SC2086
-    played "$scratch/back.ini" $options | diff "$scratch/there.txt" - ||
-      fail "$script there and back, $options"
+    verdicts=$(verdict "$scratch/jtag" $options; verdict "$scratch/gpio" $options
+      [[ $script == *[.]gpio || $script == */reset.ini ]] || verdict "$script" $options)
+    [ "$(uniq <<<"$verdicts" | wc -l)" = 1 ] || fail "verdicts on $script, $options: $verdicts"
   done
 done

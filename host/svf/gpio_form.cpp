@@ -1,0 +1,260 @@
+// An SVF file as a GPIO script: a line for each TCK edge.
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "host/svf/form.h"
+#include "host/system/interrupt.h"
+
+namespace icehost {
+namespace {
+
+constexpr long kMostPasses = 1000000000;  // of a REPT block
+constexpr double kMostCycles = 1e18;      // in a block of blocks
+constexpr std::size_t kBlockSize = std::string_view("REPT=2\nENDR\n").size();
+// What rounding may add to a time in TCK cycles.
+constexpr double kRounding = 1e-12;
+// A comment counts the bits of a scan about this often.
+constexpr std::size_t kBitsPerMark = 64;
+
+constexpr char kGpioHead[] = R"(# Imported by icehost from {}.
+# START and the lines after it reset the target and its TAP, which the file does not do. A comment
+# gives the line of each statement in the file.
+[ORVEX_ICE_GPIO]
+START
+GPIO_OE=0x1F
+NRST=1,TMS=1
+TRST=1
+REPT=5
+TCK=0
+TCK=1
+ENDR
+)";
+
+// The level that TDO must have, or nothing.
+using Expected = std::optional<bool>;
+
+class GpioForm : public SvfForm {
+ public:
+  GpioForm(Problems& problems, std::ostream* script, std::optional<double> tck_hz)
+      : SvfForm(problems, script), tck_hz_(tck_hz) {}
+
+  void Begin(const std::string& name) override;
+  void Scan(bool ir, const SvfShift& shift) override;
+  void EndState(bool ir, TapState state) override { (ir ? ir_end_ : dr_end_) = state; }
+  void State(const std::vector<TapState>& path) override;
+  void RunTest(const SvfRunTest& run) override;
+  void Trst(SvfTrst mode) override;
+  void Frequency(std::optional<double> hz) override;
+  void Pio() override { Refuse("a GPIO script has no pins but those of JTAG and NRST"); }
+  void End() override;
+
+ private:
+  void WriteLine(const std::string& more = "");
+  void Repeat(const std::string& first, const std::string& again, long times);
+  void Clock(bool tms, bool tdi, Expected tdo, long times);
+  void Clock(bool tms);
+  void Reset();
+  void MoveTo(TapState state);
+  void Follow(const std::vector<TapState>& path);
+  void Shift(const SvfShift& shift);
+  std::optional<double> TckHz() const { return tck_hz_.has_value() ? tck_hz_ : file_hz_; }
+  std::optional<long> CyclesOf(const SvfRunTest& run);
+  void NoteUnusedFrequency();
+
+  std::optional<double> tck_hz_;
+  std::optional<double> file_hz_;
+  std::optional<Place> unused_hz_;  // a FREQUENCY that no wait has needed
+  TapState ir_end_ = TapState::kRunTestIdle;
+  TapState dr_end_ = TapState::kRunTestIdle;
+  // As the script has them.
+  TapState tap_ = TapState::kTestLogicReset;
+  bool tms_ = true;
+  bool tdi_ = false;
+  bool trst_low_ = false;
+};
+
+void GpioForm::Begin(const std::string& name) {
+  Write(fmt::format(kGpioHead, SvfNameInComment(name)));
+}
+
+void GpioForm::WriteLine(const std::string& more) {
+  Write(fmt::format("# line {}: {}{}\n", At().line, Keyword(), more));
+}
+
+// Writes the lines of one TCK cycle or more. `again` is `first` without what need not be set again.
+void GpioForm::Repeat(const std::string& first, const std::string& again, long times) {
+  if (times == 1 || (times == 2 && again.size() <= kBlockSize)) {
+    Write(first);
+    if (times == 2) Write(again);
+  } else if (times <= kMostPasses) {
+    Write(fmt::format("REPT={}\n{}ENDR\n", times, first));
+  } else {
+    Write(fmt::format("REPT={}\nREPT={}\n{}ENDR\nENDR\n", times / kMostPasses, kMostPasses, first));
+    if (times % kMostPasses > 0) Repeat(again, again, times % kMostPasses);
+  }
+}
+
+// While TCK is low, TMS and TDI are set up and TDO is read: the target reads them on the rising
+// edge and changes TDO on the falling one.
+void GpioForm::Clock(bool tms, bool tdi, Expected tdo, long times) {
+  std::string low = "TCK=0";
+  if (std::exchange(tms_, tms) != tms) low += tms ? ",TMS=1" : ",TMS=0";
+  if (std::exchange(tdi_, tdi) != tdi) low += tdi ? ",TDI=1" : ",TDI=0";
+  std::string high = "\n";
+  if (tdo.has_value()) high += fmt::format("PRINT=GPIO_IN # expect TDO={:d}\n", *tdo);
+  high += "TCK=1\n";
+  Repeat(low + high, "TCK=0" + high, times);
+  if (!trst_low_) tap_ = NextTapState(tap_, tms);
+}
+
+// What a path of STATE shifts is not in the file: zeros.
+void GpioForm::Clock(bool tms) {
+  const bool shifts = tap_ == TapState::kShiftDr || tap_ == TapState::kShiftIr;
+  Clock(tms, tdi_ && !shifts, std::nullopt, 1);
+}
+
+void GpioForm::Reset() {
+  Clock(true, tdi_, std::nullopt, kTapResetEdges);
+  tap_ = TapState::kTestLogicReset;
+}
+
+void GpioForm::MoveTo(TapState state) {
+  while (tap_ != state && !trst_low_) Clock(TmsTowards(tap_, state));
+}
+
+void GpioForm::Follow(const std::vector<TapState>& path) {
+  for (const TapState state : path) {
+    const bool tms = NextTapState(tap_, true) == state;
+    if (state == TapState::kTestLogicReset) {
+      Reset();
+    } else if (tms || NextTapState(tap_, false) == state) {
+      Clock(tms);
+    } else {
+      return Refuse(
+          fmt::format("no TCK edge leads from {} to {}", SvfStateName(tap_), SvfStateName(state)));
+    }
+  }
+}
+
+void GpioForm::State(const std::vector<TapState>& path) {
+  WriteLine();
+  const TapState last = path.back();
+  if (trst_low_) {
+    if (last == TapState::kTestLogicReset) return;
+    return problems_.Note(At(), "TRST is on: the TAP stays in Test-Logic-Reset");
+  }
+  if (path.size() > 1 || last == TapState::kTestLogicReset) return Follow(path);
+  // From a Pause state to itself, the TAP updates and captures.
+  if (last != tap_) return MoveTo(last);
+  Clock(last != TapState::kRunTestIdle);
+  if (last == TapState::kRunTestIdle) return;
+  Clock(true);
+  MoveTo(last);
+}
+
+void GpioForm::Scan(bool ir, const SvfShift& shift) {
+  WriteLine();
+  if (trst_low_) return Refuse("TRST is on, and holds the TAP in Test-Logic-Reset");
+  MoveTo(ir ? TapState::kShiftIr : TapState::kShiftDr);
+  Shift(shift);
+  MoveTo(ir ? ir_end_ : dr_end_);
+}
+
+void GpioForm::Shift(const SvfShift& shift) {
+  const std::size_t last = shift.tdi.size() - 1;
+  const auto expected = [&](std::size_t bit) {
+    return shift.mask[bit] ? Expected(shift.tdo[bit]) : std::nullopt;
+  };
+  std::size_t mark = kBitsPerMark;
+  for (std::size_t bit = 0; bit < last;) {
+    ThrowIfInterrupted();
+    const bool tdi = shift.tdi[bit];
+    const Expected tdo = expected(bit);
+    if (tdo.has_value() && bit >= mark) {
+      Write(fmt::format("# bit {}\n", bit));
+      mark = bit + kBitsPerMark;
+    }
+    const std::size_t first = bit;
+    while (bit < last && shift.tdi[bit] == tdi && expected(bit) == tdo) ++bit;
+    Clock(false, tdi, tdo, static_cast<long>(bit - first));
+  }
+  Clock(true, shift.tdi[last], expected(last), 1);
+}
+
+// Returns how many TCK cycles the wait takes, or nothing where it cannot be kept.
+std::optional<long> GpioForm::CyclesOf(const SvfRunTest& run) {
+  const auto hz = TckHz();
+  double cycles = std::ceil(run.cycles);
+  if (run.seconds > 0 || run.most_seconds.has_value()) unused_hz_.reset();
+  if (run.seconds > 0) {
+    if (!hz.has_value()) {
+      Refuse("a wait in seconds needs the rate of TCK, and no FREQUENCY is in force: --tck-hz N");
+      return std::nullopt;
+    }
+    cycles = std::max(cycles, std::ceil(run.seconds * *hz * (1 - kRounding)));
+  }
+  if (cycles > kMostCycles) {
+    Refuse(fmt::format("a script waits for up to {} TCK cycles", kMostCycles));
+    return std::nullopt;
+  }
+  if (run.most_seconds.has_value() && hz.has_value() && cycles > *run.most_seconds * *hz + 1) {
+    Refuse(fmt::format("{} TCK cycles take longer than the maximum at {} Hz", cycles, *hz));
+    return std::nullopt;
+  }
+  return static_cast<long>(cycles);
+}
+
+void GpioForm::RunTest(const SvfRunTest& run) {
+  const auto cycles = CyclesOf(run);
+  if (!cycles.has_value()) return;
+  WriteLine(run.seconds > 0 ? fmt::format(", right for TCK of up to {} Hz", *TckHz()) : "");
+  MoveTo(run.state);
+  const bool tms = tap_ == TapState::kTestLogicReset;
+  if (*cycles > 0) Clock(tms, tdi_, std::nullopt, *cycles);
+  MoveTo(run.end);
+}
+
+// TMS is high while TRST changes, as IEEE 1149.1 asks for.
+void GpioForm::Trst(SvfTrst mode) {
+  if (mode == SvfTrst::kAbsent) return;
+  if (mode == SvfTrst::kZ) {
+    problems_.Note(At(), "the script drives TRST high: not every probe can release it");
+  }
+  WriteLine();
+  tms_ = true;
+  trst_low_ = mode == SvfTrst::kOn;
+  if (trst_low_) tap_ = TapState::kTestLogicReset;
+  Write(trst_low_ ? "TRST=0,TMS=1\n" : "TRST=1,TMS=1\n");
+}
+
+void GpioForm::Frequency(std::optional<double> hz) {
+  NoteUnusedFrequency();
+  file_hz_ = hz;
+  if (hz.has_value()) unused_hz_ = At();
+}
+
+void GpioForm::NoteUnusedFrequency() {
+  const auto place = std::exchange(unused_hz_, std::nullopt);
+  if (place.has_value()) problems_.Note(*place, kUnusedFrequency);
+}
+
+void GpioForm::End() {
+  NoteUnusedFrequency();
+  Write("TCK=0,END\n");
+}
+
+}  // namespace
+
+std::unique_ptr<SvfForm> MakeGpioForm(Problems& problems, std::ostream* script,
+                                      std::optional<double> tck_hz) {
+  return std::make_unique<GpioForm>(problems, script, tck_hz);
+}
+
+}  // namespace icehost

@@ -1,0 +1,283 @@
+// An SVF file as a JTAG script: a section for each pair of an IR scan and a DR scan.
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "base/text.h"
+#include "entry/icescript.h"
+#include "host/check/plan.h"
+#include "host/svf/form.h"
+#include "host/system/text.h"
+
+namespace icehost {
+namespace {
+
+constexpr std::size_t kMostBits = std::size_t{8} * JTAG_DR_MAX_BYTES;
+static_assert(JTAG_IR_MAX_BYTES == JTAG_DR_MAX_BYTES);
+
+// A JTAG script cannot wait. A probe spends this much time from one scan to the next anyway, so
+// that it may be left out.
+constexpr double kMostIdleCycles = 16;
+constexpr double kMostIdleSeconds = 1e-5;
+
+constexpr const char* kWait =
+    "a JTAG script cannot wait: it leaves out up to 16 TCK cycles and 10 us between two scans";
+
+constexpr const char* kEndState =
+    "a JTAG script's scans end in Run-Test/Idle, and the next one begins there";
+
+constexpr char kJtagHead[] =
+    R"(# Imported by icehost from {}. A section is named after the line of its
+# scan there.
+
+)";
+
+class JtagForm : public SvfForm {
+ public:
+  using SvfForm::SvfForm;
+
+  void Begin(const std::string& name) override;
+  void Scan(bool ir, const SvfShift& shift) override;
+  void EndState(bool ir, TapState state) override;
+  void State(const std::vector<TapState>& path) override;
+  void RunTest(const SvfRunTest& run) override;
+  void Trst(SvfTrst mode) override;
+  void Frequency(std::optional<double> hz) override;
+  void Pio() override { Refuse("a JTAG script has no pins but those of the TAP"); }
+  void End() override;
+
+ private:
+  struct IrScan {
+    int line;
+    SvfShift shift;
+  };
+
+  void ReportGap();
+  bool CanScan(const SvfShift& shift);
+  void ScanDr(const SvfShift& shift);
+  void EndScan(TapState end);
+  void WriteIr();
+  void EndWithoutScan();
+  // Shifts nothing through a register whose shift is empty.
+  void Section(int line, const SvfShift& ir, const SvfShift& dr);
+  void Expect(const char* value_key, const char* mask_key, const SvfShift& shift);
+  void Idle(double cycles, double seconds);
+  void Reset();
+  void Comment(const std::string& text) { Write(fmt::format("# {}\n", text)); }
+  void LeaveOut(const char* why);
+
+  int last_line_ = 0;             // the line of the last section
+  long on_line_ = 0;              // sections of that line so far
+  std::optional<IrScan> new_ir_;  // not in a section yet
+  bool has_ir_ = false;           // a section has loaded an instruction that is in force
+  bool scanned_ = false;
+  bool resets_ = false;  // before the first scan
+  bool trst_on_ = false;
+  TapState ir_end_ = TapState::kRunTestIdle;
+  TapState dr_end_ = TapState::kRunTestIdle;
+  // Since the last scan:
+  double idle_cycles_ = 0;
+  double idle_seconds_ = 0;
+  std::optional<Place> wait_;   // where it became too long
+  std::optional<Place> reset_;  // of the TAP
+  std::optional<Place>
+      pause_;  // the scan, if the TAP is still in the Pause state in which it ended
+
+  std::optional<Place> bare_;  // the first DR scan without an instruction
+};
+
+void JtagForm::Begin(const std::string& name) {
+  Write(fmt::format(kJtagHead, SvfNameInComment(name)));
+}
+
+void JtagForm::Scan(bool ir, const SvfShift& shift) {
+  if (ir) WriteIr();
+  ReportGap();
+  scanned_ = true;
+  if (!CanScan(shift)) return;
+  EndScan(ir ? ir_end_ : dr_end_);
+  if (!ir) return ScanDr(shift);
+  if (shift.Compares() && shift.tdi.size() > kMostCapturedIrBits) {
+    return Refuse(
+        fmt::format("a JTAG script compares a captured IR of up to {} bits", kMostCapturedIrBits));
+  }
+  new_ir_ = {At().line, shift};
+}
+
+// Reports what came since the last scan and would change what the target sees.
+void JtagForm::ReportGap() {
+  const auto report = [this](std::optional<Place>& place, const char* why) {
+    if (place.has_value()) problems_.Error(*place, why);
+    place.reset();
+  };
+  if (wait_.has_value() && !scanned_) {
+    problems_.Note(*wait_, "left out: it comes before any scan");
+    wait_.reset();
+  }
+  report(wait_, kWait);
+  report(reset_, "a JTAG script cannot reset the TAP between scans: split the file here");
+  report(pause_, kEndState);
+  idle_cycles_ = idle_seconds_ = 0;
+}
+
+// Returns whether a script can have the scan, else reports why not.
+bool JtagForm::CanScan(const SvfShift& shift) {
+  if (trst_on_) {
+    Refuse("TRST is on, and holds the TAP in Test-Logic-Reset");
+  } else if (shift.tdi.size() > kMostBits) {
+    Refuse(fmt::format(
+        "a JTAG script's register has at most {} bits, headers and trailers included", kMostBits));
+  } else {
+    return true;
+  }
+  return false;
+}
+
+void JtagForm::ScanDr(const SvfShift& shift) {
+  const int line = At().line;
+  if (new_ir_.has_value()) {
+    Section(line, std::exchange(new_ir_, std::nullopt)->shift, shift);
+    has_ir_ = true;
+    return;
+  }
+  if (!has_ir_ && !bare_.has_value()) bare_ = At();
+  Section(line, {}, shift);
+}
+
+// Writes an instruction that no DR scan follows.
+void JtagForm::WriteIr() {
+  if (!new_ir_.has_value()) return;
+  Comment("no DR scan: the instruction alone");
+  Section(new_ir_->line, new_ir_->shift, {});
+  new_ir_.reset();
+  has_ir_ = true;
+}
+
+void JtagForm::EndState(bool ir, TapState state) {
+  const TapState other_pause = ir ? TapState::kPauseDr : TapState::kPauseIr;
+  if (state == other_pause) return Refuse(kEndState);
+  (ir ? ir_end_ : dr_end_) = state;
+  LeaveOut("every scan of a script ends in Run-Test/Idle");
+}
+
+// A Pause state makes no difference where the TAP goes on to Run-Test/Idle.
+void JtagForm::EndScan(TapState end) {
+  if (end == TapState::kTestLogicReset) {
+    reset_ = At();
+  } else if (end != TapState::kRunTestIdle) {
+    pause_ = At();
+  }
+}
+
+void JtagForm::State(const std::vector<TapState>& path) {
+  Idle(static_cast<double>(path.size()), 0);
+  bool resets = false;
+  for (const TapState state : path) {
+    const bool reset = state == TapState::kTestLogicReset;
+    resets = resets || reset;
+    if (reset || state == TapState::kRunTestIdle) continue;
+    return Refuse(fmt::format("a JTAG script cannot bring the TAP to {}", SvfStateName(state)));
+  }
+  if (resets) return Reset();
+  LeaveOut("every scan of a script ends there");
+}
+
+void JtagForm::RunTest(const SvfRunTest& run) {
+  const auto is_either = [&](TapState state) { return run.state == state || run.end == state; };
+  if (is_either(TapState::kPauseDr) || is_either(TapState::kPauseIr)) {
+    return Refuse("a JTAG script cannot stay in a Pause state");
+  }
+  const bool in_reset = trst_on_ || run.state == TapState::kTestLogicReset;
+  if (in_reset && run.cycles > kMostIdleCycles) {
+    problems_.Note(At(), "left out: TCK cycles in Test-Logic-Reset do nothing");
+  }
+  Idle(in_reset ? 0 : run.cycles, run.seconds);
+  if (is_either(TapState::kTestLogicReset)) return Reset();
+  LeaveOut("a stay in Run-Test/Idle");
+}
+
+void JtagForm::Trst(SvfTrst mode) {
+  trst_on_ = mode == SvfTrst::kOn;
+  if (trst_on_) return Reset();
+  LeaveOut("the probe holds it off");
+}
+
+void JtagForm::Frequency(std::optional<double> hz) {
+  if (hz.has_value()) problems_.Note(At(), kUnusedFrequency);
+  LeaveOut("the probe has its own");
+}
+
+// The TAP comes to Run-Test/Idle or is reset. Adds up the time since the last scan.
+void JtagForm::Idle(double cycles, double seconds) {
+  pause_.reset();
+  idle_cycles_ += cycles;
+  idle_seconds_ += seconds;
+  const bool is_long = idle_cycles_ > kMostIdleCycles || idle_seconds_ > kMostIdleSeconds;
+  if (is_long && !wait_.has_value()) wait_ = At();
+}
+
+void JtagForm::Reset() {
+  WriteIr();
+  has_ir_ = false;
+  if (scanned_ && !reset_.has_value()) reset_ = At();
+  if (!scanned_ && !std::exchange(resets_, true)) Comment("reset TAP");
+  LeaveOut(scanned_ ? "no scan follows" : "icehost does it before the first scan");
+}
+
+void JtagForm::LeaveOut(const char* why) {
+  Comment(fmt::format("line {}: {} left out: {}", At().line, Keyword(), why));
+}
+
+void JtagForm::End() {
+  WriteIr();
+  if (problems_.HasErrors()) return;
+  if (!scanned_) EndWithoutScan();
+  if (bare_.has_value()) {
+    problems_.Warn(*bare_,
+                   "no SIR before: this scans what the instruction before the file selects, or a "
+                   "TAP reset: icehost resets the TAP, a debug server may not");
+  }
+  if (wait_.has_value()) problems_.Note(*wait_, "left out: no scan follows it");
+  if (reset_.has_value()) {
+    problems_.Warn(*reset_,
+                   "left out: a JTAG script cannot reset the TAP after its scans; the last "
+                   "instruction stays");
+  }
+}
+
+// A section that shifts nothing resets the TAP too.
+void JtagForm::EndWithoutScan() {
+  if (resets_) return Section(At().line, {}, {});
+  problems_.Error({1, 1}, "the file scans nothing: it has no SIR and no SDR");
+}
+
+void JtagForm::Section(int line, const SvfShift& ir, const SvfShift& dr) {
+  on_line_ = line == last_line_ ? on_line_ + 1 : 1;
+  last_line_ = line;
+  if (ir.tdi.empty()) Comment("no IR scan: the instruction stays");
+  Write(fmt::format("[LINE_{}{}]\nIR={},{}\nDR={},{},{}\n", line,
+                    on_line_ > 1 ? fmt::format("_{}", on_line_) : "", ir.tdi.size(),
+                    ByteList(ir.tdi), dr.Compares() ? 'R' : 'W', dr.tdi.size(), ByteList(dr.tdi)));
+  Expect("IR_TDO", "IR_MASK", ir);
+  Expect("TDO", "MASK", dr);
+  Write("\n");
+}
+
+void JtagForm::Expect(const char* value_key, const char* mask_key, const SvfShift& shift) {
+  if (!shift.Compares()) return;
+  Write(fmt::format("{}={}\n", value_key, ByteList(shift.tdo)));
+  if (std::find(shift.mask.begin(), shift.mask.end(), false) == shift.mask.end()) return;
+  Write(fmt::format("{}={}\n", mask_key, ByteList(shift.mask)));
+}
+
+}  // namespace
+
+std::unique_ptr<SvfForm> MakeJtagForm(Problems& problems, std::ostream* script) {
+  return std::make_unique<JtagForm>(problems, script);
+}
+
+}  // namespace icehost
