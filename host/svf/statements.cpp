@@ -23,8 +23,9 @@ bool IsComment(std::string_view text) {
   return text.substr(0, 1) == "!" || text.substr(0, 2) == "//";
 }
 
+// DOS ends a text file with a control-Z.
 bool IsBlank(char ch) {
-  return ch == ' ' || (ch >= '\t' && ch <= '\r');
+  return ch == ' ' || (ch >= '\t' && ch <= '\r') || ch == '\x1A';
 }
 
 bool EndsWord(std::string_view text) {

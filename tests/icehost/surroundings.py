@@ -225,6 +225,16 @@ def check_ignored_signals():
     expect("ends", process.wait(20), 130)
 
 
+def check_half_a_script():
+    """A signal leaves nothing of a script that is not complete."""
+    write("long.svf", "SDR 64 TDI (5555555555555555);\n" * 20000)
+    process = start("icehost", "import", "--script", "gpio", "long.svf", "-o", "half.gpio")
+    while process.poll() is None and not (os.path.exists("half.gpio") and read("half.gpio")):
+        time.sleep(0.01)
+    process.send_signal(signal.SIGINT)
+    expect("half a script", (process.wait(20), read("half.gpio")), (130, ""))
+
+
 def check_terminal():
     """A terminal shows progress, which leaves nothing there, and takes no text for a command."""
     terminal = ["timeout", "-k", "1", "30", "script", "/dev/null", "-qec"]
@@ -246,5 +256,5 @@ def check_terminal():
 
 
 run_checks(check_commands, *([] if SANITIZED else [check_lacks, check_memory]),
-           check_size_limit, check_old_files, check_shared_files, check_signals, check_ignored_signals,
-           check_terminal)
+           check_size_limit, check_old_files, check_shared_files, check_signals,
+           check_ignored_signals, check_half_a_script, check_terminal)
