@@ -7,7 +7,8 @@
 #include <utility>
 
 #include "entry/icescript.h"
-#include "host/probe/pin_probe.h"
+#include "host/chain/chain.h"
+#include "host/chain/chain_reader.h"
 #include "host/system/errors.h"
 
 namespace icehost {
@@ -22,8 +23,14 @@ std::string RegisterBytes(const std::uint8_t* bytes, int bits) {
 }  // namespace
 
 ObservedProbe::ObservedProbe(const ProbeOptions& options, int wire_mode, bool record_steps,
-                             Follower& follower, RunEvents& events, Rescue& rescue)
-    : follower_(follower), events_(events), rescue_(rescue) {
+                             bool confirms_chain, Follower& follower, RunEvents& events,
+                             Rescue& rescue)
+    : place_(options.place),
+      measures_place_(options.measures_place),
+      confirms_chain_(confirms_chain),
+      follower_(follower),
+      events_(events),
+      rescue_(rescue) {
   const ProbeKind& kind = *options.kind;
   if (!kind.ShowsPins()) {
     probe_ = kind.open_scans(options);
@@ -35,7 +42,9 @@ ObservedProbe::ObservedProbe(const ProbeOptions& options, int wire_mode, bool re
     recording_ = std::make_unique<RecordingPort>(*port_, std::vector<StepRecorder*>{&events});
     top = recording_.get();
   }
-  probe_ = std::make_unique<PinProbe>(*top, wire_mode, kind.two_wire);
+  auto pins = std::make_unique<PinProbe>(*top, wire_mode, kind.two_wire, place_);
+  pins_ = pins.get();
+  probe_ = std::move(pins);
 }
 
 void ObservedProbe::Begin(const char* function, bool begins_operation) {
@@ -106,6 +115,7 @@ int ObservedProbe::Execute(std::uint8_t* capture) {
   const Rescue::Scope working(rescue_, Rescue::State::kWorking);
   Begin("link_jtag_execute", true);
   int result = Guard([&] {
+    FindPlace();
     const int executed = probe_->Execute(capture);
     const std::string doubt = probe_->Doubt();
     if (!doubt.empty()) events_.Doubt(doubt);
@@ -114,10 +124,29 @@ int ObservedProbe::Execute(std::uint8_t* capture) {
   std::vector<Comparison> comparisons;
   if (result == 0) {
     KeepCaptured(capture);
+    scan_.chain = probe_->WholeChain();
     if (!follower_.CompareScan(scan_, comparisons)) result = -1;
   }
   End(ExecuteCall{&scan_}, result, std::move(comparisons));
   return result;
+}
+
+// Before the first scan: finds the place of the TAP, or confirms it, and reports it.
+void ObservedProbe::FindPlace() {
+  if (found_place_ || pins_ == nullptr) return;
+  if (measures_place_ || (confirms_chain_ && wire_mode_ != CDI_ANSWER_2WIRE)) {
+    const Chain chain =
+        ReadChain(recording_ != nullptr ? static_cast<PinPort&>(*recording_) : *port_);
+    pins_->ResetTapBeforeScan();
+    if (measures_place_) {
+      place_ = PlaceIn(chain, place_.tap);
+      pins_->SetPlace(place_);
+    } else {
+      ConfirmPlace(chain, place_, scan_.ir.bits);
+    }
+  }
+  found_place_ = true;
+  if (place_.ir_lengths.size() > 1) events_.SetPlace(place_, measures_place_);
 }
 
 void ObservedProbe::KeepCaptured(const std::uint8_t* capture) {

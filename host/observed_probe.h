@@ -10,6 +10,7 @@
 #include "host/events/follower.h"
 #include "host/pins/recording_port.h"
 #include "host/probe/pin_port.h"
+#include "host/probe/pin_probe.h"
 #include "host/probe/probe.h"
 #include "host/run_events.h"
 #include "host/system/interrupt.h"
@@ -29,9 +30,10 @@ class ObservedProbe : public Probe {
  public:
   // Opens the probe, connecting to it if it is across a network; throws IoError. `wire_mode` is the
   // CDI_ANSWER_ in force at the start. The steps of its pins go to `events` if `record_steps`. All
-  // references must stay valid.
-  ObservedProbe(const ProbeOptions& options, int wire_mode, bool record_steps, Follower& follower,
-                RunEvents& events, Rescue& rescue);
+  // references must stay valid. With `confirms_chain`, the first scan on pins fails if the chain is
+  // not as the options or the script say.
+  ObservedProbe(const ProbeOptions& options, int wire_mode, bool record_steps, bool confirms_chain,
+                Follower& follower, RunEvents& events, Rescue& rescue);
 
   int Config(int code, int value) override;
   int Reset(int kind) override;
@@ -50,10 +52,16 @@ class ObservedProbe : public Probe {
   int Guard(Ask ask);
   void End(const HostCall& call, int result, std::vector<Comparison> comparisons = {});
   void KeepCaptured(const std::uint8_t* capture);
+  void FindPlace();
 
   std::unique_ptr<PinPort> port_;             // null if the probe shows no pins
   std::unique_ptr<RecordingPort> recording_;  // null if nothing records them
   std::unique_ptr<Probe> probe_;
+  PinProbe* pins_ = nullptr;  // the probe, if it shows pins
+  ChainPlace place_;
+  bool measures_place_ = false;
+  bool confirms_chain_ = false;
+  bool found_place_ = false;  // as far as the options ask for it
   Follower& follower_;
   RunEvents& events_;
   Rescue& rescue_;

@@ -94,6 +94,7 @@ class Runner {
   ExitStatus PlayOne(Script& script);
   void EndScript(const std::string& name, ExitStatus status);
   void RequestReset(const Script& script);
+  void WarnOfTap(const Script& script);
   // Whether the plug-in ran it to its end.
   bool Play(Script& script);
   bool RunPlugin(const std::string& path);
@@ -166,8 +167,8 @@ Runner::Runner(const RunCommand& command)
       console_(ConsoleOptions(command), rescue_),
       events_(outputs_, console_, command.strict),
       follower_(ModeOf(command)),
-      probe_(command.probe, command.wire_mode, !outputs_.recorders.empty(), follower_, events_,
-             rescue_),
+      probe_(command.probe, command.wire_mode, !outputs_.recorders.empty(), command.strict,
+             follower_, events_, rescue_),
       rescue_(Rescue::State::kWorking, [this] { Abandon(); }) {
   running = this;
   if (std::atexit(OnExit) != 0 || std::at_quick_exit(OnExit) != 0) throw IoError("out of memory");
@@ -231,6 +232,9 @@ ExitStatus Runner::PlayOne(Script& script) {
   } catch (const IoError& error) {
     events_.Fail(error.what());
     return kNotOpened;
+  } catch (const Unsupported& error) {
+    events_.Say(fmt::format("{}: {}", script.path, error.what()));
+    return kScriptFailed;
   } catch (const PluginThrew& error) {
     events_.Say(fmt::format("{}: the plug-in threw an exception{}", script.path, error.what()));
     return kScriptFailed;
@@ -246,7 +250,15 @@ void Runner::RequestReset(const Script& script) {
   events_.Remark(fmt::format("{}: # reset TAP is skipped: the probe shows no pins", script.path));
 }
 
+// A GPIO script drives the pins itself.
+void Runner::WarnOfTap(const Script& script) {
+  const ProbeOptions& probe = command_.probe;
+  if (script.plan.pins.empty() || (probe.place.ir_lengths.empty() && !probe.measures_place)) return;
+  events_.Doubt("--tap does not change a GPIO script, which drives the pins of the whole chain");
+}
+
 bool Runner::Play(Script& script) {
+  WarnOfTap(script);
   if (script.plan.resets_tap) RequestReset(script);
   const MemoryFile copy(script.text->Content());
   // A long script need not be there twice.

@@ -27,6 +27,13 @@ void RunEvents::RequestReset() {
   for (EventListener* const listener : outputs_.listeners) listener->OnResetRequest();
 }
 
+void RunEvents::SetPlace(const ChainPlace& place, bool measured) {
+  for (EventListener* const listener : outputs_.listeners) listener->OnPlace(place);
+  if (!measured) return;
+  Remark(fmt::format("measured: --chain {} --tap {}", fmt::join(place.ir_lengths, ","),
+                     place.tap + 1));
+}
+
 void RunEvents::EndScript(bool ran) {
   in_script_ = false;
   for (EventListener* const listener : outputs_.listeners) listener->OnScriptEnd(ran);

@@ -31,6 +31,8 @@ class RunEvents : public StepRecorder {
   void BeginScript(const RunScript& script, const std::vector<SourceMark>& marks);
   // The script under way asks for a TAP reset, which the probe does.
   void RequestReset();
+  // Scripts address the TAP at this place; `measured`: it was read from the chain.
+  void SetPlace(const ChainPlace& place, bool measured);
   void EndScript(bool ran);
   // Ends the script under way, if there is one, and reports why, for a main thread that is stuck.
   // Leaves the console's standard output alone: the main thread may hold it.

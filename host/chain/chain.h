@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "host/target/chain_place.h"
+
 namespace icehost {
 
 struct ChainTap {
@@ -28,9 +30,6 @@ struct Chain {
   std::vector<std::string> faults;
 };
 
-// No chain is longer than this.
-constexpr int kMostTaps = 64;
-
 constexpr int kIdcodeBits = 32;
 
 // The manufacturer in an IDCODE, as JEP106 numbers it: a code in a bank, both counted from 1.
@@ -49,6 +48,13 @@ void JudgeIdcodes(Chain& chain);
 std::string TapTitle(const Chain& chain, std::size_t i);
 // Returns "1 TAP", "2 TAPs".
 std::string CountedTaps(std::size_t taps);
+
+// Returns the place of a TAP in a chain that was read; `tap` counts from 0. Throws Unsupported if
+// the chain is not sound, has no such TAP, or leaves an IR length open.
+ChainPlace PlaceIn(const Chain& chain, std::size_t tap);
+// Throws Unsupported unless the chain that was read is the one of `place`. If that has no lengths,
+// its IR must be as long as that of the script, or the script's scan without one (0).
+void ConfirmPlace(const Chain& chain, const ChainPlace& place, int script_ir_bits);
 
 // Returns a report for people: the TAPs and notes, a line for each, without its faults. `where`
 // names the probe. The text is printable.

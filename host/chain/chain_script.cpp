@@ -66,6 +66,7 @@ class Script {
   std::size_t IrBits() const;
   std::string BypassSection() const;
   std::string IdcodeSection(std::size_t i) const;
+  std::string OptionsComment() const;
 
   const Chain& chain_;
   std::optional<std::size_t> only_;
@@ -113,6 +114,14 @@ std::string Script::IdcodeSection(std::size_t i) const {
                      {place(idcode), place(kIdcodeWithoutVersion)});
 }
 
+// With these options a script is for one TAP, as if that were alone.
+std::string Script::OptionsComment() const {
+  std::vector<int> lengths;
+  for (const ChainTap& tap : chain_.taps) lengths.push_back(*tap.ir_bits);
+  return fmt::format("\n# A script for TAP N alone: icehost run --chain {} --tap N\n",
+                     fmt::join(lengths, ","));
+}
+
 std::string Script::Text() const {
   if (chain_.taps.size() > kMostTaps) throw Unsupported("no JTAG script: more than 64 TAPs");
   if (IrBits() > kLongestScriptIr) {
@@ -124,6 +133,7 @@ std::string Script::Text() const {
   if (!std::all_of(chain_.taps.begin(), chain_.taps.end(), is_known)) {
     return text + "\n# Which bits of the IR belong to which TAP could not be told.\n";
   }
+  if (!only_.has_value() && chain_.taps.size() > 1) text += OptionsComment();
   for (std::size_t i = 0; i < chain_.taps.size(); ++i) {
     if (Reaches(i) && chain_.taps[i].idcode.has_value()) text += IdcodeSection(i);
   }

@@ -44,7 +44,7 @@ _icehost_value() {
     --wire) _icehost_offer jtag5 2wire cjtag2 ;;
     --script) _icehost_offer jtag gpio ;;
     --size-limit | --timeout | --ir-length | --idcode | --idcode-instruction \
-      | --register | --idle-limit | --tck-hz) _icehost_offer ;;
+      | --register | --idle-limit | --tck-hz | --chain | --tap) _icehost_offer ;;
     *) return 1 ;;
   esac
 }
@@ -62,7 +62,7 @@ _icehost_operand() {
 
 _icehost() {
   local words option='' tail=$2 verb='' at=1 options='-h --help -q --quiet'
-  local target='--ir-length --idcode --idcode-instruction --register'
+  local target='--chain --tap --ir-length --idcode --idcode-instruction --register'
   _icehost_words
   local cur=${words[-1]} last=$((${#words[@]} - 1))
   while ((at < last)) && [[ ${words[at]} == -* ]]; do ((++at)); done

@@ -30,6 +30,14 @@ Field Bytes(const char* name, const std::string& bytes) {
   return {name, Field::Kind::kBytes, 0, ByteText(bytes)};
 }
 
+// What a scan shifts through the whole chain, if it shifts anything.
+void AppendWhole(const char* in_name, const Bits& in, const char* out_name, const Bits& out,
+                 CallFields& fields) {
+  if (in.empty()) return;
+  fields.outputs.push_back({in_name, Field::Kind::kBytes, 0, BitText(in)});
+  fields.outputs.push_back({out_name, Field::Kind::kBytes, 0, BitText(out)});
+}
+
 CallFields Fields(const ConfigCall& call) {
   const bool query = call.code == LINK_CONFIG_GET_CDI;
   return {{Number("code", Field::Kind::kCode, call.code),
@@ -52,6 +60,10 @@ CallFields Fields(const ExecuteCall& call) {
   CallFields fields;
   if (call.scan->ir.out.has_value()) fields.outputs.push_back(Bytes("ir_out", *call.scan->ir.out));
   if (call.scan->dr.out.has_value()) fields.outputs.push_back(Bytes("dr_out", *call.scan->dr.out));
+  if (const ChainScan* const chain = call.scan->chain; chain != nullptr) {
+    AppendWhole("chain_ir", chain->ir_in, "chain_ir_out", chain->ir_out, fields);
+    AppendWhole("chain_dr", chain->dr_in, "chain_dr_out", chain->dr_out, fields);
+  }
   return fields;
 }
 

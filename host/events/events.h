@@ -9,6 +9,8 @@
 #include <variant>
 #include <vector>
 
+#include "host/target/chain_place.h"
+
 namespace icehost {
 
 // Where in its script a host call comes from.
@@ -52,7 +54,8 @@ struct ScanRegister {
 struct Scan {
   ScanRegister ir;
   ScanRegister dr;
-  int wires = 0;  // a CDI_ANSWER_
+  int wires = 0;                     // a CDI_ANSWER_
+  const ChainScan* chain = nullptr;  // null unless the TAP is in a chain
 };
 
 // The host calls, with their answers: one type for each link_ function (entry/icescript.h).
@@ -106,6 +109,8 @@ class EventListener {
   virtual void OnScript(const std::string& /*path*/) {}
   // The script that has just begun asks for a TAP reset, which its first scan begins with.
   virtual void OnResetRequest() {}
+  // Scripts address the TAP at this place in a chain of several. Comes before the first scan.
+  virtual void OnPlace(const ChainPlace& /*place*/) {}
   // The text of the script that begins next, and what `check` finds in it.
   virtual void OnSource(std::string_view /*name*/, std::string_view /*content*/,
                         const std::vector<SourceMark>& /*marks*/) {}

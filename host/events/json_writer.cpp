@@ -100,6 +100,7 @@ class JsonWriter : public Output, public EventListener {
   // The line that says what follows.
   void Begin() override;
   void OnScript(const std::string& path) override;
+  void OnPlace(const ChainPlace& place) override;
   void OnResetRequest() override { stream_ << "{\"request\":\"reset TAP\"}\n"; }
   void OnCall(const CallEvent& call) override;
   void OnMessage(const char* text) override;
@@ -119,6 +120,11 @@ void JsonWriter::Begin() {
 
 void JsonWriter::OnScript(const std::string& path) {
   WriteText("script", path);
+}
+
+void JsonWriter::OnPlace(const ChainPlace& place) {
+  stream_ << fmt::format("{{\"chain\":[{}],\"tap\":{}}}\n", fmt::join(place.ir_lengths, ","),
+                         place.tap + 1);
 }
 
 // Put together by hand: a long run has millions of them.

@@ -35,6 +35,7 @@ class TraceWriter : public Output, public EventListener {
   // `stream` must outlive the writer.
   explicit TraceWriter(std::ostream& stream) : stream_(stream) {}
   void OnScript(const std::string& path) override;
+  void OnPlace(const ChainPlace& place) override;
   void OnResetRequest() override { stream_ << "# reset TAP\n"; }
   void OnCall(const CallEvent& call) override;
   void OnScriptEnd(bool ran) override;
@@ -48,6 +49,11 @@ class TraceWriter : public Output, public EventListener {
 void TraceWriter::OnScript(const std::string& path) {
   path_ = Printable(path);
   stream_ << "# " << path_ << '\n';
+}
+
+void TraceWriter::OnPlace(const ChainPlace& place) {
+  stream_ << fmt::format("# --chain {} --tap {}\n", fmt::join(place.ir_lengths, ","),
+                         place.tap + 1);
 }
 
 void TraceWriter::OnCall(const CallEvent& call) {

@@ -8,6 +8,7 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "host/target/chain_place.h"
 #include "host/target/wires.h"
 
 namespace icehost {
@@ -125,6 +126,26 @@ void ParseRegister(const std::string& text, TargetOptions& target) {
   if (bits == 0) throw std::invalid_argument("a register has 1 bit or more");
   target.registers[instruction] =
       equals == text.size() ? BitsOfNumber(0, bits) : HexBits(text.substr(equals + 1), bits);
+}
+
+std::vector<int> ParseChain(const std::string& text) {
+  constexpr int kLongestIr = 64;
+  std::istringstream stream(text);
+  std::vector<int> lengths;
+  for (std::string length; std::getline(stream, length, ',');) {
+    lengths.push_back(static_cast<int>(Number(length, 10, kLongestIr)));
+    if (lengths.back() < 2) throw std::invalid_argument("an IR has 2 bits or more");
+  }
+  if (lengths.empty() || text.back() == ',' || lengths.size() > kMostTaps) {
+    throw std::invalid_argument("expected the IR lengths of up to 64 TAPs, such as 4,5,6");
+  }
+  return lengths;
+}
+
+std::size_t ParseTap(const std::string& text) {
+  const std::uint64_t tap = Number(text, 10, kMostTaps);
+  if (tap == 0) throw std::invalid_argument("TAPs are counted from 1");
+  return tap - 1;
 }
 
 void RefuseUnfitInstruction(std::uint64_t instruction, int ir_length) {

@@ -11,6 +11,7 @@ namespace icehost {
 namespace {
 
 constexpr char kTargetGroup[] = "Simulated target";
+constexpr int kLongestSimulatedIr = 32;
 
 CLI::App& NewVerb(CLI::App& app, const char* name, const char* description, bool& quiet) {
   CLI::App& verb = *app.add_subcommand(name, description);
@@ -53,7 +54,7 @@ void AddScripts(CLI::App& verb, std::vector<std::string>& scripts, std::size_t& 
 
 void AddTargetOptions(CLI::App& verb, TargetOptions& target) {
   verb.add_option("--ir-length", target.ir_length, "Bits of its IR, 2 to 32 (default 5)")
-      ->check(CLI::Range(2, 32).description(""))
+      ->check(CLI::Range(2, kLongestSimulatedIr).description(""))
       ->type_name("N")
       ->group(kTargetGroup);
   AddParsed(verb, "--idcode", "HEX", "Its IDCODE, whose bit 0 is 1 (default 1ce51001)",
@@ -72,11 +73,23 @@ void AddTargetOptions(CLI::App& verb, TargetOptions& target) {
       ->group(kTargetGroup);
 }
 
-void AddProbe(CLI::App& verb, ProbeOptions& probe, const std::string& help) {
+void AddChain(CLI::App& verb, ProbeOptions& probe, const char* group) {
+  AddParsed(verb, "--chain", "BITS,...",
+            "The IR lengths of all TAPs, as detect lists them: the nearest to TDO first",
+            [&probe](const std::string& text) { probe.place.ir_lengths = ParseChain(text); })
+      ->group(group);
+  AddParsed(verb, "--tap", "N", "The TAP of the chain that is meant, from 1",
+            [&probe](const std::string& text) { probe.place.tap = ParseTap(text); })
+      ->group(group);
+}
+
+void AddProbe(CLI::App& verb, ProbeOptions& probe, const std::string& help,
+              const char* chain_group = kTargetGroup) {
   AddParsed(verb, "--probe", "PROBE", help,
             [&probe](const std::string& text) { ParseProbe(text, probe); });
   AddParsed(verb, "--timeout", "SECONDS", "How long to wait for the probe's answers (default 5)",
             [&probe](const std::string& text) { probe.timeout = ParseSeconds(text); });
+  AddChain(verb, probe, chain_group);
   AddTargetOptions(verb, probe.target);
 }
 
@@ -122,11 +135,45 @@ void RefuseUnfitProbe(const CLI::App& verb, const ProbeOptions& probe) {
   }
 }
 
+// Makes --chain and --tap agree with each other and with the probe.
+void CompletePlace(const CLI::App& verb, ProbeOptions& probe) {
+  const std::vector<int>& lengths = probe.place.ir_lengths;
+  const bool chosen = verb.get_option("--tap")->count() > 0;
+  const auto refuse = [](const char* option, const std::string& why) {
+    throw CLI::ValidationError(option, why);
+  };
+  if (lengths.empty() && !chosen) return;
+  if (!probe.kind->ShowsPins()) {
+    refuse("--tap", std::string(probe.kind->title) + " knows the chain: name the TAP in --probe");
+  }
+  probe.measures_place = lengths.empty();
+  if (probe.measures_place) return;
+  if (lengths.size() > 1 && !chosen) refuse("--chain", "--tap says which of the TAPs is meant");
+  if (probe.place.tap >= lengths.size()) {
+    refuse("--tap", "the chain has " + std::to_string(lengths.size()) + " TAPs");
+  }
+  if (!probe.kind->has_target) return;
+  const int length = lengths[probe.place.tap];
+  if (verb.get_option("--ir-length")->count() > 0 && probe.target.ir_length != length) {
+    refuse("--ir-length", "is not that of --chain");
+  }
+  if (*std::max_element(lengths.begin(), lengths.end()) > kLongestSimulatedIr) {
+    refuse("--chain", "a simulated IR has up to 32 bits");
+  }
+  probe.target.ir_length = length;
+}
+
+// Without a chain to measure, --tap needs one.
+void RefuseLoneTap(const ProbeOptions& probe) {
+  if (probe.measures_place) throw CLI::ValidationError("--tap", "is for a --chain");
+}
+
 void CompleteRun(const CLI::App& verb, RunCommand& run) {
   run.outputs = RequestsOf(verb);
   if (!run.learn.empty() && run.scripts.size() > 1) {
     throw CLI::ValidationError("--learn", "takes one script");
   }
+  CompletePlace(verb, run.probe);
   RefuseUnfitProbe(verb, run.probe);
   // Anything else on standard output would spoil an output that is meant for a program.
   run.quiet |= run.learn == "-" ||
@@ -141,8 +188,10 @@ ScriptKind ParseScriptKind(const std::string& text) {
   throw std::invalid_argument("expected jtag or gpio");
 }
 
-void CompleteDetect(const CLI::App& verb, const DetectCommand& detect) {
+void CompleteDetect(const CLI::App& verb, DetectCommand& detect) {
   const ProbeKind& kind = *detect.probe.kind;
+  CompletePlace(verb, detect.probe);
+  RefuseLoneTap(detect.probe);
   RefuseUnfitProbe(verb, detect.probe);
   if (!kind.ShowsPins() && detect.script == ScriptKind::kGpio) {
     throw CLI::ValidationError("--script", std::string("GPIO scripts do not run on ") + kind.title);
@@ -164,20 +213,24 @@ void CompleteServe(const CLI::App& verb, ServeCommand& serve) {
         "--probe",
         std::string(kind.title) + " takes whole scans, and a client of serve sets single pins");
   }
+  CompletePlace(verb, serve.probe);
+  RefuseLoneTap(serve.probe);
   RefuseUnfitProbe(verb, serve.probe);
 }
 
 }  // namespace
 
 CLI::App& AddVerb(CLI::App& app, RunCommand& run) {
+  constexpr char kChainGroup[] = "Chain of TAPs (not for OpenOCD)";
   constexpr char kOutputGroup[] =
       "Outputs (FILE - is standard output, where the plug-in's messages are then left out)";
   CLI::App& verb =
       NewVerb(app, "run", "Run scripts one after the other, up to the first that fails", run.quiet);
   AddScripts(verb, run.scripts, run.size_limit);
-  AddProbe(verb, run.probe, ProbeHelp());
+  AddProbe(verb, run.probe, ProbeHelp(), kChainGroup);
   verb.add_flag("--strict", run.strict,
-                "Let warnings fail: those of check, and a captured IR that no TAP answers with");
+                "Let warnings fail: those of check, and a captured IR that no TAP answers with;\n"
+                "on pins, read the chain before the first scan: it must be what is said of it");
   verb.add_flag("--force", run.force,
                 "Play scripts with errors as the plug-in takes them, instead of none");
   verb.add_flag("--keep-going", run.keep_going,

@@ -95,33 +95,72 @@ int PinProbe::Insert(int ir_bits, const std::uint8_t* ir, int dr_bits, const std
 }
 
 int PinProbe::Execute(std::uint8_t* capture) {
+  RefuseUnfitScan();
+  chain_.ir_in = ir_.empty() ? Bits() : place_.Whole(TapColumn::kIr, ir_);
+  chain_.dr_in = dr_.empty() ? Bits() : place_.Whole(TapColumn::kDr, dr_);
   walker_.TakeTap();
-  if (!ir_.empty()) walker_.Scan(TapState::kShiftIr, ir_);
-  if (!dr_.empty()) walker_.Scan(TapState::kShiftDr, dr_);
+  if (!ir_.empty()) walker_.Scan(TapState::kShiftIr, chain_.ir_in);
+  others_in_bypass_ = others_in_bypass_ || !ir_.empty();
+  if (!dr_.empty()) walker_.Scan(TapState::kShiftDr, chain_.dr_in);
   // Collects both at once, because across a network a wait costs more than a scan.
   const Bits out = port_.CollectTdo();
-  const Bits ir_out = Slice(out, 0, ir_.size());
-  const Bits dr_out = Slice(out, ir_.size(), out.size());
-  doubt_ = DoubtOf(ir_out);
+  chain_.ir_out = Slice(out, 0, chain_.ir_in.size());
+  chain_.dr_out = Slice(out, chain_.ir_in.size(), out.size());
+  doubt_ = DoubtOf(chain_.ir_out);
   const int extra = wire_mode_ == CDI_ANSWER_2WIRE ? 1 : 0;
-  StoreBits(ir_out, kIrCaptureBits, capture);
-  StoreBits(dr_out, 8 * JTAG_DR_MAX_BYTES, capture + kDrCaptureByte + extra);
+  if (!ir_.empty()) StoreBits(place_.Own(TapColumn::kIr, chain_.ir_out), kIrCaptureBits, capture);
+  if (!dr_.empty()) {
+    StoreBits(place_.Own(TapColumn::kDr, chain_.dr_out), 8 * JTAG_DR_MAX_BYTES,
+              capture + kDrCaptureByte + extra);
+  }
   return 0;
+}
+
+// Throws if the scan would reach another TAP of the chain.
+void PinProbe::RefuseUnfitScan() const {
+  if (place_.ir_lengths.empty()) return;
+  const auto length = static_cast<std::size_t>(place_.ir_lengths[place_.tap]);
+  if (!ir_.empty() && ir_.size() != length) {
+    throw Unsupported(fmt::format("the script's IR has {} bits, but that of TAP {} has {}",
+                                  ir_.size(), place_.tap + 1, length));
+  }
+  if (place_.ir_lengths.size() == 1) return;
+  if (wire_mode_ == CDI_ANSWER_2WIRE) throw Unsupported("over two wires there is no chain");
+  if (ir_.empty() && !dr_.empty() && !others_in_bypass_) {
+    throw Unsupported("no IR scan has brought the other TAPs to BYPASS since a TAP reset");
+  }
+}
+
+const ChainScan* PinProbe::WholeChain() const {
+  return place_.ir_lengths.size() > 1 ? &chain_ : nullptr;
 }
 
 bool PinProbe::ResetTapBeforeScan() {
   walker_.ForgetTap();
+  others_in_bypass_ = false;
   return true;
 }
 
+// Judges the captured IR of each TAP.
 std::string PinProbe::DoubtOf(const Bits& captured_ir) const {
   const auto shifted = static_cast<int>(ir_.size());
   const int length = port_.IrLength().value_or(shifted);
-  if (shifted == 0 || shifted == length) return WhyNoIr(captured_ir);
-  return fmt::format("the script's IR has {} bits, but the target's has {}", shifted, length);
+  if (shifted != 0 && shifted != length) {
+    return fmt::format("the script's IR has {} bits, but the target's has {}", shifted, length);
+  }
+  if (place_.ir_lengths.size() < 2 || shifted == 0) return WhyNoIr(captured_ir);
+  std::size_t at = 0;
+  for (std::size_t i = 0; i < place_.ir_lengths.size(); ++i) {
+    const std::size_t end = at + static_cast<std::size_t>(place_.ir_lengths[i]);
+    const std::string why = WhyNoIr(Slice(captured_ir, at, end));
+    if (!why.empty()) return fmt::format("TAP {}: {}", i + 1, why);
+    at = end;
+  }
+  return "";
 }
 
 int PinProbe::Gpio(int out_value, std::uint32_t& data, int oe_mask, int flags) {
+  others_in_bypass_ = false;
   // A START line means that every pin is enabled and low.
   const bool start = (flags & GPIO_FLAG_START) != 0;
   const bool write_out = start || (flags & GPIO_FLAG_WRITE_OUT) != 0;

@@ -5,11 +5,13 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "entry/icescript.h"
 #include "host/probe/pin_port.h"
 #include "host/probe/probe.h"
 #include "host/target/bits.h"
+#include "host/target/chain_place.h"
 #include "host/target/tap.h"
 
 namespace icehost {
@@ -55,8 +57,15 @@ class PinProbe : public Probe {
  public:
   // `port` must outlive the probe. `wire_mode` is the CDI_ANSWER_ in force at the start; if
   // `two_wire` is false, selecting the 2-wire interface throws Unsupported.
-  PinProbe(PinPort& port, int wire_mode, bool two_wire)
-      : port_(port), two_wire_(two_wire), wire_mode_(wire_mode), walker_(port) {}
+  // Scripts address the TAP at `place`.
+  PinProbe(PinPort& port, int wire_mode, bool two_wire, ChainPlace place = {})
+      : port_(port),
+        two_wire_(two_wire),
+        wire_mode_(wire_mode),
+        walker_(port),
+        place_(std::move(place)) {}
+
+  void SetPlace(ChainPlace place) { place_ = std::move(place); }
 
   int Config(int code, int value) override;
   int Reset(int kind) override;
@@ -66,12 +75,14 @@ class PinProbe : public Probe {
   int Gpio(int out_value, std::uint32_t& data, int oe_mask, int flags) override;
   void Flush() override { port_.Flush(); }
   bool ResetTapBeforeScan() override;
+  const ChainScan* WholeChain() const override;
   int ReportedPins() const override { return port_.ReportedPins(); }
   std::size_t Steps() const override { return walker_.Steps(); }
   std::optional<long> TckCycles() const override { return walker_.TckCycles(); }
 
  private:
   Bits ScanBits(int bits, const std::uint8_t* data) const;
+  void RefuseUnfitScan() const;
   std::string DoubtOf(const Bits& captured_ir) const;
 
   PinPort& port_;
@@ -81,6 +92,9 @@ class PinProbe : public Probe {
   Bits dr_;
   std::string doubt_;
   TapWalker walker_;
+  ChainPlace place_;
+  ChainScan chain_;                // the last one
+  bool others_in_bypass_ = false;  // by an IR scan since the last reset of the TAPs
 };
 
 }  // namespace icehost

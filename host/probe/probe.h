@@ -8,6 +8,7 @@
 #include <string>
 
 #include "entry/icescript.h"
+#include "host/target/chain_place.h"
 
 namespace icehost {
 
@@ -39,6 +40,9 @@ class Probe {
   virtual bool CapturesIr() const { return true; }
   // Why the scan executed last may not have reached a TAP; empty if nothing speaks against it.
   virtual std::string Doubt() const { return ""; }
+  // The scan executed last as the whole chain saw it. Null if the TAP is alone, or the probe hides
+  // the others.
+  virtual const ChainScan* WholeChain() const { return nullptr; }
   // Writes to its pins so far; 0 if it shows none.
   virtual std::size_t Steps() const { return 0; }
   // TCK cycles so far; nothing if it shows no pins.

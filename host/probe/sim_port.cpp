@@ -5,10 +5,16 @@
 #include "host/target/wires.h"
 
 namespace icehost {
+namespace {
+
+// The IDCODE of the first TAP beside the target; the part numbers of the others follow it.
+constexpr std::uint32_t kNeighbourIdcode = 0x1CEC1001;
+
+}  // namespace
 
 Target::Target(const TargetOptions& options)
     : options_(options), instruction_(options.idcode_instruction) {
-  if (options_.idcode_instruction != kScratchInstruction) {
+  if (options_.has_scratch && options_.idcode_instruction != kScratchInstruction) {
     options_.registers.emplace(kScratchInstruction, BitsOfNumber(0, 32));
   }
   registers_ = options_.registers;
@@ -69,25 +75,49 @@ void Target::UpdateDr() {
   }
 }
 
+SimPort::SimPort(const TargetOptions& options, const ChainPlace& place)
+    : tap_(place.ir_lengths.empty() ? 0 : place.tap) {
+  const std::size_t taps = std::max<std::size_t>(place.ir_lengths.size(), 1);
+  for (std::size_t i = 0; i < taps; ++i) {
+    if (i == tap_) {
+      taps_.emplace_back(options);
+      continue;
+    }
+    TargetOptions other;
+    other.ir_length = place.ir_lengths[i];
+    other.idcode = kNeighbourIdcode + (static_cast<std::uint32_t>(i) << 12U);
+    other.has_scratch = false;
+    taps_.emplace_back(other);
+  }
+}
+
+// Every TAP samples at once: the levels are those before the edge.
+void SimPort::RaiseTck(bool tms, bool tdi) {
+  for (std::size_t i = 0; i < taps_.size(); ++i) {
+    const bool last = i + 1 == taps_.size();
+    taps_[i].RaiseTck(tms, last ? tdi : taps_[i + 1].Tdo().value_or(true));
+  }
+}
+
 void SimPort::Write(int levels, int enables) {
   const int before = wires_;
   enables_ = enables & GPIO_PIN_ALL;
   wires_ = WireLevels(levels & enables_, enables_);
   const auto high = [this](int pin) { return (wires_ & pin) != 0; };
 
-  target_.HoldRegisters(!high(GPIO_PIN_NRST));
+  for (Target& tap : taps_) tap.HoldRegisters(!high(GPIO_PIN_NRST));
   if (!high(GPIO_PIN_TRST)) {
-    target_.ResetTap();
+    for (Target& tap : taps_) tap.ResetTap();
   } else if ((~before & wires_ & GPIO_PIN_TCK) != 0) {
-    target_.RaiseTck(high(GPIO_PIN_TMS), high(GPIO_PIN_TDI));
+    RaiseTck(high(GPIO_PIN_TMS), high(GPIO_PIN_TDI));
   } else if ((before & ~wires_ & GPIO_PIN_TCK) != 0) {
-    target_.LowerTck();
+    for (Target& tap : taps_) tap.LowerTck();
   }
 }
 
 int SimPort::Read() {
   // A probe that drives TDO itself reads what it drives.
-  const bool target_low = !target_.Tdo().value_or(true) && (enables_ & GPIO_PIN_TDO) == 0;
+  const bool target_low = !taps_[0].Tdo().value_or(true) && (enables_ & GPIO_PIN_TDO) == 0;
   return target_low ? wires_ & ~GPIO_PIN_TDO : wires_;
 }
 

@@ -7,10 +7,12 @@
 #include <map>
 #include <optional>
 #include <utility>
+#include <vector>
 
 #include "entry/icescript.h"
 #include "host/probe/pin_port.h"
 #include "host/target/bits.h"
+#include "host/target/chain_place.h"
 #include "host/target/tap.h"
 
 namespace icehost {
@@ -27,6 +29,7 @@ struct TargetOptions {
   // The reset values of data registers that a script may write and read, by instruction. A register
   // with the IDCODE's instruction replaces the IDCODE.
   std::map<std::uint64_t, Bits> registers;
+  bool has_scratch = true;
 };
 
 // A TAP of IEEE 1149.1 with its registers.
@@ -70,16 +73,20 @@ class Target {
 
 class SimPort : public PinPort {
  public:
-  explicit SimPort(const TargetOptions& options) : target_(options) {}
+  // The target is at `place` in a chain of others, which have an IDCODE and BYPASS alone.
+  explicit SimPort(const TargetOptions& options, const ChainPlace& place = {});
 
   void Write(int levels, int enables) override;
   int Read() override;
   void SampleTdo() override { samples_.push_back((Read() & GPIO_PIN_TDO) != 0); }
   Bits CollectTdo() override { return std::exchange(samples_, {}); }
-  std::optional<int> IrLength() const override { return target_.IrLength(); }
+  std::optional<int> IrLength() const override { return taps_[tap_].IrLength(); }
 
  private:
-  Target target_;
+  void RaiseTck(bool tms, bool tdi);
+
+  std::vector<Target> taps_;  // the first is the nearest to TDO
+  std::size_t tap_;           // the target's
   int wires_ = GPIO_PIN_ALL;  // levels as the probe makes them; nothing is enabled at first
   int enables_ = 0;
   Bits samples_;

@@ -92,7 +92,7 @@ class SvfPinWriter : public SvfWriter, public StepRecorder, private TapListener 
   void WriteScan(const char* end);
   void AddNote(const CallEvent& call, const char* warning, std::string text);
   void Write(const Note& note);
-  Bits MaskOfScan(const TapScan& scan) const;
+  SvfScan ScanOf(const TapScan& scan) const;
   void OnInterface(const CallEvent& call);
   void OnPinCall(const CallEvent& call, const GpioCall& pins);
   void NoteTdoRead();
@@ -178,7 +178,7 @@ void SvfPinWriter::OnScan(const TapScan& scan) {
   if (!scan.updated || scan.in.empty() || scan.left_out > 0) return LoseScan(scan);
   const bool lines = begin_.source.section == nullptr && begin_.path == current_.path;
   const int last_line = lines ? current_.source.line : 0;
-  held_ = {{scan.ir, scan.in, scan.out, MaskOfScan(scan)}, begin_, last_line, paused_};
+  held_ = {ScanOf(scan), begin_, last_line, paused_};
   updated_ = true;
 }
 
@@ -195,12 +195,26 @@ void SvfPinWriter::LoseScan(const TapScan& scan) {
   }
 }
 
-// Returns an empty mask if no bit is compared.
-Bits SvfPinWriter::MaskOfScan(const TapScan& scan) const {
-  if (begin_.source.section != nullptr) return MaskOf(begin_.source, scan.ir, scan.in.size());
-  Bits mask = read_;
-  if (!mask.empty()) mask.resize(scan.in.size());
-  return mask;
+// Returns the scan, of the addressed TAP alone if the bits for the others are those of BYPASS. Its
+// mask is empty if no bit is compared.
+SvfScan SvfPinWriter::ScanOf(const TapScan& scan) const {
+  if (begin_.source.section == nullptr) {
+    Bits mask = read_;
+    if (!mask.empty()) mask.resize(scan.in.size());
+    return {scan.ir, scan.in, scan.out, mask};
+  }
+  const TapColumn column = scan.ir ? TapColumn::kIr : TapColumn::kDr;
+  const auto mask_of = [&](const Bits& bits) {
+    return MaskOf(begin_.source, scan.ir, bits.size());
+  };
+  const std::size_t others = Place().Before(column) + Place().After(column);
+  if (others > 0 && scan.in.size() > others) {
+    const Bits own = Place().Own(column, scan.in);
+    if (Place().Whole(column, own) == scan.in) {
+      return {scan.ir, own, Place().Own(column, scan.out), mask_of(own), true};
+    }
+  }
+  return {scan.ir, scan.in, scan.out, mask_of(scan.in)};
 }
 
 void SvfPinWriter::WriteScan(const char* end) {

@@ -76,7 +76,22 @@ void SvfWriter::CommentOnUnmet(const CallEvent& call) {
   }
 }
 
+// Sets the bits for the other TAPs of the chain, which a player shifts around those of a scan.
+void SvfWriter::FrameStatements(bool framed) {
+  const auto write = [&](const char* name, std::size_t bits, bool fill) {
+    if (!framed) bits = 0;
+    stream_ << name << ' ' << bits;
+    if (bits > 0) WriteValue("TDI", Bits(bits, fill), stream_);
+    stream_ << ";\n";
+  };
+  write("HIR", place_.Before(TapColumn::kIr), true);
+  write("TIR", place_.After(TapColumn::kIr), true);
+  write("HDR", place_.Before(TapColumn::kDr), false);
+  write("TDR", place_.After(TapColumn::kDr), false);
+}
+
 void SvfWriter::ScanStatement(const SvfScan& scan) {
+  if (std::exchange(framed_, scan.own) != scan.own) FrameStatements(scan.own);
   stream_ << (scan.ir ? "SIR " : "SDR ") << scan.tdi.size();
   WriteValue("TDI", scan.tdi, stream_);
   if (!scan.mask.empty()) {

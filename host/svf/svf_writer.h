@@ -11,14 +11,16 @@
 #include "host/events/events.h"
 #include "host/events/output.h"
 #include "host/target/bits.h"
+#include "host/target/chain_place.h"
 
 namespace icehost {
 
 struct SvfScan {
   bool ir;
-  Bits tdi;   // the first bit first, as in all of these
-  Bits tdo;   // the bits that came back
-  Bits mask;  // a bit that is 1 is compared; as long as tdo, or empty: nothing is compared
+  Bits tdi;          // the first bit first, as in all of these
+  Bits tdo;          // the bits that came back
+  Bits mask;         // a bit that is 1 is compared; as long as tdo, or empty: nothing is compared
+  bool own = false;  // of one TAP; headers and trailers are for the others of its chain
 };
 
 // The statements and comments that both writers use. ASCII, no line longer than the 256 characters
@@ -29,6 +31,7 @@ class SvfWriter : public Output, public EventListener {
   explicit SvfWriter(std::ostream& stream) : stream_(stream) {}
 
   void Begin() override;
+  void OnPlace(const ChainPlace& place) override { place_ = place; }
   std::vector<std::string> TakeLosses() override;
 
  protected:
@@ -47,12 +50,17 @@ class SvfWriter : public Output, public EventListener {
   void CommentOnUnmet(const CallEvent& call);
   void Statement(const std::string& text) { stream_ << text << ";\n"; }
   void ScanStatement(const SvfScan& scan);
+  const ChainPlace& Place() const { return place_; }
   // Comments on something that was played and that the format cannot express. The user gets each
   // warning once.
   void Lose(const char* warning, const std::string& comment);
 
  private:
+  void FrameStatements(bool framed);
+
   std::ostream& stream_;
+  ChainPlace place_;
+  bool framed_ = false;              // headers and trailers are in force
   std::set<std::string> lost_;       // the warnings so far
   std::vector<std::string> losses_;  // the new ones
 };

@@ -19,9 +19,14 @@ using Texts = std::vector<std::string>;
 
 constexpr std::size_t kHelpWidth = 72;
 
+std::string DescribePlace(const ChainPlace& place) {
+  if (place.ir_lengths.size() < 2) return "";
+  return fmt::format(", TAP {} of --chain {}", place.tap + 1, fmt::join(place.ir_lengths, ","));
+}
+
 std::string DescribeAddress(const ProbeOptions& options) {
-  return fmt::format("{} at {}{}{}", options.kind->title, options.endpoint.Name(),
-                     options.tap.empty() ? "" : ", ", options.tap);
+  return fmt::format("{} at {}{}{}{}", options.kind->title, options.endpoint.Name(),
+                     options.tap.empty() ? "" : ", ", options.tap, DescribePlace(options.place));
 }
 
 Socket Connect(const ProbeOptions& options) {
@@ -33,12 +38,12 @@ Chain ReadPins(const ProbeOptions& options) {
 }
 
 std::string DescribeTarget(const ProbeOptions& options) {
-  return fmt::format("simulated, its target with an IR of {} bits and IDCODE 0x{:08x}",
-                     options.target.ir_length, options.target.idcode);
+  return fmt::format("simulated, its target with an IR of {} bits and IDCODE 0x{:08x}{}",
+                     options.target.ir_length, options.target.idcode, DescribePlace(options.place));
 }
 
 std::unique_ptr<PinPort> OpenSim(const ProbeOptions& options) {
-  return std::make_unique<SimPort>(options.target);
+  return std::make_unique<SimPort>(options.target, options.place);
 }
 
 ProbeKind Sim() {

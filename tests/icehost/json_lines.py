@@ -77,6 +77,7 @@ def check_runs():
         if "\ufffd" not in str(run(*verb, "tests/scripts/quoted.ini")):
             failures.append(f"{verb}: invalid UTF-8 is not replaced")
     run("run", "--wire", "cjtag2", "examples/read_idcode.ini")
+    run("run", "--chain", "4,5", "--tap", "2", "examples/read_idcode.ini")
     run("run", "--keep-going", "--idcode", "3", "examples/read_idcode.ini")
     run("run", "--force", "/dev/null")
 

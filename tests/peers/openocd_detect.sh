@@ -66,3 +66,34 @@ end
 begin
 detect 0 -q --script jtag --probe "$probe"
 grep -qx 'IR=5,0x1f' "$scratch/out.txt" || fail "no script"
+
+# Through a chain of three OpenOCD and icehost do the same to the TAP in the middle.
+serve --chain 4,5,6 --tap 2 --trace="$scratch/chain.txt"
+start_openocd 'jtag newtap a tap -irlen 4' 'jtag newtap b tap -irlen 5' 'jtag newtap c tap -irlen 6' init
+pins=remote-bitbang:127.0.0.1:$port
+detect 0 --probe "$probe"
+idcodes() { grep -o 'IDCODE 0x[0-9a-f]*' "$scratch/out.txt"; }
+declared=$(idcodes)
+# played FILE OPTION...: what the TAP answers in a run, and what the chain shifts in its IR scans.
+played() {
+  local file=$scratch/$1 before
+  shift
+  before=$(wc -l <"$scratch/chain.txt")
+  "$icehost" run -q --json - "$@" examples/scratch_register.ini examples/read_idcode.ini |
+    jq -r 'select(.dr_out).dr_out' >"$file"
+  sleep 0.2
+  tail -n +$((before + 1)) "$scratch/chain.txt" | grep -o 'IR 15 bits.*' >>"$file"
+}
+played openocd.txt --probe "$probe:b.tap"
+stop_openocd
+detect 0 --probe "$pins"
+[ "$declared" = "$(idcodes)" ] || fail "OpenOCD and the pins have other IDCODEs"
+grep -q '^3 TAPs' "$scratch/out.txt" || fail "no chain of three"
+played pins.txt --probe "$pins" --chain 4,5,6 --tap 2
+played measured.txt --probe "$pins" --tap 2
+[ "$(wc -l <"$scratch/pins.txt")" = 8 ] || fail "4 answers and 4 IR scans"
+for file in openocd measured; do
+  diff "$scratch/$file.txt" "$scratch/pins.txt" || fail "$file"
+done
+kill "$server"
+wait "$server" || true
