@@ -11,7 +11,7 @@ constexpr std::size_t kLongestName = 200;
 }  // namespace
 
 std::string SvfForm::Keyword() const {
-  std::string name(statement_->text);
+  std::string name(statement_.keyword.text);
   for (char& ch : name) ch = icescript::UpperCase(ch);
   return name;
 }

@@ -39,8 +39,8 @@ class SvfForm {
 
   // `name` is the name of the file.
   virtual void Begin(const std::string& name) = 0;
-  // `keyword` belongs to the statement whose effects follow. It must live as long as they do.
-  void BeginStatement(const SvfToken& keyword) { statement_ = &keyword; }
+  // The statement whose effects follow. Its text must live as long as the form.
+  void BeginStatement(const SvfStatement& statement) { statement_ = statement; }
   // A scan of the IR or the DR, with its headers and trailers. It has at least one bit.
   virtual void Scan(bool ir, const SvfShift& shift) = 0;
   // Where scans of the IR or the DR end from now on, a stable state.
@@ -62,7 +62,9 @@ class SvfForm {
     size_ += text.size();
     if (script_ != nullptr) *script_ << text;
   }
-  Place At() const { return statement_->place; }
+  // The place of the keyword, and of a word after it.
+  Place At() const { return statement_.keyword.place; }
+  Place AtWord(std::size_t word) const { return statement_.words[word].place; }
   // The keyword in upper case.
   std::string Keyword() const;
   void Refuse(const std::string& why) { problems_.Error(At(), why); }
@@ -72,7 +74,7 @@ class SvfForm {
  private:
   std::ostream* script_;
   std::size_t size_ = 0;
-  const SvfToken* statement_ = nullptr;
+  SvfStatement statement_{};
 };
 
 // Pairs IR scans with DR scans and writes each pair as a section that is named after its line.
@@ -80,10 +82,6 @@ std::unique_ptr<SvfForm> MakeJtagForm(Problems& problems, std::ostream* script);
 // Writes each TCK edge. `tck_hz` is the most TCK cycles in a second, whatever the file says.
 std::unique_ptr<SvfForm> MakeGpioForm(Problems& problems, std::ostream* script,
                                       std::optional<double> tck_hz);
-
-// A note on a FREQUENCY that nothing depends on.
-constexpr const char* kUnusedFrequency =
-    "left out: no wait needs it, and the probe has a rate of its own";
 
 // The name of a file for a comment of a script. "expect" would begin an expectation there.
 std::string SvfNameInComment(std::string name);

@@ -62,15 +62,16 @@ class GpioForm : public SvfForm {
   void Clock(bool tms);
   void Reset();
   void MoveTo(TapState state);
+  void NoteReset(TapState state);
   void Follow(const std::vector<TapState>& path);
   void Shift(const SvfShift& shift);
-  std::optional<double> TckHz() const { return tck_hz_.has_value() ? tck_hz_ : file_hz_; }
   std::optional<long> CyclesOf(const SvfRunTest& run);
-  void NoteUnusedFrequency();
+  void NoteFrequency();
 
   std::optional<double> tck_hz_;
-  std::optional<double> file_hz_;
-  std::optional<Place> unused_hz_;  // a FREQUENCY that no wait has needed
+  std::optional<double> file_hz_;  // FREQUENCY
+  Place hz_at_{};
+  bool hz_used_ = false;  // by a wait
   TapState ir_end_ = TapState::kRunTestIdle;
   TapState dr_end_ = TapState::kRunTestIdle;
   // As the script has them.
@@ -90,15 +91,17 @@ void GpioForm::WriteLine(const std::string& more) {
 
 // Writes the lines of one TCK cycle or more. `again` is `first` without what need not be set again.
 void GpioForm::Repeat(const std::string& first, const std::string& again, long times) {
-  if (times == 1 || (times == 2 && again.size() <= kBlockSize)) {
-    Write(first);
-    if (times == 2) Write(again);
-  } else if (times <= kMostPasses) {
-    Write(fmt::format("REPT={}\n{}ENDR\n", times, first));
-  } else {
+  const bool is_long = times > kMostPasses;
+  if (is_long) {
     Write(fmt::format("REPT={}\nREPT={}\n{}ENDR\nENDR\n", times / kMostPasses, kMostPasses, first));
-    if (times % kMostPasses > 0) Repeat(again, again, times % kMostPasses);
+    times %= kMostPasses;
   }
+  const std::string& next = is_long ? again : first;
+  if (times > 2 || (times == 2 && again.size() > kBlockSize)) {
+    return Write(fmt::format("REPT={}\n{}ENDR\n", times, next));
+  }
+  if (times > 0) Write(next);
+  if (times == 2) Write(again);
 }
 
 // While TCK is low, TMS and TDI are set up and TDO is read: the target reads them on the rising
@@ -130,26 +133,32 @@ void GpioForm::MoveTo(TapState state) {
 }
 
 void GpioForm::Follow(const std::vector<TapState>& path) {
-  for (const TapState state : path) {
+  for (std::size_t i = 0; i < path.size(); ++i) {
+    const TapState state = path[i];
     const bool tms = NextTapState(tap_, true) == state;
     if (state == TapState::kTestLogicReset) {
       Reset();
     } else if (tms || NextTapState(tap_, false) == state) {
       Clock(tms);
     } else {
-      return Refuse(
-          fmt::format("no TCK edge leads from {} to {}", SvfStateName(tap_), SvfStateName(state)));
+      problems_.Error(AtWord(i), fmt::format("no TCK edge leads from {} to {}", SvfStateName(tap_),
+                                             SvfStateName(state)));
+      tap_ = path.back();
+      return;
     }
   }
+}
+
+// Nothing takes the TAP to another state while TRST is on.
+void GpioForm::NoteReset(TapState state) {
+  if (state == TapState::kTestLogicReset) return;
+  problems_.Note(At(), "TRST is on: the TAP stays in Test-Logic-Reset");
 }
 
 void GpioForm::State(const std::vector<TapState>& path) {
   WriteLine();
   const TapState last = path.back();
-  if (trst_low_) {
-    if (last == TapState::kTestLogicReset) return;
-    return problems_.Note(At(), "TRST is on: the TAP stays in Test-Logic-Reset");
-  }
+  if (trst_low_) return NoteReset(last);
   if (path.size() > 1 || last == TapState::kTestLogicReset) return Follow(path);
   // From a Pause state to itself, the TAP updates and captures.
   if (last != tap_) return MoveTo(last);
@@ -188,11 +197,14 @@ void GpioForm::Shift(const SvfShift& shift) {
   Clock(true, shift.tdi[last], expected(last), 1);
 }
 
-// Returns how many TCK cycles the wait takes, or nothing where it cannot be kept.
+// Returns how many TCK cycles the wait takes, or nothing where it cannot be kept. FREQUENCY is the
+// highest rate that the file allows: a faster probe needs more cycles for the same time.
 std::optional<long> GpioForm::CyclesOf(const SvfRunTest& run) {
-  const auto hz = TckHz();
-  double cycles = std::ceil(run.cycles);
-  if (run.seconds > 0 || run.most_seconds.has_value()) unused_hz_.reset();
+  const auto hz = tck_hz_.has_value() ? tck_hz_ : file_hz_;
+  hz_used_ = true;
+  double cycles = run.cycles;
+  if (hz.has_value() && file_hz_.has_value()) cycles *= std::max(*hz / *file_hz_, 1.0);
+  cycles = std::ceil(cycles * (1 - kRounding));
   if (run.seconds > 0) {
     if (!hz.has_value()) {
       Refuse("a wait in seconds needs the rate of TCK, and no FREQUENCY is in force: --tck-hz N");
@@ -214,7 +226,10 @@ std::optional<long> GpioForm::CyclesOf(const SvfRunTest& run) {
 void GpioForm::RunTest(const SvfRunTest& run) {
   const auto cycles = CyclesOf(run);
   if (!cycles.has_value()) return;
-  WriteLine(run.seconds > 0 ? fmt::format(", right for TCK of up to {} Hz", *TckHz()) : "");
+  const auto hz = tck_hz_.has_value() ? tck_hz_ : file_hz_;
+  const bool timed = run.seconds > 0 || file_hz_.has_value();
+  WriteLine(timed ? fmt::format(", long enough for TCK of up to {} Hz", *hz) : "");
+  if (trst_low_) NoteReset(run.state);
   MoveTo(run.state);
   const bool tms = tap_ == TapState::kTestLogicReset;
   if (*cycles > 0) Clock(tms, tdi_, std::nullopt, *cycles);
@@ -235,18 +250,25 @@ void GpioForm::Trst(SvfTrst mode) {
 }
 
 void GpioForm::Frequency(std::optional<double> hz) {
-  NoteUnusedFrequency();
+  NoteFrequency();
   file_hz_ = hz;
-  if (hz.has_value()) unused_hz_ = At();
+  hz_at_ = At();
+  hz_used_ = false;
 }
 
-void GpioForm::NoteUnusedFrequency() {
-  const auto place = std::exchange(unused_hz_, std::nullopt);
-  if (place.has_value()) problems_.Note(*place, kUnusedFrequency);
+// Notes what becomes of the FREQUENCY in force.
+void GpioForm::NoteFrequency() {
+  if (!file_hz_.has_value()) return;
+  if (!hz_used_) {
+    problems_.Note(hz_at_, "left out: no wait follows it, and the probe has a rate of its own");
+  } else if (!tck_hz_.has_value()) {
+    problems_.Note(hz_at_,
+                   "waits are long enough if the probe clocks TCK no faster; else --tck-hz N");
+  }
 }
 
 void GpioForm::End() {
-  NoteUnusedFrequency();
+  NoteFrequency();
   Write("TCK=0,END\n");
 }
 

@@ -159,7 +159,7 @@ void Importer::Take(const SvfStatement& statement) {
   if (statement.is_long) {
     return Refuse(keyword, fmt::format("the statement has more than {} words", kMostWords));
   }
-  form_.BeginStatement(keyword);
+  form_.BeginStatement(statement);
   (this->*handler)(statement);
   if (form_.Size() <= most_) return;
   Refuse(keyword, fmt::format("the script becomes larger than {} MiB; --size-limit lets more out",
@@ -199,7 +199,7 @@ void Importer::Frequency(const SvfStatement& statement) {
   if (words.AtEnd()) return form_.Frequency(std::nullopt);
   const auto hz = words.TakeNumber();
   if (hz.value_or(0) > 0 && words.Take("HZ") && words.AtEnd()) return form_.Frequency(hz);
-  Refuse(statement.keyword, "expected FREQUENCY, or FREQUENCY number HZ");
+  Refuse(words.Next(), "expected FREQUENCY, or FREQUENCY number HZ");
 }
 
 void Importer::RunTest(const SvfStatement& statement) {

@@ -77,6 +77,7 @@ class JtagForm : public SvfForm {
   bool scanned_ = false;
   bool resets_ = false;  // before the first scan
   bool trst_on_ = false;
+  std::optional<double> hz_;
   TapState ir_end_ = TapState::kRunTestIdle;
   TapState dr_end_ = TapState::kRunTestIdle;
   // Since the last scan:
@@ -176,11 +177,12 @@ void JtagForm::EndScan(TapState end) {
 void JtagForm::State(const std::vector<TapState>& path) {
   Idle(static_cast<double>(path.size()), 0);
   bool resets = false;
-  for (const TapState state : path) {
-    const bool reset = state == TapState::kTestLogicReset;
+  for (std::size_t i = 0; i < path.size(); ++i) {
+    const bool reset = path[i] == TapState::kTestLogicReset;
     resets = resets || reset;
-    if (reset || state == TapState::kRunTestIdle) continue;
-    return Refuse(fmt::format("a JTAG script cannot bring the TAP to {}", SvfStateName(state)));
+    if (reset || path[i] == TapState::kRunTestIdle) continue;
+    return problems_.Error(
+        AtWord(i), fmt::format("a JTAG script cannot bring the TAP to {}", SvfStateName(path[i])));
   }
   if (resets) return Reset();
   LeaveOut("every scan of a script ends there");
@@ -201,13 +203,14 @@ void JtagForm::RunTest(const SvfRunTest& run) {
 }
 
 void JtagForm::Trst(SvfTrst mode) {
-  trst_on_ = mode == SvfTrst::kOn;
-  if (trst_on_) return Reset();
+  if (mode != SvfTrst::kAbsent) trst_on_ = mode == SvfTrst::kOn;
+  if (mode == SvfTrst::kOn) return Reset();
   LeaveOut("the probe holds it off");
 }
 
 void JtagForm::Frequency(std::optional<double> hz) {
-  if (hz.has_value()) problems_.Note(At(), kUnusedFrequency);
+  hz_ = hz;
+  if (hz.has_value()) problems_.Note(At(), "left out: the probe has a rate of its own");
   LeaveOut("the probe has its own");
 }
 
@@ -215,7 +218,8 @@ void JtagForm::Frequency(std::optional<double> hz) {
 void JtagForm::Idle(double cycles, double seconds) {
   pause_.reset();
   idle_cycles_ += cycles;
-  idle_seconds_ += seconds;
+  // A count of cycles takes time, too, if the file limits their rate.
+  idle_seconds_ += std::max(seconds, hz_.has_value() ? cycles / *hz_ : 0);
   const bool is_long = idle_cycles_ > kMostIdleCycles || idle_seconds_ > kMostIdleSeconds;
   if (is_long && !wait_.has_value()) wait_ = At();
 }
@@ -234,6 +238,8 @@ void JtagForm::LeaveOut(const char* why) {
 
 void JtagForm::End() {
   WriteIr();
+  // The register is not updated, and TRST keeps it so.
+  if (pause_.has_value()) problems_.Error(*pause_, kEndState);
   if (problems_.HasErrors()) return;
   if (!scanned_) EndWithoutScan();
   if (bare_.has_value()) {
@@ -241,7 +247,10 @@ void JtagForm::End() {
                    "no SIR before: this scans what the instruction before the file selects, or a "
                    "TAP reset: icehost resets the TAP, a debug server may not");
   }
-  if (wait_.has_value()) problems_.Note(*wait_, "left out: no scan follows it");
+  if (wait_.has_value())
+    problems_.Note(
+        *wait_,
+        "left out: no scan follows it, so what the last one has started gets no TCK cycles");
   if (reset_.has_value()) {
     problems_.Warn(*reset_,
                    "left out: a JTAG script cannot reset the TAP after its scans; the last "

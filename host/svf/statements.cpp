@@ -153,7 +153,7 @@ void SvfCursor::Step() {
 
 bool SvfCursor::SkipComment() {
   if (!IsComment(rest_)) return false;
-  while (!AtEnd() && rest_[0] != '\n') Step();
+  while (!AtEnd() && rest_[0] != '\n' && rest_[0] != '\r') Step();
   return true;
 }
 
@@ -163,6 +163,13 @@ void SvfCursor::SkipBlanks() {
     if (!IsBlank(rest_[0])) return;
     Step();
   }
+}
+
+// A byte-order mark, which some editors write, is no text.
+SvfReader::SvfReader(std::string_view text) : size_(text.size()), cursor_(text, {1, 1}) {
+  constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+  if (text.substr(0, kByteOrderMark.size()) != kByteOrderMark) return;
+  for (std::size_t i = 0; i < kByteOrderMark.size(); ++i) cursor_.Step();
 }
 
 SvfToken SvfReader::NextToken(Problems& problems) {
@@ -203,7 +210,7 @@ std::optional<SvfStatement> SvfReader::Next(Problems& problems) {
   SvfStatement statement = {token, {}, false};
   for (token = NextToken(problems); token.kind != Kind::kSemicolon; token = NextToken(problems)) {
     if (token.kind == Kind::kEnd) {
-      problems.Note(statement.keyword.place, "the last statement has no semicolon: is it whole?");
+      problems.Warn(statement.keyword.place, "the last statement has no semicolon: is it whole?");
       break;
     }
     statement.is_long = statement.words.size() == kMostWords;

@@ -14,8 +14,8 @@
 
 namespace icehost {
 
-// More words than a path through all states has.
-constexpr std::size_t kMostWords = 64;
+// Limits the memory for a statement that does not end.
+constexpr std::size_t kMostWords = 1024;
 
 struct SvfToken {
   enum class Kind { kWord, kValue, kSemicolon, kEnd };
@@ -41,7 +41,8 @@ class SvfCursor {
   std::string_view Rest() const { return rest_; }
   Place At() const { return place_; }
   void Step();
-  // A comment begins with "!" or "//" and ends with its line. False if none begins here.
+  // A comment begins with "!" or "//" and ends with its line, or at a carriage return. False if
+  // none begins here.
   bool SkipComment();
   void SkipBlanks();  // and comments
 
@@ -54,10 +55,10 @@ class SvfCursor {
 class SvfReader {
  public:
   // The text must outlive the statements.
-  explicit SvfReader(std::string_view text) : size_(text.size()), cursor_(text, {1, 1}) {}
+  explicit SvfReader(std::string_view text);
 
   // Returns the next statement, and nothing at the end. Reports a value without its closing
-  // parenthesis, and notes that the last statement has no semicolon.
+  // parenthesis, and warns if the last statement has no semicolon.
   std::optional<SvfStatement> Next(Problems& problems);
   std::size_t BytesRead() const { return size_ - cursor_.Rest().size(); }
 
