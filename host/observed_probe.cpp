@@ -73,6 +73,11 @@ void ObservedProbe::End(const HostCall& call, int result, std::vector<Comparison
   events_.EndCall({call, result, std::move(comparisons), source_, {begin_step_, probe_->Steps()}});
 }
 
+bool ObservedProbe::ResetTapBeforeScan() {
+  lacks_reset_ = !probe_->ResetTapBeforeScan();
+  return !lacks_reset_;
+}
+
 int ObservedProbe::Config(int code, int value) {
   const Rescue::Scope working(rescue_, Rescue::State::kWorking);
   const bool query = code == LINK_CONFIG_GET_CDI;
@@ -106,7 +111,13 @@ int ObservedProbe::Insert(int ir_bits, const std::uint8_t* ir, int dr_bits,
            {dr_bits, RegisterBytes(dr, dr_bits), {}},
            wire_mode_};
   Begin("link_jtag_insert", false);
-  const int result = Guard([&] { return probe_->Insert(ir_bits, ir, dr_bits, dr); });
+  const bool lacks_reset = std::exchange(lacks_reset_, false);
+  const int result = Guard([&] {
+    if (lacks_reset && ir_bits <= extra) {
+      throw Unsupported("it scans what a TAP reset selects, and this probe cannot reset the TAP");
+    }
+    return probe_->Insert(ir_bits, ir, dr_bits, dr);
+  });
   End(InsertCall{&scan_}, result);
   return result;
 }

@@ -41,7 +41,8 @@ class ObservedProbe : public Probe {
   int Execute(std::uint8_t* capture) override;
   int Gpio(int out_value, std::uint32_t& data, int oe_mask, int flags) override;
   void Flush() override { probe_->Flush(); }
-  bool ResetTapBeforeScan() override { return probe_->ResetTapBeforeScan(); }
+  // If the probe cannot do it, the next scan must at least load an instruction, or it fails.
+  bool ResetTapBeforeScan() override;
   std::optional<long> TckCycles() const override { return probe_->TckCycles(); }
 
   const RunCounts& Counts() const { return counts_; }
@@ -62,6 +63,7 @@ class ObservedProbe : public Probe {
   bool measures_place_ = false;
   bool confirms_chain_ = false;
   bool found_place_ = false;  // as far as the options ask for it
+  bool lacks_reset_ = false;  // since the last scan
   Follower& follower_;
   RunEvents& events_;
   Rescue& rescue_;

@@ -247,7 +247,9 @@ ExitStatus Runner::PlayOne(Script& script) {
 
 void Runner::RequestReset(const Script& script) {
   if (probe_.ResetTapBeforeScan()) return events_.RequestReset();
-  events_.Remark(fmt::format("{}: # reset TAP is skipped: the probe shows no pins", script.path));
+  constexpr const char* kSkipped = "# reset TAP is skipped: the probe shows no pins";
+  if (command_.strict) throw Unsupported(kSkipped);
+  events_.Remark(fmt::format("{}: {}", script.path, kSkipped));
 }
 
 // A GPIO script drives the pins itself.

@@ -134,6 +134,8 @@ TEST(Servers, EndARunAsTheyShould) {
   const std::string writes = "tests/scripts/endless_writes.gpio";
   const std::string dr_only = "tests/scripts/dr_only.ini";
   const std::string tap_reset = "tests/scripts/tap_reset.ini";
+  const std::string loads = "tests/scripts/tap_reset_loads.ini";
+  const std::string skipped = ": # reset TAP is skipped: the probe shows no pins";
   const std::string pins = "tests/scripts/reported_pins.gpio";
   const std::string nrst = "NRST, which this probe does not report (mask 0x21)";
   const std::string step = "SERVER: the server is out of step: it answers what was not asked";
@@ -221,9 +223,11 @@ TEST(Servers, EndARunAsTheyShould) {
        pins + " is not learned: the probe does not tell all that it expects"},
 
       {OpenocdScan({"3 0 01 10 E5 1c", "4 0"}), openocd, idcode, 0, ""},
-      {OpenocdScan({"3 0 01 10 E5 1c", "4 0"}), openocd, tap_reset, 0,
-       tap_reset + ": # reset TAP is skipped: the probe shows no pins"},
-      {OpenocdScan({"3 0 01 10 E5 1c", "4 0"}), openocd, "-q " + tap_reset, 0, ""},
+      {OpenocdScan({"3 0 01 10 E5 1c", "4 0"}), openocd, loads, 0, loads + skipped},
+      {OpenocdScan({"3 0 01 10 E5 1c", "4 0"}), openocd, "-q " + loads, 0, ""},
+      {OpenocdScan({}), openocd, "--strict " + loads, 1, loads + skipped},
+      {OpenocdScan({"3 0"}), openocd, "-q " + tap_reset, 1,
+       "it scans what a TAP reset selects, and this probe cannot reset the TAP"},
       {close_at_once, openocd, reset, 3, gone},
       {reset_connection, openocd, reset, 3, "SERVER: connection lost: Connection reset by peer"},
       {kSilent, openocd, reset, 3, silence},

@@ -85,6 +85,8 @@ played() {
   tail -n +$((before + 1)) "$scratch/chain.txt" | grep -o 'IR 15 bits.*' >>"$file"
 }
 played openocd.txt --probe "$probe:b.tap"
+detect 3 --probe "$probe:x.tap"
+holds err.txt 'icehost: OpenOCD has no TAP "x.tap", it has: a.tap, b.tap, c.tap'
 stop_openocd
 detect 0 --probe "$pins"
 [ "$declared" = "$(idcodes)" ] || fail "OpenOCD and the pins have other IDCODEs"
