@@ -247,10 +247,11 @@ void JtagForm::End() {
                    "no SIR before: this scans what the instruction before the file selects, or a "
                    "TAP reset: icehost resets the TAP, a debug server may not");
   }
-  if (wait_.has_value())
+  if (wait_.has_value()) {
     problems_.Note(
         *wait_,
         "left out: no scan follows it, so what the last one has started gets no TCK cycles");
+  }
   if (reset_.has_value()) {
     problems_.Warn(*reset_,
                    "left out: a JTAG script cannot reset the TAP after its scans; the last "
