@@ -25,7 +25,7 @@
 #include "host/pins/pin_writers.h"
 #include "host/pins/recording_port.h"
 #include "host/probe/bitbang_port.h"
-#include "host/probe/bitbang_server.h"
+#include "host/probe/bitbang_session.h"
 #include "host/probe/openocd.h"
 #include "host/probe/pin_probe.h"
 #include "host/probe/sim_port.h"

@@ -161,8 +161,7 @@ void CompleteServe(const CLI::App& verb, ServeCommand& serve) {
   if (serve.verbose && serve.quiet) throw CLI::ValidationError("--verbose", "is against --quiet");
   if (!kind.ShowsPins()) {
     throw CLI::ValidationError(
-        "--probe",
-        std::string(kind.title) + " takes whole scans, and a client of serve sets single pins");
+        "--probe", std::string(kind.title) + " takes whole scans, and serve sets single pins");
   }
   RefuseUnfitProbe(verb, serve.probe);
 }
@@ -242,14 +241,16 @@ CLI::App& AddVerb(CLI::App& app, ImportCommand& import) {
 }
 
 CLI::App& AddVerb(CLI::App& app, ServeCommand& serve) {
-  CLI::App& verb =
-      NewVerb(app, "serve", "Serve a target by the remote_bitbang protocol, until a signal ends it",
-              serve.quiet);
+  CLI::App& verb = NewVerb(
+      app, "serve", "Serve a target by remote_bitbang or XVC, until a signal ends it", serve.quiet);
   AddParsed(verb, "ENDPOINT", "",
             "tcp:PORT (on the loopback address), tcp:ADDRESS:PORT or unix:PATH",
             [&serve](const std::string& text) { serve.endpoint = ParseServeEndpoint(text); })
       ->required();
-  verb.add_flag("-v,--verbose", serve.verbose, "Say when clients come and go");
+  AddParsed(verb, "--protocol", "PROTOCOL", ProtocolHelp(),
+            [&serve](const std::string& text) { serve.protocol = &ParseProtocol(text); });
+  verb.add_flag("-v,--verbose", serve.verbose,
+                "Say when clients come and go, and what is wrong with their bytes");
   AddParsed(verb, "--idle-limit", "SECONDS",
             "How long a client may be silent until another takes its place (default 60)",
             [&serve](const std::string& text) { serve.idle_limit = ParseSeconds(text); });

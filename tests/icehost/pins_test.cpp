@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "host/pins/recording_port.h"
-#include "host/probe/bitbang_server.h"
+#include "host/probe/bitbang_session.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include <regex>
 #include <thread>
 
-#include "host/probe/bitbang_server.h"
+#include "host/probe/bitbang_session.h"
 #include "host/probe/sim_port.h"
 #include "tests/icehost/local_server.h"
 #include "tests/icehost/run_icehost.h"
