@@ -39,18 +39,19 @@ void AppendBytes(const Bits& bits, std::string& text) {
 
 XvcPort::XvcPort(Socket socket) : socket_(std::move(socket)) {
   socket_.AdviseOnLoss("is another client connected?");
-  socket_.Send(kXvcGetInfo);
-  const std::string info = ReceiveInfo();
-  const auto bytes = VectorBytes(info);
+  info_ = AskInfo();
+  const auto bytes = VectorBytes(info_);
   if (!bytes.has_value()) {
     throw IoError(fmt::format("{}: expected {}N with N from 2 to {}, got \"{}\"", socket_.Name(),
-                              kXvcInfo, kMostInfo, Printable(info.substr(0, info.find('\n')))));
+                              kXvcInfo, kMostInfo, Printable(info_.substr(0, info_.find('\n')))));
   }
-  CheckStep(info.size() - info.find('\n') - 1);
+  CheckStep(info_.size() - info_.find('\n') - 1);
   most_bits_ = std::min(std::size_t{*bytes} / 2 * 8, kMostBitsAtOnce);
 }
 
-std::string XvcPort::ReceiveInfo() {
+std::string XvcPort::AskInfo() {
+  CheckStep(socket_.Pending());
+  socket_.Send(kXvcGetInfo);
   std::string info;
   while (info.find('\n') == std::string::npos && info.size() < kLongestInfo) {
     const std::string bytes = socket_.Receive(kLongestInfo - info.size());
@@ -84,6 +85,7 @@ Bits XvcPort::CollectTdo() {
 
 void XvcPort::Flush() {
   Shift();
+  if (AskInfo() != info_) socket_.FailOutOfStep();
   CheckStep(socket_.Pending(Socket::kStragglers));
 }
 

@@ -33,15 +33,17 @@ class XvcPort : public PinPort {
   int Read() override;
   void SampleTdo() override { sample_next_ = true; }
   Bits CollectTdo() override;
+  // Returns after the server has answered to getinfo as at the beginning.
   void Flush() override;
 
  private:
-  std::string ReceiveInfo();
+  std::string AskInfo();
   std::string Receive(std::size_t count);
   void Shift();
   void CheckStep(std::size_t came) const;
 
   Socket socket_;
+  std::string info_;  // what the server has answered to getinfo
   std::size_t most_bits_;  // in a shift
   int levels_ = GPIO_PIN_ALL;
   bool sample_next_ = false;
