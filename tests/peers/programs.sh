@@ -115,7 +115,10 @@ for what in calls scans; do
 done
 grep -qx 'DR 32 bits 0xedcba987 -> 0x12345678' "$scratch/xvc.scans" || fail "no scans over XVC"
 
-serve --protocol xvc
+# A bridge from XVC to remote_bitbang.
+serve
+behind=$server
+serve --protocol xvc --probe "remote-bitbang:127.0.0.1:$port"
 refused "xvc:127.0.0.1:$port" examples/reset.ini \
   "9: link_reset failed: XVC has no reset lines: NRST and TRST cannot be driven"
 refused "xvc:127.0.0.1:$port" examples/read_idcode.gpio \
@@ -127,9 +130,11 @@ holds run.txt "$("$icehost" detect)"
 openFPGALoader -c xvc-client --ip 127.0.0.1 --port "$port" --detect >"$scratch/run.log" 2>&1 || true
 grep -q 'IDCODE: 0x1ce51001 ' "$scratch/run.log" || fail "openFPGALoader"
 stop TERM "$server"
+stop TERM "$behind"
 
 # serve_socket: starts a server of a UNIX socket, in place of `server`.
 serve_socket() {
+  : >"$scratch/unix.log"
   env --default-signal=INT "$icehost" serve "unix:$scratch/socket" 2>"$scratch/unix.log" &
   server=$!
   wait_for 'unix:.*' "$scratch/unix.log" >/dev/null
