@@ -43,7 +43,7 @@ class XvcPort : public PinPort {
   void CheckStep(std::size_t came) const;
 
   Socket socket_;
-  std::string info_;  // what the server has answered to getinfo
+  std::string info_;       // what the server has answered to getinfo
   std::size_t most_bits_;  // in a shift
   int levels_ = GPIO_PIN_ALL;
   bool sample_next_ = false;

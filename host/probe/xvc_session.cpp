@@ -70,14 +70,14 @@ std::size_t XvcSession::SetTck(std::string_view bytes, std::string& answers) {
 }
 
 std::size_t XvcSession::Shift(std::string_view bytes, std::string& answers) {
-  const std::size_t bits =
-      NumberOfBits(BitsFrom(bytes.substr(kXvcShift.size(), kXvcNumberBytes), 8 * kXvcNumberBytes));
+  const std::string_view number = bytes.substr(kXvcShift.size(), kXvcNumberBytes);
+  const std::size_t bits = NumberOfBits(BitsFrom(number, 8 * number.size()));
   if (bits == 0 || bits > 8 * kMostVectorBytes) {
     fault_ =
         fmt::format("a shift of {} bits, where 1 to {} are possible", bits, 8 * kMostVectorBytes);
     return 0;
   }
-  const std::size_t head = kXvcShift.size() + kXvcNumberBytes;
+  const std::size_t head = kXvcShift.size() + number.size();
   const std::size_t vector = (bits + 7) / 8;
   if (bytes.size() < head + 2 * vector) return 0;
   Clock(BitsFrom(bytes.substr(head, vector), bits),

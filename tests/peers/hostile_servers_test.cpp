@@ -4,6 +4,7 @@
 #include <asio.hpp>
 #include <atomic>
 #include <chrono>
+#include <cstdlib>
 #include <regex>
 #include <thread>
 
@@ -90,15 +91,17 @@ Server Once(const std::string& answer) {
 }
 
 // Answers getinfo: with `info`, and every other command as a server of the simulated target does,
-// but with `after` at once behind the answer.
+// but with `after` at once behind the answer. Closes where a shift has more bytes than it has said.
 Server Xvc(const std::string& info, const std::string& after = "") {
   return [=](tcp::socket& client) {
+    const std::size_t most = std::strtoul(&info[info.find(':') + 1], nullptr, 10);
     icehost::SimPort port{icehost::TargetOptions{}};
     icehost::XvcSession session(port);
     for (;;) {
       const std::string bytes = ReadFrom(client);
       std::string answers;
       session.Feed(bytes, answers);
+      if (bytes.size() > 10 + most) return;
       Write(client, bytes == "getinfo:" ? info : answers + after);
     }
   };
