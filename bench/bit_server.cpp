@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <string>
 
-#include "host/probe/bitbang_server.h"
+#include "host/probe/bitbang_session.h"
 #include "host/probe/sim_port.h"
 
 namespace {

@@ -1,7 +1,8 @@
-// Fuzzes icehost's own doors. The first byte of an input says which: 's' what a client sends to the
-// server, 'b' what a remote_bitbang server answers, 'o' what an OpenOCD answers, 'c' a script to
-// check, 'v' an SVF file to import, 'd' what a chain of TAPs answers, 'e' what OpenOCD says of its
-// chain. Behind it comes what enters there.
+// Fuzzes icehost's own doors. The first byte of an input says which: 's' what a remote_bitbang
+// client sends, 'x' what an XVC client sends, 'b' what a remote_bitbang server answers, 'y' what an
+// XVC server answers, 'o' what an OpenOCD answers, 'c' a script to check, 'v' an SVF file to
+// import, 'd' what a chain of TAPs answers, 'e' what OpenOCD says of its chain. Behind it comes
+// what enters there.
 #include <algorithm>
 #include <array>
 #include <asio/local/connect_pair.hpp>
@@ -25,10 +26,13 @@
 #include "host/pins/pin_writers.h"
 #include "host/pins/recording_port.h"
 #include "host/probe/bitbang_port.h"
-#include "host/probe/bitbang_server.h"
+#include "host/probe/bitbang_session.h"
 #include "host/probe/openocd.h"
 #include "host/probe/pin_probe.h"
 #include "host/probe/sim_port.h"
+#include "host/probe/xvc.h"
+#include "host/probe/xvc_port.h"
+#include "host/probe/xvc_session.h"
 #include "host/svf/importer.h"
 #include "host/system/errors.h"
 #include "host/system/files.h"
@@ -51,11 +55,10 @@ using asio::local::stream_protocol;
 // sends the next of its answers, whatever they are, and it closes with the last.
 class Peer : public std::enable_shared_from_this<Peer> {
  public:
-  // How many of these bytes are one answer.
-  using AnswerSize = std::size_t (*)(std::string_view bytes);
+  // How many of the bytes of `answers` answer these questions.
+  using AnswerSize = std::size_t (*)(std::string_view questions, std::string_view answers);
 
-  Peer(std::string_view answers, char question, AnswerSize size)
-      : answers_(answers), question_(question), size_(size) {}
+  Peer(std::string_view answers, AnswerSize size) : answers_(answers), size_(size) {}
 
   icehost::Socket Client() {
     stream_protocol::socket client(icehost::EventLoop());
@@ -73,10 +76,7 @@ class Peer : public std::enable_shared_from_this<Peer> {
   }
 
   bool Answer(std::string_view questions) {
-    std::size_t size = 0;
-    for (const char byte : questions) {
-      if (byte == question_ && size < answers_.size()) size += size_(answers_.substr(size));
-    }
+    const std::size_t size = size_(questions, answers_);
     asio::error_code gone;
     asio::write(socket_, asio::buffer(answers_.substr(0, size)), gone);
     answers_.remove_prefix(size);
@@ -85,21 +85,42 @@ class Peer : public std::enable_shared_from_this<Peer> {
   }
 
   std::string_view answers_;
-  char question_;
   AnswerSize size_;
   stream_protocol::socket socket_{icehost::EventLoop()};
   std::array<char, 4096> bytes_{};
 };
 
-// A byte, or two where it is none of ASCII's.
-std::size_t BitbangAnswer(std::string_view bytes) {
-  return static_cast<unsigned char>(bytes.front()) < 0x80 ? 1
-                                                          : std::min<std::size_t>(2, bytes.size());
+std::size_t UpTo(char end, std::string_view bytes) {
+  return std::min(bytes.find(end), bytes.size() - 1) + 1;
 }
 
-// Up to the end of the text.
-std::size_t OpenocdAnswer(std::string_view bytes) {
-  return std::min(bytes.find('\x1a'), bytes.size() - 1) + 1;
+// A byte for each R, or two where it is none of ASCII's.
+std::size_t BitbangAnswers(std::string_view questions, std::string_view answers) {
+  std::size_t size = 0;
+  for (auto left = std::count(questions.begin(), questions.end(), 'R'); left > 0; --left) {
+    if (size < answers.size()) size += static_cast<unsigned char>(answers[size]) < 0x80 ? 1 : 2;
+  }
+  return std::min(size, answers.size());
+}
+
+// Up to the end of a text for each.
+std::size_t OpenocdAnswers(std::string_view questions, std::string_view answers) {
+  std::size_t size = 0;
+  for (auto left = std::count(questions.begin(), questions.end(), '\x1a'); left > 0; --left) {
+    size += UpTo('\x1a', answers.substr(size));
+  }
+  return size;
+}
+
+// A line, or the bytes of a shift; one more where the first is 255.
+std::size_t XvcAnswers(std::string_view question, std::string_view answers) {
+  const std::size_t name = icehost::kXvcShift.size();
+  if (question.substr(0, name) != icehost::kXvcShift) return UpTo('\n', answers);
+  const std::string bits(question.substr(name, icehost::kXvcNumberBytes));
+  const std::size_t bytes =
+      (icehost::NumberOfBits(icehost::BitsOfBytes(bits, 8 * bits.size())) + 7) / 8;
+  Check(question.size() == name + bits.size() + 2 * bytes, "a shift has its TMS and TDI");
+  return std::min(bytes + (answers.substr(0, 1) == "\xff" ? 1 : 0), answers.size());
 }
 
 class StepCounter : public icehost::StepRecorder {
@@ -127,6 +148,7 @@ void Scan(icehost::Probe& probe) {
 
 // Serves the client's bytes a second time, with everything recorded and a client that leaves in the
 // middle. The answers must stay the same.
+template <class Session>
 std::string ServeRecorded(std::string_view bytes) {
   std::ostringstream text;
   const auto trace = icehost::MakeServeTrace(text);
@@ -138,7 +160,7 @@ std::string ServeRecorded(std::string_view bytes) {
   icehost::SimPort port{icehost::TargetOptions{}};
   icehost::RecordingPort recording(
       port, {&counter, dynamic_cast<icehost::StepRecorder*>(vcd.get()), &to_trace, &to_json});
-  icehost::BitbangSession session(recording);
+  Session session(recording);
   std::string answers;
   const std::size_t half = bytes.size() / 2;
   const bool stays = session.Feed(bytes.substr(0, half), answers);
@@ -152,18 +174,28 @@ std::string ServeRecorded(std::string_view bytes) {
   return answers;
 }
 
-void Serve(std::string_view bytes) {
+template <class Session>
+std::string Serve(std::string_view bytes) {
   icehost::SimPort port{icehost::TargetOptions{}};
-  icehost::BitbangSession session(port);
+  Session session(port);
   std::string answers;
   session.Feed(bytes, answers);
+  Check(ServeRecorded<Session>(bytes) == answers, "recording changes no answer");
+  return answers;
+}
+
+void ServeBitbang(std::string_view bytes) {
+  const std::string answers = Serve<icehost::BitbangSession>(bytes);
   Check(answers.size() <= bytes.size(), "at most one answer for a byte");
   Check(answers.find_first_not_of("01") == std::string::npos, "answers are levels");
-  Check(ServeRecorded(bytes) == answers, "recording changes no answer");
+}
+
+void ServeXvc(std::string_view bytes) {
+  Check(Serve<icehost::XvcSession>(bytes).size() <= 3 * bytes.size(), "answers have a bound");
 }
 
 void BeBitbangClient(std::string_view bytes) {
-  icehost::BitbangPort port(std::make_shared<Peer>(bytes, 'R', BitbangAnswer)->Client(),
+  icehost::BitbangPort port(std::make_shared<Peer>(bytes, BitbangAnswers)->Client(),
                             icehost::BitbangPort::Manner::kProbe);
   StepCounter counter;
   icehost::RecordingPort recording(port, {&counter});
@@ -175,9 +207,19 @@ void BeBitbangClient(std::string_view bytes) {
 }
 
 void BeOpenocdClient(std::string_view bytes) {
-  const auto peer = std::make_shared<Peer>(bytes, '\x1a', OpenocdAnswer);
+  const auto peer = std::make_shared<Peer>(bytes, OpenocdAnswers);
   icehost::OpenocdProbe probe(peer->Client(), "");
   Scan(probe);
+  probe.Flush();
+}
+
+void BeXvcClient(std::string_view bytes) {
+  icehost::XvcProbe probe(std::make_shared<Peer>(bytes, XvcAnswers)->Client());
+  try {
+    Scan(probe);
+  } catch (const icehost::Unsupported&) {
+    // it shows no pins
+  }
   probe.Flush();
 }
 
@@ -360,8 +402,10 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size == 0) return 0;
   const std::string_view bytes(reinterpret_cast<const char*>(data) + 1, size - 1);
   try {
-    if (data[0] == 's') Serve(bytes);
+    if (data[0] == 's') ServeBitbang(bytes);
+    if (data[0] == 'x') ServeXvc(bytes);
     if (data[0] == 'b') BeBitbangClient(bytes);
+    if (data[0] == 'y') BeXvcClient(bytes);
     if (data[0] == 'o') BeOpenocdClient(bytes);
     if (data[0] == 'c') CheckScript(bytes);
     if (data[0] == 'v') ImportSvf(bytes);

@@ -34,6 +34,8 @@ ObservedProbe::ObservedProbe(const ProbeOptions& options, int wire_mode, bool re
   const ProbeKind& kind = *options.kind;
   if (!kind.ShowsPins()) {
     probe_ = kind.open_scans(options);
+    pins_ = dynamic_cast<PinProbe*>(probe_.get());
+    if (pins_ != nullptr) pins_->SetPlace(place_);
     return;
   }
   port_ = kind.open_pins(options);
@@ -146,8 +148,7 @@ int ObservedProbe::Execute(std::uint8_t* capture) {
 void ObservedProbe::FindPlace() {
   if (found_place_ || pins_ == nullptr) return;
   if (measures_place_ || (confirms_chain_ && wire_mode_ != CDI_ANSWER_2WIRE)) {
-    const Chain chain =
-        ReadChain(recording_ != nullptr ? static_cast<PinPort&>(*recording_) : *port_);
+    const Chain chain = ReadChain(pins_->Port());
     pins_->ResetTapBeforeScan();
     if (measures_place_) {
       place_ = PlaceIn(chain, place_.tap);

@@ -58,7 +58,7 @@ class ObservedProbe : public Probe {
   std::unique_ptr<PinPort> port_;             // null if the probe shows no pins
   std::unique_ptr<RecordingPort> recording_;  // null if nothing records them
   std::unique_ptr<Probe> probe_;
-  PinProbe* pins_ = nullptr;  // the probe, if it shows pins
+  PinProbe* pins_ = nullptr;  // the probe, if it moves the TAPs itself
   ChainPlace place_;
   bool measures_place_ = false;
   bool confirms_chain_ = false;

@@ -8,7 +8,7 @@
 
 #include "host/pins/recording_port.h"
 #include "host/pins/tap_decoder.h"
-#include "host/probe/bitbang_server.h"
+#include "host/probe/server.h"
 #include "host/system/errors.h"
 #include "host/system/interrupt.h"
 #include "host/system/standard_streams.h"
@@ -27,7 +27,7 @@ std::unique_ptr<PinPort> OpenServed(const ProbeOptions& probe) {
   return (kind.open_served != nullptr ? kind.open_served : kind.open_pins)(probe);
 }
 
-class Serving : private BitbangServer::Observer {
+class Serving : private Server::Observer {
  public:
   // Opens everything. Throws IoError, BadUsage, or Interrupted.
   explicit Serving(const ServeCommand& command)
@@ -51,6 +51,7 @@ class Serving : private BitbangServer::Observer {
   void OnClient(const std::string& peer) override;
   void OnBytes(std::size_t count) override { client_.bytes += count; }
   void OnDone() override { outputs_.Flush(); }
+  void OnFault(const std::string& why) override;
   void OnClientLeft() override;
   void OnRefusal(const std::string& why) override { Say(why); }
   void Say(const std::string& text) const;
@@ -61,7 +62,8 @@ class Serving : private BitbangServer::Observer {
   std::unique_ptr<PinPort> port_;
   std::optional<RecordingPort> recording_;  // of it, where an output is asked for
   Listener listener_;
-  std::optional<BitbangServer> server_;
+  std::unique_ptr<Session> session_;
+  std::optional<Server> server_;
   ServedClient client_;  // the last one
   bool has_client_ = false;
   std::size_t scans_before_ = 0;  // it came
@@ -112,9 +114,10 @@ PinPort& Serving::Begin() {
 std::string Serving::Serve() try {
   AllowAfterSignal(kLastBytes);
   PinPort& port = Begin();
-  Say("serving remote_bitbang on " + listener_.Name());
+  session_ = command_.protocol->open(port);
+  Say(fmt::format("serving {} on {}", command_.protocol->title, listener_.Name()));
   Observer& observer = *this;
-  server_.emplace(listener_, port, command_.idle_limit, observer).Run();
+  server_.emplace(listener_, port, *session_, command_.idle_limit, observer).Run();
   return "";
 } catch (const Interrupted& interrupted) {
   return Fault(interrupted.what());
@@ -150,6 +153,10 @@ void Serving::OnClient(const std::string& peer) {
     Say(fmt::format("client {} connected{}{}", client_.number, peer.empty() ? "" : " from ", peer));
   }
   outputs_.Flush();
+}
+
+void Serving::OnFault(const std::string& why) {
+  if (command_.verbose) Say(fmt::format("client {} is sent away: {}", client_.number, why));
 }
 
 void Serving::OnClientLeft() {

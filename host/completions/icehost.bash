@@ -38,11 +38,12 @@ _icehost_value() {
     --probe)
       [[ $cur == remote-bitbang:unix:* ]] && return
       local probes=(sim remote-bitbang: remote-bitbang:unix:)
-      [[ $verb == serve ]] || probes+=(openocd:)
+      [[ $verb == serve ]] || probes+=(xvc: openocd:)
       _icehost_offer "${probes[@]}"
       ;;
     --wire) _icehost_offer jtag5 2wire cjtag2 ;;
     --script) _icehost_offer jtag gpio ;;
+    --protocol) _icehost_offer remote-bitbang xvc ;;
     --size-limit | --timeout | --ir-length | --idcode | --idcode-instruction \
       | --register | --idle-limit | --tck-hz | --chain | --tap) _icehost_offer ;;
     *) return 1 ;;
@@ -76,8 +77,8 @@ _icehost() {
     detect) options+=" $target --probe --timeout --script" ;;
     import) options+=' --script --tck-hz --size-limit --all -o --output' ;;
     serve)
-      options+=" $target -v --verbose --idle-limit --probe --timeout --trace --trace= --json --vcd"
-      options+=' --html'
+      options+=" $target --protocol -v --verbose --idle-limit --probe --timeout --trace --trace="
+      options+=' --json --vcd --html'
       ;;
     '') options+=' --version' ;;
     *) options='' ;;

@@ -23,7 +23,8 @@ function __icehost_probes
     printf '%s\t%s\n' sim 'The simulated probe and target' \
         remote-bitbang: 'A remote_bitbang server, HOST:PORT' \
         remote-bitbang:unix: 'A remote_bitbang server, a socket file'
-    __icehost_in serve; or printf 'openocd:\tAn adapter that OpenOCD drives, HOST:PORT[:TAP]\n'
+    __icehost_in serve; or printf '%s\t%s\n' xvc: 'An XVC server, HOST:PORT' \
+        openocd: 'An adapter that OpenOCD drives, HOST:PORT[:TAP]'
 end
 
 function __icehost_endpoints
@@ -36,7 +37,7 @@ function __icehost_verbs
         check 'Report every problem of scripts without touching a probe' \
         detect 'Tell which TAPs are on a probe' \
         import 'Make a script of a Serial Vector Format (SVF) file' \
-        serve 'Serve a target by the remote_bitbang protocol'
+        serve 'Serve a target by remote_bitbang or XVC'
 end
 
 # An option of these verbs: __icehost_option "VERB..." ARGUMENT...
@@ -84,5 +85,6 @@ __icehost_option import -l all -d 'Report every problem, instead of each reason 
 __icehost_option import -s o -l output -r -F -d 'Write the script to a file'
 
 __icehost_option serve -a '(__icehost_endpoints)'
-__icehost_option serve -s v -l verbose -d 'Say when clients come and go'
+__icehost_option serve -l protocol -x -a 'remote-bitbang xvc' -d 'What clients speak'
+__icehost_option serve -s v -l verbose -d 'Say when clients come and go, and what is wrong'
 __icehost_option serve -l idle-limit -x -d 'Seconds that a client may be silent (60)'

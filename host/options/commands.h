@@ -12,6 +12,7 @@
 #include "host/system/endpoint.h"
 #include "host/tables/outputs.h"
 #include "host/tables/probes.h"
+#include "host/tables/protocols.h"
 
 namespace icehost {
 
@@ -65,6 +66,7 @@ struct ImportCommand {
 
 struct ServeCommand {
   Endpoint endpoint;
+  const ProtocolKind* protocol = &ProtocolKinds().front();
   ProbeOptions probe;
   std::chrono::milliseconds idle_limit{60000};
   OutputRequests outputs;

@@ -143,7 +143,7 @@ void CompletePlace(const CLI::App& verb, ProbeOptions& probe) {
     throw CLI::ValidationError(option, why);
   };
   if (lengths.empty() && !chosen) return;
-  if (!probe.kind->ShowsPins()) {
+  if (probe.kind->only_tap != nullptr) {
     refuse("--tap", std::string(probe.kind->title) + " knows the chain: name the TAP in --probe");
   }
   probe.measures_place = lengths.empty();
@@ -210,8 +210,7 @@ void CompleteServe(const CLI::App& verb, ServeCommand& serve) {
   if (serve.verbose && serve.quiet) throw CLI::ValidationError("--verbose", "is against --quiet");
   if (!kind.ShowsPins()) {
     throw CLI::ValidationError(
-        "--probe",
-        std::string(kind.title) + " takes whole scans, and a client of serve sets single pins");
+        "--probe", std::string(kind.title) + " takes whole scans, and serve sets single pins");
   }
   CompletePlace(verb, serve.probe);
   RefuseLoneTap(serve.probe);
@@ -295,14 +294,16 @@ CLI::App& AddVerb(CLI::App& app, ImportCommand& import) {
 }
 
 CLI::App& AddVerb(CLI::App& app, ServeCommand& serve) {
-  CLI::App& verb =
-      NewVerb(app, "serve", "Serve a target by the remote_bitbang protocol, until a signal ends it",
-              serve.quiet);
+  CLI::App& verb = NewVerb(
+      app, "serve", "Serve a target by remote_bitbang or XVC, until a signal ends it", serve.quiet);
   AddParsed(verb, "ENDPOINT", "",
             "tcp:PORT (on the loopback address), tcp:ADDRESS:PORT or unix:PATH",
             [&serve](const std::string& text) { serve.endpoint = ParseServeEndpoint(text); })
       ->required();
-  verb.add_flag("-v,--verbose", serve.verbose, "Say when clients come and go");
+  AddParsed(verb, "--protocol", "PROTOCOL", ProtocolHelp(),
+            [&serve](const std::string& text) { serve.protocol = &ParseProtocol(text); });
+  verb.add_flag("-v,--verbose", serve.verbose,
+                "Say when clients come and go, and what is wrong with their bytes");
   AddParsed(verb, "--idle-limit", "SECONDS",
             "How long a client may be silent until another takes its place (default 60)",
             [&serve](const std::string& text) { serve.idle_limit = ParseSeconds(text); });

@@ -85,8 +85,7 @@ void OpenocdRpc::ExpectNoMore() {
 // The number of a command is known in advance, so an answer that comes too early could look right.
 void OpenocdRpc::ThrowIfEarly(std::chrono::milliseconds patience) {
   if (received_.empty() && socket_.Pending(patience) == 0) return;
-  throw IoError(
-      fmt::format("{}: the server is out of step: it answers what was not asked", socket_.Name()));
+  socket_.FailOutOfStep();
 }
 
 std::string OpenocdRpc::ReceiveAnswer(const std::string& command) {

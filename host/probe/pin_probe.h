@@ -66,6 +66,7 @@ class PinProbe : public Probe {
         place_(std::move(place)) {}
 
   void SetPlace(ChainPlace place) { place_ = std::move(place); }
+  PinPort& Port() { return port_; }
 
   int Config(int code, int value) override;
   int Reset(int kind) override;

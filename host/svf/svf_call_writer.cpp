@@ -38,10 +38,11 @@ void SvfCallWriter::OnScan(const CallEvent& call, const Scan& scan) {
   const Bits ir = SentBits(scan.ir);
   const Bits dr = SentBits(scan.dr);
   CommentOnPlace(path_, call.source, 0);
-  if (!ir.empty()) ScanStatement({true, ir, {}, {}});
+  const bool own = Place().ir_lengths.size() > 1;
+  if (!ir.empty()) ScanStatement({true, ir, {}, {}, own});
   if (!dr.empty()) {
-    ScanStatement(
-        {false, dr, BitsOfBytes(*scan.dr.out, dr.size()), MaskOf(call.source, false, dr.size())});
+    ScanStatement({false, dr, BitsOfBytes(*scan.dr.out, dr.size()),
+                   MaskOf(call.source, false, dr.size()), own});
   }
   CommentOnUnmet(call);
 }

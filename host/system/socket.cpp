@@ -187,6 +187,10 @@ void Socket::FailClosed(const std::string& who) const {
   throw IoError(fmt::format("{}: {} closed the connection{}", name_, who, Advice()));
 }
 
+void Socket::FailOutOfStep() const {
+  throw IoError(fmt::format("{}: the server is out of step: it answers what was not asked", name_));
+}
+
 std::string Socket::Advice() const {
   return received_ || advice_.empty() ? "" : fmt::format(" ({})", advice_);
 }

@@ -43,6 +43,8 @@ class Socket {
   void AdviseOnLoss(std::string advice) { advice_ = std::move(advice); }
   // Throws the error that `who`, on the other side, has closed the connection.
   [[noreturn]] void FailClosed(const std::string& who) const;
+  // Throws the error that it has sent what it was not asked for.
+  [[noreturn]] void FailOutOfStep() const;
   // To be called last; no signal ends it. Sends those of the bytes that the system takes without
   // waiting. Receives and drops so many `answers`, for as long as `patience`: a server that writes
   // to a closed connection may miss the bytes, or die.

@@ -9,6 +9,7 @@
 #include "host/probe/bitbang_port.h"
 #include "host/probe/openocd.h"
 #include "host/probe/sim_port.h"
+#include "host/probe/xvc_port.h"
 #include "host/system/errors.h"
 #include "host/system/socket.h"
 
@@ -132,6 +133,27 @@ ProbeKind Openocd() {
   return row;
 }
 
+std::unique_ptr<Probe> OpenXvc(const ProbeOptions& options) {
+  return std::make_unique<XvcProbe>(Connect(options));
+}
+
+Chain ReadXvc(const ProbeOptions& options) {
+  XvcPort port(Connect(options));
+  return ReadChain(port);
+}
+
+ProbeKind Xvc() {
+  ProbeKind row;
+  row.name = "xvc";
+  row.addresses = {"HOST:PORT"};
+  row.title = "XVC";
+  row.parse = ParseServer;
+  row.describe = DescribeAddress;
+  row.open_scans = OpenXvc;
+  row.read_chain = ReadXvc;
+  return row;
+}
+
 void AppendForms(const ProbeKind& kind, Texts& forms) {
   if (kind.addresses.empty()) forms.emplace_back(kind.name);
   for (const std::string& address : kind.addresses) {
@@ -163,7 +185,7 @@ std::string Listed(const Texts& items, std::size_t width) {
 }  // namespace
 
 const std::vector<ProbeKind>& ProbeKinds() {
-  static const std::vector<ProbeKind> kinds = {Sim(), RemoteBitbang(), Openocd()};
+  static const std::vector<ProbeKind> kinds = {Sim(), RemoteBitbang(), Xvc(), Openocd()};
   return kinds;
 }
 

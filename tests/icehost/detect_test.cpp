@@ -8,7 +8,7 @@
 
 #include "host/chain/chain.h"
 #include "host/chain/chain_reader.h"
-#include "host/probe/bitbang_server.h"
+#include "host/probe/bitbang_session.h"
 #include "host/probe/pin_port.h"
 #include "host/system/errors.h"
 #include "host/target/tap.h"

@@ -2,10 +2,13 @@
 #include <gtest/gtest.h>
 
 #include <sstream>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include "host/pins/recording_port.h"
-#include "host/probe/bitbang_server.h"
+#include "host/probe/bitbang_session.h"
+#include "host/probe/xvc_session.h"
 
 namespace {
 
@@ -24,14 +27,33 @@ class NotingPort : public icehost::PinPort {
   int reads = 0;
 };
 
-// NRST 1, TRST 2, TCK 4, TMS 8, TDI 10; TDO is never driven, and no other pin before it is set.
+struct Played {
+  std::string bytes;
+  std::string writes;
+  std::string answers;
+  bool open;
+};
+
+// NRST 1, TRST 2, TCK 4, TMS 8, TDI 10; TDO is never driven, and no other pin before it is set. The
+// bytes may come in two parts.
+template <class Session>
+void ExpectPlayed(const std::vector<Played>& sessions) {
+  for (const Played& test : sessions) {
+    for (std::size_t part = 0; part <= test.bytes.size(); ++part) {
+      NotingPort port;
+      Session session(port);
+      std::string answers;
+      const bool open = session.Feed(test.bytes.substr(0, part), answers) &&
+                        session.Feed(test.bytes.substr(part), answers);
+      EXPECT_EQ(open, test.open) << test.bytes;
+      EXPECT_EQ(port.notes.str(), test.writes) << test.bytes;
+      EXPECT_EQ(answers, test.answers) << test.bytes;
+    }
+  }
+}
+
 TEST(BitbangSession, SetsThePins) {
-  const struct {
-    const char* bytes;
-    const char* writes;
-    const char* answers;
-    bool open;
-  } kSessions[] = {
+  ExpectPlayed<icehost::BitbangSession>({
       {"", "", "", true},
       {"01234567", "3/1c 13/1c b/1c 1b/1c 7/1c 17/1c f/1c 1f/1c ", "", true},
       {"rstu", "3/3 2/3 1/3 0/3 ", "", true},
@@ -39,15 +61,26 @@ TEST(BitbangSession, SetsThePins) {
       {"RR0R", "3/1c ", "010", true},
       {"Bb8/qvx\n", "", "", true},
       {"R0RQ1R", "3/1c ", "01", false},
-  };
-  for (const auto& test : kSessions) {
-    NotingPort port;
-    icehost::BitbangSession session(port);
-    std::string answers;
-    EXPECT_EQ(session.Feed(test.bytes, answers), test.open) << test.bytes;
-    EXPECT_EQ(port.notes.str(), test.writes) << test.bytes;
-    EXPECT_EQ(answers, test.answers) << test.bytes;
-  }
+  });
+}
+
+// TDO is sampled before each rising edge, and TCK is low at the end.
+TEST(XvcSession, SetsThePins) {
+  using namespace std::string_literals;
+  ExpectPlayed<icehost::XvcSession>({
+      {"getinfo:getinfo:get", "", "xvcServer_v1.0:4096\nxvcServer_v1.0:4096\n", true},
+      {"settck:\0abcshift:\2\0\0\0\1\2settck:1234"s, "b/1c f/1c 13/1c 17/1c 13/1c ",
+       "\0abc\0021234"s, true},
+      {"shift:\11\0\0\0\0\0\1\1"s,
+       "13/1c 17/1c 3/1c 7/1c 3/1c 7/1c 3/1c 7/1c 3/1c 7/1c 3/1c 7/1c 3/1c 7/1c 3/1c 7/1c "
+       "13/1c 17/1c 13/1c ",
+       "\xaa\0"s, true},
+      {"shift:\11\0\0\0\0\0\1"s, "", "", true},
+      {"shift:\0\x40\0\0"s, "", "", true},
+      {"shift:\1\x40\0\0"s, "", "", false},
+      {"shift:\0\0\0\0"s, "", "", false},
+      {"settck:1234quit", "", "1234", false},
+  });
 }
 
 class NotingRecorder : public icehost::StepRecorder {

@@ -4,7 +4,7 @@
 #include <sstream>
 
 #include "host/pins/pin_writers.h"
-#include "host/probe/bitbang_server.h"
+#include "host/probe/bitbang_session.h"
 #include "host/probe/sim_port.h"
 
 namespace {

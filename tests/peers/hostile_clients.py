@@ -126,6 +126,32 @@ def check_recording():
     expect("waveform", read("v").splitlines()[-1], "#86")
 
 
+def check_xvc():
+    """A client that sends what XVC does not have is answered up to there and sent away. What one
+    has begun does not concern the next."""
+    serve = Serve("-v", "--protocol", "xvc")
+    info = b"xvcServer_v1.0:4096\n"
+    lengths = "bits, where 1 to 16384 are possible"
+    wanted = []
+    for number, (request, answers, why) in enumerate([
+        (b"getinfo:settck:\1\2\3\4foo\n", info + b"\1\2\3\4", 'unknown command "foo "'),
+        (b"shift:\0\0\0\0", b"", f"a shift of 0 {lengths}"),
+        (b"getinfo:shift:\xff\xff\xff\xff", info, f"a shift of 4294967295 {lengths}"),
+        (b"getinfo:shift:\x08\0\0\0\xff", info, None),
+        (b"getinfo:", info, None),
+    ], 1):
+        client = serve.client()
+        client.sendall(request)
+        if not why:
+            client.shutdown(socket.SHUT_WR)
+        expect(why, b"".join(iter(lambda one=client: one.recv(99), b"")), answers)
+        wanted += [f"icehost: client {number} connected from ADDRESS"]
+        wanted += [f"icehost: client {number} is sent away: {why}"] if why else []
+        wanted += [f"icehost: client {number} left: bytes {len(request)}"]
+    status, said = serve.end()
+    expect("verbose", (status, said.splitlines()), (0, wanted))
+
+
 def break_off(client):
     """Closes so that the other side finds the connection lost."""
     client.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, struct.pack("ii", 1, 0))
@@ -353,5 +379,5 @@ def check_flood():
     expect("behind", upstream.end()[0], 0)
 
 
-run_checks(check_passing_on, check_recording, check_next, check_lost, check_signal,
+run_checks(check_passing_on, check_recording, check_xvc, check_next, check_lost, check_signal,
            check_good_bye, check_cut_outputs, check_door, check_race, check_flood)

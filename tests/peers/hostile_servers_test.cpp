@@ -4,11 +4,13 @@
 #include <asio.hpp>
 #include <atomic>
 #include <chrono>
+#include <cstdlib>
 #include <regex>
 #include <thread>
 
-#include "host/probe/bitbang_server.h"
+#include "host/probe/bitbang_session.h"
 #include "host/probe/sim_port.h"
+#include "host/probe/xvc_session.h"
 #include "tests/icehost/local_server.h"
 #include "tests/icehost/run_icehost.h"
 
@@ -88,6 +90,36 @@ Server Once(const std::string& answer) {
   };
 }
 
+// Answers getinfo: with `info`, and every other command as a server of the simulated target does,
+// but with `after` at once behind the answer. Closes where a shift has more bytes than it has said.
+Server Xvc(const std::string& info, const std::string& after = "") {
+  return [=](tcp::socket& client) {
+    const std::size_t most = std::strtoul(&info[info.find(':') + 1], nullptr, 10);
+    icehost::SimPort port{icehost::TargetOptions{}};
+    icehost::XvcSession session(port);
+    for (;;) {
+      const std::string bytes = ReadFrom(client);
+      std::string answers;
+      session.Feed(bytes, answers);
+      if (bytes.size() > 10 + most) return;
+      Write(client, bytes == "getinfo:" ? info : answers + after);
+    }
+  };
+}
+
+// Answers getinfo: as it should, and then the commands with these; then it closes. One that is "+"
+// is sent before it is asked for, as a packet of its own.
+Server XvcAnswers(const std::vector<std::string>& answers) {
+  return [answers](tcp::socket& client) {
+    ReadFrom(client);
+    Write(client, "xvcServer_v1.0:64\n");
+    for (const std::string& answer : answers) {
+      if (answer != "+") ReadFrom(client);
+      Write(client, answer);
+    }
+  };
+}
+
 // For each command of OpenOCD's, in order; then silence.
 Server Openocd(const std::vector<std::string>& answers) {
   return [answers](tcp::socket& client) {
@@ -127,7 +159,7 @@ Outcome RunAgainst(const Server& server, const std::string& probe, const std::st
 
 // Nothing that a server does ends a run with 0 but right answers to every question.
 TEST(Servers, EndARunAsTheyShould) {
-  const std::string bitbang = "remote-bitbang", openocd = "openocd";
+  const std::string bitbang = "remote-bitbang", xvc = "xvc", openocd = "openocd";
   const std::string idcode = "tests/scripts/idcode.ini", reset = "tests/scripts/reset_only.ini";
   const std::string scratch = "examples/scratch_register.ini";
   const std::string walk = "tests/scripts/idcode.gpio", trst = "tests/scripts/trst.gpio";
@@ -146,6 +178,8 @@ TEST(Servers, EndARunAsTheyShould) {
   const std::string no_ir = "no TAP answers as it should: the captured IR does not end in 01 (";
   const std::string zeros = no_ir + "all zeros: TDO is shorted, or the target is held in reset)";
   const std::string other = no_ir + "its length is another, or it is one of several in a chain)";
+  const std::string no_info = "SERVER: expected xvcServer_v1.0:N with N from 2 to 1073741824, got ";
+  const std::string info = "xvcServer_v1.0:64\n", ones(7, '\xff');  // of a scan
   const std::string no_answer = "SERVER: this does not answer command ";
   const std::string no_scan = "OpenOCD's answer to a DR scan is none: ";
   const auto close_at_once = [](tcp::socket& client) { ReadFrom(client); };
@@ -221,6 +255,37 @@ TEST(Servers, EndARunAsTheyShould) {
        "expected 0x20, captured 0x00 without " + nrst + ": TDO is 0"},
       {Tdo("1"), bitbang, "--learn /dev/null " + pins, 1,
        pins + " is not learned: the probe does not tell all that it expects"},
+
+      // A scan in one shift, or in as many as the server makes of it.
+      {Xvc("xvcServer_v1.0:1073741824\n"), xvc, idcode + " " + scratch + " " + tap_reset, 0, ""},
+      {Xvc("xvcServer_v1.0:3\n"), xvc, idcode + " " + scratch + " " + tap_reset, 0, ""},
+      {Xvc(info), xvc, reset, 1, "XVC has no reset lines: NRST and TRST cannot be driven"},
+      {Xvc(info), xvc, walk, 1, "XVC cannot drive single pins: GPIO scripts do not run on it"},
+      {Xvc("xvcServer_v1.0:\n"), xvc, idcode, 3, no_info + "\"xvcServer_v1.0:\""},
+      {Xvc("xvcServer_v1.0:0\n"), xvc, idcode, 3, no_info + "\"xvcServer_v1.0:0\""},
+      {Xvc("xvcServer_v1.0:1\n"), xvc, idcode, 3, no_info + "\"xvcServer_v1.0:1\""},
+      {Xvc("xvcServer_v1.0:-2\n"), xvc, idcode, 3, no_info + "\"xvcServer_v1.0:-2\""},
+      {Xvc("xvcServer_v1.0:2 \n"), xvc, idcode, 3, no_info + "\"xvcServer_v1.0:2 \""},
+      {Xvc("xvcServer_v1.0:1073741825\n"), xvc, idcode, 3,
+       no_info + "\"xvcServer_v1.0:1073741825\""},
+      {Xvc("xvcServer_v1.1:64\n"), xvc, idcode, 3, no_info + "\"xvcServer_v1.1:64\""},
+      {Xvc("xvcServer_v1.0:64"), xvc, idcode, 3, silence},
+      {flood_when_asked, xvc, idcode, 3, no_info + '"' + std::string(64, '0') + '"'},
+      {Xvc(info + "0"), xvc, idcode, 3, step},
+      {Xvc(info, "0"), xvc, idcode, 3, step},
+      {XvcAnswers({ones, info}), xvc, idcode, 0,
+       "warning: " + no_ir + "all ones: nothing is powered, or nothing is connected)"},
+      {XvcAnswers({"abc", "de", info}), xvc, dr_only, 0, ""},
+      {XvcAnswers({"abcd", "e", info}), xvc, dr_only, 3, step},
+      {XvcAnswers({"abc", "de" + info}), xvc, dr_only, 3, step},
+      {XvcAnswers({"abc", "de", info + "0"}), xvc, dr_only, 3, step},
+      {XvcAnswers({"abc", "de", info, "+"}), xvc, dr_only, 3, step},
+      {XvcAnswers({"abc", "de", "xvcServer_v1.0:32\n"}), xvc, dr_only, 3, step},
+      {XvcAnswers({"abc", "de"}), xvc, dr_only, 3, closed},
+      {XvcAnswers({"abc", "d"}), xvc, dr_only, 3, closed},
+      {Once(info), xvc, idcode, 3, silence},
+      {kSilent, xvc, idcode, 3, silence},
+      {half_close, xvc, idcode, 3, closed + is_busy},
 
       {OpenocdScan({"3 0 01 10 E5 1c", "4 0"}), openocd, idcode, 0, ""},
       {OpenocdScan({"3 0 01 10 E5 1c", "4 0"}), openocd, loads, 0, loads + skipped},

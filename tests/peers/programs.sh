@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# icehost with programs that are not ours: OpenOCD as client and as probe, sigrok-cli and GTKWave's
-# reader on the waveform, an XML parser on the picture. usage: programs.sh ICEHOST SOURCE_FOLDER
+# icehost with programs that are not ours: OpenOCD as client and as probe, openFPGALoader as client,
+# sigrok-cli and GTKWave's reader on the waveform, an XML parser on the picture.
+# usage: programs.sh ICEHOST SOURCE_FOLDER
 source "$(dirname "${BASH_SOURCE[0]}")/../lib.sh"
 
 serve --idcode 0x2BADC001
@@ -98,8 +99,42 @@ same_in_gtkwave "$scratch/run.vcd"
 
 stop TERM "$server"
 
+# The same scripts by both protocols: the same calls, and the same scans at the server.
+for protocol in remote-bitbang xvc; do
+  serve --protocol "$protocol" --trace="$scratch/served.txt" --vcd "$scratch/$protocol.vcd"
+  for script in examples/{read_idcode,scratch_register,two_wire}.ini \
+    tests/scripts/{long_scans,tap_reset}.ini; do
+    "$icehost" run -q --trace --probe "$protocol:127.0.0.1:$port" "$script" 2>&1 || true
+  done >"$scratch/$protocol.calls"
+  stop TERM "$server"
+  cut -d' ' -f2- "$scratch/served.txt" | sed '/^client/d' >"$scratch/$protocol.scans"
+  shows_scan "$scratch/$protocol.vcd" 0x12345678 || fail "the waveform of $protocol"
+done
+for what in calls scans; do
+  diff "$scratch/remote-bitbang.$what" "$scratch/xvc.$what" || fail "other $what over XVC"
+done
+grep -qx 'DR 32 bits 0xedcba987 -> 0x12345678' "$scratch/xvc.scans" || fail "no scans over XVC"
+
+# A bridge from XVC to remote_bitbang.
+serve
+behind=$server
+serve --protocol xvc --probe "remote-bitbang:127.0.0.1:$port"
+refused "xvc:127.0.0.1:$port" examples/reset.ini \
+  "9: link_reset failed: XVC has no reset lines: NRST and TRST cannot be driven"
+refused "xvc:127.0.0.1:$port" examples/read_idcode.gpio \
+  "4: link_gpio_operator failed: XVC cannot drive single pins: GPIO scripts do not run on it"
+"$icehost" detect --probe "xvc:127.0.0.1:$port" >"$scratch/run.txt" || fail "detect over XVC"
+sed -i "s/xvc:[^ ]*/the simulated probe/" "$scratch/run.txt"
+holds run.txt "$("$icehost" detect)"
+# It knows no such device.
+openFPGALoader -c xvc-client --ip 127.0.0.1 --port "$port" --detect >"$scratch/run.log" 2>&1 || true
+grep -q 'IDCODE: 0x1ce51001 ' "$scratch/run.log" || fail "openFPGALoader"
+stop TERM "$server"
+stop TERM "$behind"
+
 # serve_socket: starts a server of a UNIX socket, in place of `server`.
 serve_socket() {
+  : >"$scratch/unix.log"
   env --default-signal=INT "$icehost" serve "unix:$scratch/socket" 2>"$scratch/unix.log" &
   server=$!
   wait_for 'unix:.*' "$scratch/unix.log" >/dev/null

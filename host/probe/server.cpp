@@ -1,4 +1,4 @@
-#include "host/probe/bitbang_server.h"
+#include "host/probe/server.h"
 
 #include <fmt/format.h>
 #include <netinet/tcp.h>
@@ -49,43 +49,16 @@ bool EndOperation() {
 
 }  // namespace
 
-bool BitbangSession::Feed(std::string_view bytes, std::string& answers) {
-  const std::size_t quit = bytes.find('Q');
-  for (const char byte : bytes.substr(0, quit)) {
-    if (byte >= '0' && byte <= '7') SetPins(byte - '0');
-    if (byte >= 'r' && byte <= 'u') SetResets(byte - 'r');
-    if (byte == 'R') port_.SampleTdo();
-  }
-  for (const bool tdo : port_.CollectTdo()) answers += tdo ? '1' : '0';
-  return quit == std::string_view::npos;
-}
-
-void BitbangSession::SetPins(int bits) {
-  levels_ &= kResetPins;
-  levels_ |= ((bits & 4) != 0 ? GPIO_PIN_TCK : 0) | ((bits & 2) != 0 ? GPIO_PIN_TMS : 0) |
-             ((bits & 1) != 0 ? GPIO_PIN_TDI : 0);
-  enables_ |= GPIO_PIN_TCK | GPIO_PIN_TMS | GPIO_PIN_TDI;
-  port_.Write(levels_, enables_);
-}
-
-// 1 asserts a reset, which drives its line low.
-void BitbangSession::SetResets(int bits) {
-  levels_ |= kResetPins;
-  levels_ &= ~(((bits & 2) != 0 ? GPIO_PIN_TRST : 0) | ((bits & 1) != 0 ? GPIO_PIN_NRST : 0));
-  enables_ |= kResetPins;
-  port_.Write(levels_, enables_);
-}
-
 // The port waits on the loop that these operations run on. They therefore only note what came, for
 // Work.
 
-struct BitbangServer::Arrival {
+struct Server::Arrival {
   std::optional<StreamProtocol::socket> socket;
   asio::error_code error;
   Clock::time_point came;
 };
 
-struct BitbangServer::Client {
+struct Server::Client {
   explicit Client(StreamProtocol::socket connection) : socket(std::move(connection)) {}
 
   static void Read(const std::shared_ptr<Client>& client) {
@@ -124,16 +97,16 @@ struct BitbangServer::Client {
   Clock::time_point last_heard = Clock::now();
 };
 
-BitbangServer::BitbangServer(Listener& listener, PinPort& port,
-                             std::chrono::milliseconds idle_limit, Observer& observer)
+Server::Server(Listener& listener, PinPort& port, Session& session,
+               std::chrono::milliseconds idle_limit, Observer& observer)
     : listener_(listener),
       port_(port),
+      session_(session),
       idle_limit_(idle_limit),
       observer_(observer),
-      session_(port),
       arrival_(std::make_shared<Arrival>()) {}
 
-void BitbangServer::Run() {
+void Server::Run() {
   Accept();
   while (!IsInterrupted()) {
     Wait();
@@ -145,19 +118,19 @@ void BitbangServer::Run() {
   }
 }
 
-bool BitbangServer::OwesAPart() const {
+bool Server::OwesAPart() const {
   return client_ != nullptr && !client_->gone && client_->HasLeft();
 }
 
 // Until something comes. A signal may have ended the server of the port, too.
-void BitbangServer::Wait() {
+void Server::Wait() {
   asio::io_context& loop = EventLoop();
   loop.restart();
   if (IsInterrupted()) return;
   if (loop.run_one_for(kLookAtPort) == 0 && !IsInterrupted()) port_.CheckAlive();
 }
 
-void BitbangServer::Accept() {
+void Server::Accept() {
   listener_.GetAcceptor().async_accept(
       [arrival = arrival_](const asio::error_code& error, StreamProtocol::socket socket) {
         arrival->socket.emplace(std::move(socket));
@@ -168,7 +141,7 @@ void BitbangServer::Accept() {
 
 // Does one thing, during which more may come; returns false if there is nothing to do. Judges a
 // newcomer only once nothing more has come from the client before, which may have left.
-bool BitbangServer::Work() {
+bool Server::Work() {
   if (client_ != nullptr && client_->received > 0) {
     Answer();
   } else if (client_ != nullptr && client_->gone) {
@@ -182,7 +155,7 @@ bool BitbangServer::Work() {
   return true;
 }
 
-void BitbangServer::Admit() {
+void Server::Admit() {
   StreamProtocol::socket socket = std::move(*arrival_->socket);
   arrival_->socket.reset();
   if (arrival_->error) {
@@ -200,21 +173,23 @@ void BitbangServer::Admit() {
   }
   SetTcpOptions(socket.native_handle());
   client_ = std::make_shared<Client>(std::move(socket));
+  session_.Begin();
   observer_.OnClient(PeerName(client_->socket));
   Client::Read(client_);
 }
 
-void BitbangServer::Answer() {
+void Server::Answer() {
   const std::size_t received = std::exchange(client_->received, 0);
   client_->answers.clear();
   observer_.OnBytes(received);
   const bool open = session_.Feed({client_->bytes.data(), received}, client_->answers);
   client_->last_heard = Clock::now();
   observer_.OnDone();
+  if (const std::string fault = session_.Fault(); !fault.empty()) observer_.OnFault(fault);
   Client::Write(client_, open);
 }
 
-void BitbangServer::Dismiss() {
+void Server::Dismiss() {
   asio::error_code ignored;
   client_->socket.close(ignored);
   client_.reset();
