@@ -274,9 +274,11 @@ def check_spawned_and_signals():
         expect(f"{number}", process.wait(20), status)
         time.sleep(0.5 if number == signal.SIGKILL else 0)
         expect(f"{number}: left", (spawned(), "caught" in read("log")), ([], False))
-    process = start_spawning("serve -q unix:served",
-                             "trap 'sleep 1; exit' TERM; icehost serve unix:sim & wait")
-    time.sleep(0.5)
+    process = start_spawning("serve -q unix:served", "trap 'sleep 1; exit' TERM; "
+                             "yes | head -c 50000000; icehost serve unix:sim & wait")
+    time.sleep(1)
+    kept = [os.stat(path.decode().replace("environ", "fd/1")).st_blocks for path in spawned()]
+    expect("output that is kept", 0 < max(kept, default=0) < 1000, True)
     process.terminate()
     expect("waits for the command", (process.wait(20), spawned()), (0, []))
 
