@@ -4,8 +4,10 @@
 
 #include "host/chain/chain.h"
 #include "host/system/errors.h"
+#include "host/system/file_uses.h"
 #include "host/system/output_file.h"
 #include "host/system/standard_streams.h"
+#include "host/tables/outputs.h"
 #include "host/verbs.h"
 
 namespace icehost {
@@ -38,9 +40,8 @@ ExitStatus Tell(const DetectCommand& command, const Chain& chain) {
   return kAllWell;
 }
 
-}  // namespace
-
-ExitStatus Execute(const DetectCommand& command) try {
+ExitStatus Detect(const DetectCommand& command) try {
+  const Outputs log({}, &OutputKind::run, command.probe, FileUses());
   const Chain chain = command.probe.kind->read_chain(command.probe);
   try {
     return Tell(command, chain);
@@ -54,6 +55,12 @@ ExitStatus Execute(const DetectCommand& command) try {
 } catch (const Unsupported& error) {
   Complain(error.what());
   return kNotOpened;  // the probe says nothing of its chain
+}
+
+}  // namespace
+
+ExitStatus Execute(const DetectCommand& command) {
+  return EndSpawned(command.probe, Detect(command));
 }
 
 }  // namespace icehost

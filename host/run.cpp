@@ -159,7 +159,7 @@ Runner* Runner::running = nullptr;
 Runner::Runner(const RunCommand& command)
     : command_(command),
       plugin_(command.plugin),
-      outputs_(command.outputs, &OutputKind::run, *command.probe.kind,
+      outputs_(command.outputs, &OutputKind::run, command.probe,
                FileUses(command.scripts, command.plugin)),
       learned_(command.learn.empty()
                    ? nullptr
@@ -353,7 +353,7 @@ ExitStatus Runner::EndWithPlugin() noexcept try {
   events_.Flush();
   events_.Say(fmt::format("{}: the plug-in ended the process", script.path));
   EndScript(script.name, kScriptFailed);
-  return Complete(kScriptFailed);
+  return EndSpawned(command_.probe, Complete(kScriptFailed));
 } catch (const std::exception& error) {
   Complain(error.what());
   return kScriptFailed;
@@ -380,9 +380,7 @@ std::string Runner::Counts() const {
                      counts.bits, counts.reads, console_.Seconds());
 }
 
-}  // namespace
-
-ExitStatus Execute(const RunCommand& command) {
+ExitStatus LoadAndPlay(const RunCommand& command) {
   std::vector<Script> scripts;
   try {
     scripts = LoadScripts(command);
@@ -400,6 +398,12 @@ ExitStatus Execute(const RunCommand& command) {
     Complain(error.what());
     return kNotOpened;
   }
+}
+
+}  // namespace
+
+ExitStatus Execute(const RunCommand& command) {
+  return EndSpawned(command.probe, LoadAndPlay(command));
 }
 
 }  // namespace icehost

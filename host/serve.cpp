@@ -32,7 +32,7 @@ class Serving : private Server::Observer {
   // Opens everything. Throws IoError, BadUsage, or Interrupted.
   explicit Serving(const ServeCommand& command)
       : command_(command),
-        outputs_(command.outputs, &OutputKind::serve, *command.probe.kind, FileUses()),
+        outputs_(command.outputs, &OutputKind::serve, command.probe, FileUses()),
         decoder_({outputs_.serve_listeners.begin(), outputs_.serve_listeners.end()}),
         port_(OpenServed(command.probe)),
         listener_(command.endpoint, command.probe.timeout) {}
@@ -179,13 +179,17 @@ void Serving::Say(const std::string& text) const {
   if (!command_.quiet) Complain(text);
 }
 
-}  // namespace
-
-ExitStatus Execute(const ServeCommand& command) try {
+ExitStatus RunServing(const ServeCommand& command) try {
   return Serving(command).Run();
 } catch (const IoError& error) {
   Complain(error.what());
   return kNotOpened;
+}
+
+}  // namespace
+
+ExitStatus Execute(const ServeCommand& command) {
+  return EndSpawned(command.probe, RunServing(command));
 }
 
 }  // namespace icehost

@@ -13,6 +13,14 @@ inline ExitStatus StatusOfLoss() {
   return IsInterrupted() ? kInterrupted : kNotOpened;
 }
 
+// Ends the command that serves the probe, if there is one, and shows its output after a failure.
+// Returns the status of the verb.
+inline ExitStatus EndSpawned(const ProbeOptions& probe, ExitStatus status) {
+  const bool failed = status == kScriptFailed || status == kNotOpened;
+  if (probe.spawned == nullptr || probe.spawned->End(failed)) return status;
+  return status == kAllWell ? kNotOpened : status;
+}
+
 // Runs the scripts. Completes the outputs however the run ends.
 ExitStatus Execute(const RunCommand& command);
 // Checks the scripts and writes what is wrong with them to standard output, in colour on a terminal

@@ -34,7 +34,8 @@ _icehost_offer() {
 # Offers values of an option; fails where it takes none.
 _icehost_value() {
   case $1 in
-    --json | --vcd | --svg | --html | --svf | --learn | --plugin | -o | --output | --trace=) ;;
+    --json | --vcd | --svg | --html | --svf | --learn | --plugin | -o | --output | --trace= \
+      | --spawn | --spawn-log) ;;
     --probe)
       [[ $cur == remote-bitbang:unix:* ]] && return
       local probes=(sim remote-bitbang: remote-bitbang:unix:)
@@ -63,22 +64,22 @@ _icehost_operand() {
 
 _icehost() {
   local words option='' tail=$2 verb='' at=1 options='-h --help -q --quiet'
-  local target='--chain --tap --ir-length --idcode --idcode-instruction --register'
+  local probe='--probe --timeout --spawn --spawn-log'
+  probe+=' --chain --tap --ir-length --idcode --idcode-instruction --register'
   _icehost_words
   local cur=${words[-1]} last=$((${#words[@]} - 1))
   while ((at < last)) && [[ ${words[at]} == -* ]]; do ((++at)); done
   ((at == last)) || verb=${words[at]}
   case $verb in
     run)
-      options+=" $target --size-limit --probe --timeout --strict --force --keep-going --summary"
+      options+=" $probe --size-limit --strict --force --keep-going --summary"
       options+=' --plugin --wire --trace --trace= --json --vcd --svg --html --svf --learn'
       ;;
     check) options+=' --size-limit --strict --json' ;;
-    detect) options+=" $target --probe --timeout --script" ;;
+    detect) options+=" $probe --script" ;;
     import) options+=' --script --tck-hz --size-limit --all -o --output' ;;
     serve)
-      options+=" $target --protocol -v --verbose --idle-limit --probe --timeout --trace --trace="
-      options+=' --json --vcd --html'
+      options+=" $probe --protocol -v --verbose --idle-limit --trace --trace= --json --vcd --html"
       ;;
     '') options+=' --version' ;;
     *) options='' ;;

@@ -56,6 +56,8 @@ __icehost_option 'run check import' -l size-limit -x -d 'How large a file may be
 
 __icehost_option 'run detect serve' -l probe -x -a '(__icehost_probes)' -d 'What to work on'
 __icehost_option 'run detect serve' -l timeout -x -d 'Seconds to wait for answers (5)'
+__icehost_option 'run detect serve' -l spawn -r -F -d "Start the probe's server by a command"
+__icehost_option 'run detect serve' -l spawn-log -r -F -d 'Write what that command prints'
 __icehost_option 'run detect serve' -l chain -x -d 'IR lengths of all TAPs'
 __icehost_option 'run detect serve' -l tap -x -d 'The TAP that is meant, from 1'
 __icehost_option 'run detect serve' -l ir-length -x -d 'Bits of the simulated IR, 2 to 32 (5)'

@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <functional>
+#include <memory>
 #include <stdexcept>
 
 #include "host/options/option_values.h"
 #include "host/probe/plugin.h"
+#include "host/system/spawned_command.h"
 
 namespace icehost {
 namespace {
@@ -83,12 +85,25 @@ void AddChain(CLI::App& verb, ProbeOptions& probe, const char* group) {
       ->group(group);
 }
 
+void AddSpawn(CLI::App& verb, ProbeOptions& probe) {
+  AddParsed(verb, "--spawn", "COMMAND",
+            "A shell command that starts the probe's server; it ends when icehost ends",
+            [&probe](const std::string& command) {
+              if (command.empty()) throw std::invalid_argument("expected a command");
+              probe.spawned = std::make_shared<SpawnedCommand>(command);
+            });
+  NamesFile(
+      verb.add_option("--spawn-log", probe.spawn_log,
+                      "Write what the command prints; its last lines are shown after a failure"));
+}
+
 void AddProbe(CLI::App& verb, ProbeOptions& probe, const std::string& help,
               const char* chain_group = kTargetGroup) {
   AddParsed(verb, "--probe", "PROBE", help,
             [&probe](const std::string& text) { ParseProbe(text, probe); });
   AddParsed(verb, "--timeout", "SECONDS", "How long to wait for the probe's answers (default 5)",
             [&probe](const std::string& text) { probe.timeout = ParseSeconds(text); });
+  AddSpawn(verb, probe);
   AddChain(verb, probe, chain_group);
   AddTargetOptions(verb, probe.target);
 }
@@ -118,6 +133,17 @@ OutputRequests RequestsOf(const CLI::App& verb) {
   return requests;
 }
 
+void RefuseUnfitSpawn(const ProbeOptions& probe) {
+  if (probe.spawned != nullptr && probe.kind->addresses.empty()) {
+    throw CLI::ValidationError("--spawn", std::string(probe.kind->title) + " needs no server");
+  }
+  if (probe.spawn_log.empty()) return;
+  if (probe.spawned == nullptr) throw CLI::ValidationError("--spawn-log", "is for --spawn");
+  if (probe.spawn_log == "-") {
+    throw CLI::ValidationError("--spawn-log", "takes a file, not standard output");
+  }
+}
+
 void RefuseUnfitProbe(const CLI::App& verb, const ProbeOptions& probe) {
   const TargetOptions& target = probe.target;
   Refuse("--register", [&target] {
@@ -127,6 +153,7 @@ void RefuseUnfitProbe(const CLI::App& verb, const ProbeOptions& probe) {
   });
   Refuse("--idcode-instruction",
          [&target] { RefuseUnfitInstruction(target.idcode_instruction, target.ir_length); });
+  RefuseUnfitSpawn(probe);
   if (probe.kind->has_target) return;
   for (const CLI::Option* const option : verb.get_options()) {
     if (option->get_group() == kTargetGroup && option->count() > 0) {

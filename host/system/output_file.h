@@ -38,6 +38,8 @@ class OutputFile {
   // As the user named it.
   const std::string& Path() const { return path_; }
   bool IsStandardOutput() const { return path_ == "-"; }
+  // For another process to write to.
+  int Descriptor() const { return fd_; }
   // Returns the status of the open file; throws IoError.
   struct stat Status() const;
   // There was no memory for something that belongs in the file: Close fails, if it was begun.

@@ -48,14 +48,14 @@ Socket::Socket(int fd, const std::string& name, Timeout timeout) : Socket(name, 
   socket_.assign(StreamProtocol(asio::local::stream_protocol()), fd);
 }
 
-Socket Socket::Connect(const Endpoint& endpoint, Timeout timeout) {
+Socket Socket::Connect(const Endpoint& endpoint, Timeout timeout,
+                       const std::function<void()>& again) {
   Socket socket(endpoint.Name(), timeout);
-  asio::error_code error = asio::error::host_not_found;
-  for (const StreamProtocol::endpoint& address : socket.Resolve(endpoint)) {
-    error = socket.ConnectTo(address);
-    if (!error) break;
+  const Addresses addresses = socket.Resolve(endpoint);
+  while (const asio::error_code error = socket.ConnectToAny(addresses)) {
+    if (again == nullptr) socket.Fail("cannot connect", error);
+    again();
   }
-  if (error) socket.Fail("cannot connect", error);
   // Without it every short write waits for the answer to the one before. A UNIX socket has no such
   // delay, and no such option.
   asio::error_code ignored;
@@ -63,17 +63,41 @@ Socket Socket::Connect(const Endpoint& endpoint, Timeout timeout) {
   return socket;
 }
 
+bool Socket::IsTaken(const Endpoint& endpoint, Timeout timeout) {
+  Socket socket(endpoint.Name(), timeout);
+  return !socket.ConnectToAny(socket.Resolve(endpoint));
+}
+
+asio::error_code Socket::ConnectToAny(const Addresses& addresses) {
+  asio::error_code error = asio::error::host_not_found;
+  for (const StreamProtocol::endpoint& address : addresses) {
+    error = ConnectTo(address);
+    if (!error) break;
+  }
+  return error;
+}
+
 asio::error_code Socket::ConnectTo(const StreamProtocol::endpoint& address) {
   asio::error_code error;
   socket_.close();
   socket_.open(address.protocol(), error);
   if (error) return error;
-  return Await<std::monostate>([&](auto done) {
-           socket_.async_connect(address, [done](const asio::error_code& outcome) {
-             done(outcome, std::monostate());
-           });
-         })
-      .first;
+  error = Await<std::monostate>([&](auto done) {
+            socket_.async_connect(address, [done](const asio::error_code& outcome) {
+              done(outcome, std::monostate());
+            });
+          }).first;
+  if (error || !IsConnectedToItself()) return error;
+  socket_.set_option(asio::socket_base::linger(true, 0));  // a server can use the port at once
+  socket_.close();
+  return asio::error::connection_refused;
+}
+
+// TCP allows that if nobody listens and the system chooses just this port for the client.
+bool Socket::IsConnectedToItself() const {
+  asio::error_code error;  // the next operation reports it
+  const StreamProtocol::endpoint local = socket_.local_endpoint(error);
+  return local == socket_.remote_endpoint(error) && !error;
 }
 
 Socket::Addresses Socket::Resolve(const Endpoint& endpoint) try {

@@ -5,6 +5,7 @@
 #include <asio/basic_socket_acceptor.hpp>
 #include <asio/generic/stream_protocol.hpp>
 #include <chrono>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -26,7 +27,11 @@ class Socket {
   // How long an answer too many may come after the last one that was asked for.
   static constexpr Timeout kStragglers{10};
 
-  static Socket Connect(const Endpoint& endpoint, Timeout timeout);
+  // Calls `again` after each attempt that fails, until it throws; without it there is one attempt.
+  static Socket Connect(const Endpoint& endpoint, Timeout timeout,
+                        const std::function<void()>& again = nullptr);
+  // Returns whether something accepts connections there, by making one.
+  static bool IsTaken(const Endpoint& endpoint, Timeout timeout);
   // Takes over `fd`, of a connected UNIX socket.
   Socket(int fd, const std::string& name, Timeout timeout);
 
@@ -56,7 +61,9 @@ class Socket {
   using Addresses = std::vector<StreamProtocol::endpoint>;
 
   Socket(std::string name, Timeout timeout);
+  asio::error_code ConnectToAny(const Addresses& addresses);
   asio::error_code ConnectTo(const StreamProtocol::endpoint& address);
+  bool IsConnectedToItself() const;
   Addresses Resolve(const Endpoint& endpoint);
   template <class Result, class Begin>
   std::pair<asio::error_code, Result> Await(Begin begin);

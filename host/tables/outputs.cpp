@@ -100,8 +100,9 @@ std::vector<std::pair<std::string, std::string>> HeadEntries(const ProbeOptions&
 }
 
 Outputs::Outputs(const OutputRequests& requests, OutputKind::Verb OutputKind::*verb,
-                 const ProbeKind& probe, FileUses uses)
+                 const ProbeOptions& options, FileUses uses)
     : uses_(std::move(uses)) {
+  const ProbeKind& probe = *options.kind;
   for (const OutputRequest& request : requests) {
     if (!request.kind->needs_pins || probe.ShowsPins()) continue;
     throw IoError(fmt::format("{} shows no pins: no waveform of it", probe.title));
@@ -118,6 +119,8 @@ Outputs::Outputs(const OutputRequests& requests, OutputKind::Verb OutputKind::*v
     AddTo(recorders, output);
   }
   begun_ = files_.size();
+  if (options.spawn_log.empty()) return;
+  options.spawned->LogTo(Add("--spawn-log", options.spawn_log, kLines));
 }
 
 OutputFile& Outputs::Add(const std::string& option, const std::string& path,

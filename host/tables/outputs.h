@@ -57,10 +57,10 @@ std::vector<std::pair<std::string, std::string>> HeadEntries(const ProbeOptions&
 
 class Outputs {
  public:
-  // Opens all files, and changes none. Throws IoError if one cannot be opened, or needs the pins of
-  // a probe that shows none; BadUsage if one has another use.
+  // Opens all files, that of --spawn-log too, and changes none. Throws IoError if one cannot be
+  // opened, or needs the pins of a probe that shows none; BadUsage if one has another use.
   Outputs(const OutputRequests& requests, OutputKind::Verb OutputKind::*verb,
-          const ProbeKind& probe, FileUses uses);
+          const ProbeOptions& probe, FileUses uses);
   // Adds a file that the caller begins and writes. Complete completes it with the others.
   OutputFile& Add(const std::string& option, const std::string& path, OutputFile::Rest rest);
   // Empties the files, except those of Add.

@@ -3,7 +3,9 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <chrono>
 #include <stdexcept>
+#include <thread>
 
 #include "host/chain/chain_reader.h"
 #include "host/probe/bitbang_port.h"
@@ -11,6 +13,7 @@
 #include "host/probe/sim_port.h"
 #include "host/probe/xvc_port.h"
 #include "host/system/errors.h"
+#include "host/system/interrupt.h"
 #include "host/system/socket.h"
 
 namespace icehost {
@@ -19,6 +22,7 @@ namespace {
 using Texts = std::vector<std::string>;
 
 constexpr std::size_t kHelpWidth = 72;
+constexpr std::chrono::milliseconds kTryAgainAfter{20};
 
 std::string DescribePlace(const ChainPlace& place) {
   if (place.ir_lengths.size() < 2) return "";
@@ -30,7 +34,27 @@ std::string DescribeAddress(const ProbeOptions& options) {
                      options.tap.empty() ? "" : ", ", options.tap, DescribePlace(options.place));
 }
 
+// The connection is the first that is made: the server may serve no other. Nothing may be there
+// before, for that would be played on.
+Socket ConnectToSpawned(const ProbeOptions& options) {
+  const std::string name = options.endpoint.Name();
+  if (Socket::IsTaken(options.endpoint, options.timeout)) {
+    throw IoError(name + ": a server is there already, so the command of --spawn is not started");
+  }
+  options.spawned->Start();
+  const auto end = std::chrono::steady_clock::now() + options.timeout;
+  return Socket::Connect(options.endpoint, options.timeout, [&] {
+    ThrowIfInterrupted();
+    if (options.spawned->HasEnded()) throw IoError(name + ": cannot connect: its server has ended");
+    if (std::chrono::steady_clock::now() >= end) {
+      throw IoError(fmt::format("{}: no server within {} ms", name, options.timeout.count()));
+    }
+    std::this_thread::sleep_for(kTryAgainAfter);
+  });
+}
+
 Socket Connect(const ProbeOptions& options) {
+  if (options.spawned != nullptr) return ConnectToSpawned(options);
   return Socket::Connect(options.endpoint, options.timeout);
 }
 

@@ -13,6 +13,7 @@
 #include "host/probe/probe.h"
 #include "host/probe/sim_port.h"
 #include "host/system/endpoint.h"
+#include "host/system/spawned_command.h"
 #include "host/target/chain_place.h"
 
 namespace icehost {
@@ -57,6 +58,8 @@ struct ProbeOptions {
   Endpoint endpoint;
   std::string tap;                          // empty: the only one
   std::chrono::milliseconds timeout{5000};  // for its answers
+  std::shared_ptr<SpawnedCommand> spawned;  // runs its server, and is started for the connection
+  std::string spawn_log;                    // the file for the command's output; may be empty
   TargetOptions target;                     // of the simulated probe
   ChainPlace place;                         // of the TAP that scripts address
   bool measures_place = false;              // the place is yet to be read from the chain

@@ -97,8 +97,8 @@ SHELLS = {
 FILES = {"two words.ini", "folder"}
 KINDS = {"jtag", "gpio"}
 VALUES = {"MODE": {"jtag5", "2wire", "cjtag2"}, "KIND": KINDS, "[KIND]": KINDS, "FILE": FILES,
-          "PROTOCOL": {"remote-bitbang", "xvc"}, "MIB": set(), "SECONDS": set(), "N": set(),
-          "HEX": set(), "IR:BITS[=HEX]": set(), "BITS,...": set()}
+          "COMMAND": FILES, "PROTOCOL": {"remote-bitbang", "xvc"}, "MIB": set(), "SECONDS": set(),
+          "N": set(), "HEX": set(), "IR:BITS[=HEX]": set(), "BITS,...": set()}
 OPERANDS = {"run": FILES, "check": FILES, "import": FILES, "serve": {"tcp:", "unix:"},
             "help": set(VERBS)}
 OFFERED = {

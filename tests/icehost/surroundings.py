@@ -13,9 +13,10 @@ import time
 import unicodedata
 
 sys.path.append(sys.path[0] + "/..")
-from lib import ICEHOST, SANITIZED, expect, output, read, run_checks, start, write
+from lib import ICEHOST, SANITIZED, Serve, expect, output, read, run_checks, start, write
 
 PLUGIN = os.path.join(os.path.dirname(ICEHOST), "libicescript.so")
+FAULTY = os.path.join(os.path.dirname(ICEHOST), "tests", "libfaulty_plugin.so")
 ENDLESS = "tests/scripts/endless_writes.gpio"
 SVF = "SIR 5 TDI (01);\nSDR 32 TDI (0);\n"
 SCRIPT = "examples/read_idcode.ini"
@@ -49,6 +50,27 @@ COMMANDS = [
         f"check {SCRIPT}", f"run -q --svf - {SCRIPT} | icehost import -", "detect",
         f"run --trace=a --json b --vcd c --svg d --html e {SCRIPT} examples/read_idcode.gpio")
       if not SANITIZED),
+]
+
+# Status and seconds, options of icehost, the command that it spawns, and what icehost says after
+# a failure: of the connection, of the command, and the lines of the command.
+SPAWNED = [
+    (0, 0, f"run -q {SCRIPT}", "sleep 0.2; icehost serve unix:sim", []),
+    (0, 0, "detect -q --spawn-log log", "cat; echo here; icehost serve unix:sim & wait", []),
+    (0, 2, f"run -q {SCRIPT}", "(trap '' TERM; sleep 99) & sleep 0.2; icehost serve unix:sim", []),
+    (1, 0, f"run -q --plugin {FAULTY} {SCRIPT}", "echo here; icehost serve unix:sim & wait",
+     [f"{SCRIPT}: the plug-in ended the process", "was still running; its last lines:", "here",
+      "icehost: serving remote_bitbang on unix:sim"]),
+    (3, 0, f"run {SCRIPT}", "seq 12; printf '\\033[2J\\n' >&2; exit 7",
+     ["unix:sim: cannot connect: its server has ended", "ended with status 7; its last lines:",
+      *map(str, range(4, 13)), " [2J"]),
+    (3, 2, "detect", "(trap '' TERM; sleep 99) & sleep 0.2; exit 5",
+     ["unix:sim: cannot connect: its server has ended", "ended with status 5 and printed nothing"]),
+    (3, 0, "serve unix:served --timeout 0.2 --spawn-log log", "echo here; sleep 99",
+     ["unix:sim: no server within 200 ms", "was still running; its last lines:", "here"]),
+    (3, 0, "serve -q unix:served", "icehost serve -q unix:sim & sleep 0.4; kill -KILL $!; exit 9",
+     ["unix:sim: the server closed the connection (is another client connected?)",
+      "ended with status 9 and printed nothing"]),
 ]
 
 
@@ -212,6 +234,70 @@ def check_signals():
         ends_by(signal.SIGINT, "import", "id.svf", out="fifo", err="fifo")
 
 
+def spawned():
+    """The processes that spawned commands and their guards left."""
+    marked = subprocess.run(["grep", "-lsxz", f"SPAWNED={os.getpid()}",
+                             *glob.glob("/proc/[0-9]*/environ")],
+                            stdout=subprocess.PIPE, check=False)
+    return marked.stdout.split()
+
+
+def start_spawning(options, command, **how):
+    return start("env", "--ignore-signal=CHLD", "icehost", *options.split(), "--spawn", command,
+                 "--probe", "remote-bitbang:unix:sim",
+                 stdout=subprocess.DEVNULL, stderr=subprocess.PIPE,
+                 env={**os.environ, "SPAWNED": str(os.getpid()), "FAULT": "exit"}, **how)
+
+
+def check_spawned():
+    """A spawned command ends when icehost ends, and is explained if icehost fails."""
+    for status, seconds, options, command, said in SPAWNED:
+        begun = time.monotonic()
+        process = start_spawning(options, command)
+        heads = ["icehost: ", "icehost: the spawned command "] + ["  "] * len(said)
+        expect(command, process.communicate(timeout=20)[1].decode(),
+               "".join(head + line + "\n" for head, line in zip(heads, said)))
+        expect(command, (process.returncode, int(time.monotonic() - begun) // 2 * 2, spawned()),
+               (status, seconds, []))
+        if "log" in options:
+            expect(f"log of {command}", read("log").split("\n")[0], "here")
+
+
+def check_spawned_and_signals():
+    """Signals are for icehost alone, which ends the command, or its guard does."""
+    command = "trap 'echo caught' INT; icehost serve unix:sim & wait; wait"
+    for number, status in ((signal.SIGINT, 130), (signal.SIGKILL, -signal.SIGKILL)):
+        process = start_spawning(f"run -q --spawn-log log {ENDLESS}", command,
+                                 start_new_session=True)
+        time.sleep(0.5)
+        os.killpg(process.pid, number)
+        expect(f"{number}", process.wait(20), status)
+        time.sleep(0.5 if number == signal.SIGKILL else 0)
+        expect(f"{number}: left", (spawned(), "caught" in read("log")), ([], False))
+    process = start_spawning("serve -q unix:served", "trap 'sleep 1; exit' TERM; "
+                             "yes | head -c 50000000; icehost serve unix:sim & wait")
+    time.sleep(1)
+    kept = [os.stat(path.decode().replace("environ", "fd/1")).st_blocks for path in spawned()]
+    expect("output that is kept", 0 < max(kept, default=0) < 1000, True)
+    process.terminate()
+    expect("waits for the command", (process.wait(20), spawned()), (0, []))
+
+
+def check_taken_port():
+    """A run plays on the server of its command only: not on another, and not on itself."""
+    server = Serve(endpoint="unix:sim")
+    process = start_spawning(f"run {SCRIPT}", "touch started")
+    expect("taken", (process.communicate(timeout=20)[1], os.path.exists("started")),
+           (b"icehost: unix:sim: a server is there already, so the command of --spawn is not "
+            b"started\n", False))
+    expect("taken", (process.returncode, server.end()), (3, (0, "")))
+    write("self.sh", f"""ip link set lo up; echo 9824 9825 >/proc/sys/net/ipv4/ip_local_port_range
+        icehost run -q --probe remote-bitbang:127.0.0.1:9824 --spawn 'sleep 0.2
+        icehost serve tcp:9824' {SCRIPT}""")
+    if shell("unshare -rn true") == 0:
+        expect("connected to itself", (shell("unshare -rn sh self.sh"), read("err")), (0, ""))
+
+
 def check_ignored_signals():
     """What the process was started to ignore, it ignores."""
     process = start("env", "--ignore-signal=INT", "--ignore-signal=HUP", "icehost", "run", ENDLESS,
@@ -257,4 +343,5 @@ def check_terminal():
 
 run_checks(check_commands, *([] if SANITIZED else [check_lacks, check_memory]),
            check_size_limit, check_old_files, check_shared_files, check_signals,
-           check_ignored_signals, check_half_a_script, check_terminal)
+           check_spawned, check_spawned_and_signals, check_taken_port, check_ignored_signals,
+           check_half_a_script, check_terminal)
