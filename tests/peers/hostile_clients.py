@@ -96,6 +96,15 @@ def check_passing_on():
     ])
 
 
+def check_loss_between_scripts():
+    """A lost connection ends the run, however well the script before it went."""
+    upstream = Upstream(lambda got: ones(got) if upstream.came.count(b"R") < 2 else upstream.close())
+    scripts = ["tests/scripts/reset_only.ini"] * 4
+    said = output("icehost", "run", "-q", "--keep-going", "--probe", upstream.name, *scripts)
+    expect("once", said.splitlines()[1:], [])
+    expect("the first script", upstream.came.count(b"R"), 2)
+
+
 def check_recording():
     """The files follow the client, and are whole at the end; a second client is sent away."""
     serve = Serve("--trace=t", "--json", "j", "--vcd", "v", "--idcode", "2badc001")
@@ -379,5 +388,6 @@ def check_flood():
     expect("behind", upstream.end()[0], 0)
 
 
-run_checks(check_passing_on, check_recording, check_xvc, check_next, check_lost, check_signal,
-           check_good_bye, check_cut_outputs, check_door, check_race, check_flood)
+run_checks(check_passing_on, check_loss_between_scripts, check_recording, check_xvc, check_next,
+           check_lost, check_signal, check_good_bye, check_cut_outputs, check_door, check_race,
+           check_flood)
