@@ -52,7 +52,10 @@ ObservedProbe::ObservedProbe(const ProbeOptions& options, int wire_mode, bool re
 void ObservedProbe::Begin(const char* function, bool begins_operation) {
   begin_step_ = probe_->Steps();
   events_.BeginCall(function, source_, begins_operation);
-  if (!begins_operation || recording_ == nullptr) return;
+  if (begins_operation && recording_ != nullptr) BeginRecording();
+}
+
+void ObservedProbe::BeginRecording() {
   recording_->BeginOperation(source_.section != nullptr ? fmt::format("[{}]", *source_.section)
                                                         : fmt::format("line {}", source_.line),
                              source_);
@@ -147,18 +150,22 @@ int ObservedProbe::Execute(std::uint8_t* capture) {
 // Before the first scan: finds the place of the TAP, or confirms it, and reports it.
 void ObservedProbe::FindPlace() {
   if (found_place_ || pins_ == nullptr) return;
-  if (measures_place_ || (confirms_chain_ && wire_mode_ != CDI_ANSWER_2WIRE)) {
-    const Chain chain = ReadChain(pins_->Port());
-    pins_->ResetTapBeforeScan();
-    if (measures_place_) {
-      place_ = PlaceIn(chain, place_.tap);
-      pins_->SetPlace(place_);
-    } else {
-      ConfirmPlace(chain, place_, scan_.ir.bits);
-    }
-  }
+  if (measures_place_ || (confirms_chain_ && wire_mode_ == CDI_ANSWER_JTAG5)) ReadPlace();
   found_place_ = true;
   if (place_.ir_lengths.size() > 1) events_.SetPlace(place_, measures_place_);
+}
+
+// The reading resets the TAPs, and loads BYPASS.
+void ObservedProbe::ReadPlace() {
+  if (scan_.ir.bits <= 0 && played_pins_) {
+    throw Unsupported("the chain is read first, which resets the TAP: load an instruction");
+  }
+  if (recording_ != nullptr) recording_->BeginOperation("reading of the chain", {});
+  const Chain chain = ReadChain(pins_->Port());
+  pins_->ResetTapBeforeScan();
+  pins_->SetPlace(place_ =
+                      measures_place_ ? PlaceIn(chain, place_.tap) : ConfirmPlace(chain, place_));
+  if (recording_ != nullptr) BeginRecording();
 }
 
 void ObservedProbe::KeepCaptured(const std::uint8_t* capture) {
@@ -179,6 +186,7 @@ int ObservedProbe::Gpio(int out_value, std::uint32_t& data, int oe_mask, int fla
   if (read) ++counts_.reads;
   source_ = follower_.NextPinOperation(data);
   Begin("link_gpio_operator", true);
+  played_pins_ = true;
   int result = Guard([&] { return probe_->Gpio(out_value, data, oe_mask, flags); });
   GpioCall call = {out_value, oe_mask, flags, {}};
   std::vector<Comparison> comparisons;

@@ -53,7 +53,9 @@ class ObservedProbe : public Probe {
   int Guard(Ask ask);
   void End(const HostCall& call, int result, std::vector<Comparison> comparisons = {});
   void KeepCaptured(const std::uint8_t* capture);
+  void BeginRecording();
   void FindPlace();
+  void ReadPlace();
 
   std::unique_ptr<PinPort> port_;             // null if the probe shows no pins
   std::unique_ptr<RecordingPort> recording_;  // null if nothing records them
@@ -64,6 +66,7 @@ class ObservedProbe : public Probe {
   bool confirms_chain_ = false;
   bool found_place_ = false;  // as far as the options ask for it
   bool lacks_reset_ = false;  // since the last scan
+  bool played_pins_ = false;  // by a GPIO script
   Follower& follower_;
   RunEvents& events_;
   Rescue& rescue_;

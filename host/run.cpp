@@ -63,6 +63,10 @@ std::vector<Script> LoadScripts(const RunCommand& command) {
   bool play = true;
   for (Script& script : scripts) {
     CheckResult result = CheckScript(*script.text);
+    if (command.probe.ChoosesTap() && !result.plan.pins.empty()) {
+      result.problems.Warn({1, 1},
+                           "--tap does not change a GPIO script: it drives the whole chain");
+    }
     result.problems.Write(StandardError(), script.name, script.text->Content(),
                           {command.quiet && !command.strict, WantsColour(STDERR_FILENO)});
     const std::string why = WhyNot(result.problems, command);
@@ -94,7 +98,6 @@ class Runner {
   ExitStatus PlayOne(Script& script);
   void EndScript(const std::string& name, ExitStatus status);
   void RequestReset(const Script& script);
-  void WarnOfTap(const Script& script);
   // Whether the plug-in ran it to its end.
   bool Play(Script& script);
   bool RunPlugin(const std::string& path);
@@ -252,15 +255,7 @@ void Runner::RequestReset(const Script& script) {
   events_.Remark(fmt::format("{}: {}", script.path, kSkipped));
 }
 
-// A GPIO script drives the pins itself.
-void Runner::WarnOfTap(const Script& script) {
-  const ProbeOptions& probe = command_.probe;
-  if (script.plan.pins.empty() || (probe.place.ir_lengths.empty() && !probe.measures_place)) return;
-  events_.Doubt("--tap does not change a GPIO script, which drives the pins of the whole chain");
-}
-
 bool Runner::Play(Script& script) {
-  WarnOfTap(script);
   if (script.plan.resets_tap) RequestReset(script);
   const MemoryFile copy(script.text->Content());
   // A long script need not be there twice.

@@ -25,6 +25,7 @@ struct ChainTap {
 struct Chain {
   std::vector<ChainTap> taps;      // the first is the nearest to TDO
   std::optional<int> ir_bits;      // of all TAPs, if measured
+  Bits captured_ir;                // of all TAPs, if measured
   std::vector<std::string> notes;  // for the report
   // What is wrong, the most serious first. A chain without faults is sound and has a TAP or more.
   std::vector<std::string> faults;
@@ -52,9 +53,9 @@ std::string CountedTaps(std::size_t taps);
 // Returns the place of a TAP in a chain that was read; `tap` counts from 0. Throws Unsupported if
 // the chain is not sound, has no such TAP, or leaves an IR length open.
 ChainPlace PlaceIn(const Chain& chain, std::size_t tap);
-// Throws Unsupported unless the chain that was read is the one of `place`. If that has no lengths,
-// its IR must be as long as that of the script, or the script's scan without one (0).
-void ConfirmPlace(const Chain& chain, const ChainPlace& place, int script_ir_bits);
+// Throws Unsupported unless the chain that was read is the one of `place`, as far as the captured
+// IRs tell. If that has no lengths, returns the place of all TAPs taken as one.
+ChainPlace ConfirmPlace(const Chain& chain, const ChainPlace& place);
 
 // Returns a report for people: the TAPs and notes, a line for each, without its faults. `where`
 // names the probe. The text is printable.

@@ -208,6 +208,7 @@ bool ChainReader::ReadIrs() {
 }
 
 void ChainReader::TakeIr(const Bits& captured) {
+  chain_.captured_ir = captured;
   const std::size_t taps = chain_.taps.size();
   if (taps == 1) chain_.taps[0].ir_bits = chain_.ir_bits;
   const auto ways = IrLengths(captured, taps, kWaysShown + 1);

@@ -1,7 +1,7 @@
 #include <fmt/format.h>
 
 #include <numeric>
-#include <string>
+#include <vector>
 
 #include "host/chain/chain.h"
 #include "host/system/errors.h"
@@ -11,6 +11,16 @@ namespace {
 
 void RefuseUnsound(const Chain& chain) {
   if (!chain.faults.empty()) throw Unsupported(chain.faults.front());
+}
+
+// Whether the captured IR of each TAP has the 01 of IEEE 1149.1 in its lowest bits.
+bool BeginsEach(const Bits& captured, const std::vector<int>& lengths) {
+  std::size_t at = 0;
+  for (const int length : lengths) {
+    if (!captured[at] || captured[at + 1]) return false;
+    at += static_cast<std::size_t>(length);
+  }
+  return true;
 }
 
 }  // namespace
@@ -31,23 +41,18 @@ ChainPlace PlaceIn(const Chain& chain, std::size_t tap) {
   return place;
 }
 
-void ConfirmPlace(const Chain& chain, const ChainPlace& place, int script_ir_bits) {
+ChainPlace ConfirmPlace(const Chain& chain, const ChainPlace& place) {
   RefuseUnsound(chain);
-  const std::string found =
-      fmt::format("{} with an IR of {} bits", CountedTaps(chain.taps.size()), *chain.ir_bits);
-  if (place.ir_lengths.empty()) {
-    if (script_ir_bits == 0 || script_ir_bits == chain.ir_bits) return;
-    throw Unsupported(fmt::format("the chain has {}, and the script's IR {}{}", found,
-                                  script_ir_bits,
-                                  chain.taps.size() > 1 ? ": --tap says which TAP is meant" : ""));
+  if (place.ir_lengths.empty()) return {{*chain.ir_bits}, 0};
+  const std::vector<int>& lengths = place.ir_lengths;
+  const int sum = std::accumulate(lengths.begin(), lengths.end(), 0);
+  if (lengths.size() != chain.taps.size() || sum != chain.ir_bits ||
+      !BeginsEach(chain.captured_ir, lengths)) {
+    throw Unsupported(
+        fmt::format("the chain is not that of --chain: it has {} with an IR of {} bits",
+                    CountedTaps(chain.taps.size()), *chain.ir_bits));
   }
-  bool same = place.ir_lengths.size() == chain.taps.size();
-  for (std::size_t i = 0; same && i < chain.taps.size(); ++i) {
-    same = chain.taps[i].ir_bits.value_or(place.ir_lengths[i]) == place.ir_lengths[i];
-  }
-  const int sum = std::accumulate(place.ir_lengths.begin(), place.ir_lengths.end(), 0);
-  if (same && sum == chain.ir_bits) return;
-  throw Unsupported(fmt::format("the chain is not that of --chain: it has {}", found));
+  return place;
 }
 
 }  // namespace icehost

@@ -129,7 +129,7 @@ void ParseRegister(const std::string& text, TargetOptions& target) {
 }
 
 std::vector<int> ParseChain(const std::string& text) {
-  constexpr int kLongestIr = 64;
+  constexpr int kLongestIr = 256;
   std::istringstream stream(text);
   std::vector<int> lengths;
   for (std::string length; std::getline(stream, length, ',');) {

@@ -30,7 +30,7 @@ std::uint64_t ParseInstruction(const std::string& text);
 // "IR:BITS[=HEX]", the instruction IR in hexadecimal: adds a register to the target.
 void ParseRegister(const std::string& text, TargetOptions& target);
 
-// "L,L,...": the IR lengths of a chain, each from 2 to 64.
+// "L,L,...": the IR lengths of a chain, each from 2 to 256.
 std::vector<int> ParseChain(const std::string& text);
 // The number of a TAP, from 1, as its index.
 std::size_t ParseTap(const std::string& text);

@@ -78,6 +78,7 @@ int PinProbe::Config(int code, int value) {
 
 int PinProbe::Reset(int kind) {
   if (kind != LINK_RESET_TARGET) return -1;
+  others_in_bypass_ = false;  // NRST may reset the TAPs, too
   walker_.Write(kResetPins & ~GPIO_PIN_NRST, kDrivenPins);
   walker_.Write(kResetPins, kDrivenPins);
   return 0;
@@ -121,13 +122,15 @@ void PinProbe::RefuseUnfitScan() const {
   if (place_.ir_lengths.empty()) return;
   const auto length = static_cast<std::size_t>(place_.ir_lengths[place_.tap]);
   if (!ir_.empty() && ir_.size() != length) {
-    throw Unsupported(fmt::format("the script's IR has {} bits, but that of TAP {} has {}",
-                                  ir_.size(), place_.tap + 1, length));
+    const bool alone = place_.ir_lengths.size() == 1;
+    throw Unsupported(fmt::format("the script's IR has {} bits, but that of {} has {}", ir_.size(),
+                                  alone ? "the chain" : fmt::format("TAP {}", place_.tap + 1),
+                                  length));
   }
   if (place_.ir_lengths.size() == 1) return;
-  if (wire_mode_ == CDI_ANSWER_2WIRE) throw Unsupported("over two wires there is no chain");
+  if (wire_mode_ != CDI_ANSWER_JTAG5) throw Unsupported("over two wires there is no chain");
   if (ir_.empty() && !dr_.empty() && !others_in_bypass_) {
-    throw Unsupported("no IR scan has brought the other TAPs to BYPASS since a TAP reset");
+    throw Unsupported("the other TAPs may not be in BYPASS: load an instruction first");
   }
 }
 

@@ -15,6 +15,7 @@ class SvfCallWriter : public SvfWriter {
   using SvfWriter::SvfWriter;
 
   void OnScript(const std::string& path) override { path_ = path; }
+  void OnResetRequest() override;
   void OnCall(const CallEvent& call) override;
   void OnScriptEnd(bool ran) override;
 
@@ -23,6 +24,11 @@ class SvfCallWriter : public SvfWriter {
 
   std::string path_;
 };
+
+void SvfCallWriter::OnResetRequest() {
+  Statement("STATE RESET");
+  Statement("STATE IDLE");
+}
 
 void SvfCallWriter::OnCall(const CallEvent& call) {
   const auto* const execute = call.As<ExecuteCall>();

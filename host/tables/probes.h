@@ -64,6 +64,8 @@ struct ProbeOptions {
   ChainPlace place;                         // of the TAP that scripts address
   bool measures_place = false;              // the place is yet to be read from the chain
 
+  // Whether there are TAPs beside the one that scripts address, or may be.
+  bool ChoosesTap() const { return measures_place || place.ir_lengths.size() > 1; }
   // The probe as the user names it.
   std::string Name() const;
 };
