@@ -3,7 +3,9 @@
 #define ICESCRIPT_HOST_CONSOLE_H_
 
 #include <chrono>
+#include <cstddef>
 #include <string>
+#include <vector>
 
 #include "host/system/interrupt.h"
 #include "host/system/progress.h"
@@ -33,9 +35,17 @@ class Console {
   void Flush();
   // Shows a line of icehost's own.
   void Say(const std::string& line);
+  // From here on, keeps what Show and Say get, or no longer. Drops what is kept.
+  void Hold(bool holds);
+  // Shows what is kept, and what follows; throws as Show.
+  void Release();
   void SayUnlessQuiet(const std::string& line) {
     if (!quiet_) Say(line);
   }
+  // How many operations the run has if nothing fails; 0: unknown. At the beginning: none is shown.
+  void Expect(long operations) { expected_ = operations; }
+  // Precedes the progress: how many rounds there are, and how many failed.
+  void ShowRounds(const std::string& rounds) { rounds_ = rounds; }
   // Counts an operation, and draws the progress of a run that takes longer than a second.
   void CountOperation();
   // Erases the line of progress.
@@ -47,6 +57,13 @@ class Console {
 
  private:
   using Clock = std::chrono::steady_clock;
+  struct Held {
+    bool message;
+    std::string text;
+  };
+
+  void Keep(bool message, const std::string& text);
+  std::string ProgressText() const;
 
   Rescue& rescue_;
   CapturedOutput output_;
@@ -54,7 +71,12 @@ class Console {
   bool terminal_;
   bool shared_;            // standard output and standard error are one
   bool mid_line_ = false;  // the last message has no line feed
+  bool holds_ = false;
+  std::vector<Held> held_;
+  std::size_t held_bytes_ = 0;
   long operations_ = 0;
+  long expected_ = 0;
+  std::string rounds_;
   Clock::time_point start_ = Clock::now();
   Progress progress_;
 };

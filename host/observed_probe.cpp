@@ -88,7 +88,7 @@ int ObservedProbe::Config(int code, int value) {
   const bool query = code == LINK_CONFIG_GET_CDI;
   if (!query) ++counts_.operations;
   source_ = follower_.NextOperation();
-  Begin("link_config", false);
+  Begin("link_config", !query);
   const int result = Guard([&] { return probe_->Config(code, value); });
   if (query) wire_mode_ = result;
   End(ConfigCall{code, value}, result);

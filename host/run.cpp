@@ -15,6 +15,7 @@
 #include "host/check/plan.h"
 #include "host/console.h"
 #include "host/events/follower.h"
+#include "host/events/round_tally.h"
 #include "host/observed_probe.h"
 #include "host/probe/plugin.h"
 #include "host/run_events.h"
@@ -36,7 +37,8 @@ struct Script {
   std::optional<ScriptText> text;  // for as long as it is needed
   Plan plan;
   bool has_errors;
-  Problems problems;  // until the outputs have them
+  Problems problems;
+  RoundTally rounds;
 };
 
 // Why a script with these problems is not played; empty: it is.
@@ -58,7 +60,7 @@ std::vector<Script> LoadScripts(const RunCommand& command) {
   for (const std::string& path : command.scripts) {
     const std::string name = path == "-" ? "<stdin>" : path;
     scripts.push_back(
-        {path, name, ScriptText(name, ReadScript(path, command.size_limit)), {}, false, {}});
+        {path, name, ScriptText(name, ReadScript(path, command.size_limit)), {}, false, {}, {}});
   }
   bool play = true;
   for (Script& script : scripts) {
@@ -94,9 +96,14 @@ class Runner {
   ExitStatus PlayAll(std::vector<Script> scripts);
 
  private:
-  ExitStatus PlayEach(std::vector<Script>& scripts);
+  bool Repeats() const { return command_.repeat != 1; }
+  ExitStatus PlayRounds();
+  void BeginRound();
+  void EndRound(ExitStatus status);
+  // One round, up to the first script that fails, or with --keep-going, that does not run.
+  ExitStatus PlayEach();
   ExitStatus PlayOne(Script& script);
-  void EndScript(const std::string& name, ExitStatus status);
+  void EndScript(Script& script, ExitStatus status);
   void RequestReset(const Script& script);
   // Whether the plug-in ran it to its end.
   bool Play(Script& script);
@@ -115,6 +122,9 @@ class Runner {
   static int Show(const char* message);
   void BeginScript(Script& script);
   PageHead Head(ExitStatus status) const;
+  long ExpectedOperations() const;
+  std::string Report() const;
+  std::string RoundCounts() const;
   std::string Counts() const;
 
   static Runner* running;  // callbacks carry no handle
@@ -127,11 +137,15 @@ class Runner {
   RunEvents events_;
   Follower follower_;
   ObservedProbe probe_;
-  std::size_t begun_ = 0;              // scripts
-  const Script* in_plugin_ = nullptr;  // the script that the plug-in runs now
-  bool ran_ = false;                   // this script, to its end
-  std::string summary_;                // the results of the expectations
-  Rescue rescue_;                      // the last member: it needs the others
+  std::vector<Script> scripts_;
+  std::size_t begun_ = 0;        // scripts, in any round
+  long round_ = 0;               // the one under way
+  long played_rounds_ = 0;       // to their ends
+  long failed_rounds_ = 0;       // of these
+  Script* in_plugin_ = nullptr;  // the script that the plug-in runs now
+  bool ran_ = false;             // this script, to its end
+  std::string summary_;          // the results of the expectations
+  Rescue rescue_;                // the last member: it needs the others
 };
 
 Follower::Mode ModeOf(const RunCommand& command) {
@@ -168,7 +182,7 @@ Runner::Runner(const RunCommand& command)
                    ? nullptr
                    : &outputs_.Add("--learn", command.learn, OutputFile::Rest::kNothing)),
       console_(ConsoleOptions(command), rescue_),
-      events_(outputs_, console_, command.strict),
+      events_(outputs_, console_, command.strict, Repeats()),
       follower_(ModeOf(command)),
       probe_(command.probe, command.wire_mode, !outputs_.recorders.empty(), command.strict,
              follower_, events_, rescue_),
@@ -183,8 +197,10 @@ Runner::~Runner() {
 
 ExitStatus Runner::PlayAll(std::vector<Script> scripts) {
   ExitStatus status = kNotOpened;
+  scripts_ = std::move(scripts);
+  console_.Expect(ExpectedOperations());
   try {
-    status = PlayEach(scripts);
+    status = PlayRounds();
   } catch (const std::bad_alloc&) {
     outputs_.MarkIncomplete();
     console_.Close();
@@ -193,25 +209,55 @@ ExitStatus Runner::PlayAll(std::vector<Script> scripts) {
   return Complete(status);
 }
 
-ExitStatus Runner::PlayEach(std::vector<Script>& scripts) {
+ExitStatus Runner::PlayRounds() {
   ExitStatus status = kAllWell;
   outputs_.Begin();
-  for (Script& script : scripts) {
-    ++begun_;
-    BeginScript(script);
-    const ExitStatus ended = PlayOne(script);
-    EndScript(script.name, ended);
+  bool goes_on = true;
+  while (goes_on && (command_.repeat == 0 || round_ < command_.repeat)) {
+    BeginRound();
+    const ExitStatus ended = PlayEach();
+    EndRound(ended);
+    status = std::max(status, ended);
+    goes_on = ended == kAllWell || (command_.keep_going && ran_);
+  }
+  return status;
+}
+
+void Runner::BeginRound() {
+  ++round_;
+  if (!Repeats()) return;
+  events_.BeginRound(round_);
+  const std::string of = command_.repeat == 0 ? "" : fmt::format(" of {}", command_.repeat);
+  console_.ShowRounds(fmt::format("round {}{}, {} failed, ", round_, of, failed_rounds_));
+}
+
+void Runner::EndRound(ExitStatus status) {
+  if (status == kInterrupted) return;
+  ++played_rounds_;
+  if (status != kAllWell) ++failed_rounds_;
+}
+
+ExitStatus Runner::PlayEach() {
+  ExitStatus status = kAllWell;
+  for (std::size_t i = 0; i < scripts_.size(); ++i) {
+    begun_ = std::max(begun_, i + 1);
+    BeginScript(scripts_[i]);
+    const ExitStatus ended = PlayOne(scripts_[i]);
+    EndScript(scripts_[i], ended);
     status = std::max(status, ended);
     if (ended != kAllWell && !(command_.keep_going && ran_)) break;
   }
   return status;
 }
 
-void Runner::EndScript(const std::string& name, ExitStatus status) {
+void Runner::EndScript(Script& script, ExitStatus status) {
   for (const std::string& loss : outputs_.TakeLosses()) events_.Say(loss);
   events_.EndScript(status == kAllWell);
-  if (!command_.summary) return;
-  for (const std::string& line : follower_.Summary(name)) summary_ += line + '\n';
+  if (Repeats()) {
+    if (status != kInterrupted) script.rounds.Add(follower_);
+  } else if (command_.summary) {
+    for (const std::string& line : follower_.Summary(script.name)) summary_ += line + '\n';
+  }
 }
 
 void Runner::BeginScript(Script& script) {
@@ -220,7 +266,7 @@ void Runner::BeginScript(Script& script) {
     marks.push_back({problem.place.line, problem.place.column, problem.severity == Severity::kError,
                      problem.text});
   }
-  script.problems = {};
+  if (!Repeats()) script.problems = {};
   events_.BeginScript({script.path, script.name, script.text->Content()}, marks);
 }
 
@@ -256,10 +302,11 @@ void Runner::RequestReset(const Script& script) {
 }
 
 bool Runner::Play(Script& script) {
+  ThrowIfInterrupted();  // the scripts of a run without end may make no call
   if (script.plan.resets_tap) RequestReset(script);
   const MemoryFile copy(script.text->Content());
-  // A long script need not be there twice.
-  if (command_.learn.empty()) script.text.reset();
+  // A long script need not be there twice, unless it is played again.
+  if (command_.learn.empty() && !Repeats()) script.text.reset();
   in_plugin_ = &script;
   const bool ran = RunPlugin(copy.Path());
   in_plugin_ = nullptr;
@@ -324,7 +371,7 @@ int Runner::Show(const char* message) {
 
 ExitStatus Runner::Complete(ExitStatus status) {
   console_.Close();
-  if (command_.summary) StandardError() << PrintableLines(summary_) + Counts() + "\n";
+  StandardError() << PrintableLines(Report());
   const std::vector<std::string> failures = outputs_.Complete(Head(status));
   for (const std::string& loss : outputs_.TakeLosses()) Complain(loss);
   for (const std::string& failure : failures) Complain(failure);
@@ -344,10 +391,11 @@ void Runner::OnExit() {
 
 ExitStatus Runner::EndWithPlugin() noexcept try {
   const Rescue::Scope working(rescue_, Rescue::State::kWorking);
-  const Script& script = *std::exchange(in_plugin_, nullptr);
+  Script& script = *std::exchange(in_plugin_, nullptr);
   events_.Flush();
   events_.Say(fmt::format("{}: the plug-in ended the process", script.path));
-  EndScript(script.name, kScriptFailed);
+  EndScript(script, kScriptFailed);
+  EndRound(kScriptFailed);
   return EndSpawned(command_.probe, Complete(kScriptFailed));
 } catch (const std::exception& error) {
   Complain(error.what());
@@ -360,11 +408,42 @@ PageHead Runner::Head(ExitStatus status) const {
   PageHead head = {fmt::format("{}", fmt::join(scripts, ", ")), ResultText(status),
                    status == kAllWell, HeadEntries(command_.probe, Counts(), console_.Seconds())};
   head.entries.emplace_back("Plug-in", command_.plugin);
+  if (Repeats()) {
+    head.entries.emplace_back("Repeated",
+                              RoundCounts() + "; here are the first and those that failed");
+  }
   if (rest != scripts.end()) {
     head.entries.emplace_back("Not played",
                               fmt::format("{}", fmt::join(rest, scripts.end(), ", ")));
   }
   return head;
+}
+
+long Runner::ExpectedOperations() const {
+  long operations = 0;
+  for (const Script& script : scripts_) {
+    operations = SaturatedSum(operations, script.plan.operations);
+  }
+  return SaturatedProduct(operations, command_.repeat);
+}
+
+// What is printed at the end.
+std::string Runner::Report() const {
+  if (!command_.summary && !(Repeats() && command_.keep_going)) return "";
+  std::string text = summary_;
+  if (Repeats()) {
+    for (const Script& script : scripts_) {
+      for (const std::string& line : script.rounds.Lines(script.name, script.plan)) {
+        text += line + '\n';
+      }
+    }
+    text += RoundCounts() + '\n';
+  }
+  return command_.summary ? text + Counts() + '\n' : text;
+}
+
+std::string Runner::RoundCounts() const {
+  return fmt::format("rounds {}, failed {}", played_rounds_, failed_rounds_);
 }
 
 std::string Runner::Counts() const {

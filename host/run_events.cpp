@@ -9,8 +9,31 @@
 
 namespace icehost {
 
+RunEvents::RunEvents(Outputs& outputs, Console& console, bool strict, bool repeats)
+    : outputs_(outputs),
+      console_(console),
+      strict_(strict),
+      log_(outputs.listeners, outputs.recorders),
+      listeners_(outputs.listeners),
+      recorders_(outputs.recorders) {
+  if (repeats && !listeners_.empty()) listeners_ = {&log_};
+  if (repeats && !recorders_.empty()) recorders_ = {&log_};
+}
+
+void RunEvents::BeginRound(long round) {
+  round_ = round;
+  log_.BeginRound(round);
+  console_.Hold(round > 1);
+}
+
+void RunEvents::PassOnRound() {
+  if (round_ == 0) return;
+  log_.PassOn();
+  console_.Release();
+}
+
 void RunEvents::BeginScript(const RunScript& script, const std::vector<SourceMark>& marks) {
-  for (EventListener* const listener : outputs_.listeners) {
+  for (EventListener* const listener : listeners_) {
     listener->OnSource(script.name, script.content, marks);
     listener->OnScript(script.path);
   }
@@ -24,11 +47,11 @@ void RunEvents::BeginScript(const RunScript& script, const std::vector<SourceMar
 }
 
 void RunEvents::RequestReset() {
-  for (EventListener* const listener : outputs_.listeners) listener->OnResetRequest();
+  for (EventListener* const listener : listeners_) listener->OnResetRequest();
 }
 
 void RunEvents::SetPlace(const ChainPlace& place, bool measured) {
-  for (EventListener* const listener : outputs_.listeners) listener->OnPlace(place);
+  for (EventListener* const listener : listeners_) listener->OnPlace(place);
   if (!measured) return;
   Remark(fmt::format("measured: --chain {} --tap {}", fmt::join(place.ir_lengths, ","),
                      place.tap + 1));
@@ -36,14 +59,15 @@ void RunEvents::SetPlace(const ChainPlace& place, bool measured) {
 
 void RunEvents::EndScript(bool ran) {
   in_script_ = false;
-  for (EventListener* const listener : outputs_.listeners) listener->OnScriptEnd(ran);
+  for (EventListener* const listener : listeners_) listener->OnScriptEnd(ran);
 }
 
 void RunEvents::Abandon(const std::string& why) {
-  for (EventListener* const listener : outputs_.listeners) listener->OnError(why, 0);
+  if (round_ != 0) log_.PassOn();
+  for (EventListener* const listener : listeners_) listener->OnError(why, 0);
   if (in_script_) EndScript(false);
   console_.Close();
-  Complain(why);
+  Complain(WithRound(why));
 }
 
 void RunEvents::BeginCall(const char* function, const CallSource& source, bool begins_operation) {
@@ -57,10 +81,12 @@ void RunEvents::BeginCall(const char* function, const CallSource& source, bool b
 
 void RunEvents::EndCall(const CallEvent& call) {
   for (const Comparison& one : call.comparisons) {
-    if (!one.fault.empty()) SayAt(one.line, one.column, one.fault);
-    explained_ = explained_ || !one.fault.empty();
+    if (one.fault.empty()) continue;
+    PassOnRound();
+    SayAt(one.line, one.column, one.fault);
+    explained_ = true;
   }
-  for (EventListener* const listener : outputs_.listeners) listener->OnCall(call);
+  for (EventListener* const listener : listeners_) listener->OnCall(call);
 }
 
 void RunEvents::Message(const char* text) {
@@ -74,7 +100,7 @@ void RunEvents::Flush() {
 }
 
 void RunEvents::Pass(const char* message) {
-  for (EventListener* const listener : outputs_.listeners) listener->OnMessage(message);
+  for (EventListener* const listener : listeners_) listener->OnMessage(message);
   last_message_ = message;
   console_.Show(message);
 }
@@ -86,6 +112,7 @@ void RunEvents::PassCaptured() {
 
 void RunEvents::Fail(const std::string& why) {
   explained_ = true;
+  PassOnRound();
   if (function_ == nullptr) return Say(why);
   SayAt(source_.line, 0, fmt::format("{} failed: {}", function_, why));
 }
@@ -96,7 +123,7 @@ void RunEvents::Doubt(const std::string& why) {
 }
 
 void RunEvents::SayAt(int line, int column, const std::string& what) {
-  if (line == 0) return Say(what);
+  if (line == 0) return Error(what, 0, "icehost: " + what);
   std::string text = fmt::format("{}:{}:", name_, line);
   if (column != 0) text += fmt::format("{}:", column);
   text.append(" ").append(what);
@@ -104,6 +131,7 @@ void RunEvents::SayAt(int line, int column, const std::string& what) {
 }
 
 void RunEvents::Say(const std::string& what) {
+  PassOnRound();
   Error(what, 0, "icehost: " + what);
 }
 
@@ -113,20 +141,24 @@ void RunEvents::Remark(const std::string& what) {
 }
 
 void RunEvents::Tell(const std::string& what, int line) {
-  for (EventListener* const listener : outputs_.listeners) listener->OnError(what, line);
+  for (EventListener* const listener : listeners_) listener->OnError(what, line);
 }
 
 void RunEvents::Error(const std::string& what, int line, const std::string& shown) {
   Tell(what, line);
-  console_.Say(shown);
+  console_.Say(WithRound(shown));
+}
+
+std::string RunEvents::WithRound(const std::string& text) const {
+  return round_ == 0 ? text : fmt::format("{} (round {})", text, round_);
 }
 
 void RunEvents::BeginOperation(const std::string& name, const CallSource& source) {
-  for (StepRecorder* const recorder : outputs_.recorders) recorder->BeginOperation(name, source);
+  for (StepRecorder* const recorder : recorders_) recorder->BeginOperation(name, source);
 }
 
 void RunEvents::Record(const PinStep& step) {
-  for (StepRecorder* const recorder : outputs_.recorders) recorder->Record(step);
+  for (StepRecorder* const recorder : recorders_) recorder->Record(step);
 }
 
 }  // namespace icehost

@@ -9,6 +9,7 @@
 #include "host/console.h"
 #include "host/events/events.h"
 #include "host/pins/recording_port.h"
+#include "host/round_log.h"
 #include "host/tables/outputs.h"
 
 namespace icehost {
@@ -20,12 +21,16 @@ struct RunScript {
 };
 
 // Passes what happens to the outputs and the console, in this order. Messages and errors belong to
-// the script that is under way, and errors also to its call.
+// the script that is under way, and errors also to its call. Of a repeated run they get the first
+// round and those that fail: what speaks of a failure passes on its whole round.
 class RunEvents : public StepRecorder {
  public:
-  // Both must outlive this object. `strict`: a doubt fails the call.
-  RunEvents(Outputs& outputs, Console& console, bool strict)
-      : outputs_(outputs), console_(console), strict_(strict) {}
+  // Both must outlive this object. `strict`: a doubt fails the call. `repeats`: the scripts are
+  // played in rounds.
+  RunEvents(Outputs& outputs, Console& console, bool strict, bool repeats);
+
+  // A round of a repeated run begins, from 1.
+  void BeginRound(long round);
 
   // `marks` are the problems that `check` finds in the script.
   void BeginScript(const RunScript& script, const std::vector<SourceMark>& marks);
@@ -68,6 +73,8 @@ class RunEvents : public StepRecorder {
   const std::string& LastMessage() const { return last_message_; }
 
  private:
+  void PassOnRound();
+  std::string WithRound(const std::string& text) const;
   void Pass(const char* message);
   void PassCaptured();
   // Reports something about a place of the script; a line or column of 0 means there is none.
@@ -78,6 +85,11 @@ class RunEvents : public StepRecorder {
   Outputs& outputs_;
   Console& console_;
   bool strict_;
+  RoundLog log_;
+  long round_ = 0;  // 0: the run is not repeated
+  // The outputs, or the log of the rounds before them.
+  std::vector<EventListener*> listeners_;
+  std::vector<StepRecorder*> recorders_;
   std::string name_;
   bool in_script_ = false;
   bool parsing_ = false;            // the plug-in has not made a call yet

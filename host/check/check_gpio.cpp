@@ -143,12 +143,14 @@ class GpioLines {
  private:
   struct Block {
     Place rept;
-    bool empty = true;  // so far it holds no pin operation
+    int times;
+    long operations = 0;  // of one run, so far
   };
 
   void Refuse(GpioLine& line, std::string_view item);
   void CheckWords(GpioLine& line, const Element& element);
   void AddOperation(const ScriptLine& line);
+  void CountOperations(long number);
   void AddExpectation(const ScriptLine& line);
   void TakeElement(const ScriptLine& line);
   void CloseBlock(const ScriptLine& endr);
@@ -212,6 +214,12 @@ void GpioLines::CheckWords(GpioLine& line, const Element& element) {
 void GpioLines::AddOperation(const ScriptLine& line) {
   const auto number = static_cast<unsigned>(line.number);
   plan_.pins.push_back({number & 0x3FFFFFFFU, std::exchange(begins_block_, false) ? 1U : 0U, 0});
+  CountOperations(1);
+}
+
+void GpioLines::CountOperations(long number) {
+  long& operations = blocks_.empty() ? plan_.operations : blocks_.back().operations;
+  operations = SaturatedSum(operations, number);
 }
 
 void GpioLines::AddExpectation(const ScriptLine& line) {
@@ -225,13 +233,12 @@ void GpioLines::AddExpectation(const ScriptLine& line) {
 void GpioLines::TakeElement(const ScriptLine& line) {
   if (state_.kind == icescript::GPIO_KIND_REPT) {
     begins_block_ = true;
-    blocks_.push_back({line.Start()});
+    blocks_.push_back({line.Start(), state_.repeat_count});
   } else if (state_.kind == icescript::GPIO_KIND_ENDR) {
     plan_.pins.back().ends_block = 1;
     CloseBlock(line);
   } else {
     AddOperation(line);
-    if (!blocks_.empty()) blocks_.back().empty = false;
   }
 }
 
@@ -242,12 +249,11 @@ void GpioLines::CloseBlock(const ScriptLine& endr) {
   }
   const Block block = blocks_.back();
   blocks_.pop_back();
-  if (block.empty) {
+  if (block.operations == 0) {
     block_problems_.Warn(block.rept,
                          "this block holds no pin operation: it is skipped and delays nothing");
-  } else if (!blocks_.empty()) {
-    blocks_.back().empty = false;  // a block holds what a block in it holds
   }
+  CountOperations(SaturatedProduct(block.operations, block.times));
   pins_.CloseBlock(block.rept.line);
 }
 

@@ -105,7 +105,9 @@ class JtagOperations {
   }
 
   void Append(const IniSection& section, int line, bool reads) {
-    if (!stopped_) plan_.jtag.push_back({line, std::string(section.name), reads});
+    if (stopped_) return;
+    plan_.jtag.push_back({line, std::string(section.name), reads});
+    ++plan_.operations;
   }
 
   void TakeExpectation(const IniSection& section, ScanKey value_key, int bits) {

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <limits>
 
 #include "base/field_cursor.h"
 #include "base/number.h"
@@ -237,6 +238,16 @@ class Learner {
 };
 
 }  // namespace
+
+long SaturatedSum(long one, long other) {
+  long sum = 0;
+  return __builtin_add_overflow(one, other, &sum) ? std::numeric_limits<long>::max() : sum;
+}
+
+long SaturatedProduct(long one, long other) {
+  long product = 0;
+  return __builtin_mul_overflow(one, other, &product) ? std::numeric_limits<long>::max() : product;
+}
 
 const Expectation* Plan::Expected(std::size_t operation, Of of) const {
   auto at = std::lower_bound(

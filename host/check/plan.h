@@ -50,11 +50,16 @@ struct Plan {
   std::vector<PinOperation> pins;
   std::vector<JtagOperation> jtag;
   std::vector<Expectation> expectations;  // by operation
-  bool resets_tap = false;                // before the first scan, by "# reset TAP"
+  long operations = 0;      // that a run of it makes: each as often as its blocks repeat it
+  bool resets_tap = false;  // before the first scan, by "# reset TAP"
 
   // The value that is expected of an operation, or null.
   const Expectation* Expected(std::size_t operation, Expectation::Of of) const;
 };
+
+// The largest number stands for all that are larger.
+long SaturatedSum(long one, long other);
+long SaturatedProduct(long one, long other);
 
 // The value that one run of an operation has read, or the values of all its runs.
 struct Capture {

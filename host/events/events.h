@@ -106,6 +106,8 @@ struct SourceMark {
 class EventListener {
  public:
   virtual ~EventListener() = default;
+  // In a repeated run: a round begins, from 1. The rounds that are left out were as expected.
+  virtual void OnRound(long /*round*/) {}
   virtual void OnScript(const std::string& /*path*/) {}
   // The script that has just begun asks for a TAP reset, which its first scan begins with.
   virtual void OnResetRequest() {}

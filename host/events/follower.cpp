@@ -23,6 +23,18 @@ bool IsMet(const Expectation& expectation, const Capture& captured) {
   return true;
 }
 
+void CountWrongBits(const Expectation& expectation, const Capture& captured,
+                    std::vector<long>& counts) {
+  for (std::size_t bit = 0; bit < 8 * captured.value.size(); ++bit) {
+    const std::size_t i = bit / 8;
+    if (i >= expectation.value.size()) return;
+    const int wrong = (captured.value[i] ^ expectation.value[i]) & captured.steady[i];
+    if (((wrong & expectation.mask[i]) >> bit % 8 & 1) == 0) continue;
+    if (counts.size() <= bit) counts.resize(bit + 1);
+    ++counts[bit];
+  }
+}
+
 std::string MaskText(const Expectation& expectation) {
   return expectation.masked ? fmt::format(" (mask {})", ByteText(expectation.mask)) : "";
 }
@@ -129,6 +141,7 @@ bool Follower::CompareOne(const char* of, const Expectation& expected, const Cap
   ++tally.compared;
   if (tally.unmet == 0) tally.captured = captured;
   if (IsMet(expected, captured)) return true;
+  CountWrongBits(expected, captured, tally.wrong);
   ++tally.unmet;
   ++unmet_;
   const bool pins = expected.of == Expectation::Of::kPins;

@@ -27,6 +27,14 @@ class Follower {
   // nothing is compared, and all values are kept.
   enum class Mode { kFail, kKeepGoing, kLearn };
 
+  // The comparisons of one expectation.
+  struct Tally {
+    long compared = 0;
+    long unmet = 0;
+    Capture captured;         // the first that was not as expected, or else the last
+    std::vector<long> wrong;  // how often each bit was not; no longer than needed
+  };
+
   explicit Follower(Mode mode) : mode_(mode) {}
 
   // A script begins; the plan must outlive its run.
@@ -52,16 +60,11 @@ class Follower {
   std::size_t Unreached() const;
   // The result of each expectation of this script, a line each, for people; empty in Mode::kLearn.
   std::vector<std::string> Summary(const std::string& script) const;
+  // One for each expectation of this script's plan.
+  const std::vector<Tally>& Tallies() const { return tallies_; }
   const Captures& Read() const { return captures_; }
 
  private:
-  // The comparisons of one expectation.
-  struct Tally {
-    long compared = 0;
-    long unmet = 0;
-    Capture captured;  // the first that was not as expected, or else the last
-  };
-
   std::size_t NextPin(const std::uint32_t& data);
   bool CompareRegister(const char* of, Expectation::Of which, const ScanRegister& captured,
                        std::vector<Comparison>& comparisons);
@@ -77,7 +80,7 @@ class Follower {
   std::size_t current_ = 0;  // the operation under way
   // The first operations of the blocks that were entered, by the addresses of their data words.
   std::unordered_map<const std::uint32_t*, std::size_t> block_begins_;
-  std::vector<Tally> tallies_;  // one for each expectation of the plan
+  std::vector<Tally> tallies_;
   Captures captures_;
   long unmet_ = 0;
 };

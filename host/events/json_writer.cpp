@@ -91,14 +91,15 @@ void AppendComparisons(const std::vector<Comparison>& comparisons, std::string& 
   if (!comparisons.empty()) line += ']';
 }
 
-// Writes one object a line. Its first key names its kind: "schema", "script", "request", "call",
-// "message", "error" or "end"; docs/json.md describes them. ASCII only.
+// Writes one object a line. Its first key names its kind: "schema", "round", "script", "request",
+// "call", "message", "error" or "end"; docs/json.md describes them. ASCII only.
 class JsonWriter : public Output, public EventListener {
  public:
   // `stream` must outlive the writer.
   explicit JsonWriter(std::ostream& stream) : stream_(stream) {}
   // The line that says what follows.
   void Begin() override;
+  void OnRound(long round) override { stream_ << fmt::format("{{\"round\":{}}}\n", round); }
   void OnScript(const std::string& path) override;
   void OnPlace(const ChainPlace& place) override;
   void OnResetRequest() override { stream_ << "{\"request\":\"reset TAP\"}\n"; }

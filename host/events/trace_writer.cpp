@@ -34,6 +34,7 @@ class TraceWriter : public Output, public EventListener {
  public:
   // `stream` must outlive the writer.
   explicit TraceWriter(std::ostream& stream) : stream_(stream) {}
+  void OnRound(long round) override;
   void OnScript(const std::string& path) override;
   void OnPlace(const ChainPlace& place) override;
   void OnResetRequest() override { stream_ << "# reset TAP\n"; }
@@ -45,6 +46,11 @@ class TraceWriter : public Output, public EventListener {
   std::string path_;
   std::string line_;  // kept for its room
 };
+
+void TraceWriter::OnRound(long round) {
+  stream_ << fmt::format("# round {}{}\n", round,
+                         round == 1 ? "; of the later ones only those that fail follow" : "");
+}
 
 void TraceWriter::OnScript(const std::string& path) {
   path_ = Printable(path);

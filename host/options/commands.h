@@ -37,6 +37,7 @@ struct RunCommand {
   bool strict = false;      // warnings fail
   bool force = false;       // scripts with errors run
   bool keep_going = false;  // past values that are not as expected
+  long repeat = 1;          // rounds; 0: until a signal
   OutputRequests outputs;
   std::string learn;
   bool summary = false;

@@ -99,6 +99,11 @@ double ParseHertz(const std::string& text) {
   return Decimal(text, 1e12, "expected TCK cycles per second, such as 1000000 or 1e6");
 }
 
+long ParseRounds(const std::string& text) {
+  constexpr std::uint64_t kMostRounds = 1000000000;
+  return static_cast<long>(Number(text, 10, kMostRounds));
+}
+
 std::size_t ParseMebibytes(const std::string& text) {
   constexpr std::uint64_t kMost = 1U << 20U;
   return Number(text, 10, kMost) << 20U;

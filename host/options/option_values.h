@@ -21,6 +21,8 @@ int ParseWireMode(const std::string& text);
 std::chrono::milliseconds ParseSeconds(const std::string& text);
 // A number of TCK cycles in a second, more than 0.
 double ParseHertz(const std::string& text);
+// A number of rounds; 0: without end.
+long ParseRounds(const std::string& text);
 // A number of mebibytes, as bytes.
 std::size_t ParseMebibytes(const std::string& text);
 // Hexadecimal, with or without "0x". Bit 0 of an IDCODE is 1 (IEEE 1149.1).

@@ -200,6 +200,9 @@ void CompleteRun(const CLI::App& verb, RunCommand& run) {
   if (!run.learn.empty() && run.scripts.size() > 1) {
     throw CLI::ValidationError("--learn", "takes one script");
   }
+  if (!run.learn.empty() && run.repeat != 1) {
+    throw CLI::ValidationError("--learn", "takes one round: no --repeat");
+  }
   CompletePlace(verb, run.probe);
   RefuseUnfitProbe(verb, run.probe);
   // Anything else on standard output would spoil an output that is meant for a program.
@@ -261,6 +264,10 @@ CLI::App& AddVerb(CLI::App& app, RunCommand& run) {
                 "Play scripts with errors as the plug-in takes them, instead of none");
   verb.add_flag("--keep-going", run.keep_going,
                 "Play on where a value is not the expected one, and fail at the end");
+  AddParsed(verb, "--repeat", "N",
+            "Play all scripts N times, up to the first round that fails, or with --keep-going all\n"
+            "rounds; 0: until a signal. Outputs hold the first round and those that fail",
+            [&run](const std::string& text) { run.repeat = ParseRounds(text); });
   AddOutputs(verb, &OutputKind::run, kOutputGroup);
   NamesFile(verb.add_option("--learn", run.learn,
                             "Write the script with the values that were read as those it expects"))

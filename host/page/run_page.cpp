@@ -103,9 +103,10 @@ std::string NameOfOperation(const CallEvent& call) {
 class RunPage : public Output, public EventListener, public StepRecorder {
  public:
   explicit RunPage(std::ostream& stream) : stream_(stream) {}
+  void OnRound(long round) override { round_ = fmt::format(", round {}", round); }
   void OnSource(std::string_view name, std::string_view content,
                 const std::vector<SourceMark>& marks) override {
-    writer_.AddSource(name, content, marks);
+    writer_.AddSource(std::string(name) + round_, content, marks);
   }
   void OnScript(const std::string& path) override;
   void OnCall(const CallEvent& call) override;
@@ -126,6 +127,7 @@ class RunPage : public Output, public EventListener, public StepRecorder {
   };
   std::ostream& stream_;
   PageWriter writer_;
+  std::string round_;            // of a repeated run: ends the name of a script
   long operation_ = 0;           // the next one's number
   std::optional<PageRow> scan_;  // inserted, not yet executed
   std::vector<Error> errors_;    // of the call under way

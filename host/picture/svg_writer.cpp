@@ -103,6 +103,7 @@ class SvgWriter : public Output, public StepRecorder, public EventListener {
   explicit SvgWriter(std::ostream& stream) : stream_(stream) {}
   void Record(const PinStep& step) override;
 
+  void OnRound(long round) override { round_ = fmt::format(", round {}", round); }
   void OnScript(const std::string& path) override;
   void OnCall(const CallEvent& call) override;
   void End(const PageHead& head) override;
@@ -113,6 +114,7 @@ class SvgWriter : public Output, public StepRecorder, public EventListener {
 
   std::ostream& stream_;
   SvgRun run_;
+  std::string round_;   // of a repeated run: ends the name of a script
   std::string script_;  // the path of the one under way
   bool script_begins_ = false;
 };
@@ -146,7 +148,7 @@ void SvgWriter::End(const PageHead& /*head*/) {
 void SvgWriter::KeepOperation(SvgSegment operation) {
   if (script_begins_) {
     const std::string name = script_.substr(script_.rfind('/') + 1);
-    run_.scripts.push_back({operation.steps, script_, {script_, name}});
+    run_.scripts.push_back({operation.steps, script_ + round_, {script_ + round_, name + round_}});
   }
   script_begins_ = false;
   run_.scripts.back().steps.end = operation.steps.end;

@@ -42,6 +42,11 @@ void SvfWriter::Begin() {
   Statement("ENDDR IDLE");
 }
 
+void SvfWriter::OnRound(long round) {
+  Comment("Round " + std::to_string(round) +
+          (round == 1 ? ". Of the later ones only those that fail follow." : "."));
+}
+
 Bits SvfWriter::MaskOf(const CallSource& source, bool ir, std::size_t bits) {
   const std::string* const own = ir ? source.ir_mask : source.dr_mask;
   if (own != nullptr) return BitsOfBytes(*own, bits);

@@ -31,6 +31,7 @@ class SvfWriter : public Output, public EventListener {
   explicit SvfWriter(std::ostream& stream) : stream_(stream) {}
 
   void Begin() override;
+  void OnRound(long round) override;
   void OnPlace(const ChainPlace& place) override { place_ = place; }
   std::vector<std::string> TakeLosses() override;
 

@@ -1,0 +1,166 @@
+#include "host/round_log.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <memory>
+#include <utility>
+
+namespace icehost {
+namespace {
+
+// Of a round. Most have a few kilobytes.
+constexpr std::size_t kMostKeptBytes = 64U << 20U;
+// About what a step, and anything else, takes with its place in the list.
+constexpr std::size_t kStepBytes = 96;
+constexpr std::size_t kEventBytes = 160;
+
+// A call with copies of what it points at, except in the plan of its script.
+struct KeptCall {
+  explicit KeptCall(const CallEvent& original) : call(original) {
+    if (auto* const insert = std::get_if<InsertCall>(&call.call)) {
+      scan = *insert->scan;
+      insert->scan = &scan;
+    } else if (auto* const execute = std::get_if<ExecuteCall>(&call.call)) {
+      scan = *execute->scan;
+      execute->scan = &scan;
+    }
+    if (scan.chain == nullptr) return;
+    chain = *scan.chain;
+    scan.chain = &chain;
+  }
+  KeptCall(const KeptCall&) = delete;
+  KeptCall& operator=(const KeptCall&) = delete;
+
+  std::size_t Bytes() const {
+    std::size_t bytes = sizeof(KeptCall) + kEventBytes + scan.ir.in.size() + scan.dr.in.size() +
+                        scan.ir.out.value_or("").size() + scan.dr.out.value_or("").size() +
+                        chain.dr_in.size() + chain.dr_out.size();
+    for (const Comparison& one : call.comparisons) {
+      bytes += sizeof one + one.expected.size() + one.mask.size() + one.captured.size() +
+               one.fault.size();
+    }
+    return bytes;
+  }
+
+  CallEvent call;
+  Scan scan;
+  ChainScan chain;
+};
+
+}  // namespace
+
+void RoundLog::BeginRound(long round) {
+  kept_.clear();
+  dropped_steps_ += std::exchange(kept_steps_, 0);
+  resumed_at_ = steps_;
+  kept_bytes_ = 0;
+  cut_ = false;
+  open_ = round == 1;
+  Frame([this, round] { Tell(&EventListener::OnRound, round); });
+  round_ = round;
+}
+
+// Takes each one from the list first: a rescue may go on with the rest.
+void RoundLog::PassOn() {
+  open_ = true;
+  kept_steps_ = 0;
+  while (!kept_.empty()) {
+    const Kept next = std::move(kept_.front());
+    kept_.pop_front();
+    next.pass();
+  }
+  if (!std::exchange(cut_, false)) return;
+  OnError(fmt::format("round {} is too long to keep: its calls and steps up to here are left out",
+                      round_),
+          0);
+}
+
+template <class Pass>
+void RoundLog::Frame(const Pass& pass) {
+  if (open_) return pass();
+  kept_.push_back({pass, false});
+}
+
+template <class Pass>
+void RoundLog::Detail(std::size_t bytes, const Pass& pass) {
+  if (open_) return pass();
+  kept_bytes_ += bytes;
+  if (!cut_ && kept_bytes_ > kMostKeptBytes) DropDetails();
+  if (!cut_) kept_.push_back({pass, true});
+}
+
+void RoundLog::DropDetails() {
+  cut_ = true;
+  const auto frames = [](const Kept& one) { return one.detail; };
+  kept_.erase(std::remove_if(kept_.begin(), kept_.end(), frames), kept_.end());
+  kept_.shrink_to_fit();
+  dropped_steps_ += std::exchange(kept_steps_, 0);
+  resumed_at_ = steps_;
+}
+
+StepRange RoundLog::Renumbered(const StepRange& steps) const {
+  return {std::max(steps.begin, resumed_at_) - dropped_steps_,
+          std::max(steps.end, resumed_at_) - dropped_steps_};
+}
+
+void RoundLog::OnSource(std::string_view name, std::string_view content,
+                        const std::vector<SourceMark>& marks) {
+  Frame([this, name = std::string(name), content, marks] {
+    Tell(&EventListener::OnSource, name, content, marks);
+  });
+}
+
+void RoundLog::OnScript(const std::string& path) {
+  Frame([this, path] { Tell(&EventListener::OnScript, path); });
+}
+
+void RoundLog::OnResetRequest() {
+  Frame([this] { Tell(&EventListener::OnResetRequest); });
+}
+
+void RoundLog::OnPlace(const ChainPlace& place) {
+  Frame([this, place] { Tell(&EventListener::OnPlace, place); });
+}
+
+void RoundLog::OnCall(const CallEvent& call) {
+  const auto kept = std::make_shared<KeptCall>(call);
+  kept->call.steps = Renumbered(call.steps);
+  Detail(kept->Bytes(), [this, kept] { Tell(&EventListener::OnCall, kept->call); });
+}
+
+void RoundLog::OnMessage(const char* text) {
+  const std::string copy = text;
+  Detail(kEventBytes + copy.size(),
+         [this, copy] { Tell(&EventListener::OnMessage, copy.c_str()); });
+}
+
+void RoundLog::OnError(const std::string& text, int line) {
+  Detail(kEventBytes + text.size(),
+         [this, text, line] { Tell(&EventListener::OnError, text, line); });
+}
+
+void RoundLog::OnScriptEnd(bool ran) {
+  Frame([this, ran] { Tell(&EventListener::OnScriptEnd, ran); });
+}
+
+// A waveform has no rounds: the operations are named after them.
+void RoundLog::BeginOperation(const std::string& name, const CallSource& source) {
+  Detail(kEventBytes + name.size(),
+         [this, name = fmt::format("round {} {}", round_, name), source] {
+           for (StepRecorder* const recorder : recorders_) recorder->BeginOperation(name, source);
+         });
+}
+
+void RoundLog::Record(const PinStep& step) {
+  ++steps_;
+  if (!open_) ++kept_steps_;
+  Detail(kStepBytes, [this, step] {
+    for (StepRecorder* const recorder : recorders_) recorder->Record(step);
+  });
+  if (open_ || !cut_) return;
+  dropped_steps_ += std::exchange(kept_steps_, 0);
+  resumed_at_ = steps_;
+}
+
+}  // namespace icehost

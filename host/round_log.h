@@ -1,0 +1,80 @@
+// Lets through what happens in the rounds that the outputs of a repeated run hold.
+#ifndef ICESCRIPT_HOST_ROUND_LOG_H_
+#define ICESCRIPT_HOST_ROUND_LOG_H_
+
+#include <cstddef>
+#include <deque>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "host/events/events.h"
+#include "host/pins/recording_port.h"
+
+namespace icehost {
+
+// Passes on the first round. Keeps each later round until PassOn, or until the next one begins,
+// which drops it. So the outputs of a run without end get the first round and those that fail. They
+// see steps that are numbered without gaps.
+class RoundLog : public EventListener, public StepRecorder {
+ public:
+  // The outputs must outlive this object. What `OnSource` and a CallSource point at must stay valid
+  // until the next round begins.
+  RoundLog(std::vector<EventListener*> listeners, std::vector<StepRecorder*> recorders)
+      : listeners_(std::move(listeners)), recorders_(std::move(recorders)) {}
+
+  // A round begins; the first one is 1.
+  void BeginRound(long round);
+  // The round under way fails: passes on all of it, what follows too. If it was too long to keep,
+  // its calls and steps so far are missing, and an error reports that.
+  void PassOn();
+
+  void OnSource(std::string_view name, std::string_view content,
+                const std::vector<SourceMark>& marks) override;
+  void OnScript(const std::string& path) override;
+  void OnResetRequest() override;
+  void OnPlace(const ChainPlace& place) override;
+  void OnCall(const CallEvent& call) override;
+  void OnMessage(const char* text) override;
+  void OnError(const std::string& text, int line) override;
+  void OnScriptEnd(bool ran) override;
+
+  void BeginOperation(const std::string& name, const CallSource& source) override;
+  void Record(const PinStep& step) override;
+
+ private:
+  // Something to pass on later; all but what frames the scripts are details.
+  struct Kept {
+    std::function<void()> pass;
+    bool detail;
+  };
+
+  template <class... Parameters, class... Arguments>
+  void Tell(void (EventListener::*event)(Parameters...), const Arguments&... arguments) {
+    for (EventListener* const listener : listeners_) (listener->*event)(arguments...);
+  }
+  template <class Pass>
+  void Frame(const Pass& pass);
+  template <class Pass>
+  void Detail(std::size_t bytes, const Pass& pass);
+  void DropDetails();
+  StepRange Renumbered(const StepRange& steps) const;
+
+  std::vector<EventListener*> listeners_;
+  std::vector<StepRecorder*> recorders_;
+  long round_ = 0;
+  bool open_ = true;
+  bool cut_ = false;  // the details of this round were too many to keep
+  std::deque<Kept> kept_;
+  std::size_t kept_bytes_ = 0;
+  std::size_t steps_ = 0;          // recorded, in all rounds
+  std::size_t kept_steps_ = 0;     // in kept_
+  std::size_t dropped_steps_ = 0;  // in all rounds
+  std::size_t resumed_at_ = 0;     // the first of these steps that follows the last dropped one
+};
+
+}  // namespace icehost
+
+#endif  // ICESCRIPT_HOST_ROUND_LOG_H_
