@@ -45,7 +45,7 @@ _icehost_value() {
     --wire) _icehost_offer jtag5 2wire cjtag2 ;;
     --script) _icehost_offer jtag gpio ;;
     --protocol) _icehost_offer remote-bitbang xvc ;;
-    --size-limit | --timeout | --ir-length | --idcode | --idcode-instruction \
+    --size-limit | --timeout | --repeat | --ir-length | --idcode | --idcode-instruction \
       | --register | --idle-limit | --tck-hz | --chain | --tap) _icehost_offer ;;
     *) return 1 ;;
   esac
@@ -72,7 +72,7 @@ _icehost() {
   ((at == last)) || verb=${words[at]}
   case $verb in
     run)
-      options+=" $probe --size-limit --strict --force --keep-going --summary"
+      options+=" $probe --size-limit --strict --force --keep-going --repeat --summary"
       options+=' --plugin --wire --trace --trace= --json --vcd --svg --html --svf --learn'
       ;;
     check) options+=' --size-limit --strict --json' ;;

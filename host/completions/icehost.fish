@@ -69,6 +69,7 @@ __icehost_option run -l wire -x -a 'jtag5 2wire cjtag2' -d 'The wire mode at the
 __icehost_option 'run check' -l strict -d 'Let warnings fail'
 __icehost_option run -l force -d 'Play scripts with errors too'
 __icehost_option run -l keep-going -d 'Play on where a value is not the expected one'
+__icehost_option run -l repeat -x -d 'How many rounds to play; 0: until a signal'
 __icehost_option run -l summary -d 'Say at the end what was done'
 __icehost_option run -l plugin -r -F -d 'The plug-in to load'
 

@@ -204,6 +204,16 @@ def check_signals():
         expect_whole("e.svg", "e.json")
         cuts = re.findall(">The first 1000 of [0-9]* steps<", read("e.svg"))
         expect("the picture of an interrupted run", len(cuts), 1)
+    # A run without end; its scripts need not make a call. The last round does not count.
+    write("no_call.ini", "[CONTROL]\nX=1\n")
+    ends_by(signal.SIGINT, "run", "-q", "--repeat", "0", "no_call.ini", err="no_call")
+    ends_by(signal.SIGINT, "run", "-q", "--repeat", "0", "--summary", "--json", "r.json", SCRIPT,
+            err="rounds")
+    said = (r"icehost: interrupted \(round \d+\)\n\S+ met in (\d+) of \1 rounds\n"
+            r"rounds \1, failed 0\noperations .*\n")
+    expect(read("rounds"), bool(re.fullmatch(said, read("rounds"))), True)
+    expect("rounds kept", read("r.json").count('"round"'), 2)
+    expect_whole("r.json")
     names = (i * 7919 % 60000 for i in range(60000))
     write("many.ini", "".join(f"[{name}x]\nIR=5,1\nDR=R,8,0\n" for name in names))
     ends_by(signal.SIGINT, "run", "--json", "m.json", "--html", "m.html", "many.ini")
@@ -324,10 +334,17 @@ def check_half_a_script():
 def check_terminal():
     """A terminal shows progress, which leaves nothing there, and takes no text for a command."""
     terminal = ["timeout", "-k", "1", "30", "script", "/dev/null", "-qec"]
-    endless = f"timeout -s INT 1.7 icehost run {ENDLESS}"
+    write("nested.gpio", "[ZEVA_ICE_GPIO]\nSTART\nGPIO_OE=0x1F\n" + "REPT=2000000000\n" * 3 +
+          "TCK=1\n" + "ENDR\n" * 3 + "END\n")
+    endless = "timeout -s INT 1.7 icehost run nested.gpio"
     shown = output(*terminal, endless)
-    expect(f"progress in {shown!r}", shown.count("operations, ") >= 2, True)
+    expect(f"progress in {shown!r}", len(re.findall("operations, .*?, 0 %, .*? h left", shown)) >= 2,
+           True)
     expect("progress is left", shown.count("\r\x1b[K"), shown.count("operations, ") + 1)
+    rounds = output(*terminal, f"timeout -s INT 1.7 icehost run --repeat 300000 {SCRIPT}")
+    expect(f"rounds in {rounds!r}", [int(operations) * 100 // 600000 - int(percent) for
+           operations, percent in re.findall(r"round \d+ of 300000, 0 failed, (\d+) operations, "
+                                             r"\d+/s, (\d+) %, \d+ \w+ left", rounds)][:2], [0, 0])
     shell(endless)
     expect("progress in a file", read("err"), "icehost: interrupted\n")
     write("bold.ini", "[\x1b[7m\x9b]\nIR=5\nDR=W,0\n")

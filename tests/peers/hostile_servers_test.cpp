@@ -276,6 +276,7 @@ TEST(Servers, EndARunAsTheyShould) {
       {XvcAnswers({ones, info}), xvc, idcode, 0,
        "warning: " + no_ir + "all ones: nothing is powered, or nothing is connected)"},
       {XvcAnswers({"abc", "de", info}), xvc, dr_only, 0, ""},
+      {XvcAnswers({"abc", "de", info}), xvc, "--repeat 2 " + dr_only, 3, closed + " (round 2)"},
       {XvcAnswers({"abcd", "e", info}), xvc, dr_only, 3, step},
       {XvcAnswers({"abc", "de" + info}), xvc, dr_only, 3, step},
       {XvcAnswers({"abc", "de", info + "0"}), xvc, dr_only, 3, step},
@@ -288,6 +289,8 @@ TEST(Servers, EndARunAsTheyShould) {
       {half_close, xvc, idcode, 3, closed + is_busy},
 
       {OpenocdScan({"3 0 01 10 E5 1c", "4 0"}), openocd, idcode, 0, ""},
+      {OpenocdScan({"3 0 01 10 E5 1c", "4 0", "5 0 1 10 E5 1c", "6 0"}), openocd,
+       "--repeat 2 " + idcode, 0, ""},
       {OpenocdScan({"3 0 01 10 E5 1c", "4 0"}), openocd, loads, 0, loads + skipped},
       {OpenocdScan({"3 0 01 10 E5 1c", "4 0"}), openocd, "-q " + loads, 0, ""},
       {OpenocdScan({}), openocd, "--strict " + loads, 1, loads + skipped},
