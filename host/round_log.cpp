@@ -11,6 +11,8 @@ namespace {
 
 // Of a round. Most have a few kilobytes.
 constexpr std::size_t kMostKeptBytes = 64U << 20U;
+// After the first. More would fill a disk overnight, and nobody reads them.
+constexpr int kMostFailedRounds = 1000;
 // About what a step, and anything else, takes with its place in the list.
 constexpr std::size_t kStepBytes = 96;
 constexpr std::size_t kEventBytes = 160;
@@ -63,6 +65,8 @@ void RoundLog::BeginRound(long round) {
 
 // Takes each one from the list first: a rescue may go on with the rest.
 void RoundLog::PassOn() {
+  if (!open_ && failed_rounds_ == kMostFailedRounds) return;
+  const bool last = !open_ && ++failed_rounds_ == kMostFailedRounds;
   open_ = true;
   kept_steps_ = 0;
   while (!kept_.empty()) {
@@ -70,10 +74,14 @@ void RoundLog::PassOn() {
     kept_.pop_front();
     next.pass();
   }
-  if (!std::exchange(cut_, false)) return;
-  OnError(fmt::format("round {} is too long to keep: its calls and steps up to here are left out",
-                      round_),
-          0);
+  if (std::exchange(cut_, false)) {
+    Remark("is too long to keep: its calls and steps up to here are left out");
+  }
+  if (last) Remark("fails, and is the last one here: there are too many");
+}
+
+void RoundLog::Remark(const char* what) {
+  OnError(fmt::format("round {} {}", round_, what), 0);
 }
 
 template <class Pass>

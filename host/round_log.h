@@ -16,8 +16,8 @@
 namespace icehost {
 
 // Passes on the first round. Keeps each later round until PassOn, or until the next one begins,
-// which drops it. So the outputs of a run without end get the first round and those that fail. They
-// see steps that are numbered without gaps.
+// which drops it. So the outputs of a run without end get the first round and those that fail, up
+// to 1000. They see steps that are numbered without gaps.
 class RoundLog : public EventListener, public StepRecorder {
  public:
   // The outputs must outlive this object. What `OnSource` and a CallSource point at must stay valid
@@ -28,7 +28,8 @@ class RoundLog : public EventListener, public StepRecorder {
   // A round begins; the first one is 1.
   void BeginRound(long round);
   // The round under way fails: passes on all of it, what follows too. If it was too long to keep,
-  // its calls and steps so far are missing, and an error reports that.
+  // its calls and steps so far are missing, and an error reports that; so does one in the last
+  // round that the outputs get.
   void PassOn();
 
   void OnSource(std::string_view name, std::string_view content,
@@ -60,11 +61,13 @@ class RoundLog : public EventListener, public StepRecorder {
   template <class Pass>
   void Detail(std::size_t bytes, const Pass& pass);
   void DropDetails();
+  void Remark(const char* what);
   StepRange Renumbered(const StepRange& steps) const;
 
   std::vector<EventListener*> listeners_;
   std::vector<StepRecorder*> recorders_;
   long round_ = 0;
+  int failed_rounds_ = 0;  // passed on, without the first round
   bool open_ = true;
   bool cut_ = false;  // the details of this round were too many to keep
   std::deque<Kept> kept_;

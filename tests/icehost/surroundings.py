@@ -205,7 +205,7 @@ def check_signals():
         cuts = re.findall(">The first 1000 of [0-9]* steps<", read("e.svg"))
         expect("the picture of an interrupted run", len(cuts), 1)
     # A run without end; its scripts need not make a call. The last round does not count.
-    write("no_call.ini", "[CONTROL]\nX=1\n")
+    write("no_call.ini", "[CONTROL]\n")
     ends_by(signal.SIGINT, "run", "-q", "--repeat", "0", "no_call.ini", err="no_call")
     ends_by(signal.SIGINT, "run", "-q", "--repeat", "0", "--summary", "--json", "r.json", SCRIPT,
             err="rounds")
