@@ -112,8 +112,8 @@ void RunEvents::PassCaptured() {
 
 void RunEvents::Fail(const std::string& why) {
   explained_ = true;
-  PassOnRound();
   if (function_ == nullptr) return Say(why);
+  PassOnRound();
   SayAt(source_.line, 0, fmt::format("{} failed: {}", function_, why));
 }
 

@@ -265,8 +265,8 @@ CLI::App& AddVerb(CLI::App& app, RunCommand& run) {
   verb.add_flag("--keep-going", run.keep_going,
                 "Play on where a value is not the expected one, and fail at the end");
   AddParsed(verb, "--repeat", "N",
-            "Play all scripts N times (0: until a signal), up to the first round that fails or, with\n"
-            "--keep-going, to the end; outputs hold the first round, and those that fail",
+            "Play all scripts N times (0: until a signal), up to the first round that fails,\n"
+            "or to the end with --keep-going; outputs hold the first round, and those that fail",
             [&run](const std::string& text) { run.repeat = ParseRounds(text); });
   AddOutputs(verb, &OutputKind::run, kOutputGroup);
   NamesFile(verb.add_option("--learn", run.learn,

@@ -206,7 +206,8 @@ def check_signals():
         expect("the picture of an interrupted run", len(cuts), 1)
     # A run without end; its scripts need not make a call. The last round does not count.
     write("no_call.ini", "[CONTROL]\n")
-    ends_by(signal.SIGINT, "run", "-q", "--repeat", "0", "no_call.ini", err="no_call")
+    ends_by(signal.SIGINT, "run", "-q", "--repeat", "0", "--summary", "no_call.ini", err="no_call")
+    expect("no call", ", failed 0\noperations 0," in read("no_call"), True)
     ends_by(signal.SIGINT, "run", "-q", "--repeat", "0", "--summary", "--json", "r.json", SCRIPT,
             err="rounds")
     said = (r"icehost: interrupted \(round \d+\)\n\S+ met in (\d+) of \1 rounds\n"
