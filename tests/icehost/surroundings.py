@@ -339,8 +339,8 @@ def check_terminal():
           "TCK=1\n" + "ENDR\n" * 3 + "END\n")
     endless = "timeout -s INT 1.7 icehost run nested.gpio"
     shown = output(*terminal, endless)
-    expect(f"progress in {shown!r}", len(re.findall("operations, .*?, 0 %, .*? h left", shown)) >= 2,
-           True)
+    drawn = re.findall("operations, .*?, 0 %, .*? h left", shown)
+    expect(f"progress in {shown!r}", len(drawn) >= 2, True)
     expect("progress is left", shown.count("\r\x1b[K"), shown.count("operations, ") + 1)
     rounds = output(*terminal, f"timeout -s INT 1.7 icehost run --repeat 300000 {SCRIPT}")
     expect(f"rounds in {rounds!r}", [int(operations) * 100 // 600000 - int(percent) for
