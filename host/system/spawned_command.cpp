@@ -245,7 +245,7 @@ bool SpawnedCommand::HasEndedWithin(milliseconds patience) {
 bool SpawnedCommand::End(bool failed) {
   if (guard_ == 0 && !ended_) return true;
   // After a signal, icehost waits for the guard: nothing is left when icehost has ended.
-  const Rescue rescue(Rescue::State::kWorking, [] {});
+  const Rescue after_a_signal(Rescue::State::kWorking, [] {});
   if (!HasEndedWithin(failed ? kEndsAfterLoss : milliseconds(0))) {
     kill(guard_, SIGTERM);
     while (waitpid(guard_, &status_, 0) < 0 && errno == EINTR) {
