@@ -16,7 +16,7 @@
 namespace icehost {
 namespace {
 
-// Of a round.
+// The most that is held of the messages of a round.
 constexpr std::size_t kMostHeldBytes = 64U << 20U;
 
 // "12 s", "12 min" or "12 h".

@@ -9,7 +9,7 @@
 namespace icehost {
 namespace {
 
-// Of a round. Most have a few kilobytes.
+// The most that is kept of a round. Usually a round takes a few kilobytes.
 constexpr std::size_t kMostKeptBytes = 64U << 20U;
 // After the first. More would fill a disk overnight, and nobody reads them.
 constexpr int kMostFailedRounds = 1000;

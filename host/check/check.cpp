@@ -65,7 +65,7 @@ void WarnOfNearTag(const ScriptText& script, Problems& problems) {
                             InParentheses(WhyNotTag(first.text, tag))));
 }
 
-// If the file is none that a verb plays, that is its one error.
+// A file of a kind that run does not play has one error, which names the kind.
 void ReportWrongKind(const ScriptText& script, Problems& problems) {
   if (!problems.HasErrors()) return;
   const auto wrong = FindWrongKind(script.Content(), FileUse::kScript);

@@ -57,7 +57,7 @@ struct Plan {
   const Expectation* Expected(std::size_t operation, Expectation::Of of) const;
 };
 
-// The largest number stands for all that are larger.
+// A result that does not fit is the largest number.
 long SaturatedSum(long one, long other);
 long SaturatedProduct(long one, long other);
 
