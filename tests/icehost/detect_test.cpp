@@ -2,7 +2,9 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <map>
 #include <optional>
+#include <regex>
 #include <sstream>
 #include <utility>
 
@@ -122,6 +124,15 @@ class ChainPort : public icehost::PinPort {
   Bits samples_;
   int samples_read_ = 0;
 };
+
+void Serve(ChainPort& port, asio::ip::tcp::socket& client) {
+  icehost::BitbangSession session(port);
+  for (;;) {
+    std::string answers;
+    session.Feed(ReadFrom(client), answers);
+    asio::write(client, asio::buffer(answers));
+  }
+}
 
 using Taps = std::vector<TapKind>;
 
@@ -360,6 +371,43 @@ TEST(Detect, NamesManufacturers) {
   }
 }
 
+// OpenOCD has a table of its own.
+TEST(Detect, NamesManufacturersAsOpenocdDoes) {
+  std::map<std::string, std::string> names;  // by IDCODE
+  std::vector<Taps> chains;
+  for (std::uint32_t number = 0; number < 16 * 128; ++number) {
+    const std::uint32_t idcode = kArm - 0x476 + (number << 1);
+    const std::string name = icehost::ManufacturerName(icehost::ManufacturerOf(idcode));
+    if (name.empty()) continue;
+    // OpenOCD looks for up to 20 TAPs.
+    if (names.size() % 20 == 0) chains.emplace_back();
+    chains.back().push_back({5, idcode});
+    char text[9];
+    std::snprintf(text, sizeof text, "%08x", idcode);
+    names[text] = name.substr(0, name.find(' '));
+  }
+  ASSERT_FALSE(names.empty());
+  auto chain = chains.begin();
+  const LocalServer server([&](asio::ip::tcp::socket& client) {
+    ChainPort port(*chain++);
+    Serve(port, client);
+  });
+  const std::string port = server.Name().substr(server.Name().find(':') + 1);
+  const std::regex found("found: 0x([0-9a-f]*) \\(mfg: 0x[0-9a-f]* \\(([^)]*)\\)");
+  for (std::size_t i = 0; i < chains.size(); ++i) {
+    const std::string log =
+        RunShell("openocd 2>&1 -c 'adapter driver remote_bitbang; remote_bitbang port " + port +
+                 "; gdb_port disabled; tcl_port disabled; telnet_port disabled; init; shutdown'")
+            .output;
+    for (std::sregex_iterator tap(log.begin(), log.end(), found), end; tap != end; ++tap) {
+      const std::string name = names[(*tap)[1]];
+      EXPECT_NE((*tap)[2].str().find(name), std::string::npos) << name << " is " << (*tap)[2];
+      names.erase((*tap)[1]);
+    }
+  }
+  EXPECT_TRUE(names.empty()) << names.begin()->second;
+}
+
 // The scripts pass on the chain that they were made for, with the instructions filled in too, and
 // on no other.
 TEST(Detect, WritesScriptsThatPass) {
@@ -375,14 +423,7 @@ TEST(Detect, WritesScriptsThatPass) {
   // Runs a command with the option for a probe with this chain in place of a %.
   const auto run_on = [](const Taps& taps, std::string command) {
     ChainPort port(taps);
-    const LocalServer server([&port](asio::ip::tcp::socket& client) {
-      icehost::BitbangSession session(port);
-      for (;;) {
-        std::string answers;
-        session.Feed(ReadFrom(client), answers);
-        asio::write(client, asio::buffer(answers));
-      }
-    });
+    const LocalServer server([&port](asio::ip::tcp::socket& client) { Serve(port, client); });
     return RunShell(
         command.replace(command.find('%'), 1, "--probe remote-bitbang:" + server.Name()));
   };

@@ -342,10 +342,18 @@ def check_terminal():
     drawn = re.findall("operations, .*?, 0 %, .*? h left", shown)
     expect(f"progress in {shown!r}", len(drawn) >= 2, True)
     expect("progress is left", shown.count("\r\x1b[K"), shown.count("operations, ") + 1)
-    rounds = output(*terminal, f"timeout -s INT 1.7 icehost run --repeat 300000 {SCRIPT}")
-    expect(f"rounds in {rounds!r}", [int(operations) * 100 // 600000 - int(percent) for
-           operations, percent in re.findall(r"round \d+ of 300000, 0 failed, (\d+) operations, "
-                                             r"\d+/s, (\d+) %, \d+ \w+ left", rounds)][:2], [0, 0])
+    for rounds in (300000, 10 ** 7, 10 ** 9):
+        shown = output(*terminal, f"timeout -s INT 1.6 icehost run --repeat {rounds} {SCRIPT}")
+        drawn = re.findall(rf"round \d+ of {rounds}, 0 failed, (\d+) operations, (\d+)/s, (\d+) %, "
+                           r"(\d+ \w+) left", shown)
+        expect(f"rounds in {shown!r}", drawn != [], True)
+        for done, rate, percent, left in drawn:
+            expect("percent", int(percent), int(done) * 100 // (2 * rounds))
+            seconds = (2 * rounds - int(done)) / int(rate)
+            units = {"s": seconds, "min": seconds / 60, "h": seconds / 3600}
+            # The rate is rounded as well.
+            expect(f"{seconds} s are {left}",
+                   abs(units[left.split()[1]] / int(left.split()[0]) - 1) < 0.2, True)
     shell(endless)
     expect("progress in a file", read("err"), "icehost: interrupted\n")
     write("bold.ini", "[\x1b[7m\x9b]\nIR=5\nDR=W,0\n")

@@ -1,13 +1,16 @@
 // icehost with servers that are odd, broken or hostile.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <asio.hpp>
 #include <atomic>
 #include <chrono>
 #include <cstdlib>
 #include <regex>
 #include <thread>
+#include <utility>
 
+#include "host/probe/bitbang_port.h"
 #include "host/probe/bitbang_session.h"
 #include "host/probe/sim_port.h"
 #include "host/probe/xvc_session.h"
@@ -352,6 +355,29 @@ TEST(Servers, NeedNotAccept) {
       RunIcehost("run --timeout 0.2 --probe remote-bitbang:" + name + " examples/reset.ini 2>&1");
   EXPECT_EQ(outcome.status, 3);
   EXPECT_EQ(outcome.output, "icehost: " + name + ": cannot connect: Connection timed out\n");
+}
+
+// A server may answer only once it has read all that is there: more than both sides hold would end
+// in each waiting for the other.
+TEST(Servers, HaveFewAnswersUnderWay) {
+  std::size_t most = 0;
+  const LocalServer late([&](tcp::socket& client) {
+    for (std::size_t asked = 0;;) {
+      const std::string bytes = ReadFrom(client);
+      asked += static_cast<std::size_t>(std::count(bytes.begin(), bytes.end(), 'R'));
+      most = std::max(most, asked);
+      std::this_thread::sleep_for(20ms);
+      if (client.available() == 0) Write(client, std::string(std::exchange(asked, 0), '1'));
+    }
+  });
+  {
+    const icehost::Endpoint endpoint = icehost::ParseEndpoint(late.Name());
+    icehost::BitbangPort port(icehost::Socket::Connect(endpoint, 5s),
+                              icehost::BitbangPort::Manner::kProxy);
+    for (int i = 0; i < 10000; ++i) port.SampleTdo();
+    EXPECT_EQ(port.CollectTdo(), icehost::Bits(10000, true));
+  }
+  EXPECT_LE(most, 2048U);
 }
 
 // However few files may be open, the reason is that and nothing else.
