@@ -40,7 +40,7 @@ struct KeptCall {
                         chain.dr_in.size() + chain.dr_out.size();
     for (const Comparison& one : call.comparisons) {
       bytes += sizeof one + one.expected.size() + one.mask.size() + one.captured.size() +
-               one.fault.size();
+               one.fault.size() + one.wrong_bits.size() * sizeof one.wrong_bits[0];
     }
     return bytes;
   }

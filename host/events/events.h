@@ -33,8 +33,9 @@ struct Comparison {
   // "0x" and two digits for each byte, the most significant first.
   std::string expected;
   std::string mask;
-  std::string captured;  // empty if the probe does not report it
-  std::string fault;     // why it is not met, in words; empty: it is
+  std::string captured;                 // empty if the probe does not report it
+  std::string fault;                    // why it is not met, in words; empty: it is
+  std::vector<std::size_t> wrong_bits;  // the least significant is bit 0
 };
 
 // Steps of a probe's pins (PinStep), counted from 0; empty for a probe that shows none.

@@ -13,6 +13,9 @@
 namespace icehost {
 namespace {
 
+// How many wrong bits, or ranges of them, a message names.
+constexpr std::size_t kMostNamed = 4;
+
 // Returns whether every bit that counts is as expected. A bit that the probe did not report is not.
 bool IsMet(const Expectation& expectation, const Capture& captured) {
   if (captured.value.size() < expectation.value.size()) return false;
@@ -23,13 +26,20 @@ bool IsMet(const Expectation& expectation, const Capture& captured) {
   return true;
 }
 
-void CountWrongBits(const Expectation& expectation, const Capture& captured,
-                    std::vector<long>& counts) {
-  for (std::size_t bit = 0; bit < 8 * captured.value.size(); ++bit) {
+// The bits of the captured value that are not as expected, counted from the least significant.
+std::vector<std::size_t> WrongBits(const Expectation& expectation, const Capture& captured) {
+  std::vector<std::size_t> bits;
+  const std::size_t bytes = std::min(captured.value.size(), expectation.value.size());
+  for (std::size_t bit = 0; bit < 8 * bytes; ++bit) {
     const std::size_t i = bit / 8;
-    if (i >= expectation.value.size()) return;
     const int wrong = (captured.value[i] ^ expectation.value[i]) & captured.steady[i];
-    if (((wrong & expectation.mask[i]) >> bit % 8 & 1) == 0) continue;
+    if (((wrong & expectation.mask[i]) >> bit % 8 & 1) != 0) bits.push_back(bit);
+  }
+  return bits;
+}
+
+void CountBits(const std::vector<std::size_t>& bits, std::vector<long>& counts) {
+  for (const std::size_t bit : bits) {
     if (counts.size() <= bit) counts.resize(bit + 1);
     ++counts[bit];
   }
@@ -49,17 +59,36 @@ std::string CapturedText(const Expectation& expectation, const Capture& captured
   return text;
 }
 
-// The pins that are not as expected.
-std::string PinText(const Expectation& expectation, const Capture& captured) {
-  const int other = captured.value[0] ^ expectation.value[0];
-  const int wrong = other & captured.steady[0] & expectation.mask[0];
-  std::string text;
-  for (int pin = 0; pin < kPinCount; ++pin) {
-    if ((wrong >> pin & 1) == 0) continue;
-    text += fmt::format("{} {} is {}", text.empty() ? ":" : ",", kPinNames[pin],
-                        captured.value[0] >> pin & 1);
+// "bit 2 is 1, bit 66 is 0" or "NRST is 0".
+std::string LevelsText(const std::vector<std::size_t>& bits, const std::string& value, bool pins) {
+  std::vector<std::string> texts;
+  for (const std::size_t bit : bits) {
+    texts.push_back(fmt::format("{} is {}", pins ? kPinNames[bit] : fmt::format("bit {}", bit),
+                                value[bit / 8] >> bit % 8 & 1));
   }
-  return text;
+  return fmt::format("{}", fmt::join(texts, ", "));
+}
+
+// "bits 0-7, 9, 16-31 are wrong".
+std::string RangesText(const std::vector<std::size_t>& bits) {
+  std::vector<std::string> ranges;
+  std::size_t at = 0;
+  while (at < bits.size() && ranges.size() < kMostNamed) {
+    std::size_t end = at + 1;
+    while (end < bits.size() && bits[end] == bits[end - 1] + 1) ++end;
+    const std::string last = end - at == 1 ? "" : fmt::format("-{}", bits[end - 1]);
+    ranges.push_back(fmt::format("{}{}", bits[at], last));
+    at = end;
+  }
+  const std::string more = at < bits.size() ? fmt::format(" and {} more", bits.size() - at) : "";
+  return fmt::format("bits {}{} are wrong", fmt::join(ranges, ", "), more);
+}
+
+// What is wrong with the captured value, with a colon before it; empty if it has no wrong bits.
+std::string WrongText(const std::vector<std::size_t>& bits, const std::string& value, bool pins) {
+  if (bits.empty()) return "";
+  return ": " +
+         (pins || bits.size() <= kMostNamed ? LevelsText(bits, value, pins) : RangesText(bits));
 }
 
 }  // namespace
@@ -134,20 +163,29 @@ bool Follower::Compare(const char* of, Expectation::Of which, const Capture& cap
 
 bool Follower::CompareOne(const char* of, const Expectation& expected, const Capture& captured,
                           std::vector<Comparison>& comparisons) {
-  comparisons.push_back({of, expected.place.line, expected.place.column, ByteText(expected.value),
+  comparisons.push_back({of,
+                         expected.place.line,
+                         expected.place.column,
+                         ByteText(expected.value),
                          ByteText(expected.mask),
-                         captured.value.empty() ? "" : ByteText(captured.value), ""});
+                         captured.value.empty() ? "" : ByteText(captured.value),
+                         "",
+                         {}});
   Tally& tally = tallies_[static_cast<std::size_t>(&expected - plan_->expectations.data())];
   ++tally.compared;
   if (tally.unmet == 0) tally.captured = captured;
   if (IsMet(expected, captured)) return true;
-  CountWrongBits(expected, captured, tally.wrong);
+  Comparison& comparison = comparisons.back();
+  comparison.wrong_bits = WrongBits(expected, captured);
+  CountBits(comparison.wrong_bits, tally.wrong);
   ++tally.unmet;
   ++unmet_;
   const bool pins = expected.of == Expectation::Of::kPins;
-  comparisons.back().fault = fmt::format("expected {}, captured {}{}{}", ByteText(expected.value),
-                                         CapturedText(expected, captured), MaskText(expected),
-                                         pins ? PinText(expected, captured) : "");
+  const std::string section = pins ? "" : fmt::format("[{}] ", plan_->jtag[current_].section);
+  comparison.fault =
+      fmt::format("{}expected {}, captured {}{}{}", section, ByteText(expected.value),
+                  CapturedText(expected, captured), MaskText(expected),
+                  WrongText(comparison.wrong_bits, captured.value, pins));
   return mode_ == Mode::kKeepGoing;
 }
 

@@ -82,10 +82,13 @@ void AppendSource(const CallSource& source, std::string& line) {
 void AppendComparisons(const std::vector<Comparison>& comparisons, std::string& line) {
   const char* before = ",\"expectations\":[";
   for (const Comparison& one : comparisons) {
+    const bool met = one.fault.empty();
     line += fmt::format(
-        R"({}{{"of":"{}","line":{},"column":{},"expected":"{}","mask":"{}","captured":{},"met":{}}})",
+        R"({}{{"of":"{}","line":{},"column":{},"expected":"{}","mask":"{}","captured":{},"met":{})",
         before, one.of, one.line, one.column, one.expected, one.mask,
-        one.captured.empty() ? "null" : '"' + one.captured + '"', one.fault.empty());
+        one.captured.empty() ? "null" : '"' + one.captured + '"', met);
+    if (!met) line += fmt::format(R"(,"wrong_bits":[{}])", fmt::join(one.wrong_bits, ","));
+    line += '}';
     before = ",";
   }
   if (!comparisons.empty()) line += ']';

@@ -144,7 +144,8 @@ def check_head_and_failure():
     expect("what went wrong", picked()[0], "11")
     expect("row", table()[1], ["1", "11", "[READ_IDCODE]", "IR 5: 0x01, DR 32: 0x00000000",
                                "IR 0x01, DR 0x39ca2003", "DR 0x1ce51001/0x0fffffff", "NOT MET"])
-    why = "expected 0x1ce51001, captured 0x39ca2003 (mask 0x0fffffff)"
+    why = ("[READ_IDCODE] expected 0x1ce51001, captured 0x39ca2003 (mask 0x0fffffff)"
+           ": bits 1, 12-13, 16-19, 21 and 2 more are wrong")
     expect("at its line", texts(".mark"), [why])
     expect("behind its row", texts(".note.error")[0], f"line 12: {why}")
     show("--keep-going", "-", script="[ZEVA_ICE_GPIO]\nSTART\nREPT=3\n"
