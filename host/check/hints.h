@@ -27,6 +27,8 @@ std::string WithEquals(std::string_view text, const Words& keys);
 // Where a comment of another language begins, or npos.
 std::size_t FindForeignComment(std::string_view text);
 
+constexpr const char* kTabIsText = "a tab is part of the text here, not a blank";
+
 // Names a part of a text that the plug-in takes as text and that was hardly meant so: a byte-order
 // mark in front, a comment of another language, a tab at an end. Empty where there is none.
 std::string_view SlipIn(std::string_view text);
