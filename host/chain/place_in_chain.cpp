@@ -34,7 +34,7 @@ ChainPlace PlaceIn(const Chain& chain, std::size_t tap) {
   ChainPlace place{{}, tap};
   for (const ChainTap& one : chain.taps) {
     if (!one.ir_bits.has_value()) {
-      throw Unsupported("the IR lengths of the chain are not certain: give them with --chain");
+      throw Unsupported("the IR lengths of the chain are not certain: set them with --chain");
     }
     place.ir_lengths.push_back(*one.ir_bits);
   }
@@ -49,7 +49,7 @@ ChainPlace ConfirmPlace(const Chain& chain, const ChainPlace& place) {
   if (lengths.size() != chain.taps.size() || sum != chain.ir_bits ||
       !BeginsEach(chain.captured_ir, lengths)) {
     throw Unsupported(
-        fmt::format("the chain is not that of --chain: it has {} with an IR of {} bits",
+        fmt::format("the chain does not match --chain: it has {} with an IR of {} bits",
                     CountedTaps(chain.taps.size()), *chain.ir_bits));
   }
   return place;

@@ -105,7 +105,8 @@ Outputs::Outputs(const OutputRequests& requests, OutputKind::Verb OutputKind::*v
   const ProbeKind& probe = *options.kind;
   for (const OutputRequest& request : requests) {
     if (!request.kind->needs_pins || probe.ShowsPins()) continue;
-    throw IoError(fmt::format("{} shows no pins: no waveform of it", probe.title));
+    throw IoError(fmt::format("{}: {} gives no access to pins, so there is no waveform",
+                              request.kind->option, probe.title));
   }
   for (const auto& [kind, path] : requests) {
     OutputFile* const file = path.has_value() ? &Add(kind->option, *path, kind->rest) : nullptr;
