@@ -166,7 +166,7 @@ const char* ResultText(ExitStatus status) {
     case kInterrupted:
       return "interrupted";
     case kNotOpened:
-      return "broken off";
+      return "aborted";
     default:
       return "failed";
   }

@@ -16,11 +16,10 @@ namespace icehost {
 namespace {
 
 constexpr char kFooter[] =
-    "Exit status: 0 success; 1 a script failed or has errors, or detect found a faulty chain; 2 "
-    "bad\n"
-    "usage; 3 the plug-in, the endpoint or an output could not be opened or written, or the\n"
-    "connection was lost; 130 interrupted. The plug-in's messages and the results of check and\n"
-    "detect go to standard output, all other messages to standard error.";
+    "Exit status: 0 success; 1 a script failed or has errors, or detect found no working\n"
+    "chain; 2 bad usage; 3 the plug-in, the endpoint or an output could not be opened or\n"
+    "written, or the connection was lost; 130 interrupted. The plug-in's messages and the\n"
+    "results of check and detect go to standard output, all other messages to standard error.";
 
 using Texts = std::vector<std::string>;
 

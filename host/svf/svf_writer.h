@@ -37,7 +37,7 @@ class SvfWriter : public Output, public EventListener {
 
  protected:
   static constexpr const char* kNoNrst =
-      "SVF has no word for NRST: a player does not reset the target";
+      "SVF has no statement for NRST: a player does not reset the target";
 
   // The bits of a scan of a JTAG script that a player compares. If the script expects a value, they
   // are its mask. Otherwise they are all bits of a DR that the script reads, and the two bits of an

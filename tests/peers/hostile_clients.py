@@ -155,7 +155,7 @@ def check_xvc():
             client.shutdown(socket.SHUT_WR)
         expect(why, b"".join(iter(lambda one=client: one.recv(99), b"")), answers)
         wanted += [f"icehost: client {number} connected from ADDRESS"]
-        wanted += [f"icehost: client {number} is sent away: {why}"] if why else []
+        wanted += [f"icehost: client {number} is disconnected: {why}"] if why else []
         wanted += [f"icehost: client {number} left: bytes {len(request)}"]
     status, said = serve.end()
     expect("verbose", (status, said.splitlines()), (0, wanted))
@@ -192,7 +192,7 @@ def check_next():
 def check_lost():
     """A server behind that is lost, or talks nonsense, ends the serving with complete files."""
     ended = "the server closed the connection"
-    cut_off = r"not recorded: the last \d+ of \d+ steps"
+    cut_off = r"the last \d+ of \d+ steps were not recorded"
     for name, answer, deed, request, why in [
         ("idle", ones, "close", b"", ended),
         ("killed", ones, "close", IDCODE * 50, f"({ended}|connection lost)"),
@@ -235,8 +235,10 @@ def check_signal():
         (signal.SIGTERM, ones, ["--trace=t"], 0, ""),
         (signal.SIGINT, late, ["--trace=t"], 0, ""),
         (signal.SIGTERM, late, [], 0, ""),
-        (signal.SIGTERM, lambda _: b"", ["--trace=t"], 3, "not recorded: the last 86 of 86 steps"),
-        (signal.SIGINT, lambda _: b"", [], 3, "not known to be played: the last bytes of client 1"),
+        (signal.SIGTERM, lambda _: b"", ["--trace=t"], 3,
+         "the last 86 of 86 steps were not recorded"),
+        (signal.SIGINT, lambda _: b"", [], 3,
+         "the last bytes of client 1 were possibly not played"),
     ]:
         upstream = Upstream(answer)
         serve = Serve("--probe", upstream.name, *outputs)

@@ -250,9 +250,10 @@ TEST(Servers, EndARunAsTheyShould) {
       {Tdo("11011"), bitbang, idcode, 0, "warning: " + other},
       {Tdo("0"), bitbang, "--strict " + idcode, 1,
        "nothing answers: TDO is all zeros (it is shorted to ground, or the target is held in reset "
-       "or is not powered)"},
+       "or not powered)"},
       {Tdo("1"), bitbang, "--tap 1 " + dr_only, 1,
-       "nothing answers: TDO is all ones (it is stuck high, or nothing is powered or connected)"},
+       "nothing answers: TDO is all ones (it is stuck high, or the target is not powered or not "
+       "connected)"},
       {Target("", ""), bitbang, "--strict " + idcode, 0, ""},
       {Tdo("1"), bitbang, pins, 1, "expected 0x20, captured 0x20 without " + nrst},
       {Tdo("0"), bitbang, "--vcd /dev/null " + pins, 1,

@@ -32,7 +32,7 @@ detect 0 --probe "$probe"
 holds err.txt ''
 holds out.txt "1 TAP on $probe
 $arm
-       IR 5 bits: OpenOCD's word, not measured
+       IR 5 bits (declared in OpenOCD, not measured)
        expected 0x4ba00477 or 0x3ba00477
 b.tap is declared, but disabled: it is not in the chain"
 detect 0 -q --script --probe "$probe:a.tap"
@@ -59,7 +59,7 @@ end
 # More TAPs than there are.
 begin 'a tap -irlen 5' 'b tap -irlen 5'
 detect 1 --probe "$probe"
-said '^icehost: TAP 2 (b.tap): 0xffffffff is no valid IDCODE'
+said '^icehost: TAP 2 (b.tap): 0xffffffff is not a valid IDCODE'
 end
 
 # None is declared: OpenOCD finds it itself.
