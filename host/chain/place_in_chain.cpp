@@ -29,7 +29,7 @@ ChainPlace PlaceIn(const Chain& chain, std::size_t tap) {
   RefuseUnsound(chain);
   if (tap >= chain.taps.size()) {
     throw Unsupported(
-        fmt::format("--tap {}: the chain has {}", tap + 1, CountedTaps(chain.taps.size())));
+        fmt::format("--tap {}: the chain has only {}", tap + 1, CountedTaps(chain.taps.size())));
   }
   ChainPlace place{{}, tap};
   for (const ChainTap& one : chain.taps) {

@@ -204,7 +204,7 @@ void GpioLines::CheckWords(GpioLine& line, const Element& element) {
   } else if (rises(element.out_value, state_.out_value)) {
     problems_.Warn(
         line.PlaceOf(kOut),
-        "GPIO_OUT has bits beyond the six pins (0x01 to 0x20), which stay set until a pin "
+        "GPIO_OUT has bits beyond the six pins (0x01 to 0x20): these bits stay set until a pin "
         "is cleared");
   }
   if (element.oe_mask < 0 && element.oe_mask != state_.oe_mask) {
@@ -299,7 +299,8 @@ void ReportNoEnd(const ScriptText& script, Place last, const GpioLines& lines, P
   if (const auto cut = script.CutAt()) {
     problems.Error(*cut, fmt::format("{} ({})", kNoEnd, kCutScript));
   } else if (!lines.RefusedLast()) {  // which may have been meant as the END
-    problems.Error(last, kNoEnd + InParentheses(script.HasText() ? "" : "the script is empty"));
+    problems.Error(last, kNoEnd + InParentheses(script.HasText() ? "the script has no END"
+                                                                 : "the script is empty"));
   }
 }
 

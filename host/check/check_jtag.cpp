@@ -67,7 +67,7 @@ class JtagOperations {
     if (record == nullptr) {
       problems_.Error(cdi.Of(ValueOf(cdi)), "CDI must be 5 (5-wire JTAG) or 2 (2-wire interface)");
     } else if (reset) {
-      problems_.Warn(cdi.Start(), "CDI is ignored, because this script also has RESET");
+      problems_.Warn(cdi.Start(), "CDI is ignored because this script also has RESET");
     } else {
       CheckCdi(cdi, problems_);
     }

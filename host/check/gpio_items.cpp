@@ -203,7 +203,8 @@ int GpioLine::CheckItems(int flags, Problems& problems) {
   int asked = 0;
   for (auto item = items.begin(); item != items.end(); ++item) {
     if (item->which == kEnd) {
-      if (++item != items.end()) problems.Warn(source_.Of(item->key), "text after END is not read");
+      if (++item != items.end())
+        problems.Warn(source_.Of(item->key), "the plug-in ignores text after END");
       break;
     }
     CheckValue(source_, *item, problems);

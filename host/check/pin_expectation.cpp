@@ -205,7 +205,7 @@ void WarnOfPinExpectation(const ScriptLine& line, Problems& problems) {
     if (number) meant = expect;
   }
   if (meant.empty()) return;
-  problems.WarnAlways(line.Of(meant), "in a JTAG script, TDO and MASK give the expected value");
+  problems.WarnAlways(line.Of(meant), "# expect has no effect in a JTAG script: use TDO and MASK");
 }
 
 bool MentionsExpectation(std::string_view content) {

@@ -37,12 +37,12 @@ bool FindTapReset(const ScriptText& script, Problems& problems) {
     if (IsTapReset(comment) && line.At() < first_text) {
       found = true;
     } else if (IsTapReset(comment)) {
-      problems.Warn(
-          PlaceOfComment(line),
-          "this has no effect: # reset TAP must be on a line of its own before the first section");
+      problems.Warn(PlaceOfComment(line),
+                    "this comment has no effect: # reset TAP must be alone on a line above the "
+                    "first section");
     } else if (const std::string meant = Nearest(std::string("# ").append(comment), request);
                !meant.empty()) {
-      problems.Warn(PlaceOfComment(line), "this has no effect: " + DidYouMean(meant));
+      problems.Warn(PlaceOfComment(line), "this comment has no effect: " + DidYouMean(meant));
     }
   });
   return found;
@@ -51,7 +51,8 @@ bool FindTapReset(const ScriptText& script, Problems& problems) {
 void WarnOfTapReset(const ScriptText& script, Problems& problems) {
   ForEachComment(script, [&](std::string_view comment, const ScriptText::Iterator& line) {
     if (!IsTapReset(comment)) return;
-    problems.Warn(PlaceOfComment(line), "this has no effect: # reset TAP is for JTAG scripts");
+    problems.Warn(PlaceOfComment(line),
+                  "this comment has no effect: # reset TAP is for JTAG scripts");
   });
 }
 

@@ -230,7 +230,7 @@ void CompleteDetect(const CLI::App& verb, DetectCommand& detect) {
 
 void CompleteImport(const ImportCommand& import) {
   if (import.tck_hz.has_value() && import.script == ScriptKind::kJtag) {
-    throw CLI::ValidationError("--tck-hz", "is for --script gpio: a JTAG script cannot wait");
+    throw CLI::ValidationError("--tck-hz", "requires --script gpio: a JTAG script cannot wait");
   }
 }
 

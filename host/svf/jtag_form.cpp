@@ -244,8 +244,8 @@ void JtagForm::End() {
   if (!scanned_) EndWithoutScan();
   if (bare_.has_value()) {
     problems_.Warn(*bare_,
-                   "no SIR precedes this scan: it depends on an earlier instruction, or on a TAP "
-                   "reset, which icehost does but a debug server might not");
+                   "no SIR precedes this scan, so its register depends on what ran before: icehost "
+                   "resets the TAP, a debug server might not");
   }
   if (wait_.has_value()) {
     problems_.Note(
