@@ -29,7 +29,7 @@ CheckingHost& HostOf(LinkHandle handle) {
 
 int PassMessage(const char* text) {
   running->Message(text);
-  return -1;  // the result must not matter
+  return -1;  // the plug-in must ignore the result
 }
 
 }  // namespace
