@@ -11,13 +11,13 @@ namespace icescript {
 // A string of any bytes, NUL included. Some operations do not do what their names suggest, and the
 // readers and parsers depend on exactly this behaviour:
 //  - operator+ appends in place;
-//  - TrimRight never removes the first byte, but TrimLeft does;
+//  - TrimLeft removes every leading `ch`, TrimRight every trailing `ch` except the first byte;
 //  - GetBuffer returns a separate copy that only ReleaseBuffer frees: the destructor does not, and
 //    copies of the object share the pointer.
 //
 // Positions and lengths count bytes. A null `const char*` or `char*` is the same as an empty text.
-// Any operation may throw std::length_error or std::bad_alloc, as std::string does. Only those
-// marked below throw std::out_of_range.
+// Any operation may throw std::length_error or std::bad_alloc, as std::string does. Only the
+// functions marked below throw std::out_of_range.
 class CString {
  public:
   CString() = default;

@@ -23,9 +23,9 @@ class GpioLineParser {
  public:
   enum class Result { kLine, kEnd, kSyntaxError, kBadWord };
 
-  // Parses a line, which starts with the pin state of `previous`. After kLine (more lines follow)
-  // and kEnd (END) Element() is the element of the line. After kSyntaxError and kBadWord (-1 for
-  // GPIO_OUT or GPIO_OE) BadItem() is the item that is wrong.
+  // Parses a line, which starts with the pin state of `previous`. If the result is kLine, or kEnd
+  // (the line has END), Element() is the element of the line. If it is kSyntaxError, or kBadWord
+  // (GPIO_OUT or GPIO_OE is -1), BadItem() is the wrong item.
   Result Parse(std::string_view line, const CIniFile::gpio_element& previous);
 
   const CIniFile::gpio_element& Element() const { return element_; }

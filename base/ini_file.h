@@ -15,7 +15,7 @@ namespace icescript {
 class LineReader;
 
 constexpr int ERROR_MSG_SIZE = 1024;
-// The size of the line buffer in bytes, with the terminating NUL: longer lines end the reading.
+// The size of the line buffer, with the NUL: a line of so many bytes or more ends the reading.
 constexpr int INI_LINE_BUFFER = 2048;
 
 // Results of CIniFile::ReadGpioFile.
@@ -78,8 +78,8 @@ class CIniFile {
   // Return the text of a value, or an empty text and a message if section or value is missing.
   CString GetValue(CString keyname, CString valuename);
   CString GetValue(int keyID, CString valuename);
-  // Stores a value. If section or value is missing, `create` adds it; without `create` nothing is
-  // stored, and the result is false.
+  // Stores a value and returns true. If section or value is missing, adds it if `create` is true;
+  // otherwise stores nothing and returns false.
   bool SetValue(CString keyname, CString valuename, CString value, bool create);
 
   // ---- Readers
@@ -90,7 +90,7 @@ class CIniFile {
   bool ReadFile();
 
   // Reads the file as a GPIO script into the table of lines, and returns a GPIO_READ_ status.
-  // GPIO_READ_NOT_GPIO writes no message. Lines read before a failure stay in the table.
+  // There is no message for GPIO_READ_NOT_GPIO. Lines before a failure stay in the table.
   int ReadGpioFile();
   // Returns the number of lines in the table.
   unsigned long GetGpioNum() const { return gpio_elements.size(); }
@@ -119,8 +119,8 @@ class CIniFile {
   // stream, or if the line has INI_LINE_BUFFER bytes or more, sets the stream's fail state.
   static std::istream& getline(std::istream& is, CString& str);
 
-  // Splits `str` at every `separator` into a new array of `count` fields, some of them empty, which
-  // the caller frees with delete[]. If there is no separator, returns null and sets `count` to 1.
+  // Splits `str` at every `separator` and returns a new array of `count` fields, which the caller
+  // frees with delete[]. Without a separator in `str` returns null and sets `count` to 1.
   static CString* SplitString(CString str, char separator, int& count);
 
  private:

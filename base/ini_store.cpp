@@ -12,8 +12,8 @@ namespace icescript {
 namespace {
 
 // Returns the position of `name` in `names`, or -1. A name in `names` may contain a NUL (through
-// SetValue). Only its part before that counts, as in a C string. The names up to there are unique,
-// so the search may begin with the newest.
+// SetValue): only the part before it counts, as in a C string. These parts are unique, so the
+// search may begin with the newest name.
 int FindName(const std::vector<CString>& names, std::string_view name) {
   // Most names differ in the last byte, because names in long scripts tend to be numbered. If the
   // candidate is shorter, its NUL is compared instead: no branch depends on the lengths, which may

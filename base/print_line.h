@@ -1,4 +1,4 @@
-// A buffer in which a message about a finished operation is put together.
+// A buffer for composing one message.
 #ifndef ICESCRIPT_BASE_PRINT_LINE_H_
 #define ICESCRIPT_BASE_PRINT_LINE_H_
 

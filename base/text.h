@@ -16,8 +16,8 @@ inline std::string_view TrimLeft(std::string_view text, char ch) {
   return text;
 }
 
-// Drops trailing `ch` but always keeps the first byte: three spaces become one. This is deliberate,
-// and visible to users: the section header "[]" has the name "]".
+// Drops every trailing `ch` except the first byte of the text: three spaces become one. This is
+// deliberate, and visible to users: the section header "[]" has the name "]".
 inline std::string_view TrimRight(std::string_view text, char ch) {
   while (text.size() > 1 && text.back() == ch) text.remove_suffix(1);
   return text;

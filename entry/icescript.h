@@ -15,9 +15,9 @@
  *     The plug-in keeps no pointer of the host after ImplementScr returns.
  *  4. Bits. Scan data is an array of bytes, least significant byte first. Byte 0 contains bits 0 to
  *     7, and bit 0 is shifted first. n bits take (n + 7) / 8 bytes.
- *  5. Results. The comment on each link_ function says which results mean failure; this differs on
- *     purpose. The plug-in does not retry a failed call. A failed call ends the script: a GPIO
- *     script with a message, a JTAG script without one, so the host has to report the reason.
+ *  5. Results. The comment on each link_ function says which results mean failure. The functions
+ *     differ in this on purpose. A failed call is not retried and ends the script: a GPIO script
+ *     with a message, a JTAG script without one, so the host has to report the reason.
  *  6. Exceptions. The plug-in neither throws exceptions of its own nor swallows any. An exception
  *     from a host function, the callback or the standard library (out of memory) passes through
  *     ImplementScr to the host after everything that the call allocated has been freed. This needs
@@ -132,8 +132,8 @@ int link_reset(LinkHandle handle, int kind);
  * After the answer CDI_ANSWER_2WIRE each register has an extra byte at its least significant end,
  * and its length includes this byte (-1 bit becomes 7): 0x00 in the IR, the read flag (0x01 read,
  * 0x00 write) in the DR. This mode is for registers of up to 32 bytes, 264 bits with the extra one.
- * The plug-in also passes longer registers, up to 296 bits, but damaged: the 33rd byte of the
- * script is lost, the 34th is in its place, and so on. Read no more than the 36 bytes of an array.
+ * The plug-in also passes longer registers, but loses the 33rd byte of the script, and each later
+ * byte is one place too low. 296 bits are then possible: do not read beyond the array's 36 bytes.
  */
 int link_jtag_insert(LinkHandle handle, int ir_bits, unsigned char* ir, int dr_bits,
                      unsigned char* dr);
@@ -144,8 +144,8 @@ int link_jtag_insert(LinkHandle handle, int ir_bits, unsigned char* ir, int dr_b
  *
  * capture points to JTAG_CAPTURE_BYTES bytes, all zero at the call. The plug-in reads the captured
  * DR bits from byte 2 on, or from byte 3 on after the answer CDI_ANSWER_2WIRE, and reads no other
- * byte. It does not mask them: the host must leave the bits above the last one zero. It prints them
- * after a read, and after a write if the answer was CDI_ANSWER_JTAG5.
+ * byte. It does not mask them: the host must leave the bits above the last one zero. It prints the
+ * captured bits after a read, and after a write if the answer was CDI_ANSWER_JTAG5.
  * (In this version the buffer has room for the longest DR: 36 bytes from byte 3 on.)
  */
 int link_jtag_execute(LinkHandle handle, unsigned char* capture);

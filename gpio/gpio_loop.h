@@ -10,8 +10,8 @@ namespace icescript {
 // and prints every read. Reads are numbered from 0 until the plug-in is unloaded. Returns false at
 // the first negative result, or true at the end of the list.
 //
-// `first` may be null. Every REPT and ENDR must be paired. The loop counts the repeat counts of the
-// nodes down and resets them, and the host writes to their data words.
+// `first` may be null. Every REPT and ENDR must be paired. The loop changes the repeat counts of
+// the nodes, and the host changes their data words.
 bool RunGpioOperators(LinkHandle handle, PrintCallback print, GpioOperatorData* first);
 
 }  // namespace icescript

@@ -23,9 +23,8 @@ struct GpioOperatorData {
   bool holds_pins;            // REPT: whether its block contains a pin operation, at any depth
 };
 
-// The constructor reads a GPIO script, reports its errors to the callback and sets `status`. The
-// object owns the list. Exceptions from the callback and the standard library pass through without
-// leaks.
+// Reads a GPIO script when constructed, reports its errors to the callback, and sets `status`. Owns
+// the list. Exceptions from the callback and the standard library pass through without leaks.
 class GpioScr {
  public:
   // A null `path` sets `error` and prints nothing. `callback` must not be null.
@@ -41,6 +40,7 @@ class GpioScr {
   // prints `error` and returns null.
   GpioOperatorData* ParseGpioOperatorData(int out_value, int oe_mask, int flags, int kind,
                                           int repeat_count);
+  // Makes `node`, a REPT, the innermost open one.
   void RepeatNodePush(GpioOperatorData* node);
   // Closes the innermost open REPT and returns it, or null if none is open.
   GpioOperatorData* RepeatNodePop();

@@ -15,9 +15,9 @@ constexpr std::int32_t JTAG_OP_RESET = 1;
 constexpr std::int32_t JTAG_OP_CDI_2WIRE = 2;
 constexpr std::int32_t JTAG_OP_CDI_JTAG5 = 3;
 
-// One operation: a node of the list. Only scans use the other fields beside operatorType. Byte 0 of
-// an array is the first byte listed in the script and the least significant. When a scan runs over
-// the 2-wire interface, its lengths grow by 8.
+// One operation: a node of the list. Only a scan uses the fields before operatorType. Byte 0 of an
+// array is the first byte listed in the script and the least significant. When a scan runs over the
+// 2-wire interface, its lengths grow by 8.
 struct JtagOperatorData {
   std::int32_t irBitLength;  // after parsing at most 8 * JTAG_IR_MAX_BYTES; may be negative
   std::uint8_t irData[JTAG_IR_MAX_BYTES];

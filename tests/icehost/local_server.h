@@ -11,7 +11,7 @@
 // A server on a port of this machine. It serves one client after the other until it is destroyed.
 class LocalServer {
  public:
-  // Serves one client. It ends with the asio::system_error of an operation on the socket.
+  // Serves one client. It may end with an asio::system_error, as when the client has left.
   using Session = std::function<void(asio::ip::tcp::socket& client)>;
 
   explicit LocalServer(Session session)

@@ -1,4 +1,4 @@
-// The limits of a page for a long run, and the escapes of texts in it. tests/icehost/page.py tests
+// The limits of a page for a long run, and the escaping of text in it. tests/icehost/page.py tests
 // pages in a browser.
 #include "host/page/page_writer.h"
 

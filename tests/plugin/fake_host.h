@@ -21,7 +21,7 @@ class FakeHost {
   // Results for each kind of call, by its first word above, or by "query" for LINK_CONFIG_GET_CDI.
   // The n-th call gets the n-th result, or 0 if there is none.
   std::map<std::string, std::vector<int>> results;
-  // The call with this number, counted from 0 over all kinds, gets `answer`; none if negative.
+  // The call with this number, from 0 over all kinds, has the result `answer`; none if negative.
   int answered_call = -1;
   int answer = 0;
   // The values that pin reads store, in order. Further reads store nothing.

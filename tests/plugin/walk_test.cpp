@@ -17,7 +17,7 @@ namespace {
 int allocations_left = -1;
 }  // namespace
 
-// Replace those of the library in the whole process, module included. Its array forms call these.
+// These replace the library's operators in the whole process, also for the array forms.
 void* operator new(std::size_t size) {
   void* const block = allocations_left-- == 0 ? nullptr : std::malloc(size > 0 ? size : 1);
   if (block == nullptr) throw std::bad_alloc();
