@@ -106,7 +106,7 @@ def check_loss_between_scripts():
 
 
 def check_recording():
-    """Files grow while a client sends, and are complete at the end. A second client must leave."""
+    """Files grow with each scan, and are complete at the end. A second client is sent away."""
     serve = Serve("--trace=t", "--json", "j", "--vcd", "v", "--idcode", "2badc001")
     one = serve.client()
     answers = ask(one, IDCODE)
@@ -168,7 +168,7 @@ def break_off(client):
 
 
 def check_next():
-    """After a client has left the next is served, even if the server has not read all bytes yet."""
+    """The next client is served even if serve has not yet read all bytes of one that has left."""
     serve = Serve()
     for leave in (socket.socket.close, break_off, lambda client: client.sendall(b"Q"),
                   lambda client: client.sendall(b"04" * 50000 + b"Q")):
@@ -189,7 +189,7 @@ def check_next():
 
 
 def check_lost():
-    """If the upstream server is lost or answers nonsense, serve ends with complete files."""
+    """If the upstream server is lost or sends invalid answers, serve ends with complete files."""
     ended = "the server closed the connection"
     cut_off = r"not recorded: the last \d+ of \d+ steps"
     for name, answer, deed, request, why in [
