@@ -12,9 +12,8 @@ namespace {
 
 constexpr int kIrCaptureBits = 8 * kDrCaptureByte;
 
-// Returns why these bits cannot be a captured IR, or an empty text. IEEE 1149.1 only defines that
-// the first two are 1 and 0. The others depend on the design, so they do not show the length of the
-// IR.
+// Returns why these bits cannot be a captured IR, or an empty text. By IEEE 1149.1 the first two
+// are 1 and 0. The others depend on the design, so they do not show the IR's length.
 std::string WhyNoIr(const Bits& captured) {
   if (captured.size() < 2 || (captured[0] && !captured[1])) return "";
   const auto ones = std::count(captured.begin(), captured.end(), true);

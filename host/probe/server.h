@@ -41,8 +41,8 @@ class Server {
 
   // Serves until a signal arrives, and plays what clients have sent by then. Throws Interrupted if
   // that takes more than a fraction of a second, or more than AllowAfterSignal allows. Throws
-  // IoError if no more clients can be accepted, or if the port does. Notices within a second that a
-  // port is lost while nobody uses it.
+  // IoError if no more clients can be accepted, or if the port does. Notices within a second that
+  // an unused port is lost.
   void Run();
   // Returns, after Run has thrown, whether the client closed before all its bytes were played.
   bool OwesAPart() const;

@@ -87,8 +87,7 @@ std::size_t XvcSession::Shift(std::string_view bytes, std::string& answers) {
   return head + 2 * vector;
 }
 
-// The target changes TDO and updates its registers on falling edges, so the last bit needs one,
-// too.
+// The last bit needs a falling edge, too, on which the target changes TDO and its registers.
 void XvcSession::Clock(const Bits& tms, const Bits& tdi) {
   constexpr int kEnabled = GPIO_PIN_TCK | GPIO_PIN_TMS | GPIO_PIN_TDI;
   int levels = 0;

@@ -13,11 +13,9 @@ class DescriptorWriter {
   // `fd` must stay open while the object is in use.
   explicit DescriptorWriter(int fd);
 
-  // Returns false if these bytes or earlier ones were not all written. Writes nothing after the
-  // first failure.
+  // Returns whether these and all earlier bytes were written. Writes nothing after a failure.
   bool Write(std::string_view bytes);
-  // Returns the errno of the first failed write, or 0. EINTR: a signal ended the wait for the
-  // reader.
+  // Returns the errno of the first failed write, or 0. EINTR: a signal ended a wait.
   int Error() const { return error_; }
 
  private:

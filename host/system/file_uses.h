@@ -18,9 +18,8 @@ class FileUses {
   // The command reads `scripts`, of which "-" is standard input, and `plugin`, which may be empty.
   explicit FileUses(const std::vector<std::string>& scripts = {}, const std::string& plugin = "");
 
-  // Registers the file that an option writes. The file is open, and Begin was not called yet.
-  // Throws BadUsage if the file has another use. Terminals and devices such as /dev/null may have
-  // several.
+  // Registers the file that an option writes. The file is open, but not begun. Throws BadUsage if
+  // the file has another use. Terminals and devices such as /dev/null may have several.
   void AddOutput(const OutputFile& file, const std::string& option);
 
  private:

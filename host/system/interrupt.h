@@ -27,9 +27,9 @@ void ThrowIfInterrupted();
 
 // Ends the program after a signal if the main thread does not look for signals, because it is in
 // the plug-in or waits for a reader of its output. Half a second after the signal, and once the
-// main thread is away, another thread calls `complete` and ends the process with status 130. A main
-// thread that becomes busy again must wait meanwhile. Without a Rescue, the process ends without
-// `complete`. Only the latest Rescue counts.
+// main thread is away, another thread calls `complete` and ends the process with status 130; the
+// main thread can no longer return to work. Without a Rescue, the process just ends. The latest
+// Rescue counts.
 class Rescue {
  public:
   enum class State { kAway, kWorking };

@@ -12,9 +12,8 @@
 
 namespace icehost {
 
-// A guard, which is a separate process, starts the command. It also ends the command when icehost
-// ends, even by SIGKILL. The command has its own process group, so Ctrl-C in the terminal reaches
-// only icehost.
+// A guard, which is a separate process, starts the command, and ends it however icehost ends, even
+// by SIGKILL. The command has its own process group, so Ctrl-C reaches only icehost.
 class SpawnedCommand {
  public:
   explicit SpawnedCommand(std::string command) : command_(std::move(command)) {}

@@ -9,8 +9,8 @@
 namespace icehost {
 
 // Opens the standard descriptors that the process was started without, so that no file or
-// connection gets their numbers, and with them text for the user. Using such a descriptor is an
-// error. Must be called first.
+// connection gets their numbers and with them the user's text. Using them is an error. Must be
+// called first.
 void OccupyStandardDescriptors();
 
 // Returns unbuffered standard error. A wait for its reader ends after a signal.

@@ -12,8 +12,7 @@ struct Range {
   char32_t last;
 };
 
-// Unicode's control characters (Cc), format characters (Cf), and line and paragraph separators, in
-// ascending order.
+// In order: Unicode's control (Cc) and format characters (Cf), line and paragraph separators.
 constexpr Range kUnprintable[] = {
     {0x00, 0x08},       {0x0A, 0x1F},       {0x7F, 0x9F},       {0xAD, 0xAD},
     {0x600, 0x605},     {0x61C, 0x61C},     {0x6DD, 0x6DD},     {0x70F, 0x70F},
@@ -30,8 +29,7 @@ bool IsPrintable(char32_t code) {
   return range == std::end(kUnprintable) || code < range->first;
 }
 
-// Returns the number of bytes of a character with this first byte; 0 if no character begins with
-// it.
+// Returns the number of bytes of a character with this first byte; 0 if there is none.
 std::size_t SizeOf(unsigned char first) {
   if (first < 0x80) return 1;
   if (first >= 0xC2 && first < 0xE0) return 2;  // 0xC0 and 0xC1 begin only overlong forms
