@@ -35,14 +35,15 @@ class Console {
   void Flush();
   // Shows a line of icehost's own on standard error.
   void Say(const std::string& line);
-  // Makes Show and Say keep their texts from now on, or show them. Drops the texts that are kept.
+  // If `holds`, Show and Say keep their texts from now on; if not, they show them. Drops kept
+  // texts.
   void Hold(bool holds);
   // Shows the kept texts, and everything from now on; throws as Show does.
   void Release();
   void SayUnlessQuiet(const std::string& line) {
     if (!quiet_) Say(line);
   }
-  // Sets the number of operations of a run that does not fail; 0, as at first, means unknown.
+  // Sets how many operations the run has if nothing fails; 0, the initial value, means unknown.
   void Expect(long operations) { expected_ = operations; }
   // Sets the text before the progress: how many rounds there were, and how many failed.
   void ShowRounds(const std::string& rounds) { rounds_ = rounds; }

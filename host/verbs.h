@@ -8,13 +8,13 @@
 namespace icehost {
 
 // Returns the status if nothing but an output has failed: kInterrupted if a signal has ended the
-// wait for its reader.
+// wait for its reader, else kNotOpened.
 inline ExitStatus StatusOfLoss() {
   return IsInterrupted() ? kInterrupted : kNotOpened;
 }
 
 // Ends the spawned server of the probe, if there is one, and shows its output after a failure.
-// Returns `status`, but kNotOpened for kAllWell if processes may be left.
+// Returns `status`, or kNotOpened instead of kAllWell if processes may be left.
 inline ExitStatus EndSpawned(const ProbeOptions& probe, ExitStatus status) {
   const bool failed = status == kScriptFailed || status == kNotOpened;
   if (probe.spawned == nullptr || probe.spawned->End(failed)) return status;

@@ -57,7 +57,7 @@ ChainPlace PlaceIn(const Chain& chain, std::size_t tap);
 // Unsupported if not. If `place` has no IR lengths, returns one with the whole chain as one TAP.
 ChainPlace ConfirmPlace(const Chain& chain, const ChainPlace& place);
 
-// Returns a report for people on the TAPs and with the notes, but not the faults. `where` names the
+// Returns a report for people, with the TAPs and the notes but not the faults. `where` names the
 // probe. The text is Printable.
 std::string ReportOf(const Chain& chain, const std::string& where);
 

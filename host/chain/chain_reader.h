@@ -17,7 +17,7 @@ Chain ReadChain(PinPort& port);
 
 // Makes OpenOCD examine its chain again, which resets the TAPs but not the target. Returns the
 // IDCODEs read then, and the IR lengths that OpenOCD was configured with or found when it started.
-// Throws as OpenocdRpc does, and IoError if OpenOCD cannot examine the chain.
+// Throws what OpenocdRpc::Ask throws, and IoError if OpenOCD cannot examine the chain.
 Chain ReadOpenocdChain(OpenocdRpc& rpc);
 
 // Returns the chain that OpenOCD describes: `said` contains its messages during the examination, in

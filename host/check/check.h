@@ -13,7 +13,8 @@ struct CheckResult {
   Plan plan;
 };
 
-// Finds all problems of a script, and what runs of it. Throws Interrupted, as do the next two.
+// Finds the problems of a script and the operations that run. Throws Interrupted; so do the next
+// two.
 CheckResult CheckScript(const ScriptText& script);
 
 // Parts of CheckScript: check a script that the plug-in runs as a GPIO script, or as a JTAG script.

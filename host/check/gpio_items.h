@@ -44,7 +44,7 @@ struct NamedItem {
 };
 
 // A line after START. It is split into items when they are first needed, and only once. Most lines
-// of a long script are known, so that their items are not needed.
+// of a long script repeat recent ones, so their items are not needed.
 class GpioLine {
  public:
   // Goes on to another line.

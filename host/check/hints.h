@@ -13,21 +13,22 @@ using Words = std::vector<std::string_view>;
 // Returns "A, B and C", with `last` in place of "and".
 std::string Listed(const Words& words, std::string_view last);
 
-// Returns the candidate that is one or two slips away from `word`, in either case. A slip is a
-// letter that is missing, added or wrong, or two letters that have changed places. Characters that
-// look alike, such as 0 and O, count as equal. Returns "NRST or TRST" if several candidates are
-// equally similar, and an empty text if none is similar.
+// Returns the candidate that is at most one or two slips away from `word`, in upper or lower case.
+// A slip is a letter that is missing, added or wrong, or two letters that have changed places.
+// Characters that look alike, such as 0 and O, count as equal. Returns "NRST or TRST" if several
+// candidates are equally similar, and an empty text if none is similar.
 std::string Nearest(std::string_view word, const Words& candidates);
 
 // Returns "KEY=VALUE" for one of the keys and a value, with blanks, a colon or nothing between
 // them; an empty text for anything else.
 std::string WithEquals(std::string_view text, const Words& keys);
 
-// Returns where a comment in the style of another language begins, or npos.
+// Returns where a comment of another language (";" or "//") begins, or npos.
 std::size_t FindForeignComment(std::string_view text);
 
-// Names a part of the text that the plug-in takes as text, but the author hardly meant so: a
-// byte-order mark, a comment of another language, or a tab at an end. Empty if there is none.
+// Names a part of the text that is text for the plug-in, but probably not for its author: a
+// byte-order mark in front, a comment of another language, or a tab at an end. Empty if there is
+// none.
 std::string_view SlipIn(std::string_view text);
 
 // Returns " (remark)", or an empty text if `remark` is empty.

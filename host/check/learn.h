@@ -12,14 +12,14 @@ namespace icehost {
 
 struct Learned {
   std::string script;
-  // Warnings of comments that still contain a value which the script no longer expects.
+  // Warnings about comments that still contain a value which the script no longer expects.
   Problems stale;
 };
 
-// Returns the script with the values that were read as its expectations: for each operation that
-// reads, and for each value that it expects already, with the masks that it has. Keeps an
-// expectation that was met. Writes a new value as the author wrote the old one, or the bytes of the
-// section. Pins that changed between runs of a line do not count. Keeps everything else.
+// Returns the script with the values that were read as its expectations, for each operation that
+// reads and for each expectation that it has, whose mask stays. An expectation that was met stays
+// as it is. A new value is written as the author wrote the old one, or the bytes of the section.
+// Pins that changed between runs of a line are not compared. Everything else stays.
 Learned Learn(const ScriptText& script, const Plan& plan, const Captures& captures);
 
 }  // namespace icehost

@@ -39,7 +39,7 @@ bool MentionsExpectation(std::string_view content);
 // Reports an expectation on a line that reads nothing.
 void ReportVainExpectation(const ScriptLine& line, Problems& problems);
 
-// Warns of a pin expectation in a JTAG script, which expects values by its keys.
+// Warns of a pin expectation in a JTAG script, where TDO and MASK state what is expected.
 void WarnOfPinExpectation(const ScriptLine& line, Problems& problems);
 
 }  // namespace icehost

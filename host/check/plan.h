@@ -43,7 +43,7 @@ struct Expectation {
 constexpr int kMostCapturedIrBits = 16;
 
 // The operations in the order in which they first run; of a script with errors, those that still
-// run. Either `pins` or `jtag` is empty.
+// run. `pins` or `jtag` is empty.
 struct Plan {
   std::vector<PinOperation> pins;
   std::vector<JtagOperation> jtag;
@@ -65,7 +65,7 @@ struct Capture {
   std::string steady;  // as many bytes; a bit is 1 if it was reported and never changed
 };
 
-// By the operation's index in the plan, and the part of the operation that was read.
+// The values read, by the operation's index in the plan and the part of it that was read.
 using Captures = std::map<std::pair<std::size_t, Expectation::Of>, Capture>;
 
 // Returns whether every bit in the mask is as expected. A bit that was not reported, or that

@@ -22,12 +22,12 @@ struct SvgSegment {
   StepRange steps;  // not empty; may go on beyond the steps that are kept
   std::string title;
   std::vector<std::string> labels;  // the first one that fits is drawn
-  // Lines of a GPIO script, whose path is the title; the drawing adds their numbers. 0: not lines.
+  // The lines of a GPIO script that the segment shows; the drawing adds them to the texts. Else 0.
   int lowest_line = 0;
   int highest_line = 0;
 };
 
-// All reads in one step.
+// The reads in one step; `times` is their number.
 struct SvgRead {
   std::size_t step;
   bool met;  // everything read here was as expected

@@ -1,4 +1,4 @@
-// The outputs of pins, and the events of a served target.
+// Outputs that record pins, and the events of a served target.
 #ifndef ICESCRIPT_HOST_PINS_PIN_WRITERS_H_
 #define ICESCRIPT_HOST_PINS_PIN_WRITERS_H_
 
@@ -19,7 +19,7 @@ struct ServedClient {
   std::size_t scans = 0;   // ended while it was connected
 };
 
-// Receives the events of a served target. Steps are those of the pins, counted from 0.
+// Receives the events of a served target. Steps are writes to the pins, counted from 0.
 class ServeListener : public TapListener {
  public:
   // A client connects, or leaves, before step `step`.

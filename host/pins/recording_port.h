@@ -18,7 +18,7 @@ namespace icehost {
 struct PinStep {
   int wires;                    // the levels on the wires, TDO too (GPIO_PIN_ bits)
   std::optional<TapState> tap;  // nothing until the TAP is first reset
-  bool drives_tdo;              // the probe does, and reads its own level
+  bool drives_tdo;              // the probe drives TDO, and reads its own level
 };
 
 class StepRecorder {
@@ -52,7 +52,7 @@ class RecordingPort : public PinPort {
   }
   // Returns the number of writes so far.
   std::size_t Steps() const { return steps_; }
-  // Returns how many of them, the last ones, the port has not answered yet.
+  // Returns how many of the last writes the port has not answered yet.
   std::size_t Unrecorded() const { return pending_.size(); }
 
  private:

@@ -24,7 +24,7 @@ struct TapScan {
   bool ir;                   // the IR column; otherwise the DR column
   Bits in;                   // TDI at each rising TCK edge in Shift, the first bit first
   Bits out;                  // TDO before each of these edges
-  bool updated;              // false if a TAP reset or the end cut it short
+  bool updated;              // false if a TAP reset or End cut it short
   StepRange steps;           // from the edge into Capture to the one into Update, if it has them
   std::size_t left_out = 0;  // bits after the first kMostScanBits; they are not kept
   bool reset = false;        // a TAP reset cut it short
@@ -37,8 +37,8 @@ class TapListener {
   virtual void OnScan(const TapScan& scan) = 0;
   // The TAP enters Test-Logic-Reset, by TRST or by TMS, from another state or an unknown one.
   virtual void OnTapReset(bool by_trst, StepRange steps) = 0;
-  // At so many rising TCK edges, the TAP was in Run-Test/Idle and stayed there. Called when the TAP
-  // leaves this state, or when a reset line changes.
+  // At `cycles` rising TCK edges, the TAP was in Run-Test/Idle and stayed there. Called when the
+  // TAP leaves this state, or when a reset line changes.
   virtual void OnIdle(long cycles, StepRange steps) = 0;
   // NRST or TRST has changed. `levels` are the new levels of both (GPIO_PIN_ bits). Before the
   // first step they are high.

@@ -23,8 +23,8 @@ class BitbangPort : public PinPort {
     // Drives all pins from the first write on. When TRST falls, it also resets the TAP by TMS, for
     // servers that ignore the reset bytes.
     kProbe,
-    // Sends only what the writes change. If TCK, TMS and TDI, or NRST and TRST, are all not
-    // enabled, it leaves them as they are.
+    // Sends only what the writes change: nothing for TCK, TMS and TDI if none of them is enabled,
+    // and nothing for NRST and TRST if neither is enabled.
     kProxy,
   };
 

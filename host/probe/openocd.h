@@ -1,4 +1,4 @@
-// A probe on an adapter that OpenOCD drives, by means of OpenOCD's Tcl RPC.
+// A probe on an adapter that OpenOCD drives, through OpenOCD's Tcl RPC.
 #ifndef ICESCRIPT_HOST_PROBE_OPENOCD_H_
 #define ICESCRIPT_HOST_PROBE_OPENOCD_H_
 

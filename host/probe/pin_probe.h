@@ -1,4 +1,4 @@
-// A probe that scans by means of its pins.
+// A probe that plays scans on its pins.
 #ifndef ICESCRIPT_HOST_PROBE_PIN_PROBE_H_
 #define ICESCRIPT_HOST_PROBE_PIN_PROBE_H_
 
@@ -24,7 +24,7 @@ class TapWalker {
 
   // Writes the pins, as PinPort::Write does, and follows the state of the TAP.
   void Write(int levels, int enables);
-  // Return what was written last; at first, nothing is enabled.
+  // Return the levels and enables that were written last. At first, nothing is enabled.
   int Levels() const { return levels_; }
   int Enables() const { return enables_; }
 
@@ -36,8 +36,7 @@ class TapWalker {
   // Moves the TAP to Test-Logic-Reset from any state, by TMS alone: TRST and NRST stay high.
   void ResetTap();
   // Shifts `in`, the first bit first, from a known state through Shift-DR or Shift-IR to
-  // Run-Test/Idle, and leaves TCK low. The port then has a sample of TDO for each bit, for
-  // CollectTdo.
+  // Run-Test/Idle, and leaves TCK low. CollectTdo of the port then returns TDO for each bit.
   void Scan(TapState shift, const Bits& in);
 
   std::size_t Steps() const { return steps_; }
@@ -95,7 +94,7 @@ class PinProbe : public Probe {
   TapWalker walker_;
   ChainPlace place_;
   ChainScan chain_;                // of the last scan
-  bool others_in_bypass_ = false;  // an IR scan has done that since the last reset
+  bool others_in_bypass_ = false;  // an IR scan put them there after the last reset
 };
 
 }  // namespace icehost

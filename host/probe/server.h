@@ -18,7 +18,7 @@ namespace icehost {
 // that vanish. Each client finds the pins as the previous one left them.
 class Server {
  public:
-  // Is informed of what clients do, in order and never while the port works. An exception ends Run.
+  // Receives what clients do, in order and never while the port works. An exception ends Run.
   class Observer {
    public:
     virtual ~Observer() = default;

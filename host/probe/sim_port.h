@@ -43,7 +43,7 @@ class Target {
   void LowerTck();
   // TRST is low: the TAP goes to Test-Logic-Reset.
   void ResetTap();
-  // While NRST is low, which `hold` says, the registers keep their reset values. The TAP controller
+  // If `hold`, NRST is low: the registers get their reset values and keep them. The TAP controller
   // keeps its state.
   void HoldRegisters(bool hold);
 
@@ -87,7 +87,7 @@ class SimPort : public PinPort {
 
   std::vector<Target> taps_;  // the first is the nearest to TDO
   std::size_t tap_;           // the index of the target
-  int wires_ = GPIO_PIN_ALL;  // unless the target drives TDO; at first, nothing is enabled
+  int wires_ = GPIO_PIN_ALL;  // levels without the target's TDO; at first, nothing is enabled
   int enables_ = 0;
   Bits samples_;
 };

@@ -23,7 +23,7 @@ namespace icehost {
 // because the protocol has neither. Surplus bytes and an answer of the wrong length are an IoError.
 class XvcPort : public PinPort {
  public:
-  // Asks the server for its version and for the size of a shift. Throws IoError.
+  // Asks the server for its version and for the largest size of a shift. Throws IoError.
   explicit XvcPort(Socket socket);
 
   void Write(int levels, int enables) override;

@@ -16,8 +16,8 @@
 
 namespace icehost {
 
-// What RUNTEST asks for: to go to `state`, stay there for this many TCK cycles and this many
-// seconds, whichever is longer (but not longer than `most_seconds`), and then go to `end`.
+// What RUNTEST asks for: to go to `state`, stay there for at least this many TCK cycles and seconds
+// but at most `most_seconds`, and then go to `end`.
 struct SvfRunTest {
   TapState state;  // a stable state, as is `end`
   TapState end;
@@ -33,7 +33,7 @@ enum class SvfTrst { kOn, kOff, kZ, kAbsent };
 // text of the file.
 class SvfForm {
  public:
-  // If `script` is null, only checks. Both must outlive the form.
+  // If `script` is null, only checks. The arguments must outlive the form.
   SvfForm(Problems& problems, std::ostream* script) : problems_(problems), script_(script) {}
   virtual ~SvfForm() = default;
 
@@ -62,7 +62,7 @@ class SvfForm {
     size_ += text.size();
     if (script_ != nullptr) *script_ << text;
   }
-  // Return the place of the keyword, and that of a word after it, by its index.
+  // Return the place of the keyword, or of the word after it with this index.
   Place At() const { return statement_.keyword.place; }
   Place AtWord(std::size_t word) const { return statement_.words[word].place; }
   // Returns the keyword in upper case.
@@ -77,9 +77,9 @@ class SvfForm {
   SvfStatement statement_{};
 };
 
-// Writes each IR scan and the DR scan after it as one section, named after the line of the scan.
+// Writes a section for each IR scan and the DR scan after it, named after its line in the file.
 std::unique_ptr<SvfForm> MakeJtagForm(Problems& problems, std::ostream* script);
-// Writes each TCK edge. `tck_hz` is the highest TCK rate of the probe, instead of FREQUENCY.
+// Writes each TCK edge. `tck_hz` is the probe's highest TCK rate; if missing, FREQUENCY counts.
 std::unique_ptr<SvfForm> MakeGpioForm(Problems& problems, std::ostream* script,
                                       std::optional<double> tck_hz);
 

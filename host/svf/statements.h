@@ -31,7 +31,7 @@ struct SvfStatement {
   bool is_long;                 // it has more than kMostWords words; the rest is not kept
 };
 
-// Walks over a text and knows the place.
+// Walks over a text and keeps track of the place.
 class SvfCursor {
  public:
   // The text must outlive the cursor.
@@ -70,13 +70,13 @@ class SvfReader {
   SvfCursor cursor_;
 };
 
-// Compares a word with `upper`, which is in upper case, in either case. A value is not a word.
+// Returns whether a token is this word, in upper or lower case; `upper` is in upper case.
 bool IsSvfWord(const SvfToken& token, std::string_view upper);
 // Returns the word in quotes, for a message.
 std::string Quoted(const SvfToken& token);
 // Returns the number, or nothing if the token is negative or not a number.
 std::optional<double> SvfNumber(const SvfToken& token);
-// Returns the state with this name, in either case, or nothing.
+// Returns the state with this name, in upper or lower case, or nothing.
 std::optional<TapState> SvfState(const SvfToken& token);
 // Returns the name of a state in SVF, such as "DRSHIFT".
 const char* SvfStateName(TapState state);
@@ -94,8 +94,8 @@ struct SvfShift {
   void Append(const SvfShift& more);
 };
 
-// The register of one keyword. It remembers TDI and MASK of the last statement, for the next one
-// with the same length.
+// The register of one keyword, such as SDR. It remembers TDI and MASK of the last statement, for
+// the next one with the same length.
 class SvfRegister {
  public:
   // Reads LENGTH [TDI (..)] [TDO (..)] [MASK (..)] [SMASK (..)]. If that is wrong, or longer than

@@ -19,7 +19,7 @@ struct SvfScan {
   bool ir;
   Bits tdi;          // the first bit first, as in all members
   Bits tdo;          // the bits that came back
-  Bits mask;         // as long as tdo; bits that are 1 are compared; or empty: none is
+  Bits mask;         // as long as tdo, or empty; bits that are 1 are compared
   bool own = false;  // of one TAP: headers and trailers are for the others of its chain
 };
 
@@ -40,8 +40,8 @@ class SvfWriter : public Output, public EventListener {
       "SVF has no word for NRST: a player does not reset the target";
 
   // Returns the bits that a player compares in a scan of a JTAG script: the script's mask if it
-  // expects a value; else all bits of a DR that the script reads, and the two bits of an IR that
-  // IEEE 1149.1 defines. Empty if nothing is compared.
+  // expects a value; otherwise all bits of a DR that the script reads, or the first two bits of an
+  // IR, which IEEE 1149.1 defines. Empty if nothing is compared.
   static Bits MaskOf(const CallSource& source, bool ir, std::size_t bits);
 
   void Comment(const std::string& text);

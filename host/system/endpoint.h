@@ -14,7 +14,7 @@ struct Endpoint {
   std::string path;
 
   bool IsUnix() const { return port.empty(); }
-  // Returns it as users write it: "HOST:PORT" (an IPv6 address in brackets) or "unix:PATH".
+  // Returns the endpoint as users write it: "HOST:PORT" (IPv6 in brackets) or "unix:PATH".
   std::string Name() const;
 };
 

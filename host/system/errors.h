@@ -19,8 +19,8 @@ class IoError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-// The system has no descriptor or memory left; nothing may be wrong with the file in the message.
-// The run ends with kNotOpened.
+// The system has no descriptor or memory left, which is no fault of the file in the message. The
+// run ends with kNotOpened.
 class OutOfResources : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;

@@ -15,7 +15,7 @@ namespace icehost {
 // their paths, so links make no difference.
 class FileUses {
  public:
-  // The command reads `scripts`, of which "-" is standard input, and `plugin`, which may be empty.
+  // The command reads `scripts` ("-" is standard input) and `plugin`, which may be empty.
   explicit FileUses(const std::vector<std::string>& scripts = {}, const std::string& plugin = "");
 
   // Registers the file that an option writes. The file is open, but not begun. Throws BadUsage if

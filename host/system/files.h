@@ -11,7 +11,7 @@
 namespace icehost {
 
 // Returns the whole content of `path`; "-" is standard input. Throws IoError if the file cannot be
-// read or has more than `limit` bytes; OutOfResources; and Interrupted.
+// read or has more than `limit` bytes, or throws OutOfResources or Interrupted.
 std::string ReadInput(const std::string& path, std::size_t limit);
 
 // A file in memory, for a reader that needs a path. It exists as long as the object.

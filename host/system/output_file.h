@@ -24,8 +24,8 @@ class OutputFile {
   // What remains of a file that cannot be written completely: all whole lines, or nothing.
   enum class Rest { kLines, kNothing };
 
-  // Opens the file, or throws IoError, which says why it cannot be opened. For "-", writes to the
-  // file to which descriptor 1 refers now.
+  // Opens the file, or throws IoError, which says why it cannot be opened. "-" is the file to which
+  // descriptor 1 refers now.
   OutputFile(const std::string& path, Rest rest);
   // Writes the buffered text if the file was begun, and closes the file.
   ~OutputFile();
@@ -42,14 +42,14 @@ class OutputFile {
   int Descriptor() const { return fd_; }
   // Throws IoError.
   struct stat Status() const;
-  // Memory ran out for a part of the content: if the file was begun, Close will fail.
+  // Notes that memory ran out for part of the content: Close then fails, if the file was begun.
   void MarkIncomplete() { incomplete_ = begun_; }
-  // Throws if a write has failed: Interrupted if a signal arrived, else IoError, but only once.
+  // Throws if a write has failed: Interrupted after a signal, else IoError, which it throws once.
   void ThrowIfCut();
   // Writes the buffered text and closes the file. Throws IoError if the file is incomplete and
   // ThrowIfCut has not thrown it before.
   void Close();
-  // Closes a file that cannot be completed. Of its content only the Rest remains.
+  // Closes a file that cannot be completed. Only what Rest allows remains.
   void Abandon();
   // Writes a whole file: begins it, writes `text` and closes it. Throws IoError, or Interrupted if
   // a signal arrives while nobody reads the text.

@@ -27,7 +27,7 @@ class Socket {
   // How long surplus answers may still arrive after the last expected one.
   static constexpr Timeout kStragglers{10};
 
-  // Calls `again` after each failed attempt, until it throws. Without `again`, tries once.
+  // Connects. After each failed attempt calls `again`, which may throw; without it, tries once.
   static Socket Connect(const Endpoint& endpoint, Timeout timeout,
                         const std::function<void()>& again = nullptr);
   // Returns whether a server accepts connections there. Makes a connection to find out.
@@ -81,7 +81,7 @@ class Socket {
 };
 
 // Sends as many of `bytes` as the system accepts without waiting, and removes them; this saves a
-// turn of the event loop. It is not an error if the system accepts none now.
+// turn of the event loop. If the system accepts none now, returns no error.
 asio::error_code SendAtOnce(StreamProtocol::socket& socket, std::string_view& bytes);
 
 // A socket that listens on the event loop.
@@ -89,7 +89,7 @@ class Listener {
  public:
   using Acceptor = asio::basic_socket_acceptor<StreamProtocol>;
 
-  // Waits up to `timeout` to create the file of a UNIX socket. Throws IoError, or Interrupted.
+  // Listens on `endpoint`; for a UNIX socket, with a SocketFile. Throws IoError, or Interrupted.
   Listener(const Endpoint& endpoint, std::chrono::milliseconds timeout);
 
   // Returns the endpoint as a client names it, with the real port instead of port 0.

@@ -8,9 +8,9 @@
 
 namespace icehost {
 
-// Opens the standard descriptors that the process was started without, so that no file or
-// connection gets their numbers and with them the user's text. Using them is an error. Must be
-// called first.
+// Opens the standard descriptors that the process was started without. Otherwise a file or
+// connection would get their numbers, and with them text for the user. Every use of them is an
+// error. Must be called first.
 void OccupyStandardDescriptors();
 
 // Returns unbuffered standard error. A wait for its reader ends after a signal.
@@ -21,7 +21,7 @@ std::ostream& StandardError();
 bool CompleteStandardStreams();
 
 // Returns whether to use colours on `fd`: if it is a terminal, NO_COLOR is not set or is empty, and
-// TERM is not "dumb", which it is in the buffer of an editor.
+// TERM is not "dumb", as it is in the buffer of an editor.
 bool WantsColour(int fd);
 
 // Prints a line on standard error, as Printable returns it and without line feeds at its end.
@@ -32,8 +32,8 @@ void Complain(const std::string& what);
 // Prints that memory has run out, without allocating any.
 void ComplainOfMemory();
 
-// While it exists, it captures what a library writes to descriptor 1, for example with printf. User
-// is then the user's standard output. Only one object may exist at a time.
+// While it exists, it captures what a library writes to descriptor 1, for example with printf.
+// Meanwhile User is the user's standard output. Only one object may exist at a time.
 class CapturedOutput {
  public:
   // Throws IoError.

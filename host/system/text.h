@@ -8,9 +8,9 @@
 namespace icehost {
 
 // Returns the text as valid UTF-8 without anything that controls a terminal. A space replaces each
-// line separator, each control character except tabs, and each format character, which is invisible
-// or changes the direction of the text. A question mark replaces each byte that is not UTF-8. Every
-// replacement is one column wide.
+// line separator, each control character except tabs, and each format character (these are
+// invisible or change the direction of the text). A question mark replaces each byte that is not
+// UTF-8. Every replacement is one column wide.
 std::string Printable(std::string_view text);
 // Does the same for each line, and keeps the line feeds.
 std::string PrintableLines(std::string_view text);

@@ -30,7 +30,7 @@ struct OutputKind {
   };
 
   const char* option;
-  bool file_may_lack;  // the file may be omitted: standard error
+  bool file_may_lack;  // without a file, it is standard error
   bool needs_pins;
   OutputFile::Rest rest;
   Verb run, serve;
@@ -63,7 +63,7 @@ class Outputs {
           const ProbeOptions& probe, FileUses uses);
   // Adds a file that the caller begins and writes. Complete closes it with the others.
   OutputFile& Add(const std::string& option, const std::string& path, OutputFile::Rest rest);
-  // Begins the outputs and empties their files, but not the files of Add.
+  // Begins the outputs and empties their files, but not those that Add has returned.
   void Begin();
   // Throws if standard output takes no more text, because a run should not go on unseen.
   void ThrowIfCut() const {
@@ -74,7 +74,7 @@ class Outputs {
   // Returns a warning for each thing that was played and is missing in an output, but each only
   // once. Complete may add more.
   std::vector<std::string> TakeLosses();
-  // Memory ran out for an event. It is not known which files lack it, so all are incomplete.
+  // Marks all files as incomplete: memory ran out for an event, which any of them may lack.
   void MarkIncomplete();
   // Ends the outputs and closes the files. Returns a message for each that is not complete.
   std::vector<std::string> Complete(const PageHead& head);
@@ -96,7 +96,7 @@ class Outputs {
   std::vector<std::unique_ptr<OutputFile>> files_;
   std::vector<Writer> writers_;
   std::size_t begun_ = 0;                  // how many of the files Begin empties
-  OutputFile* standard_output_ = nullptr;  // if it is one of the files
+  OutputFile* standard_output_ = nullptr;  // null if it is not one of the files
 };
 
 }  // namespace icehost

@@ -36,7 +36,7 @@ struct ProbeKind {
   std::string (*describe)(const ProbeOptions& options) = nullptr;
   // Opens the pins for scripts. Null if the probe shows no pins.
   OpenPins open_pins = nullptr;
-  // Opens the pins for a client of serve, which drives them alone. Null: use open_pins.
+  // Opens the pins for serve, whose client alone drives them. Null: use open_pins.
   OpenPins open_served = nullptr;
   // Opens a probe that shows no pins.
   std::unique_ptr<Probe> (*open_scans)(const ProbeOptions& options) = nullptr;
@@ -56,10 +56,10 @@ const std::vector<ProbeKind>& ProbeKinds();
 struct ProbeOptions {
   const ProbeKind* kind = &ProbeKinds().front();
   Endpoint endpoint;
-  std::string tap;                          // its name; empty: there is only one
-  std::chrono::milliseconds timeout{5000};  // for an answer
+  std::string tap;                          // the name of its TAP; empty: it has only one
+  std::chrono::milliseconds timeout{5000};  // the longest wait for an answer
   std::shared_ptr<SpawnedCommand> spawned;  // starts its server before the connection; may be null
-  std::string spawn_log;                    // for the command's output; may be empty
+  std::string spawn_log;                    // the file for the command's output; may be empty
   TargetOptions target;                     // of the simulated probe
   ChainPlace place;                         // of the TAP that scripts address
   bool measures_place = false;              // `place` must still be read from the chain

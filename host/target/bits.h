@@ -1,4 +1,5 @@
-// Bits of a register or scan, in the order in which they are shifted: the lowest bit first.
+// Bits of a register or scan, in the order in which they are shifted: the lowest bit first. In
+// bytes, bit 0 of byte 0 is the first.
 #ifndef ICESCRIPT_HOST_TARGET_BITS_H_
 #define ICESCRIPT_HOST_TARGET_BITS_H_
 
@@ -20,14 +21,14 @@ std::uint64_t NumberOfBits(const Bits& bits);
 // Returns bits `first` to `end - 1`.
 Bits Slice(const Bits& bits, std::size_t first, std::size_t end);
 
-// Returns bits `first` to `end - 1` of bytes, least significant first; none if end <= first.
+// Returns bits `first` to `end - 1` of `bytes`; none if end <= first.
 Bits BitsOfBytes(const std::uint8_t* bytes, int first, int end);
-// Returns the first `count` bits of bytes in the same order; bits beyond the bytes are 0.
+// Returns the first `count` bits of `bytes`; bits beyond the bytes are 0.
 Bits BitsOfBytes(const std::string& bytes, std::size_t count);
-// Stores the bits, at most `limit` of them, in `bytes` in the same order. The bytes must be 0.
+// Stores at most `limit` bits in `bytes`, which must be zero.
 void StoreBits(const Bits& bits, int limit, std::uint8_t* bytes);
 
-// Returns the bits as bytes in the same order; unused bits of the last byte are 0.
+// Returns the bits as bytes; unused bits of the last byte are 0.
 std::vector<std::uint8_t> BytesOfBits(const Bits& bits);
 
 // Returns bytes, least significant first, as one number: "0x" and two digits for each byte.

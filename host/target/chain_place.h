@@ -17,8 +17,8 @@ enum class TapColumn { kIr, kDr };
 // The TAP that scripts address; the others of its chain stay in BYPASS. TAP 0 is the nearest to
 // TDO: its bits are shifted first, in and out.
 struct ChainPlace {
-  std::vector<int> ir_lengths;  // of all TAPs, in bits; empty: unknown, as if the TAP were alone
-  std::size_t tap = 0;          // from 0
+  std::vector<int> ir_lengths;  // of all TAPs, in bits; empty: unknown; the TAP counts as alone
+  std::size_t tap = 0;          // its index, from 0
 
   // Return the number of bits that a scan shifts before and after those of this TAP.
   std::size_t Before(TapColumn column) const;
@@ -26,7 +26,7 @@ struct ChainPlace {
   // Returns the bits to shift through the whole chain, so that this TAP gets `own`. The other TAPs
   // get ones in an IR scan (the instruction BYPASS) and zeros in a DR scan.
   Bits Whole(TapColumn column, const Bits& own) const;
-  // Returns the bits of this TAP. `whole` must have at least Before + After bits.
+  // Returns this TAP's bits of `whole`, which must have at least Before + After bits.
   Bits Own(TapColumn column, const Bits& whole) const;
 };
 

@@ -8,7 +8,7 @@
 
 namespace icehost {
 
-// In the order of the standard's state diagram: a state of the IR column is that of the DR + 7.
+// In the order of the standard's state diagram: each IR state is its DR counterpart + 7.
 enum class TapState {
   kTestLogicReset,
   kRunTestIdle,
@@ -44,12 +44,12 @@ bool TmsTowards(TapState from, TapState to);
 // Follows the state of a TAP by the levels of the wires.
 class TapTracker {
  public:
-  // Records the new levels of the wires (GPIO_PIN_ bits). They are high before the first call.
+  // Records the new levels of the wires (GPIO_PIN_ bits). All are high before the first call.
   void Update(int wires);
 
   // Makes the state unknown, as it is at the beginning.
   void Forget();
-  // Returns nothing until TRST has been low, or TMS high for five rising edges of TCK in a row.
+  // Returns the state, or nothing until TRST is low or TMS is high for five TCK edges in a row.
   std::optional<TapState> State() const { return state_; }
   // Returns the number of rising edges of TCK so far.
   long TckCycles() const { return tck_cycles_; }

@@ -14,8 +14,7 @@ constexpr int kResetPins = GPIO_PIN_NRST | GPIO_PIN_TRST;
 // The pins that a probe drives in a scan; the target drives TDO.
 constexpr int kDrivenPins = GPIO_PIN_ALL & ~GPIO_PIN_TDO;
 
-// Returns the levels of the wires if the probe drives the pins in `enables` to `levels`. The other
-// pins float high. All three are GPIO_PIN_ bits.
+// Returns the levels of the wires: pins that are not in `enables` float high (GPIO_PIN_ bits).
 constexpr int WireLevels(int levels, int enables) {
   return (levels | ~enables) & GPIO_PIN_ALL;
 }
