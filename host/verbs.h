@@ -7,8 +7,7 @@
 
 namespace icehost {
 
-// Returns the status if nothing but an output has failed: kInterrupted if a signal has ended the
-// wait for its reader, else kNotOpened.
+// Returns the status if only an output has failed: kInterrupted after a signal, else kNotOpened.
 inline ExitStatus StatusOfLoss() {
   return IsInterrupted() ? kInterrupted : kNotOpened;
 }

@@ -23,7 +23,7 @@ constexpr std::size_t kLongestIrEach = 64;
 // The number of combinations of IR lengths that are reported if several fit.
 constexpr std::size_t kWaysShown = 4;
 
-// Returns repeated markers. Equal bits after the chain did not pass through it.
+// Returns repeated markers, so that equal bits after the chain cannot have passed through it.
 Bits Markers(std::size_t bits) {
   Bits markers = BitsOfNumber(kMarker, kMarkerBits);
   while (markers.size() < bits) markers.push_back(markers[markers.size() - kMarkerBits]);

@@ -33,7 +33,7 @@ struct Examination {
   std::vector<std::string> complaints;
 };
 
-// Returns NAME from "... (mfg: 0x23b (NAME), part: ..."; empty if it is unknown: "<invalid>".
+// Returns NAME from "... (mfg: 0x23b (NAME), part: ..."; empty if NAME is "<invalid>".
 std::string ManufacturerIn(const std::string& line) {
   const std::size_t begin = line.find(" (", line.find("(mfg: 0x") + 1);
   const std::size_t end = line.find("), part: ");

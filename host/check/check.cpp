@@ -25,7 +25,7 @@ void ReportCutLines(const ScriptText& script, Problems& problems) {
   }
 }
 
-// It is the plug-in's GPIO reader that refuses a script without text.
+// The plug-in's GPIO reader is the one that refuses a script without text.
 bool IsGpioScript(const ScriptText& script) {
   return !script.HasText() || icescript::IsSectionTag((*script.WithText(script.begin())).text);
 }
@@ -56,7 +56,7 @@ void WarnOfNearTag(const ScriptText& script, Problems& problems) {
   const ScriptLine first = *script.WithText(script.begin());
   const std::string_view name =
       first.text.substr(0, std::min(FindForeignComment(first.text), first.text.find(']')));
-  // A tag is shorter even if brackets and blanks are repeated.
+  // Even a tag with many additional brackets and blanks is shorter.
   if (name.size() > 40) return;
   const std::string tag = Nearest(Letters(name), {"ORVEX_ICE_GPIO", "ZEVA_ICE_GPIO"});
   if (tag.empty()) return;

@@ -23,7 +23,7 @@ namespace {
 using icescript::GpioLineParser;
 using Element = icescript::CIniFile::gpio_element;
 
-// Finds levels that have no effect, and levels on TDO, which the target should drive. Takes the
+// Finds levels that have no effect, and levels on TDO, which the target should drive. Reads the
 // lines of a script one by one.
 class GpioPins {
  public:
@@ -126,7 +126,7 @@ class GpioPins {
   std::vector<Idle> idle_;
 };
 
-// Takes START and the lines after it one by one, as the plug-in's parser does. Reports a refused
+// Reads START and the lines after it one by one, as the plug-in's parser does. Reports a refused
 // line, and checks the lines after it as if that line were not there.
 class GpioLines {
  public:
@@ -135,7 +135,7 @@ class GpioLines {
 
   void TakeStart(const ScriptLine& line) { AddOperation(line); }
   void Take(const ScriptLine& line);
-  // Ends the script. If `cut`, the plug-in stops reading here: what is missing is then no fault.
+  // Ends the script. If `cut`, the plug-in stops reading here, and missing lines are not a fault.
   void Finish(bool cut);
 
   bool Ended() const { return (state_.flags & GPIO_FLAG_END) != 0; }

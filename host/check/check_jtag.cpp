@@ -22,7 +22,7 @@ using icescript::CIniFile;
 using icescript::CString;
 using icescript::JtagScr;
 
-// Takes the sections of a script one by one and plans its operations.
+// Reads the sections of a script one by one and plans its operations.
 class JtagOperations {
  public:
   JtagOperations(const ScriptText& script, CheckResult& result)

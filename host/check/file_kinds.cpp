@@ -20,7 +20,7 @@ struct FileKind {
   const char* taker;
   FileUse use;
   Words comments;  // the signs that begin a comment; a line feed ends it
-  // Returns whether a text, which begins at its first word, is of this kind.
+  // Returns whether a text, without blanks and comments before it, is of this kind.
   bool (*is)(std::string_view text);
 };
 
@@ -28,8 +28,8 @@ ScriptLine FirstLine(std::string_view text) {
   return {1, text.substr(0, text.find('\n'))};
 }
 
-// Returns whether a text begins with one of the words, in either case, and then one of the
-// characters in `after`.
+// Returns whether a text begins with one of the words, in upper or lower case, and then a character
+// of `after`.
 bool BeginsWith(std::string_view text, const Words& upper_words, std::string_view after) {
   return std::any_of(upper_words.begin(), upper_words.end(), [=](std::string_view word) {
     return icescript::EqualsUpper(text.substr(0, word.size()), word) && text.size() > word.size() &&

@@ -9,7 +9,7 @@
 
 namespace icehost {
 
-// What icehost reads a file as; kNone if it does not read files of this kind.
+// How icehost reads a file; kNone if it does not read files of this kind.
 enum class FileUse { kScript, kSvf, kNone };
 
 // Returns the error for a file of another kind than `wanted`, at the file's first word. It names

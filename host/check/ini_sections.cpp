@@ -114,7 +114,7 @@ class SectionFinder {
  public:
   explicit SectionFinder(Problems& problems) : problems_(problems) {}
 
-  // Takes a line with text.
+  // Reads a line with text.
   void Take(const ScriptLine& line) {
     WarnOfTab(line, problems_);
     const std::size_t equals = line.text.find('=');

@@ -23,7 +23,7 @@ namespace {
 using Of = Expectation::Of;
 using Texts = std::vector<std::string_view>;
 
-// In a comment, digits without "0x" can be a register's value only if there are this many.
+// In a comment, digits without "0x" are a register's value only if there are this many.
 constexpr std::size_t kFewestBareDigits = 4;
 
 Texts SplitAtCommas(std::string_view text) {

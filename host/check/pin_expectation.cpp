@@ -69,7 +69,7 @@ std::optional<Levels> ReadLevels(std::string_view text) {
   return text.find('=') != std::string_view::npos ? NamedLevels(text) : WordLevels(text);
 }
 
-// Returns the text after the first word that contains "expect", in either case.
+// Returns the text after the first word that contains "expect", in upper or lower case.
 std::optional<std::string_view> AfterExpect(std::string_view text) {
   const auto* const found =
       std::search(text.begin(), text.end(), kWord.begin(), kWord.end(), [](char ch, char letter) {

@@ -1,4 +1,4 @@
-// What the plug-in does with a script, what the script expects, and what a run has read.
+// The operations of a script, the values that it expects, and the values that a run has read.
 #ifndef ICESCRIPT_HOST_CHECK_PLAN_H_
 #define ICESCRIPT_HOST_CHECK_PLAN_H_
 

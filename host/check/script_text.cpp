@@ -13,7 +13,7 @@
 namespace icehost {
 namespace {
 
-// The beginning of each line is kept whose number is a multiple of this.
+// The beginning of a line is kept if its number is a multiple of this.
 constexpr int kStride = 16;
 
 // The line reader needs room for a terminating NUL.

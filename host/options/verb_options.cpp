@@ -22,7 +22,7 @@ CLI::App& NewVerb(CLI::App& app, const char* name, const char* description, bool
   return verb;
 }
 
-// Turns std::invalid_argument, which `judge` may throw, into a usage error of `option`.
+// Calls `judge` and turns its std::invalid_argument into a usage error of `option`.
 void Refuse(const std::string& option, const std::function<void()>& judge) {
   try {
     judge();

@@ -22,7 +22,7 @@ constexpr int kTop = 8;
 constexpr int kBandGap = 16;
 constexpr int kRulerHeight = 16;
 constexpr int kRowHeight = 22;
-constexpr int kShapeHeight = 14;  // of a segment; also the distance of a pin's levels
+constexpr int kShapeHeight = 14;  // of a segment, and between the levels of a pin
 constexpr int kNoteHeight = 16;
 constexpr int kNameX = 6;
 constexpr int kSlant = 2;      // of the ends of a segment
@@ -284,7 +284,7 @@ void Drawing::DrawLane(const Lane& lane, int y) {
   Print("</g>\n<g {} text-anchor=\"middle\" pointer-events=\"none\">\n{}</g>\n", kInk, texts);
 }
 
-// Draws a segment with pointed ends, which are upright where the band cuts the segment.
+// Draws a segment with pointed ends, or with upright ends where the band cuts it.
 void Drawing::DrawShape(const SvgSegment& segment, StepRange piece, int y) {
   const int left = X(piece.begin);
   const int right = X(piece.end);

@@ -1,4 +1,4 @@
-// Collects the contents of the picture while a script runs.
+// Collects the contents of the picture during a run.
 #include <fmt/format.h>
 
 #include <memory>
@@ -97,7 +97,7 @@ std::optional<SvgRead> ReadOf(const CallEvent& call, const std::string& script) 
   return read;
 }
 
-// Keeps as many steps as a picture shows, the first ones, and the calls in them.
+// Keeps the first steps of a run, as many as a picture shows, and the calls in them.
 class SvgWriter : public Output, public StepRecorder, public EventListener {
  public:
   explicit SvgWriter(std::ostream& stream) : stream_(stream) {}

@@ -25,7 +25,7 @@ class ServeListener : public TapListener {
   // A client connects, or leaves, before step `step`.
   virtual void OnClient(const ServedClient& client, std::size_t step) = 0;
   virtual void OnClientLeft(const ServedClient& client, std::size_t step) = 0;
-  // Serving has ended. `error` says why; it is empty if a signal has ended it.
+  // Serving has ended. `error` says why; it is empty after a signal that has cut nothing off.
   virtual void OnEnd(const std::string& error) = 0;
 };
 

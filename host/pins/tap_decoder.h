@@ -1,4 +1,4 @@
-// Finds out from the pins what a TAP does.
+// Decodes the actions of a TAP from the steps of its pins.
 #ifndef ICESCRIPT_HOST_PINS_TAP_DECODER_H_
 #define ICESCRIPT_HOST_PINS_TAP_DECODER_H_
 

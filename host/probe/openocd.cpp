@@ -179,8 +179,8 @@ int OpenocdProbe::Gpio(int /*out_value*/, std::uint32_t& /*data*/, int /*oe_mask
   throw Unsupported("OpenOCD cannot drive single pins: GPIO scripts do not run on it");
 }
 
-// A row is "N NAME ENABLED IDCODE EXPECTED IRLEN IRCAP IRMASK". Another EXPECTED is alone on the
-// next line.
+// A row is "N NAME ENABLED IDCODE EXPECTED IRLEN IRCAP IRMASK". Each further EXPECTED has a line of
+// its own.
 std::vector<OpenocdTap> ParseScanChain(const std::string& answer) {
   std::vector<OpenocdTap> taps;
   std::istringstream table(answer);

@@ -37,9 +37,9 @@ class OpenocdRpc {
   int commands_ = 0;
 };
 
-// Scans one TAP of OpenOCD's chain; OpenOCD takes care of the others. Does not capture the IR,
-// which OpenOCD's commands do not return. Throws Unsupported for GPIO scripts, the 2-wire interface
-// and what OpenOCD refuses; IoError for a lost connection and an invalid answer.
+// Scans one TAP of OpenOCD's chain; OpenOCD handles the others. Does not capture the IR, which
+// OpenOCD's commands do not return. Throws Unsupported for GPIO scripts, the 2-wire interface and
+// what OpenOCD refuses; IoError for a lost connection and an invalid answer.
 class OpenocdProbe : public Probe {
  public:
   // `tap` may be empty if OpenOCD has only one TAP. Throws IoError if there is no such TAP.

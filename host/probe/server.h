@@ -18,7 +18,8 @@ namespace icehost {
 // that vanish. Each client finds the pins as the previous one left them.
 class Server {
  public:
-  // Receives what clients do, in order and never while the port works. An exception ends Run.
+  // Receives the actions of clients, in order and never while the port works. An exception ends
+  // Run.
   class Observer {
    public:
     virtual ~Observer() = default;

@@ -117,7 +117,7 @@ void GpioForm::Clock(bool tms, bool tdi, Expected tdo, long times) {
   if (!trst_low_) tap_ = NextTapState(tap_, tms);
 }
 
-// The file does not say what a path of STATE shifts: it shifts zeros.
+// The file does not say what a path of STATE shifts. The script shifts zeros.
 void GpioForm::Clock(bool tms) {
   const bool shifts = tap_ == TapState::kShiftDr || tap_ == TapState::kShiftIr;
   Clock(tms, tdi_ && !shifts, std::nullopt, 1);
@@ -197,7 +197,7 @@ void GpioForm::Shift(const SvfShift& shift) {
   Clock(true, shift.tdi[last], expected(last), 1);
 }
 
-// Returns how many TCK cycles the wait takes. If a script cannot wait so, reports it and returns
+// Returns how many TCK cycles the wait takes. If the wait is impossible, reports it and returns
 // nothing. FREQUENCY is the highest rate in the file, so a faster probe needs more cycles.
 std::optional<long> GpioForm::CyclesOf(const SvfRunTest& run) {
   const auto hz = tck_hz_.has_value() ? tck_hz_ : file_hz_;

@@ -83,7 +83,8 @@ const char* SvfStateName(TapState state);
 // Returns whether the TAP can stay in a state, without shifting, while TMS stays at one level.
 bool IsStable(TapState state);
 
-// What one scan shifts. All members have the same length, and their first bit is shifted first.
+// The bits that one scan shifts. All members have the same length, and their first bit is shifted
+// first.
 struct SvfShift {
   Bits tdi;
   Bits tdo;

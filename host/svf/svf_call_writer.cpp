@@ -39,7 +39,7 @@ void SvfCallWriter::OnCall(const CallEvent& call) {
   }
 }
 
-// A call that fails because of what it has read was nevertheless scanned.
+// A call that fails because of the values that it read was scanned nevertheless.
 void SvfCallWriter::OnScan(const CallEvent& call, const Scan& scan) {
   const Bits ir = SentBits(scan.ir);
   const Bits dr = SentBits(scan.dr);

@@ -19,7 +19,7 @@ class IoError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-// The system has no descriptor or memory left, which is no fault of the file in the message. The
+// The system has no descriptor or memory left, which is not a fault of the file in the message. The
 // run ends with kNotOpened.
 class OutOfResources : public std::runtime_error {
  public:

@@ -25,7 +25,7 @@ int OpenStandardOutput() {
   return fd;
 }
 
-// Returns the file that does not exist and to which `path`, or the symbolic links at it, leads.
+// Follows symbolic links to a file that does not exist yet, and returns its path.
 std::string MissingFile(const std::string& path) {
   namespace fs = std::filesystem;
   fs::path place = path;

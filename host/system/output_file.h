@@ -21,7 +21,7 @@ namespace icehost {
 // Nothing is ever removed from standard output, whose path is "-".
 class OutputFile {
  public:
-  // What remains of a file that cannot be written completely: all whole lines, or nothing.
+  // The part that remains of a file that cannot be completed: all whole lines, or nothing.
   enum class Rest { kLines, kNothing };
 
   // Opens the file, or throws IoError, which says why it cannot be opened. "-" is the file to which
@@ -49,7 +49,7 @@ class OutputFile {
   // Writes the buffered text and closes the file. Throws IoError if the file is incomplete and
   // ThrowIfCut has not thrown it before.
   void Close();
-  // Closes a file that cannot be completed. Only what Rest allows remains.
+  // Closes a file that cannot be completed. Only the part that Rest names remains.
   void Abandon();
   // Writes a whole file: begins it, writes `text` and closes it. Throws IoError, or Interrupted if
   // a signal arrives while nobody reads the text.

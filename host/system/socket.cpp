@@ -93,7 +93,7 @@ asio::error_code Socket::ConnectTo(const StreamProtocol::endpoint& address) {
   return asio::error::connection_refused;
 }
 
-// TCP does that if nobody listens and the system gives the client the port of the server.
+// TCP connects a socket to itself if nobody listens and the client gets the server's port.
 bool Socket::IsConnectedToItself() const {
   asio::error_code error;  // the next operation reports it
   const StreamProtocol::endpoint local = socket_.local_endpoint(error);

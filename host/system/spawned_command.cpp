@@ -204,7 +204,7 @@ void SpawnedCommand::Start() {
   const int output = log_ != nullptr ? log_->Descriptor() : memfd_create("output", MFD_CLOEXEC);
   if (output < 0) FailToStart();
   kept_ = log_ != nullptr ? OpenToRead(output) : output;
-  // If the command opens its output again by name, such as /dev/stderr, it must not overwrite it.
+  // The command may open its output again by name, such as /dev/stderr, but must not overwrite it.
   if (kept_ >= 0) fcntl(output, F_SETFL, O_APPEND);
   const int nothing = open("/dev/null", O_RDWR | O_CLOEXEC);
   if (nothing < 0) FailToStart();
