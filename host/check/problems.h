@@ -56,7 +56,7 @@ class Problems {
 
   void Error(Place place, std::string text) { Take({place, Severity::kError, std::move(text)}); }
   void Warn(Place place, std::string text) { Take({place, Severity::kWarning, std::move(text)}); }
-  // Warns even with --quiet: of an expectation without effect, because a run would pass anyway.
+  // Warns of an expectation without effect, even with --quiet: a run would pass without it.
   void WarnAlways(Place place, std::string text) {
     Take({place, Severity::kWarning, std::move(text), true});
   }

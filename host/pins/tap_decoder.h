@@ -78,7 +78,7 @@ class TapDecoder : public StepRecorder {
 
   std::vector<TapListener*> listeners_;
   std::size_t scans_ = 0;
-  std::size_t step_ = 0;  // the number of the next step
+  std::size_t step_ = 0;  // the number of the step to be recorded
   PinStep last_{GPIO_PIN_ALL, std::nullopt, false};
   std::optional<TapScan> scan_;  // the current one
   long idle_cycles_ = 0;

@@ -83,8 +83,7 @@ const char* SvfStateName(TapState state);
 // Returns whether the TAP can stay in a state, without shifting, while TMS stays at one level.
 bool IsStable(TapState state);
 
-// The bits that one scan shifts. All members have the same length, and their first bit is shifted
-// first.
+// The bits that one scan shifts, the first bit first. All members have the same length.
 struct SvfShift {
   Bits tdi;
   Bits tdo;

@@ -63,7 +63,7 @@ class Outputs {
           const ProbeOptions& probe, FileUses uses);
   // Adds a file that the caller begins and writes. Complete closes it with the others.
   OutputFile& Add(const std::string& option, const std::string& path, OutputFile::Rest rest);
-  // Begins the outputs and empties their files, but not those that Add has returned.
+  // Begins the outputs and empties their files, but not those of Add and --spawn-log.
   void Begin();
   // Throws if standard output takes no more text, because a run should not go on unseen.
   void ThrowIfCut() const {
