@@ -98,12 +98,16 @@ class Runner {
  private:
   bool Repeats() const { return command_.repeat != 1; }
   ExitStatus PlayRounds();
+  void BeginRun();
   void BeginRound();
   void EndRound(ExitStatus status);
   // One round, up to the first script that fails, or with --keep-going, that does not run.
   ExitStatus PlayEach();
   ExitStatus PlayOne(Script& script);
   void EndScript(Script& script, ExitStatus status);
+  void TellEnd(bool ran);
+  // Counts the values of the scripts that this round leaves out.
+  void CountUnplayed();
   void RequestReset(const Script& script);
   // Whether the plug-in ran it to its end.
   bool Play(Script& script);
@@ -113,6 +117,9 @@ class Runner {
   // Empty if it did not.
   std::string WhyFailed(const Script& script) const;
   ExitStatus Complete(ExitStatus status);
+  ExitStatus EndOutputs(ExitStatus status);
+  void Conclude(const std::string& what, Severity severity);
+  RunEnd EndOf(ExitStatus status);
   // Called instead of Complete if the main thread is stuck.
   void Abandon();
   // Called at the end of the process: ends it with a failure if the plug-in is what ends it.
@@ -142,6 +149,8 @@ class Runner {
   long round_ = 0;               // the one under way
   long played_rounds_ = 0;       // to their ends
   long failed_rounds_ = 0;       // of these
+  std::size_t ended_ = 0;        // scripts, in the round under way
+  ValueCounts values_;           // of all scripts that ended or were left out, in all rounds
   Script* in_plugin_ = nullptr;  // the script that the plug-in runs now
   bool ran_ = false;             // this script, to its end
   std::string summary_;          // the results of the expectations
@@ -182,7 +191,7 @@ Runner::Runner(const RunCommand& command)
                    ? nullptr
                    : &outputs_.Add("--learn", command.learn, OutputFile::Rest::kNothing)),
       console_(ConsoleOptions(command), rescue_),
-      events_(outputs_, console_, command.strict, Repeats()),
+      events_(outputs_, console_, command),
       follower_(ModeOf(command)),
       probe_(command.probe, command.wire_mode, !outputs_.recorders.empty(), command.strict,
              follower_, events_, rescue_),
@@ -212,6 +221,7 @@ ExitStatus Runner::PlayAll(std::vector<Script> scripts) {
 ExitStatus Runner::PlayRounds() {
   ExitStatus status = kAllWell;
   outputs_.Begin();
+  BeginRun();
   bool goes_on = true;
   while (goes_on && (command_.repeat == 0 || round_ < command_.repeat)) {
     BeginRound();
@@ -223,8 +233,18 @@ ExitStatus Runner::PlayRounds() {
   return status;
 }
 
+void Runner::BeginRun() {
+  RunBegin run;
+  run.arguments = command_.arguments;
+  run.probe = command_.probe.kind->describe(command_.probe);
+  run.version = ICEHOST_VERSION;
+  for (const Script& script : scripts_) run.scripts.push_back({script.path, &script.plan});
+  events_.BeginRun(std::move(run));
+}
+
 void Runner::BeginRound() {
   ++round_;
+  ended_ = 0;
   if (!Repeats()) return;
   events_.BeginRound(round_);
   const std::string of = command_.repeat == 0 ? "" : fmt::format(" of {}", command_.repeat);
@@ -232,6 +252,7 @@ void Runner::BeginRound() {
 }
 
 void Runner::EndRound(ExitStatus status) {
+  CountUnplayed();
   if (status == kInterrupted) return;
   ++played_rounds_;
   if (status != kAllWell) ++failed_rounds_;
@@ -251,8 +272,8 @@ ExitStatus Runner::PlayEach() {
 }
 
 void Runner::EndScript(Script& script, ExitStatus status) {
-  for (const std::string& loss : outputs_.TakeLosses()) events_.Say(loss);
-  events_.EndScript(status == kAllWell);
+  for (const std::string& loss : outputs_.TakeLosses()) events_.Say(loss, Severity::kWarning);
+  TellEnd(status == kAllWell);
   if (Repeats()) {
     if (status != kInterrupted) script.rounds.Add(follower_);
   } else if (command_.summary) {
@@ -260,14 +281,27 @@ void Runner::EndScript(Script& script, ExitStatus status) {
   }
 }
 
+void Runner::TellEnd(bool ran) {
+  values_ = values_ + follower_.Values();
+  ++ended_;
+  events_.EndScript({ran, follower_.Values(), follower_.FirstUnread()});
+}
+
+void Runner::CountUnplayed() {
+  for (; ended_ < scripts_.size(); ++ended_) {
+    if (command_.learn.empty()) {
+      values_.unread += static_cast<long>(scripts_[ended_].plan.expectations.size());
+    }
+  }
+}
+
 void Runner::BeginScript(Script& script) {
   std::vector<SourceMark> marks;
   for (const Problem& problem : script.problems.Found()) {
-    marks.push_back({problem.place.line, problem.place.column, problem.severity == Severity::kError,
-                     problem.text});
+    marks.push_back({problem.place.line, problem.place.column, problem.severity, problem.text});
   }
   if (!Repeats()) script.problems = {};
-  events_.BeginScript({script.path, script.name, script.text->Content()}, marks);
+  events_.BeginScript({ended_, script.path, script.name, script.text->Content(), std::move(marks)});
 }
 
 ExitStatus Runner::PlayOne(Script& script) {
@@ -298,7 +332,7 @@ void Runner::RequestReset(const Script& script) {
   if (probe_.ResetTapBeforeScan()) return events_.RequestReset();
   constexpr const char* kSkipped = "# reset TAP is skipped: the probe shows no pins";
   if (command_.strict) throw Unsupported(kSkipped);
-  events_.Remark(fmt::format("{}: {}", script.path, kSkipped));
+  events_.Remark(fmt::format("{}: {}", script.path, kSkipped), Severity::kWarning);
 }
 
 bool Runner::Play(Script& script) {
@@ -372,16 +406,39 @@ int Runner::Show(const char* message) {
 ExitStatus Runner::Complete(ExitStatus status) {
   console_.Close();
   StandardError() << PrintableLines(Report());
-  const std::vector<std::string> failures = outputs_.Complete(Head(status));
-  for (const std::string& loss : outputs_.TakeLosses()) Complain(loss);
-  for (const std::string& failure : failures) Complain(failure);
-  return status == kAllWell && !failures.empty() ? StatusOfLoss() : status;
+  return EndOutputs(status);
+}
+
+// What becomes of the outputs is part of the status that they tell.
+ExitStatus Runner::EndOutputs(ExitStatus status) {
+  const std::vector<std::string> failures = outputs_.End(Head(status));
+  for (const std::string& loss : outputs_.TakeLosses()) Conclude(loss, Severity::kWarning);
+  for (const std::string& failure : failures) Conclude(failure, Severity::kError);
+  const auto with_loss = [](ExitStatus one) { return one == kAllWell ? StatusOfLoss() : one; };
+  const bool lost = !failures.empty() || (status == kAllWell && !CompleteStandardStreams());
+  if (lost) status = with_loss(status);
+  const std::vector<std::string> late = outputs_.EndRun(EndOf(status), EndOf(with_loss(status)));
+  for (const std::string& failure : late) Complain(failure);
+  return late.empty() ? status : with_loss(status);
+}
+
+void Runner::Conclude(const std::string& what, Severity severity) {
+  Complain(what);
+  events_.Conclude(what, severity);
+}
+
+RunEnd Runner::EndOf(ExitStatus status) {
+  CountUnplayed();
+  RunEnd end = {status, ResultText(status), probe_.Counts(), probe_.TckCycles(), values_, begun_,
+                {},     failed_rounds_,     events_.Now()};
+  if (Repeats()) end.rounds = played_rounds_;
+  return end;
 }
 
 void Runner::Abandon() {
   events_.Abandon(Interrupted().what());
-  for (const std::string& failure : outputs_.Complete(Head(kInterrupted))) Complain(failure);
-  for (const std::string& loss : outputs_.TakeLosses()) Complain(loss);
+  if (events_.InScript()) TellEnd(false);
+  EndOutputs(kInterrupted);
 }
 
 void Runner::OnExit() {

@@ -44,8 +44,8 @@ class OutputFile {
   struct stat Status() const;
   // There was no memory for something that belongs in the file: Close fails, if it was begun.
   void MarkIncomplete() { incomplete_ = begun_; }
-  // Throws IoError if something could not be written and that was not thrown before; or Interrupted
-  // if a signal was the reason.
+  // Throws IoError if something could not be written, or is marked as missing, and that was not
+  // thrown before; or Interrupted if a signal was the reason.
   void ThrowIfCut();
   // Writes the rest and closes the file; throws such an IoError.
   void Close();
@@ -71,6 +71,8 @@ class OutputFile {
     DescriptorWriter writer_;
   };
 
+  // Why the file is not whole so far, or 0.
+  int Error() const;
   void CutUnfinished() const;
   void Fail(int error);
 

@@ -76,7 +76,13 @@ class Outputs {
   std::vector<std::string> TakeLosses();
   // There was no memory for some event: what became of it in which file is unknown.
   void MarkIncomplete();
-  // Ends and closes the files. Returns a text for each that could not be written whole.
+  // Ends the files, and writes what is buffered. Returns a text for each that is not whole.
+  std::vector<std::string> End(const PageHead& head);
+  // After End: tells the listeners how the run ended, and closes the files. Returns the same, for
+  // those that End has not named. Then it is `if_lost` that is told from there on; the first row of
+  // the table comes last.
+  std::vector<std::string> EndRun(const RunEnd& end, const RunEnd& if_lost);
+  // Ends and closes the files of serve. Returns the same.
   std::vector<std::string> Complete(const PageHead& head);
 
   bool Any() const { return !writers_.empty(); }
@@ -91,6 +97,10 @@ class Outputs {
     std::unique_ptr<Output> output;
     OutputFile* file;  // null: standard error
   };
+
+  // Lets `act` complete one file. Adds a text to `failures` if the file is not whole.
+  template <class Act>
+  static void Guard(const Writer& writer, std::vector<std::string>& failures, const Act& act);
 
   FileUses uses_;
   std::vector<std::unique_ptr<OutputFile>> files_;
