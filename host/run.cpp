@@ -19,6 +19,7 @@
 #include "host/observed_probe.h"
 #include "host/probe/plugin.h"
 #include "host/run_events.h"
+#include "host/run_scripts.h"
 #include "host/system/errors.h"
 #include "host/system/files.h"
 #include "host/system/interrupt.h"
@@ -29,58 +30,6 @@
 
 namespace icehost {
 namespace {
-
-// Read once: the text that is checked is the text that is played.
-struct Script {
-  std::string path;
-  std::string name;                // in messages
-  std::optional<ScriptText> text;  // for as long as it is needed
-  Plan plan;
-  bool has_errors;
-  Problems problems;
-  RoundTally rounds;
-};
-
-// Why a script with these problems is not played; empty: it is.
-std::string WhyNot(const Problems& problems, const RunCommand& command) {
-  if (problems.HasErrors() && !command.force) {
-    return "has errors: nothing is played (--force plays it as the plug-in takes it)";
-  }
-  if (problems.Warnings() > 0 && command.strict) {
-    return "has warnings, and --strict is given: nothing is played";
-  }
-  return "";
-}
-
-// Reads and checks all scripts, and shows their problems as check does, on standard error. Returns
-// none, and says why, if they are not to be played. Throws IoError, OutOfResources and Interrupted.
-std::vector<Script> LoadScripts(const RunCommand& command) {
-  std::vector<Script> scripts;
-  scripts.reserve(command.scripts.size());
-  for (const std::string& path : command.scripts) {
-    const std::string name = path == "-" ? "<stdin>" : path;
-    scripts.push_back(
-        {path, name, ScriptText(name, ReadScript(path, command.size_limit)), {}, false, {}, {}});
-  }
-  bool play = true;
-  for (Script& script : scripts) {
-    CheckResult result = CheckScript(*script.text);
-    if (command.probe.ChoosesTap() && !result.plan.pins.empty()) {
-      result.problems.Warn({1, 1},
-                           "--tap does not change a GPIO script: it drives the whole chain");
-    }
-    result.problems.Write(StandardError(), script.name, script.text->Content(),
-                          {command.quiet && !command.strict, WantsColour(STDERR_FILENO)});
-    const std::string why = WhyNot(result.problems, command);
-    if (!why.empty()) Complain(fmt::format("{} {}", script.path, why));
-    play = play && why.empty();
-    script.plan = std::move(result.plan);
-    script.has_errors = result.problems.HasErrors();
-    script.problems = std::move(result.problems);
-  }
-  if (!play) scripts.clear();
-  return scripts;
-}
 
 // Plays scripts one after the other. There is only one Runner at a time.
 class Runner {
@@ -98,7 +47,6 @@ class Runner {
  private:
   bool Repeats() const { return command_.repeat != 1; }
   ExitStatus PlayRounds();
-  void BeginRun();
   void BeginRound();
   void EndRound(ExitStatus status);
   // One round, up to the first script that fails, or with --keep-going, that does not run.
@@ -221,7 +169,7 @@ ExitStatus Runner::PlayAll(std::vector<Script> scripts) {
 ExitStatus Runner::PlayRounds() {
   ExitStatus status = kAllWell;
   outputs_.Begin();
-  BeginRun();
+  events_.BeginRun(BeginOf(command_, scripts_));
   bool goes_on = true;
   while (goes_on && (command_.repeat == 0 || round_ < command_.repeat)) {
     BeginRound();
@@ -231,15 +179,6 @@ ExitStatus Runner::PlayRounds() {
     goes_on = ended == kAllWell || (command_.keep_going && ran_);
   }
   return status;
-}
-
-void Runner::BeginRun() {
-  RunBegin run;
-  run.arguments = command_.arguments;
-  run.probe = command_.probe.kind->describe(command_.probe);
-  run.version = ICEHOST_VERSION;
-  for (const Script& script : scripts_) run.scripts.push_back({script.path, &script.plan});
-  events_.BeginRun(std::move(run));
 }
 
 void Runner::BeginRound() {
@@ -296,12 +235,9 @@ void Runner::CountUnplayed() {
 }
 
 void Runner::BeginScript(Script& script) {
-  std::vector<SourceMark> marks;
-  for (const Problem& problem : script.problems.Found()) {
-    marks.push_back({problem.place.line, problem.place.column, problem.severity, problem.text});
-  }
+  ScriptBegin begin = BeginOf(script, ended_);
   if (!Repeats()) script.problems = {};
-  events_.BeginScript({ended_, script.path, script.name, script.text->Content(), std::move(marks)});
+  events_.BeginScript(std::move(begin));
 }
 
 ExitStatus Runner::PlayOne(Script& script) {
@@ -513,21 +449,30 @@ std::string Runner::Counts() const {
 
 ExitStatus LoadAndPlay(const RunCommand& command) {
   std::vector<Script> scripts;
+  const auto refuse = [&](const std::string& why, ExitStatus status) {
+    if (!why.empty()) Complain(why);
+    ReportUnplayed(command, scripts, why, status);
+    return status;
+  };
   try {
     scripts = LoadScripts(command);
   } catch (const IoError& error) {
-    Complain(error.what());
-    return kScriptFailed;
+    return refuse(error.what(), kScriptFailed);
+  } catch (const OutOfResources& error) {
+    return refuse(error.what(), kNotOpened);
+  } catch (const Interrupted& error) {
+    return refuse(error.what(), kInterrupted);
   }
-  if (scripts.empty()) return kScriptFailed;
+  if (std::any_of(scripts.begin(), scripts.end(),
+                  [](const Script& script) { return !script.refusal.empty(); })) {
+    return refuse("", kScriptFailed);
+  }
   try {
     return Runner(command).PlayAll(std::move(scripts));
   } catch (const Interrupted& error) {
-    Complain(error.what());
-    return kInterrupted;
+    return refuse(error.what(), kInterrupted);
   } catch (const IoError& error) {
-    Complain(error.what());
-    return kNotOpened;
+    return refuse(error.what(), kNotOpened);
   }
 }
 

@@ -64,7 +64,8 @@ struct Replacement {
 
 // U+FFFE and U+FFFF are UTF-8, but not characters of XML. "]]>" is forbidden, hence ">".
 constexpr Replacement kReplacements[] = {
-    {"&", "&amp;"}, {"<", "&lt;"}, {">", "&gt;"}, {"\xEF\xBF\xBE", "?"}, {"\xEF\xBF\xBF", "?"},
+    {"&", "&amp;"},   {"<", "&lt;"},         {">", "&gt;"},
+    {"\"", "&quot;"}, {"\xEF\xBF\xBE", "?"}, {"\xEF\xBF\xBF", "?"},
 };
 
 }  // namespace

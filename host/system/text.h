@@ -19,7 +19,8 @@ std::string PrintableLines(std::string_view text);
 // not ASCII is escaped, so that no terminal takes it for a command.
 std::string JsonText(std::string_view text);
 
-// Returns the text as character data of an XML 1.0 document: made Printable, with a question mark
+// Returns the text as character data of an XML 1.0 document, or as the value of an attribute in
+// double quotes: made Printable, with a question mark
 // for a character that XML still forbids.
 std::string XmlText(std::string_view text);
 

@@ -81,6 +81,13 @@ const std::vector<OutputKind>& OutputKinds() {
        kLines,
        {"Write what was played in the Serial Vector Format", MakeSvfPinWriter, MakeSvfCallWriter},
        {}},
+      {"--junit",
+       /*file_may_lack=*/false,
+       /*needs_pins=*/false,
+       kNothing,
+       {"Write the results as JUnit XML, for a CI server", MakeJUnit},
+       {},
+       /*reports_unplayed=*/true},
   };
   return kinds;
 }

@@ -34,6 +34,7 @@ struct OutputKind {
   bool needs_pins;
   OutputFile::Rest rest;
   Verb run, serve;
+  bool reports_unplayed = false;  // it is also written if a run does not begin
 };
 
 // Returns all rows.
