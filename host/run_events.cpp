@@ -162,7 +162,7 @@ void RunEvents::SayAt(Place place, const std::string& what, Severity severity) {
 
 Notice RunEvents::Tell(Place place, const std::string& what, Severity severity) {
   const CallSource source = place.line == 0 ? CallSource() : source_;
-  const Notice notice = {severity, what, name_, place, source, Now()};
+  Notice notice = {severity, what, name_, place, source, Now()};
   for (EventListener* const listener : listeners_) listener->OnNotice(notice);
   return notice;
 }

@@ -64,6 +64,7 @@ std::string CapturedText(const Expectation& expectation, const Capture& captured
 // "bit 2 is 1, bit 66 is 0" or "NRST is 0".
 std::string LevelsText(const std::vector<std::size_t>& bits, const std::string& value, bool pins) {
   std::vector<std::string> texts;
+  texts.reserve(bits.size());
   for (const std::size_t bit : bits) {
     texts.push_back(fmt::format("{} is {}", pins ? kPinNames[bit] : fmt::format("bit {}", bit),
                                 value[bit / 8] >> bit % 8 & 1));
