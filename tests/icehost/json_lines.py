@@ -90,6 +90,20 @@ def check_runs():
     run("run", "-", script="[A]\nIR=5,1\nDR=R,8\nTDO=0\n[B]\nIR=5,1\nDR=R,8\nTDO=0x01\n")
 
 
+def check_times():
+    """Calls are in the order of their times, and last a while across a network."""
+    server = Serve()
+    for probe in ("sim", f"remote-bitbang:127.0.0.1:{server.port}"):
+        calls = [value for value in run("run", "--probe", probe, "--repeat", "2", "--keep-going", "-",
+                                        script="[A]\nIR=5,1\nDR=R,8\nTDO=0\n[B]\nIR=5,1\nDR=R,8\n")
+                 if "call" in value]
+        times = [call["at_us"] for call in calls]
+        expect(f"times on {probe}", (len(times), times), (12, sorted(times)))
+        took = [call.get("took_us", 0) for call in calls if call["call"] == "link_jtag_execute"]
+        expect(f"durations on {probe}", [time > 0 for time in took], [probe != "sim"] * 4)
+    server.end()
+
+
 def check_manual():
     """What it shows of a run lacks the times."""
     lines = re.findall(r"^\{.*", read("docs/json.md").split("## A check")[1], re.MULTILINE)
@@ -100,4 +114,4 @@ def check_kinds():
     expect("never seen", KINDS.keys() - {kind for kinds in seen.values() for kind in kinds}, set())
 
 
-run_checks(check_runs, check_serving, check_manual, check_kinds)
+run_checks(check_runs, check_serving, check_times, check_manual, check_kinds)
