@@ -142,7 +142,11 @@ void RunEvents::Fail(const std::string& why) {
 
 void RunEvents::Doubt(const std::string& why) {
   if (strict_) throw Unsupported(why);
-  if (!std::exchange(doubted_, true)) SayAt({source_.line, 0}, why, Severity::kWarning);
+  if (!std::exchange(doubted_, true)) Warn({source_.line, 0}, why);
+}
+
+void RunEvents::Warn(Place place, const std::string& why) {
+  SayAt(place, why, Severity::kWarning);
 }
 
 void RunEvents::Say(const std::string& what, Severity severity) {
