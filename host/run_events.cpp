@@ -118,6 +118,7 @@ void RunEvents::Message(const char* text) {
 }
 
 void RunEvents::Flush() {
+  source_ = {};
   PassCaptured();
   console_.Flush();
 }

@@ -53,7 +53,8 @@ class RunEvents : public StepRecorder {
   void LeaveCall();
   // A message of the plug-in's. Throws IoError as above.
   void Message(const char* text);
-  // Passes on what the plug-in has written to standard output itself; throws IoError as above.
+  // The plug-in makes no more calls in this script. Passes on what it has written to standard
+  // output itself; throws IoError as above.
   void Flush();
 
   // Why the call under way failed, or else the script.

@@ -80,11 +80,12 @@ class Outputs {
   // Ends the outputs, and writes the buffered text. Returns a message for each file that is not
   // complete.
   std::vector<std::string> End(const PageHead& head);
-  // After End: passes the end of the run to the outputs, the last row of the table first, and closes
-  // the files. Returns a message for each file that is not complete and that End has not named. From
-  // the first of them on, the outputs get `if_lost` instead of `end`.
+  // After End: passes the end of the run to the outputs, the last row of the table first, and
+  // closes the files. Returns a message for each file that is not complete and that End has not
+  // named. From the first of them on, the outputs get `if_lost` instead of `end`.
   std::vector<std::string> EndRun(const RunEnd& end, const RunEnd& if_lost);
-  // Ends the outputs of serve and closes the files. Returns a message for each that is not complete.
+  // Ends the outputs of serve and closes the files. Returns a message for each that is not
+  // complete.
   std::vector<std::string> Complete(const PageHead& head);
 
   bool Any() const { return !writers_.empty(); }
