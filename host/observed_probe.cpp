@@ -14,7 +14,7 @@
 namespace icehost {
 namespace {
 
-// No byte beyond the array.
+// Returns the bytes of a register, but none beyond the end of the array.
 std::string RegisterBytes(const std::uint8_t* bytes, int bits) {
   const int count = std::clamp((bits + 7) / 8, 0, static_cast<int>(JTAG_DR_MAX_BYTES));
   return {reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(count)};
@@ -147,7 +147,7 @@ int ObservedProbe::Execute(std::uint8_t* capture) {
   return result;
 }
 
-// Before the first scan: finds the place of the TAP, or confirms it, and reports it.
+// Called before each scan. Before the first one, finds or confirms the TAP's place and reports it.
 void ObservedProbe::FindPlace() {
   if (found_place_ || pins_ == nullptr) return;
   if (measures_place_ || (confirms_chain_ && wire_mode_ == CDI_ANSWER_JTAG5)) ReadPlace();
@@ -155,7 +155,7 @@ void ObservedProbe::FindPlace() {
   if (place_.ir_lengths.size() > 1) events_.SetPlace(place_, measures_place_);
 }
 
-// The reading resets the TAPs, and loads BYPASS.
+// Reading the chain resets the TAPs and loads BYPASS.
 void ObservedProbe::ReadPlace() {
   if (scan_.ir.bits <= 0 && played_pins_) {
     throw Unsupported("reading the chain would reset the TAP: load an instruction first");

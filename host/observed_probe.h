@@ -1,4 +1,4 @@
-// The probe that the plug-in sees: it passes each call on and reports it.
+// The probe that the plug-in calls. It passes each call on, and reports it.
 #ifndef ICESCRIPT_HOST_OBSERVED_PROBE_H_
 #define ICESCRIPT_HOST_OBSERVED_PROBE_H_
 
@@ -19,14 +19,14 @@
 
 namespace icehost {
 
-// A call that the probe refuses with Unsupported returns -1, after the reason was reported; so does
-// a call whose values the follower does not accept. Each call throws Interrupted after a signal.
+// If the probe throws Unsupported, the call reports the reason and returns -1. A call also returns
+// -1 if the follower does not accept the values read. Each call throws Interrupted after a signal.
 class ObservedProbe : public Probe {
  public:
-  // Opens the probe, connecting to it if it is across a network; throws IoError. `wire_mode` is the
-  // CDI_ANSWER_ in force at the start. The steps of its pins go to `events` if `record_steps`. All
-  // references must stay valid. With `confirms_chain`, the first scan on pins fails if the chain is
-  // not as the options or the script say.
+  // Opens the probe, and connects to it if it is across a network. Throws IoError. `wire_mode` is
+  // the CDI_ANSWER_ value at the start. With `record_steps`, `events` receives the steps of the
+  // pins. With `confirms_chain`, the first scan on pins fails if the chain is not as the options
+  // say. All references must stay valid.
   ObservedProbe(const ProbeOptions& options, int wire_mode, bool record_steps, bool confirms_chain,
                 Follower& follower, RunEvents& events, Rescue& rescue);
 
@@ -36,7 +36,7 @@ class ObservedProbe : public Probe {
   int Execute(std::uint8_t* capture) override;
   int Gpio(int out_value, std::uint32_t& data, int oe_mask, int flags) override;
   void Flush() override { probe_->Flush(); }
-  // If the probe cannot do it, the next scan must at least load an instruction, or it fails.
+  // If the probe cannot reset the TAP, the next scan fails unless it loads an instruction.
   bool ResetTapBeforeScan() override;
   std::optional<long> TckCycles() const override { return probe_->TckCycles(); }
 
@@ -53,21 +53,21 @@ class ObservedProbe : public Probe {
   void ReadPlace();
 
   std::unique_ptr<PinPort> port_;             // null if the probe shows no pins
-  std::unique_ptr<RecordingPort> recording_;  // null if nothing records them
+  std::unique_ptr<RecordingPort> recording_;  // null if the steps of the pins are not recorded
   std::unique_ptr<Probe> probe_;
-  PinProbe* pins_ = nullptr;  // the probe, if it moves the TAPs itself
+  PinProbe* pins_ = nullptr;  // probe_ if it is a PinProbe, else null
   ChainPlace place_;
   bool measures_place_ = false;
   bool confirms_chain_ = false;
-  bool found_place_ = false;  // as far as the options ask for it
-  bool lacks_reset_ = false;  // since the last scan
-  bool played_pins_ = false;  // by a GPIO script
+  bool found_place_ = false;  // FindPlace has run
+  bool lacks_reset_ = false;  // a TAP reset was not possible before the next scan
+  bool played_pins_ = false;  // a GPIO script has run
   Follower& follower_;
   RunEvents& events_;
   Rescue& rescue_;
-  CallSource source_;           // of the operation under way
-  std::size_t begin_step_ = 0;  // of the call under way
-  Scan scan_;                   // the one under way
+  CallSource source_;           // of the current operation
+  std::size_t begin_step_ = 0;  // of the current call
+  Scan scan_;                   // the current one
   int wire_mode_ = 0;
   RunCounts counts_;
 };

@@ -9,15 +9,15 @@
 namespace icehost {
 namespace {
 
-// The most that is kept of a round. Usually a round takes a few kilobytes.
+// The most that is kept of a round. Most rounds need a few kilobytes.
 constexpr std::size_t kMostKeptBytes = 64U << 20U;
-// After the first. More would fill a disk overnight, and nobody reads them.
+// Not counting the first round. More of them could fill a disk overnight, and nobody reads them.
 constexpr int kMostFailedRounds = 1000;
-// About what a step, and anything else, takes with its place in the list.
+// The approximate size of a step, and of any other event, including its place in the list.
 constexpr std::size_t kStepBytes = 96;
 constexpr std::size_t kEventBytes = 160;
 
-// A call with copies of what it points at, except in the plan of its script.
+// A call with copies of everything that it points to outside the plan of its script.
 struct KeptCall {
   explicit KeptCall(const CallEvent& original) : call(original) {
     if (auto* const insert = std::get_if<InsertCall>(&call.call)) {
@@ -63,7 +63,7 @@ void RoundLog::BeginRound(long round) {
   round_ = round;
 }
 
-// Takes each one from the list first: a rescue may go on with the rest.
+// Removes each event from the list before passing it on: a Rescue may continue with the rest.
 void RoundLog::PassOn(RunTime now) {
   if (!open_ && failed_rounds_ == kMostFailedRounds) return;
   const bool last = !open_ && ++failed_rounds_ == kMostFailedRounds;
@@ -145,7 +145,7 @@ void RoundLog::OnScriptEnd(const ScriptEnd& end) {
   Frame([this, end] { Tell(&EventListener::OnScriptEnd, end); });
 }
 
-// A waveform has no rounds: the operations are named after them.
+// A waveform has no rounds, so the names of the operations contain them.
 void RoundLog::BeginOperation(const std::string& name, const CallSource& source) {
   Detail(kEventBytes + name.size(),
          [this, name = fmt::format("round {} {}", round_, name), source] {

@@ -1,4 +1,4 @@
-// Lets through what happens in the rounds that the outputs of a repeated run hold.
+// Selects the rounds of a repeated run that the outputs receive.
 #ifndef ICESCRIPT_HOST_ROUND_LOG_H_
 #define ICESCRIPT_HOST_ROUND_LOG_H_
 
@@ -14,21 +14,21 @@
 
 namespace icehost {
 
-// Passes on the first round. Keeps each later round until PassOn, or until the next one begins,
-// which drops it. So the outputs of a run without end get the first round and those that fail, up
-// to 1000. They see steps that are numbered without gaps.
+// Passes on the first round. Keeps each later round until PassOn is called, and drops it if another
+// one begins first. So the outputs of an endless run receive the first round and up to 1000 rounds
+// that failed. The steps that they receive are numbered without gaps.
 class RoundLog : public EventListener, public StepRecorder {
  public:
-  // The outputs must outlive this object. What a ScriptBegin and a CallSource point at must stay
+  // The outputs must outlive this object. What a ScriptBegin or a CallSource points to must stay
   // valid until the next round begins.
   RoundLog(std::vector<EventListener*> listeners, std::vector<StepRecorder*> recorders)
       : listeners_(std::move(listeners)), recorders_(std::move(recorders)) {}
 
-  // A round begins; the first one is 1.
+  // Begins a round; the first one is 1.
   void BeginRound(long round);
-  // The round under way fails: passes on all of it, what follows too. If it was too long to keep,
-  // its calls and steps so far are missing, and a warning reports that; so does one in the last
-  // round that the outputs get. `now` is their time.
+  // Passes on the current round, because it has failed: all events so far and all later ones. A
+  // warning reports if the round was too long to keep, so that its calls and steps so far are
+  // missing. Another one marks the last round that is passed on. `now` is the time of the warnings.
   void PassOn(RunTime now);
 
   void OnScript(const ScriptBegin& script) override;
@@ -43,7 +43,7 @@ class RoundLog : public EventListener, public StepRecorder {
   void Record(const PinStep& step) override;
 
  private:
-  // Something to pass on later; all but what frames the scripts are details.
+  // An event to pass on later. Calls, messages, notices and steps are details.
   struct Kept {
     std::function<void()> pass;
     bool detail;
@@ -64,15 +64,15 @@ class RoundLog : public EventListener, public StepRecorder {
   std::vector<EventListener*> listeners_;
   std::vector<StepRecorder*> recorders_;
   long round_ = 0;
-  int failed_rounds_ = 0;  // passed on, without the first round
+  int failed_rounds_ = 0;  // that were passed on; the first round does not count
   bool open_ = true;
-  bool cut_ = false;  // the details of this round were too many to keep
+  bool cut_ = false;  // this round had too many details to keep
   std::deque<Kept> kept_;
   std::size_t kept_bytes_ = 0;
   std::size_t steps_ = 0;          // recorded, in all rounds
   std::size_t kept_steps_ = 0;     // in kept_
   std::size_t dropped_steps_ = 0;  // in all rounds
-  std::size_t resumed_at_ = 0;     // the first of these steps that follows the last dropped one
+  std::size_t resumed_at_ = 0;     // the first step after the last dropped one
 };
 
 }  // namespace icehost

@@ -36,13 +36,13 @@ namespace {
 class Runner {
  public:
   // Loads the plug-in, and opens the outputs and the probe. Throws IoError if one cannot be opened,
-  // and BadUsage if an output is another file of the run.
+  // and BadUsage if an output is also another file of the run.
   explicit Runner(const RunCommand& command);
   ~Runner();
   Runner(const Runner&) = delete;
   Runner& operator=(const Runner&) = delete;
 
-  // Completes the outputs however the run ends. The reason has been printed.
+  // Plays the scripts, prints why the run failed if it did, and completes the outputs.
   ExitStatus PlayAll(std::vector<Script> scripts);
 
  private:
@@ -50,20 +50,20 @@ class Runner {
   ExitStatus PlayRounds();
   void BeginRound();
   void EndRound(ExitStatus status);
-  // One round, up to the first script that fails, or with --keep-going, that does not run.
+  // Plays a round up to the first script that fails, or with --keep-going, that cannot be run.
   ExitStatus PlayEach();
   ExitStatus PlayOne(Script& script);
   void EndScript(Script& script, ExitStatus status);
   void TellEnd(bool ran);
-  // Counts the values of the scripts that this round leaves out.
+  // Counts the values of the scripts that did not begin in this round.
   void CountUnplayed();
   void RequestReset(const Script& script);
-  // Whether the plug-in ran it to its end.
+  // Returns whether the plug-in ran the script to its end.
   bool Play(Script& script);
   bool RunPlugin(const std::string& path);
   ExitStatus Judge(const Script& script, bool ran);
   ExitStatus WriteLearned(const Script& script);
-  // Empty if it did not.
+  // Returns an empty text if the script did not fail.
   std::string WhyFailed(const Script& script) const;
   ExitStatus Complete(ExitStatus status);
   ExitStatus EndOutputs(ExitStatus status);
@@ -71,7 +71,7 @@ class Runner {
   RunEnd EndOf(ExitStatus status);
   // Called instead of Complete if the main thread is stuck.
   void Abandon();
-  // Called at the end of the process: ends it with a failure if the plug-in is what ends it.
+  // Called when the process ends. Completes the run as failed if the plug-in is ending the process.
   static void OnExit();
   ExitStatus EndWithPlugin() noexcept;
 
@@ -83,27 +83,27 @@ class Runner {
   std::string RoundCounts() const;
   std::string Counts() const;
 
-  static Runner* running;  // callbacks carry no handle
+  static Runner* running;  // the callbacks get no handle
 
   const RunCommand& command_;
   Plugin plugin_;
   Outputs outputs_;
-  OutputFile* learned_;  // one of the outputs' files, or null
+  OutputFile* learned_;  // one of the files of outputs_, or null
   Console console_;
   RunEvents events_;
   Follower follower_;
   ObservedProbe probe_;
   std::vector<Script> scripts_;
-  std::size_t begun_ = 0;        // scripts, in any round
-  long round_ = 0;               // the one under way
-  long played_rounds_ = 0;       // to their ends
+  std::size_t begun_ = 0;        // scripts that began, in any round
+  long round_ = 0;               // the current one
+  long played_rounds_ = 0;       // those played to their ends
   long failed_rounds_ = 0;       // of these
-  std::size_t ended_ = 0;        // scripts, in the round under way
+  std::size_t ended_ = 0;        // scripts, in the current round
   ValueCounts values_;           // of all scripts that ended or were left out, in all rounds
   Script* in_plugin_ = nullptr;  // the script that the plug-in runs now
-  bool ran_ = false;             // this script, to its end
+  bool ran_ = false;             // the plug-in ran the current script to its end
   std::string summary_;          // the results of the expectations
-  Rescue rescue_;                // the last member: it needs the others
+  Rescue rescue_;                // the last member, because it uses the others
 };
 
 Follower::Mode ModeOf(const RunCommand& command) {
@@ -273,10 +273,10 @@ void Runner::RequestReset(const Script& script) {
 }
 
 bool Runner::Play(Script& script) {
-  ThrowIfInterrupted();  // the scripts of a run without end may make no call
+  ThrowIfInterrupted();  // the scripts of an endless run may make no call
   if (script.plan.resets_tap) RequestReset(script);
   const MemoryFile copy(script.text->Content());
-  // A long script need not be there twice, unless it is played again.
+  // A long script is not kept in memory twice, unless its text is needed again.
   if (command_.learn.empty() && !Repeats()) script.text.reset();
   in_plugin_ = &script;
   const bool ran = RunPlugin(copy.Path());
@@ -305,7 +305,7 @@ ExitStatus Runner::WriteLearned(const Script& script) {
                                      : "with the values that were read, a line is too long"));
     return kScriptFailed;
   }
-  // A run that fails leaves the script that was learned before it.
+  // A run that failed does not get here: it keeps the script that was learned before.
   learned_->Begin();
   learned_->Stream() << learned.script;
   for (const Problem& problem : learned.stale.Found()) events_.Warn(problem.place, problem.text);
@@ -315,7 +315,7 @@ ExitStatus Runner::WriteLearned(const Script& script) {
 std::string Runner::WhyFailed(const Script& script) const {
   const bool quiet = command_.quiet && !events_.Explained();
   if (!ran_) return quiet ? "failed: " + events_.LastMessage() : "failed";
-  // The plug-in's result is 0 for a JTAG script with errors.
+  // For a JTAG script with errors, the plug-in returns 0.
   if (script.has_errors) return "has errors";
   if (follower_.Unmet() > 0) {
     return fmt::format("failed: {} of {} values {} not as expected", follower_.Unmet(),
@@ -350,7 +350,7 @@ ExitStatus Runner::Complete(ExitStatus status) {
   return EndOutputs(status);
 }
 
-// What becomes of the outputs is part of the status that they tell.
+// The status that the outputs contain includes the failures of the outputs themselves.
 ExitStatus Runner::EndOutputs(ExitStatus status) {
   const std::vector<std::string> failures = outputs_.End(Head(status));
   for (const std::string& loss : outputs_.TakeLosses()) Conclude(loss, Severity::kWarning);
@@ -425,7 +425,7 @@ long Runner::ExpectedOperations() const {
   return SaturatedProduct(operations, command_.repeat);
 }
 
-// What is printed at the end.
+// Returns the text that is printed at the end.
 std::string Runner::Report() const {
   if (!command_.summary && !(Repeats() && command_.keep_going)) return "";
   std::string text = summary_;

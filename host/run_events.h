@@ -1,4 +1,4 @@
-// The one place that everything in a run goes through.
+// Passes all events of a run to the outputs and the console.
 #ifndef ICESCRIPT_HOST_RUN_EVENTS_H_
 #define ICESCRIPT_HOST_RUN_EVENTS_H_
 
@@ -15,54 +15,54 @@
 
 namespace icehost {
 
-// Passes what happens to the outputs and the console, in this order. Messages and errors belong to
-// the script that is under way, and errors also to its call. Of a repeated run they get the first
-// round and those that fail: what speaks of a failure passes on its whole round.
+// Passes each event first to the outputs, then to the console. Messages and errors belong to the
+// current script, and errors also to the current call. In a repeated run, passes on only the first
+// round and those that fail: the first error of a round passes on the whole round.
 class RunEvents : public StepRecorder {
  public:
-  // All must outlive this object. With --strict a doubt fails the call.
+  // The arguments must outlive this object.
   RunEvents(Outputs& outputs, Console& console, const RunCommand& command);
 
-  // Fills in when the run began.
+  // Begins the run. Sets its start time in `run`.
   void BeginRun(RunBegin run);
-  // A round of a repeated run begins, from 1.
+  // Begins a round of a repeated run; the first one is 1.
   void BeginRound(long round);
 
-  // A script begins, now.
+  // Begins a script at this time.
   void BeginScript(ScriptBegin script);
-  // The script under way asks for a TAP reset, which the probe does.
+  // Reports that the current script asks for a TAP reset, which the probe supports.
   void RequestReset();
-  // Scripts address the TAP at this place; `measured`: it was read from the chain.
+  // Reports that scripts address the TAP at this place. `measured`: it was read from the chain.
   void SetPlace(const ChainPlace& place, bool measured);
-  // A script ends, now.
+  // Ends the current script at this time.
   void EndScript(ScriptEnd end);
-  // Since the run began.
+  // Returns the time since the run began.
   RunTime Now() const;
-  // Whether a script is under way.
+  // Returns whether a script has begun and not ended.
   bool InScript() const { return in_script_; }
-  // Reports why the run ends here, for a main thread that is stuck. Leaves the console's standard
-  // output alone: the main thread may hold it.
+  // Reports why the run ends, in place of a main thread that is stuck. Does not use the console's
+  // standard output, because the main thread may be using it.
   void Abandon(const std::string& why);
 
-  // The plug-in makes a call; it may be the first or the only one of an operation. Throws IoError
-  // if the user's standard output takes no more, so that the rest of the script does not run
+  // Begins a call of the plug-in. `begins_operation`: this call plays the operation. Throws IoError
+  // if standard output cannot be written any more, so that the rest of the script does not run
   // unseen.
   void BeginCall(const char* function, const CallSource& source, bool begins_operation);
   void EndCall(CallEvent call);
-  // The call under way has a result.
+  // The probe has answered the current call.
   void LeaveCall();
-  // A message of the plug-in's. Throws IoError as above.
+  // Passes on a message of the plug-in. Throws IoError as BeginCall does.
   void Message(const char* text);
-  // The plug-in makes no more calls in this script. Passes on what it has written to standard
-  // output itself; throws IoError as above.
+  // Called after the last call of a script. Passes on the plug-in's own writes to standard output.
+  // Throws IoError as BeginCall does.
   void Flush();
 
-  // Why the call under way failed, or else the script.
+  // Reports why the current call failed, or why the script failed if there is no call.
   void Fail(const std::string& why);
-  // Why the scan of the call under way may have reached no TAP: a warning, once in each script.
-  // Throws Unsupported if doubts are failures.
+  // Warns, once in each script, that the current scan may not have reached a TAP, and why. With
+  // --strict, throws Unsupported instead.
   void Doubt(const std::string& why);
-  // Warns of something at a place of the script; a column of 0 means its whole line.
+  // Warns about a place in the script. A column of 0 means the whole line.
   void Warn(Place place, const std::string& why);
   // Reports something about the script or the run.
   void Say(const std::string& what, Severity severity = Severity::kError);
@@ -74,7 +74,7 @@ class RunEvents : public StepRecorder {
   void BeginOperation(const std::string& name, const CallSource& source) override;
   void Record(const PinStep& step) override;
 
-  // Whether a reason for failing has been given since the script began.
+  // Returns whether a reason for a failure has been reported since the script began.
   bool Explained() const { return explained_; }
   const std::string& LastMessage() const { return last_message_; }
 
@@ -83,9 +83,9 @@ class RunEvents : public StepRecorder {
   std::string WithRound(const std::string& text) const;
   void Pass(const char* message);
   void PassCaptured();
-  // Reports something about a place of the script; a line or column of 0 means there is none.
+  // Reports something about a place in the script. A line or column of 0 means there is none.
   void SayAt(Place place, const std::string& what, Severity severity = Severity::kError);
-  // Returns what was reported.
+  // Passes a notice to the outputs, and returns it.
   Notice Tell(Place place, const std::string& what, Severity severity);
 
   Outputs& outputs_;
@@ -93,14 +93,14 @@ class RunEvents : public StepRecorder {
   bool strict_;
   bool times_calls_;  // the probe is across a network
   RoundLog log_;
-  long round_ = 0;  // 0: the run is not repeated
-  // The outputs, or the log of the rounds before them.
+  long round_ = 0;  // 0 if the run is not repeated
+  // The outputs; in a repeated run, log_, which passes events on to them.
   std::vector<EventListener*> listeners_;
   std::vector<StepRecorder*> recorders_;
   std::string name_;
   bool in_script_ = false;
   bool parsing_ = false;            // the plug-in has not made a call yet
-  const char* function_ = nullptr;  // of the call under way; null: there is none
+  const char* function_ = nullptr;  // of the current call; null if there is none
   CallSource source_;
   RunTime call_at_{0};
   RunTime answered_at_{0};

@@ -17,7 +17,7 @@
 namespace icehost {
 namespace {
 
-// Why a script with these problems is not played; empty: it is.
+// Returns why a script with these problems is not played; empty if it is played.
 std::string WhyNot(const Problems& problems, const RunCommand& command) {
   if (problems.HasErrors() && !command.force) {
     return "has errors, so no script is run (--force runs it as the plug-in reads it)";
@@ -95,7 +95,7 @@ void ReportUnplayed(const RunCommand& command, const std::vector<Script>& script
                [](const OutputRequest& one) { return one.kind->reports_unplayed; });
   if (requests.empty()) return;
   ProbeOptions probe = command.probe;
-  probe.spawn_log.clear();  // it is not one of these outputs
+  probe.spawn_log.clear();  // an unplayed run does not write it
   try {
     Outputs outputs(requests, &OutputKind::run, probe, FileUses(command.scripts, command.plugin));
     outputs.Begin();

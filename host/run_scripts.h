@@ -1,4 +1,4 @@
-// The scripts of a run before it begins.
+// Reads the scripts of a run before it begins.
 #ifndef ICESCRIPT_HOST_RUN_SCRIPTS_H_
 #define ICESCRIPT_HOST_RUN_SCRIPTS_H_
 
@@ -14,29 +14,29 @@
 
 namespace icehost {
 
-// Read once: the text that is checked is the text that is played.
+// A script is read once: the text that is checked is the text that is played.
 struct Script {
   std::string path;
-  std::string name;                // in messages
-  std::optional<ScriptText> text;  // for as long as it is needed
+  std::string name;                // for messages
+  std::optional<ScriptText> text;  // nothing when it is no longer needed
   Plan plan;
   bool has_errors;
   Problems problems;
   RoundTally rounds;
-  std::string refusal;  // why it is not played; empty: it is
+  std::string refusal;  // why it is not played; empty if it is
 };
 
-// Reads and checks all scripts, and shows their problems as check does, on standard error. Says why
-// one is not to be played; then none is. Throws IoError, OutOfResources and Interrupted.
+// Reads and checks all scripts, and prints their problems to standard error as `check` does. Sets
+// `refusal`, and prints it; if any is set, play none. Throws IoError, OutOfResources, Interrupted.
 std::vector<Script> LoadScripts(const RunCommand& command);
 
-// Returns what the outputs get first, but for the time. The scripts must outlive it; without them
-// it has their names only.
+// Returns the first event for the outputs. The scripts must outlive it. If `scripts` is empty, the
+// event has only their paths.
 RunBegin BeginOf(const RunCommand& command, const std::vector<Script>& scripts);
 ScriptBegin BeginOf(const Script& script, std::size_t index);
 
-// Writes the outputs that also report a run that does not begin. `why` may be empty if the scripts
-// say it; there are none if they could not be read.
+// Writes the outputs that also report a run that does not begin. `why` may be empty if `scripts`
+// contains the reason. `scripts` is empty if they could not be read.
 void ReportUnplayed(const RunCommand& command, const std::vector<Script>& scripts,
                     const std::string& why, ExitStatus status);
 

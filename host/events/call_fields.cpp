@@ -9,7 +9,7 @@
 namespace icehost {
 namespace {
 
-// "A|B" for the bits that have a name, the rest in hexadecimal; "0" for none.
+// Appends the bits as "A|B", those without a name in hexadecimal; "0" if no bit is set.
 template <std::size_t n>
 void AppendBits(int value, const char* const (&names)[n], std::string& text) {
   const std::size_t begin = text.size();
@@ -30,7 +30,7 @@ Field Bytes(const char* name, const std::string& bytes) {
   return {name, Field::Kind::kBytes, 0, ByteText(bytes)};
 }
 
-// What a scan shifts through the whole chain, if it shifts anything.
+// Appends the bits that a scan shifts through the whole chain, if there are any.
 void AppendWhole(const char* in_name, const Bits& in, const char* out_name, const Bits& out,
                  CallFields& fields) {
   if (in.empty()) return;
@@ -84,7 +84,7 @@ CallFields FieldsOf(const HostCall& call) {
   return std::visit([](const auto& one) { return Fields(one); }, call);
 }
 
-// In the order of the types.
+// The names are in the order of the types in HostCall.
 const char* FunctionOf(const HostCall& call) {
   constexpr const char* kNames[] = {"link_config", "link_reset", "link_jtag_insert",
                                     "link_jtag_execute", "link_gpio_operator"};

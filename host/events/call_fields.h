@@ -1,4 +1,4 @@
-// The arguments and results of host calls, by name, for writers of text.
+// Gives names to the arguments and outputs of host calls, for outputs that are text.
 #ifndef ICESCRIPT_HOST_EVENTS_CALL_FIELDS_H_
 #define ICESCRIPT_HOST_EVENTS_CALL_FIELDS_H_
 
@@ -11,7 +11,7 @@
 namespace icehost {
 
 struct Field {
-  // What the number stands for. The bytes of a register are not a number.
+  // The meaning of `number`. A kBytes field has no number, only `bytes`.
   enum class Kind { kNumber, kPins, kFlags, kCode, kMode, kReset, kBytes };
 
   const char* name;
@@ -20,25 +20,25 @@ struct Field {
   std::string bytes;  // "0x" and two digits for each byte, the most significant first
 };
 
-// Names of the bits of Field::Kind::kFlags, lowest first.
+// The names of the bits of Field::Kind::kFlags, the lowest bit first.
 constexpr const char* kFlagNames[] = {"WRITE_OUT", "READ_IN", "WRITE_OE", "START", "END"};
 constexpr int kFlags = 5;
 
 struct CallFields {
   std::vector<Field> arguments;
-  std::vector<Field> outputs;  // what the call answered with, besides its result
+  std::vector<Field> outputs;  // what the call returns besides its result
 };
 CallFields FieldsOf(const HostCall& call);
-// The function's name, such as "link_reset".
+// Returns the name of the function, such as "link_reset".
 const char* FunctionOf(const HostCall& call);
 
-// The name of a code, a mode or a reset, or null if it has none.
+// Returns the name of a code, a mode or a reset; null if it has none.
 const char* NameOf(const Field& field);
-// Appends the value for people: a code by its name, the bits of pins and flags by theirs.
+// Appends the value for people, with the names of codes and of the bits of pins and flags.
 void AppendText(const Field& field, std::string& text);
-// "IR " or "DR " if an output is a register's, else "": pins need no name.
+// Returns "IR " or "DR " if the output is that register, else "".
 const char* RegisterOf(std::string_view output);
-// Whether the call asks for the wire mode, as every scan does first.
+// Returns whether the call asks for the wire mode, which is the first call of every scan.
 bool AsksForInterface(const CallEvent& call);
 
 }  // namespace icehost

@@ -1,4 +1,4 @@
-// What happens in a run, and who hears of it.
+// The events of a run, and the interface that receives them.
 #ifndef ICESCRIPT_HOST_EVENTS_EVENTS_H_
 #define ICESCRIPT_HOST_EVENTS_EVENTS_H_
 
@@ -16,22 +16,22 @@
 
 namespace icehost {
 
-// When something happened, since the run began; or how long it took.
+// The time since the run began, or a duration.
 using RunTime = std::chrono::microseconds;
 
-// Where in its script a host call comes from.
+// The place in the script that a host call comes from.
 struct CallSource {
   int line = 0;                          // from 1; 0: unknown
   int operation = -1;                    // of a JTAG script, from 0
   const std::string* section = nullptr;  // of a JTAG script
-  // For a scan of a JTAG script: whether its section reads, and the bits that it compares (bytes,
-  // least significant first; null: none).
+  // For a scan of a JTAG script: whether its section reads, and the masks of the bits that it
+  // compares (bytes, least significant first; null if it compares none).
   bool reads = false;
   const std::string* ir_mask = nullptr;
   const std::string* dr_mask = nullptr;
 };
 
-// A value that was read, beside the value that the script expects.
+// A value that was read, and the value that the script expects.
 struct Comparison {
   const char* of;  // the output that was compared: "ir_out", "dr_out" or "data"
   int line;        // of the expectation
@@ -40,32 +40,32 @@ struct Comparison {
   std::string expected;
   std::string mask;
   std::string captured;                 // empty if the probe does not report it
-  std::string fault;                    // why it is not met, in words; empty: it is
+  std::string fault;                    // why it is not met, in words; empty if it is met
   std::vector<std::size_t> wrong_bits;  // the least significant is bit 0
 };
 
-// Steps of a probe's pins (PinStep), counted from 0; empty for a probe that shows none.
+// The steps of the pins (PinStep) from `begin` to `end - 1`; empty if the probe shows no pins.
 struct StepRange {
   std::size_t begin = 0;
   std::size_t end = 0;
 };
 
-// One register of a scan. All bytes are least significant first; no more of them than the arrays of
-// the interface hold.
+// One register of a scan. Bytes are least significant first, and never more than fit into the
+// arrays of the interface.
 struct ScanRegister {
-  int bits = 0;                    // as the plug-in asks, with the extra byte of two wires
+  int bits = 0;                    // as the plug-in passes it, with the extra byte of two wires
   std::string in;                  // with that byte
-  std::optional<std::string> out;  // without it; empty if nothing was captured or reported
+  std::optional<std::string> out;  // without it; nothing if the probe did not capture or report it
 };
 
 struct Scan {
   ScanRegister ir;
   ScanRegister dr;
-  int wires = 0;                     // a CDI_ANSWER_
+  int wires = 0;                     // a CDI_ANSWER_ value
   const ChainScan* chain = nullptr;  // null unless the TAP is in a chain
 };
 
-// The host calls, with their answers: one type for each link_ function (entry/icescript.h).
+// The host calls and their outputs: one type for each link_ function (entry/icescript.h).
 struct ConfigCall {
   int code;
   int value;
@@ -74,7 +74,7 @@ struct ResetCall {
   int kind;
 };
 struct InsertCall {
-  const Scan* scan;  // nothing captured yet
+  const Scan* scan;  // without captured bits
 };
 struct ExecuteCall {
   const Scan* scan;
@@ -87,24 +87,24 @@ struct GpioCall {
 };
 using HostCall = std::variant<ConfigCall, ResetCall, InsertCall, ExecuteCall, GpioCall>;
 
-// Valid, with all that it points to, until OnCall returns.
+// A host call. The event and everything that it points to are valid until OnCall returns.
 struct CallEvent {
   HostCall call;
   int result;
   std::vector<Comparison> comparisons;
   CallSource source;
-  StepRange steps;                // what the call did to the pins
-  RunTime at{0};                  // when the plug-in called
-  std::optional<RunTime> took{};  // until the probe had answered; only across a network
+  StepRange steps;                // of the pins, during the call
+  RunTime at{0};                  // when the plug-in made the call
+  std::optional<RunTime> took{};  // until the answer of a probe across a network
 
-  // The call of this type, or null.
+  // Returns the call if it is of this type, else null.
   template <class Call>
   const Call* As() const {
     return std::get_if<Call>(&call);
   }
 };
 
-// A remark on a place of a script, both from 1; columns are bytes.
+// A problem at a place in a script. Lines and columns count from 1; columns are bytes.
 struct SourceMark {
   int line;
   int column;
@@ -112,16 +112,16 @@ struct SourceMark {
   std::string text;
 };
 
-// A script of the run. The plan, which is null if the script could not be read, lives as long as
-// the run.
+// A script of the run. The plan is null if the script could not be read. It exists as long as the
+// run.
 struct RunScript {
-  std::string path;  // as the user names it; "-" is standard input
+  std::string path;  // as the user wrote it; "-" is standard input
   const Plan* plan;
 };
 
 struct RunBegin {
   std::vector<std::string> arguments;  // of the command line, as given
-  std::string probe;                   // for people
+  std::string probe;                   // a description for people
   std::string version;                 // of icehost
   std::chrono::system_clock::time_point started;
   std::vector<RunScript> scripts;
@@ -130,14 +130,14 @@ struct RunBegin {
 struct ScriptBegin {
   std::size_t index;  // in RunBegin::scripts
   std::string path;
-  std::string name;               // in messages
+  std::string name;               // for messages
   std::string_view content;       // of the file
-  std::vector<SourceMark> marks;  // what `check` finds in it
+  std::vector<SourceMark> marks;  // the problems that `check` finds
   RunTime at{0};
 };
 
-// What became of the values that scripts expect. In a REPT block a value that was once not as
-// expected is not met.
+// How many expected values were met, were not met, and were not read. In a REPT block, a value that
+// was wrong once is not met.
 struct ValueCounts {
   long met = 0;
   long unmet = 0;
@@ -146,25 +146,25 @@ struct ValueCounts {
 ValueCounts operator+(const ValueCounts& one, const ValueCounts& other);
 
 struct ScriptEnd {
-  bool ran;  // without fault
+  bool ran;  // without a fault
   ValueCounts values;
-  std::vector<const Expectation*> unread;  // the first of them, in the plan of the script
+  std::vector<const Expectation*> unread;  // the first ones, in the plan of the script
   RunTime at{0};
 };
 
-// Something that icehost says about a script or the run.
+// A message from icehost about a script or the run.
 struct Notice {
   Severity severity;
   std::string text;
   std::string name;   // of the script
-  Place place;        // what it concerns; a line or a column of 0: it concerns none
-  CallSource source;  // of the call under way
+  Place place;        // in the script; a line or column of 0 means there is none
+  CallSource source;  // of the current call
   RunTime at{0};
 };
-// Returns the text with its place before it.
+// Returns the text, after its place if it has one.
 std::string PlacedText(const Notice& notice);
 
-// What was played.
+// How much a run has done.
 struct RunCounts {
   long operations = 0;  // pin operations, scans, resets, wire settings
   long bits = 0;        // shifted through an IR or DR
@@ -172,13 +172,13 @@ struct RunCounts {
 };
 
 struct RunEnd {
-  int status;           // of the process
-  std::string verdict;  // a word for it
+  int status;           // the exit status
+  std::string verdict;  // the status in one word
   RunCounts counts;
-  std::optional<long> tck_cycles;  // none: the probe does not show them
+  std::optional<long> tck_cycles;  // nothing if the probe does not report them
   ValueCounts values;              // of all scripts, in all rounds
-  std::size_t begun;               // how many of the scripts began
-  std::optional<long> rounds;      // of a repeated run: played to their ends
+  std::size_t begun;               // how many scripts began
+  std::optional<long> rounds;      // those played to their ends, in a repeated run
   long failed_rounds;
   RunTime at{0};
 };
@@ -187,20 +187,20 @@ class EventListener {
  public:
   virtual ~EventListener() = default;
   virtual void OnRunBegin(const RunBegin& /*run*/) {}
-  // In a repeated run: a round begins, from 1. The rounds that are left out were as expected.
+  // A round of a repeated run begins; the first is 1. Only the first round and failed ones arrive.
   virtual void OnRound(long /*round*/) {}
   virtual void OnScript(const ScriptBegin& /*script*/) {}
-  // The script that has just begun asks for a TAP reset, which its first scan begins with.
+  // The script that has just begun asks for a TAP reset. Its first scan begins with the reset.
   virtual void OnResetRequest() {}
-  // Scripts address the TAP at this place in a chain of several. Comes before the first scan.
+  // The scripts address the TAP at this place in a chain of several. Called before the first scan.
   virtual void OnPlace(const ChainPlace& /*place*/) {}
   virtual void OnCall(const CallEvent& call) = 0;
-  // A message of the plug-in's; some are pieces of a line.
+  // A message of the plug-in, which may be a part of a line.
   virtual void OnMessage(const char* /*text*/) {}
-  // Comes before the call whose failure it explains, and outside a script if it concerns the run.
+  // A reason why a call failed arrives before the call. A notice about the run is outside a script.
   virtual void OnNotice(const Notice& /*notice*/) {}
   virtual void OnScriptEnd(const ScriptEnd& /*end*/) {}
-  // Comes once, however the run ends; only Output::End has been called before.
+  // Called once, as the last event, however the run ends. Output::End may come before it.
   virtual void OnRunEnd(const RunEnd& /*end*/) {}
 };
 

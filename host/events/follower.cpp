@@ -13,12 +13,12 @@
 namespace icehost {
 namespace {
 
-// How many wrong bits, or ranges of them, a message names.
+// The most wrong bits, or ranges of wrong bits, that a message names.
 constexpr std::size_t kMostNamed = 4;
-// How many values that were not read FirstUnread returns.
+// The most values that FirstUnread returns.
 constexpr std::size_t kMostUnread = 1000;
 
-// The bits of the captured value that are not as expected, counted from the least significant.
+// Returns the numbers of the captured bits that are not as expected; bit 0 is least significant.
 std::vector<std::size_t> WrongBits(const Expectation& expectation, const Capture& captured) {
   std::vector<std::size_t> bits;
   const std::size_t bytes = std::min(captured.value.size(), expectation.value.size());
@@ -51,7 +51,7 @@ std::string CapturedText(const Expectation& expectation, const Capture& captured
   return text;
 }
 
-// "bit 2 is 1, bit 66 is 0" or "NRST is 0".
+// Returns a text such as "bit 2 is 1, bit 66 is 0" or "NRST is 0".
 std::string LevelsText(const std::vector<std::size_t>& bits, const std::string& value, bool pins) {
   std::vector<std::string> texts;
   texts.reserve(bits.size());
@@ -62,7 +62,7 @@ std::string LevelsText(const std::vector<std::size_t>& bits, const std::string& 
   return fmt::format("{}", fmt::join(texts, ", "));
 }
 
-// "bits 0-7, 9, 16-31 are wrong".
+// Returns a text such as "bits 0-7, 9, 16-31 are wrong".
 std::string RangesText(const std::vector<std::size_t>& bits) {
   std::vector<std::string> ranges;
   std::size_t at = 0;
@@ -77,7 +77,7 @@ std::string RangesText(const std::vector<std::size_t>& bits) {
   return fmt::format("bits {}{} are wrong", fmt::join(ranges, ", "), more);
 }
 
-// What is wrong with the captured value, with a colon before it; empty if it has no wrong bits.
+// Returns a colon and the wrong bits of the captured value; empty if there are none.
 std::string WrongText(const std::vector<std::size_t>& bits, const std::string& value, bool pins) {
   if (bits.empty()) return "";
   return ": " +

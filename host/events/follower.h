@@ -13,8 +13,8 @@
 
 namespace icehost {
 
-// Knows which operation is under way, compares the values read with those that the script expects,
-// and keeps the values read.
+// Keeps track of the current operation, and compares the values read with the expected values or
+// stores them.
 //
 // The call after the last line of a REPT block either repeats the block or leaves it, and its
 // arguments do not show which. But each line has a data word of its own, and the plug-in passes its
@@ -23,50 +23,50 @@ namespace icehost {
 // otherwise it has gone on to the next one.
 class Follower {
  public:
-  // What happens after a value that is not the expected one: the call fails, or the run goes on; or
-  // nothing is compared, and all values are kept.
+  // If a value is not as expected, the call fails (kFail), or the run goes on (kKeepGoing). With
+  // kLearn nothing is compared, and all values are stored.
   enum class Mode { kFail, kKeepGoing, kLearn };
 
   // The comparisons of one expectation.
   struct Tally {
     long compared = 0;
     long unmet = 0;
-    Capture captured;         // the first that was not as expected, or else the last
-    std::vector<long> wrong;  // how often each bit was not; no longer than needed
+    Capture captured;         // the first wrong value; the last value if none was wrong
+    std::vector<long> wrong;  // how often each bit was wrong; later bits never were
   };
 
   explicit Follower(Mode mode) : mode_(mode) {}
 
-  // A script begins; the plan must outlive its run.
+  // Begins a script. The plan must outlive its run.
   void Begin(const Plan& plan);
 
-  // The next operation of a JTAG script begins. Returns where it comes from.
+  // Begins the next operation of a JTAG script. Returns its place in the script.
   CallSource NextOperation();
-  // A pin operation begins, and `data` is its own data word.
+  // Begins a pin operation. `data` is its own data word.
   CallSource NextPinOperation(const std::uint32_t& data);
 
-  // Compares the values that the operation read with those that the script expects, and appends the
-  // comparisons. Returns whether the call succeeds. A scan without a captured IR comes from a probe
-  // that does not report it.
+  // Compares the values that the operation read with the expected values, and appends the
+  // comparisons. Returns whether the call succeeds. If the scan has no captured IR, the probe does
+  // not report it.
   bool CompareScan(const Scan& scan, std::vector<Comparison>& comparisons);
-  // `reported`: the pins whose levels the probe reports.
+  // Does the same for pins. `reported` contains those whose levels the probe reports.
   bool ComparePins(int levels, int reported, std::vector<Comparison>& comparisons);
 
-  // How often a value was not the expected one, in this script.
+  // Returns how often a value of this script was not as expected.
   long Unmet() const { return unmet_; }
-  // How often a value was compared with the expected one, in this script.
+  // Returns how often a value of this script was compared.
   long Compared() const;
-  // How many of the values that this script expects were not read at all.
+  // Returns how many expected values of this script were never read.
   long Unread() const;
-  // What became of the values that this script expects; none are counted in Mode::kLearn.
+  // Counts the expected values of this script by their results; all counts are 0 in Mode::kLearn.
   ValueCounts Values() const;
-  // The first values that were not read, as many as a record names; none in Mode::kLearn.
+  // Returns the first 1000 expected values that were never read; none in Mode::kLearn.
   std::vector<const Expectation*> FirstUnread() const;
-  // How many operations of this script, counted from its end, did not begin.
+  // Returns how many operations at the end of this script did not begin.
   std::size_t Unreached() const;
-  // The result of each expectation of this script, a line each, for people; empty in Mode::kLearn.
+  // Returns a line for people on each expectation of this script; none in Mode::kLearn.
   std::vector<std::string> Summary(const std::string& script) const;
-  // One for each expectation of this script's plan.
+  // Returns a tally for each expectation of the plan.
   const std::vector<Tally>& Tallies() const { return tallies_; }
   const Captures& Read() const { return captures_; }
 
@@ -82,9 +82,9 @@ class Follower {
 
   Mode mode_;
   const Plan* plan_ = nullptr;
-  std::size_t next_ = 0;     // the operation after the one under way
-  std::size_t current_ = 0;  // the operation under way
-  // The first operations of the blocks that were entered, by the addresses of their data words.
+  std::size_t next_ = 0;     // the operation after the current one
+  std::size_t current_ = 0;  // the current operation
+  // The first operation of each block that was entered, by the address of its data word.
   std::unordered_map<const std::uint32_t*, std::size_t> block_begins_;
   std::vector<Tally> tallies_;
   Captures captures_;

@@ -24,7 +24,7 @@ void AppendFlagNames(int flags, std::string& line) {
   line += ']';
 }
 
-// The name under the key of the field, the number beside it.
+// Appends the name as the value of the last key, and the number under a key of its own.
 void AppendNamed(const Field& field, std::string& line) {
   const char* const name = NameOf(field);
   if (name != nullptr) {
@@ -36,7 +36,7 @@ void AppendNamed(const Field& field, std::string& line) {
   AppendNumber(field.number, line);
 }
 
-// The names are ours and the bytes are digits: there is nothing to escape.
+// Nothing needs escaping: the names are constants, and the bytes are digits.
 void AppendFields(const std::vector<Field>& fields, std::string& line) {
   for (const Field& field : fields) {
     line.append(",\"").append(field.name) += "\":";

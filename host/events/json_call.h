@@ -1,4 +1,4 @@
-// Host calls as JSON lines. They are put together by hand: a long run has millions of them.
+// Writes host calls as JSON lines. They are built by appending, because a run may have millions.
 #ifndef ICESCRIPT_HOST_EVENTS_JSON_CALL_H_
 #define ICESCRIPT_HOST_EVENTS_JSON_CALL_H_
 
@@ -10,13 +10,13 @@
 
 namespace icehost {
 
-// Appends the line of a call in the script of this index.
+// Appends the line of a call. `script` is the index of its script.
 void AppendCall(const CallEvent& call, std::size_t script, std::string& line);
 
 void AppendNumber(long number, std::string& line);
-// Appends a member; its key comes with what is round it, as in `,"line":`.
+// Appends a member. `key` includes the punctuation, as in `,"line":`.
 void AppendMember(std::string_view key, long number, std::string& line);
-// Appends the section and the operation, if the call is one of a JTAG script.
+// Appends the section and the operation if the call comes from a JTAG script.
 void AppendSection(const CallSource& source, std::string& line);
 
 }  // namespace icehost

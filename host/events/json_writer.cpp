@@ -1,4 +1,4 @@
-// The events of a run as JSON lines for programs.
+// Writes the events of a run as JSON lines, for programs.
 #include <fmt/chrono.h>
 #include <fmt/format.h>
 
@@ -18,7 +18,7 @@
 namespace icehost {
 namespace {
 
-// The most that is kept of a line of the plug-in's until it ends.
+// The most bytes that are kept of a message of the plug-in until its line feed.
 constexpr std::size_t kMostPendingBytes = 64U << 10U;
 
 const char* SeverityText(Severity severity) {
@@ -31,7 +31,7 @@ const char* OutputText(Expectation::Of of) {
   return of == Expectation::Of::kIr ? "ir_out" : "dr_out";
 }
 
-// Such as "2026-01-31T08:15:00.125Z".
+// Returns a text such as "2026-01-31T08:15:00.125Z".
 std::string UtcText(std::chrono::system_clock::time_point time) {
   const auto seconds = std::chrono::floor<std::chrono::seconds>(time);
   const auto rest = std::chrono::floor<std::chrono::milliseconds>(time - seconds);
@@ -52,15 +52,15 @@ std::string ValuesText(const ValueCounts& values) {
                      values.unmet, values.unread);
 }
 
-// Returns where the first piece of a long text ends: no character is cut in two.
+// Returns where the first piece of a long text ends, which is never inside a character.
 std::size_t PieceEnd(std::string_view text) {
   std::size_t end = kMostPendingBytes;
   while (end > kMostPendingBytes - 4 && (text[end] & 0xC0) == 0x80) --end;
   return end;
 }
 
-// Writes one object a line, whose first key names its kind; docs/json.md describes them. ASCII
-// only.
+// Writes one object per line, in ASCII. Its first key names its kind; docs/json.md describes the
+// lines.
 class JsonWriter : public Output, public EventListener {
  public:
   // `stream` must outlive the writer.
@@ -78,19 +78,19 @@ class JsonWriter : public Output, public EventListener {
 
  private:
   void WriteMessage(std::string_view text);
-  // Writes the first pieces of a long text, and returns its end.
+  // Writes the first pieces of a long text, and returns the rest, which is the last piece.
   std::string_view WritePieces(std::string_view text);
   void WriteProblem(const SourceMark& mark);
   void WriteUnread(const Expectation& expected);
-  // Writes the line, after what the plug-in has said before it.
+  // Writes line_, and before it the message of the plug-in that has not ended yet.
   void Write();
 
   std::ostream& stream_;
   std::vector<RunScript> scripts_;
-  std::size_t script_ = 0;  // the index of the one that began last
+  std::size_t script_ = 0;  // the index of the script that began last
   bool in_script_ = false;
-  std::string line_;     // kept for its room
-  std::string message_;  // a line of the plug-in's that has not ended yet
+  std::string line_;     // a member to reuse its memory
+  std::string message_;  // of the plug-in, without a line feed so far
 };
 
 void JsonWriter::OnRunBegin(const RunBegin& run) {

@@ -1,4 +1,4 @@
-// The results of a run as JUnit XML, which CI servers read.
+// Writes the results of a run as JUnit XML, which CI servers read.
 #include <fmt/chrono.h>
 #include <fmt/format.h>
 
@@ -22,16 +22,16 @@
 namespace icehost {
 namespace {
 
-// The most that is kept of what the plug-in prints in one script, and of icehost's warnings.
+// The most bytes that are kept of the messages of a script, and of its warnings.
 constexpr std::size_t kMostTextBytes = 1U << 20U;
-// How many failures of one case are described.
+// The most faults of a case that are described.
 constexpr long kMostDescribed = 10;
 
-// Why a case is not well.
+// Why a case failed.
 struct Fault {
-  bool error;           // something broke; else a value is not as expected
-  std::string message;  // of the first
-  std::string text;     // a line for each of the first, with its place
+  bool error;           // false: a value was not as expected, or a call returned a failure
+  std::string message;  // of the first fault
+  std::string text;     // a line for each of the first faults, with its place
   long count = 0;
 };
 
@@ -43,7 +43,7 @@ struct Case {
   std::optional<Fault> fault{};
 };
 
-// Text that is kept up to a limit.
+// A text of limited length.
 struct LimitedText {
   std::string text;
   std::size_t lost = 0;
@@ -55,12 +55,12 @@ struct LimitedText {
   }
 };
 
-// A script.
+// The results of a script.
 struct Suite {
   RunScript script;
-  std::vector<Case> cases{};  // the places that scripts expect something at
-  std::unordered_map<int, std::size_t> case_of_line{};  // of a GPIO script
-  Case whole{"(script)", 1};                            // what concerns no other case
+  std::vector<Case> cases{};  // its sections, or its lines that expect something
+  std::unordered_map<int, std::size_t> case_of_line{};  // of a GPIO script: indices of `cases`
+  Case whole{"(script)", 1};                            // everything that belongs to no other case
   RunTime begun_at{0};
   RunTime time{0};
   LimitedText output{};
@@ -75,7 +75,7 @@ struct Counts {
   RunTime time{0};
 };
 
-// A case for each section of a JTAG script.
+// Adds a case for each section of a JTAG script.
 void AddSections(const Plan& plan, std::vector<Case>& cases) {
   std::set<std::string_view> names;
   for (const JtagOperation& operation : plan.jtag) {
@@ -85,7 +85,7 @@ void AddSections(const Plan& plan, std::vector<Case>& cases) {
   }
 }
 
-// A case for each line of a GPIO script that expects something.
+// Adds a case for each line of a GPIO script that expects something.
 void AddLines(const Plan& plan, Suite& suite) {
   if (!plan.jtag.empty()) return;
   for (const Expectation& expected : plan.expectations) {
@@ -100,7 +100,7 @@ bool HasFault(const Suite& suite) {
                      [](const Case& one) { return one.fault.has_value(); });
 }
 
-// The cases that the file shows.
+// Returns the cases that the file shows.
 std::vector<const Case*> ShownCases(const Suite& suite) {
   std::vector<const Case*> cases;
   for (const Case& one : suite.cases) cases.push_back(&one);
@@ -131,7 +131,7 @@ std::string AttributesOf(const Counts& counts) {
                      counts.failures, counts.errors, counts.skipped, SecondsText(counts.time));
 }
 
-// Each line is made fit for XML; line feeds stay.
+// Applies XmlText to each line, and keeps the line feeds.
 std::string XmlLines(std::string_view text) {
   std::string lines;
   for (std::size_t end = 0; (end = text.find('\n')) != std::string_view::npos;) {
@@ -141,7 +141,7 @@ std::string XmlLines(std::string_view text) {
   return lines + XmlText(text);
 }
 
-// Keeps what is written at the end.
+// Collects the results, and writes all of them at the end of the run.
 class JUnitWriter : public Output, public EventListener {
  public:
   // `stream` must outlive the writer.
@@ -157,12 +157,12 @@ class JUnitWriter : public Output, public EventListener {
 
  private:
   Suite& Current() { return suite_ != nullptr ? *suite_ : suites_.front(); }
-  // The case that a call belongs to, or null.
+  // Returns the case that a call belongs to, or null.
   Case* CaseOf(const CallSource& source);
-  // Counts the time since the last call to its case.
+  // Adds the time since the last call to the case of that call.
   void CountTime(RunTime now);
   void AddFault(Case& one, bool error, const std::string& message, const std::string& text);
-  // Whatever is wrong with the run: at least one case says so.
+  // Makes sure that at least one case fails if the exit status is not 0.
   void ExplainFailure(int status);
   void Write(const Suite& suite) const;
   void Write(const Suite& suite, const Case& one) const;
@@ -171,10 +171,10 @@ class JUnitWriter : public Output, public EventListener {
   std::ostream& stream_;
   RunBegin run_;
   std::vector<Suite> suites_;
-  Suite* suite_ = nullptr;  // of the script under way
-  std::string round_;       // precedes the faults of a repeated run
-  bool has_fault_ = false;  // this script, in this round
-  // Of the script under way, or of the run: what is wrong beside the faults of cases.
+  Suite* suite_ = nullptr;  // of the current script
+  std::string round_;       // the text before each fault in a repeated run
+  bool has_fault_ = false;  // in this script, in this round
+  // The errors of the current script, or of the run, that belong to no case.
   std::vector<std::string> errors_;
   Case* timed_ = nullptr;  // the case of the last call
   RunTime timed_from_{0};
@@ -222,7 +222,7 @@ void JUnitWriter::OnCall(const CallEvent& call) {
   CountTime(call.at);
   timed_ = CaseOf(call.source);
   if (timed_ == nullptr) return;
-  // The last call of an operation.
+  // A case is reached when the last call of its operation was made.
   if (!AsksForInterface(call) && call.As<InsertCall>() == nullptr) timed_->reached = true;
   if (call.result >= 0) return;
   failed_call_ = timed_;

@@ -1,4 +1,4 @@
-// What a file that icehost writes has in common with the others.
+// The base class of everything that icehost writes to files.
 #ifndef ICESCRIPT_HOST_EVENTS_OUTPUT_H_
 #define ICESCRIPT_HOST_EVENTS_OUTPUT_H_
 
@@ -8,24 +8,24 @@
 
 namespace icehost {
 
-// What a page shows first.
+// The head of a page.
 struct PageHead {
   std::string title;
   std::string result;
   bool good;
-  std::vector<std::pair<std::string, std::string>> entries;  // shown in their order
+  std::vector<std::pair<std::string, std::string>> entries;  // in the order in which they are shown
 };
 
-// A writer derives from this and from the listeners it needs: EventListener, ServeListener,
-// StepRecorder.
+// A writer derives from this class and from the listeners that it needs: EventListener,
+// ServeListener or StepRecorder.
 class Output {
  public:
   virtual ~Output() = default;
-  // The file is empty from here on.
+  // The file is empty and ready to be written.
   virtual void Begin() {}
-  // Nothing follows.
+  // Called after all scripts or clients; only EventListener::OnRunEnd may follow.
   virtual void End(const PageHead& /*head*/) {}
-  // Returns a warning for each thing that was played and is not in the file, and each only once.
+  // Returns a warning for each thing that was played but is missing in the file, each only once.
   virtual std::vector<std::string> TakeLosses() { return {}; }
 };
 

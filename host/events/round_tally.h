@@ -1,4 +1,4 @@
-// How often a script's expectations were met in a repeated run.
+// Counts how often the expectations of a script are met in a repeated run.
 #ifndef ICESCRIPT_HOST_EVENTS_ROUND_TALLY_H_
 #define ICESCRIPT_HOST_EVENTS_ROUND_TALLY_H_
 
@@ -10,19 +10,19 @@
 
 namespace icehost {
 
-// Keeps counts only: its memory does not grow with the rounds.
+// Keeps only counts, so that its memory does not grow with the rounds.
 class RoundTally {
  public:
-  // The script has ended in one more round, which the follower has followed.
+  // Adds the results of a round, in which `follower` has followed the script.
   void Add(const Follower& follower);
-  // A line for each expectation of the plan, for people.
+  // Returns a line for people on each expectation of the plan.
   std::vector<std::string> Lines(const std::string& script, const Plan& plan) const;
 
  private:
   struct Tally {
     long met = 0;  // rounds
     long unread = 0;
-    std::vector<long> wrong;  // comparisons, by bit
+    std::vector<long> wrong;  // comparisons, for each bit
   };
 
   std::string Line(const Expectation& expectation, const Tally& tally) const;

@@ -1,4 +1,4 @@
-// The text outputs of a run.
+// The outputs of a run that are text.
 #ifndef ICESCRIPT_HOST_EVENTS_RUN_WRITERS_H_
 #define ICESCRIPT_HOST_EVENTS_RUN_WRITERS_H_
 
@@ -9,11 +9,11 @@
 
 namespace icehost {
 
-// Lines for people: one for each host call.
+// Writes a line for people for each host call.
 std::unique_ptr<Output> MakeTrace(std::ostream& stream);
-// JSON lines for programs: everything that happens.
+// Writes everything that happens as JSON lines, for programs.
 std::unique_ptr<Output> MakeJson(std::ostream& stream);
-// JUnit XML for CI servers: the result of each script and of its parts, at the end.
+// Writes the results of scripts and of their parts as JUnit XML, for CI servers, at the end.
 std::unique_ptr<Output> MakeJUnit(std::ostream& stream);
 
 }  // namespace icehost

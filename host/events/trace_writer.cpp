@@ -1,4 +1,4 @@
-// The events of a run as lines for people.
+// Writes the events of a run as lines for people.
 #include <fmt/format.h>
 
 #include <memory>
@@ -28,8 +28,8 @@ void Append(const Comparison& comparison, std::string& line) {
                       comparison.mask, comparison.fault.empty() ? "met" : "NOT MET");
 }
 
-// One line a host call: "id.ini:11 [READ_ID] link_reset(kind=TARGET) = 0". Messages are not
-// repeated.
+// Writes one line per host call, such as "id.ini:11 [READ_ID] link_reset(kind=TARGET) = 0". Leaves
+// out messages.
 class TraceWriter : public Output, public EventListener {
  public:
   // `stream` must outlive the writer.
@@ -44,7 +44,7 @@ class TraceWriter : public Output, public EventListener {
  private:
   std::ostream& stream_;
   std::string path_;
-  std::string line_;  // kept for its room
+  std::string line_;  // a member to reuse its memory
 };
 
 void TraceWriter::OnRound(long round) {

@@ -1,5 +1,5 @@
 #!/usr/bin/python3 -B
-"""What icehost writes with --json, against its schema and its manual.
+"""Compares the JSON lines of icehost with their schema and their manual.
 
 usage: json_lines.py ICEHOST SOURCE_FOLDER
 """
@@ -21,7 +21,7 @@ KINDS = {
     kind["$ref"]: jsonschema.Draft202012Validator({**kind, "$defs": SCHEMA["$defs"]})
     for kind in SCHEMA["oneOf"]
 }
-seen = {}  # the kind of each line
+seen = {}  # the kinds that match each line
 
 
 def kinds_of(value):
@@ -29,7 +29,7 @@ def kinds_of(value):
 
 
 def check_lines(what, lines):
-    """Each is of one kind, and of none with a key more or less."""
+    """Each line has exactly one kind, and none with another key or without its first key."""
     for line in lines:
         if line in seen:
             continue
@@ -91,7 +91,7 @@ def check_runs():
 
 
 def check_times():
-    """Calls are in the order of their times, and last a while across a network."""
+    """The times of calls never decrease. Calls have a duration only across a network."""
     server = Serve()
     for probe in ("sim", f"remote-bitbang:127.0.0.1:{server.port}"):
         calls = [value for value in run("run", "--probe", probe, "--repeat", "2", "--keep-going", "-",
@@ -105,7 +105,7 @@ def check_times():
 
 
 def check_manual():
-    """What it shows of a run lacks the times."""
+    """Checks the lines about check and serve. Those about a run are shown without their times."""
     lines = re.findall(r"^\{.*", read("docs/json.md").split("## A check")[1], re.MULTILINE)
     check_lines("the manual", lines)
 

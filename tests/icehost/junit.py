@@ -1,5 +1,5 @@
 #!/usr/bin/python3 -B
-"""What icehost writes with --junit, against a schema and by a reader of CI results.
+"""Tests the output of --junit with a schema and with a parser of CI results.
 
 usage: junit.py ICEHOST SOURCE_FOLDER
 """
@@ -23,12 +23,12 @@ PLUGIN = os.path.join(os.path.dirname(ICEHOST), "tests", "libfaulty_plugin.so")
 OTHER = "--idcode 39ca2003"
 # The first value is not met, and the second is not reached.
 TWO = "[A]\nIR=5,1\nDR=R,8\nTDO=0\n[B]\nIR=5,1\nDR=R,8\n"
-# Levels that are low float high.
+# The script enables NRST, which is then low, but expects it to be high.
 LOW = "[ZEVA_ICE_GPIO]\nSTART\nGPIO_OE=1\nREPT=3\nPRINT=GPIO_IN # expect NRST=1\nENDR\nEND\n"
 
 
 def cases_of(path, status):
-    """Every case, its result and what explains it, after all that holds for any file."""
+    """Checks what every file must have. Returns each case with its result and its message."""
     expect(path, output("xmllint", "--noout", "--schema", f"{SOURCE}/tests/icehost/junit.xsd", path),
            f"{path} validates\n")
     xml = JUnitXml.fromfile(path)
@@ -48,7 +48,7 @@ def cases_of(path, status):
 
 
 def run(arguments, status, *cases, script=None):
-    """The status and the cases of a run: (suite, name), and the kind and the beginning of the reason."""
+    """Checks the status and cases of a run: (suite, name), or also a kind and a message prefix."""
     write("before.xml", "<testsuites/>\n")
     os.replace("before.xml", "j.xml")
     if script is not None:
@@ -84,7 +84,7 @@ def check_results():
 
 
 def check_faults():
-    """Whatever is wrong, a case says so."""
+    """Whatever goes wrong, at least one case contains it."""
     whole = "(script)"
     skipped = ("Skipped", "not reached")
     lost = "--probe remote-bitbang:unix:sock --spawn "
@@ -124,7 +124,7 @@ def check_faults():
 
 
 def check_texts():
-    """Any bytes may be in a script, and in what the plug-in prints of it."""
+    """Any bytes may be in a script, and in the messages that quote it."""
     name = b"[\"'<&>]]>\x01\x1b\x7f\x80\xff\xef\xbf\xbf\xc3\xa9" + b"x" * 1990
     run("--force script", 1, ("script", "\"'<&>]]>   ???\u00e9" + "x" * 1990, "Failure", "["),
         script=b"[" + name + b"]\nIR=5,1\nDR=R,8\nTDO=0\n")
