@@ -11,7 +11,7 @@ namespace {
 
 // The most that is kept of a round. Most rounds need a few kilobytes.
 constexpr std::size_t kMostKeptBytes = 64U << 20U;
-// Not counting the first round. More of them could fill a disk overnight, and nobody reads them.
+// The most that are passed on, besides the first round. More could fill a disk overnight.
 constexpr int kMostFailedRounds = 1000;
 // The approximate size of a step, and of any other event, including its place in the list.
 constexpr std::size_t kStepBytes = 96;
@@ -145,7 +145,7 @@ void RoundLog::OnScriptEnd(const ScriptEnd& end) {
   Frame([this, end] { Tell(&EventListener::OnScriptEnd, end); });
 }
 
-// A waveform has no rounds, so the names of the operations contain them.
+// A waveform has no rounds, so the name of each operation includes its round.
 void RoundLog::BeginOperation(const std::string& name, const CallSource& source) {
   Detail(kEventBytes + name.size(),
          [this, name = fmt::format("round {} {}", round_, name), source] {

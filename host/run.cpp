@@ -50,7 +50,7 @@ class Runner {
   ExitStatus PlayRounds();
   void BeginRound();
   void EndRound(ExitStatus status);
-  // Plays a round up to the first script that fails, or with --keep-going, that cannot be run.
+  // Plays a round. A failed script ends it; with --keep-going, only if it did not run to its end.
   ExitStatus PlayEach();
   ExitStatus PlayOne(Script& script);
   void EndScript(Script& script, ExitStatus status);
@@ -273,7 +273,7 @@ void Runner::RequestReset(const Script& script) {
 }
 
 bool Runner::Play(Script& script) {
-  ThrowIfInterrupted();  // the scripts of an endless run may make no call
+  ThrowIfInterrupted();  // no other check ends an endless run without calls
   if (script.plan.resets_tap) RequestReset(script);
   const MemoryFile copy(script.text->Content());
   // A long script is not kept in memory twice, unless its text is needed again.
@@ -305,7 +305,7 @@ ExitStatus Runner::WriteLearned(const Script& script) {
                                      : "with the values that were read, a line is too long"));
     return kScriptFailed;
   }
-  // A run that failed does not get here: it keeps the script that was learned before.
+  // A failed run does not get here, and so keeps the script that an earlier run has learned.
   learned_->Begin();
   learned_->Stream() << learned.script;
   for (const Problem& problem : learned.stale.Found()) events_.Warn(problem.place, problem.text);
@@ -315,7 +315,7 @@ ExitStatus Runner::WriteLearned(const Script& script) {
 std::string Runner::WhyFailed(const Script& script) const {
   const bool quiet = command_.quiet && !events_.Explained();
   if (!ran_) return quiet ? "failed: " + events_.LastMessage() : "failed";
-  // For a JTAG script with errors, the plug-in returns 0.
+  // The plug-in may return 0 for a JTAG script with errors.
   if (script.has_errors) return "has errors";
   if (follower_.Unmet() > 0) {
     return fmt::format("failed: {} of {} values {} not as expected", follower_.Unmet(),
@@ -350,7 +350,7 @@ ExitStatus Runner::Complete(ExitStatus status) {
   return EndOutputs(status);
 }
 
-// The status that the outputs contain includes the failures of the outputs themselves.
+// The exit status in the outputs also reflects whether they could be written.
 ExitStatus Runner::EndOutputs(ExitStatus status) {
   const std::vector<std::string> failures = outputs_.End(Head(status));
   for (const std::string& loss : outputs_.TakeLosses()) Conclude(loss, Severity::kWarning);

@@ -28,13 +28,13 @@ class RunEvents : public StepRecorder {
   // Begins a round of a repeated run; the first one is 1.
   void BeginRound(long round);
 
-  // Begins a script at this time.
+  // Begins a script, and sets its time to now.
   void BeginScript(ScriptBegin script);
   // Reports that the current script asks for a TAP reset, which the probe supports.
   void RequestReset();
   // Reports that scripts address the TAP at this place. `measured`: it was read from the chain.
   void SetPlace(const ChainPlace& place, bool measured);
-  // Ends the current script at this time.
+  // Ends the current script, and sets its time to now.
   void EndScript(ScriptEnd end);
   // Returns the time since the run began.
   RunTime Now() const;

@@ -26,8 +26,8 @@ struct Script {
   std::string refusal;  // why it is not played; empty if it is
 };
 
-// Reads and checks all scripts, and prints their problems to standard error as `check` does. Sets
-// `refusal`, and prints it; if any is set, play none. Throws IoError, OutOfResources, Interrupted.
+// Reads and checks all scripts, and prints their problems to standard error as `check` does. If it
+// sets and prints a `refusal`, play no script. Throws IoError, OutOfResources and Interrupted.
 std::vector<Script> LoadScripts(const RunCommand& command);
 
 // Returns the first event for the outputs. The scripts must outlive it. If `scripts` is empty, the

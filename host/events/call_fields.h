@@ -1,4 +1,4 @@
-// Gives names to the arguments and outputs of host calls, for outputs that are text.
+// Names the arguments and results of host calls, for writers of text.
 #ifndef ICESCRIPT_HOST_EVENTS_CALL_FIELDS_H_
 #define ICESCRIPT_HOST_EVENTS_CALL_FIELDS_H_
 
@@ -36,7 +36,7 @@ const char* FunctionOf(const HostCall& call);
 const char* NameOf(const Field& field);
 // Appends the value for people, with the names of codes and of the bits of pins and flags.
 void AppendText(const Field& field, std::string& text);
-// Returns "IR " or "DR " if the output is that register, else "".
+// Returns "IR " or "DR " for the output of that register, else "".
 const char* RegisterOf(std::string_view output);
 // Returns whether the call asks for the wire mode, which is the first call of every scan.
 bool AsksForInterface(const CallEvent& call);

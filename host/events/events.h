@@ -112,8 +112,8 @@ struct SourceMark {
   std::string text;
 };
 
-// A script of the run. The plan is null if the script could not be read. It exists as long as the
-// run.
+// A script of the run. The plan exists as long as the run; it is null if the script could not be
+// read.
 struct RunScript {
   std::string path;  // as the user wrote it; "-" is standard input
   const Plan* plan;
@@ -178,7 +178,7 @@ struct RunEnd {
   std::optional<long> tck_cycles;  // nothing if the probe does not report them
   ValueCounts values;              // of all scripts, in all rounds
   std::size_t begun;               // how many scripts began
-  std::optional<long> rounds;      // those played to their ends, in a repeated run
+  std::optional<long> rounds;      // in a repeated run: how many were played to their ends
   long failed_rounds;
   RunTime at{0};
 };
@@ -187,7 +187,7 @@ class EventListener {
  public:
   virtual ~EventListener() = default;
   virtual void OnRunBegin(const RunBegin& /*run*/) {}
-  // A round of a repeated run begins; the first is 1. Only the first round and failed ones arrive.
+  // Round 1 of a repeated run begins, or a later round that fails.
   virtual void OnRound(long /*round*/) {}
   virtual void OnScript(const ScriptBegin& /*script*/) {}
   // The script that has just begun asks for a TAP reset. Its first scan begins with the reset.
@@ -197,7 +197,7 @@ class EventListener {
   virtual void OnCall(const CallEvent& call) = 0;
   // A message of the plug-in, which may be a part of a line.
   virtual void OnMessage(const char* /*text*/) {}
-  // A reason why a call failed arrives before the call. A notice about the run is outside a script.
+  // Called before OnCall if it explains a failed call, and outside a script if it is about the run.
   virtual void OnNotice(const Notice& /*notice*/) {}
   virtual void OnScriptEnd(const ScriptEnd& /*end*/) {}
   // Called once, as the last event, however the run ends. Output::End may come before it.

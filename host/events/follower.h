@@ -32,7 +32,7 @@ class Follower {
     long compared = 0;
     long unmet = 0;
     Capture captured;         // the first wrong value; the last value if none was wrong
-    std::vector<long> wrong;  // how often each bit was wrong; later bits never were
+    std::vector<long> wrong;  // how often each bit was wrong; never for later bits
   };
 
   explicit Follower(Mode mode) : mode_(mode) {}

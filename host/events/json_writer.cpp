@@ -82,7 +82,7 @@ class JsonWriter : public Output, public EventListener {
   std::string_view WritePieces(std::string_view text);
   void WriteProblem(const SourceMark& mark);
   void WriteUnread(const Expectation& expected);
-  // Writes line_, and before it the message of the plug-in that has not ended yet.
+  // Writes message_ if it is not empty, and then line_.
   void Write();
 
   std::ostream& stream_;

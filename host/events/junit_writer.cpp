@@ -59,7 +59,7 @@ struct LimitedText {
 struct Suite {
   RunScript script;
   std::vector<Case> cases{};  // its sections, or its lines that expect something
-  std::unordered_map<int, std::size_t> case_of_line{};  // of a GPIO script: indices of `cases`
+  std::unordered_map<int, std::size_t> case_of_line{};  // for a GPIO script: indices of `cases`
   Case whole{"(script)", 1};                            // everything that belongs to no other case
   RunTime begun_at{0};
   RunTime time{0};

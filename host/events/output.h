@@ -1,4 +1,4 @@
-// The base class of everything that icehost writes to files.
+// The base class of the outputs of run and serve.
 #ifndef ICESCRIPT_HOST_EVENTS_OUTPUT_H_
 #define ICESCRIPT_HOST_EVENTS_OUTPUT_H_
 

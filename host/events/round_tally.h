@@ -13,7 +13,7 @@ namespace icehost {
 // Keeps only counts, so that its memory does not grow with the rounds.
 class RoundTally {
  public:
-  // Adds the results of a round, in which `follower` has followed the script.
+  // Adds the results of one round of the script.
   void Add(const Follower& follower);
   // Returns a line for people on each expectation of the plan.
   std::vector<std::string> Lines(const std::string& script, const Plan& plan) const;
@@ -22,7 +22,7 @@ class RoundTally {
   struct Tally {
     long met = 0;  // rounds
     long unread = 0;
-    std::vector<long> wrong;  // comparisons, for each bit
+    std::vector<long> wrong;  // how often each bit was wrong
   };
 
   std::string Line(const Expectation& expectation, const Tally& tally) const;
