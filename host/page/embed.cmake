@@ -1,7 +1,9 @@
 # Makes OUTPUT, a C++ file with the page of FOLDER in it: page.html, where "@FILE@" stands for
 # another file of the folder.
 file(READ ${FOLDER}/page.html page)
-foreach(part page.css model.js list.js panes.js wave_view.js wave.js page.js)
+foreach(part page.css print.css model.js list.js panes.js head.js columns.js wrapping.js messages.js
+    divider.js tabs.js wave_view.js wave.js page.js svg_context.js
+    print.js)
   file(READ ${FOLDER}/${part} text)
   string(REPLACE "@${part}@" "${text}" page "${page}")
 endforeach()

@@ -5,12 +5,14 @@ class List {
 
   // `render` makes the element of an item. An item that can be picked has a `key`, and those of the
   // same key are picked together.
+  // A line of headings may stand above them.
   constructor(element, render) {
     this.element = element;
+    this.headings = element.firstElementChild;
     this.render = render;
     this.height = parseInt(getComputedStyle(element).getPropertyValue("--item"), 10);
     this.inner = element.appendChild(document.createElement("div"));
-    this.inner.setAttribute("role", "presentation");
+    this.inner.setAttribute("role", "rowgroup");
     this.items = [];
     this.picked = null;
     element.addEventListener("scroll", () => this.show());
@@ -26,9 +28,15 @@ class List {
     this.show();
   }
 
+  // The pixels for items.
+  room() {
+    return Math.max(0, this.element.clientHeight - (this.headings?.offsetHeight ?? 0));
+  }
+
   show() {
     const all = this.items.length <= List.SHORT;
-    const {scrollTop, clientHeight} = this.element;
+    const {scrollTop} = this.element;
+    const clientHeight = this.room();
     const top = Math.floor(scrollTop / this.height);
     const first = all ? 0 : Math.max(0, top - List.MARGIN);
     const last = all ? this.items.length
@@ -47,6 +55,7 @@ class List {
     const item = this.items[index];
     const element = this.render(item);
     element.classList.add("item");
+    element.id = `${this.element.id}-${index}`;
     element.style.top = `${index * this.height}px`;
     element.setAttribute("role", "row");
     element.setAttribute("aria-rowindex", index + 1);
@@ -64,12 +73,26 @@ class List {
   pick(key) {
     this.picked = key;
     for (const [index, element] of this.shown) this.mark(element, this.items[index]);
-    this.reveal(this.items.findIndex((item) => item.key === key));
+    this.revealPicked();
+  }
+
+  revealPicked() {
+    const index = this.picked === null ? -1 : this.items.findIndex((item) => item.key === this.picked);
+    this.reveal(index);
+    if (this.shown.has(index)) this.element.setAttribute("aria-activedescendant", this.shown.get(index).id);
+    else this.element.removeAttribute("aria-activedescendant");
+  }
+
+  // The item that an element is, or is in.
+  itemOf(element) {
+    const row = element.closest(".item");
+    return row === null ? undefined : this.items[Number(row.getAttribute("aria-rowindex")) - 1];
   }
 
   reveal(index) {
     if (index < 0) return;
-    const {scrollTop, clientHeight} = this.element;
+    const {scrollTop} = this.element;
+    const clientHeight = this.room();
     const y = index * this.height;
     if (y >= scrollTop && y + this.height <= scrollTop + clientHeight) return;
     this.element.scrollTop = Math.max(0, y - clientHeight / 3);
@@ -78,7 +101,7 @@ class List {
 
   // The item to pick when a key leads from the one that is picked: null where there is none.
   neighbour(key) {
-    const page = Math.max(1, Math.floor(this.element.clientHeight / this.height) - 1);
+    const page = Math.max(1, Math.floor(this.room() / this.height) - 1);
     const ways = {ArrowDown: 1, ArrowUp: -1, PageDown: page, PageUp: -page,
       Home: -Infinity, End: Infinity};
     if (!(key in ways)) return null;

@@ -51,7 +51,8 @@ function tapSegments(steps) {
 
 function makeRow(entry, source, index) {
   const [number, line, begin, end, name, sent, received, expected, verdict] = entry;
-  return {index, source, number, line, begin, end, name, sent, received, expected, verdict};
+  return {index, source, number, line, begin, end, name, sent, received, expected, verdict,
+    messages: 0, errors: []};
 }
 
 // The log as {rows, entries}: entries are {kind, row, ...} in their order, messages line by line.
@@ -65,6 +66,8 @@ function readLog(log) {
     const lines = message.split("\n");
     if (lines[lines.length - 1] === "") lines.pop();
     for (const text of lines) entries.push({kind: "message", row, text});
+    // A served target has no sources: what is told there belongs to no operation.
+    if (row !== null && source >= 0) row.messages += lines.length;
     message = "";
   };
   for (const entry of log) {
@@ -82,6 +85,7 @@ function readLog(log) {
       entries.push({kind: "row", row});
     } else {
       entries.push({kind: "error", row, source, line: entry.line, text: entry.text});
+      if (entry.line > 0) row?.errors.push(entries[entries.length - 1]);
     }
   }
   endMessage();

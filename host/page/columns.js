@@ -1,0 +1,60 @@
+// How wide columns are: as their contents, in characters, as far as there is room.
+const COLUMNS = ["No.", "Line", "Operation", "Sent", "Received", "Expected", "Result"];
+
+function longest(texts) {
+  let most = 0;
+  for (const text of texts) most = Math.max(most, text.length);
+  return most;
+}
+
+function cellTexts(row) {
+  return [String(row.number), row.line === 0 ? "" : String(row.line), row.name, row.sent, row.received,
+    row.expected, VERDICTS[row.verdict]];
+}
+
+// Of each column of the operations; 0 where all its cells are empty.
+function columnNeeds() {
+  const needs = COLUMNS.map(() => 0);
+  for (const row of rows) {
+    cellTexts(row).forEach((text, column) => { needs[column] = Math.max(needs[column], text.length); });
+  }
+  return needs.map((need, column) => need === 0 ? 0 : Math.max(need, COLUMNS[column].length));
+}
+
+// A column of values gives way down to this; the others show all.
+const LEAST_OF_VALUES = 14;
+
+function fitRows(style, needs) {
+  const tracks = needs.map((need, column) => {
+    if (column < 2 || column > 5) return `${need}ch`;
+    return `minmax(${Math.min(need, LEAST_OF_VALUES)}ch, ${need}ch)`;
+  });
+  style.setProperty("--columns", tracks.filter((_, column) => needs[column] > 0).join(" "));
+  style.setProperty("--short-columns", `${needs[0]}ch ${needs[1] > 0 ? `${needs[1]}ch ` : ""}`
+    + `minmax(0, 1fr) ${needs[6]}ch`);
+  style.setProperty("--table", `${needs.reduce((sum, need) => sum + need + (need > 0 ? 2 : 0), 0)}ch`);
+  style.setProperty("--note", `${needs[0] + 2 + (needs[1] > 0 ? needs[1] + 2 : 0)}ch`);
+  needs.forEach((need, column) => {
+    document.getElementById("table").classList.toggle(`without-${column + 1}`, need === 0);
+  });
+}
+
+function verdictTexts() {
+  return lineRows.flatMap((lines) => [...lines.values()].map(verdictText));
+}
+
+function fitLines(style) {
+  const numbers = data.sources.map((source) => String(source.lines.length));
+  const digits = Math.max(2, longest(numbers));
+  const verdict = longest(verdictTexts());
+  const text = longest(data.sources.flatMap((source) => source.lines));
+  style.setProperty("--digits", `${digits}ch`);
+  style.setProperty("--verdict", `${verdict}ch`);
+  style.setProperty("--source", `${digits + verdict + text + 5}ch`);
+}
+
+function fitColumns() {
+  const {style} = document.querySelector("main");
+  fitRows(style, columnNeeds());
+  fitLines(style);
+}
