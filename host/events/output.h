@@ -14,6 +14,7 @@ struct PageHead {
   std::string result;
   bool good;
   std::vector<std::pair<std::string, std::string>> entries;  // shown in their order
+  long planned = 0;                                          // operations; 0: not known
 };
 
 // A writer derives from this and from the listeners it needs: EventListener, ServeListener,

@@ -18,7 +18,7 @@ function faultLine(row) {
 function summaryTexts() {
   const {planned} = data.head;
   const total = data.total_rows;
-  const texts = [planned > total ? `${total} of ${counted(planned, "operation")}`
+  const texts = [planned > total && planned < Number.MAX_SAFE_INTEGER ? `${total} of ${counted(planned, "operation")}`
     : counted(total, "operation")];
   const unmet = badRows.filter((row) => row.verdict === NOT_MET);
   const values = unmet.reduce((sum, row) => sum + faultsOf(row), 0);

@@ -60,8 +60,9 @@ std::string TapNames() {
 }
 
 std::string HeadText(const PageHead& head) {
-  std::string text = fmt::format(R"({{"title":{},"result":{},"good":{},"entries":[)",
-                                 PageText(head.title), PageText(head.result), head.good);
+  std::string text =
+      fmt::format(R"({{"title":{},"result":{},"good":{},"planned":{},"entries":[)",
+                  PageText(head.title), PageText(head.result), head.good, head.planned);
   const char* before = "";
   for (const auto& [name, value] : head.entries) {
     text += fmt::format("{}[{},{}]", before, PageText(name), PageText(value));

@@ -1,6 +1,9 @@
 // The page on paper: all lines, all operations, and the waveform in bands. It exists while the browser
 // prints only, as most of the lists does not.
 class Paper {
+  static COLUMNS = 118;    // characters
+  static LEAST = 8;        // of them, for a column
+  static MOST_KEPT = 3000; // rows of several lines that are kept on one page: each takes time
   static WIDTH = 700;      // of a band, in pixels
   static LEAST_SCALE = 3;  // pixels a step
   static COLOURS = {bg: "#fff", fg: "#000", dim: "#555", edge: "#777", bad: "#000",
@@ -10,69 +13,85 @@ class Paper {
   constructor() {
     this.element = document.createElement("div");
     this.element.id = "paper";
-    if (data.sources.length > 0) this.addTable("Script", [], this.sourceRows());
-    const columns = columnNeeds().map((need, column) => ({need, column})).filter(({need}) => need > 0);
-    this.addTable("Operations", columns, this.operationRows(columns));
+    this.kept = 0;
+    if (data.sources.length > 0) this.addSources();
+    this.addOperations();
     if (wave !== null) this.addBands();
   }
 
-  addTable(name, columns, rows) {
+  // `widths` of columns; one of 0 is left out.
+  layOut(texts, widths) {
+    const columns = texts.map((text, column) => ({text: String(text), width: widths[column], column}))
+      .filter(({width}) => width > 0);
+    const pieces = columns.map(({text, width}) => piecesOf(text, width));
+    const height = Math.max(...pieces.map((piece) => piece.length));
+    return Array.from({length: height}, (_, line) => columns.map(({width, column}, at) => {
+      const piece = pieces[at][line] ?? "";
+      return column < 2 && widths.length > 3 ? piece.padStart(width) : piece.padEnd(width);
+    }).join("  ").trimEnd());
+  }
+
+  // A row that is like others is but text among theirs: a browser lays out hundreds of pages of these.
+  addText(name, head, items) {
     const table = document.createElement("table");
-    // Widths in proportion to the contents.
-    const most = columns.map(({need}) => Math.min(need, 36) + 1);
-    const sum = most.reduce((total, width) => total + width, 0);
-    if (columns.length === 0) table.append(this.column("5ch"), this.column("9ch"), this.column(""));
-    else table.append(...most.map((width) => this.column(`${100 * width / sum}%`)));
-    if (columns.length > 0) {
-      const head = table.createTHead().insertRow();
-      for (const {column} of columns) head.append(make("th", column < 2 ? "number" : "", COLUMNS[column]));
+    if (head !== "") table.createTHead().insertRow().append(make("th", "", head));
+    const body = table.createTBody().insertRow().insertCell();
+    let run = "";
+    for (const {style, lines} of items) {
+      const text = lines.join("\n");
+      if (style === "" && (lines.length === 1 || ++this.kept > Paper.MOST_KEPT)) {
+        run += text + "\n";
+        continue;
+      }
+      body.append(run, make("div", style, ""));
+      body.lastChild.append(text);
+      run = "";
     }
-    table.createTBody().append(...rows);
+    body.append(run);
     this.element.append(make("h2", "", name), table);
   }
 
-  column(width) {
-    const element = document.createElement("col");
-    element.style.width = width;
-    return element;
-  }
-
-  row(cells) {
-    const row = document.createElement("tr");
-    for (const [style, text] of cells) row.append(make("td", style, text));
-    return row;
-  }
-
-  wideRow(style, text, before, span) {
-    const row = this.row([...before, [style, text]]);
-    row.lastChild.colSpan = span;
-    return row;
-  }
-
-  sourceRows() {
-    return sourceItems((text) => [text]).map((item) => {
-      if (item.kind === "title") return this.wideRow("title", item.text, [], 3);
+  addSources() {
+    const digits = Math.max(...data.sources.map((source) => String(source.lines.length).length), 3);
+    const verdict = longest(verdictTexts());
+    const widths = [digits, Math.max(1, verdict), 0];
+    widths[2] = Paper.COLUMNS - digits - widths[1] - 4;
+    const items = sourceItems((text) => [text]).map((item) => {
+      if (item.kind === "title") return {style: "title", lines: [item.text]};
       if (item.kind === "mark") {
-        return this.wideRow(item.error ? "error" : "warning", item.text, [["", ""]], 2);
+        return {style: item.error ? "error" : "warning", lines: this.layOut(["", "", item.text], widths)};
       }
       const of = lineRows[item.source].get(item.line) ?? [];
-      const style = VERDICT_STYLES[worstOf(of)] ?? "";
-      return this.row([["number", item.line], [style, verdictText(of)], ["", item.text]]);
+      const number = String(item.line).padStart(digits);
+      return {style: worstOf(of) >= NOT_MET ? "bad" : "",
+        lines: this.layOut([number, verdictText(of), item.text], widths)};
     });
+    this.addText("Script", "", items);
   }
 
-  operationRows(columns) {
-    const numbers = columns.filter(({column}) => column < 2).map(() => ["", ""]);
-    return rowItems().filter((item) => item.kind !== "value").map((item) => {
-      if (item.kind === "title") return this.wideRow("title", item.text, [], columns.length);
-      if (item.kind !== "row") {
-        return this.wideRow(item.kind === "error" ? "error" : "note", noteText(item), numbers,
-          columns.length - numbers.length);
+  // As wide as the contents; where these are too wide, the widest give way.
+  widths(needs) {
+    const gaps = 2 * needs.filter((need) => need > 0).length - 2;
+    const cut = (most) => needs.map((need) => Math.min(need, most));
+    let most = Math.max(...needs);
+    const sum = (widths) => widths.reduce((total, width) => total + width, gaps);
+    while (most > Paper.LEAST && sum(cut(most)) > Paper.COLUMNS) --most;
+    return cut(most);
+  }
+
+  addOperations() {
+    const widths = this.widths(columnNeeds());
+    const indent = widths[0] + (widths[1] > 0 ? widths[1] + 2 : 0);
+    const items = rowItems().filter((item) => item.kind !== "value").map((item) => {
+      if (item.kind === "title") return {style: "title", lines: [item.text]};
+      if (item.kind === "row") {
+        return {style: item.row.verdict >= NOT_MET ? "bad" : "",
+          lines: this.layOut(cellTexts(item.row), widths)};
       }
-      const texts = cellTexts(item.row);
-      return this.row(columns.map(({column}) => [
-        column < 2 ? "number" : column === 6 ? VERDICT_STYLES[item.row.verdict] : "", texts[column]]));
+      return {style: item.kind === "error" ? "error" : "",
+        lines: this.layOut(["", noteText(item)], [indent, Paper.COLUMNS - indent - 2])};
     });
+    this.addText("Operations", this.layOut(COLUMNS, widths)[0], items);
   }
 
   addBands() {
@@ -85,6 +104,7 @@ class Paper {
       const band = Object.assign(Object.create(wave), {context, width: Paper.WIDTH, from, scale,
         cursor: null, hover: null, row: null, colour: Paper.COLOURS, drawPlace() {}, onMove() {}});
       band.draw();
+      context.endPath();
       this.element.append(context.picture);
     }
   }

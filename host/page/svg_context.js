@@ -5,7 +5,8 @@ class SvgContext {
   constructor(width, height) {
     this.picture = this.make("svg", {viewBox: `0 0 ${width} ${height}`});
     this.parent = this.picture;
-    this.path = null;  // the rectangles of one colour that follow each other
+    this.fill = null;  // of the rectangles that follow each other
+    this.path = "";
     this.bounds = null;
   }
 
@@ -16,8 +17,8 @@ class SvgContext {
   }
 
   add(element) {
+    this.endPath();
     this.parent.append(element);
-    this.path = null;
     return element;
   }
 
@@ -26,13 +27,15 @@ class SvgContext {
   }
 
   fillRect(x, y, width, height) {
-    if (this.path?.fill !== this.fillStyle) {
-      const element = this.add(this.make("path", {fill: this.fillStyle}));
-      this.path = {element, fill: this.fillStyle, text: ""};
-    }
+    if (this.fill !== this.fillStyle) this.endPath();
+    this.fill = this.fillStyle;
     const short = (number) => Math.round(number * 100) / 100;
-    this.path.text += `M${short(x)} ${short(y)}h${short(width)}v${short(height)}h${short(-width)}z`;
-    this.path.element.setAttribute("d", this.path.text);
+    this.path += `M${short(x)} ${short(y)}h${short(width)}v${short(height)}h${short(-width)}z`;
+  }
+
+  endPath() {
+    if (this.path !== "") this.parent.append(this.make("path", {fill: this.fill, d: this.path}));
+    this.path = "";
   }
 
   fillText(text, x, y) {
@@ -51,8 +54,8 @@ class SvgContext {
   }
 
   restore() {
+    this.endPath();
     this.parent = this.picture;
-    this.path = null;
   }
 
   save() {}

@@ -1,4 +1,32 @@
-// Lines of the script that are longer than their area, in pieces that fit.
+// Where a text that begins at `from` no longer fits into `most` columns. Letters beyond those of Europe
+// may be twice as wide.
+function endOf(text, from, most) {
+  let column = 0;
+  let at = from;
+  for (const letter of text.slice(from, from + most)) {
+    column += letter === "\t" ? 8 - column % 8 : letter.codePointAt(0) < 0x1100 ? 1 : 2;
+    if (column > most) return at;
+    at += letter.length;
+  }
+  return at;
+}
+
+// A text in pieces, at least one. They end at blanks where these are not far away.
+function piecesOf(text, most) {
+  const whole = visible(text);
+  const pieces = [];
+  let from = 0;
+  if (most === Infinity) return [whole];
+  for (let end = endOf(whole, 0, most); end < whole.length; end = endOf(whole, from, most)) {
+    const blank = whole.lastIndexOf(" ", end) + 1;
+    const cut = blank > from + (end - from) / 2 ? blank : end;
+    pieces.push(whole.slice(from, cut));
+    from = cut;
+  }
+  return [...pieces, whole.slice(from)];
+}
+
+// Has lines of the script that are longer than their area go on in the next one.
 class Wrapping {
   constructor(button, list, onChange) {
     this.button = button;
@@ -27,31 +55,7 @@ class Wrapping {
     return Math.max(10, Math.floor(text.clientWidth / context.measureText("0").width));
   }
 
-  // At least one; they end at blanks where these are not far away.
   pieces(text) {
-    const whole = visible(text);
-    if (whole.length <= this.most / 8) return [whole];
-    const pieces = [];
-    let from = 0;
-    for (let end = this.endOf(whole, 0); end < whole.length; end = this.endOf(whole, from)) {
-      const blank = whole.lastIndexOf(" ", end) + 1;
-      const cut = blank > from + (end - from) / 2 ? blank : end;
-      pieces.push(whole.slice(from, cut));
-      from = cut;
-    }
-    return [...pieces, whole.slice(from)];
-  }
-
-  // Where the text that begins at `from` no longer fits. Letters of other scripts may be twice as wide.
-  endOf(text, from) {
-    let column = 0;
-    let at = from;
-    for (const letter of text.slice(from, from + this.most)) {
-      const code = letter.codePointAt(0);
-      column += letter === "\t" ? 8 - column % 8 : code < 0x1100 ? 1 : 2;
-      if (column > this.most) return at;
-      at += letter.length;
-    }
-    return at;
+    return piecesOf(text, this.most);
   }
 }
