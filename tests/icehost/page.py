@@ -6,86 +6,19 @@ usage: page.py ICEHOST SOURCE_FOLDER
 import json
 import os
 import re
-import subprocess
 import sys
 import time
 from difflib import unified_diff
 
-from selenium import webdriver
 from selenium.webdriver.common.action_chains import ActionChains
 from selenium.webdriver.common.keys import Keys
-from selenium.webdriver.chrome.service import Service
 
 sys.path.append(sys.path[0] + "/..")
 from lib import (BACK, ICEHOST, RESET, TO_SHIFT_DR, Serve, expect, failures, output, read,
-                 records_of, run_checks, waveform, write)
+                 records_of, waveform, write)
+from page_browser import (PAGE, browser, click, js, open_page, picked, run, run_in_browser,
+                          set_screen, settle, show, table, texts, view)
 from page_drawing import RECORD, Picture, colours_of, drawn
-
-PAGE = os.path.abspath("page.html")
-FLAGS = """--headless=new --no-sandbox --disable-gpu --disable-quic --no-first-run
-    --disable-background-networking --disable-component-update --disable-sync
-    --force-device-scale-factor=1 --window-size=1280,900"""
-
-
-def start_browser():
-    options = webdriver.ChromeOptions()
-    for flag in FLAGS.split() + ["--user-data-dir=" + os.path.abspath("browser")]:
-        options.add_argument(flag)
-    options.set_capability("goog:loggingPrefs", {"browser": "ALL"})
-    return webdriver.Chrome(options=options, service=Service("/usr/bin/chromedriver"))
-
-
-browser = start_browser()
-js = browser.execute_script
-
-
-def run(*arguments, script=""):
-    """Returns the status."""
-    command = [ICEHOST, "run", "-q", "--html", PAGE, *arguments]
-    return subprocess.run(command, input=script.encode(), capture_output=True,
-                          check=False).returncode
-
-
-def settle():
-    """Waits until what was asked for is drawn."""
-    browser.execute_async_script(
-        "const done = arguments[0]; requestAnimationFrame(() => requestAnimationFrame(() => done()))")
-
-
-def open_page(fragment=""):
-    browser.get("about:blank")
-    browser.get(f"file://{PAGE}{fragment}")
-    settle()
-
-
-def show(*arguments, script=""):
-    """Runs, opens the page and returns the status of the run."""
-    status = run(*arguments, script=script)
-    open_page()
-    return status
-
-
-def texts(selector):
-    return js("return [...document.querySelectorAll(arguments[0])]"
-              ".map((one) => one.textContent)", selector)
-
-
-def table():
-    """The rows of operations, as the texts of their cells."""
-    return js("return [...document.querySelectorAll('#row-list .row')].map("
-              "(row) => [...row.children].map((cell) => cell.textContent))")
-
-
-def picked():
-    """The picked line and operation."""
-    return (texts("#source-list .picked a") + [""])[0], (texts("#row-list .picked.row") + [""])[0]
-
-
-def view():
-    """The first and the last step in sight."""
-    settle()
-    return [int(number) for number in re.findall(r"\d+", texts("#view")[0])[:2]]
-
 
 def operations_of(lines):
     """From the calls: line, values read, whether it is well."""
@@ -116,6 +49,7 @@ def check_against_other_outputs():
         expect(what, [[row[1], re.findall("0x[0-9a-f]+", row[4]), row[6]] for row in table()],
                operations_of(lines))
         messages = "".join(line.get("message", "") for line in lines)
+        js("document.getElementById('messages').click()")
         expect(what, texts(".note:not(.error)"), [one for one in messages.split("\n") if one])
         # The lowest bit is NRST, the first pin.
         steps = ["".join(levels)[::-1] for levels in zip(*waveform("v")[0].values())]
@@ -140,7 +74,7 @@ def check_head_and_failure():
     expect("date", re.sub(r"\d", "9", entries["Started"]), "9999-99-99 99:99:99 UTC")
     expect("plug-in", os.path.basename(entries["Plug-in"]), "libicescript.so")
     expect("version", f"icehost {entries['icehost']}\n", output(ICEHOST, "--version"))
-    expect("notes", texts("#notes li"), ["examples/read_idcode.ini failed"])
+    expect("notes", texts("#notes li"), [])
     expect("what went wrong", picked()[0], "11")
     expect("row", table()[1], ["1", "11", "[READ_IDCODE]", "IR 5: 0x01, DR 32: 0x00000000",
                                "IR 0x01, DR 0x39ca2003", "DR 0x1ce51001/0x0fffffff", "NOT MET"])
@@ -195,12 +129,6 @@ def click_wave(canvas, step):
     """Clicks where a step is drawn."""
     x = js("return wave.x(arguments[0] + 0.5) - wave.width / 2", step)
     ActionChains(browser).move_to_element_with_offset(canvas, x, 0).click().perform()
-    settle()
-
-
-def click(selector, text):
-    js("[...document.querySelectorAll(arguments[0])].find((one) =>"
-       "one.textContent === arguments[1]).closest('.item').click()", selector, text)
     settle()
 
 
@@ -428,8 +356,7 @@ def check_served():
 
 
 def check_narrow():
-    browser.execute_cdp_cmd("Emulation.setDeviceMetricsOverride",
-                            {"width": 400, "height": 800, "deviceScaleFactor": 2, "mobile": False})
+    set_screen(400, ratio=2)
     show("--idcode", "39ca2003", "examples/read_idcode.ini")
     wide = js("return document.documentElement.scrollWidth")
     expect("no wider than the screen", wide <= 400, True)
@@ -441,12 +368,9 @@ def check_narrow():
     expect("sharp", js("const {a, b, c, d, e, f} = wave.context.getTransform(), {canvas} = wave;"
                        "return [canvas.width / canvas.clientWidth, canvas.height / canvas.clientHeight,"
                        "a, b, c, d, e, f]"), [2, 2, 2, 0, 0, 2, 0, 0])
-    dark = {"features": [{"name": "prefers-color-scheme", "value": "dark"}]}
-    browser.execute_cdp_cmd("Emulation.setEmulatedMedia", dark)
-    settle()
+    set_screen(400, "dark")
     expect("dark", js("return wave.colour.bg"), "#0d1117")
-    browser.execute_cdp_cmd("Emulation.setEmulatedMedia", {"features": []})
-    browser.execute_cdp_cmd("Emulation.clearDeviceMetricsOverride", {})
+    set_screen(1280)
 
 
 def check_console():
@@ -458,9 +382,7 @@ def check_console():
     expect("network", blocked, "connect-src")
 
 
-try:
-    run_checks(check_against_other_outputs, check_head_and_failure, check_problems, check_hostile,
-               check_picking, check_moves, check_outline, check_mouse_and_keyboard, check_long,
-               check_interrupted, check_served, check_narrow, check_console)
-finally:
-    browser.quit()
+run_in_browser(
+    check_against_other_outputs, check_head_and_failure, check_problems, check_hostile, check_picking,
+    check_moves, check_outline, check_mouse_and_keyboard, check_long, check_interrupted, check_served,
+    check_narrow, check_console)
