@@ -21,19 +21,18 @@ function columnNeeds() {
   return needs.map((need, column) => need === 0 ? 0 : Math.max(need, COLUMNS[column].length));
 }
 
-// A column of values gives way down to this; the others show all.
-const LEAST_OF_VALUES = 14;
+// Down to these columns give way where there is less room; what is not here always shows all.
+const LEAST = {Operation: 10, Sent: 10, Received: 16, Expected: 16};
 
 function fitRows(style, needs) {
   const tracks = needs.map((need, column) => {
-    if (column < 2 || column > 5) return `${need}ch`;
-    return `minmax(${Math.min(need, LEAST_OF_VALUES)}ch, ${need}ch)`;
+    return `minmax(${Math.min(need, LEAST[COLUMNS[column]] ?? need)}ch, ${need}ch)`;
   });
   style.setProperty("--columns", tracks.filter((_, column) => needs[column] > 0).join(" "));
   style.setProperty("--short-columns", `${needs[0]}ch ${needs[1] > 0 ? `${needs[1]}ch ` : ""}`
     + `minmax(0, 1fr) ${needs[6]}ch`);
-  style.setProperty("--table", `${needs.reduce((sum, need) => sum + need + (need > 0 ? 2 : 0), 0)}ch`);
-  style.setProperty("--note", `${needs[0] + 2 + (needs[1] > 0 ? needs[1] + 2 : 0)}ch`);
+  style.setProperty("--table", `${needs.reduce((sum, need) => sum + need + (need > 0 ? 1.5 : 0), 0)}ch`);
+  style.setProperty("--note", `${needs[0] + 1.5 + (needs[1] > 0 ? needs[1] + 1.5 : 0)}ch`);
   needs.forEach((need, column) => {
     document.getElementById("table").classList.toggle(`without-${column + 1}`, need === 0);
   });

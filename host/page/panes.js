@@ -25,7 +25,7 @@ function textLine(style, text) {
 
 // Long numbers give way at their left end: the right one tells more.
 function foldNumbers(cell) {
-  const parts = cell.textContent.split(/(?<=0x)([0-9a-f]{13,})/);
+  const parts = cell.textContent.split(/(?<=0x)([0-9a-f]{8,})/);
   if (parts.length === 1) return;
   cell.replaceChildren(...parts.map((text, at) => {
     const part = make("span", at % 2 === 1 ? "digits" : "");
