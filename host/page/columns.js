@@ -22,16 +22,17 @@ function columnNeeds() {
 }
 
 // Down to these columns give way where there is less room; what is not here always shows all.
-const LEAST = {Operation: 10, Sent: 10, Received: 16, Expected: 16};
+const LEAST = {Operation: 10, Sent: 10, Received: 22, Expected: 24};
 
 function fitRows(style, needs) {
-  const tracks = needs.map((need, column) => {
-    return `minmax(${Math.min(need, LEAST[COLUMNS[column]] ?? need)}ch, ${need}ch)`;
-  });
+  const least = needs.map((need, column) => Math.min(need, LEAST[COLUMNS[column]] ?? need));
+  const tracks = needs.map((need, column) => `minmax(${least[column]}ch, ${need}ch)`);
+  const width = (widths) => `${widths.reduce((sum, one) => sum + one + (one > 0 ? 1.5 : 0), 0)}ch`;
   style.setProperty("--columns", tracks.filter((_, column) => needs[column] > 0).join(" "));
   style.setProperty("--short-columns", `${needs[0]}ch ${needs[1] > 0 ? `${needs[1]}ch ` : ""}`
     + `minmax(0, 1fr) ${needs[6]}ch`);
-  style.setProperty("--table", `${needs.reduce((sum, need) => sum + need + (need > 0 ? 1.5 : 0), 0)}ch`);
+  style.setProperty("--table", width(needs));
+  style.setProperty("--least", width(least));
   style.setProperty("--note", `${needs[0] + 1.5 + (needs[1] > 0 ? needs[1] + 1.5 : 0)}ch`);
   needs.forEach((need, column) => {
     document.getElementById("table").classList.toggle(`without-${column + 1}`, need === 0);

@@ -16,9 +16,9 @@ function piecesOf(text, most) {
   const whole = visible(text);
   const pieces = [];
   let from = 0;
-  if (most === Infinity) return [whole];
+  if (whole.length <= most && /^[ -~]*$/.test(whole)) return [whole];
   for (let end = endOf(whole, 0, most); end < whole.length; end = endOf(whole, from, most)) {
-    const blank = whole.lastIndexOf(" ", end) + 1;
+    const blank = whole.lastIndexOf(" ", end - 1) + 1;
     const cut = blank > from + (end - from) / 2 ? blank : end;
     pieces.push(whole.slice(from, cut));
     from = cut;
@@ -32,16 +32,22 @@ class Wrapping {
     this.button = button;
     this.list = list;
     this.onChange = onChange;
+    this.on = true;
     this.most = Infinity;  // columns
-    button.onclick = () => this.fit(this.most === Infinity);
-    new ResizeObserver(() => this.fit(this.most !== Infinity)).observe(list.element);
+    button.onclick = () => this.turn(!this.on);
+    new ResizeObserver(() => this.fit()).observe(list.element);
   }
 
-  fit(on) {
-    const most = on ? this.room() : Infinity;
+  turn(on) {
+    this.on = on;
+    this.button.setAttribute("aria-pressed", on);
+    this.fit();
+  }
+
+  fit() {
+    const most = this.on ? this.room() : Infinity;
     if (most === this.most) return;
     this.most = most;
-    this.button.setAttribute("aria-pressed", on);
     this.onChange();
     this.list.revealPicked();
   }

@@ -196,7 +196,8 @@ OUTLINE = "tests/golden/page_outline.txt"
 HELPERS = """
 const canvas = document.getElementById("canvas"), lists = [sourceList.element, rowList.element];
 canvas.style.width = "1064px";
-for (const list of lists) list.style.cssText = "flex: none; height: 200px";
+const headings = document.querySelector(".columns").offsetHeight;
+[0, headings].forEach((more, at) => { lists[at].style.cssText = `flex: none; height: ${200 + more}px`; });
 canvas.setPointerCapture = () => {};
 const event = (x, more) => ({clientX: x + canvas.getBoundingClientRect().left,
   clientY: canvas.getBoundingClientRect().top + 50, bubbles: true, cancelable: true, ...more});

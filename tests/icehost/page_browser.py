@@ -41,16 +41,19 @@ def settle():
         "const done = arguments[0]; requestAnimationFrame(() => requestAnimationFrame(() => done()))")
 
 
-def open_page(fragment=""):
+def open_page(fragment="", wrapped=False):
+    """Without `wrapped` a line of the script is one line of the page."""
     browser.get("about:blank")
     browser.get(f"file://{PAGE}{fragment}")
+    if not wrapped:
+        js("wrapping.turn(false)")
     settle()
 
 
-def show(*arguments, script=""):
+def show(*arguments, script="", wrapped=False):
     """Runs, opens the page and returns the status of the run."""
     status = run(*arguments, script=script)
-    open_page()
+    open_page(wrapped=wrapped)
     return status
 
 
