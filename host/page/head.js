@@ -68,7 +68,7 @@ function showNotes() {
   const note = (style, text) => notes.append(make("li", style, text));
   // The verdict and the summary say already that a script failed.
   const plain = entries.filter((entry) => entry.kind === "error" && entry.line === 0
-    && !(badRows.length > 0 && / failed(: not as expected: .*)?$/.test(entry.text)));
+    && !(badRows.length > 0 && / failed(: .*not as expected.*)?$/.test(entry.text)));
   for (const entry of plain) note("error", entry.text);
   for (const source of data.sources) {
     const left = source.total_marks - source.marks.length;
