@@ -22,6 +22,7 @@
 #include "host/chain/chain.h"
 #include "host/chain/chain_reader.h"
 #include "host/check/check.h"
+#include "host/check/learn.h"
 #include "host/check/plan.h"
 #include "host/pins/pin_writers.h"
 #include "host/pins/recording_port.h"
@@ -331,14 +332,18 @@ void CheckScript(std::string_view bytes) {
   problems.WriteJson(report);
   Check(!problems.HasErrors() || report.str().find(": error: ") != std::string::npos,
         "errors are reported");
-  const icehost::ScriptText learned("learned",
-                                    Learn(script, checked.plan, Read(script, checked.plan)));
+  const icehost::Captures read = Read(script, checked.plan);
+  const icehost::ScriptText learned("learned", Learn(script, checked.plan, read).script);
   if (problems.HasErrors() || !IsWhole(learned)) return;
   const icehost::CheckResult again = icehost::CheckScript(learned);
   Check(!again.problems.HasErrors(), "what is learned is right");
   Check(again.plan.pins.size() == checked.plan.pins.size() &&
             again.plan.jtag.size() == checked.plan.jtag.size(),
         "what is learned changes no operation");
+  for (const icehost::Expectation& learnt : again.plan.expectations) {
+    const auto capture = read.find({learnt.operation, learnt.of});
+    Check(capture == read.end() || IsMet(learnt, capture->second), "what is learned is met");
+  }
 }
 
 // The simulated target, up to so many lines of a script. What is imported reads only while it

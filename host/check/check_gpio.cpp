@@ -14,6 +14,7 @@
 #include "host/check/check.h"
 #include "host/check/gpio_items.h"
 #include "host/check/hints.h"
+#include "host/check/pin_expectation.h"
 #include "host/check/tap_reset.h"
 
 namespace icehost {

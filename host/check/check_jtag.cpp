@@ -9,6 +9,7 @@
 #include "host/check/check.h"
 #include "host/check/ini_sections.h"
 #include "host/check/jtag_values.h"
+#include "host/check/pin_expectation.h"
 #include "host/check/tap_reset.h"
 #include "host/system/interrupt.h"
 #include "host/target/wires.h"
@@ -56,7 +57,7 @@ class JtagOperations {
     if (record == nullptr) {
       ReportNoControl(section);
     } else {
-      Append(section, section.lines[reset ? kReset : kCdi], false);
+      Append({section.lines[reset ? kReset : kCdi], std::string(section.name)});
       if (!reset) two_wires_ = record->operatorType == icescript::JTAG_OP_CDI_2WIRE;
     }
     if (reset) CheckReset(script_.Line(section.lines[kReset]), problems_);
@@ -90,7 +91,8 @@ class JtagOperations {
     const auto record = CheckScan(section, script_.Line(section.lines[kIr]),
                                   script_.Line(section.lines[kDr]), problems_);
     if (record == nullptr) return;
-    Append(section, section.lines[kDr], record->readFlag != 0);
+    Append(
+        {section.lines[kDr], std::string(section.name), record->readFlag != 0, section.lines[kIr]});
     RefuseBeyondTwoWires(section, kIr, record->irBitLength);
     RefuseBeyondTwoWires(section, kDr, record->drBitLength);
     TakeExpectation(section, kIrTdo, record->irBitLength);
@@ -104,9 +106,9 @@ class JtagOperations {
                     "over two wires a register has at most 256 bits: the 33rd byte is lost");
   }
 
-  void Append(const IniSection& section, int line, bool reads) {
+  void Append(JtagOperation operation) {
     if (stopped_) return;
-    plan_.jtag.push_back({line, std::string(section.name), reads});
+    plan_.jtag.push_back(std::move(operation));
     ++plan_.operations;
   }
 

@@ -4,14 +4,11 @@
 
 #include <cstddef>
 #include <map>
-#include <optional>
 #include <string>
-#include <string_view>
 #include <utility>
 #include <vector>
 
 #include "host/check/problems.h"
-#include "host/check/script_text.h"
 
 namespace icehost {
 
@@ -27,6 +24,7 @@ struct JtagOperation {
   int line;  // of the value that says what is done: DR, CDI or RESET
   std::string section;
   bool reads = false;
+  int ir_line = 0;  // of a scan
 };
 
 // A value that is to be read.
@@ -70,25 +68,9 @@ struct Capture {
 // By operation of the plan, and the part of it that was read.
 using Captures = std::map<std::pair<std::size_t, Expectation::Of>, Capture>;
 
-// Returns the script with the values read as the values it expects: for each read, and for each
-// value that it expects already, under the masks that it has. Pins that changed from one run of a
-// line to the next do not count there. Everything else stays as it is.
-std::string Learn(const ScriptText& script, const Plan& plan, const Captures& captures);
-
-// ---- "# expect TDO=1, NRST=1" or "# expect VALUE/MASK" in the comment of a GPIO line
-
-// Reads the expectation of a line that reads the pins. None where there is none, or where it is
-// wrong, which is reported.
-std::optional<Expectation> ReadPinExpectation(const ScriptLine& line, Problems& problems);
-
-// Returns whether any line of a script may have an expectation in its comment.
-bool MentionsExpectation(std::string_view content);
-
-// Reports an expectation on a line that reads nothing.
-void ReportVainExpectation(const ScriptLine& line, Problems& problems);
-
-// Reports an expectation in a comment of a JTAG script, which expects with keys.
-void WarnOfPinExpectation(const ScriptLine& line, Problems& problems);
+// Returns whether every bit that counts is as expected. A bit that was not reported, or that was
+// not the same each time, is not.
+bool IsMet(const Expectation& expectation, const Capture& captured);
 
 }  // namespace icehost
 

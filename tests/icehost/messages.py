@@ -25,7 +25,7 @@ def row_of(text):
 
 
 def compare(manual, found):
-    told = re.search(r"^### Of icehost check\n(.*?)^### ", read(manual), re.M | re.S)[1]
+    told = re.search(r"^### Messages of icehost check\n(.*?)^### ", read(manual), re.M | re.S)[1]
     cells = re.findall(r"^\| `([^`]+)` \| (error \||warning \|)?", told, re.M)
     left = {(kind[:-2], row_of(text)) for text, kind in cells}
     rows = tuple(left)
