@@ -3,7 +3,7 @@
 // data.log tells it in order, by the type of an entry:
 //   a number   the next source begins
 //   an array   an operation: [number, line, begin step, end step, name, sent, received, expected,
-//              verdict], the verdict a place in VERDICTS
+//              wrong, verdict], the verdict a place in VERDICTS
 //   a text     what was printed, of the operation before it; may be a piece of a line
 //   an object  an error: {line, text}; a line of 0 is none
 const data = JSON.parse(document.getElementById("data").textContent);
@@ -50,8 +50,8 @@ function tapSegments(steps) {
 }
 
 function makeRow(entry, source, index) {
-  const [number, line, begin, end, name, sent, received, expected, verdict] = entry;
-  return {index, source, number, line, begin, end, name, sent, received, expected, verdict};
+  const [number, line, begin, end, name, sent, received, expected, wrong, verdict] = entry;
+  return {index, source, number, line, begin, end, name, sent, received, expected, wrong, verdict};
 }
 
 // The log as {rows, entries}: entries are {kind, row, ...} in their order, messages line by line.

@@ -113,6 +113,12 @@ function rowValues(row) {
     .filter(([, text]) => text !== "");
 }
 
+// What the registers of a row do not show.
+function rowRests(row) {
+  return rowValues(row).map(([name, text]) => [name, withoutValues(text)])
+    .filter(([, text]) => text !== "");
+}
+
 function rowItems() {
   const items = [];
   for (const entry of entries) {
@@ -163,7 +169,7 @@ function rowDetails(row) {
   const left = row.end > steps.length ? ", which the waveform leaves out" : "";
   const taken = row.end > row.begin ? `${row.begin} to ${row.end} us${left}`
     : `none of its own, at ${row.begin} us${left}`;
-  return [[`No. ${row.number}`, `${row.name}: ${VERDICTS[row.verdict]}`], ...rowValues(row),
+  return [[`No. ${row.number}`, `${row.name}: ${VERDICTS[row.verdict]}`], ...rowRests(row),
     ...(steps.length > 0 ? [["steps", taken]] : [])];
 }
 
@@ -177,4 +183,5 @@ function showDetail(line, row) {
     const pair = detail.appendChild(make("div"));
     pair.append(make("dt", "", name), make("dd", "", text));
   }
+  if (row !== null) showRegisters(detail, row);
 }
