@@ -1,8 +1,8 @@
 # Makes OUTPUT, a C++ file with the page of FOLDER in it: page.html, where "@FILE@" stands for
 # another file of the folder.
 file(READ ${FOLDER}/page.html page)
-foreach(part page.css register.css model.js register.js list.js bit_view.js panes.js wave_view.js
-             wave.js page.js)
+foreach(part page.css tools.css register.css model.js register.js list.js search.js bit_view.js
+             panes.js wave_view.js wave.js tools.js page.js)
   file(READ ${FOLDER}/${part} text)
   string(REPLACE "@${part}@" "${text}" page "${page}")
 endforeach()

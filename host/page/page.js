@@ -50,6 +50,7 @@ function pick(row, line, from) {
   rowList.pick(row === null ? null : row.index);
   if (wave !== null && from === "wave") wave.row = row;
   else if (wave !== null) wave.showRow(row);
+  showFailureCount();
   const said = from === "address" || from === "start";
   if (line !== null && !said) setAddress(lineHash(line.source, line.line));
 }
@@ -141,7 +142,8 @@ function start() {
   document.querySelector("main").classList.toggle("bare", data.sources.length === 0);
   sourceList.setItems(sourceItems());
   rowList.setItems(rowItems());
-  narrow.addEventListener("change", () => rowList.setItems(rowItems()));
+  narrow.addEventListener("change", showOperations);
+  startTools();
   startWave();
   listenTo(sourceList, (item, clicked) => {
     if (item.line !== undefined) pickLine(item.source, item.line, clicked ? "source" : "keys");
