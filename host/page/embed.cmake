@@ -2,7 +2,7 @@
 # another file of the folder.
 file(READ ${FOLDER}/page.html page)
 foreach(part page.css tools.css register.css model.js register.js list.js search.js bit_view.js
-             panes.js wave_view.js wave.js tools.js page.js)
+             panes.js wave_view.js data_lane.js wave.js tools.js page.js)
   file(READ ${FOLDER}/${part} text)
   string(REPLACE "@${part}@" "${text}" page "${page}")
 endforeach()

@@ -123,6 +123,7 @@ function startWave() {
   document.getElementById("zoom-in").onclick = () => wave.zoomAtCursor(1.5);
   document.getElementById("zoom-out").onclick = () => wave.zoomAtCursor(1 / 1.5);
   document.getElementById("zoom-all").onclick = () => wave.show(0, 0);
+  document.getElementById("zoom-row").onclick = () => wave.zoomToRow(pickedRow);
   matchMedia("(prefers-color-scheme: dark)").addEventListener("change", () => wave.readColours());
 }
 

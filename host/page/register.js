@@ -1,9 +1,9 @@
 // The registers of an operation: what was sent, expected and received, as numbers.
 const KINDS = ["sent", "expected", "received"];
 
-// In a text of a row: "DR 32: 0x00000000", "IR 0x01", "DR 0x1ce51001/0x0fffffff", and "0x20" for the
-// levels of the pins.
-const VALUE = /(?:^|, )(?:([ID]R) )?(?:(\d+): )?(0x[0-9a-f]+)(?:\/(0x[0-9a-f]+))?/g;
+// In a text of a row: "DR 32: 0x00000000", "IR 0x01", "DR 0x1ce51001/0x0fffffff", and "0x20 TDO" for
+// the levels of the pins.
+const VALUE = /(?:^|, )(?:([ID]R) )?(?:(\d+): )?(0x[0-9a-f]+)(?:\/(0x[0-9a-f]+))?(?: [A-Z0][A-Z|]*)?/g;
 
 // By the register: {bits, bytes, value, mask}.
 function valuesOf(text) {
