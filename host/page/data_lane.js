@@ -165,10 +165,17 @@ function textsOfBox(box) {
   return box.texts;
 }
 
-function textsOfRead({row}) {
+// Likewise. The shortest is the level of TDO, unless only other pins count.
+function textsOfRead(read) {
+  const {row} = read;
+  if (read.texts !== undefined) return read.texts;
+  const [pins] = registersOf(row);
   const value = row.received.slice(0, 4);
-  if (row.verdict !== NOT_MET) return [row.received, value];
-  const why = wrongText(registersOf(row)[0]);
-  return why === "" ? [`${row.received}, expected ${row.expected}`, value]
+  const tdo = data.pins.indexOf("TDO");
+  const level = bitAt(pins.mask, tdo) === 1 ? [String(bitAt(pins.values.received, tdo))] : [];
+  const why = wrongText(pins);
+  read.texts = row.verdict !== NOT_MET ? [row.received, value, ...level]
+    : why === "" ? [`${row.received}, expected ${row.expected}`, value]
     : [`${row.received}: ${why}`, why, value];
+  return read.texts;
 }
