@@ -34,7 +34,8 @@ function renderNumbers(block, first, end) {
   line.append(make("span", "kind", "bit"));
   for (let byte = Math.ceil(end / 8) - 1; 8 * byte >= first; --byte) {
     const cell = line.appendChild(make("span", "byte", 8 * byte));
-    cell.style.width = `calc(${Math.min(8, end - 8 * byte)}ch + var(--half))`;
+    const bits = Math.min(8, end - 8 * byte);
+    cell.style.width = `calc(${bits}ch + ${bits > 4 ? "var(--half)" : "0px"})`;
   }
 }
 
@@ -68,15 +69,20 @@ function renderBlock(register, first) {
 }
 
 async function copyText(button, text) {
+  const label = button.getAttribute("aria-label");
+  const say = (done) => {
+    button.textContent = done;
+    button.setAttribute("aria-label", label.replace(/^\w+/, done));
+  };
   try {
     await navigator.clipboard.writeText(text);
-    button.textContent = "copied";
+    say("copied");
   } catch {
     // Where the browser does not let a page write, the reader copies what is selected.
     getSelection().selectAllChildren(button.previousElementSibling);
-    button.textContent = "selected";
+    say("selected");
   }
-  setTimeout(() => { button.textContent = "copy"; }, 1500);
+  setTimeout(() => say("copy"), 1500);
 }
 
 function renderValues(register, kind) {
@@ -87,7 +93,7 @@ function renderValues(register, kind) {
     const value = line.appendChild(make("span", "number"));
     value.append(make("span", "digits", text));
     const button = value.appendChild(make("button", "copy", "copy"));
-    button.setAttribute("aria-label", `Copy ${register.name} ${kind}, ${base}`);
+    button.setAttribute("aria-label", `copy ${register.name} ${kind}, ${base}`);
     button.onclick = () => copyText(button, text);
   }
   return line;

@@ -6,9 +6,8 @@ class DataLane {
   static DENSE = 8;   // marks that are nearer are ticks
   static APART = 3;   // of crosses: of those that are nearer one is drawn
 
-  constructor(wave) {
-    this.wave = wave;
-    this.boxes = scanBoxes(wave.taps);
+  constructor(taps) {
+    this.boxes = scanBoxes(taps);
     this.reads = pinReads();
     this.unmet = [
       ...this.boxes.filter(({wrong}) => wrong),
@@ -16,9 +15,10 @@ class DataLane {
     ].sort((a, b) => a.begin - b.begin);
   }
 
-  draw(y) {
-    const {colour} = this.wave;
-    this.wave.drawBlocks(this.boxes, y, (box) => ({
+  draw(wave, y) {
+    const {colour} = wave;
+    this.wave = wave;
+    wave.drawBlocks(this.boxes, y, (box) => ({
       fill: colour[box.wrong ? "bad-soft" : "block"],
       texts: textsOfBox(box),
       inset: box.wrong ? 2 * DataLane.REACH : 0,

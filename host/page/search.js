@@ -3,6 +3,7 @@
 // The texts of an item in which the search looks: what is drawn, but for numbers and results.
 function searchTexts(item) {
   if (item.kind === "row") return [item.row.name, item.row.sent, item.row.received, item.row.expected];
+  if (item.kind === "line") return [data.sources[item.source].lines[item.line - 1] ?? ""];
   return item.kind === "value" ? [] : [item.text ?? ""];  // a value is found with its row
 }
 

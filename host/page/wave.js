@@ -9,7 +9,7 @@ class Wave extends WaveView {
     super(canvas, onPick);
     this.onMove = onMove;
     this.taps = tapSegments(steps);
-    this.data = new DataLane(this);
+    this.data = new DataLane(this.taps);
     this.badRows = rows.filter((row) => row.verdict >= NOT_MET && row.begin <= steps.length);
     this.readColours();
   }
@@ -36,7 +36,7 @@ class Wave extends WaveView {
     this.drawRow();
     this.drawRuler();
     this.drawRows(Wave.RULER);
-    this.data.draw(Wave.RULER + Wave.LANE);
+    this.data.draw(this, Wave.RULER + Wave.LANE);
     this.drawTaps(Wave.RULER + 2 * Wave.LANE);
     const columns = this.columns();
     const pinY = (pin) => Wave.RULER + (3 + pin) * Wave.LANE;

@@ -6,68 +6,19 @@ usage: page.py ICEHOST SOURCE_FOLDER
 import json
 import os
 import re
-import subprocess
 import sys
 import time
 from difflib import unified_diff
 
-from selenium import webdriver
 from selenium.webdriver.common.action_chains import ActionChains
 from selenium.webdriver.common.keys import Keys
-from selenium.webdriver.chrome.service import Service
 
 sys.path.append(sys.path[0] + "/..")
 from lib import (BACK, ICEHOST, RESET, TO_SHIFT_DR, Serve, expect, failures, output, read,
                  records_of, run_checks, waveform, write)
+from page_browser import PAGE, browser, click, js, open_page, run, settle, show, texts
 from page_drawing import RECORD, Picture, colours_of, drawn
-
-PAGE = os.path.abspath("page.html")
-FLAGS = """--headless=new --no-sandbox --disable-gpu --disable-quic --no-first-run
-    --disable-background-networking --disable-component-update --disable-sync
-    --force-device-scale-factor=1 --window-size=1280,900"""
-
-
-def start_browser():
-    options = webdriver.ChromeOptions()
-    for flag in FLAGS.split() + ["--user-data-dir=" + os.path.abspath("browser")]:
-        options.add_argument(flag)
-    options.set_capability("goog:loggingPrefs", {"browser": "ALL"})
-    return webdriver.Chrome(options=options, service=Service("/usr/bin/chromedriver"))
-
-
-browser = start_browser()
-js = browser.execute_script
-
-
-def run(*arguments, script=""):
-    """Returns the status."""
-    command = [ICEHOST, "run", "-q", "--html", PAGE, *arguments]
-    return subprocess.run(command, input=script.encode(), capture_output=True,
-                          check=False).returncode
-
-
-def settle():
-    """Waits until what was asked for is drawn."""
-    browser.execute_async_script(
-        "const done = arguments[0]; requestAnimationFrame(() => requestAnimationFrame(() => done()))")
-
-
-def open_page(fragment=""):
-    browser.get("about:blank")
-    browser.get(f"file://{PAGE}{fragment}")
-    settle()
-
-
-def show(*arguments, script=""):
-    """Runs, opens the page and returns the status of the run."""
-    status = run(*arguments, script=script)
-    open_page()
-    return status
-
-
-def texts(selector):
-    return js("return [...document.querySelectorAll(arguments[0])]"
-              ".map((one) => one.textContent)", selector)
+from page_tools import check_bits, check_copy, check_failures, check_search
 
 
 def table():
@@ -162,6 +113,10 @@ def check_head_and_failure():
     show("--probe", f"remote-bitbang:{address}", "examples/read_idcode.ini")
     expect("another probe", dict(zip(texts("#entries dt"), texts("#entries dd")))["Probe"],
            f"remote_bitbang at {address}")
+    show("--probe", f"remote-bitbang:{address}", "--keep-going", "-",
+         script="[ZEVA_ICE_GPIO]\nSTART\nPRINT=GPIO_IN # expect TCK=1\nTCK=1\nEND\n")
+    expect("not reported", texts("#failures"), ["1 of 1 failure"])
+    check_drawing("not reported")
 
 
 def check_problems():
@@ -195,12 +150,6 @@ def click_wave(canvas, step):
     """Clicks where a step is drawn."""
     x = js("return wave.x(arguments[0] + 0.5) - wave.width / 2", step)
     ActionChains(browser).move_to_element_with_offset(canvas, x, 0).click().perform()
-    settle()
-
-
-def click(selector, text):
-    js("[...document.querySelectorAll(arguments[0])].find((one) =>"
-       "one.textContent === arguments[1]).closest('.item').click()", selector, text)
     settle()
 
 
@@ -260,6 +209,10 @@ PAGES = {
                 f"[ZEVA_ICE_GPIO]\nSTART\nGPIO_OE=0x1F\n{READ} # expect TCK=1\n\nTCK=1,TMS=1\n"
                 f"TCK=0\nREPT=2\n{READ} # expect TCK=0\nENDR\nEND\n"),
     "short": (["examples/reset_pulse.gpio"], ""),
+    "two wires": (["examples/two_wire.ini", "examples/read_idcode.gpio"], ""),
+    "many reads": (["--keep-going", "-"],
+                   f"[ZEVA_ICE_GPIO]\nSTART\nGPIO_OE=0x1F\nREPT=400\nTCK=1\n{READ} # expect TCK=1\n"
+                   f"TCK=0\n{READ}\nTDI=1\n{READ} # expect TDI=0\nENDR\nEND\n"),
 }
 MOVES = "tests/golden/page_moves.txt"
 OUTLINE = "tests/golden/page_outline.txt"
@@ -277,6 +230,7 @@ window.pointer = (what, x, more) => canvas.dispatchEvent(
 window.wheel = (x, more) => canvas.dispatchEvent(new WheelEvent("wheel", event(x, more)));
 window.key = (key, more, element) => (element ?? canvas).dispatchEvent(
   new KeyboardEvent("keydown", event(0, {key, ...more})));
+window.twice = (x) => canvas.dispatchEvent(new MouseEvent("dblclick", event(x)));
 window.press = (id) => document.getElementById(id).click();
 """
 STATE = """
@@ -388,7 +342,7 @@ def check_long():
             "Cut: the waveform holds the first 100000 of 120002 steps"])
     expect("the end", table()[-1][2:], ["read", "", "0x20 TDO", "0x01/0x01", "NOT MET"])
     expect("elements", len(texts(".item")) < 500, True)
-    expect("past the waveform", (texts("#detail dd")[-1], texts("#readout")),
+    expect("past the waveform", (texts("#detail dd")[-2], texts("#readout")),
            ("none of its own, at 120002 us, which the waveform leaves out", [""]))
     click_wave(browser.find_element("id", "canvas"), 10)
     browser.find_element("id", "zoom-all").click()
@@ -461,6 +415,7 @@ def check_console():
 try:
     run_checks(check_against_other_outputs, check_head_and_failure, check_problems, check_hostile,
                check_picking, check_moves, check_outline, check_mouse_and_keyboard, check_long,
-               check_interrupted, check_served, check_narrow, check_console)
+               check_interrupted, check_served, check_bits, check_copy, check_search, check_failures,
+               check_narrow, check_console)
 finally:
     browser.quit()
