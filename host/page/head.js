@@ -1,5 +1,4 @@
 // What stands above all: the title, the verdict, one line of what a reader needs first, and notes.
-const badRows = rows.filter((row) => row.verdict >= NOT_MET);
 
 function counted(count, what) {
   return `${count} ${what}${count === 1 ? "" : "s"}`;

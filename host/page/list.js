@@ -14,17 +14,24 @@ class List {
     this.inner = element.appendChild(document.createElement("div"));
     this.inner.setAttribute("role", "rowgroup");
     this.items = [];
+    this.shown = new Map();  // index to element
     this.picked = null;
+    this.decorate = null;  // of an element and its index, if set: changes it before it is shown
     element.addEventListener("scroll", () => this.show());
     new ResizeObserver(() => this.show()).observe(element);
   }
 
   setItems(items) {
     this.items = items;
-    this.shown = new Map();  // index to element
-    this.inner.replaceChildren();
     this.inner.style.height = `${items.length * this.height}px`;
     this.element.setAttribute("aria-rowcount", items.length);
+    this.refresh();
+  }
+
+  // Makes the elements anew.
+  refresh() {
+    this.shown.clear();
+    this.inner.replaceChildren();
     this.show();
   }
 
@@ -60,6 +67,7 @@ class List {
     element.setAttribute("role", "row");
     element.setAttribute("aria-rowindex", index + 1);
     this.mark(element, item);
+    this.decorate?.(element, index);
     this.shown.set(index, element);
     this.inner.append(element);
   }

@@ -22,9 +22,10 @@ class Messages {
   }
 
   // Of an entry of the log. What was printed before the first operation, and what happens at a served
-  // target, is in no row.
+  // target, is in no row. A search shows what it finds.
   hides(entry) {
-    return entry.kind === "message" && entry.row?.messages > 0 && !this.isOpen(entry.row);
+    return entry.kind === "message" && entry.row?.messages > 0 && !this.isOpen(entry.row)
+      && !search?.finds(entry.text);
   }
 
   toggle(row) {

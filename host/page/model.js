@@ -3,7 +3,7 @@
 // data.log tells it in order, by the type of an entry:
 //   a number   the next source begins
 //   an array   an operation: [number, line, begin step, end step, name, sent, received, expected,
-//              verdict], the verdict a place in VERDICTS
+//              wrong, verdict], the verdict a place in VERDICTS
 //   a text     what was printed, of the operation before it; may be a piece of a line
 //   an object  an error: {line, text}; a line of 0 is none
 const data = JSON.parse(document.getElementById("data").textContent);
@@ -50,8 +50,8 @@ function tapSegments(steps) {
 }
 
 function makeRow(entry, source, index) {
-  const [number, line, begin, end, name, sent, received, expected, verdict] = entry;
-  return {index, source, number, line, begin, end, name, sent, received, expected, verdict,
+  const [number, line, begin, end, name, sent, received, expected, wrong, verdict] = entry;
+  return {index, source, number, line, begin, end, name, sent, received, expected, wrong, verdict,
     messages: 0, errors: []};
 }
 
@@ -107,6 +107,8 @@ function rowsByLine(rows) {
 const steps = decodeSteps(data.steps);
 const {rows, entries} = readLog(data.log);
 const lineRows = rowsByLine(rows);
+// Those that are not well.
+const badRows = rows.filter((row) => row.verdict >= NOT_MET);
 // Those that are in the waveform, in its order.
 const drawnRows = rows.filter((row) => row.end > row.begin && row.begin < steps.length);
 

@@ -15,6 +15,7 @@ function pick(row, line, from) {
   rowList.pick(row === null ? null : row.index);
   if (wave !== null && from === "wave") wave.row = row;
   else if (wave !== null) wave.showRow(row);
+  showFailureCount();
   const said = from === "address" || from === "start";
   if (line !== null && !said) setAddress(lineHash(line.source, line.line));
 }
@@ -87,26 +88,24 @@ function startWave() {
   document.getElementById("zoom-in").onclick = () => wave.zoomAtCursor(1.5);
   document.getElementById("zoom-out").onclick = () => wave.zoomAtCursor(1 / 1.5);
   document.getElementById("zoom-all").onclick = () => wave.show(0, 0);
+  document.getElementById("zoom-row").onclick = () => wave.zoomToRow(pickedRow);
   matchMedia("(prefers-color-scheme: dark)").addEventListener("change", () => wave.readColours());
 }
 
 // Shows other items of a list, as far down as before.
 function setSourceItems() {
   sourceList.setItems(sourceItems((text) => wrapping.pieces(text)));
-}
-
-function setRowItems() {
-  rowList.setItems(rowItems());
+  findMatches();
 }
 
 function startLists() {
   const button = (id) => document.getElementById(id);
   wrapping = new Wrapping(button("wrap"), sourceList, setSourceItems);
-  messages = new Messages(button("messages"), rowList, setRowItems);
+  messages = new Messages(button("messages"), rowList, showOperations);
   fitColumns();
   setSourceItems();
-  setRowItems();
-  narrow.addEventListener("change", setRowItems);
+  showOperations();
+  narrow.addEventListener("change", showOperations);
   listenTo(sourceList, (item, clicked) => {
     if (item.line !== undefined) pickLine(item.source, item.line, clicked ? "source" : "keys");
   });
@@ -127,6 +126,7 @@ function start() {
   for (const id of ["source", "divider", "source-tab"]) document.getElementById(id).hidden = bare;
   new Divider(document.getElementById("divider"), document.getElementById("source"));
   startLists();
+  startTools();
   startWave();
   startTabs();
   addEventListener("hashchange", openAddress);

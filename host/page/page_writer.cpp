@@ -105,9 +105,9 @@ void PageWriter::AddRow(const PageRow& row) {
   const bool fault = row.verdict >= PageRow::Verdict::kNotMet;
   if (!HasRoom() && !(fault && HasRoomForFault())) return;
   ++rows_;
-  Append(fmt::format("[{},{},{},{},{},{},{},{},{}]", row.number, row.line, row.steps.begin,
+  Append(fmt::format("[{},{},{},{},{},{},{},{},{},{}]", row.number, row.line, row.steps.begin,
                      row.steps.end, PageText(row.name), PageText(row.sent), PageText(row.received),
-                     PageText(row.expected), static_cast<int>(row.verdict)));
+                     PageText(row.expected), PageText(row.wrong), static_cast<int>(row.verdict)));
 }
 
 void PageWriter::AddMessage(std::string_view text) {

@@ -28,7 +28,7 @@ function foldNumbers(cell) {
   const parts = cell.textContent.split(/(?<=0x)([0-9a-f]{8,})/);
   if (parts.length === 1) return;
   cell.replaceChildren(...parts.map((text, at) => {
-    const part = make("span", at % 2 === 1 ? "digits" : "");
+    const part = make("span", at % 2 === 1 ? "tail" : "");
     part.append(at % 2 === 1 ? make("bdi", "", text) : text);
     return part;
   }));
@@ -146,6 +146,12 @@ function rowValues(row) {
     .filter(([, text]) => text !== "");
 }
 
+// What the registers of a row do not show.
+function rowRests(row) {
+  return rowValues(row).map(([name, text]) => [name, withoutValues(text)])
+    .filter(([, text]) => text !== "");
+}
+
 function rowItems() {
   const items = [];
   for (const entry of entries) {
@@ -207,8 +213,9 @@ function rowDetails(row) {
   const left = row.end > steps.length ? ", which the waveform leaves out" : "";
   const taken = row.end > row.begin ? `${row.begin} to ${row.end} us${left}`
     : `none of its own, at ${row.begin} us${left}`;
-  return [[`No. ${row.number}`, `${row.name}: ${VERDICTS[row.verdict]}`], ...rowValues(row),
-    ...row.errors.map((error) => ["error", errorText(error)]),
+  return [[`No. ${row.number}`, `${row.name}: ${VERDICTS[row.verdict]}`], ...rowRests(row),
+    // The registers below show what is wrong in a value.
+    ...(row.wrong === "" ? row.errors.map((error) => ["error", errorText(error)]) : []),
     ...(steps.length > 0 ? [["steps", taken]] : [])];
 }
 
@@ -222,4 +229,5 @@ function showDetail(line, row) {
     const pair = detail.appendChild(make("div"));
     pair.append(make("dt", "", name), make("dd", "", text));
   }
+  if (row !== null) showRegisters(detail, row);
 }

@@ -98,11 +98,14 @@ class Paper {
     this.element.append(make("h2", "", "Waveform"));
     const room = Paper.WIDTH - Wave.LABELS;
     const scale = Math.min(WaveView.MOST_SCALE, Math.max(Paper.LEAST_SCALE, room / steps.length));
+    const height = Wave.RULER + (data.pins.length + 3) * Wave.MOST_LANE;
+    const colour = {...wave.colour, ...Paper.COLOURS};
     for (let from = 0; from < steps.length; from += room / scale) {
-      const context = new SvgContext(Paper.WIDTH, wave.height);
+      const context = new SvgContext(Paper.WIDTH, height);
       // Draws as the waveform on the screen does, but elsewhere.
-      const band = Object.assign(Object.create(wave), {context, width: Paper.WIDTH, from, scale,
-        cursor: null, hover: null, row: null, colour: Paper.COLOURS, drawPlace() {}, onMove() {}});
+      const band = Object.assign(Object.create(wave), {context, colour, height, from, scale,
+        width: Paper.WIDTH, lane: Wave.MOST_LANE, cursor: null, hover: null, row: null,
+        drawPlace() {}, onMove() {}});
       band.draw();
       context.endPath();
       this.element.append(context.picture);

@@ -5,7 +5,7 @@ class SvgContext {
   constructor(width, height) {
     this.picture = this.make("svg", {viewBox: `0 0 ${width} ${height}`});
     this.parent = this.picture;
-    this.fill = null;  // of the rectangles that follow each other
+    this.colour = null;  // of the rectangles that follow each other
     this.path = "";
     this.bounds = null;
   }
@@ -27,14 +27,14 @@ class SvgContext {
   }
 
   fillRect(x, y, width, height) {
-    if (this.fill !== this.fillStyle) this.endPath();
-    this.fill = this.fillStyle;
+    if (this.colour !== this.fillStyle) this.endPath();
+    this.colour = this.fillStyle;
     const short = (number) => Math.round(number * 100) / 100;
     this.path += `M${short(x)} ${short(y)}h${short(width)}v${short(height)}h${short(-width)}z`;
   }
 
   endPath() {
-    if (this.path !== "") this.parent.append(this.make("path", {fill: this.fill, d: this.path}));
+    if (this.path !== "") this.parent.append(this.make("path", {fill: this.colour, d: this.path}));
     this.path = "";
   }
 
@@ -42,6 +42,33 @@ class SvgContext {
     const anchor = SvgContext.ANCHORS[this.textAlign];
     this.add(this.make("text", {x, y, fill: this.fillStyle, "text-anchor": anchor,
       "dominant-baseline": "central"})).textContent = text;
+  }
+
+  beginPath() {
+    this.outline = "";
+  }
+
+  moveTo(x, y) {
+    this.outline += `M${x} ${y}`;
+  }
+
+  lineTo(x, y) {
+    this.outline += `L${x} ${y}`;
+  }
+
+  // A whole circle, whatever the angles.
+  arc(x, y, radius) {
+    const half = `a${radius} ${radius} 0 0 1 `;
+    this.outline += `M${x - radius} ${y}${half}${2 * radius} 0${half}${-2 * radius} 0`;
+  }
+
+  fill() {
+    this.add(this.make("path", {fill: this.fillStyle, d: this.outline}));
+  }
+
+  stroke() {
+    this.add(this.make("path", {fill: "none", stroke: this.strokeStyle, "stroke-width": this.lineWidth,
+      d: this.outline}));
   }
 
   // What follows is cut at the rectangle, until it is restored.
@@ -59,6 +86,4 @@ class SvgContext {
   }
 
   save() {}
-
-  beginPath() {}
 }

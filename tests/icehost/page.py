@@ -19,6 +19,7 @@ from lib import (BACK, ICEHOST, RESET, TO_SHIFT_DR, Serve, expect, failures, out
 from page_browser import (PAGE, browser, click, js, open_page, picked, run, run_in_browser,
                           set_screen, settle, show, table, texts, view)
 from page_drawing import RECORD, Picture, colours_of, drawn
+from page_tools import check_bits, check_copy, check_failures, check_search
 
 def operations_of(lines):
     """From the calls: line, values read, whether it is well."""
@@ -96,6 +97,10 @@ def check_head_and_failure():
     show("--probe", f"remote-bitbang:{address}", "examples/read_idcode.ini")
     expect("another probe", dict(zip(texts("#entries dt"), texts("#entries dd")))["Probe"],
            f"remote_bitbang at {address}")
+    show("--probe", f"remote-bitbang:{address}", "--keep-going", "-",
+         script="[ZEVA_ICE_GPIO]\nSTART\nPRINT=GPIO_IN # expect TCK=1\nTCK=1\nEND\n")
+    expect("not reported", texts("#failures"), ["1 of 1 failure"])
+    check_drawing("not reported")
 
 
 def check_problems():
@@ -188,6 +193,10 @@ PAGES = {
                 f"[ZEVA_ICE_GPIO]\nSTART\nGPIO_OE=0x1F\n{READ} # expect TCK=1\n\nTCK=1,TMS=1\n"
                 f"TCK=0\nREPT=2\n{READ} # expect TCK=0\nENDR\nEND\n"),
     "short": (["examples/reset_pulse.gpio"], ""),
+    "two wires": (["examples/two_wire.ini", "examples/read_idcode.gpio"], ""),
+    "many reads": (["--keep-going", "-"],
+                   f"[ZEVA_ICE_GPIO]\nSTART\nGPIO_OE=0x1F\nREPT=400\nTCK=1\n{READ} # expect TCK=1\n"
+                   f"TCK=0\n{READ}\nTDI=1\n{READ} # expect TDI=0\nENDR\nEND\n"),
 }
 MOVES = "tests/golden/page_moves.txt"
 OUTLINE = "tests/golden/page_outline.txt"
@@ -206,6 +215,7 @@ window.pointer = (what, x, more) => canvas.dispatchEvent(
 window.wheel = (x, more) => canvas.dispatchEvent(new WheelEvent("wheel", event(x, more)));
 window.key = (key, more, element) => (element ?? canvas).dispatchEvent(
   new KeyboardEvent("keydown", event(0, {key, ...more})));
+window.twice = (x) => canvas.dispatchEvent(new MouseEvent("dblclick", event(x)));
 window.press = (id) => document.getElementById(id).click();
 """
 STATE = """
@@ -317,7 +327,7 @@ def check_long():
             "Cut: the waveform holds the first 100000 of 120002 steps"])
     expect("the end", table()[-1][2:], ["read", "", "0x20 TDO", "0x01/0x01", "NOT MET"])
     expect("elements", len(texts(".item")) < 500, True)
-    expect("past the waveform", (texts("#detail dd")[-1], texts("#readout")),
+    expect("past the waveform", (texts("#detail dd")[-2], texts("#readout")),
            ("none of its own, at 120002 us, which the waveform leaves out", [""]))
     click_wave(browser.find_element("id", "canvas"), 10)
     browser.find_element("id", "zoom-all").click()
@@ -386,4 +396,4 @@ def check_console():
 run_in_browser(
     check_against_other_outputs, check_head_and_failure, check_problems, check_hostile, check_picking,
     check_moves, check_outline, check_mouse_and_keyboard, check_long, check_interrupted, check_served,
-    check_narrow, check_console)
+    check_bits, check_copy, check_search, check_failures, check_narrow, check_console)

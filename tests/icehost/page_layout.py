@@ -93,7 +93,7 @@ def check_widths():
                         "(one) => one.offsetParent).map((one) => one.textContent)"),
            ["No.", "Operation", "Sent", "Received", "Result"])
     js("document.querySelectorAll('.row')[1].click()")
-    for selector in ("#row-list .digits bdi", "#detail dd"):
+    for selector in ("#row-list .tail bdi", "#detail dd"):
         at_end = js("""return [...document.querySelectorAll(arguments[0])].filter((one) =>
             /[0-9a-f]{100}$/.test(one.textContent)).map((one) => {
               const range = document.createRange();
