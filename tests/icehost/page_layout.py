@@ -93,7 +93,7 @@ def check_widths():
                         "(one) => one.offsetParent).map((one) => one.textContent)"),
            ["No.", "Operation", "Sent", "Received", "Result"])
     js("document.querySelectorAll('.row')[1].click()")
-    for selector in ("#row-list .tail bdi", "#detail dd"):
+    for selector in ("#row-list .tail bdi", "#detail .values > :nth-child(2) .digits"):
         at_end = js("""return [...document.querySelectorAll(arguments[0])].filter((one) =>
             /[0-9a-f]{100}$/.test(one.textContent)).map((one) => {
               const range = document.createRange();
@@ -189,7 +189,7 @@ def check_small_screen():
         scrolling = js("return [...document.querySelectorAll('*')].filter((one) => one.offsetParent"
                        "&& one.scrollHeight > one.clientHeight + 1 && /auto|scroll/.test("
                        "getComputedStyle(one).overflowY)).map((one) => one.id)")
-        expect(f"{name} scrolls", scrolling, [shown] if name != "Details" else [])
+        expect(f"{name} scrolls", scrolling, [shown])
         expect(f"{name} fits", js("return [document.documentElement.scrollHeight <= innerHeight,"
                                   "document.getElementById('wave').offsetHeight <= innerHeight / 3]"),
                [True, True])

@@ -20,9 +20,10 @@ for (const line of register?.querySelectorAll(".bits:not(.numbers)") ?? []) {
   }
 }
 const straight = [...register.querySelectorAll(".block")].every((block) => {
-  const ends = [...block.children].map((line) => [...line.querySelectorAll(".byte")].map(
-    (byte) => Math.round(byte.getBoundingClientRect().right)).join());
-  return new Set(ends).size === 1 && block.scrollWidth <= block.clientWidth;
+  const [ends, ...others] = [...block.children].map((line) =>
+    [...line.querySelectorAll(".byte")].map((byte) => byte.getBoundingClientRect().right));
+  return others.every((line) => line.length === ends.length &&
+    line.every((end, at) => Math.abs(end - ends[at]) < 1)) && block.scrollWidth <= block.clientWidth;
 });
 const detail = document.getElementById("detail");
 return [lines, straight && detail.scrollWidth <= detail.clientWidth];"""
