@@ -147,6 +147,7 @@ def check_search():
     # What is searched, the number of matches, and parts of those that are shown one after the other.
     for query, count, shown in (
             ("GPIO_data_", 601, reads[:3]),
+            ("examples/read_idcode.ini", 2, ["examples/read_idcode.ini"] * 2),
             ("out tck", 600, [written] * 3),
             ("(begin.*)", 1, ["GPIO_OE=0x1F # (Begin.*)"] * 2),
             ("# 0x1ce51001", 1, ["TDO=0x01,0x10,0xe5,0x1c       # 0x1ce51001"]),
@@ -199,7 +200,8 @@ def check_failures():
             (lambda: browser.find_element("id", "failure-next").click(), 1),
             (lambda: js("pickRow(rows[30])"), None),
             (lambda: press("n"), next(i for i, row in enumerate(fails) if row > 30) + 1),
-            (lambda: press("/", "n"), None), (lambda: press(Keys.ESCAPE, Keys.ESCAPE, "p"), None)):
+            (lambda: press("/", "captured"), 1), (lambda: press(Keys.ESCAPE, "p"), 1),
+            (lambda: press(Keys.BACKSPACE, Keys.ESCAPE, "p"), 600)):
         deed()
         settle()
         if number is not None:
