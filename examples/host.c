@@ -1,6 +1,6 @@
 /* A host for the icescript plug-in: `host PLUGIN SCRIPT` loads the module PLUGIN and runs SCRIPT.
- * Its five link_ functions play a target with an IDCODE (instruction 1) and a scratch register
- * (instruction 2); those of a debug server drive its probe.
+ * Its five link_ functions simulate a target with an IDCODE (instruction 1) and a scratch register
+ * (instruction 2). The functions of a debug server drive its probe.
  *
  *   cc -std=c11 -rdynamic -o host host.c
  */
@@ -10,20 +10,20 @@
 
 /* What the handle points to. */
 struct Probe {
-  int wire_mode; /* a CDI_ANSWER_ */
+  int wire_mode; /* a CDI_ANSWER_ value */
   int ir_bits, dr_bits;
-  const unsigned char *ir, *dr; /* the plug-in's, until link_jtag_execute returns */
-  unsigned instruction;         /* the chip's, kept where a scan has no IR */
+  const unsigned char *ir, *dr; /* valid until link_jtag_execute returns */
+  unsigned instruction;         /* of the chip, kept if a scan has no IR */
   uint32_t scratch;
   int levels, enables; /* GPIO_PIN_ bits */
 };
 
 enum { CAPTURE_START = 2, CAPTURE_BITS = 8 * (JTAG_CAPTURE_BYTES - CAPTURE_START), IR_BITS = 256 };
 
-/* A JTAG script ends without a message: this is all that its user is told. */
+/* A failed call ends a JTAG script without a message, so the host must print the reason. */
 static int Refuse(const char* why) {
   fprintf(stderr, "host: %s\n", why);
-  return -1; /* a failure to all five */
+  return -1; /* means failure for all five */
 }
 
 int link_config(LinkHandle handle, int code, int value) {
@@ -55,7 +55,7 @@ int link_jtag_insert(LinkHandle handle, int ir_bits, unsigned char* ir, int dr_b
 
 int link_jtag_execute(LinkHandle handle, unsigned char* capture) {
   struct Probe* const probe = handle;
-  /* Over two wires, byte 0 of each register is for the probe, and the chip's bits follow. */
+  /* Over two wires, byte 0 of each register is for the probe. The bits of the chip follow. */
   const int first = probe->wire_mode == CDI_ANSWER_2WIRE ? 8 : 0;
   if (probe->ir_bits > first) probe->instruction = probe->ir[first / 8];
   const unsigned instruction = probe->instruction;
@@ -78,7 +78,7 @@ int link_gpio_operator(LinkHandle handle, int out_value, uint32_t* data, int oe_
   return 0;
 }
 
-/* A message may be a piece of a line: it is shown at once, and nothing is added. */
+/* A message may be a piece of a line: print it at once, and add nothing. */
 static int Show(const char* message) {
   fputs(message, stdout);
   return fflush(stdout);

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "host/check/check.h"
+#include "host/check/learn.h"
 #include "host/check/plan.h"
 #include "host/console.h"
 #include "host/events/follower.h"
@@ -326,8 +327,8 @@ ExitStatus Runner::Judge(const Script& script, bool ran) {
 }
 
 ExitStatus Runner::WriteLearned(const Script& script) {
-  const std::string learned = Learn(*script.text, script.plan, follower_.Read());
-  const bool writable = !CheckScript(ScriptText(script.name, learned)).problems.HasErrors();
+  const Learned learned = Learn(*script.text, script.plan, follower_.Read());
+  const bool writable = !CheckScript(ScriptText(script.name, learned.script)).problems.HasErrors();
   if (!writable || follower_.Unread() > 0) {
     events_.Say(fmt::format("{} is not learned: {}", script.path,
                             writable ? "the probe does not tell all that it expects"
@@ -336,7 +337,8 @@ ExitStatus Runner::WriteLearned(const Script& script) {
   }
   // A run that fails leaves the script that was learned before it.
   learned_->Begin();
-  learned_->Stream() << learned;
+  learned_->Stream() << learned.script;
+  for (const Problem& problem : learned.stale.Found()) events_.Warn(problem.place, problem.text);
   return kAllWell;
 }
 

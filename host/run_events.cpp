@@ -119,7 +119,11 @@ void RunEvents::Fail(const std::string& why) {
 
 void RunEvents::Doubt(const std::string& why) {
   if (strict_) throw Unsupported(why);
-  if (!std::exchange(doubted_, true)) SayAt(source_.line, 0, fmt::format("warning: {}", why));
+  if (!std::exchange(doubted_, true)) Warn({source_.line, 0}, why);
+}
+
+void RunEvents::Warn(Place place, const std::string& why) {
+  SayAt(place.line, place.column, "warning: " + why);
 }
 
 void RunEvents::SayAt(int line, int column, const std::string& what) {

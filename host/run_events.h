@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "host/check/problems.h"
 #include "host/console.h"
 #include "host/events/events.h"
 #include "host/pins/recording_port.h"
@@ -60,6 +61,8 @@ class RunEvents : public StepRecorder {
   // Why the scan of the call under way may have reached no TAP: a warning, once in each script.
   // Throws Unsupported if doubts are failures.
   void Doubt(const std::string& why);
+  // Warns of something at a place of the script; a column of 0 means its whole line.
+  void Warn(Place place, const std::string& why);
   // Reports something about the script or the run.
   void Say(const std::string& what);
   // Reports something that --quiet hides from the console.

@@ -1,4 +1,4 @@
-// What is wrong with a JTAG script.
+// Checks JTAG scripts.
 #include <fmt/format.h>
 
 #include <memory>
@@ -9,6 +9,7 @@
 #include "host/check/check.h"
 #include "host/check/ini_sections.h"
 #include "host/check/jtag_values.h"
+#include "host/check/pin_expectation.h"
 #include "host/check/tap_reset.h"
 #include "host/system/interrupt.h"
 #include "host/target/wires.h"
@@ -21,14 +22,14 @@ using icescript::CIniFile;
 using icescript::CString;
 using icescript::JtagScr;
 
-// The operations of a script, in order.
+// Reads the sections of a script one by one and plans its operations.
 class JtagOperations {
  public:
   JtagOperations(const ScriptText& script, CheckResult& result)
       : script_(script), problems_(result.problems), plan_(result.plan) {}
 
   void Take(const IniSection& section) {
-    // A store for each section: in one of them all, each lookup would walk through all.
+    // Each section has its own store: a lookup in a common one would walk through all sections.
     CIniFile ini;
     Fill(ini, section);
     if (section.name == "CONTROL") {
@@ -56,7 +57,7 @@ class JtagOperations {
     if (record == nullptr) {
       ReportNoControl(section);
     } else {
-      Append(section, section.lines[reset ? kReset : kCdi], false);
+      Append({section.lines[reset ? kReset : kCdi], std::string(section.name)});
       if (!reset) two_wires_ = record->operatorType == icescript::JTAG_OP_CDI_2WIRE;
     }
     if (reset) CheckReset(script_.Line(section.lines[kReset]), problems_);
@@ -90,7 +91,8 @@ class JtagOperations {
     const auto record = CheckScan(section, script_.Line(section.lines[kIr]),
                                   script_.Line(section.lines[kDr]), problems_);
     if (record == nullptr) return;
-    Append(section, section.lines[kDr], record->readFlag != 0);
+    Append(
+        {section.lines[kDr], std::string(section.name), record->readFlag != 0, section.lines[kIr]});
     RefuseBeyondTwoWires(section, kIr, record->irBitLength);
     RefuseBeyondTwoWires(section, kDr, record->drBitLength);
     TakeExpectation(section, kIrTdo, record->irBitLength);
@@ -104,9 +106,9 @@ class JtagOperations {
                     "over two wires a register has at most 256 bits: the 33rd byte is lost");
   }
 
-  void Append(const IniSection& section, int line, bool reads) {
+  void Append(JtagOperation operation) {
     if (stopped_) return;
-    plan_.jtag.push_back({line, std::string(section.name), reads});
+    plan_.jtag.push_back(std::move(operation));
     ++plan_.operations;
   }
 
@@ -117,7 +119,7 @@ class JtagOperations {
     plan_.expectations.push_back(std::move(*expectation));
   }
 
-  // A section without IR or DR, or with an empty one.
+  // Reports that IR or DR is missing in a section, or empty.
   void ReportMissing(const IniSection& section, std::size_t key, const std::string& message) {
     problems_.Error(
         section.first,
@@ -130,9 +132,9 @@ class JtagOperations {
   const ScriptText& script_;
   Problems& problems_;
   Plan& plan_;
-  bool two_wires_ = false;  // the script has selected them
-  bool stopped_ = false;    // the plug-in has read its last section
-  std::string message_;     // of the last failed lookup in the plug-in's one store
+  bool two_wires_ = false;  // the script has selected two wires
+  bool stopped_ = false;    // the plug-in runs no later sections
+  std::string message_;     // of the last failed lookup; the plug-in has one store for all sections
 };
 
 }  // namespace

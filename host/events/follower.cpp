@@ -16,16 +16,6 @@ namespace {
 // How many wrong bits, or ranges of them, a message names.
 constexpr std::size_t kMostNamed = 4;
 
-// Returns whether every bit that counts is as expected. A bit that the probe did not report is not.
-bool IsMet(const Expectation& expectation, const Capture& captured) {
-  if (captured.value.size() < expectation.value.size()) return false;
-  for (std::size_t i = 0; i < expectation.value.size(); ++i) {
-    const int other = (captured.value[i] ^ expectation.value[i]) | ~captured.steady[i];
-    if ((other & expectation.mask[i]) != 0) return false;
-  }
-  return true;
-}
-
 // The bits of the captured value that are not as expected, counted from the least significant.
 std::vector<std::size_t> WrongBits(const Expectation& expectation, const Capture& captured) {
   std::vector<std::size_t> bits;

@@ -1,0 +1,47 @@
+// Reads "# expect TDO=1, NRST=1" or "# expect VALUE/MASK" in the comment of a GPIO line.
+#ifndef ICESCRIPT_HOST_CHECK_PIN_EXPECTATION_H_
+#define ICESCRIPT_HOST_CHECK_PIN_EXPECTATION_H_
+
+#include <optional>
+#include <string_view>
+
+#include "host/check/plan.h"
+#include "host/check/problems.h"
+#include "host/check/script_text.h"
+
+namespace icehost {
+
+// Returns the text without spaces, tabs and carriage returns at its ends.
+std::string_view TrimWhitespace(std::string_view text);
+// Returns the comment of a line, from its "#" to the end; empty if the line has none.
+std::string_view CommentOf(const ScriptLine& line);
+// Returns the part of a comment that begins with the word "expect" and ends before the next "#";
+// empty if there is none.
+std::string_view FindExpect(std::string_view comment);
+// Returns the levels after the word "expect", as text.
+std::string_view LevelsIn(std::string_view expect);
+
+// The level of one pin in "NAME=LEVEL, ...".
+struct PinLevel {
+  unsigned pin;       // the index of its bit
+  const char* level;  // points to '0' or '1' in the text
+};
+// Reads "NAME=LEVEL" with blanks around its parts; returns nothing for any other text.
+std::optional<PinLevel> ReadPinLevel(std::string_view item);
+
+// Reads the expectation of a line that reads the pins. Returns nothing if the line has none. If the
+// expectation is wrong, reports it and returns nothing.
+std::optional<Expectation> ReadPinExpectation(const ScriptLine& line, Problems& problems);
+
+// Returns whether any comment of a script may contain an expectation.
+bool MentionsExpectation(std::string_view content);
+
+// Reports an expectation on a line that reads nothing.
+void ReportVainExpectation(const ScriptLine& line, Problems& problems);
+
+// Warns of a pin expectation in a JTAG script, where TDO and MASK state what is expected.
+void WarnOfPinExpectation(const ScriptLine& line, Problems& problems);
+
+}  // namespace icehost
+
+#endif  // ICESCRIPT_HOST_CHECK_PIN_EXPECTATION_H_
