@@ -28,8 +28,8 @@ CString& CString::operator+(const char* s) {
   return *this;
 }
 
-// In the accesses below a negative int becomes a size_t beyond any length, which std::string
-// refuses as a position and takes as "the rest" as a count.
+// In the functions below a negative int becomes a size_t that is larger than any length. As a
+// position std::string rejects it; as a count it means "the rest".
 
 char CString::GetAt(int i) const {
   return text.at(static_cast<std::size_t>(i));

@@ -8,69 +8,68 @@
 
 namespace icescript {
 
-// A text of bytes (any value, NUL too), with operations that in places do other than their names
-// suggest. The readers and parsers are written against exactly this behaviour:
+// A string of any bytes, NUL included. Some operations do not do what their names suggest, and the
+// readers and parsers depend on exactly this behaviour:
 //  - operator+ appends in place;
-//  - TrimRight never removes the first byte, TrimLeft has no such floor;
-//  - the buffer of GetBuffer is a detached copy that only ReleaseBuffer frees: not the destructor,
-//    and copies of the object share the pointer.
+//  - TrimLeft removes every leading `ch`, TrimRight every trailing `ch` except the first byte;
+//  - GetBuffer returns a separate copy that only ReleaseBuffer frees: the destructor does not, and
+//    copies of the object share the pointer.
 //
-// Positions and lengths are bytes, as signed 32-bit integers. A null `const char*` or `char*`
-// counts as the empty text. Raises what std::string raises: std::length_error, std::bad_alloc, and
-// std::out_of_range where stated.
+// Positions and lengths count bytes. A null `const char*` or `char*` is the same as an empty text.
+// Any operation may throw std::length_error or std::bad_alloc, as std::string does. Only the
+// functions marked below throw std::out_of_range.
 class CString {
  public:
   CString() = default;
   CString(const char* s) : text(NotNull(s)) {}
-  CString(char ch);  // a NUL gives the empty text
+  CString(char ch);  // an empty text if ch is NUL
   CString(std::string s) : text(std::move(s)) {}
   explicit CString(std::string_view s) : text(s) {}
 
   std::string GetString() const { return text; }
-  // The text itself, without a copy; valid until the object changes.
+  // Returns the text without copying it. The reference is valid until the object changes.
   const std::string& Text() const { return text; }
 
   CString& operator=(char* s);
   CString& operator=(std::string s);
-  // Appends to this object itself and returns it.
+  // Appends to this object and returns it.
   CString& operator+(const char* s);
 
-  // Byte by byte, case-sensitive.
+  // Compare byte by byte, case-sensitive.
   bool operator==(const char* s) const { return text == std::string_view(NotNull(s)); }
   bool operator!=(const char* s) const { return !(*this == s); }
 
-  // Unchecked: 0 <= i < length is the caller's to ensure.
+  // Does not check the position: the caller ensures 0 <= i < length.
   char& operator[](int i) { return text[static_cast<std::size_t>(i)]; }
 
   int GetLength() const { return static_cast<int>(text.size()); }
   int GetSize() const { return GetLength(); }
-  // Raises std::out_of_range unless 0 <= i < length.
+  // Throws std::out_of_range unless 0 <= i < length.
   char GetAt(int i) const;
-  // Position of the first `ch`, or -1.
+  // Returns the position of the first `ch`, or -1.
   int Find(char ch) const;
 
-  // At most `count` bytes from `start`; a negative count takes the rest. Raises std::out_of_range
-  // unless 0 <= start <= length.
+  // Returns at most `count` bytes from `start` on, or all of them if `count` is negative. Throws
+  // std::out_of_range unless 0 <= start <= length.
   CString Mid(int start, int count) const;
-  // The first n bytes; the whole text when n is negative or above the length.
+  // Returns the first n bytes, or the whole text if n is negative or above the length.
   CString Left(int n) const;
-  // The last n bytes. Raises std::out_of_range unless 0 <= n <= length.
+  // Returns the last n bytes. Throws std::out_of_range unless 0 <= n <= length.
   CString Right(int n) const;
 
   void TrimLeft(char ch = ' ');
   void TrimRight(char ch = ' ');
 
-  // An upper-cased copy ('a' to 'z' only); this object keeps its text.
+  // Returns a copy with 'a' to 'z' in upper case. This object does not change.
   std::string MakeUpper() const;
-  // Sets the text to "JTAG" and n in decimal. The first argument is ignored.
+  // Sets the text to "JTAG" followed by n in decimal. Ignores the first argument.
   void Format(CString fmt, int n);
 
-  // A new block with the whole text and its NUL, at least n + 1 bytes, the rest zero. The caller
-  // frees it with ReleaseBuffer, on this object or a copy; an earlier block is forgotten, not
-  // freed.
+  // Returns a new block of at least n + 1 bytes: the whole text, a NUL, and zeros. The caller frees
+  // it with ReleaseBuffer of this object or of a copy. An earlier block is not freed.
   char* GetBuffer(int n);
   char* GetBuffer() { return GetBuffer(GetLength()); }
-  // Frees the block of the last GetBuffer, once; the text is not touched.
+  // Frees the block of the last GetBuffer. Must not be called twice for one block.
   void ReleaseBuffer() { delete[] buffer; }
 
  private:

@@ -6,8 +6,8 @@
 
 namespace icescript {
 
-// Walks them without copying. A text has one field more than separators: an empty text has one, and
-// so has one after a separator at its end.
+// Iterates over the fields without copying them. A text has one field more than it has separators:
+// an empty text has one empty field, and a separator at the end has an empty field after it.
 class FieldCursor {
  public:
   // The text must outlive the cursor.
@@ -15,9 +15,9 @@ class FieldCursor {
 
   bool HasNext() const { return has_next_; }
 
-  // The next field as it stands, blanks included. There must be one.
+  // Returns the next field, with its blanks. Call it only if HasNext().
   std::string_view Next() {
-    std::size_t size = 0;  // by a loop: fields are short, and string_view::find is a call
+    std::size_t size = 0;  // a loop is faster than string_view::find: fields are short
     while (size < rest_.size() && rest_[size] != separator_) ++size;
     const std::string_view field(rest_.data(), size);
     has_next_ = size < rest_.size();

@@ -10,8 +10,8 @@
 namespace icescript {
 namespace {
 
-// A word of up to eight characters, folded to upper case, as one number, so that a switch can tell
-// words apart; 0 for a longer one. No line holds the NUL that could make two words one.
+// Returns a word of up to eight characters, in upper case, as one number that a switch can test, or
+// 0 for a longer word. Lines contain no NUL, so that different words give different numbers.
 constexpr std::uint64_t Word(std::string_view text) {
   std::uint64_t word = 0;
   if (text.size() > sizeof word) return word;
@@ -19,8 +19,8 @@ constexpr std::uint64_t Word(std::string_view text) {
   return word;
 }
 
-// Base 16 after "0x", base 10 otherwise; "0X" starts no hexadecimal number. Most values are one
-// digit, or a word, which has none to begin with. `value` is not empty.
+// Returns the number that `value`, which is not empty, begins with: hexadecimal after "0x" (not
+// "0X"), else decimal. The first two tests handle most values: a single digit, or a word.
 int ItemNumber(std::string_view value) {
   const char first = value.front();
   if (value.size() == 1 && first >= '0' && first <= '9') return first - '0';
@@ -33,7 +33,7 @@ int ItemNumber(std::string_view value) {
 GpioItem::GpioItem(std::string_view text) {
   FieldCursor parts(text, '=');
   const std::string_view before = parts.Next();
-  // "=x" has no key to cut off: the whole item is the key then.
+  // Without a key, as in "=x", the whole item is the key.
   key = TrimBlanks(before.empty() ? text : before);
   value = TrimBlanks(parts.HasNext() ? text.substr(before.size() + 1) : text);
 }
@@ -90,7 +90,7 @@ GpioLineParser::Result GpioLineParser::SetPin(int bit) {
   } else {
     element_.out_value &= GPIO_PIN_ALL & ~bit;  // clears the bits above the pins as well
   }
-  // Deliberate: releasing the reset forgets what the line asked for before.
+  // Deliberate: releasing the reset drops the flags that the line has set before.
   if (bit == GPIO_PIN_NRST && number_ == 1) element_.flags = 0;
   element_.flags |= GPIO_FLAG_WRITE_OUT;
   return Result::kLine;

@@ -1,4 +1,4 @@
-// One line of a GPIO script after START.
+// The parser for the lines of a GPIO script after START.
 #ifndef ICESCRIPT_BASE_GPIO_LINE_PARSER_H_
 #define ICESCRIPT_BASE_GPIO_LINE_PARSER_H_
 
@@ -8,7 +8,8 @@
 
 namespace icescript {
 
-// One item of a line: KEY=VALUE, or a lone word that is both key and value. Both trimmed.
+// One item of a line: KEY=VALUE, or a single word, which is then both key and value. Both are
+// trimmed views of the text.
 struct GpioItem {
   explicit GpioItem(std::string_view text);
 
@@ -16,18 +17,19 @@ struct GpioItem {
   std::string_view value;
 };
 
-// Turns lines into table elements, one a line. One parser serves a whole file: an empty value takes
-// the number of the last item that had one, in whatever line.
+// Turns each line into one table element. One parser must read the whole file: an item with an
+// empty value gets the number of the last item that had a value, even from an earlier line.
 class GpioLineParser {
  public:
   enum class Result { kLine, kEnd, kSyntaxError, kBadWord };
 
-  // Parses a line whose pin state starts as `previous` left it. Afterwards Element() is the line's
-  // element (kLine, kEnd) or BadItem() the item that was refused (kSyntaxError, kBadWord).
+  // Parses a line, which starts with the pin state of `previous`. If the result is kLine, or kEnd
+  // (the line has END), Element() is the element of the line. If it is kSyntaxError, or kBadWord
+  // (GPIO_OUT or GPIO_OE is -1), BadItem() is the wrong item.
   Result Parse(std::string_view line, const CIniFile::gpio_element& previous);
 
   const CIniFile::gpio_element& Element() const { return element_; }
-  // As it stands between the commas, blanks included.
+  // The text between the commas, with its blanks; a view of the parsed line.
   std::string_view BadItem() const { return item_; }
 
  private:
@@ -40,7 +42,7 @@ class GpioLineParser {
   CIniFile::gpio_element element_{};
   bool alone_ = false;  // the line has one item
   std::string_view item_;
-  int number_ = -1;  // of the last item that had a value
+  int number_ = -1;  // the number of the last item that had a value
 };
 
 }  // namespace icescript

@@ -12,12 +12,12 @@
 namespace icescript {
 namespace {
 
-// Walks the lines of a file that are not blank.
+// Iterates over the lines of a file that are not blank.
 class LineCursor {
  public:
   explicit LineCursor(LineReader& lines) : lines_(lines) {}
 
-  // Goes to the next line that is not blank; false when the file has no more.
+  // Goes to the next line that is not blank. Returns false if there is none.
   bool Next() {
     do {
       if (!lines_.Next()) return false;
@@ -28,13 +28,13 @@ class LineCursor {
   }
 
   std::string_view Text() const { return text_; }
-  // From 1, blank lines counted.
+  // The number of the line in the file, from 1.
   int Number() const { return static_cast<int>(number_); }
 
  private:
   LineReader& lines_;
   std::string_view text_;
-  std::uint32_t number_ = 0;  // unsigned: a file may have more lines than an int counts
+  std::uint32_t number_ = 0;  // unsigned: a file may have more lines than INT_MAX
 };
 
 }  // namespace

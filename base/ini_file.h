@@ -1,4 +1,4 @@
-// CIniFile: one script file, read either as an INI file (JTAG scripts) or as a GPIO script.
+// CIniFile: reads one script file, either as an INI file (JTAG scripts) or as a GPIO script.
 #ifndef ICESCRIPT_BASE_INI_FILE_H_
 #define ICESCRIPT_BASE_INI_FILE_H_
 
@@ -15,7 +15,7 @@ namespace icescript {
 class LineReader;
 
 constexpr int ERROR_MSG_SIZE = 1024;
-// Capacity of the line reader, the terminating NUL included.
+// The size of the line buffer, with the NUL: a line of so many bytes or more ends the reading.
 constexpr int INI_LINE_BUFFER = 2048;
 
 // Results of CIniFile::ReadGpioFile.
@@ -24,34 +24,33 @@ constexpr int GPIO_READ_SYNTAX_ERROR = -1;
 constexpr int GPIO_READ_NOT_GPIO = -5;
 constexpr int GPIO_READ_OPEN_FAILED = -10;
 
-// gpio_element::kind and GpioOperatorData::kind.
+// Values of gpio_element::kind and GpioOperatorData::kind.
 constexpr int GPIO_KIND_PIN = 0;
 constexpr int GPIO_KIND_REPT = 1;
 constexpr int GPIO_KIND_ENDR = 2;
 
-// The fields of a gpio_element, as CIniFile::GetGpioValue numbers them.
+// Numbers of the fields of a gpio_element, for CIniFile::GetGpioValue.
 constexpr int GPIO_FIELD_OUT_VALUE = 0;
 constexpr int GPIO_FIELD_OE_MASK = 1;
 constexpr int GPIO_FIELD_FLAGS = 2;
 constexpr int GPIO_FIELD_KIND = 3;
 constexpr int GPIO_FIELD_REPEAT_COUNT = 4;
 
-// Made for one reading of one file, used by one thread. Holds the INI store (sections with their
-// values, both in order of first assignment) and the table of GPIO lines. Copies of text go in and
-// out by value.
+// Made to read one file once, on one thread. Contains the INI store (sections and their values,
+// both in order of first assignment) and the table of GPIO lines. Texts are passed by value.
 //
-// Failures answer with -1, false or an empty text; those of GetValue, GetGpioValue and the readers
-// leave a message in error_msg, cut at 1023 bytes, which nothing but construction clears. Only
-// memory exhaustion raises an exception.
+// A function that fails returns -1, false or an empty text. GetValue, GetGpioValue and the readers
+// then also write a message, cut at 1023 bytes, to error_msg. Nothing clears error_msg. Exceptions
+// are thrown only if there is not enough memory.
 class CIniFile {
  public:
-  // One line of a GPIO script: the pin state after it, and what it asks for.
+  // One line of a GPIO script: the pin state after it, and its operation.
   struct gpio_element {
-    int out_value;
-    int oe_mask;
-    int flags;
-    int kind;
-    int repeat_count;  // 1 or more on a REPT line, else 0
+    int out_value;     // output levels, GPIO_PIN_ bits
+    int oe_mask;       // output enables, GPIO_PIN_ bits
+    int flags;         // GPIO_FLAG_ bits
+    int kind;          // GPIO_KIND_
+    int repeat_count;  // 1 or more for REPT, else 0
   };
 
   CIniFile() = default;
@@ -60,42 +59,42 @@ class CIniFile {
   virtual ~CIniFile() = default;
 
   void SetPath(CString file_path) { path = std::move(file_path); }
-  // Deliberately does nothing; a second reading adds to the first.
+  // Deliberately does nothing: a second reading adds to the first.
   void Reset() {}
 
-  // ---- The INI store. Names compare byte by byte up to a NUL, case-sensitive and untrimmed.
-  // Every lookup is a linear scan.
+  // ---- The INI store. A "key" is a section. Names are compared byte by byte up to a NUL,
+  // case-sensitive and untrimmed. Every lookup is a linear search.
 
-  // Number of sections.
+  // Returns the number of sections.
   int GetNumKeys() const { return static_cast<int>(keys.size()); }
-  // Name of section keyID; empty when there is no such section.
+  // Returns the name of section keyID, or an empty text if there is no such section.
   CString GetKeyName(int keyID) const;
-  // Index of a section, or -1.
+  // Returns the index of a section, or -1.
   int FindKey(CString keyname) const;
-  // Number of values in a section, or -1 when there is no such section.
+  // Returns the number of values in a section, or -1 if there is no such section.
   int GetNumValues(CString keyname) const;
-  // Index of a value in section keyID, or -1 when there is no such section or value.
+  // Returns the index of a value in section keyID, or -1 if there is no such section or value.
   int FindValue(int keyID, CString valuename) const;
-  // A value's text. Empty when it is empty, and, with a message, when it is missing.
+  // Return the text of a value, or an empty text and a message if section or value is missing.
   CString GetValue(CString keyname, CString valuename);
   CString GetValue(int keyID, CString valuename);
-  // Stores a value, with `create` making section and value where they are missing; false when one
-  // is missing and `create` is false.
+  // Stores a value and returns true. If section or value is missing, adds it if `create` is true;
+  // otherwise stores nothing and returns false.
   bool SetValue(CString keyname, CString valuename, CString value, bool create);
 
   // ---- Readers
 
-  // Reads the file as INI text into the store. False when it cannot be opened or a line is neither
-  // header nor value; values stored before that line stay. A line of INI_LINE_BUFFER characters or
-  // more ends the reading like the end of the file.
+  // Reads the file as INI text into the store. Returns false if it cannot be opened, or at the
+  // first line that is neither header nor value; earlier values stay in the store. A line of
+  // INI_LINE_BUFFER bytes or more ends the reading like the end of the file.
   bool ReadFile();
 
-  // Reads the file as a GPIO script into the table of lines. Returns a GPIO_READ_ status;
-  // GPIO_READ_NOT_GPIO leaves error_msg as it was. Lines read before a failure stay in the table.
+  // Reads the file as a GPIO script into the table of lines, and returns a GPIO_READ_ status.
+  // There is no message for GPIO_READ_NOT_GPIO. Lines before a failure stay in the table.
   int ReadGpioFile();
-  // Number of lines in the table.
+  // Returns the number of lines in the table.
   unsigned long GetGpioNum() const { return gpio_elements.size(); }
-  // Field `field` (GPIO_FIELD_) of line `index`; -1 with a message when there is none.
+  // Returns field `field` (GPIO_FIELD_) of line `index`, or -1 and a message if there is none.
   int GetGpioValue(int index, int field) {
     const auto at = static_cast<std::size_t>(index);  // a negative index is beyond any table
     if (at >= gpio_elements.size()) return RefuseGpioValue("internal error: fail to get valule.");
@@ -116,26 +115,24 @@ class CIniFile {
     }
   }
 
-  // Reads one line without its comment ("#" to the end) and trailing spaces. The line was read
-  // unless the stream's fail or bad state is set: end of file, or a line of INI_LINE_BUFFER
-  // characters or more.
+  // Reads one line and drops its comment ("#" to the end) and trailing spaces. At the end of the
+  // stream, or if the line has INI_LINE_BUFFER bytes or more, sets the stream's fail state.
   static std::istream& getline(std::istream& is, CString& str);
 
-  // Cuts `str` at every `separator` into a new array of `count` fields, empty ones included; the
-  // caller frees it with delete[]. Without a separator returns null, with `count` 1.
+  // Splits `str` at every `separator` and returns a new array of `count` fields, which the caller
+  // frees with delete[]. Without a separator in `str` returns null and sets `count` to 1.
   static CString* SplitString(CString str, char separator, int& count);
 
  private:
-  // One section. values holds one spare empty entry at its end as soon as there is a value;
-  // value_names is the true count.
+  // One section. If it has values, `values` has one empty entry more than `value_names`.
   struct key {
     std::vector<CString> values;
     std::vector<CString> value_names;
   };
 
-  // Index of the section with this name, up to its first NUL, or -1.
+  // Returns the index of the section whose name is `name` up to its first NUL, or -1.
   int FindSection(std::string_view name) const;
-  // Whether the file at `path` could be opened; leaves a message when it could not.
+  // Returns whether `lines` has opened its file, and writes a message if it has not.
   bool IsReadable(const LineReader& lines);
   int RefuseGpioValue(const char* message);
 
@@ -143,8 +140,8 @@ class CIniFile {
   std::vector<gpio_element> gpio_elements;
   std::vector<key> keys;
   std::vector<CString> key_names;  // key_names[i] names keys[i]
-  // key_tails[i] is the end of key_names[i] as one number, so that a lookup compares several names
-  // at a time. It may have an entry more than key_names after an allocation failed.
+  // key_tails[i] is the end of key_names[i] as one number: a lookup compares several of them at a
+  // time. It may have one entry more than key_names after a failed allocation.
   std::vector<wchar_t> key_tails;
 
  public:

@@ -11,13 +11,13 @@
 namespace icescript {
 namespace {
 
-// Position of `name` among `names`, or -1. Both up to the first NUL, as C strings compare: a name
-// given through SetValue may hold one. Names are unique, so the newest may come first: values
-// follow each other section by section.
+// Returns the position of `name` in `names`, or -1. A name in `names` may contain a NUL (through
+// SetValue): only the part before it counts, as in a C string. These parts are unique, so the
+// search may begin with the newest name.
 int FindName(const std::vector<CString>& names, std::string_view name) {
-  // One byte tells most names apart: the last, since those of a long script tend to be numbered. Of
-  // a name that is too short it is the NUL behind it, so that lengths, which may follow no pattern,
-  // are not branched on.
+  // Most names differ in the last byte, because names in long scripts tend to be numbered. If the
+  // candidate is shorter, its NUL is compared instead: no branch depends on the lengths, which may
+  // follow no pattern.
   const std::size_t tell = name.empty() ? 0 : name.size() - 1;
   const char last = name.empty() ? '\0' : name.back();
   const auto found = std::find_if(names.rbegin(), names.rend(), [=](const CString& candidate) {
@@ -29,8 +29,8 @@ int FindName(const std::vector<CString>& names, std::string_view name) {
   return static_cast<int>(names.rend() - found) - 1;
 }
 
-// The last four bytes of a name as one number, padded with zeros. They tell most names apart, since
-// those of a long script tend to be numbered.
+// Returns the last four bytes of a name as one number, padded with zeros. Most names differ in
+// them, because names in long scripts tend to be numbered.
 wchar_t TailOf(std::string_view name) {
   wchar_t tail = 0;
   static_assert(sizeof tail == 4);
@@ -50,7 +50,7 @@ int CIniFile::FindSection(std::string_view name) const {
     return key_tails[index] == tail && key_names[index].Text().c_str() == name;
   };
   const std::size_t size = key_names.size();
-  // Values follow each other section by section, so that it is the newest as a rule.
+  // Usually it is the newest section: values are stored section by section.
   if (size > 0 && is_at(size - 1)) return static_cast<int>(size) - 1;
   const wchar_t* const begin = key_tails.data();
   for (const wchar_t* at = begin; size > 0; ++at) {
@@ -61,8 +61,8 @@ int CIniFile::FindSection(std::string_view name) const {
   return -1;
 }
 
-// In the lookups below a negative index becomes a size_t beyond any section. Accesses are checked
-// where names and what they name would differ in number after an allocation failed between them.
+// In the lookups below a negative index becomes a size_t beyond any section. at() is used where a
+// failed allocation may have left a list of names longer than the list of their objects.
 
 CString CIniFile::GetKeyName(int keyID) const {
   const auto index = static_cast<std::size_t>(keyID);
@@ -112,7 +112,7 @@ bool CIniFile::SetValue(CString keyname, CString valuename, CString value, bool 
     key_tails.push_back(TailOf(keyname.Text().c_str()));
     key_names.push_back(std::move(keyname));
     keys.emplace_back();
-    keys.back().value_names.reserve(2);  // as a scan has
+    keys.back().value_names.reserve(2);  // a scan has two values
     keys.back().values.reserve(3);
     keyID = GetNumKeys() - 1;
   }
@@ -125,7 +125,7 @@ bool CIniFile::SetValue(CString keyname, CString valuename, CString value, bool 
   if (!create) return false;
   section.value_names.push_back(std::move(valuename));
   if (section.values.empty()) section.values.emplace_back();
-  section.values.back() = std::move(value);  // what was the spare entry
+  section.values.back() = std::move(value);  // the empty entry at the end
   section.values.emplace_back();
   return true;
 }

@@ -15,12 +15,12 @@
 namespace icescript {
 namespace {
 
-// What a line says: up to its comment, without trailing spaces.
+// Returns a line without its comment and trailing spaces.
 std::string_view TextOf(std::string_view line) {
   return TrimRight(line.substr(0, line.find('#')), ' ');
 }
 
-// A NUL ends the text of a line as a "#" does. Made one, it needs no search of its own.
+// Replaces each NUL by "#". Both end the text of a line, and so one search finds either.
 void CommentNuls(char* at, const char* end) {
   while (at < end) {
     at = static_cast<char*>(std::memchr(at, '\0', static_cast<std::size_t>(end - at)));
@@ -31,7 +31,7 @@ void CommentNuls(char* at, const char* end) {
 
 }  // namespace
 
-// cppcheck-suppress uninitMemberVar ; nothing of the block is read before it is filled
+// cppcheck-suppress uninitMemberVar ; the block is filled before it is read
 LineReader::LineReader(const std::string& path) : file_(open(path.c_str(), O_RDONLY | O_CLOEXEC)) {}
 
 LineReader::~LineReader() {
@@ -47,7 +47,7 @@ bool LineReader::Next() {
   return true;
 }
 
-// Reads on until the line is whole or too long, and returns its length.
+// Reads from the file until the line is complete or too long, and returns its length.
 std::size_t LineReader::ReadOn() {
   while (rest_.size() < INI_LINE_BUFFER && !ended_) {
     FillBlock();
@@ -57,7 +57,7 @@ std::size_t LineReader::ReadOn() {
   return rest_.size();  // the last line may lack its line feed
 }
 
-// Moves what is left to the start of the block and reads on behind it.
+// Moves the unread rest to the start of the block and fills the space after it from the file.
 void LineReader::FillBlock() {
   if (!rest_.empty()) std::memmove(block_, rest_.data(), rest_.size());
   char* const end = block_ + rest_.size();
@@ -72,7 +72,7 @@ void LineReader::FillBlock() {
 
 std::istream& CIniFile::getline(std::istream& is, CString& str) {
   char buffer[INI_LINE_BUFFER];
-  is.getline(buffer, INI_LINE_BUFFER);  // always terminates the buffer, also where it fails
+  is.getline(buffer, INI_LINE_BUFFER);  // terminates the buffer even if it fails
   str = std::string(TextOf(buffer));
   return is;
 }

@@ -1,4 +1,4 @@
-// The lines of a script.
+// The reader for the lines of a script.
 #ifndef ICESCRIPT_BASE_LINE_READER_H_
 #define ICESCRIPT_BASE_LINE_READER_H_
 
@@ -9,8 +9,8 @@
 
 namespace icescript {
 
-// Reads the lines of a file as CIniFile::getline reads those of a stream, but in blocks, and hands
-// out views of them. Made for one walk to the end.
+// Reads the lines of a file once, from beginning to end, in blocks. The lines are the same as those
+// of CIniFile::getline.
 class LineReader {
  public:
   explicit LineReader(const std::string& path);
@@ -20,10 +20,10 @@ class LineReader {
 
   bool IsOpen() const { return file_ >= 0; }
 
-  // Goes to the next line. False at the end of the file, and from there on where a line has
-  // INI_LINE_BUFFER characters or more or cannot be read whole.
+  // Goes to the next line. Returns false, from then on always, at the end of the file, at a line of
+  // INI_LINE_BUFFER bytes or more, or if reading fails.
   bool Next();
-  // The line without its comment and trailing spaces; valid until Next.
+  // The current line without its comment and trailing spaces; valid until the next call of Next.
   std::string_view Text() const { return text_; }
 
  private:
@@ -33,7 +33,7 @@ class LineReader {
   int file_;
   bool ended_ = false;  // nothing more can be read
   char block_[8 * INI_LINE_BUFFER];
-  std::string_view rest_;  // what is still to be taken of the block
+  std::string_view rest_;  // the part of the block that Next has not returned yet
   std::string_view text_;
 };
 

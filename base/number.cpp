@@ -7,12 +7,12 @@
 namespace icescript {
 namespace {
 
-// What isspace accepts in the C locale.
+// Does the same as isspace in the C locale.
 bool IsSpace(char ch) {
   return ch == ' ' || (ch >= '\t' && ch <= '\r');
 }
 
-// 36, which is a digit in no base, for a character that is none.
+// Returns the value of a digit, or 36, too large for any base, for another character.
 int DigitOf(char ch) {
   if (ch >= '0' && ch <= '9') return ch - '0';
   const char upper = UpperCase(ch);
@@ -23,8 +23,7 @@ bool IsHexPrefix(std::string_view text) {
   return text.size() >= 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X');
 }
 
-// The number of a text that is nothing but digits and no more than fit an int in any case; -1 for
-// any other.
+// Returns the number if the text has only digits, at most 7 (which always fit an int), else -1.
 int PlainNumber(std::string_view text, int base) {
   if (text.empty() || text.size() > 7) return -1;
   int number = 0;
@@ -39,7 +38,7 @@ int PlainNumber(std::string_view text, int base) {
 }  // namespace
 
 int ParseNumber(std::string_view text, int base) {
-  if (const int plain = PlainNumber(text, base); plain >= 0) return plain;  // as a rule
+  if (const int plain = PlainNumber(text, base); plain >= 0) return plain;  // the usual case
   while (!text.empty() && IsSpace(text.front())) text.remove_prefix(1);
   const bool negative = !text.empty() && text.front() == '-';
   if (negative || (!text.empty() && text.front() == '+')) text.remove_prefix(1);
@@ -50,7 +49,7 @@ int ParseNumber(std::string_view text, int base) {
     const int digit = DigitOf(ch);
     if (digit >= base) break;
     if (magnitude > (std::numeric_limits<long>::max() - digit) / base) {
-      return negative ? 0 : -1;  // the low bits of the smallest and the largest long
+      return negative ? 0 : -1;  // the low 32 bits of the smallest and the largest long
     }
     magnitude = magnitude * base + digit;
   }

@@ -1,4 +1,4 @@
-// Numbers in scripts.
+// The conversion of numbers in scripts.
 #ifndef ICESCRIPT_BASE_NUMBER_H_
 #define ICESCRIPT_BASE_NUMBER_H_
 
@@ -6,10 +6,9 @@
 
 namespace icescript {
 
-// Converts as strtol does in `base` (10 or 16): leading white space and a sign are accepted, the
-// first character that does not fit ends the number, no digits give 0, and too large a number
-// saturates at the limits of long. The result is the low 32 bits of that, so a saturated number is
-// -1 or 0.
+// Converts `text` in `base` (10 or 16) as strtol does, and returns the low 32 bits: white space and
+// a sign may come first, and the first character that is not a digit ends the number. Returns 0 if
+// there is no digit, and -1 (0 if negative) for a number beyond the range of long.
 int ParseNumber(std::string_view text, int base);
 
 }  // namespace icescript

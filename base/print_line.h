@@ -1,4 +1,4 @@
-// One line of progress, put together piece by piece.
+// A buffer for composing one message.
 #ifndef ICESCRIPT_BASE_PRINT_LINE_H_
 #define ICESCRIPT_BASE_PRINT_LINE_H_
 
@@ -12,7 +12,7 @@
 
 namespace icescript {
 
-// Takes PRINT_LINE_BUFFER - 1 bytes; a piece that does not fit is left out.
+// Has room for PRINT_LINE_BUFFER - 1 bytes. A piece that does not fit is left out.
 class PrintLine {
  public:
   PrintLine& operator<<(std::string_view piece) {
@@ -20,28 +20,28 @@ class PrintLine {
     return *this;
   }
 
-  // In decimal.
+  // Appends the number in decimal.
   PrintLine& operator<<(int number) {
     const auto [end, error] = std::to_chars(text_ + size_, std::end(text_) - 1, number);
     if (error == std::errc()) size_ = static_cast<std::size_t>(end - text_);
     return *this;
   }
 
-  // The same, at least three characters wide.
+  // Appends the number in decimal, with leading spaces up to a width of three.
   PrintLine& Aligned(int number) {
     if (number > -10 && number < 100) *this << " ";
     if (number >= 0 && number < 10) *this << " ";
     return *this << number;
   }
 
-  // In hexadecimal, eight digits.
+  // Appends the number in hexadecimal, with eight digits.
   PrintLine& Hex(std::uint32_t number) {
     char digits[8];
     for (char* at = std::end(digits); at != digits; number >>= 4) *--at = HexDigit(number & 0xF);
     return *this << std::string_view(digits, sizeof digits);
   }
 
-  // Valid until the line changes.
+  // Returns the text; it is valid until the line changes.
   const char* Text() {
     text_[size_] = '\0';
     return text_;

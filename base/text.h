@@ -1,4 +1,4 @@
-// Views of script text: the trims, the case folding and the section tag that the readers share.
+// Functions on text that the script readers share: trimming, upper case, and the section tag.
 #ifndef ICESCRIPT_BASE_TEXT_H_
 #define ICESCRIPT_BASE_TEXT_H_
 
@@ -7,42 +7,42 @@
 
 namespace icescript {
 
-// Capacity of one formatted line of progress.
+// The size in bytes of the buffer of a PrintLine, with the terminating NUL.
 constexpr int PRINT_LINE_BUFFER = 256;
 
-// Drops every leading `ch`; a text of nothing else becomes empty.
+// Drops every leading `ch`. A text that contains nothing else becomes empty.
 inline std::string_view TrimLeft(std::string_view text, char ch) {
   while (!text.empty() && text.front() == ch) text.remove_prefix(1);
   return text;
 }
 
-// Drops trailing `ch` but never the first byte, whatever it is: three spaces become one.
-// Deliberate, and seen by users: the section header "[]" names the section "]".
+// Drops every trailing `ch` except the first byte of the text: three spaces become one. This is
+// deliberate, and visible to users: the section header "[]" has the name "]".
 inline std::string_view TrimRight(std::string_view text, char ch) {
   while (text.size() > 1 && text.back() == ch) text.remove_suffix(1);
   return text;
 }
 
-// The trim of a script line, and of the keys and values of a GPIO line: carriage returns at both
-// ends, then spaces at both ends. Tabs are text.
+// Trims a script line, or a key or value of a GPIO line: first carriage returns at both ends, then
+// spaces at both ends. Tabs are text.
 inline std::string_view TrimBlanks(std::string_view text) {
-  // As a rule there is nothing to trim: neither end is a blank, nor a byte below it.
+  // The usual case: both ends are above ' ', so there is nothing to trim.
   if (!text.empty() && text.front() > ' ' && text.back() > ' ') return text;
   text = TrimRight(TrimLeft(text, '\r'), '\r');
   return TrimRight(TrimLeft(text, ' '), ' ');
 }
 
-// 'a' to 'z' folded to upper case, any other byte as it is; no locale.
+// Returns 'a' to 'z' in upper case and any other byte unchanged, in every locale.
 constexpr char UpperCase(char ch) {
   return ch >= 'a' && ch <= 'z' ? static_cast<char>(ch - 'a' + 'A') : ch;
 }
 
-// The digit of a number below 16, in lower case.
+// Returns the hexadecimal digit, in lower case, of a number below 16.
 inline char HexDigit(std::uint32_t number) {
   return "0123456789abcdef"[number];
 }
 
-// Whether `text`, folded to upper case, is `upper`.
+// Returns whether `text` in upper case is equal to `upper`.
 inline bool EqualsUpper(std::string_view text, std::string_view upper) {
   if (text.size() != upper.size()) return false;
   for (std::size_t i = 0; i < text.size(); ++i) {
@@ -51,7 +51,7 @@ inline bool EqualsUpper(std::string_view text, std::string_view upper) {
   return true;
 }
 
-// Whether a line, trimmed, is the section tag with which a GPIO script begins.
+// Returns whether a trimmed line is the section tag that begins a GPIO script.
 inline bool IsSectionTag(std::string_view line) {
   return line == "[ORVEX_ICE_GPIO]" || line == "[ZEVA_ICE_GPIO]";
 }

@@ -1,6 +1,6 @@
-// Runs one workload once, to be counted by valgrind: bench_once NAME SIZE; or any script, on a host
-// that does nothing: bench_once FILE. Without arguments lists the workloads as NAME|UNIT|UNITS FOR
-// EACH 1 OF SIZE|SIZE.
+// `bench_once NAME SIZE` runs one workload once, for valgrind to measure. `bench_once FILE` runs a
+// script on a host that does nothing. Without arguments it lists the workloads as
+// NAME|UNIT|UNITS PER 1 OF SIZE|SIZE.
 #include <iostream>
 #include <string>
 

@@ -1,4 +1,4 @@
-// Times every workload at every size, with Google Benchmark; the label says which, as NAME|SIZE.
+// Times every workload at every size with Google Benchmark. The labels are NAME|SIZE.
 #include <benchmark/benchmark.h>
 
 #include "bench/workloads.h"
@@ -9,7 +9,7 @@ void Time(benchmark::State& state) {
   const Workload& workload = Workloads()[static_cast<std::size_t>(state.range(0))];
   const int size = static_cast<int>(state.range(1));
   const ScriptFile script(workload, size);
-  RunWorkload(workload, script.Path(), size);  // not timed: loads the module
+  RunWorkload(workload, script.Path(), size);  // loads the module, which is not timed
   while (state.KeepRunning()) RunWorkload(workload, script.Path(), size);
 
   using benchmark::Counter;

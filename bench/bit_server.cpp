@@ -1,6 +1,6 @@
-// Serves the simulated target by remote_bitbang as a plain server does: each answer is a write of
-// its own. usage: bit_server nagle|nodelay; it prints its port, and serves one client after the
-// other. Of each it prints how often it was answered and then asked on: its round trips.
+// A simple remote_bitbang server of the simulated target: it writes each answer separately. usage:
+// bit_server nagle|nodelay. It prints its port, serves one client after the other, and prints the
+// round trips of each: how often the client sent something after an answer.
 #include <asio.hpp>
 #include <cstdio>
 #include <string>

@@ -1,4 +1,4 @@
-// A host that does nothing; every pin read finds TDO high.
+// A host that does nothing. In every pin read TDO is high and all other pins are low.
 #ifndef ICESCRIPT_BENCH_IDLE_HOST_H_
 #define ICESCRIPT_BENCH_IDLE_HOST_H_
 
@@ -6,11 +6,11 @@
 
 #pragma GCC visibility push(default)
 
-// A LinkHandle points to the result of every pin operation: 0, or -1, which ends the script.
+// A LinkHandle points to one of these, the result of every pin operation: 0, or -1 (a failure).
 extern int idle_runs;
 extern int idle_stops;
 
-// A PrintCallback that shows nothing.
+// A PrintCallback that prints nothing.
 int DropMessage(const char* message);
 
 #pragma GCC visibility pop

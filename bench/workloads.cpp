@@ -20,7 +20,7 @@ namespace {
 
 constexpr char kGpioStart[] = "[ORVEX_ICE_GPIO]\nSTART\n";
 
-// 13 bytes a line.
+// Lines have 13 bytes each.
 void WriteFlat(std::ostream& script, int size) {
   script << kGpioStart;
   for (int i = 0; i < size; ++i) script << (i % 2 == 0 ? "TCK=1, TDI=0\n" : "TCK=0, TMS=1\n");
@@ -51,7 +51,7 @@ void WriteReads(std::ostream& script, int size) {
   script << kGpioStart << "REPT=" << size << "\nREPT=1000\nPRINT=GPIO_IN\nENDR\nENDR\nEND\n";
 }
 
-// Every block holds the next one and, behind it, a pin operation.
+// Every block contains the next block, followed by a pin operation.
 void WriteDeep(std::ostream& script, int size) {
   script << kGpioStart;
   for (int i = 0; i < size; ++i) script << "REPT=1\n";
@@ -59,7 +59,7 @@ void WriteDeep(std::ostream& script, int size) {
   script << "END\n";
 }
 
-// The IDCODE read by hand, 81 lines each: to Test-Logic-Reset, to Shift-DR, 32 bits.
+// Reads the IDCODE pin by pin, in 81 lines: to Test-Logic-Reset, to Shift-DR, 32 bits.
 void WriteIdcodes(std::ostream& script, int size) {
   script << kGpioStart;
   for (int i = 0; i < size; ++i) {
@@ -73,13 +73,13 @@ void WriteIdcodes(std::ostream& script, int size) {
 
 constexpr char kScan[] = "]\nIR=5,0x01\nDR=R,32,0x12,0x34,0x56,0x78\n";
 
-// S0000, S0001, ...
+// Returns S0000, S0001, ...
 std::string Numbered(int i) {
   const std::string number = std::to_string(i);
   return "S" + std::string(4 - number.size(), '0') + number;
 }
 
-// 46 bytes a section.
+// Sections have 46 bytes each.
 void WriteJtag(std::ostream& script, int size) {
   for (int i = 0; i < size; ++i) script << '[' << Numbered(i) << kScan;
 }
@@ -92,7 +92,7 @@ void WriteLongScans(std::ostream& script, int size) {
   }
 }
 
-// Names of 4 to 11 letters that have neither length nor ends in common.
+// Section names are random: 4 to 11 letters.
 void WriteFreeNames(std::ostream& script, int size) {
   std::uint32_t seed = 1;
   const auto below = [&seed](std::uint32_t limit) {
@@ -118,7 +118,7 @@ int Implement(int& handle, const std::string& path) {
     if (module == nullptr) throw std::runtime_error(dlerror());
     return reinterpret_cast<decltype(&ImplementScr)>(dlsym(module, "ImplementScr"));
   }();
-  std::string name = path;  // the entry takes a char* but does not write to it
+  std::string name = path;  // ImplementScr has a char* argument but does not write to it
   return entry(&handle, name.data(), DropMessage);
 }
 
@@ -134,7 +134,7 @@ void RunOften(const std::string& path, int size) {
   for (int i = 0; i < size; ++i) RunScript(path, 1);
 }
 
-// As a JTAG script is: once to find that it is none for the pins, once more to read it.
+// A JTAG script is read twice: first as a GPIO script, which it is not, then as a JTAG script.
 void ReadTwiceOften(const std::string& path, int size) {
   char text[4096];
   for (int i = 0; i < 2 * size; ++i) {

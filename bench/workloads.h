@@ -1,4 +1,4 @@
-// What is measured: scripts run by the built plug-in, and this machine's limits on the same files.
+// The workloads to measure: scripts for the built plug-in, and minimal code to compare it with.
 #ifndef ICESCRIPT_BENCH_WORKLOADS_H_
 #define ICESCRIPT_BENCH_WORKLOADS_H_
 
@@ -9,7 +9,7 @@
 struct Workload {
   const char* name;
   const char* unit;
-  int units;               // for each 1 of size
+  int units;               // number of units for each 1 of size
   std::vector<int> sizes;  // the sizes to measure
   void (*write)(std::ostream& script, int size);
   void (*run)(const std::string& path, int size);
@@ -17,7 +17,7 @@ struct Workload {
 
 const std::vector<Workload>& Workloads();
 
-// The script of one workload and size in a file, for as long as the object lives.
+// A file with the script of a workload of this size. The destructor removes the file.
 class ScriptFile {
  public:
   ScriptFile(const Workload& workload, int size);
@@ -31,10 +31,10 @@ class ScriptFile {
   std::string path_;
 };
 
-// Runs a workload once. What is counted is counted inside this function, found by its name.
+// Runs a workload once. callgrind counts instructions inside this function, by its name.
 extern "C" void RunWorkload(const Workload& workload, const std::string& path, int size);
 
-// Runs the script of this path once, on a host that does nothing; the plug-in's result.
+// Runs the script at `path` once on the idle host. Returns the result of the plug-in, 0 or -1.
 int RunFile(const std::string& path);
 
 #endif  // ICESCRIPT_BENCH_WORKLOADS_H_

@@ -1,5 +1,5 @@
-# What is installed, and where. The plug-in is loaded by its path and linked by nobody, so it lies in a
-# folder of its own; icehost finds it from its own place, so that the whole may be moved.
+# The files to install. The plug-in is installed in its own folder, because programs load it by its
+# path and do not link it. icehost finds it by a relative path, so all of it may be moved together.
 include(CMakePackageConfigHelpers)
 
 set(ICESCRIPT_ZSH_FOLDER ${CMAKE_INSTALL_DATADIR}/zsh/site-functions CACHE STRING
@@ -22,7 +22,7 @@ install(FILES ${PROJECT_BINARY_DIR}/icescriptConfig.cmake
               ${PROJECT_BINARY_DIR}/icescriptConfigVersion.cmake DESTINATION ${package_folder})
 
 set(pc_folder ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
-# What a package puts into /usr stays there, and the plug-in's path may be built into a server.
+# A prefix of /usr never moves: there the path is absolute, and servers may have it built in.
 string(REGEX REPLACE "[^/]+" ".." pc_prefix ${pc_folder})
 set(pc_prefix "\${pcfiledir}/${pc_prefix}")
 if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")

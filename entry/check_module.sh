@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Holds the built plug-in, and icehost, to what their loader sees: check_module.sh libicescript.so icehost
+# Checks the symbols and segments of the plug-in and of icehost: check_module.sh PLUGIN ICEHOST
 set -euo pipefail
 readonly HOST_FUNCTIONS="link_config link_gpio_operator link_jtag_execute link_jtag_insert link_reset"
 status=0
@@ -11,20 +11,20 @@ expect() {
   status=1
 }
 
-# The names of the symbols that a condition holds for, on one line. Fields: 5 binding, 7 section,
-# 8 name; what a library provides has a version behind an "@".
+# names CONDITION: prints the names of the symbols that match it, on one line. The awk fields are 5
+# binding, 7 section, 8 name. A symbol from a library has a version after an "@".
 names() { awk '$1 ~ /^[0-9]+:$/ && $8 != "" && '"$1"' { print $8 }' <<<"$symbols" | sort | xargs; }
-# The flags of the segments of one type, one line each.
+# flags TYPE: prints the flags of each segment of this type, one per line.
 flags() { awk -v type="$1" '$1 == type { $1=$2=$3=$4=$5=$6=$NF=""; gsub(" ", ""); print }' \
   <<<"$segments"; }
 
-# check FILE EXPORTS: what holds for both.
+# check FILE EXPORTS: does the checks that apply to both files.
 check() {
   local file=$1
   symbols=$(readelf -W --dyn-syms "$file")
   segments=$(readelf -W --program-headers "$file")
   dynamic=$(readelf -W --dynamic "$file")
-  # What a program copies from its libraries has a version, too.
+  # Variables that a program copies from its libraries have a version, too: they do not count.
   expect "$file" "exports" "$2" "$(names '$7 != "UND" && $8 !~ /@/')"
   expect "$file" "bound when loaded" "BIND_NOW" "$(grep -o 'BIND_NOW' <<<"$dynamic" | head -n 1)"
   expect "$file" "text relocations" "" "$(grep -o 'TEXTREL' <<<"$dynamic" || true)"

@@ -8,13 +8,13 @@
 
 namespace {
 
-constexpr int kMaxCalls = 1000;  // then every call fails: a huge REPT is no hang
+constexpr int kMaxCalls = 1000;  // then every call fails, so that a huge REPT ends
 constexpr int kNoCallback = 255;
 constexpr std::uint8_t kThrow = 0x7E;
 constexpr std::size_t kMessageSize = 1024;
 constexpr int kCapturedBytes = 3 + JTAG_DR_MAX_BYTES;
 
-CheckingHost* running = nullptr;  // callbacks carry no handle
+CheckingHost* running = nullptr;  // the callback gets no handle
 
 void Check(bool kept, const char* promise) {
   if (kept) return;
@@ -29,7 +29,7 @@ CheckingHost& HostOf(LinkHandle handle) {
 
 int PassMessage(const char* text) {
   running->Message(text);
-  return -1;  // the result must not matter
+  return -1;  // the plug-in must ignore the result
 }
 
 }  // namespace
@@ -182,7 +182,7 @@ int CheckingHost::Gpio(int out_value, std::uint32_t* data, int oe_mask, int flag
   gpio_flags_ = flags;
   const int result = NextResult();
   if ((flags & GPIO_FLAG_READ_IN) != 0) {
-    // 1: this host leaves the word alone.
+    // After 1 this host does not write the word.
     if (const std::uint32_t byte = NextByte(); byte != 1) *data = byte * 0x01010101U;
     gpio_data_[data] = *data;
   }

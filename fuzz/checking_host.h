@@ -1,4 +1,4 @@
-// A host for fuzzing: it answers as the input says, and holds the plug-in to the interface header.
+// A host for fuzzing: it answers calls as the input says, and checks the promises of icescript.h.
 #ifndef ICESCRIPT_FUZZ_CHECKING_HOST_H_
 #define ICESCRIPT_FUZZ_CHECKING_HOST_H_
 
@@ -10,11 +10,12 @@
 
 #include "entry/icescript.h"
 
-// Runs one script once and ends the process where the plug-in breaks a promise.
+// Runs one script once, and aborts the process if the plug-in breaks a promise.
 //
-// The answers: the first byte is the number of the message that throws (0: none; 255: there is no
-// callback), each byte after it the result of one call, sign-extended; 0x7E throws instead. The
-// data of a pin read follow its result, the captured bytes theirs. 0 where the answers end.
+// The first byte of the answers is the number of the message at which the callback throws (0: none;
+// 255: no callback). Each call takes the next byte as its result: 0x7E throws, 0x7F is INT_MAX,
+// 0x80 is INT_MIN, others are sign-extended. The byte of a pin read or the bytes of a capture
+// follow the result. After the end of the answers every byte is 0.
 class CheckingHost {
  public:
   explicit CheckingHost(std::string_view answers);
@@ -28,13 +29,13 @@ class CheckingHost {
   void Message(const char* text);
 
  private:
-  // Where a scan stands: query, insert and execute come in this order and belong together.
+  // The progress of a scan, whose calls are query, insert and execute in this order.
   enum class Scan { kNone, kQueried, kInserted };
-  // What the host throws.
+  // The exception that the host throws.
   struct Thrown {
     const CheckingHost* by;
   };
-  // One register of link_jtag_insert, and what it held then.
+  // An array of link_jtag_insert, and a copy of its bytes at that call.
   struct Register {
     const unsigned char* bytes;
     std::array<unsigned char, JTAG_DR_MAX_BYTES> copy;
@@ -43,7 +44,7 @@ class CheckingHost {
   std::uint8_t NextByte();
   int NextResult();
   [[noreturn]] void Throw();
-  // A call begins, with the scan at `scan`: none may follow the last one.
+  // Begins a call: checks that a call may still follow, and that the scan is at `scan`.
   void Begin(Scan scan) const;
   int End(int result, bool failed);
   Register CheckRegister(int bits, const unsigned char* bytes) const;
@@ -60,7 +61,7 @@ class CheckingHost {
   Scan scan_ = Scan::kNone;
   Register ir_{};
   Register dr_{};
-  int gpio_flags_ = 0;  // of the last operation; 0 before the first
+  int gpio_flags_ = 0;  // flags of the last pin operation; 0 before the first
   std::map<const std::uint32_t*, std::uint32_t> gpio_data_;
   std::string last_message_;
 };

@@ -1,8 +1,7 @@
-// Fuzzes icehost's own doors. The first byte of an input says which: 's' what a remote_bitbang
-// client sends, 'x' what an XVC client sends, 'b' what a remote_bitbang server answers, 'y' what an
-// XVC server answers, 'o' what an OpenOCD answers, 'c' a script to check, 'v' an SVF file to
-// import, 'd' what a chain of TAPs answers, 'e' what OpenOCD says of its chain. Behind it comes
-// what enters there.
+// Fuzzes the places where icehost reads data from others. The first byte of an input selects the
+// place, and the rest is the data: 's' and 'x' from a remote_bitbang or XVC client, 'b', 'y' and
+// 'o' from a remote_bitbang server, an XVC server or OpenOCD, 'c' a script to check, 'v' an SVF
+// file to import, 'd' the bits from a chain of TAPs, 'e' the description of a chain from OpenOCD.
 #include <algorithm>
 #include <array>
 #include <asio/local/connect_pair.hpp>
@@ -52,11 +51,11 @@ void Check(bool kept, const char* promise) {
 
 using asio::local::stream_protocol;
 
-// A server on the event loop that the client waits on. For every question that it is asked, it
-// sends the next of its answers, whatever they are, and it closes with the last.
+// A server on the event loop of its client. It answers every question with the next part of its
+// answers, whatever they contain, and closes the connection after the last.
 class Peer : public std::enable_shared_from_this<Peer> {
  public:
-  // How many of the bytes of `answers` answer these questions.
+  // Returns how many bytes of `answers` to send for these questions.
   using AnswerSize = std::size_t (*)(std::string_view questions, std::string_view answers);
 
   Peer(std::string_view answers, AnswerSize size) : answers_(answers), size_(size) {}
@@ -95,7 +94,7 @@ std::size_t UpTo(char end, std::string_view bytes) {
   return std::min(bytes.find(end), bytes.size() - 1) + 1;
 }
 
-// A byte for each R, or two where it is none of ASCII's.
+// Returns the size of the answers to each R: a byte, or two if the first is not ASCII.
 std::size_t BitbangAnswers(std::string_view questions, std::string_view answers) {
   std::size_t size = 0;
   for (auto left = std::count(questions.begin(), questions.end(), 'R'); left > 0; --left) {
@@ -104,7 +103,7 @@ std::size_t BitbangAnswers(std::string_view questions, std::string_view answers)
   return std::min(size, answers.size());
 }
 
-// Up to the end of a text for each.
+// Returns the size of the answers to each command: the text up to its end mark.
 std::size_t OpenocdAnswers(std::string_view questions, std::string_view answers) {
   std::size_t size = 0;
   for (auto left = std::count(questions.begin(), questions.end(), '\x1a'); left > 0; --left) {
@@ -113,7 +112,7 @@ std::size_t OpenocdAnswers(std::string_view questions, std::string_view answers)
   return size;
 }
 
-// A line, or the bytes of a shift; one more where the first is 255.
+// Returns the size of a line, or of the bytes of a shift (one too many if the first is 255).
 std::size_t XvcAnswers(std::string_view question, std::string_view answers) {
   const std::size_t name = icehost::kXvcShift.size();
   if (question.substr(0, name) != icehost::kXvcShift) return UpTo('\n', answers);
@@ -133,7 +132,7 @@ class StepCounter : public icehost::StepRecorder {
   std::size_t steps = 0;
 };
 
-// A read and a write over every register of the simulated target's kind, as a script does it.
+// Scans registers of several lengths, then drives and reads pins and resets, as a script does.
 void Scan(icehost::Probe& probe) {
   std::uint8_t ir[JTAG_IR_MAX_BYTES] = {2};
   std::uint8_t dr[JTAG_DR_MAX_BYTES] = {1, 2, 3, 4, 5};
@@ -147,8 +146,8 @@ void Scan(icehost::Probe& probe) {
   probe.Reset(LINK_RESET_TARGET);
 }
 
-// Serves the client's bytes a second time, with everything recorded and a client that leaves in the
-// middle. The answers must stay the same.
+// Serves the bytes to recorders that see one client leave in the middle and another at the end.
+// Returns the answers, which must be the same as without recorders.
 template <class Session>
 std::string ServeRecorded(std::string_view bytes) {
   std::ostringstream text;
@@ -219,13 +218,13 @@ void BeXvcClient(std::string_view bytes) {
   try {
     Scan(probe);
   } catch (const icehost::Unsupported&) {
-    // it shows no pins
+    // an XVC server has no pins
   }
   probe.Flush();
 }
 
-// A chain that answers anything: a byte says how many bits, which follow. Behind them TDI comes
-// out, or zeros where they are 255. Each answer holds for two readings.
+// A chain with any answers. An answer is a byte with a number, and so many bits; 255 adds zeros up
+// to 4096 bits. The bits from TDI come out after them. Each answer serves two readings.
 class AnsweringPort : public icehost::PinPort {
  public:
   explicit AnsweringPort(std::string_view bytes) : bytes_(bytes) { BeginAnswer(); }
@@ -262,13 +261,13 @@ class AnsweringPort : public icehost::PinPort {
 
   std::string_view bytes_;
   icehost::Bits answer_;
-  icehost::Bits shifted_;  // the answer, and what was shifted in behind it
+  icehost::Bits shifted_;  // the answer, then the bits shifted in from TDI
   icehost::Bits samples_;
   int readings_ = 0;
   bool tdi_ = false;
 };
 
-// The report and the scripts of a chain; those of a sound one are right.
+// Writes the report of a chain and, if it has no faults, its scripts, which must be right.
 void TellChain(const icehost::Chain& chain, std::optional<std::size_t> only) {
   Check(!chain.taps.empty() || !chain.faults.empty(), "no TAP is a fault");
   Check(chain.taps.size() <= icehost::kMostTaps || only.has_value(), "a chain has an end");
@@ -278,7 +277,7 @@ void TellChain(const icehost::Chain& chain, std::optional<std::size_t> only) {
   try {
     scripts.push_back(icehost::JtagScriptOf(chain, only));
   } catch (const icehost::Unsupported&) {
-    // the IR is too long
+    // the IR is too long for a JTAG script
   }
   for (const std::string& script : scripts) {
     const auto problems = icehost::CheckScript({"script", script}).problems;
@@ -298,7 +297,7 @@ void DetectOnOpenocd(std::string_view bytes) {
       0);
 }
 
-// Other values than those that are expected, and some for lines that do nothing but read.
+// Returns captures that differ from the expectations, and some for lines that only read.
 icehost::Captures Read(const icehost::ScriptText& script, const icehost::Plan& plan) {
   using Of = icehost::Expectation::Of;
   icehost::Captures captures;
@@ -318,7 +317,7 @@ icehost::Captures Read(const icehost::ScriptText& script, const icehost::Plan& p
   return captures;
 }
 
-// A line may have become too long.
+// Returns whether no line has become too long.
 bool IsWhole(const icehost::ScriptText& script) {
   return !script.CutAt().has_value();
 }
@@ -346,8 +345,8 @@ void CheckScript(std::string_view bytes) {
   }
 }
 
-// The simulated target, up to so many lines of a script. What is imported reads only while it
-// shifts.
+// The simulated target, which fails after kMostLines pin operations. It checks that an imported
+// script reads only in a Shift state.
 class ImportProbe : public icehost::PinProbe {
  public:
   explicit ImportProbe(icehost::PinPort& port) : PinProbe(port, CDI_ANSWER_JTAG5, true) {}
@@ -417,7 +416,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (data[0] == 'd') DetectOnPins(bytes);
     if (data[0] == 'e') DetectOnOpenocd(bytes);
   } catch (const icehost::IoError&) {
-    // the connection is lost or talks nonsense
+    // the connection is lost, or the answers are not valid
   } catch (const icehost::Unsupported&) {
     // the probe cannot do that
   }

@@ -1,12 +1,12 @@
-// What a fuzz harness defines, for the fuzzer and for replay.cpp.
+// The function of a fuzz harness, which the fuzzer and replay.cpp call.
 #ifndef ICESCRIPT_FUZZ_HARNESS_H_
 #define ICESCRIPT_FUZZ_HARNESS_H_
 
 #include <cstddef>
 #include <cstdint>
 
-// Runs one input, and ends the process where something is wrong. Returns 0.
-// NOLINTNEXTLINE(readability-identifier-naming): the fuzzer's name
+// Runs one input of `size` bytes. Returns 0, or aborts the process if a check fails.
+// NOLINTNEXTLINE(readability-identifier-naming): libFuzzer requires this name
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 #endif  // ICESCRIPT_FUZZ_HARNESS_H_

@@ -1,4 +1,4 @@
-// Runs a harness on saved inputs: every file in the folders given.
+// Runs a harness on every file in the folders given as arguments.
 #include <cstdio>
 #include <filesystem>
 #include <fstream>

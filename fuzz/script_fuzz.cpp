@@ -1,5 +1,5 @@
-// Fuzzes ImplementScr. An input is a script, and behind the separator what the host answers to it;
-// an input without one, such as an example, is a script to which every call answers 0.
+// Fuzzes ImplementScr. An input is a script, a separator and the answers of the host. In an input
+// without separator, such as an example, every answer is 0.
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::string_view kSeparator = "\n%%\n";
 
-// One file in memory, for all runs: the plug-in wants a path.
+// A file in memory that all runs share: the plug-in needs a path.
 class ScriptFile {
  public:
   ScriptFile() : path_("/proc/self/fd/" + std::to_string(file_)) {}

@@ -5,7 +5,7 @@
 namespace icescript {
 namespace {
 
-// Unsigned, so that counting on past the largest int is defined; shown as an int.
+// Unsigned, because an int would overflow after INT_MAX reads. Messages show it as an int.
 std::uint32_t gpio_read_counter = 0;
 
 void ReportRead(PrintCallback print, std::uint32_t data) {
@@ -19,9 +19,9 @@ void ReportRead(PrintCallback print, std::uint32_t data) {
   print(line.Text());
 }
 
-// REPT: into the block while runs are left; else past it, its count set again for the next time. A
-// block without a pin operation could keep the process busy for years, and a host that is never
-// called can stop nothing: it is passed by.
+// Returns the node to execute after a REPT: the first one in the block if it is to run again, else
+// the one after the block, and resets the count for the next time. Skips a block without pin
+// operations: it could run for years, and the host could not stop it, since it is never called.
 GpioOperatorData* NextAfterRept(GpioOperatorData* rept) {
   if (!rept->holds_pins) return rept->partner->next;
   if (rept->repeat_count > 0) {

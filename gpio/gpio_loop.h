@@ -1,4 +1,4 @@
-// The execution of a GPIO script.
+// The loop that executes a GPIO script.
 #ifndef ICESCRIPT_GPIO_GPIO_LOOP_H_
 #define ICESCRIPT_GPIO_GPIO_LOOP_H_
 
@@ -6,12 +6,12 @@
 
 namespace icescript {
 
-// Hands every pin operation of the list, repeat blocks repeated, to link_gpio_operator and reports
-// every read through `print` under a number that runs on for as long as the plug-in stays loaded.
-// Stops at the first negative result; false then, true at the end of the list.
+// Calls link_gpio_operator for every pin operation of the list, as often as its repeat blocks say,
+// and prints every read. Reads are numbered from 0 until the plug-in is unloaded. Returns false at
+// the first negative result, or true at the end of the list.
 //
-// `first` may be null; every REPT and ENDR must be paired. Counts down and reloads the nodes'
-// repeat counts, and lets the host write their data words.
+// `first` may be null. Every REPT and ENDR must be paired. The loop changes the repeat counts of
+// the nodes, and the host changes their data words.
 bool RunGpioOperators(LinkHandle handle, PrintCallback print, GpioOperatorData* first);
 
 }  // namespace icescript

@@ -4,8 +4,8 @@
 
 namespace icescript {
 
-// Delegating makes the object complete before parsing starts, so that the destructor frees the
-// stack when the callback or an allocation throws.
+// The delegated constructor completes the object before parsing starts: if the callback or an
+// allocation then throws, the destructor runs and frees the stack.
 GpioScr::GpioScr(char* path, PrintCallback callback) : GpioScr(callback) {
   status = ParseScr(path);
 }
@@ -22,7 +22,7 @@ int GpioScr::ParseScr(char* path) {
   CIniFile ini(path);
   const int result = ini.ReadGpioFile();
   if (result < 0) {
-    print(ini.error_msg);  // the empty text when the file is no GPIO script
+    print(ini.error_msg);  // empty if the file is not a GPIO script
     return result == GPIO_READ_NOT_GPIO || result == GPIO_READ_OPEN_FAILED ? result : -1;
   }
   return AppendElements(ini) == 0 ? RefuseOpenRepeat() : -1;
@@ -35,8 +35,8 @@ int GpioScr::AppendElements(CIniFile& ini) {
   };
   const int elements = static_cast<int>(ini.GetGpioNum());
   for (int i = 0; i < elements; ++i) {
-    // The lines are all there: a negative value is one that the script gave, such as GPIO_OUT=-2,
-    // and error_msg is empty.
+    // All these lines exist, so a negative value comes from the script, as in GPIO_OUT=-2, and
+    // error_msg is empty.
     const int kind = ini.GetGpioValue(i, GPIO_FIELD_KIND);
     if (kind < 0) return refuse(ini.error_msg);
     const int out_value = ini.GetGpioValue(i, GPIO_FIELD_OUT_VALUE);
@@ -58,7 +58,7 @@ int GpioScr::AppendElements(CIniFile& ini) {
   return 0;
 }
 
-// Only the innermost REPT left open is reported.
+// Returns -1 and reports an error if a REPT is open, else 0. Several open REPT give one message.
 int GpioScr::RefuseOpenRepeat() {
   if (RepeatNodePop() == nullptr) return 0;
   error = "syntax error: rept & endr not match.";
@@ -84,7 +84,7 @@ GpioOperatorData* GpioScr::ParseGpioOperatorData(int out_value, int oe_mask, int
   return node;
 }
 
-// False when no REPT is open.
+// Pairs an ENDR with the innermost open REPT. Returns false if no REPT is open.
 bool GpioScr::CloseBlock(GpioOperatorData* endr) {
   GpioOperatorData* const rept = RepeatNodePop();
   if (rept == nullptr) return false;
@@ -95,7 +95,7 @@ bool GpioScr::CloseBlock(GpioOperatorData* endr) {
   return true;
 }
 
-// Only the innermost: the ones around it learn it when it is closed.
+// Marks the innermost open block as one with pin operations. CloseBlock marks the blocks around it.
 void GpioScr::MarkOpenBlock() {
   if (repeat_stack != nullptr) repeat_stack->node->holds_pins = true;
 }

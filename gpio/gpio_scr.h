@@ -1,4 +1,4 @@
-// A GPIO script as a list of operations with its repeat blocks paired.
+// The list of operations of a GPIO script, with each REPT paired with its ENDR.
 #ifndef ICESCRIPT_GPIO_GPIO_SCR_H_
 #define ICESCRIPT_GPIO_GPIO_SCR_H_
 
@@ -10,41 +10,42 @@
 
 namespace icescript {
 
-// One operation, a list node.
+// One operation: a node of the list.
 struct GpioOperatorData {
   std::int32_t out_value;     // output levels, GPIO_PIN_ bits
   std::int32_t oe_mask;       // output enables, GPIO_PIN_ bits
   std::int32_t flags;         // GPIO_FLAG_ bits
-  std::uint32_t gpio_data;    // 0 at first, then what the host stored last
+  std::uint32_t gpio_data;    // 0 at first, then the last value that the host stored
   std::int32_t kind;          // GPIO_KIND_
-  std::int32_t repeat_count;  // REPT: runs still to go; ENDR: the count of its REPT; else 0
+  std::int32_t repeat_count;  // REPT: remaining runs; ENDR: the count of its REPT; else 0
   GpioOperatorData* next;     // null at the tail
   GpioOperatorData* partner;  // REPT and ENDR: each other's node; else null
-  bool holds_pins;            // REPT: whether a pin operation stands in its block, at any depth
+  bool holds_pins;            // REPT: whether its block contains a pin operation, at any depth
 };
 
-// Reads a GPIO script when it is constructed, sends what is wrong with it to the callback, and
-// keeps the outcome in `status`. Owns the list. Exceptions of the callback and of the standard
-// library pass through; nothing leaks.
+// Reads a GPIO script when constructed, reports its errors to the callback, and sets `status`. Owns
+// the list. Exceptions from the callback and the standard library pass through without leaks.
 class GpioScr {
  public:
-  // `path` may be null, which sets `error` and prints nothing; `callback` must not.
+  // A null `path` sets `error` and prints nothing. `callback` must not be null.
   GpioScr(char* path, PrintCallback callback);
   ~GpioScr();
   GpioScr(const GpioScr&) = delete;
   GpioScr& operator=(const GpioScr&) = delete;
 
-  // Appends the script's operations to the list and returns the status to keep.
+  // Appends the operations of the script to the list. Returns the value for `status`.
   int ParseScr(char* path);
-  // A new node, owned by this object and not yet in the list. A REPT is opened, an ENDR paired with
-  // the innermost open REPT; null, with `error` set and printed, when there is none.
+  // Returns a new node, which this object owns and which is not yet in the list. A REPT becomes the
+  // innermost open one. An ENDR is paired with the innermost open REPT; if none is open, sets and
+  // prints `error` and returns null.
   GpioOperatorData* ParseGpioOperatorData(int out_value, int oe_mask, int flags, int kind,
                                           int repeat_count);
+  // Makes `node`, a REPT, the innermost open one.
   void RepeatNodePush(GpioOperatorData* node);
-  // The innermost open REPT, open no longer; null when none is.
+  // Closes the innermost open REPT and returns it, or null if none is open.
   GpioOperatorData* RepeatNodePop();
 
-  // First node, or null; owned by this object.
+  // Returns the first node, which this object owns, or null.
   GpioOperatorData* GetFirstGpioOperatorData() { return head; }
   GpioOperatorData* GetNextGpioOperatorData(GpioOperatorData* node) const {
     return node != nullptr ? node->next : nullptr;
@@ -63,7 +64,7 @@ class GpioScr {
   bool CloseBlock(GpioOperatorData* endr);
   void MarkOpenBlock();
 
-  std::deque<GpioOperatorData> nodes;  // which never move
+  std::deque<GpioOperatorData> nodes;  // a deque never moves its elements
   GpioOperatorData* head = nullptr;
   GpioOperatorData* tail = nullptr;
   RepeatStackEntry* repeat_stack = nullptr;
@@ -71,10 +72,9 @@ class GpioScr {
   PrintCallback print;
 
  public:
-  // Null, or the message of a null path or of REPT and ENDR that do not pair.
+  // A message if the path was null or a REPT or ENDR has no partner; else null.
   const char* error = nullptr;
-  // GPIO_READ_OK, or a negative GPIO_READ_ status: GPIO_READ_NOT_GPIO for a file that is no GPIO
-  // script.
+  // GPIO_READ_OK, or a negative GPIO_READ_ value.
   std::int32_t status = 0;
 };
 

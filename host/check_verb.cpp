@@ -22,7 +22,7 @@ std::string Counted(long count, const char* what) {
   return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s");
 }
 
-// Checks the scripts of a command line, and writes what it finds as text, as JSON lines, or both.
+// Checks the scripts of a command line and writes the problems as text, as JSON lines, or as both.
 class CheckReport {
  public:
   explicit CheckReport(const CheckCommand& command);
@@ -30,7 +30,7 @@ class CheckReport {
   ExitStatus WriteAll();
 
  private:
-  // The status of one script.
+  // Returns the status of one script.
   ExitStatus WriteOne(const std::string& path);
   ExitStatus Refuse(const std::string& why, ExitStatus status);
   void WriteSummary();
@@ -40,15 +40,15 @@ class CheckReport {
   ReportStyle style_;
   OutputFile standard_output_;
   std::optional<OutputFile> file_;
-  std::ostream* text_;            // null where the JSON lines take its place
-  std::ostream* json_ = nullptr;  // null where there are none; docs/json.md describes them
-  // In all scripts that could be read:
+  std::ostream* text_;            // null if JSON lines replace it
+  std::ostream* json_ = nullptr;  // null without --json; docs/json.md describes the lines
+  // Counts over all scripts that could be read:
   long errors_ = 0;
   long warnings_ = 0;
   long scripts_ = 0;
 };
 
-// With --strict a warning fails, so it is shown even where --quiet is given.
+// With --strict a warning is a failure, so it is shown even with --quiet.
 CheckReport::CheckReport(const CheckCommand& command)
     : command_(command),
       style_{command.quiet && !command.strict, WantsColour(STDOUT_FILENO)},
@@ -105,7 +105,7 @@ ExitStatus CheckReport::Refuse(const std::string& why, ExitStatus status) {
   return status;
 }
 
-// The text counts the problems that it has shown, and says nothing where there are none.
+// The text counts only the problems that it shows. It has no summary if there are none.
 void CheckReport::WriteSummary() {
   if (json_ != nullptr) {
     *json_ << fmt::format("{{\"errors\":{},\"warnings\":{},\"scripts\":{}}}\n", errors_, warnings_,

@@ -16,10 +16,10 @@
 namespace icehost {
 namespace {
 
-// The most that is held of the messages of a round.
+// The most bytes that are kept of the messages of a round.
 constexpr std::size_t kMostHeldBytes = 64U << 20U;
 
-// "12 s", "12 min" or "12 h".
+// Returns the time as "12 s", "12 min" or "12 h".
 std::string Duration(double seconds) {
   if (seconds < 100) return fmt::format("{:.0f} s", seconds);
   if (seconds < 6000) return fmt::format("{:.0f} min", seconds / 60);

@@ -1,4 +1,4 @@
-// What the user sees of a run while it goes on.
+// The messages and the progress that the user sees during a run.
 #ifndef ICESCRIPT_HOST_CONSOLE_H_
 #define ICESCRIPT_HOST_CONSOLE_H_
 
@@ -13,13 +13,13 @@
 
 namespace icehost {
 
-// Messages go to standard output, icehost's own words and the progress of a long run to standard
-// error. Each line erases the line of progress first. While a user keeps us waiting, the run may be
-// rescued. As long as the console lives, standard output is captured: the plug-in may write to it.
+// The plug-in's messages go to standard output; icehost's own messages, and the progress of a long
+// run, go to standard error. Every message first erases the line of progress. A Rescue may end the
+// run while the console waits for a reader. While the console exists, it captures standard output.
 class Console {
  public:
   struct Options {
-    bool quiet;  // standard output stays empty
+    bool quiet;  // nothing goes to standard output
     bool show_progress;
   };
 
@@ -28,25 +28,26 @@ class Console {
   Console(const Console&) = delete;
   Console& operator=(const Console&) = delete;
 
-  // Shows a message of the plug-in's; on a terminal without control characters. Throws IoError if
-  // standard output takes no more.
+  // Shows a message of the plug-in; on a terminal, without its control characters. Throws IoError
+  // if standard output cannot be written.
   void Show(const char* message);
-  // Ends what has been shown so far; throws as Show.
+  // Flushes the messages; throws as Show does.
   void Flush();
-  // Shows a line of icehost's own.
+  // Shows a line of icehost's own on standard error.
   void Say(const std::string& line);
-  // From here on, keeps what Show and Say get, or no longer. Drops what is kept.
+  // If `holds`, Show and Say keep their texts from now on; if not, they show them. Drops kept
+  // texts.
   void Hold(bool holds);
-  // Shows what is kept, and what follows; throws as Show.
+  // Shows the kept texts, and everything from now on; throws as Show does.
   void Release();
   void SayUnlessQuiet(const std::string& line) {
     if (!quiet_) Say(line);
   }
-  // How many operations the run has if nothing fails; 0: unknown. At the beginning: none is shown.
+  // Sets how many operations the run has if nothing fails; 0, the initial value, means unknown.
   void Expect(long operations) { expected_ = operations; }
-  // Precedes the progress: how many rounds there are, and how many failed.
+  // Sets the text before the progress: how many rounds there were, and how many failed.
   void ShowRounds(const std::string& rounds) { rounds_ = rounds; }
-  // Counts an operation, and draws the progress of a run that takes longer than a second.
+  // Counts an operation. Draws the progress of a run that takes longer than a second.
   void CountOperation();
   // Erases the line of progress.
   void Close() { progress_.Erase(); }
@@ -69,8 +70,8 @@ class Console {
   CapturedOutput output_;
   bool quiet_;
   bool terminal_;
-  bool shared_;            // standard output and standard error are one
-  bool mid_line_ = false;  // the last message has no line feed
+  bool shared_;            // standard output and standard error are the same file
+  bool mid_line_ = false;  // the last message did not end in a line feed
   bool holds_ = false;
   std::vector<Held> held_;
   std::size_t held_bytes_ = 0;

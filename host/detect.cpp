@@ -19,7 +19,7 @@ void Write(const std::string& text) {
 
 void WriteScript(const DetectCommand& command, const Chain& chain) {
   if (command.script == ScriptKind::kGpio) return Write(GpioScriptOf(chain));
-  std::optional<std::size_t> tap;  // none: the whole chain
+  std::optional<std::size_t> tap;  // nothing: the whole chain
   const auto only_tap = command.probe.kind->only_tap;
   if (only_tap != nullptr) tap = only_tap(chain, command.probe);
   Write(JtagScriptOf(chain, tap));
@@ -54,7 +54,7 @@ ExitStatus Detect(const DetectCommand& command) try {
   return kNotOpened;
 } catch (const Unsupported& error) {
   Complain(error.what());
-  return kNotOpened;  // the probe says nothing of its chain
+  return kNotOpened;  // the probe cannot report its chain
 }
 
 }  // namespace

@@ -19,8 +19,8 @@
 namespace icehost {
 namespace {
 
-// One import. The file is read twice: first to see whether it can be imported at all, then for the
-// script, which may be too large for the memory.
+// One import. The text is read twice: first to see whether it can be imported at all, then to write
+// the script, which may be too large for the memory.
 class Import {
  public:
   explicit Import(const ImportCommand& command)
@@ -85,7 +85,7 @@ Problems Import::FindProblems() {
   return problems;
 }
 
-// How the file that cannot be a JTAG script can be imported after all; empty if it cannot.
+// Returns a hint if a file that cannot become a JTAG script can become a GPIO script; else nothing.
 std::string Import::OtherForm() const {
   SvfImport import = Options();
   if (import.gpio) return "";

@@ -1,4 +1,4 @@
-// icehost: runs and checks scripts without a debug server.
+// icehost checks and runs scripts without a debug server.
 #include <exception>
 #include <new>
 

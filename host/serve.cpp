@@ -19,7 +19,7 @@ namespace icehost {
 namespace {
 
 constexpr const char* kOutOfMemory = "out of memory";
-// How long the port may take after a signal. The rest of the second is for the files.
+// How long the port may work after a signal. The rest of the first second is for the files.
 constexpr std::chrono::milliseconds kLastBytes{400};
 
 std::unique_ptr<PinPort> OpenServed(const ProbeOptions& probe) {
@@ -29,7 +29,7 @@ std::unique_ptr<PinPort> OpenServed(const ProbeOptions& probe) {
 
 class Serving : private Server::Observer {
  public:
-  // Opens everything. Throws IoError, BadUsage, or Interrupted.
+  // Opens the outputs, the port and the endpoint. Throws IoError, BadUsage, or Interrupted.
   explicit Serving(const ServeCommand& command)
       : command_(command),
         outputs_(command.outputs, &OutputKind::serve, command.probe, FileUses()),
@@ -44,7 +44,7 @@ class Serving : private Server::Observer {
   std::string Fault(const std::string& why) const;
   PinPort& Begin();
   std::size_t Steps() const { return recording_.has_value() ? recording_->Steps() : 0; }
-  // Ends the events; `error` is why, and becomes one if there is no memory for that.
+  // Reports the end and its reason, `error`, to the listeners. Sets `error` if memory runs out.
   PageHead End(std::string& error);
   PageHead Head(const std::string& error) const;
   void EndClient();
@@ -60,13 +60,13 @@ class Serving : private Server::Observer {
   Outputs outputs_;
   TapDecoder decoder_;
   std::unique_ptr<PinPort> port_;
-  std::optional<RecordingPort> recording_;  // of it, where an output is asked for
+  std::optional<RecordingPort> recording_;  // wraps port_ if there is an output
   Listener listener_;
   std::unique_ptr<Session> session_;
   std::optional<Server> server_;
-  ServedClient client_;  // the last one
+  ServedClient client_;  // the current or last one
   bool has_client_ = false;
-  std::size_t scans_before_ = 0;  // it came
+  std::size_t scans_before_ = 0;  // before the client connected
   std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
 };
 
@@ -110,7 +110,7 @@ PinPort& Serving::Begin() {
   return recording_.emplace(*port_, recorders);
 }
 
-// Returns why it ended; nothing for a signal that has cut nothing off.
+// Returns why it ended; empty after a signal that has cut nothing off.
 std::string Serving::Serve() try {
   AllowAfterSignal(kLastBytes);
   PinPort& port = Begin();
@@ -128,8 +128,8 @@ std::string Serving::Serve() try {
   return kOutOfMemory;
 }
 
-// After a signal only what is missing is a fault: the signal may have ended the server of the port
-// as well.
+// After a signal, only missing data is a fault: the signal may have ended the server of the port as
+// well.
 std::string Serving::Fault(const std::string& why) const {
   if (!IsInterrupted()) return why;
   const std::size_t missing = recording_.has_value() ? recording_->Unrecorded() : 0;

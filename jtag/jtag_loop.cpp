@@ -9,16 +9,16 @@
 namespace icescript {
 namespace {
 
-// Twice what the host may count on, so that a host which captures the longest DR (36 bytes from
-// byte 3) stays inside.
+// Twice the guaranteed size: a host that captures the longest DR (36 bytes from byte 3 on) stays
+// within the buffer.
 constexpr int kCaptureStorage = 64;
 static_assert(kCaptureStorage >= JTAG_CAPTURE_BYTES && kCaptureStorage >= 3 + JTAG_DR_MAX_BYTES);
 
-// How the wire interface in force shapes a scan.
+// The properties of a scan that depend on the current wire interface.
 struct Interface {
   const char* name;
-  int dump_offset;     // of the script's own bytes in the arrays
-  int capture_offset;  // of the DR bits in the capture buffer
+  int dump_offset;     // index of the script's first byte in the arrays
+  int capture_offset;  // index of the first DR byte in the capture buffer
 };
 
 Interface InterfaceOf(int answer) {
@@ -32,13 +32,13 @@ Interface InterfaceOf(int answer) {
   }
 }
 
-// Rounds towards zero, so that a negative length has no bytes.
+// Returns 0 or less for a negative length: the register then has no bytes.
 int ByteCount(int bits) {
   return (bits + 7) / 8;
 }
 
-// Moves bytes 0 to 31 up by one to make room for the 2-wire interface's own byte. The interface
-// carries no more than 32: byte 32 is lost, bytes 33 to 35 stay where they are.
+// Moves bytes 0 to 31 up by one to make room for the extra byte of the 2-wire interface. The
+// interface is for at most 32 bytes: byte 32 is overwritten, and bytes 33 to 35 do not move.
 void InsertByte(std::uint8_t* data, std::uint8_t byte) {
   std::memmove(data + 1, data, 32);
   data[0] = byte;
@@ -56,15 +56,15 @@ void PrintByte(PrintCallback print, std::uint8_t byte) {
   print(text);
 }
 
-// Bytes of an array that stand for one register.
+// The part of an array that contains one register.
 struct Bytes {
   const std::uint8_t* array;
-  int size;   // of the array
+  int size;   // number of bytes in the array
   int first;  // index of the register's least significant byte
-  int count;  // zero or negative: none
+  int count;  // number of bytes in the register; none if zero or negative
 };
 
-// Prints one register, most significant byte first. What would lie beyond the array is left out.
+// Prints one register, most significant byte first, without bytes beyond the end of the array.
 void PrintDump(PrintCallback print, std::string_view reg, int bits, std::string_view direction,
                const Bytes& bytes) {
   PrintLine line;
@@ -97,8 +97,8 @@ bool RunScan(LinkHandle handle, PrintCallback print, int number, JtagOperatorDat
             {scan.irData, JTAG_IR_MAX_BYTES, wires.dump_offset, ir_bytes});
   PrintDump(print, "\tDR ", scan.drBitLength, " bits in  value 0x",
             {scan.drData, JTAG_DR_MAX_BYTES, wires.dump_offset, dr_bytes});
-  // By the answer itself, not by its name: an unknown answer is called "jtag5" too, but shows what
-  // was captured for reads only.
+  // Depends on the answer, not on its name: an unknown answer has the name "jtag5", too, but then
+  // only reads print the captured value.
   if (answer == CDI_ANSWER_JTAG5 || scan.readFlag != 0) {
     PrintDump(print, "\tDR ", scan.drBitLength, " bits out value 0x",
               {capture, kCaptureStorage, wires.capture_offset, dr_bytes});
@@ -115,7 +115,7 @@ bool Succeed(PrintCallback print, int number, const char* what) {
 
 bool RunOperator(LinkHandle handle, PrintCallback print, int number, JtagOperatorData& record) {
   switch (record.operatorType) {
-    case JTAG_OP_CDI_2WIRE:  // any result that is not negative will do, unlike for 5 wires
+    case JTAG_OP_CDI_2WIRE:  // unlike with 5 wires, a positive result is a success
       return link_config(handle, LINK_CONFIG_CDI_MODE, CDI_MODE_2WIRE) >= 0 &&
              Succeed(print, number, "Set CDI to SWD(2-wires)");
     case JTAG_OP_CDI_JTAG5:

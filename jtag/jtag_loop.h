@@ -1,4 +1,4 @@
-// The execution of a JTAG script.
+// The loop that executes a JTAG script.
 #ifndef ICESCRIPT_JTAG_JTAG_LOOP_H_
 #define ICESCRIPT_JTAG_JTAG_LOOP_H_
 
@@ -6,12 +6,11 @@
 
 namespace icescript {
 
-// Runs the list against the host's link functions and prints a line for every operation that
-// succeeded, with hexadecimal dumps for a scan. Stops at the first failing call without a word;
-// false then, true at the end of the list.
+// Executes the operations of the list with the host's link functions. Prints a line for every
+// operation that succeeds, and the registers of a scan in hexadecimal. Returns false at the first
+// call that fails, without a message, or true at the end of the list.
 //
-// `first` may be null. The scans of a 2-wire interface are rewritten in place, so a list is run
-// once.
+// `first` may be null. Run a list only once: scans over the 2-wire interface change its records.
 bool RunJtagOperators(LinkHandle handle, PrintCallback print, JtagOperatorData* first);
 
 }  // namespace icescript

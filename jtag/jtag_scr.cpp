@@ -12,16 +12,16 @@
 namespace icescript {
 namespace {
 
-// The arrays of a record are of one size, so that StoreBytes serves both.
+// StoreBytes works for both arrays of a record because they have the same size.
 static_assert(JTAG_IR_MAX_BYTES == JTAG_DR_MAX_BYTES);
 constexpr int kMaxBytes = JTAG_DR_MAX_BYTES;
 
-// The next field, trimmed of spaces.
+// Returns the next field without the spaces around it.
 std::string_view NextField(FieldCursor& fields) {
   return TrimRight(TrimLeft(fields.Next(), ' '), ' ');
 }
 
-// Hexadecimal with or without one "0x" or "0X"; the low 8 bits.
+// Returns the low 8 bits of a hexadecimal number, which may begin with "0x" or "0X".
 std::uint8_t ParseByte(std::string_view text) {
   if (text.size() >= 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X')) {
     text.remove_prefix(2);
@@ -29,8 +29,8 @@ std::uint8_t ParseByte(std::string_view text) {
   return static_cast<std::uint8_t>(ParseNumber(text, 16));
 }
 
-// Stores the listed bytes, no more than the length in bits says (in bits, not bytes: four bits
-// listed as two bytes keep both). False when the array cannot hold them or the length.
+// Stores the listed bytes, at most `bitLength` of them (deliberately as many bytes as the register
+// has bits). Returns false if these bytes or `bitLength` bits do not fit into the array.
 bool StoreBytes(FieldCursor fields, int bitLength, std::uint8_t* data) {
   if (bitLength > 8 * kMaxBytes) return false;
   for (int stored = 0; stored < bitLength && fields.HasNext(); ++stored) {
@@ -42,8 +42,8 @@ bool StoreBytes(FieldCursor fields, int bitLength, std::uint8_t* data) {
 
 }  // namespace
 
-// Delegating makes the object complete before parsing starts, so that the destructor frees the list
-// when the callback or an allocation throws.
+// The delegated constructor completes the object before parsing starts: if the callback or an
+// allocation then throws, the destructor runs and frees the list.
 JtagScr::JtagScr(char* path, PrintCallback callback) : JtagScr(callback) {
   ParseScr(path);
 }
@@ -68,7 +68,7 @@ int JtagScr::ParseScr(char* path) {
   }
   int status = 0;
   const int sections = ini.GetNumKeys();
-  const int control = ini.FindKey("CONTROL");  // the one section of this name
+  const int control = ini.FindKey("CONTROL");  // names are unique: there is at most one
   for (int i = 0; i < sections; ++i) {
     JtagOperatorData* record = nullptr;
     if (i == control) {
@@ -77,8 +77,8 @@ int JtagScr::ParseScr(char* path) {
       CString ir = ini.GetValue(i, "IR");
       CString dr = ir != "" ? ini.GetValue(i, "DR") : CString();
       if (dr == "") {
-        // The message of the last failed lookup: this one's, or an earlier one's, or none, when
-        // the value is there but empty.
+        // This is the message of the last lookup that failed, perhaps an earlier one: if the value
+        // exists but is empty, no lookup has failed here. The message may be empty.
         printCallback(ini.error_msg);
         return -1;
       }
@@ -87,7 +87,7 @@ int JtagScr::ParseScr(char* path) {
     if (record != nullptr) {
       Append(record);
     } else {
-      // Flushed, so that a redirected log has it in its place.
+      // Flushed, so that the order of lines is right if standard output is a file.
       std::printf("%s syntax error\n", ini.GetKeyName(i).Text().c_str());
       std::fflush(stdout);
       status = -1;
@@ -109,7 +109,7 @@ JtagOperatorData* JtagScr::ParsingControl(CIniFile& ini, int sectionIndex) {
 }
 
 JtagOperatorData* JtagScr::ParseJtagOperatorData(CString ir, CString dr) {
-  // IR: length, bytes. DR: flag, length, bytes. Each has two fields at least.
+  // IR is a length and bytes, DR a flag, a length and bytes. Each must have at least two fields.
   FieldCursor irFields(ir.Text(), ',');
   FieldCursor drFields(dr.Text(), ',');
   const std::string_view irLength = NextField(irFields);

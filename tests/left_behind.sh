@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# Finds what the tests of a build left. FOLDER is the TMPDIR of each test, and of no other process: every
-# file in it and every process with this TMPDIR is theirs. `clear` runs before the tests: it ends and
-# removes what an interrupted run left. `check` runs after them: it does the same, and fails if there
-# was anything.
+# Finds files and processes that the tests of a build left behind. FOLDER is the TMPDIR of the tests
+# and of nothing else: every file in it and every process with this TMPDIR is theirs. `clear` runs
+# before the tests, and removes what an interrupted run left. `check` runs after the tests, does the
+# same, and fails if there was anything.
 # usage: left_behind.sh clear|check FOLDER
 set -uo pipefail
 folder=$2
@@ -12,7 +12,7 @@ files() { find "$folder" -mindepth 1 2>/dev/null; }
 
 failed=0
 if [ "$1" = check ]; then
-  # A process that was told to end may take a moment.
+  # A process may take a moment to end.
   for _ in {1..30}; do
     [ -n "$(processes)$(files)" ] || break
     sleep 0.1

@@ -1,7 +1,7 @@
-"""What the Python tests of icehost share. Each is started as NAME.py ICEHOST SOURCE_FOLDER.
+"""Functions that the Python tests share. Each test is started as NAME.py ICEHOST SOURCE_FOLDER.
 
-A test works in a folder of its own, which has the entries of the source folder and is removed at
-the end. `icehost` is on the PATH.
+A test runs in a temporary folder, which has links to the entries of the source folder. `icehost` is
+on the PATH.
 """
 import json
 import os
@@ -16,19 +16,19 @@ import time
 ICEHOST = os.path.abspath(sys.argv[1])
 SOURCE = os.path.abspath(sys.argv[2])
 os.environ["PATH"] = f"{os.path.dirname(ICEHOST)}:{os.environ['PATH']}"
-SANITIZED = "sanitize" in ICEHOST  # which takes more memory, and files of its own
+SANITIZED = "sanitize" in ICEHOST  # a sanitizer needs more memory and opens files
 FOLDER = tempfile.TemporaryDirectory()
 for entry in os.listdir(SOURCE):
     os.symlink(os.path.join(SOURCE, entry), os.path.join(FOLDER.name, entry))
 os.chdir(FOLDER.name)
 os.environ["HOME"] = FOLDER.name
-# A shell lets what it starts in the background ignore SIGINT.
+# A shell starts background processes with SIGINT ignored.
 signal.signal(signal.SIGINT, signal.default_int_handler)
 
-# What a client of remote_bitbang sends: two bytes for each edge of TCK.
+# Bytes of a remote_bitbang client: two for each TCK cycle.
 RESET = b"26" * 5
 TO_SHIFT_DR = b"260404"  # from Run-Test/Idle
-BACK = b"262604"  # with the last bit, to Run-Test/Idle
+BACK = b"262604"  # shifts the last bit and returns to Run-Test/Idle
 
 PINS = ["NRST", "TRST", "TCK", "TMS", "TDI", "TDO"]
 
@@ -38,11 +38,11 @@ started = []  # processes
 
 def expect(what, got, wanted):
     if got != wanted:
-        failures.append(f"{what}: {got!r}, not {wanted!r}")
+        failures.append(f"{what}: expected {wanted!r}, found {got!r}")
 
 
 def run_checks(*checks):
-    """Runs the checks, ends every process, and exits with what failed."""
+    """Runs the checks, ends every started process, prints the failures, and exits with 0 or 1."""
     try:
         for check in checks:
             check()
@@ -55,13 +55,13 @@ def run_checks(*checks):
 
 
 def start(*command, **options):
-    """Starts a process that does not outlive the test."""
+    """Starts a process, which run_checks ends, and returns it."""
     started.append(subprocess.Popen(command, **options))
     return started[-1]
 
 
 def output(*command, given=""):
-    """Returns what a command prints on standard output and error, whatever its status."""
+    """Returns the standard output and error of a command, whatever its status."""
     return subprocess.run(command, input=given.encode(), stdout=subprocess.PIPE, check=False,
                           stderr=subprocess.STDOUT, timeout=60).stdout.decode()
 
@@ -72,7 +72,7 @@ def read(path):
 
 
 def records_of(lines):
-    """Returns the objects of JSON lines."""
+    """Returns the objects in JSON lines."""
     return [json.loads(line) for line in lines.splitlines()]
 
 
@@ -83,7 +83,7 @@ def write(path, text):
 
 
 def waveform(path, steps=1 << 30):
-    """Returns the levels of each pin and the state of the TAP for the first steps of a VCD file."""
+    """Returns the levels of each pin and the TAP states in the first steps of a VCD file."""
     values = dict.fromkeys("!\"#$%&t", "")
     levels, states = dict.fromkeys(PINS, ""), []
     for line in read(path).split("$enddefinitions $end\n")[1].splitlines():
@@ -98,7 +98,7 @@ def waveform(path, steps=1 << 30):
 
 
 class Serve:
-    """A running server. It says on which port, unless it is quiet."""
+    """A running `icehost serve`. `port` is its port, or 0 if it is quiet."""
 
     def __init__(self, *options, endpoint="tcp:0", **spawn):
         self.process = start(ICEHOST, "serve", endpoint, *options, stderr=subprocess.PIPE, **spawn)
@@ -109,14 +109,14 @@ class Serve:
         return socket.create_connection(("127.0.0.1", self.port), timeout=60)
 
     def play(self, request):
-        """Sends a request that ends in Q, as a client of its own, and waits for the end."""
+        """Sends a request that ends in Q as a new client, and waits until the server closes."""
         with self.client() as client:
             client.sendall(request)
             while client.recv(65536):
                 pass
 
     def end(self, signal_number=signal.SIGTERM):
-        """Returns the status, and what was said after the first line."""
+        """Ends the server by a signal, if any, and returns its status and its later messages."""
         if signal_number:
             self.process.send_signal(signal_number)
         begun = time.monotonic()

@@ -1,12 +1,12 @@
-# What the shell tests share. A test sources it with ICEHOST and SOURCE_FOLDER as arguments, and then
-# works in the source folder. `scratch` is a folder that is removed at the end of the test.
+# Functions that the shell tests share. A test that has the arguments ICEHOST and SOURCE_FOLDER
+# sources this file and then runs in the source folder. `scratch` is a temporary folder.
 set -euo pipefail
 icehost=$(realpath "$1")
 cd "$2"
 scratch=$(mktemp -d)
 
 finish() {
-  # shellcheck disable=SC2046: a word for each process
+  # shellcheck disable=SC2046: each process must be one argument
   kill $(jobs -p) 2>/dev/null || true
   wait
   rm -rf "$scratch"
@@ -19,10 +19,10 @@ fail() {
   exit 1
 }
 
-# holds FILE TEXT: the file in `scratch` has this text, and nothing else.
-holds() { [ "$(cat "$scratch/$1")" = "$2" ] || fail "$1 is not: $2"; }
+# holds FILE TEXT: fails unless the file in `scratch` contains exactly this text.
+holds() { [ "$(cat "$scratch/$1")" = "$2" ] || fail "$1 does not contain exactly: $2"; }
 
-# wait_for PATTERN FILE: prints what the pattern matches, once the file has it.
+# wait_for PATTERN FILE: waits until the file matches the pattern, and prints the match.
 wait_for() {
   local found
   for _ in $(seq 100); do
@@ -32,7 +32,7 @@ wait_for() {
   fail "no $1 in $2" >&2
 }
 
-# serve OPTION...: starts a server of the simulated target; sets `server`, a process, and `port`.
+# serve OPTION...: starts a server of the simulated target, and sets `server` (its PID) and `port`.
 serve() {
   : >"$scratch/serve.log"
   "$icehost" serve tcp:0 "$@" 2>"$scratch/serve.log" &
@@ -40,13 +40,13 @@ serve() {
   port=$(wait_for '[0-9]+$' "$scratch/serve.log")
 }
 
-# stop SIGNAL SERVER: the server ends, with status 0.
+# stop SIGNAL SERVER: ends the server, which must exit with status 0.
 stop() {
   kill "-$1" "$2"
   wait "$2" || fail "serve ended with $?"
 }
 
-# with_openocd COMMAND...: replaces the shell by OpenOCD on the server at `port`.
+# with_openocd COMMAND...: replaces the shell by OpenOCD, which connects to the server at `port`.
 with_openocd() {
   local commands=() command
   for command; do commands+=(-c "$command"); done
@@ -55,7 +55,7 @@ with_openocd() {
     -c 'gdb_port disabled; telnet_port disabled' "${commands[@]}" >"$scratch/openocd.log" 2>&1
 }
 
-# start_openocd COMMAND...: starts it in the background; sets `openocd`, a process, and `probe`.
+# start_openocd COMMAND...: starts it in the background, and sets `openocd` (its PID) and `probe`.
 start_openocd() {
   : >"$scratch/openocd.log"
   with_openocd 'tcl_port 0' "$@" &
@@ -68,7 +68,7 @@ stop_openocd() {
   wait "$openocd" || true
 }
 
-# shows_scan VCD VALUE: a logic analyser finds a DR scan that reads this value in the waveform.
+# shows_scan VCD VALUE: succeeds if sigrok-cli decodes a DR scan with this value from the waveform.
 shows_scan() {
   sigrok-cli -l 1 -I vcd -i "$1" -P jtag:tdi=tdi:tdo=tdo:tck=tck:tms=tms \
     -A jtag=bitstring-tdi:bitstring-tdo >"$scratch/decoded.log"

@@ -9,7 +9,7 @@
 #include <sstream>
 #include <string>
 
-// A file with this content, for as long as the object lives.
+// A temporary file with this content. The destructor removes it.
 class TempFile {
  public:
   explicit TempFile(const std::string& content) {

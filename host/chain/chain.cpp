@@ -7,10 +7,10 @@
 namespace icehost {
 namespace {
 
-// The standard reserves this code, so that a marker may follow the end of a chain.
+// The standard reserves this code, so that a marker after the chain cannot be an IDCODE.
 constexpr unsigned kCodeOfNobody = 0x7F;
 
-// Returns why a register is not an IDCODE; empty if it may be one.
+// Returns why a register is not a valid IDCODE; empty if it may be one.
 std::string WhyNoIdcode(std::uint32_t idcode) {
   if ((idcode & 1) == 0) return "bit 0 of an IDCODE is 1";
   if (ManufacturerOf(idcode).code == kCodeOfNobody) return "no manufacturer may have code 0x7f";

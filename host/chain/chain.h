@@ -1,4 +1,4 @@
-// The chain of TAPs on a probe, and its text: a report, and the beginnings of scripts.
+// The chain of TAPs on a probe, with a report on it and the beginnings of scripts for it.
 #ifndef ICESCRIPT_HOST_CHAIN_CHAIN_H_
 #define ICESCRIPT_HOST_CHAIN_CHAIN_H_
 
@@ -16,10 +16,10 @@ struct ChainTap {
   std::string name;                     // empty if it has none
   std::optional<std::uint32_t> idcode;  // nothing: a reset selects BYPASS
   std::optional<int> ir_bits;           // nothing: unknown
-  // For a chain that was declared before it was read.
-  bool answered = true;      // false: nothing above was read
-  std::string manufacturer;  // as the reader of the IDCODE names it; may be empty
-  std::string expected;      // IDCODEs; may be empty
+  // For a chain that was declared before it was read, as in OpenOCD:
+  bool answered = true;      // false: neither an IDCODE nor BYPASS was read
+  std::string manufacturer;  // as OpenOCD names it; may be empty
+  std::string expected;      // the IDCODEs that were declared; may be empty
 };
 
 struct Chain {
@@ -27,7 +27,7 @@ struct Chain {
   std::optional<int> ir_bits;      // of all TAPs, if measured
   Bits captured_ir;                // of all TAPs, if measured
   std::vector<std::string> notes;  // for the report
-  // What is wrong, the most serious first. A chain without faults is sound and has a TAP or more.
+  // Faults, the most serious first. A chain without faults is sound and has at least one TAP.
   std::vector<std::string> faults;
 };
 
@@ -39,37 +39,37 @@ struct Manufacturer {
   unsigned code;  // 1 to 126; 0 and 127 identify nobody
 };
 Manufacturer ManufacturerOf(std::uint32_t idcode);
-// Returns the name; empty if it is unknown.
+// Returns the name of a manufacturer; empty if icehost does not know it.
 std::string ManufacturerName(Manufacturer manufacturer);
 
 // Adds a fault for each IDCODE that is not valid.
 void JudgeIdcodes(Chain& chain);
 // Returns "TAP 2", followed by the TAP's name in parentheses if it has one; `i` counts from 0. The
-// text is printable.
+// text is Printable.
 std::string TapTitle(const Chain& chain, std::size_t i);
-// Returns "1 TAP", "2 TAPs".
+// Returns "1 TAP", "2 TAPs" and so on.
 std::string CountedTaps(std::size_t taps);
 
 // Returns the place of a TAP in a chain that was read; `tap` counts from 0. Throws Unsupported if
-// the chain is not sound, has no such TAP, or leaves an IR length open.
+// the chain is not sound or has no such TAP, or if an IR length is unknown.
 ChainPlace PlaceIn(const Chain& chain, std::size_t tap);
-// Throws Unsupported unless the chain that was read is the one of `place`, as far as the captured
-// IRs tell. If that has no lengths, returns the place of all TAPs taken as one.
+// Returns `place` if the TAPs and captured IRs of the chain that was read agree with it, and throws
+// Unsupported if not. If `place` has no IR lengths, returns one with the whole chain as one TAP.
 ChainPlace ConfirmPlace(const Chain& chain, const ChainPlace& place);
 
-// Returns a report for people: the TAPs and notes, a line for each, without its faults. `where`
-// names the probe. The text is printable.
+// Returns a report for people, with the TAPs and the notes but not the faults. `where` names the
+// probe. The text is Printable.
 std::string ReportOf(const Chain& chain, const std::string& where);
 
-// Returns a JTAG script that passes on this sound chain: it shifts through BYPASS, whose
-// instruction is the same in every TAP. For each IDCODE it contains a section that is commented
-// out, since no standard defines the instruction. `only` is the one TAP that a scan of the probe
-// reaches: OpenOCD keeps the others in BYPASS. Throws Unsupported if the IR is longer than a
-// script's may be, or the chain longer than kMostTaps.
+// Returns a JTAG script that passes on a sound chain: it shifts through BYPASS, whose instruction
+// is the same in every TAP. For each IDCODE it contains a section that is commented out, because no
+// standard defines the instruction. `only` is the index of the only TAP that scans of the probe
+// reach; OpenOCD keeps the others in BYPASS. Throws Unsupported if the IR is too long for a script,
+// or if the chain has more than kMostTaps TAPs.
 std::string JtagScriptOf(const Chain& chain, std::optional<std::size_t> only);
 
-// Returns a GPIO script that passes on this sound chain: it resets the TAPs and reads their IDCODEs
-// bit by bit, ignoring the versions.
+// Returns a GPIO script that passes on a sound chain: it resets the TAPs and reads their IDCODEs
+// bit by bit, but ignores the versions.
 std::string GpioScriptOf(const Chain& chain);
 
 }  // namespace icehost

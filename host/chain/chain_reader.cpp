@@ -11,34 +11,34 @@
 namespace icehost {
 namespace {
 
-// Shifted in first, and recognised after the chain. No chain answers with it: it begins like an
-// IDCODE of the manufacturer that the standard forbids.
+// Is shifted in first and searched for in the output. No chain answers with it, because it begins
+// like an IDCODE with the manufacturer that the standard forbids.
 constexpr std::uint64_t kMarker = 0x9C3A'51E7'2B64'D0FF;
 constexpr std::size_t kMarkerBits = 64;
-// Tried first: most chains are short, and a simulator may need a millisecond for each bit.
+// Tried first, because most chains are short and a simulator may need a millisecond for each bit.
 constexpr int kFewTaps = 4;
-// The longest IR to search for: of a TAP alone, and of each TAP in a chain.
+// The longest IR to search for, in bits: of a TAP alone, and of each TAP in a chain.
 constexpr std::size_t kLongestIr = 256;
 constexpr std::size_t kLongestIrEach = 64;
-// Combinations of IR lengths to report if several fit.
+// The number of combinations of IR lengths that are reported if several fit.
 constexpr std::size_t kWaysShown = 4;
 
-// Returns the marker repeatedly: bits after the chain that are all alike did not pass through it.
+// Returns repeated markers, so that equal bits after the chain cannot have passed through it.
 Bits Markers(std::size_t bits) {
   Bits markers = BitsOfNumber(kMarker, kMarkerBits);
   while (markers.size() < bits) markers.push_back(markers[markers.size() - kMarkerBits]);
   return markers;
 }
 
-// Returns the marker, followed by ones.
+// Returns the marker, followed by this many ones.
 Bits MarkedBits(std::size_t ones) {
   Bits bits = BitsOfNumber(kMarker, kMarkerBits);
   bits.insert(bits.end(), ones, true);
   return bits;
 }
 
-// Returns the number of bits between TDI and TDO: the place where `in` comes out. Nothing if the
-// whole marker does not.
+// Returns the number of bits between TDI and TDO: the index in `out` where `in` begins. Returns
+// nothing if `out` does not contain the whole marker.
 std::optional<std::size_t> LengthBetween(const Bits& in, const Bits& out) {
   for (std::size_t at = 0; at + kMarkerBits <= out.size(); ++at) {
     const auto echo = out.begin() + static_cast<std::ptrdiff_t>(at);
@@ -47,22 +47,22 @@ std::optional<std::size_t> LengthBetween(const Bits& in, const Bits& out) {
   return std::nullopt;
 }
 
-// Returns the number of bits at the end that are all alike.
+// Returns the number of equal bits at the end.
 std::size_t TailOf(const Bits& bits) {
   const auto other = std::find(bits.rbegin(), bits.rend(), !bits.back());
   return static_cast<std::size_t>(other - bits.rbegin());
 }
 
-// Returns the IR lengths that `taps` TAPs may have whose captured IRs together are these bits, the
-// TAP nearest to TDO first: every combination, or `most` of them. By IEEE 1149.1 the first two bits
-// of each captured IR are 1 and 0.
+// Returns the lengths that the IRs of `taps` TAPs may have, the TAP nearest to TDO first.
+// `captured` is all their captured IRs, each of which begins with 1 and 0 by IEEE 1149.1. Returns
+// every possible combination, but at most `most`.
 std::vector<std::vector<int>> IrLengths(const Bits& captured, std::size_t taps, std::size_t most) {
   std::vector<int> beginnings;
   for (std::size_t i = 0; i + 1 < captured.size(); ++i) {
     if (captured[i] && !captured[i + 1]) beginnings.push_back(static_cast<int>(i));
   }
   if (taps == 0 || beginnings.size() < taps || beginnings.front() != 0) return {};
-  // Tries each choice of beginnings after the first.
+  // Tries each choice of beginnings for the TAPs after the first one.
   Bits chosen(beginnings.size() - 1);
   std::fill_n(chosen.begin(), taps - 1, true);
   std::vector<std::vector<int>> ways;
@@ -94,7 +94,7 @@ class ChainReader {
  private:
   enum class From { kReset, kHere };
 
-  // Each returns whether the next can be read.
+  // Each returns whether the next one can be called.
   bool ReadIdcodes();
   bool ReadIrs();
   bool CountBypasses();
@@ -133,7 +133,7 @@ std::optional<Bits> ChainReader::ReadTwice(From from, TapState shift, const Bits
   return std::nullopt;
 }
 
-// After a reset each TAP answers with its IDCODE, whose bit 0 is 1, or with the 0 of BYPASS.
+// After a reset, each TAP answers with its IDCODE, whose bit 0 is 1, or with a 0 from BYPASS.
 bool ChainReader::ReadIdcodes() {
   Bits out;
   for (const int taps : {kFewTaps, kMostTaps}) {
@@ -151,7 +151,7 @@ bool ChainReader::ReadIdcodes() {
   return false;
 }
 
-// Adds the TAPs whose answers begin before one bit and end at another or before.
+// Adds the TAPs whose answers begin before bit `begin_below`. An answer beyond `end` is a fault.
 void ChainReader::TakeTaps(const Bits& out, std::size_t begin_below, std::size_t end) {
   for (std::size_t at = 0; at < begin_below && chain_.taps.size() < kMostTaps;) {
     ChainTap tap;
@@ -179,7 +179,7 @@ void ChainReader::ExplainEndless(const Bits& out) {
         fmt::format("the chain is broken: behind the TAPs that answer TDO is all {} (TDI is not "
                     "connected, or the chain is open there)",
                     out.back() ? "ones" : "zeros"));
-    // The last IDCODE may end in bits that are alike.
+    // The last IDCODE may end with bits of this value.
     TakeTaps(out, out.size() - tail, out.size());
   } else {
     Fail(
@@ -189,7 +189,7 @@ void ChainReader::ExplainEndless(const Bits& out) {
   }
 }
 
-// The ones after the marker stay in the IRs: BYPASS in every TAP.
+// The ones after the marker stay in the IRs, which selects BYPASS in every TAP.
 bool ChainReader::ReadIrs() {
   const std::size_t most = std::max(kLongestIr, kLongestIrEach * chain_.taps.size());
   const Bits in = MarkedBits(most);

@@ -1,4 +1,4 @@
-// Reads a chain, from the pins of a probe or from OpenOCD.
+// Reads a chain from the pins of a probe, or from OpenOCD.
 #ifndef ICESCRIPT_HOST_CHAIN_CHAIN_READER_H_
 #define ICESCRIPT_HOST_CHAIN_CHAIN_READER_H_
 
@@ -10,18 +10,18 @@
 
 namespace icehost {
 
-// Resets the TAPs by TMS, with NRST and TRST high, reads what they answer, loads no instruction but
-// BYPASS, and leaves the TAPs in Test-Logic-Reset. Reads everything twice; a difference is a fault.
-// Throws what the port throws.
+// Resets the TAPs by TMS, with NRST and TRST high, and reads their answers. Loads no instruction
+// except BYPASS, and leaves the TAPs in Test-Logic-Reset. Reads everything twice; a difference is a
+// fault. Throws what the port throws.
 Chain ReadChain(PinPort& port);
 
-// Lets OpenOCD examine its chain again, which resets the TAPs but not the target. IDCODEs are those
-// read then; IR lengths are those that OpenOCD was configured with or found when it started. Throws
-// as OpenocdRpc.
+// Makes OpenOCD examine its chain again, which resets the TAPs but not the target. Returns the
+// IDCODEs read then, and the IR lengths that OpenOCD was configured with or found when it started.
+// Throws what OpenocdRpc::Ask throws, and IoError if OpenOCD cannot examine the chain.
 Chain ReadOpenocdChain(OpenocdRpc& rpc);
 
-// Returns the chain that results from OpenOCD's messages during the examination, in lines, and from
-// its table after that.
+// Returns the chain that OpenOCD describes: `said` contains its messages during the examination, in
+// lines, and `table` its answer to kAskScanChain after that.
 Chain OpenocdChain(const std::string& said, const std::string& table);
 
 }  // namespace icehost

@@ -8,7 +8,7 @@ namespace {
 
 constexpr unsigned kHighestCode = 126;
 
-// Returns such as "version 1, part 0xce51, manufacturer 0x23b (bank 5, code 0x3b: NAME)".
+// Returns, for example, "version 1, part 0xce51, manufacturer 0x23b (bank 5, code 0x3b: NAME)".
 std::string DescribeIdcode(std::uint32_t idcode, std::string name) {
   const Manufacturer manufacturer = ManufacturerOf(idcode);
   const auto [bank, code] = manufacturer;
@@ -19,7 +19,7 @@ std::string DescribeIdcode(std::uint32_t idcode, std::string name) {
       idcode >> 12 & 0xFFFF, idcode >> 1 & 0x7FF, bank, code, name.empty() ? "" : ": ", name);
 }
 
-// Returns what a reset selects in the TAP.
+// Returns what was read from the TAP after a reset.
 std::string AnswerOf(const ChainTap& tap) {
   if (!tap.answered) return "nothing was read";
   if (!tap.idcode.has_value()) return "no IDCODE";

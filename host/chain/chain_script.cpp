@@ -11,7 +11,7 @@ namespace icehost {
 namespace {
 
 constexpr std::size_t kLongestScriptIr = std::size_t{8} * JTAG_IR_MAX_BYTES;
-// The uppermost four bits, the version, may differ from chip to chip of one design.
+// The top four bits, the version, may differ between chips of one design.
 constexpr std::uint32_t kIdcodeWithoutVersion = 0x0FFFFFFF;
 
 constexpr char kJtagHead[] =
@@ -23,7 +23,7 @@ CDI=5
 # All ones is BYPASS, by IEEE 1149.1: what is shifted in comes out a bit later for each TAP.
 )";
 
-// Shifted through BYPASS: neither all alike nor the same backwards.
+// Shifted through BYPASS: the bits are not all equal, and different in reverse order.
 constexpr std::uint64_t kPattern = 0x5AC3'0F71;
 constexpr int kPatternBits = 32;
 
@@ -31,7 +31,7 @@ std::string Field(const Bits& bits) {
   return fmt::format("{},{}", bits.size(), ByteList(bits));
 }
 
-// Returns `bits` with so many zeros before and after them.
+// Returns `bits` with this many zeros before and after them.
 Bits Between(std::size_t before, Bits bits, std::size_t after) {
   bits.insert(bits.begin(), before, false);
   bits.insert(bits.end(), after, false);
@@ -43,7 +43,7 @@ struct Expected {
   Bits mask;  // empty: all bits count
 };
 
-// Returns the lines of a section after its name, each after `comment`.
+// Returns the lines of a section below its header, each beginning with `comment`.
 std::string Scan(const std::string& comment, const Bits& ir, const Bits& dr,
                  const Expected& expected) {
   std::string lines = fmt::format("{0}IR={1}\n{0}DR=R,{2}\n{0}TDO={3}\n", comment, Field(ir),
@@ -54,7 +54,7 @@ std::string Scan(const std::string& comment, const Bits& ir, const Bits& dr,
   return lines;
 }
 
-// A script for a chain, or for one TAP in it.
+// A JTAG script for a chain, or for one TAP of it.
 class Script {
  public:
   Script(const Chain& chain, std::optional<std::size_t> only) : chain_(chain), only_(only) {}
@@ -81,8 +81,8 @@ std::size_t Script::IrBits() const {
   return static_cast<std::size_t>(bits);
 }
 
-// All TAPs delay what is shifted in, also those that the scan does not reach; the probe decides
-// what it shifts into these.
+// All TAPs delay what is shifted in, also those that the scan does not address. The probe decides
+// what it shifts into those, so that the first bits out are unknown.
 std::string Script::BypassSection() const {
   const std::size_t taps = chain_.taps.size();
   const Bits pattern = BitsOfNumber(kPattern, kPatternBits);
@@ -91,7 +91,7 @@ std::string Script::BypassSection() const {
                              {Between(taps, pattern, 0), mask});
 }
 
-// Only the instruction is to be filled in: the other TAPs stay in BYPASS.
+// Users only have to fill in the instruction: the other TAPs stay in BYPASS.
 std::string Script::IdcodeSection(std::size_t i) const {
   std::size_t before = 0;
   std::size_t after = 0;
@@ -114,7 +114,7 @@ std::string Script::IdcodeSection(std::size_t i) const {
                      {place(idcode), place(kIdcodeWithoutVersion)});
 }
 
-// With these options a script is for one TAP, as if that were alone.
+// With these options, a script addresses one TAP as if it were alone.
 std::string Script::OptionsComment() const {
   std::vector<int> lengths;
   for (const ChainTap& tap : chain_.taps) lengths.push_back(*tap.ir_bits);
@@ -140,7 +140,7 @@ std::string Script::Text() const {
   return text;
 }
 
-// A script cannot spare the target: START pulls every pin low.
+// A script cannot avoid resetting the target, because START pulls every pin low.
 constexpr char kGpioHead[] =
     "# Made by icehost detect: resets the TAPs and reads what they answer then, every TCK edge a "
     "line.\n"
@@ -171,7 +171,7 @@ ENDR
 END
 )";
 
-// Reads one bit of TDO, and expects `level` if it is given.
+// Returns lines that read one bit of TDO, and that expect `level` if it is given.
 std::string ReadBit(const std::string& name, std::optional<bool> level) {
   const std::string read =
       level.has_value() ? fmt::format("PRINT=GPIO_IN               # expect TDO={:d}", *level)

@@ -3,7 +3,7 @@
 namespace icehost {
 namespace {
 
-// Makers of chips that have a TAP, by bank and code of JEP106.
+// Manufacturers of chips that have a TAP, by bank and code of JEP106.
 constexpr struct {
   unsigned bank;
   unsigned code;

@@ -13,7 +13,7 @@ void RefuseUnsound(const Chain& chain) {
   if (!chain.faults.empty()) throw Unsupported(chain.faults.front());
 }
 
-// Whether the captured IR of each TAP has the 01 of IEEE 1149.1 in its lowest bits.
+// Returns whether each captured IR has the 01 of IEEE 1149.1 in its lowest bits.
 bool BeginsEach(const Bits& captured, const std::vector<int>& lengths) {
   std::size_t at = 0;
   for (const int length : lengths) {

@@ -12,7 +12,7 @@
 namespace icehost {
 namespace {
 
-// A NUL ends a line for the readers, which skip the rest of it.
+// Reports text after a NUL, at which the plug-in's readers end the line.
 void ReportCutLines(const ScriptText& script, Problems& problems) {
   if (script.Content().find('\0') == std::string::npos) return;
   for (const ScriptLine line : script) {
@@ -25,13 +25,13 @@ void ReportCutLines(const ScriptText& script, Problems& problems) {
   }
 }
 
-// A script without text is not run at all, but the GPIO reader is the one that refuses it.
+// The plug-in's GPIO reader is the one that refuses a script without text.
 bool IsGpioScript(const ScriptText& script) {
   return !script.HasText() || icescript::IsSectionTag((*script.WithText(script.begin())).text);
 }
 
-// The letters of a line in upper case: they stay where a bracket is lost, or where there is a blank
-// or a byte-order mark.
+// Returns the letters of a line in upper case: they stay the same if a bracket is lost, or if there
+// is a blank or a byte-order mark.
 std::string Letters(std::string_view text) {
   std::string letters;
   for (const char ch : text) {
@@ -41,7 +41,7 @@ std::string Letters(std::string_view text) {
   return letters;
 }
 
-// Why a line that has the letters of the tag, or nearly so, is not the tag.
+// Returns why a line with the letters of the tag, or similar ones, is not the tag.
 std::string WhyNotTag(std::string_view text, const std::string& tag) {
   if (const auto slip = SlipIn(text); !slip.empty()) return std::string(slip);
   if (text.front() != '[' || text.find(']') == std::string_view::npos) return "a bracket is lost";
@@ -51,12 +51,12 @@ std::string WhyNotTag(std::string_view text, const std::string& tag) {
   return {};
 }
 
-// Reports a first line of a JTAG script that looks like the tag of a GPIO script.
+// Warns if the first line of a JTAG script looks like the tag of a GPIO script.
 void WarnOfNearTag(const ScriptText& script, Problems& problems) {
   const ScriptLine first = *script.WithText(script.begin());
   const std::string_view name =
       first.text.substr(0, std::min(FindForeignComment(first.text), first.text.find(']')));
-  // Brackets, blanks and the like may be as many again.
+  // Even a tag with many additional brackets and blanks is shorter.
   if (name.size() > 40) return;
   const std::string tag = Nearest(Letters(name), {"ORVEX_ICE_GPIO", "ZEVA_ICE_GPIO"});
   if (tag.empty()) return;
@@ -65,7 +65,7 @@ void WarnOfNearTag(const ScriptText& script, Problems& problems) {
                             InParentheses(WhyNotTag(first.text, tag))));
 }
 
-// A file of a kind that run does not play has one error, which names the kind.
+// If a script with errors is a file that run does not play, reports only what kind of file it is.
 void ReportWrongKind(const ScriptText& script, Problems& problems) {
   if (!problems.HasErrors()) return;
   const auto wrong = FindWrongKind(script.Content(), FileUse::kScript);

@@ -9,19 +9,19 @@
 namespace icehost {
 
 struct CheckResult {
-  Problems problems;  // in the order of their places
+  Problems problems;  // sorted by place
   Plan plan;
 };
 
-// Finds all problems of a script, and what runs of it. Throws Interrupted, as do the two below.
+// Finds the problems of a script and the operations that run. Throws Interrupted; so do the next
+// two.
 CheckResult CheckScript(const ScriptText& script);
 
-// The parts of CheckScript: for a script that the plug-in runs as a GPIO script, and as a JTAG
-// script.
+// Parts of CheckScript: check a script that the plug-in runs as a GPIO script, or as a JTAG script.
 void CheckGpio(const ScriptText& script, CheckResult& result);
 void CheckJtag(const ScriptText& script, CheckResult& result);
 
-// The problem at ScriptText::CutAt().
+// The text of the problem at ScriptText::CutAt().
 constexpr const char* kCutScript =
     "the line is too long: the plug-in reads neither it nor anything after it";
 

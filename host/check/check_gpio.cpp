@@ -1,4 +1,4 @@
-// What is wrong with a GPIO script.
+// Checks GPIO scripts.
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -23,15 +23,15 @@ namespace {
 using icescript::GpioLineParser;
 using Element = icescript::CIniFile::gpio_element;
 
-// Finds levels that come to nothing, and levels on TDO, which is the target's to drive. Takes the
+// Finds levels that have no effect, and levels on TDO, which the target should drive. Reads the
 // lines of a script one by one.
 class GpioPins {
  public:
   explicit GpioPins(Problems& problems) : problems_(problems) {}
 
-  // `named`: the pins that the line sets by name.
+  // `named` are the pins that the line sets by name (GPIO_PIN_ bits).
   void Take(GpioLine& line, const Element& element, int named) {
-    if (element.out_value < 0 || element.oe_mask < 0) return;  // an error of its own
+    if (element.out_value < 0 || element.oe_mask < 0) return;  // CheckWords reports these
     if ((element.flags & GPIO_FLAG_WRITE_OE) != 0) Enable(line, element.oe_mask);
     const int changed = (element.out_value ^ levels_) & GPIO_PIN_ALL;
     levels_ = element.out_value;
@@ -41,8 +41,8 @@ class GpioPins {
     }
   }
 
-  // The block that began at the line `rept` ends. A pin that is enabled early in a block is enabled
-  // after the block's levels too, in its next run.
+  // Ends the block that began at line `rept`. In the block's next run, an enable early in the block
+  // follows levels late in the block, which then reach the pin.
   void CloseBlock(int rept) {
     int enabled = 0;
     for (unsigned pin = 0; pin < kPinKeys; ++pin) {
@@ -54,7 +54,7 @@ class GpioPins {
     idle_.erase(std::remove_if(idle_.begin(), idle_.end(), reaches), idle_.end());
   }
 
-  // There are no more lines.
+  // Reports the levels that reach no pin up to the end of the script.
   void Finish() {
     for (const Idle& idle : idle_) {
       problems_.Warn(idle.place,
@@ -65,7 +65,7 @@ class GpioPins {
   }
 
  private:
-  // Levels that reach no pin unless one of these is enabled later.
+  // Levels that reach no pin, unless a later line enables one of these pins.
   struct Idle {
     Place place;
     int pins;
@@ -81,8 +81,8 @@ class GpioPins {
     idle_.erase(std::remove_if(idle_.begin(), idle_.end(), reaches), idle_.end());
   }
 
-  // A word sets all pins, whichever are meant: the levels that it raises are idle where no level
-  // that it changes is seen.
+  // A word sets all pins, even if its author means only some. The levels that it raises are idle
+  // only if none of the levels that it changes reaches a pin.
   void SetIdle(GpioLine& line, int named, int changed) {
     int known = 0;
     for (const Idle& idle : idle_) known |= idle.pins;
@@ -96,8 +96,8 @@ class GpioPins {
     }
   }
 
-  // Reported once for as long as it is driven: every script begins with it driven, and most never
-  // mind.
+  // Reports TDO once for as long as it is driven. Every script begins with TDO driven, which is
+  // harmless for most of them.
   void CheckTdo(GpioLine& line, int flags, int named, int changed) {
     const bool by_name = (named & GPIO_PIN_TDO) != 0;
     tdo_reported_ = true;
@@ -120,14 +120,14 @@ class GpioPins {
 
   Problems& problems_;
   int levels_ = 0;
-  int enables_ = GPIO_PIN_ALL;       // as the probe has them
-  bool tdo_reported_ = false;        // since TDO is driven
-  std::array<int, 6> enabled_at_{};  // the last line that enables the pin
+  int enables_ = GPIO_PIN_ALL;       // the pins that are enabled now
+  bool tdo_reported_ = false;        // since TDO has been driven
+  std::array<int, 6> enabled_at_{};  // the last line that enables each pin
   std::vector<Idle> idle_;
 };
 
-// Takes START and the lines after it one by one, as the plug-in's parser does. A line that is
-// refused is reported and left out: the ones after it are checked as if it were not there.
+// Reads START and the lines after it one by one, as the plug-in's parser does. Reports a refused
+// line, and checks the lines after it as if that line were not there.
 class GpioLines {
  public:
   explicit GpioLines(CheckResult& result)
@@ -135,7 +135,7 @@ class GpioLines {
 
   void TakeStart(const ScriptLine& line) { AddOperation(line); }
   void Take(const ScriptLine& line);
-  // There are no more, or if `cut`, the plug-in reads no more. What they lack is then no fault.
+  // Ends the script. If `cut`, the plug-in stops reading here, and missing lines are not a fault.
   void Finish(bool cut);
 
   bool Ended() const { return (state_.flags & GPIO_FLAG_END) != 0; }
@@ -145,7 +145,7 @@ class GpioLines {
   struct Block {
     Place rept;
     int times;
-    long operations = 0;  // of one run, so far
+    long operations = 0;  // of one run of the block so far
   };
 
   void Refuse(GpioLine& line, std::string_view item);
@@ -159,10 +159,10 @@ class GpioLines {
   Problems& problems_;
   Plan& plan_;
   GpioLineParser parser_;
-  GpioLine line_;  // the one that is taken
+  GpioLine line_;  // the current line
   Element state_{0, GPIO_PIN_ALL, GPIO_FLAG_START, icescript::GPIO_KIND_PIN, 0};
   GpioPins pins_;
-  std::vector<Block> blocks_;  // the open ones
+  std::vector<Block> blocks_;  // the open blocks
   Problems block_problems_;
   bool begins_block_ = false;
   bool refused_last_ = false;
@@ -194,7 +194,7 @@ void GpioLines::Refuse(GpioLine& line, std::string_view item) {
   refused_block_ = refused_block_ || line.NamesBlock();
 }
 
-// Reported where a word gets its value, which the lines after it carry on.
+// Reports a word on the line that sets it, because the lines after it keep its value.
 void GpioLines::CheckWords(GpioLine& line, const Element& element) {
   const auto rises = [](int word, int before) {
     return word > GPIO_PIN_ALL && (word & ~GPIO_PIN_ALL) != (before & ~GPIO_PIN_ALL);
@@ -264,12 +264,12 @@ void GpioLines::Finish(bool cut) {
     block_problems_.Error(block.rept,
                           "syntax error: rept & endr not match. (this REPT has no ENDR)");
   }
-  // A refused REPT or ENDR leaves its partner alone: that is not a second fault.
+  // After a refused REPT or ENDR, its partner is alone. That is not a second fault.
   if (!refused_block_) problems_.Add(std::move(block_problems_));
   if (!cut) pins_.Finish();
 }
 
-// Returns whether the line below the section tag is START, else reports it.
+// Returns whether the line below the section tag is START; if not, reports it.
 bool CheckStart(const ScriptLine& line, Problems& problems) {
   if (icescript::EqualsUpper(line.text, "START")) return true;
   const std::string_view slip = SlipIn(line.text);
@@ -280,8 +280,7 @@ bool CheckStart(const ScriptLine& line, Problems& problems) {
   return false;
 }
 
-// Reports expectations on lines that do nothing: up to START, after END, and where there is only a
-// comment.
+// Reports expectations up to START, after END, and on lines with only a comment.
 void ReportLoneExpectations(const ScriptText& script, int start, int last, Problems& problems) {
   if (!MentionsExpectation(script.Content())) return;
   for (const ScriptLine line : script) {
@@ -290,12 +289,12 @@ void ReportLoneExpectations(const ScriptText& script, int start, int last, Probl
   }
 }
 
-// Reports a script without END; `last` is the place of its last line with text.
+// Reports that END is missing; `last` is the place of the last line with text.
 void ReportNoEnd(const ScriptText& script, Place last, const GpioLines& lines, Problems& problems) {
   constexpr const char* kNoEnd = "Syntax error, no end found";
   if (const auto cut = script.CutAt()) {
     problems.Error(*cut, fmt::format("{} ({})", kNoEnd, kCutScript));
-  } else if (!lines.RefusedLast()) {  // which may have been meant as the END
+  } else if (!lines.RefusedLast()) {  // a refused last line may have been meant as END
     problems.Error(last, kNoEnd + InParentheses(script.HasText() ? "" : "the script is empty"));
   }
 }

@@ -1,4 +1,4 @@
-// What is wrong with a JTAG script.
+// Checks JTAG scripts.
 #include <fmt/format.h>
 
 #include <memory>
@@ -22,14 +22,14 @@ using icescript::CIniFile;
 using icescript::CString;
 using icescript::JtagScr;
 
-// The operations of a script, in order.
+// Reads the sections of a script one by one and plans its operations.
 class JtagOperations {
  public:
   JtagOperations(const ScriptText& script, CheckResult& result)
       : script_(script), problems_(result.problems), plan_(result.plan) {}
 
   void Take(const IniSection& section) {
-    // A store for each section: in one of them all, each lookup would walk through all.
+    // Each section has its own store: a lookup in a common one would walk through all sections.
     CIniFile ini;
     Fill(ini, section);
     if (section.name == "CONTROL") {
@@ -119,7 +119,7 @@ class JtagOperations {
     plan_.expectations.push_back(std::move(*expectation));
   }
 
-  // A section without IR or DR, or with an empty one.
+  // Reports that IR or DR is missing in a section, or empty.
   void ReportMissing(const IniSection& section, std::size_t key, const std::string& message) {
     problems_.Error(
         section.first,
@@ -132,9 +132,9 @@ class JtagOperations {
   const ScriptText& script_;
   Problems& problems_;
   Plan& plan_;
-  bool two_wires_ = false;  // the script has selected them
-  bool stopped_ = false;    // the plug-in has read its last section
-  std::string message_;     // of the last failed lookup in the plug-in's one store
+  bool two_wires_ = false;  // the script has selected two wires
+  bool stopped_ = false;    // the plug-in runs no later sections
+  std::string message_;     // of the last failed lookup; the plug-in has one store for all sections
 };
 
 }  // namespace

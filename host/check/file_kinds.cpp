@@ -19,8 +19,8 @@ struct FileKind {
   const char* name;
   const char* taker;
   FileUse use;
-  Words comments;  // what begins a comment, which ends with its line
-  // Whether the text, from the first word on, is of this kind.
+  Words comments;  // the signs that begin a comment; a line feed ends it
+  // Returns whether a text, without blanks and comments before it, is of this kind.
   bool (*is)(std::string_view text);
 };
 
@@ -28,8 +28,8 @@ ScriptLine FirstLine(std::string_view text) {
   return {1, text.substr(0, text.find('\n'))};
 }
 
-// Whether a text begins with one of the words, in upper case or lower, and then with one of the
-// characters `after`.
+// Returns whether a text begins with one of the words, in upper or lower case, and then a character
+// of `after`.
 bool BeginsWith(std::string_view text, const Words& upper_words, std::string_view after) {
   return std::any_of(upper_words.begin(), upper_words.end(), [=](std::string_view word) {
     return icescript::EqualsUpper(text.substr(0, word.size()), word) && text.size() > word.size() &&
@@ -45,7 +45,7 @@ bool IsJtagScriptText(std::string_view text) {
   return FirstLine(text).IsHeader() && !IsGpioScriptText(text);
 }
 
-// A line with "=" is one of a JTAG script.
+// A first line with "=" belongs to a JTAG script.
 bool IsSvf(std::string_view text) {
   return BeginsWith(text,
                     {"ENDDR", "ENDIR", "FREQUENCY", "HDR", "HIR", "PIO", "PIOMAP", "RUNTEST", "SDR",
@@ -94,7 +94,7 @@ const std::vector<FileKind>& FileKinds() {
   return kinds;
 }
 
-// Returns the text from the first word on.
+// Returns the text from its first word on, after blanks and comments.
 std::string_view SkipComments(std::string_view text, const Words& comments) {
   for (;;) {
     text.remove_prefix(std::min(text.find_first_not_of(kWhitespace), text.size()));
@@ -106,10 +106,10 @@ std::string_view SkipComments(std::string_view text, const Words& comments) {
   }
 }
 
-// The place after this text.
+// Returns the place that follows this text.
 Place PlaceAfter(std::string_view text) {
   const auto lines = std::count(text.begin(), text.end(), '\n');
-  const std::size_t line = text.rfind('\n') + 1;  // 0 if there is none
+  const std::size_t line = text.rfind('\n') + 1;  // 0 if there is no line feed
   return {static_cast<int>(lines) + 1, static_cast<int>(text.size() - line) + 1};
 }
 

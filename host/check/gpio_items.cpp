@@ -20,9 +20,9 @@ using icescript::EqualsUpper;
 constexpr std::string_view kItemKeys[] = {"NRST",     "TRST",    "TCK",   "TMS",  "TDI",  "TDO",
                                           "GPIO_OUT", "GPIO_OE", "PRINT", "REPT", "ENDR", "END"};
 
-// ---- Traps
+// ---- Values that are legal, but rarely meant
 
-// Whether the reader converts all of it: decimal, or hexadecimal after "0x".
+// Returns whether the reader converts the whole text: decimal, or hexadecimal after "0x".
 bool IsNumber(std::string_view text, int base) {
   text = text.substr(0, text.find_last_not_of(" \t") + 1);
   if (base == 16) {
@@ -34,7 +34,7 @@ bool IsNumber(std::string_view text, int base) {
   return IsDigits(text, base);
 }
 
-// The number that a value that is not one may have been meant to be.
+// Returns a hint at the number that a wrong value was probably meant to be.
 std::string NumberMeant(const NamedItem& item) {
   if (const auto slip = SlipIn(item.value); !slip.empty()) return std::string(slip);
   if (item.IsPin()) return fmt::format("{} is 0 or 1", item.key);
@@ -46,7 +46,7 @@ std::string NumberMeant(const NamedItem& item) {
 void CheckValue(const ScriptLine& line, const NamedItem& item, Problems& problems) {
   if (!item.TakesNumber()) return;
   const std::string_view digits = item.value.substr(item.Base() == 16 ? 2 : 0);
-  if (digits.size() < 8 && IsDigits(digits, item.Base())) return;  // as a rule
+  if (digits.size() < 8 && IsDigits(digits, item.Base())) return;  // the usual case
   const Place place = line.Of(item.key);
   if (!item.has_equals) {
     problems.Warn(place, "without \"=\" this is set to 0");
@@ -60,7 +60,7 @@ void CheckValue(const ScriptLine& line, const NamedItem& item, Problems& problem
   }
 }
 
-// Reports an item that replaces those before it, which set the keys `set`.
+// Reports an item that replaces earlier items of the line, which have set the keys `set`.
 void CheckAgain(const ScriptLine& line, const NamedItem& item, unsigned set, Problems& problems) {
   if (item.which > kOe || set == 0) return;
   if ((set >> item.which & 1U) != 0) {
@@ -73,7 +73,7 @@ void CheckAgain(const ScriptLine& line, const NamedItem& item, unsigned set, Pro
 
 // ---- Items that the plug-in refuses
 
-// The item that one without a known key was meant to be.
+// Returns the item that an unknown one was probably meant to be.
 std::string ItemMeant(const NamedItem& item) {
   if (!item.has_equals) {
     const Words with_value(kItemKeys, kItemKeys + kEndr);
@@ -104,7 +104,7 @@ std::string WhyNotPrint(const NamedItem& item) {
                      slip.empty() ? "" : "; ");
 }
 
-// The numbers that a key takes.
+// Returns a description of the numbers that a key accepts.
 std::string Range(const NamedItem& item) {
   if (item.which == kRept) return "REPT takes a count from 1 to 2147483647";
   const std::string_view key = kItemKeys[item.which];

@@ -1,4 +1,4 @@
-// The items of one line of a GPIO script: the traps in them, and why the plug-in refuses one.
+// The items of a line of a GPIO script: traps in them, and why the plug-in refuses an item.
 #ifndef ICESCRIPT_HOST_CHECK_GPIO_ITEMS_H_
 #define ICESCRIPT_HOST_CHECK_GPIO_ITEMS_H_
 
@@ -17,7 +17,7 @@ namespace icehost {
 enum ItemKey : unsigned {
   kNrst = 0,
   kTdo = 5,
-  kPinKeys,  // how many there are
+  kPinKeys,  // the number of pins
   kOut = kPinKeys,
   kOe,
   kPrint,
@@ -26,45 +26,44 @@ enum ItemKey : unsigned {
   kEnd,
   kOther
 };
-// Pins as text: "NRST or TRST". `pins` are GPIO_PIN_ bits.
+// Returns the names of pins (GPIO_PIN_ bits) as text, such as "NRST or TRST".
 std::string PinNames(int pins);
 
-// The text between two commas.
+// An item of a line: the text between two commas.
 struct NamedItem {
   explicit NamedItem(std::string_view field);
 
   bool IsPin() const { return which < kPinKeys; }
   bool TakesNumber() const { return which < kPrint || which == kRept; }
-  // The base of the number.
   int Base() const { return value.substr(0, 2) == "0x" ? 16 : 10; }
 
   std::string_view key;
-  std::string_view value;  // empty without "="
+  std::string_view value;  // empty if there is no "="
   bool has_equals;
   unsigned which;  // an ItemKey
 };
 
-// A line after START. It is split at its commas once, when its items are first asked for: most
-// lines of a long script are known, and their items are not.
+// A line after START. It is split into items when they are first needed, and only once. Most lines
+// of a long script repeat recent ones, so their items are not needed.
 class GpioLine {
  public:
-  // Takes another line.
+  // Goes on to another line.
   void Take(const ScriptLine& line);
   const ScriptLine& Source() const { return source_; }
 
-  // The place of the last item with this key, or of the line's text if there is none.
+  // Returns the place of the last item with this key, or of the line's text if there is none.
   Place PlaceOf(unsigned key);
-  // Whether an item has the key REPT or ENDR, or nearly so.
+  // Returns whether an item has the key REPT or ENDR, or a similar one.
   bool NamesBlock();
-  // Explains why the plug-in's parser refused an item, `field` in the line's text: what is allowed,
-  // and what was probably meant.
+  // Explains why the plug-in's parser refused the item `field`, a part of the line's text: what is
+  // allowed, and what was probably meant.
   std::string WhyRefused(std::string_view field);
-  // Reports the traps of a line to which the plug-in gave the flags `flags`. Returns the pins that
-  // it sets by name, GPIO_PIN_ bits.
+  // Reports traps in the line, for which the plug-in's parser has returned `flags` (GPIO_FLAG_
+  // bits). Returns the pins that the line sets by name (GPIO_PIN_ bits).
   int Check(int flags, Problems& problems);
 
  private:
-  // The last few lines without a trap: a long script is made of few.
+  // A recent line without a trap: a long script consists of few different lines.
   struct Clean {
     std::string_view text;
     int flags = 0;
@@ -75,7 +74,7 @@ class GpioLine {
   int CheckItems(int flags, Problems& problems);
 
   ScriptLine source_{0, ""};
-  std::vector<NamedItem> items_;  // of the source if `split_`
+  std::vector<NamedItem> items_;  // of the current line if `split_`
   bool split_ = false;
   std::array<Clean, 8> clean_;
   std::size_t next_clean_ = 0;

@@ -1,5 +1,4 @@
-// Words and numbers that are not as the plug-in takes them, and what they may have been meant to
-// be.
+// Hints for words and numbers that the plug-in does not take as their author meant them.
 #ifndef ICESCRIPT_HOST_CHECK_HINTS_H_
 #define ICESCRIPT_HOST_CHECK_HINTS_H_
 
@@ -11,37 +10,38 @@ namespace icehost {
 
 using Words = std::vector<std::string_view>;
 
-// "A, B and C", with "and" for `last`.
+// Returns "A, B and C", with `last` in place of "and".
 std::string Listed(const Words& words, std::string_view last);
 
-// Returns the candidate that a word is a slip or two away from, in upper case or lower: a letter
-// too many, too few or another one, or two that have changed places; a character that only looks
-// like the letter, such as 0 for O, is not a slip. "NRST or TRST" where several are as near, empty
-// where none is near.
+// Returns the candidate that is at most one or two slips away from `word`, in upper or lower case.
+// A slip is a letter that is missing, added or wrong, or two letters that have changed places.
+// Characters that look alike, such as 0 and O, count as equal. Returns "NRST or TRST" if several
+// candidates are equally similar, and an empty text if none is similar.
 std::string Nearest(std::string_view word, const Words& candidates);
 
-// "KEY=VALUE" for a text that is one of the keys and a value, with blanks, a colon or nothing in
-// between; empty for any other.
+// Returns "KEY=VALUE" for one of the keys and a value, with blanks, a colon or nothing between
+// them; an empty text for anything else.
 std::string WithEquals(std::string_view text, const Words& keys);
 
-// Where a comment of another language begins, or npos.
+// Returns where a comment of another language (";" or "//") begins, or npos.
 std::size_t FindForeignComment(std::string_view text);
 
-// Names a part of a text that the plug-in takes as text and that was hardly meant so: a byte-order
-// mark in front, a comment of another language, a tab at an end. Empty where there is none.
+// Names a part of the text that is text for the plug-in, but probably not for its author: a
+// byte-order mark in front, a comment of another language, or a tab at an end. Empty if there is
+// none.
 std::string_view SlipIn(std::string_view text);
 
-// " (remark)", empty where there is none.
+// Returns " (remark)", or an empty text if `remark` is empty.
 std::string InParentheses(std::string_view remark);
 
-// "did you mean X?", empty where there is no X.
+// Returns "did you mean X?", or an empty text if `what` is empty.
 std::string DidYouMean(std::string_view what);
 
-// Whether a text is one digit or more of this base, 10 or 16, and nothing else.
+// Returns whether a text consists of at least one digit in this base, 10 or 16, and nothing else.
 bool IsDigits(std::string_view text, int base);
 
-// Says which number the plug-in makes of one that is too large for it: it keeps the low 32 bits.
-// Empty where it keeps the number.
+// Returns a message about a number that is too large for the plug-in, which keeps only its low 32
+// bits. Returns an empty text if the plug-in keeps the number.
 std::string CutNumber(std::string_view text, int base);
 
 }  // namespace icehost

@@ -18,13 +18,13 @@ namespace {
 
 using icescript::EqualsUpper;
 
-// ---- Lines that are not what they were meant to be
+// ---- Lines that were probably meant to be something else
 
 bool Holds(const IniKeys& keys, std::string_view name) {
   return std::find(keys.begin(), keys.end(), name) != keys.end();
 }
 
-// The key that an unknown one, without its blanks, may have been meant to be.
+// Returns a hint at the key that an unknown one, without its blanks, was probably meant to be.
 std::string KeyMeant(std::string_view name, const IniKeys& keys) {
   if (const auto slip = SlipIn(name); !slip.empty()) return std::string(slip);
   if (!name.empty() && name.front() == '[') return "a header ends with ]";
@@ -33,7 +33,7 @@ std::string KeyMeant(std::string_view name, const IniKeys& keys) {
   return DidYouMean(Nearest(name, keys));
 }
 
-// The letters, digits and underscores of a text.
+// Returns the letters, digits and underscores of a text.
 std::string Core(std::string_view text) {
   std::string core;
   std::copy_if(text.begin(), text.end(), std::back_inserter(core),
@@ -41,8 +41,8 @@ std::string Core(std::string_view text) {
   return core;
 }
 
-// Returns the key, of those that only icehost knows, that an unknown name may have been meant to
-// be; empty if there is none.
+// Returns the key of an expectation that an unknown name was probably meant to be, or an empty
+// text. Only icehost knows these keys.
 std::string ExpectationKeyMeant(std::string_view name) {
   const IniKeys& all = KeysOf("");
   std::string core = Core(name);
@@ -50,7 +50,7 @@ std::string ExpectationKeyMeant(std::string_view name) {
   return Nearest(core, IniKeys(all.begin() + kKeysRead, all.end()));
 }
 
-// A text as it was meant where the author took tabs and spaces for blanks.
+// Returns the text without spaces and tabs, as its author probably meant it.
 std::string WithoutBlanks(std::string_view text) {
   std::string bare(text);
   bare.erase(
@@ -59,7 +59,7 @@ std::string WithoutBlanks(std::string_view text) {
   return bare;
 }
 
-// Says what is wrong with a line that is neither a header nor a value, in a section of these keys.
+// Explains why a line is neither a header nor a value; `keys` are those of its section.
 std::string WhyNotIniLine(std::string_view text, const IniKeys& keys) {
   if (const auto slip = SlipIn(text); !slip.empty()) return std::string(slip);
   if (EqualsUpper(text, "START") || EqualsUpper(text, "END")) {
@@ -74,7 +74,7 @@ std::string WhyNotIniLine(std::string_view text, const IniKeys& keys) {
   return meant.empty() ? "a line is [SECTION], KEY=VALUE or a comment behind #" : DidYouMean(meant);
 }
 
-// Reports a key that means nothing in a section of these keys.
+// Reports a key that has no meaning in a section with these keys.
 void WarnOfKey(const ScriptLine& line, const IniKeys& keys, std::string_view name,
                Problems& problems) {
   const std::string bare = WithoutBlanks(name);
@@ -95,7 +95,7 @@ void WarnOfKey(const ScriptLine& line, const IniKeys& keys, std::string_view nam
   }
 }
 
-// Reports the tag of a GPIO script as the header of a section: it counts on the first line alone.
+// Warns of a GPIO script's tag as the header of a section: it counts only on the first line.
 void WarnOfLateTag(const ScriptLine& header, std::string_view name, Problems& problems) {
   if (!icescript::IsSectionTag(fmt::format("[{}]", name))) return;
   problems.Warn(header.Start(),
@@ -114,7 +114,7 @@ class SectionFinder {
  public:
   explicit SectionFinder(Problems& problems) : problems_(problems) {}
 
-  // A line with text.
+  // Reads a line with text.
   void Take(const ScriptLine& line) {
     WarnOfTab(line, problems_);
     const std::size_t equals = line.text.find('=');
@@ -129,7 +129,7 @@ class SectionFinder {
     }
   }
 
-  // `cut`: the script has a line that is too long.
+  // Returns the sections; `cut` says that a line of the script is too long.
   std::vector<IniSection> Finish(bool cut) {
     if (cut) CutLast();
     for (const auto& [name, named] : named_) {
@@ -140,7 +140,7 @@ class SectionFinder {
 
  private:
   struct Named {
-    int section = -1;  // in sections_, once it has a value
+    int section = -1;  // its index in sections_, once it has a value
     std::optional<Place> header;
   };
 
@@ -200,7 +200,7 @@ class SectionFinder {
   Problems& problems_;
   std::vector<IniSection> sections_;
   std::unordered_map<std::string_view, Named> named_;
-  std::set<std::pair<int, std::string_view>> other_keys_;  // by section
+  std::set<std::pair<int, std::string_view>> other_keys_;  // with the index of the section
   std::string_view name_;
   std::optional<Place> header_;
 };

@@ -12,27 +12,27 @@
 
 namespace icehost {
 
-// The keys that a section of this name knows.
+// Returns the keys of a section with this name.
 using IniKeys = Words;
 const IniKeys& KeysOf(std::string_view section);
 
-// Their places in the list: first those that the plug-in reads, then those of icehost alone.
+// Indexes into KeysOf: first the keys that the plug-in reads, then those that only icehost reads.
 enum ControlKey : std::size_t { kReset, kCdi };
 enum ScanKey : std::size_t { kIr, kDr, kDrTdo, kMask, kIrTdo, kIrMask };
 constexpr std::size_t kKeysRead = 2;
 constexpr std::size_t kMostKeys = 6;
 
 struct IniSection {
-  std::string_view name;  // in the script's text
-  Place first;            // its header, or its first value where it has none
-  // The lines with the values of its keys, the last ones; 0 where there is none.
+  std::string_view name;  // part of the script's text
+  Place first;            // of its header, or of its first value if it has none
+  // For each key, the line of its last value; 0 if there is none.
   std::array<int, kMostKeys> lines;
-  bool cut = false;  // the line at ScriptText::CutAt() would have been one of it
+  bool cut = false;  // the line at ScriptText::CutAt() belongs to it
 };
 
-// Reads the lines as the reader does and reports what is wrong with single lines and headers; a
-// line that the reader refuses is left out. Returns the sections that have a value, in the order in
-// which they first get one, as the store has them.
+// Reads the lines as the plug-in's reader does. Reports what is wrong with single lines and
+// headers, and skips lines that the reader refuses. Returns the sections that have a value, in the
+// order of their first values, like the plug-in's store.
 std::vector<IniSection> FindSections(const ScriptText& script, Problems& problems);
 
 }  // namespace icehost

@@ -19,12 +19,12 @@ using icescript::CString;
 
 // ---- The fields of a value
 
-// A field without the spaces at its ends. Tabs are text.
+// Returns a field without the spaces at its ends. Tabs are text.
 std::string_view TrimSpaces(std::string_view field) {
   return icescript::TrimRight(icescript::TrimLeft(field, ' '), ' ');
 }
 
-// One value as the parser splits it. `line` must outlive the fields.
+// One value, split as the parser does it. `line` must outlive the fields.
 struct Fields {
   explicit Fields(const ScriptLine& at) : line(at), value(ValueOf(at)) {
     if (value.find(',') == std::string_view::npos) return;
@@ -33,7 +33,7 @@ struct Fields {
     }
   }
 
-  // The place of field i.
+  // Returns the place of field `i`.
   Place Of(std::size_t i) const {
     const std::size_t blanks = text[i].find_first_not_of(' ');
     return line.Of(text[i].substr(blanks != std::string_view::npos ? blanks : 0));
@@ -41,22 +41,22 @@ struct Fields {
 
   const ScriptLine& line;
   std::string_view value;
-  std::vector<std::string_view> text;  // none where the value holds no comma
+  std::vector<std::string_view> text;  // empty if the value contains no comma
 };
 
-// The text after an optional "0x".
+// Returns the text without a "0x" at its beginning.
 std::string_view HexDigits(std::string_view text) {
   const bool prefixed = text.size() > 1 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X');
   return text.substr(prefixed ? 2 : 0);
 }
 
-// One or two digits, after an optional "0x".
+// Returns whether a text is one or two hexadecimal digits, with or without "0x".
 bool IsHexByte(std::string_view text) {
   const std::string_view digits = HexDigits(text);
   return digits.size() <= 2 && IsDigits(digits, 16);
 }
 
-// The byte that the parser makes of a text.
+// Returns the byte that the parser reads from a text.
 unsigned ByteOf(std::string_view text) {
   return static_cast<unsigned>(icescript::ParseNumber(HexDigits(text), 16)) & 0xFF;
 }
@@ -67,8 +67,8 @@ std::size_t BytesOf(int bits) {
 
 // ---- IR and DR
 
-// The bytes that a text that is not a byte may have been meant to be: all those of a number, the
-// least significant first.
+// Returns a hint at the bytes that a wrong one was probably meant to be: those of a longer number,
+// the least significant first.
 std::string BytesMeant(std::string_view text) {
   if (const auto slip = SlipIn(text); !slip.empty()) return std::string(slip);
   std::string_view digits = HexDigits(text);
@@ -83,7 +83,7 @@ std::string BytesMeant(std::string_view text) {
   return DidYouMean(bytes);
 }
 
-// Checks the length, in field `length_at`. Returns false where nothing is shifted.
+// Checks the length in field `length_at`, read as `bits`. Returns false if it shifts nothing.
 bool CheckLength(const Fields& fields, std::size_t length_at, int bits, Problems& problems) {
   const std::string_view text = TrimSpaces(fields.text[length_at]);
   if (bits < 0 && text == fmt::to_string(bits)) {
@@ -98,7 +98,7 @@ bool CheckLength(const Fields& fields, std::size_t length_at, int bits, Problems
   return bits > 0;
 }
 
-// Checks the bytes from field `first` on against the length in bits.
+// Checks the bytes from field `first` on against a length of `bits`.
 void CheckBytes(const Fields& fields, std::size_t first, int bits, Problems& problems) {
   const std::size_t listed = fields.text.size() - first;
   const std::size_t held = BytesOf(bits);
@@ -134,7 +134,7 @@ void CheckFlag(const Fields& dr, Problems& problems) {
   }
 }
 
-// Whether the parser refuses a register of this length or of so many bytes.
+// Returns whether the parser refuses a register of this length, or with this many bytes.
 bool IsTooLong(const Fields& fields, std::size_t length_at) {
   const int bits = icescript::ParseNumber(TrimSpaces(fields.text[length_at]), 10);
   const std::size_t listed = fields.text.size() - length_at - 1;
@@ -154,8 +154,8 @@ void ExplainRefusal(const Fields& fields, std::size_t length_at, const char* for
 
 // ---- Expectations
 
-// Reads the bytes of a value, as many as hold `bits` bits. None where they are something else,
-// which is reported.
+// Returns the bytes of a value, as many as `bits` bits need. If the value is anything else, reports
+// it and returns nothing.
 std::optional<std::string> ReadBytes(const ScriptLine& line, int bits, Problems& problems) {
   const std::size_t held = BytesOf(bits);
   std::string bytes;
@@ -177,14 +177,14 @@ std::optional<std::string> ReadBytes(const ScriptLine& line, int bits, Problems&
   return std::nullopt;
 }
 
-// All bits of a register.
+// Returns a mask of all bits of a register.
 std::string WholeMask(int bits) {
   std::string mask(BytesOf(bits), '\xFF');
   if (bits % 8 != 0) mask.back() = static_cast<char>((1 << bits % 8) - 1);
   return mask;
 }
 
-// Returns whether a register of `bits` bits can be compared, else reports it.
+// Returns whether a register of `bits` bits can be compared; if not, reports it.
 bool CanCompare(const ScriptLine& line, ScanKey value_key, int bits, Problems& problems) {
   if (bits <= 0) {
     problems.Error(line.Start(), "nothing is shifted: there is nothing to expect");
@@ -205,7 +205,7 @@ std::optional<std::string> ReadValue(const ScriptLine& line, int bits, Problems&
   return std::nullopt;
 }
 
-// Bits beyond the register are cut off.
+// Bits of the mask beyond the register are removed.
 std::optional<std::string> ReadMask(const ScriptLine& line, int bits, Problems& problems) {
   std::optional<std::string> mask = ReadBytes(line, bits, problems);
   if (!mask.has_value()) return std::nullopt;
@@ -217,7 +217,7 @@ std::optional<std::string> ReadMask(const ScriptLine& line, int bits, Problems& 
 
 // ---- CONTROL
 
-// A number without the zeros that change nothing.
+// Returns a number without its leading zeros.
 std::string_view WithoutZeros(std::string_view number) {
   return number.substr(std::min(number.find_first_not_of('0'), number.size()));
 }

@@ -1,4 +1,4 @@
-// The values of a section of a JTAG script: of CONTROL, of a scan, and those that a scan expects.
+// The values of a section of a JTAG script: in CONTROL, in a scan, and those that a scan expects.
 #ifndef ICESCRIPT_HOST_CHECK_JTAG_VALUES_H_
 #define ICESCRIPT_HOST_CHECK_JTAG_VALUES_H_
 
@@ -13,22 +13,22 @@
 
 namespace icehost {
 
-// The value on a line KEY=VALUE.
+// Returns the value on a line KEY=VALUE.
 std::string_view ValueOf(const ScriptLine& line);
 
-// Reports the traps of a line that resets the target, and of one that selects an interface.
+// Report traps in a line with RESET, and in one with CDI, which selects the interface.
 void CheckReset(const ScriptLine& reset, Problems& problems);
 void CheckCdi(const ScriptLine& cdi, Problems& problems);
 
-// Reports what is wrong with the values of IR and DR on these lines, neither of them empty. Returns
-// the plug-in's record of them: null where it refuses them.
+// Reports what is wrong with the values on the lines of IR and DR, which must not be empty. Returns
+// the plug-in's record of the scan, or null if the plug-in refuses it.
 std::unique_ptr<icescript::JtagOperatorData> CheckScan(const IniSection& section,
                                                        const ScriptLine& ir, const ScriptLine& dr,
                                                        Problems& problems);
 
-// Reads the values of TDO and MASK, or of IR_TDO and IR_MASK (`value_key` is the first of the two),
-// for a register of `bits` bits. None where the section has none, or where it is wrong, which is
-// reported.
+// Reads the values of TDO and MASK, or of IR_TDO and IR_MASK, for a register of `bits` bits;
+// `value_key` is the first key of the two. Returns nothing if the section has no such value. If a
+// value is wrong, reports it and returns nothing.
 std::optional<Expectation> ReadScanExpectation(const ScriptText& script, const IniSection& section,
                                                ScanKey value_key, int bits, Problems& problems);
 

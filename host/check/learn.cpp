@@ -23,7 +23,7 @@ namespace {
 using Of = Expectation::Of;
 using Texts = std::vector<std::string_view>;
 
-// Bare digits in a comment are taken for a register's value only if there are as many.
+// In a comment, digits without "0x" are a register's value only if there are this many.
 constexpr std::size_t kFewestBareDigits = 4;
 
 Texts SplitAtCommas(std::string_view text) {
@@ -37,8 +37,8 @@ std::string_view WithoutPrefix(std::string_view number) {
   return number.substr(prefixed ? 2 : 0);
 }
 
-// How an author writes hexadecimal numbers: "0x" or nothing, at least so many digits, in which
-// case.
+// How an author writes hexadecimal numbers: the prefix, "0x" or nothing; the least number of
+// digits; the case of the letters.
 struct NumberForm {
   std::string prefix = "0x";
   std::size_t digits = 2;
@@ -50,8 +50,8 @@ struct NumberForm {
   }
 };
 
-// The form of these numbers, which may have blanks around them. If some have a prefix, the others
-// do not count: most of these are zeros.
+// Returns the form of these numbers, which may have blanks around them. If some have a prefix,
+// those without one do not count: most of them are zeros.
 NumberForm FormOf(const Texts& numbers) {
   NumberForm form;
   std::size_t digits = 0;
@@ -71,7 +71,7 @@ NumberForm FormOf(const Texts& numbers) {
   return form;
 }
 
-// The bytes as a list in this form, with the blanks that `fields` have after the comma.
+// Returns the bytes as a list in this form, with as many blanks after commas as `fields` have.
 std::string ListOf(std::string_view bytes, const NumberForm& form, const Texts& fields) {
   std::string comma = ",";
   if (fields.size() > 1)
@@ -83,7 +83,7 @@ std::string ListOf(std::string_view bytes, const NumberForm& form, const Texts& 
   return list;
 }
 
-// "NAME=LEVEL, ..." with other levels, without the pins that do not count.
+// Returns "NAME=LEVEL, ..." with the levels in `value`, and without pins that do not count.
 std::string WithLevels(std::string_view text, int value, int counted) {
   std::string levels;
   for (const std::string_view field : SplitAtCommas(text)) {
@@ -97,13 +97,13 @@ std::string WithLevels(std::string_view text, int value, int counted) {
   return levels;
 }
 
-// A word of levels in the form of another.
+// Returns a word of levels in the form of `text`.
 std::string WordLike(std::string_view text, int word) {
   if (WithoutPrefix(text).size() == text.size()) return fmt::format("{}", word);
   return FormOf({text}).Text(static_cast<unsigned>(word));
 }
 
-// "VALUE" or "VALUE/MASK" with other numbers.
+// Returns "VALUE" or "VALUE/MASK" in the form of `text`, with these levels and this mask.
 std::string WithWord(std::string_view text, int value, int counted) {
   const std::size_t slash = std::min(text.find('/'), text.size());
   const std::string_view old = TrimWhitespace(text.substr(0, slash));
@@ -119,7 +119,7 @@ std::string WithWord(std::string_view text, int value, int counted) {
 
 // ---- Comments
 
-// Whether a word of a comment is this register's value as a number.
+// Returns whether a word of a comment is the value of this register as a number.
 bool IsValue(std::string_view word, std::string_view value) {
   std::string digits(WithoutPrefix(word));
   if (digits.size() == word.size() && digits.size() < kFewestBareDigits) return false;
@@ -133,7 +133,7 @@ bool IsValue(std::string_view word, std::string_view value) {
   return !digits.empty() && significant(digits) == significant(std::string_view(number).substr(2));
 }
 
-// The words of a comment: letters, digits, "_" and "=".
+// Calls `function` with each word of a comment: letters, digits, "_" and "=".
 template <class Function>
 void ForEachWord(std::string_view comment, Function function) {
   const auto belongs = [](unsigned char ch) {
@@ -198,13 +198,13 @@ class Learner {
     });
   }
 
-  // Adds a line TDO= after that of DR, with its indentation.
+  // Adds a line TDO= below that of DR, with the same indentation.
   void Insert(const JtagOperation& operation, std::string_view value) {
     const ScriptLine line = script_.Line(operation.line);
     const bool returns = !line.raw.empty() && line.raw.back() == '\r';
     const std::string_view indentation =
         line.raw.substr(0, static_cast<std::size_t>(line.text.data() - line.raw.data()));
-    // R or W and the length come first, and the length alone for IR.
+    // In DR, R or W and the length come before the bytes; in IR, only the length.
     Texts fields = SplitAtCommas(ValueOf(line));
     fields.erase(fields.begin(),
                  fields.begin() + std::min<std::ptrdiff_t>(2, fields.end() - fields.begin()));
@@ -214,7 +214,7 @@ class Learner {
                ir.end());
     const std::string learned =
         fmt::format("\n{}TDO={}", indentation, ListOf(value, FormOf(all), fields));
-    // Before a carriage return, which then ends the new line.
+    // Inserts before a carriage return, which then ends the new line.
     Edit(line.raw.substr(line.raw.size() - (returns ? 1 : 0), 0), (returns ? "\r" : "") + learned);
   }
 
@@ -262,7 +262,7 @@ class Learner {
 
   const ScriptText& script_;
   const Plan& plan_;
-  std::map<std::size_t, Change> edits_;  // by their places in the content
+  std::map<std::size_t, Change> edits_;  // by their offsets in the content
   Problems stale_;
 };
 

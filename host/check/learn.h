@@ -1,4 +1,4 @@
-// A script that expects what a run of it has read.
+// Makes a script that expects what a run of it has read.
 #ifndef ICESCRIPT_HOST_CHECK_LEARN_H_
 #define ICESCRIPT_HOST_CHECK_LEARN_H_
 
@@ -12,14 +12,14 @@ namespace icehost {
 
 struct Learned {
   std::string script;
-  // Warns of comments that still contain a value which the script no longer expects.
+  // Warnings about comments that still contain a value which the script no longer expects.
   Problems stale;
 };
 
-// Writes the values that were read into the script: for each read, and for each value that it
-// expects already, under the masks that it has. An expectation that was met stays as it is; a new
-// value is written as the author wrote the old one, or the bytes of the section. Pins that changed
-// from one run of a line to the next do not count there. Everything else stays as it is.
+// Returns the script with the values that were read as its expectations, for each operation that
+// reads and for each expectation that it has, whose mask stays. An expectation that was met stays
+// as it is. A new value is written as the author wrote the old one, or the bytes of the section.
+// Pins that changed between runs of a line are not compared. Everything else stays.
 Learned Learn(const ScriptText& script, const Plan& plan, const Captures& captures);
 
 }  // namespace icehost

@@ -18,20 +18,20 @@ constexpr std::string_view kWord = "expect";
 constexpr const char* kForm =
     "expected is NAME=LEVEL, ... with the names of pins, or VALUE or VALUE/MASK up to 0x3f";
 
-// Levels of pins, and which of them count.
+// The levels of pins, and a mask of the pins that count.
 struct Levels {
   int value = 0;
   int mask = 0;
 };
 
-// The letters that a text begins with.
+// Returns the letters at the beginning of a text.
 std::string_view FirstWord(std::string_view text) {
   const auto* const end = std::find_if(text.begin(), text.end(),
                                        [](unsigned char ch) { return std::isalpha(ch) == 0; });
   return text.substr(0, static_cast<std::size_t>(end - text.begin()));
 }
 
-// The levels of all pins as a number, decimal or hexadecimal after "0x".
+// Reads the levels of all pins as a number, in decimal, or in hexadecimal after "0x".
 std::optional<int> PinWord(std::string_view text) {
   const bool hex = text.substr(0, 2) == "0x";
   const std::string_view digits = text.substr(hex ? 2 : 0);
@@ -51,7 +51,7 @@ std::optional<Levels> WordLevels(std::string_view text) {
   return Levels{*value, *mask};
 }
 
-// NAME=LEVEL, no pin twice.
+// Reads "NAME=LEVEL, ...", where no pin may occur twice.
 std::optional<Levels> NamedLevels(std::string_view text) {
   Levels levels;
   for (icescript::FieldCursor items(text, ','); items.HasNext();) {
@@ -69,7 +69,7 @@ std::optional<Levels> ReadLevels(std::string_view text) {
   return text.find('=') != std::string_view::npos ? NamedLevels(text) : WordLevels(text);
 }
 
-// The text after the first word that has "expect" in it, in upper case or lower.
+// Returns the text after the first word that contains "expect", in upper or lower case.
 std::optional<std::string_view> AfterExpect(std::string_view text) {
   const auto* const found =
       std::search(text.begin(), text.end(), kWord.begin(), kWord.end(), [](char ch, char letter) {
@@ -80,8 +80,8 @@ std::optional<std::string_view> AfterExpect(std::string_view text) {
   return text.substr(at + FirstWord(text.substr(at)).size());
 }
 
-// Whether a text begins with levels, whatever follows the first of them. A number alone may count
-// something else, unless nothing follows it.
+// Returns whether a text begins with levels. Text may follow NAME=LEVEL. It may not follow a
+// number, which could then count something else.
 bool BeginsWithLevels(std::string_view text) {
   text = text.substr(std::min(text.find_first_not_of(" \t:="), text.size()));
   return ReadLevels(text).has_value() || NamedLevels(text.substr(0, text.find_first_of(" \t,;.")));
@@ -103,7 +103,7 @@ void ReportNearWord(const ScriptLine& line, std::string_view comment, Problems& 
   }
 }
 
-// The first part of a comment that names levels to expect, or nearly so; empty if there is none.
+// Returns the first part of a comment that seems to expect levels, or an empty text.
 std::string_view FindMeant(std::string_view comment) {
   icescript::FieldCursor notes(comment, '#');
   while (notes.HasNext()) {
@@ -114,7 +114,7 @@ std::string_view FindMeant(std::string_view comment) {
   return {};
 }
 
-// Whether another expectation follows the one that counts.
+// Returns whether another expectation follows `expect`, which is the one that counts.
 bool HasAnother(std::string_view comment, std::string_view expect) {
   const auto end = static_cast<std::size_t>(expect.data() + expect.size() - comment.data());
   const std::size_t mark = comment.find('#', end);
@@ -189,7 +189,7 @@ void ReportVainExpectation(const ScriptLine& line, Problems& problems) {
   if (const std::string_view meant = FindMeant(comment); !meant.empty()) {
     problems.Error(line.Of(meant), kNoRead);
   } else if (const std::string_view expect = FindExpect(comment);
-             expect.find('=') != std::string_view::npos) {  // it may be a sentence
+             expect.find('=') != std::string_view::npos) {  // only a warning: it may be a sentence
     problems.WarnAlways(line.Of(expect), kNoRead);
   }
 }
@@ -199,7 +199,7 @@ void WarnOfPinExpectation(const ScriptLine& line, Problems& problems) {
   std::string_view meant = FindMeant(comment);
   if (const std::string_view expect = FindExpect(comment); meant.empty() && !expect.empty()) {
     const std::string_view text = LevelsIn(expect);
-    // More than a number may be a sentence.
+    // Text with more than a number may be a sentence.
     const bool number = !text.empty() && text[0] >= '0' && text[0] <= '9' &&
                         text.find_first_of(" \t") == std::string_view::npos;
     if (number) meant = expect;

@@ -1,4 +1,4 @@
-// "# expect TDO=1, NRST=1" or "# expect VALUE/MASK" in the comment of a GPIO line.
+// Reads "# expect TDO=1, NRST=1" or "# expect VALUE/MASK" in the comment of a GPIO line.
 #ifndef ICESCRIPT_HOST_CHECK_PIN_EXPECTATION_H_
 #define ICESCRIPT_HOST_CHECK_PIN_EXPECTATION_H_
 
@@ -15,31 +15,31 @@ namespace icehost {
 std::string_view TrimWhitespace(std::string_view text);
 // Returns the comment of a line, from its "#" to the end; empty if the line has none.
 std::string_view CommentOf(const ScriptLine& line);
-// Returns the part of a comment that says "expect ...", from this word to the next "#"; empty if
-// there is none.
+// Returns the part of a comment that begins with the word "expect" and ends before the next "#";
+// empty if there is none.
 std::string_view FindExpect(std::string_view comment);
-// Returns the levels that "expect ..." names, as text.
+// Returns the levels after the word "expect", as text.
 std::string_view LevelsIn(std::string_view expect);
 
 // The level of one pin in "NAME=LEVEL, ...".
 struct PinLevel {
-  unsigned pin;       // its bit
-  const char* level;  // '0' or '1', in the text
+  unsigned pin;       // the index of its bit
+  const char* level;  // points to '0' or '1' in the text
 };
-// Reads "NAME=LEVEL", with blanks anywhere between; returns none for anything else.
+// Reads "NAME=LEVEL" with blanks around its parts; returns nothing for any other text.
 std::optional<PinLevel> ReadPinLevel(std::string_view item);
 
-// Reads the expectation of a line that reads the pins. Returns none if the line has none, or if the
-// expectation is wrong; in that case reports it.
+// Reads the expectation of a line that reads the pins. Returns nothing if the line has none. If the
+// expectation is wrong, reports it and returns nothing.
 std::optional<Expectation> ReadPinExpectation(const ScriptLine& line, Problems& problems);
 
-// Returns whether any line of a script may have an expectation in its comment.
+// Returns whether any comment of a script may contain an expectation.
 bool MentionsExpectation(std::string_view content);
 
 // Reports an expectation on a line that reads nothing.
 void ReportVainExpectation(const ScriptLine& line, Problems& problems);
 
-// Reports an expectation in a comment of a JTAG script, which states its expectations with keys.
+// Warns of a pin expectation in a JTAG script, where TDO and MASK state what is expected.
 void WarnOfPinExpectation(const ScriptLine& line, Problems& problems);
 
 }  // namespace icehost

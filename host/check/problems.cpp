@@ -11,7 +11,7 @@
 namespace icehost {
 namespace {
 
-// The part of a long line that is shown round the column.
+// How much of a long line is shown, and how much of that before the column.
 constexpr std::size_t kShownBefore = 60;
 constexpr std::size_t kShown = 100;
 constexpr std::size_t kMoreLinesShown = 3;
@@ -43,7 +43,7 @@ bool IsBefore(Place a, Place b) {
   return std::tie(a.line, a.column) < std::tie(b.line, b.column);
 }
 
-// Counts one more place of a problem.
+// Adds a place to a problem with several places.
 void AddPlace(Problem& problem, Place place) {
   if (IsBefore(place, problem.place)) std::swap(place, problem.place);
   ++problem.more;
@@ -66,7 +66,7 @@ constexpr bool IsContinuation(char byte) {
   return (byte & 0xC0) == 0x80;
 }
 
-// A character of UTF-8 takes one column, however many bytes.
+// A UTF-8 character takes one column, whatever its number of bytes.
 std::string BlanksBelow(const std::string& shown) {
   std::string blanks;
   for (const char ch : shown) {
@@ -75,12 +75,12 @@ std::string BlanksBelow(const std::string& shown) {
   return blanks;
 }
 
-// Finds lines of a text in one walk through it.
+// Finds lines of a text in a single walk through it.
 class LineFinder {
  public:
   explicit LineFinder(std::string_view text) : rest_(text) {}
 
-  // The line of this number, which is not below the one before it.
+  // Returns the line with this number, which must not be lower than in the call before.
   std::string_view Find(int number) {
     for (; number_ < number; ++number_) {
       line_ = rest_.substr(0, rest_.find('\n'));
@@ -90,17 +90,17 @@ class LineFinder {
   }
 
  private:
-  std::string_view line_;  // of the number `number_`
+  std::string_view line_;  // the line with the number `number_`
   std::string_view rest_;  // the lines after it
   int number_ = 0;
 };
 
-// The line, and the caret below its column.
+// Returns the line, and below it a caret at the column.
 std::string Source(std::string_view raw, std::size_t column, const fmt::text_style& caret_style) {
   const std::size_t at = std::min(column - 1, raw.size());
   std::size_t first = at - std::min(at, kShownBefore);
   std::size_t end = std::min(raw.size(), first + kShown);
-  // A character is not cut in two.
+  // Does not cut a character in two.
   while (first > 0 && first < at && IsContinuation(raw[first])) ++first;
   while (end > at && end < raw.size() && IsContinuation(raw[end])) --end;
   const std::string before = Printable(raw.substr(first, at - first));

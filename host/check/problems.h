@@ -1,4 +1,4 @@
-// What is wrong with a script or another text, and how that is shown.
+// Collects and shows the problems of a script or another text.
 #ifndef ICESCRIPT_HOST_CHECK_PROBLEMS_H_
 #define ICESCRIPT_HOST_CHECK_PROBLEMS_H_
 
@@ -13,37 +13,37 @@
 
 namespace icehost {
 
-// Both from 1; columns are bytes.
+// Both count from 1; columns are bytes.
 struct Place {
   int line;
   int column;
 };
 
-// An error makes the plug-in refuse or skip something; a warning is legal and almost never meant; a
-// note is good to know, and never fails anything.
+// An error makes the plug-in refuse or skip something. A warning is about something legal that is
+// almost never meant. A note is useful to know, and never makes anything fail.
 enum class Severity : std::size_t { kError, kWarning, kNote };
 constexpr std::size_t kSeverities = 3;
 
 struct Problem {
-  Place place;  // the first one
+  Place place;  // the first one if there are several
   Severity severity;
   std::string text;
-  bool always = false;  // not even --quiet hides this warning
-  // If problems are grouped:
-  long more = 0;                  // places after the first
-  std::vector<int> more_lines{};  // the lowest of their lines, each once; one more than is shown
+  bool always = false;  // even --quiet does not hide this warning
+  // For grouped problems:
+  long more = 0;                  // the number of places after the first
+  std::vector<int> more_lines{};  // their lowest lines, each once; one more than is shown
 };
 
-// What is kept of the problems of one text.
+// Which problems of a text are kept.
 struct Keeping {
-  bool grouped = false;  // the problems of one severity and text are one problem
-  std::size_t most = std::numeric_limits<std::size_t>::max();  // problems of each severity
+  bool grouped = false;  // joins problems with the same severity and text
+  std::size_t most = std::numeric_limits<std::size_t>::max();  // of each severity
 };
 constexpr Keeping kKeepEach{false, 100000};
 constexpr Keeping kKeepReasons{true, 50};
 
 struct ReportStyle {
-  bool errors_only = false;  // and the warnings that are always shown
+  bool errors_only = false;  // and warnings that are always shown
   bool colour = false;
 };
 
@@ -56,30 +56,30 @@ class Problems {
 
   void Error(Place place, std::string text) { Take({place, Severity::kError, std::move(text)}); }
   void Warn(Place place, std::string text) { Take({place, Severity::kWarning, std::move(text)}); }
-  // Warns of an expectation that comes to nothing: a run would pass without it.
+  // Warns of an expectation without effect, even with --quiet: a run would pass without it.
   void WarnAlways(Place place, std::string text) {
     Take({place, Severity::kWarning, std::move(text), true});
   }
   void Note(Place place, std::string text) { Take({place, Severity::kNote, std::move(text)}); }
   void Add(Problems more);
 
-  // These count what is not kept, too.
+  // Problems that are not kept count, too.
   bool HasErrors() const { return Errors() > 0; }
   long Errors() const { return CountOf(Severity::kError).found; }
   long Warnings() const { return CountOf(Severity::kWarning).found; }
-  // Whether an error was not kept: reading may stop. Warnings and notes that are not kept stop
-  // nothing.
+  // Returns whether an error was not kept, so that reading may stop. It need not stop for warnings
+  // and notes that were not kept.
   bool IsFull() const { return CountOf(Severity::kError).lost; }
-  // Sorts them by their places, as both of the writers below expect.
+  // Sorts the problems by place, as Write and WriteJson expect.
   void Sort();
   const std::vector<Problem>& Found() const { return found_; }
 
-  // Writes "name:line:column: error: text", the line of `content`, a caret below it, and how many
-  // more of the kind there are. `content` is the whole text. Reports at the end which severities
-  // have more problems than were kept. Throws Interrupted, as does WriteJson.
+  // Writes each problem as "name:line:column: error: text", its line of `content` (the whole text),
+  // a caret below the column, and how many more places the problem has. At the end, reports the
+  // severities that have more problems than were kept. Throws Interrupted, as WriteJson does.
   void Write(std::ostream& stream, std::string_view name, std::string_view content,
              ReportStyle style) const;
-  // Writes a JSON object a line; docs/json.md describes it. ASCII only.
+  // Writes one JSON object per line, in ASCII; docs/json.md describes it.
   void WriteJson(std::ostream& stream) const;
 
  private:

@@ -13,26 +13,26 @@
 namespace icehost {
 namespace {
 
-// The beginning of every so many lines is kept.
+// The beginning of a line is kept if its number is a multiple of this.
 constexpr int kStride = 16;
 
-// The line reader counts on room for a terminating NUL.
+// The line reader needs room for a terminating NUL.
 bool IsTooLong(std::string_view raw) {
   return raw.size() >= icescript::INI_LINE_BUFFER;
 }
 
-// As the line reader and the readers that use it cut and trim a line.
+// Cuts and trims a line as the plug-in's line reader and the readers that use it do.
 std::string_view TextOf(std::string_view raw) {
   const std::string_view cut = raw.substr(0, std::min(raw.find('#'), raw.find('\0')));
   return icescript::TrimBlanks(icescript::TrimRight(cut, ' '));
 }
 
-// Whether the reader of JTAG scripts does not refuse the line.
+// Returns whether the reader of JTAG scripts accepts the line.
 bool IsIniLine(const ScriptLine& line) {
   return line.IsHeader() || line.text.find('=') != std::string_view::npos;
 }
 
-// A GPIO script begins like a header, and a line or two may be wrong in any script.
+// A GPIO script also begins like a header. In any script, a line or two may be wrong.
 bool IsBinary(std::string_view content) {
   if (content.find('\0') == std::string_view::npos) return false;
   std::size_t lines = 0;
@@ -69,7 +69,7 @@ ScriptText::Iterator::Iterator(std::string_view content, std::size_t at, int num
 
 ScriptText::Iterator& ScriptText::Iterator::operator++() {
   ThrowIfInterrupted();
-  // The last line may lack its line feed.
+  // The last line may have no line feed.
   return *this = {content_, std::min(at_ + raw_.size() + 1, content_.size()), number_ + 1};
 }
 

@@ -11,44 +11,45 @@
 
 namespace icehost {
 
-// One line as the readers of the plug-in take it. The views are of the ScriptText.
+// A line as the readers of the plug-in see it. Its views refer to the ScriptText.
 struct ScriptLine {
   ScriptLine(int line_number, std::string_view line);
 
   int number;             // from 1
   std::string_view raw;   // as in the file, without its line feed
-  std::string_view text;  // up to a comment or a NUL, without blanks
+  std::string_view text;  // up to a comment or a NUL, without blanks at its ends
 
   bool Blank() const { return text.empty(); }
-  // Whether the reader of JTAG scripts takes it as the header of a section.
+  // Returns whether the reader of JTAG scripts takes the line as the header of a section.
   bool IsHeader() const { return !Blank() && text.front() == '[' && text.back() == ']'; }
-  // The place of a part of the line.
+  // Returns the place of a part of the line; `part` must refer to `raw`.
   Place Of(std::string_view part) const {
     return {number, static_cast<int>(part.data() - raw.data()) + 1};
   }
-  // The place of the text.
+  // Returns the place of the text.
   Place Start() const { return Of(text); }
 };
 
-// Reads the whole of `path`, "-" being standard input, up to `limit` bytes. Throws IoError where it
-// cannot be read or is binary: where it holds a NUL, does not begin with a section header, and the
-// plug-in refuses more than half of its lines. Throws OutOfResources and Interrupted.
+// Returns the whole content of `path`; "-" is standard input. Throws IoError if it cannot be read,
+// has more than `limit` bytes, or is binary: it contains a NUL, does not begin with a section
+// header, and the plug-in refuses more than half of its lines. Throws OutOfResources and
+// Interrupted.
 std::string ReadScript(const std::string& path, std::size_t limit);
 
-// The lines that the plug-in reads: up to the first that is too long for it. Each is made when it
-// is asked for and is not kept: a script may have millions.
+// The lines that the plug-in reads: those before the first one that is too long for it. Lines are
+// made when they are asked for and not kept, because a script may have millions.
 class ScriptText {
  public:
   class Iterator {
    public:
-    // The line that begins at `at`.
+    // Points to the line that begins at the offset `at`.
     Iterator(std::string_view content, std::size_t at, int number);
 
     ScriptLine operator*() const { return {number_, raw_}; }
-    // Throws Interrupted, so that each walk over a long script can be interrupted.
+    // Throws Interrupted, so that a signal can end each walk over a long script.
     Iterator& operator++();
     bool operator!=(const Iterator& other) const { return at_ != other.at_; }
-    // Where the line begins in the content.
+    // Returns the offset of the line in the content.
     std::size_t At() const { return at_; }
     int Number() const { return number_; }
     std::string_view Raw() const { return raw_; }
@@ -60,7 +61,7 @@ class ScriptText {
     std::string_view raw_;
   };
 
-  // `name` is what messages call it.
+  // `name` is the name of the script in messages.
   ScriptText(std::string name, std::string content);
 
   const std::string& Name() const { return name_; }
@@ -68,12 +69,12 @@ class ScriptText {
 
   Iterator begin() const { return {Read(), 0, 1}; }
   Iterator end() const { return {Read(), read_, 0}; }
-  // The first line with text at or after `from`.
+  // Returns the first line with text, at or after `from`.
   Iterator WithText(Iterator from) const;
   bool HasText() const { return WithText(begin()) != end(); }
-  // A line by its number, the one that is too long included.
+  // Returns a line by its number. It may be the one that is too long.
   ScriptLine Line(int number) const;
-  // Where the plug-in stops reading for a line that is too long, if there is one.
+  // Returns where the plug-in stops reading because a line is too long, if there is such a line.
   std::optional<Place> CutAt() const;
 
  private:
@@ -81,9 +82,9 @@ class ScriptText {
 
   std::string name_;
   std::string content_;
-  std::size_t read_ = 0;             // bytes up to the line that is too long
+  std::size_t read_ = 0;             // bytes before the line that is too long, if there is one
   int too_long_ = 0;                 // its number, or 0
-  std::vector<std::size_t> starts_;  // where every 16th line begins
+  std::vector<std::size_t> starts_;  // the offsets of the first and of every 16th line
 };
 
 }  // namespace icehost

@@ -1,4 +1,4 @@
-// "# reset TAP": the comment with which a JTAG script asks icehost for a TAP reset.
+// The comment "# reset TAP", with which a JTAG script asks icehost for a TAP reset.
 #ifndef ICESCRIPT_HOST_CHECK_TAP_RESET_H_
 #define ICESCRIPT_HOST_CHECK_TAP_RESET_H_
 
@@ -7,8 +7,8 @@
 
 namespace icehost {
 
-// Returns whether a JTAG script has the comment on a line before all lines with text. Warns of one
-// elsewhere, and of one that is nearly right.
+// Returns whether a JTAG script has the comment on a line before the first line with text. Warns of
+// this comment elsewhere, and of a similar one.
 bool FindTapReset(const ScriptText& script, Problems& problems);
 
 // Warns of each such comment in a GPIO script.

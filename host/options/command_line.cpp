@@ -28,7 +28,7 @@ using Texts = std::vector<std::string>;
 
 constexpr const char* kHelp = "help";
 
-// No option before the verb takes a value.
+// Returns the first word that is not an option. Options before the verb have no values.
 Texts::iterator FindVerb(Texts& words) {
   return std::find_if(words.begin(), words.end(), [](const std::string& word) {
     return word.empty() || word.front() != '-' || word == "--";
@@ -48,9 +48,9 @@ void AppendOptions(const CLI::App& app, Texts& options) {
   }
 }
 
-// " (did you mean check?)" where a known word is near; else nothing.
+// Returns " (did you mean check?)" if a known word is similar; else an empty text.
 std::string Hint(const std::string& word, const Texts& known) {
-  // A single letter is near any other.
+  // A single letter is similar to any other.
   if (word.size() > 1 && word[0] == '-' && word[1] != '-') return "";
   return InParentheses(DidYouMean(Nearest(word, Words(known.begin(), known.end()))));
 }
@@ -94,7 +94,7 @@ void RefuseUnknownOption(const CLI::App& app) {
   }
 }
 
-// CLI11 takes the next word for the value, or none where the option can do without.
+// CLI11 would take the next word as the value, or none if the value is optional.
 void RefuseEmptyValues(const Texts& words) {
   for (const std::string& word : words) {
     if (word == "--") return;
@@ -103,8 +103,8 @@ void RefuseEmptyValues(const Texts& words) {
   }
 }
 
-// As app.parse; but "help VERB" means "VERB --help", and an unknown verb or option is named, and
-// that before anything that is missing. Throws CLI::ParseError.
+// Parses as app.parse does, but accepts "help VERB" for "VERB --help", and names an unknown verb or
+// option before it complains about anything that is missing. Throws CLI::ParseError.
 void ParseWords(CLI::App& app, Texts words) {
   PutOptionForHelp(words);
   RefuseUnknownVerb(app, words);
@@ -144,7 +144,7 @@ std::variant<Command, ExitStatus> ParseCommandLine(int argc, char** argv) {
   try {
     ParseWords(app, {argv + 1, argv + argc});
   } catch (const CLI::ParseError& error) {
-    std::ostringstream complaint;  // which may quote the command line
+    std::ostringstream complaint;  // may quote the command line
     const int status = app.exit(error, std::cout, complaint);
     StandardError() << PrintableLines(complaint.str());
     return status == 0 ? kAllWell : kBadUsage;

@@ -1,4 +1,4 @@
-// The command line: a structure for each verb, and the parser that fills one in.
+// The command line: a structure for each verb, and the parser that fills it in.
 #ifndef ICESCRIPT_HOST_OPTIONS_COMMANDS_H_
 #define ICESCRIPT_HOST_OPTIONS_COMMANDS_H_
 
@@ -18,26 +18,26 @@ namespace icehost {
 
 enum ExitStatus : int {
   kAllWell = 0,
-  kScriptFailed = 1,  // or has errors, or there is no sound chain of TAPs
+  kScriptFailed = 1,  // or has errors, or the chain of TAPs is not sound
   kBadUsage = 2,
   kNotOpened = 3,  // the plug-in, the endpoint or an output file; or the connection was lost
   kInterrupted = 130,
 };
 
-// In the texts below, empty means "not asked for". A file "-" is standard input or output.
+// An empty text below means "not given". The file "-" is standard input or output.
 
-// More than anybody writes, and little enough for the memory of a small machine.
+// In bytes: more than anybody writes, and little enough for the memory of a small machine.
 constexpr std::size_t kDefaultSizeLimit = 64U << 20U;
 
 struct RunCommand {
   std::vector<std::string> scripts;
   std::string plugin;
   ProbeOptions probe;
-  int wire_mode = 0;        // CDI_ANSWER_
-  bool strict = false;      // warnings fail
-  bool force = false;       // scripts with errors run
-  bool keep_going = false;  // past values that are not as expected
-  long repeat = 1;          // rounds; 0: until a signal
+  int wire_mode = 0;        // at the start; a CDI_ANSWER_
+  bool strict = false;      // warnings are failures
+  bool force = false;       // run scripts with errors, too
+  bool keep_going = false;  // after values that are not as expected
+  long repeat = 1;          // rounds; 0: until a signal arrives
   OutputRequests outputs;
   std::string learn;
   bool summary = false;
@@ -48,7 +48,7 @@ struct RunCommand {
 struct CheckCommand {
   std::vector<std::string> scripts;
   std::string json;
-  bool strict = false;  // warnings fail
+  bool strict = false;  // warnings are failures
   std::size_t size_limit = kDefaultSizeLimit;
   bool quiet = false;
 };
@@ -58,10 +58,10 @@ enum class ScriptKind { kJtag, kGpio };
 struct ImportCommand {
   std::string file;
   ScriptKind script = ScriptKind::kJtag;
-  std::optional<double> tck_hz;  // for a GPIO script
+  std::optional<double> tck_hz;  // of the probe, for a GPIO script
   std::string output = "-";
-  std::size_t size_limit = kDefaultSizeLimit;  // of the file, and of the script, in bytes
-  bool all = false;                            // reports every problem, not each reason once
+  std::size_t size_limit = kDefaultSizeLimit;  // of the file and of the script, in bytes
+  bool all = false;                            // report every problem, not each reason once
   bool quiet = false;
 };
 
@@ -83,8 +83,8 @@ struct DetectCommand {
 
 using Command = std::variant<RunCommand, CheckCommand, DetectCommand, ImportCommand, ServeCommand>;
 
-// Returns the command, or the status to exit with where the command line asks for help or is wrong;
-// the help or the complaint has then been printed.
+// Returns the command. If the command line asks for help or is wrong, prints the help or the
+// complaint and returns the status to exit with.
 std::variant<Command, ExitStatus> ParseCommandLine(int argc, char** argv);
 
 }  // namespace icehost

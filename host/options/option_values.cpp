@@ -22,7 +22,7 @@ bool TakePrefix(std::string& text, const std::string& prefix) {
   return true;
 }
 
-// The whole text as a number in base 10 or 16 up to `most`.
+// Returns the whole text as a number in base 10 or 16, up to `most`.
 std::uint64_t Number(const std::string& text, int base, std::uint64_t most) {
   const bool starts_well = !text.empty() && std::isxdigit(static_cast<unsigned char>(text[0])) != 0;
   std::size_t end = 0;
@@ -40,7 +40,7 @@ std::uint64_t Number(const std::string& text, int base, std::uint64_t most) {
   return value;
 }
 
-// The whole text as a number, with or without a fraction, more than 0 and up to `most`.
+// Returns the whole text as a decimal number, more than 0 and up to `most`.
 double Decimal(const std::string& text, double most, const char* expected) {
   std::istringstream stream(text);
   double value = 0;
@@ -50,7 +50,7 @@ double Decimal(const std::string& text, double most, const char* expected) {
   return value;
 }
 
-// `digits` most significant first, as the bits of a register that must hold them.
+// Returns hexadecimal digits, the most significant first, as a register of `length` bits.
 Bits HexBits(std::string digits, int length) {
   TakePrefix(digits, "0x");
   if (digits.find_first_not_of("0123456789abcdefABCDEF") != std::string::npos) {

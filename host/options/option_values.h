@@ -1,5 +1,5 @@
-// The values of options: the forms that they have, and which of them do not go together. All
-// functions throw std::invalid_argument that says what is expected or what is wrong.
+// Reads the values of options, and refuses values that do not fit together. All functions throw
+// std::invalid_argument, which says what is expected or wrong.
 #ifndef ICESCRIPT_HOST_OPTIONS_OPTION_VALUES_H_
 #define ICESCRIPT_HOST_OPTIONS_OPTION_VALUES_H_
 
@@ -13,31 +13,31 @@
 
 namespace icehost {
 
-// "tcp:PORT" on the loopback address, "tcp:ADDRESS:PORT" or "unix:PATH".
+// Reads "tcp:PORT" (on the loopback address), "tcp:ADDRESS:PORT" or "unix:PATH".
 Endpoint ParseServeEndpoint(const std::string& text);
-// "jtag5", "2wire" or "cjtag2", as a CDI_ANSWER_.
+// Reads "jtag5", "2wire" or "cjtag2", and returns the CDI_ANSWER_.
 int ParseWireMode(const std::string& text);
-// More than 0 and up to a day.
+// Reads a number of seconds, more than 0 and up to 86400 (a day).
 std::chrono::milliseconds ParseSeconds(const std::string& text);
-// A number of TCK cycles in a second, more than 0.
+// Reads a number of TCK cycles per second, more than 0.
 double ParseHertz(const std::string& text);
-// A number of rounds; 0: without end.
+// Reads a number of rounds; 0 means without end.
 long ParseRounds(const std::string& text);
-// A number of mebibytes, as bytes.
+// Reads a number of mebibytes, and returns it in bytes.
 std::size_t ParseMebibytes(const std::string& text);
-// Hexadecimal, with or without "0x". Bit 0 of an IDCODE is 1 (IEEE 1149.1).
+// Reads a hexadecimal number, with or without "0x", whose bit 0 must be 1 (IEEE 1149.1).
 std::uint32_t ParseIdcode(const std::string& text);
-// Hexadecimal, of 32 bits.
+// Reads a hexadecimal number of up to 32 bits.
 std::uint64_t ParseInstruction(const std::string& text);
-// "IR:BITS[=HEX]", the instruction IR in hexadecimal: adds a register to the target.
+// Reads "IR:BITS[=HEX]", where IR is a hexadecimal instruction, and adds the register to `target`.
 void ParseRegister(const std::string& text, TargetOptions& target);
 
-// "L,L,...": the IR lengths of a chain, each from 2 to 256.
+// Reads "L,L,...", the IR lengths of a chain in bits, each from 2 to 256.
 std::vector<int> ParseChain(const std::string& text);
-// The number of a TAP, from 1, as its index.
+// Reads the number of a TAP, counted from 1, and returns its index.
 std::size_t ParseTap(const std::string& text);
 
-// Throws where the instruction is longer than the IR.
+// Throws if the instruction does not fit an IR of `ir_length` bits.
 void RefuseUnfitInstruction(std::uint64_t instruction, int ir_length);
 
 }  // namespace icehost

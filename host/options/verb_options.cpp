@@ -22,7 +22,7 @@ CLI::App& NewVerb(CLI::App& app, const char* name, const char* description, bool
   return verb;
 }
 
-// Turns std::invalid_argument into a usage error of `option`.
+// Calls `judge` and turns its std::invalid_argument into a usage error of `option`.
 void Refuse(const std::string& option, const std::function<void()>& judge) {
   try {
     judge();
@@ -31,7 +31,7 @@ void Refuse(const std::string& option, const std::function<void()>& judge) {
   }
 }
 
-// Adds an option whose value has a form of its own, which `parse` reads as in option_values.h.
+// Adds an option whose value `parse` reads; `parse` may throw as option_values.h says.
 CLI::Option* AddParsed(CLI::App& verb, const std::string& name, const std::string& form,
                        const std::string& help, const std::function<void(std::string)>& parse) {
   const auto parse_value = [parse, name](const std::string& value) {
@@ -40,7 +40,7 @@ CLI::Option* AddParsed(CLI::App& verb, const std::string& name, const std::strin
   return verb.add_option_function<std::string>(name, parse_value, help)->type_name(form);
 }
 
-// Makes `option` name a file to write. An empty name comes from a variable that was not set.
+// Makes `option` name a file to write. An empty name comes from a shell variable that is not set.
 CLI::Option* NamesFile(CLI::Option* option) {
   return option->type_name("FILE")->check(
       [](const std::string& path) { return path.empty() ? "a file has a name" : ""; });
@@ -119,7 +119,7 @@ void AddOutputs(CLI::App& verb, OutputKind::Verb OutputKind::*which, const char*
   }
 }
 
-// The functions below are for the end, when all options are known.
+// The functions below are called at the end, when all options are known.
 
 OutputRequests RequestsOf(const CLI::App& verb) {
   OutputRequests requests;
@@ -162,7 +162,7 @@ void RefuseUnfitProbe(const CLI::App& verb, const ProbeOptions& probe) {
   }
 }
 
-// Makes --chain and --tap agree with each other and with the probe.
+// Checks that --chain and --tap fit each other and the probe, and completes the place.
 void CompletePlace(const CLI::App& verb, ProbeOptions& probe) {
   const std::vector<int>& lengths = probe.place.ir_lengths;
   const bool chosen = verb.get_option("--tap")->count() > 0;
@@ -190,7 +190,7 @@ void CompletePlace(const CLI::App& verb, ProbeOptions& probe) {
   probe.target.ir_length = length;
 }
 
-// Without a chain to measure, --tap needs one.
+// Refuses --tap without --chain if the verb does not measure the chain.
 void RefuseLoneTap(const ProbeOptions& probe) {
   if (probe.measures_place) throw CLI::ValidationError("--tap", "is for a --chain");
 }
@@ -205,13 +205,13 @@ void CompleteRun(const CLI::App& verb, RunCommand& run) {
   }
   CompletePlace(verb, run.probe);
   RefuseUnfitProbe(verb, run.probe);
-  // Anything else on standard output would spoil an output that is meant for a program.
+  // Any other text on standard output would spoil an output that is meant for a program.
   run.quiet |= run.learn == "-" ||
                std::any_of(run.outputs.begin(), run.outputs.end(),
                            [](const OutputRequest& output) { return output.path == "-"; });
 }
 
-// Given without a kind, the text is empty.
+// The text is empty if no kind is given.
 ScriptKind ParseScriptKind(const std::string& text) {
   if (text.empty() || text == "jtag") return ScriptKind::kJtag;
   if (text == "gpio") return ScriptKind::kGpio;

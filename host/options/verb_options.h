@@ -1,4 +1,4 @@
-// The verbs' options.
+// The options of the verbs.
 #ifndef ICESCRIPT_HOST_OPTIONS_VERB_OPTIONS_H_
 #define ICESCRIPT_HOST_OPTIONS_VERB_OPTIONS_H_
 
@@ -8,7 +8,7 @@
 
 namespace icehost {
 
-// Each adds a verb, which fills in its command.
+// Each adds a verb to `app` and returns it. Parsing the command line then fills in the command.
 CLI::App& AddVerb(CLI::App& app, RunCommand& run);
 CLI::App& AddVerb(CLI::App& app, CheckCommand& check);
 CLI::App& AddVerb(CLI::App& app, DetectCommand& detect);

@@ -45,7 +45,8 @@ function digitOf(register, kind) {
     const text = String(bitAt(values[kind], bit));
     if (kind === "sent" || values.expected === undefined) return {text, style: ""};
     if (bitAt(mask, bit) === 0) {
-      return {text: kind === "expected" ? "x" : text, style: "masked", title: `bit ${bit} does not count`};
+      const title = `bit ${bit} does not count`;
+      return {text: kind === "expected" ? "x" : text, style: "masked", title};
     }
     if (kind === "expected" || bitAt(wrong, bit) === 0) return {text, style: ""};
     return {text, style: "wrong", title: `bit ${bit} is ${text}, expected ${1 - text}`};
@@ -57,7 +58,8 @@ function renderBlock(register, first) {
   const end = Math.min(first + BLOCK, register.bits);
   renderNumbers(block, first, end);
   for (const kind of KINDS) {
-    if (register.values[kind] !== undefined) renderBits(block, kind, first, end, digitOf(register, kind));
+    if (register.values[kind] === undefined) continue;
+    renderBits(block, kind, first, end, digitOf(register, kind));
   }
   const wrong = register.wrong >> BigInt(first) & (1n << BigInt(BLOCK)) - 1n;
   if (wrong !== 0n) {
@@ -134,9 +136,11 @@ function showRegisters(detail, row) {
     const pair = detail.appendChild(make("div"));
     pair.append(make("dt", "", register.name), renderRegister(register));
   }
-  const faulty = [...(detail.querySelector(".blocks")?.querySelectorAll(".faulty") ?? [])].pop();
-  detail.scrollTop = 0;
+  const blocks = detail.querySelector(".blocks");
+  const faulty = [...(blocks?.querySelectorAll(".faulty") ?? [])].pop();
+  const area = detail.parentElement;
+  area.scrollTop = 0;
   if (faulty === undefined) return;
-  const below = faulty.getBoundingClientRect().bottom - detail.getBoundingClientRect().bottom;
-  detail.scrollTop = Math.max(0, below + 8);
+  const below = faulty.getBoundingClientRect().bottom - area.getBoundingClientRect().bottom;
+  area.scrollTop = Math.max(0, below + 8);
 }

@@ -1,4 +1,4 @@
-// How wide columns are: as their contents, in characters, as far as there is room.
+// Fits the widths of columns to their contents, in characters.
 const COLUMNS = ["No.", "Line", "Operation", "Sent", "Received", "Expected", "Result"];
 
 function longest(texts) {
@@ -8,20 +8,22 @@ function longest(texts) {
 }
 
 function cellTexts(row) {
-  return [String(row.number), row.line === 0 ? "" : String(row.line), row.name, row.sent, row.received,
-    row.expected, VERDICTS[row.verdict]];
+  return [String(row.number), row.line === 0 ? "" : String(row.line), row.name, row.sent,
+    row.received, row.expected, VERDICTS[row.verdict]];
 }
 
-// Of each column of the operations; 0 where all its cells are empty.
+// The longest text of each column of the operations. Empty columns are left out: their width is 0.
 function columnNeeds() {
   const needs = COLUMNS.map(() => 0);
   for (const row of rows) {
-    cellTexts(row).forEach((text, column) => { needs[column] = Math.max(needs[column], text.length); });
+    cellTexts(row).forEach((text, column) => {
+      needs[column] = Math.max(needs[column], text.length);
+    });
   }
   return needs.map((need, column) => need === 0 ? 0 : Math.max(need, COLUMNS[column].length));
 }
 
-// Down to these columns give way where there is less room; what is not here always shows all.
+// The least widths of columns that shrink. The others always show all of their texts.
 const LEAST = {Operation: 10, Sent: 10, Received: 22, Expected: 24};
 
 function fitRows(style, needs) {

@@ -33,7 +33,8 @@ class DataLane {
     const xOf = (read) => wave.x(read.begin + 0.5);
     let free = WaveView.LABELS;  // the next text may begin here
     let column = -1;
-    for (let i = wave.firstEndingAfter(reads, first); i < reads.length && reads[i].begin < end; ++i) {
+    for (let i = wave.firstEndingAfter(reads, first); i < reads.length; ++i) {
+      if (reads[i].begin >= end) break;
       const x = xOf(reads[i]);
       const next = i + 1 < reads.length ? xOf(reads[i + 1]) : Infinity;
       const before = i > 0 ? xOf(reads[i - 1]) : -Infinity;
@@ -155,13 +156,14 @@ function pinReads() {
 // From the longest on.
 function textsOfBox(box) {
   if (box.texts !== undefined) return box.texts;
-  const {name, bits, total, values, wrong} = registersOf(box.row).find((one) => one.name === box.name);
+  const {name} = box;
+  const {bits, total, values, wrong} = registersOf(box.row).find((one) => one.name === name);
   const write = (kind) => values[kind] === undefined ? "" : inHexadecimal(values[kind], bits);
   const back = values.received === undefined ? "" : `-> ${write("received")}`;
   const unmet = wrong === 0n ? [] : [`${back}, expected ${write("expected")}`];
   const sent = `${write("sent")} ${unmet[0] ?? back}`.trim();
-  box.texts = [`${name} ${total} bits ${sent}`, `${name} ${sent}`, ...unmet, `${name} ${back}`, back, name]
-    .filter((text) => text !== "");
+  box.texts = [`${name} ${total} bits ${sent}`, `${name} ${sent}`, ...unmet, `${name} ${back}`,
+    back, name].filter((text) => text !== "");
   return box.texts;
 }
 

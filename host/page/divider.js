@@ -1,4 +1,4 @@
-// The border between the script and the operations, which pointers and keys move.
+// The divider between the script and the operations. The pointer and keys move it.
 class Divider {
   static STEP = 2;  // percent
   static LEAST = 10;
@@ -40,7 +40,7 @@ class Divider {
     this.tell();
   }
 
-  // As wide as the contents need.
+  // Fits the script to its contents again.
   reset() {
     this.area.style.removeProperty("--split");
     this.tell();

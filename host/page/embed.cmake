@@ -1,5 +1,5 @@
-# Makes OUTPUT, a C++ file with the page of FOLDER in it: page.html, where "@FILE@" stands for
-# another file of the folder.
+# Writes OUTPUT, a C++ file that contains FOLDER/page.html with each "@FILE@" in it replaced by that
+# file of the folder.
 file(READ ${FOLDER}/page.html page)
 foreach(part page.css tools.css register.css print.css
              model.js register.js list.js search.js bit_view.js panes.js head.js columns.js
@@ -8,7 +8,7 @@ foreach(part page.css tools.css register.css print.css
   file(READ ${FOLDER}/${part} text)
   string(REPLACE "@${part}@" "${text}" page "${page}")
 endforeach()
-# Byte by byte: compilers bound the length of a literal.
+# Bytes instead of a string literal, whose length compilers limit.
 string(HEX "${page}" bytes)
 string(REGEX REPLACE "(..)" "0x\\1," bytes "${bytes}")
 file(WRITE ${OUTPUT} "#include \"host/page/page_writer.h\"

@@ -1,15 +1,15 @@
-// What stands above all: the title, the verdict, one line of what a reader needs first, and notes.
+// The header: the title, the result, a summary in one line, and notes.
 
 function counted(count, what) {
   return `${count} ${what}${count === 1 ? "" : "s"}`;
 }
 
-// How many values of a row were not as expected: each is an error of its own.
+// The values of a row that were not as expected. Each has an error of its own.
 function faultsOf(row) {
   return Math.max(1, row.errors.length);
 }
 
-// The line that is at fault; the error tells it better than the row does.
+// The line with the expectation, which its error names, or that of the row.
 function faultLine(row) {
   return row.errors[0]?.line ?? row.line;
 }
@@ -17,8 +17,8 @@ function faultLine(row) {
 function summaryTexts() {
   const {planned} = data.head;
   const total = data.total_rows;
-  const texts = [planned > total && planned < Number.MAX_SAFE_INTEGER ? `${total} of ${counted(planned, "operation")}`
-    : counted(total, "operation")];
+  const ended = planned > total && planned < Number.MAX_SAFE_INTEGER;
+  const texts = [(ended ? `${total} of ` : "") + counted(ended ? planned : total, "operation")];
   const unmet = badRows.filter((row) => row.verdict === NOT_MET);
   const values = unmet.reduce((sum, row) => sum + faultsOf(row), 0);
   const met = rows.filter((row) => VERDICTS[row.verdict] === "met").length;
@@ -65,9 +65,10 @@ function showHead() {
 function showNotes() {
   const notes = document.getElementById("notes");
   const note = (style, text) => notes.append(make("li", style, text));
-  // The verdict and the summary say already that a script failed.
+  // The summary already says this of a script with failures.
+  const said = (text) => badRows.length > 0 && / failed(: .*not as expected.*)?$/.test(text);
   const plain = entries.filter((entry) => entry.kind === "error" && entry.line === 0
-    && !(badRows.length > 0 && / failed(: .*not as expected.*)?$/.test(entry.text)));
+    && !said(entry.text));
   for (const entry of plain) note("error", entry.text);
   for (const source of data.sources) {
     const left = source.total_marks - source.marks.length;

@@ -85,10 +85,12 @@ class List {
   }
 
   revealPicked() {
-    const index = this.picked === null ? -1 : this.items.findIndex((item) => item.key === this.picked);
+    const index = this.picked === null ? -1
+      : this.items.findIndex((item) => item.key === this.picked);
     this.reveal(index);
-    if (this.shown.has(index)) this.element.setAttribute("aria-activedescendant", this.shown.get(index).id);
-    else this.element.removeAttribute("aria-activedescendant");
+    const element = this.shown.get(index);
+    if (element === undefined) this.element.removeAttribute("aria-activedescendant");
+    else this.element.setAttribute("aria-activedescendant", element.id);
   }
 
   // The item that an element is, or is in.

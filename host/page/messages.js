@@ -1,6 +1,6 @@
-// What the plug-in printed of an operation repeats its row, so it is shown on demand only.
+// Hides the messages of an operation, which repeat its row, until the reader asks for them.
 class Messages {
-  // `onChange` shows the items anew.
+  // `onChange` updates the list.
   constructor(button, list, onChange) {
     this.button = button;
     this.list = list;
@@ -21,8 +21,7 @@ class Messages {
     return this.all !== this.others.has(row.index);
   }
 
-  // Of an entry of the log. What was printed before the first operation, and what happens at a served
-  // target, is in no row. A search shows what it finds.
+  // Returns whether an entry of the log is a hidden message. Messages that match the search are shown.
   hides(entry) {
     return entry.kind === "message" && entry.row?.messages > 0 && !this.isOpen(entry.row)
       && !search?.finds(entry.text);

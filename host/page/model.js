@@ -66,7 +66,7 @@ function readLog(log) {
     const lines = message.split("\n");
     if (lines[lines.length - 1] === "") lines.pop();
     for (const text of lines) entries.push({kind: "message", row, text});
-    // A served target has no sources: what is told there belongs to no operation.
+    // A served target has no sources. Its messages belong to no operation.
     if (row !== null && source >= 0) row.messages += lines.length;
     message = "";
   };
@@ -107,7 +107,7 @@ function rowsByLine(rows) {
 const steps = decodeSteps(data.steps);
 const {rows, entries} = readLog(data.log);
 const lineRows = rowsByLine(rows);
-// Those that are not well.
+// Those that failed.
 const badRows = rows.filter((row) => row.verdict >= NOT_MET);
 // Those that are in the waveform, in its order.
 const drawnRows = rows.filter((row) => row.end > row.begin && row.begin < steps.length);

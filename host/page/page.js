@@ -92,7 +92,6 @@ function startWave() {
   matchMedia("(prefers-color-scheme: dark)").addEventListener("change", () => wave.readColours());
 }
 
-// Shows other items of a list, as far down as before.
 function setSourceItems() {
   sourceList.setItems(sourceItems((text) => wrapping.pieces(text)));
   findMatches();

@@ -1,6 +1,6 @@
 // The lines of the two lists: their items, and the elements of these.
 const narrow = matchMedia("(max-width: 900px)");
-// Which of them show what was printed; page.js starts it.
+// Set by page.js.
 let messages = null;
 
 function make(name, style, text) {
@@ -23,7 +23,7 @@ function textLine(style, text) {
   return cells(make("div", style), [["", text]]);
 }
 
-// Long numbers give way at their left end: the right one tells more.
+// Lets long numbers shrink at their left end.
 function foldNumbers(cell) {
   const parts = cell.textContent.split(/(?<=0x)([0-9a-f]{8,})/);
   if (parts.length === 1) return;
@@ -86,7 +86,7 @@ function remarksByLine(source) {
 
 const lineRemarks = data.sources.map((_, source) => remarksByLine(source));
 
-// `pieces` parts a text that is too long for a line.
+// `pieces` splits a text that is too long for a line.
 function sourceItems(pieces) {
   const items = [];
   data.sources.forEach((source, at) => {
@@ -116,7 +116,7 @@ function worstOf(rows) {
   return rows.reduce((most, row) => Math.max(most, row.verdict), -1);
 }
 
-// The worst of a line's rows, and how many of them it is.
+// The worst result of a line's rows, and how many of them have it.
 function verdictText(of) {
   const worst = worstOf(of);
   const count = of.filter((row) => row.verdict === worst).length;
@@ -136,7 +136,9 @@ function renderLine({source, line, text}) {
 
 function renderSourceItem(item) {
   if (item.kind === "line") return renderLine(item);
-  if (item.kind === "piece") return cells(make("div", "line"), [["", ""], ["", ""], ["text", item.text]]);
+  if (item.kind === "piece") {
+    return cells(make("div", "line"), [["", ""], ["", ""], ["text", item.text]]);
+  }
   if (item.kind === "title") return textLine("title", item.text);
   return textLine(item.error ? "mark error" : "mark warning", item.text);
 }

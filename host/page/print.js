@@ -1,9 +1,9 @@
-// The page on paper: all lines, all operations, and the waveform in bands. It exists while the browser
-// prints only, as most of the lists does not.
+// The page on paper: all lines, all operations, and the waveform in bands. They are added when the
+// browser prints, because the lists on the screen contain only the lines in sight.
 class Paper {
   static COLUMNS = 118;    // characters
   static LEAST = 8;        // of them, for a column
-  static MOST_KEPT = 3000; // rows of several lines that are kept on one page: each takes time
+  static MOST_KEPT = 3000; // rows that are not split between pages: each slows the browser down
   static WIDTH = 700;      // of a band, in pixels
   static LEAST_SCALE = 3;  // pixels a step
   static COLOURS = {bg: "#fff", fg: "#000", dim: "#555", edge: "#777", bad: "#000",
@@ -19,9 +19,9 @@ class Paper {
     if (wave !== null) this.addBands();
   }
 
-  // `widths` of columns; one of 0 is left out.
+  // Returns the lines of a row. Columns with a width of 0 are left out.
   layOut(texts, widths) {
-    const columns = texts.map((text, column) => ({text: String(text), width: widths[column], column}))
+    const columns = texts.map((text, column) => ({text, width: widths[column], column}))
       .filter(({width}) => width > 0);
     const pieces = columns.map(({text, width}) => piecesOf(text, width));
     const height = Math.max(...pieces.map((piece) => piece.length));
@@ -31,7 +31,7 @@ class Paper {
     }).join("  ").trimEnd());
   }
 
-  // A row that is like others is but text among theirs: a browser lays out hundreds of pages of these.
+  // Plain rows of one line are added as one text: browsers lay out long texts much faster than elements.
   addText(name, head, items) {
     const table = document.createElement("table");
     if (head !== "") table.createTHead().insertRow().append(make("th", "", head));
@@ -59,7 +59,8 @@ class Paper {
     const items = sourceItems((text) => [text]).map((item) => {
       if (item.kind === "title") return {style: "title", lines: [item.text]};
       if (item.kind === "mark") {
-        return {style: item.error ? "error" : "warning", lines: this.layOut(["", "", item.text], widths)};
+        const lines = this.layOut(["", "", item.text], widths);
+        return {style: item.error ? "error" : "warning", lines};
       }
       const of = lineRows[item.source].get(item.line) ?? [];
       const number = String(item.line).padStart(digits);
@@ -69,7 +70,7 @@ class Paper {
     this.addText("Script", "", items);
   }
 
-  // As wide as the contents; where these are too wide, the widest give way.
+  // The widths of columns: those of their texts, or less for the widest if the paper is too narrow.
   widths(needs) {
     const gaps = 2 * needs.filter((need) => need > 0).length - 2;
     const cut = (most) => needs.map((need) => Math.min(need, most));
@@ -102,7 +103,7 @@ class Paper {
     const colour = {...wave.colour, ...Paper.COLOURS};
     for (let from = 0; from < steps.length; from += room / scale) {
       const context = new SvgContext(Paper.WIDTH, height);
-      // Draws as the waveform on the screen does, but elsewhere.
+      // The waveform of the screen with another context and another place.
       const band = Object.assign(Object.create(wave), {context, colour, height, from, scale,
         width: Paper.WIDTH, lane: Wave.MOST_LANE, cursor: null, hover: null, row: null,
         drawPlace() {}, onMove() {}});

@@ -1,16 +1,17 @@
 // The registers of an operation: what was sent, expected and received, as numbers.
 const KINDS = ["sent", "expected", "received"];
 
-// In a text of a row: "DR 32: 0x00000000", "IR 0x01", "DR 0x1ce51001/0x0fffffff", and "0x20 TDO" for
-// the levels of the pins.
-const VALUE = /(?:^|, )(?:([ID]R) )?(?:(\d+): )?(0x[0-9a-f]+)(?:\/(0x[0-9a-f]+))?(?: [A-Z0][A-Z|]*)?/g;
+// In a text of a row: "DR 32: 0x00000000", "IR 0x01", "DR 0x1ce51001/0x0fffffff", and "0x20 TDO"
+// for the levels of the pins.
+const VALUE = new RegExp("(?:^|, )(?:([ID]R) )?(?:(\\d+): )?(0x[0-9a-f]+)(?:/(0x[0-9a-f]+))?" +
+  "(?: [A-Z0][A-Z|]*)?", "g");
 
 // By the register: {bits, bytes, value, mask}.
 function valuesOf(text) {
   const values = new Map();
   for (const [, name = "pins", bits, digits, mask] of text.matchAll(VALUE)) {
-    values.set(name, {bits: Number(bits ?? 0), bytes: (digits.length - 2) / 2, value: BigInt(digits),
-      mask: mask === undefined ? null : BigInt(mask)});
+    values.set(name, {bits: Number(bits ?? 0), bytes: (digits.length - 2) / 2,
+      value: BigInt(digits), mask: mask === undefined ? null : BigInt(mask)});
   }
   return values;
 }
@@ -26,17 +27,18 @@ function bitLength(number) {
 
 // On two wires a byte goes out before the register: what came back is shorter by it.
 function extraBits(sent, received) {
-  return sent === undefined || received === undefined ? 0 : 8 * Math.max(0, sent.bytes - received.bytes);
+  if (sent === undefined || received === undefined) return 0;
+  return 8 * Math.max(0, sent.bytes - received.bytes);
 }
 
-// {name, bits, total, extra, values, mask, wrong}: `bits` are known of `total`, `extra` is the value
-// of the bits before them or null, `values` are numbers by their kind, `mask` has a one for each bit
-// that counts, `wrong` for each that is not as expected.
+// {name, bits, total, extra, values, mask, wrong}: `bits` are known of `total`, `extra` is the
+// value of the bits before them or null, `values` are numbers by their kind, `mask` has a one for
+// each bit that counts, `wrong` for each that is not as expected.
 function makeRegister(name, {sent, expected, received}, wrong) {
   const extra = extraBits(sent, received);
   const total = name === "pins" ? data.pins.length
     : sent !== undefined ? sent.bits - extra : 8 * (received ?? expected).bytes;
-  const known = 8 * Math.max(...[received, expected, received ? undefined : sent].map((one) => one?.bytes ?? 0));
+  const known = 8 * Math.max(received?.bytes ?? sent?.bytes ?? 0, expected?.bytes ?? 0);
   const bits = Math.max(Math.min(total, known), bitLength(wrong));
   const values = {sent: sent && sent.value >> BigInt(extra), expected: expected?.value,
     received: received?.value};

@@ -1,11 +1,11 @@
-// Takes what the waveform draws on a canvas, and makes a picture of it that is sharp at any size.
+// A drawing context for the waveform that makes an SVG picture, which is sharp at any size.
 class SvgContext {
   static ANCHORS = {left: "start", center: "middle", right: "end"};
 
   constructor(width, height) {
     this.picture = this.make("svg", {viewBox: `0 0 ${width} ${height}`});
     this.parent = this.picture;
-    this.colour = null;  // of the rectangles that follow each other
+    this.colour = null;  // of the rectangles in `path`
     this.path = "";
     this.bounds = null;
   }
@@ -56,7 +56,7 @@ class SvgContext {
     this.outline += `L${x} ${y}`;
   }
 
-  // A whole circle, whatever the angles.
+  // Always a whole circle.
   arc(x, y, radius) {
     const half = `a${radius} ${radius} 0 0 1 `;
     this.outline += `M${x - radius} ${y}${half}${2 * radius} 0${half}${-2 * radius} 0`;
@@ -71,7 +71,7 @@ class SvgContext {
       d: this.outline}));
   }
 
-  // What follows is cut at the rectangle, until it is restored.
+  // Clips what is drawn until restore().
   rect(x, y, width, height) {
     this.bounds = {x, y, width, height, viewBox: `${x} ${y} ${width} ${height}`};
   }

@@ -1,4 +1,4 @@
-// On a small screen one of the areas is shown at a time.
+// Shows one area. Wide screens show all of them at any time.
 function showArea(name) {
   document.body.dataset.shows = name;
   for (const button of document.querySelectorAll("#tabs button")) {

@@ -123,7 +123,8 @@ class WaveView {
       press = null;
     });
     this.canvas.addEventListener("dblclick", (event) => {
-      if (event.offsetX >= WaveView.LABELS) this.zoomToRow(rowAtStep(Math.floor(this.stepAt(event.offsetX))));
+      if (event.offsetX < WaveView.LABELS) return;
+      this.zoomToRow(rowAtStep(Math.floor(this.stepAt(event.offsetX))));
     });
     this.canvas.addEventListener("pointercancel", () => { press = null; });
     this.canvas.addEventListener("pointerleave", () => this.setHover(-1));

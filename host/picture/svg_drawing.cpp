@@ -13,11 +13,11 @@ namespace {
 
 constexpr std::size_t kMostBands = 25;
 
-// Pixels.
+// In pixels:
 constexpr int kNamesWidth = 56;
-constexpr int kRightMargin = 28;  // holds the value read in the last step
+constexpr int kRightMargin = 28;  // has room for the value read in the last step
 constexpr int kTextMargin = 3;
-constexpr int kReach = 6;  // from the middle of a mark to its label, and to the label of another
+constexpr int kReach = 6;  // from the middle of a mark to its label, and to other labels
 constexpr int kTop = 8;
 constexpr int kBandGap = 16;
 constexpr int kRulerHeight = 16;
@@ -25,8 +25,8 @@ constexpr int kRowHeight = 22;
 constexpr int kShapeHeight = 14;  // of a segment, and between the levels of a pin
 constexpr int kNoteHeight = 16;
 constexpr int kNameX = 6;
-constexpr int kSlant = 2;      // of a segment's ends
-constexpr int kBaseline = 11;  // of a row's text, from its top
+constexpr int kSlant = 2;      // of the ends of a segment
+constexpr int kBaseline = 11;  // of the text of a row, from its top
 constexpr int kMarkRadius = 3;
 
 constexpr char kPage[] = R"(class="page" fill="#ffffff")";
@@ -46,8 +46,8 @@ constexpr char kDarkStyle[] = R"(<style>
 </style>
 )";
 
-// In a scan, a state of the TAP takes two steps, which hold three characters. In a GPIO script a
-// step is a line, whose number needs room; in a short one, so does the value read in each step.
+// In a scan, a state of the TAP takes two steps or more, which have room for three characters. In a
+// GPIO script, a step needs room for its line number, and in a short one also for the value read.
 struct StepSize {
   int width;
   std::size_t in_band;
@@ -73,7 +73,7 @@ std::size_t RoundUp(std::size_t number, std::size_t multiple) {
   return (number + multiple - 1) / multiple * multiple;
 }
 
-// At a font size of 10 a character takes 6.02 pixels; one that is not ASCII may take twice as many.
+// At font size 10 a character takes 6.02 pixels; one that is not ASCII may take twice as many.
 int TextWidth(const std::string& text) {
   long hundredths = 0;
   for (const char ch : text) {
@@ -83,11 +83,11 @@ int TextWidth(const std::string& text) {
   return static_cast<int>((hundredths + 99) / 100);
 }
 
-// Cuts the steps into bands of equal width, one below the other. Pixels count from the left edge of
-// the picture.
+// Cuts the steps into bands of equal width, one below the other. Positions are in pixels from the
+// left edge of the picture.
 class Scale {
  public:
-  // The bands are about equally full, and every band but the last ends at a tick.
+  // All bands are about equally full, and every band but the last ends at a tick.
   explicit Scale(const SvgRun& run)
       : size_(SizeFor(run)),
         steps_(std::min(run.steps.size(), kMostBands * size_.in_band)),
@@ -98,7 +98,7 @@ class Scale {
     bands_ = RoundUp(steps_, band_steps_) / band_steps_;
   }
 
-  std::size_t Steps() const { return steps_; }          // that are drawn
+  std::size_t Steps() const { return steps_; }          // the number of steps that are drawn
   std::size_t TickSteps() const { return size_.tick; }  // from one tick of the ruler to the next
   std::size_t Bands() const { return bands_; }          // at least one
   int Width() const { return X(0, band_steps_) + kRightMargin; }
@@ -106,7 +106,7 @@ class Scale {
   StepRange Band(std::size_t band) const {
     return {band * band_steps_, std::min((band + 1) * band_steps_, steps_)};
   }
-  // Returns where a step of this band begins and the step before it ends.
+  // Returns the position where a step of this band begins and the previous step ends.
   int X(std::size_t band, std::size_t step) const {
     return kNamesWidth + static_cast<int>(step - band * band_steps_) * size_.width;
   }
@@ -195,7 +195,7 @@ class Drawing {
   std::ostream& stream_;
   const Scale scale_;
   const std::vector<Lane> lanes_;
-  std::vector<const char*> rows_;  // their names
+  std::vector<const char*> rows_;  // the names of the rows
   int band_height_;
   // The band that is being drawn, and its steps.
   std::size_t band_ = 0;
@@ -247,7 +247,7 @@ void Drawing::DrawBand(int y) {
   DrawReads(y + kShapeHeight / 2);
 }
 
-// The names of the rows, and a line through them at each tick with its time above.
+// Draws the names of the rows, and a vertical line at each tick, with its time above.
 void Drawing::DrawRuler(int y) {
   std::string lines;
   std::string times;
@@ -280,11 +280,11 @@ void Drawing::DrawLane(const Lane& lane, int y) {
     texts += fmt::format("<text x=\"{}\" y=\"{}\">{}</text>\n", (X(piece.begin) + X(piece.end)) / 2,
                          y + kBaseline - 1, XmlText(*label));
   }
-  // The texts lie over the shapes, but the pointer has to find the titles of the shapes.
+  // The texts lie over the shapes, but the pointer must find the titles of the shapes.
   Print("</g>\n<g {} text-anchor=\"middle\" pointer-events=\"none\">\n{}</g>\n", kInk, texts);
 }
 
-// Draws a segment pointed where it begins and ends, and upright where the band cuts it.
+// Draws a segment with pointed ends, or with upright ends where the band cuts it.
 void Drawing::DrawShape(const SvgSegment& segment, StepRange piece, int y) {
   const int left = X(piece.begin);
   const int right = X(piece.end);
@@ -299,7 +299,7 @@ void Drawing::DrawPin(int pin, int y) {
     return (run_.steps[step].wires >> pin & 1) != 0 ? y : y + kShapeHeight;
   };
   if (steps_.begin == steps_.end) return;
-  std::size_t last = std::max<std::size_t>(steps_.begin, 1) - 1;  // of the band before
+  std::size_t last = std::max<std::size_t>(steps_.begin, 1) - 1;  // of the previous band
   Print("<path d=\"M{} {}", X(steps_.begin), level_y(last));
   for (std::size_t step = steps_.begin; step < steps_.end; last = step++) {
     if (level_y(step) != level_y(last)) Print("H{}V{}", X(step), level_y(step));
@@ -313,7 +313,7 @@ void Drawing::DrawReads(int y) {
     return i < reads.size() && reads[i].step >= steps_.begin && reads[i].step < steps_.end;
   };
   const auto middle = [&](std::size_t i) { return (X(reads[i].step) + X(reads[i].step + 1)) / 2; };
-  int free = X(steps_.begin);  // the next label may begin here
+  int free = X(steps_.begin);  // where the next label may begin
   for (std::size_t i = 0; i < reads.size(); ++i) {
     if (!in_band(i)) continue;
     const int end = in_band(i + 1) ? middle(i + 1) - kReach : scale_.Width() - 2;
@@ -322,7 +322,7 @@ void Drawing::DrawReads(int y) {
   }
 }
 
-// Draws a dot, or a cross if a value is not as expected.
+// Draws a dot if the values are as expected, else a cross.
 void Drawing::DrawMark(const SvgRead& read, int x, int y) {
   std::string title = XmlText(read.title);
   if (read.times > 1) title += fmt::format(", one of {} reads here", read.times);
@@ -335,8 +335,8 @@ void Drawing::DrawMark(const SvgRead& read, int x, int y) {
   }
 }
 
-// Draws the longest label that has room between `begin` and `end`: to the right of its mark at `x`,
-// or else to the left. Returns where the next label may begin.
+// Draws the first label that fits between `begin` and `end`, to the right of its mark at `x` or
+// else to the left. Returns where the next label may begin.
 int Drawing::DrawLabel(const SvgRead& read, int x, int begin, int end, int y) {
   for (const std::string& label : read.labels) {
     const int width = TextWidth(label);
@@ -350,7 +350,7 @@ int Drawing::DrawLabel(const SvgRead& read, int x, int begin, int end, int y) {
   return x + kReach;
 }
 
-// Returns the steps that are in this band: an empty range if none are.
+// Returns the part of `steps` that is in this band; it may be empty.
 StepRange Drawing::Piece(StepRange steps) const {
   const std::size_t begin = std::clamp(steps.begin, steps_.begin, steps_.end);
   return {begin, std::clamp(steps.end, begin, steps_.end)};

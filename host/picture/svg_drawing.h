@@ -1,4 +1,4 @@
-// Draws a run as a timing diagram.
+// Draws the pins of a run as a timing diagram.
 #ifndef ICESCRIPT_HOST_PICTURE_SVG_DRAWING_H_
 #define ICESCRIPT_HOST_PICTURE_SVG_DRAWING_H_
 
@@ -14,31 +14,31 @@
 
 namespace icehost {
 
-// The most steps that a picture shows: four pages of paper.
+// The most steps that a picture shows: four printed pages.
 constexpr std::size_t kMostSvgSteps = 2000;
 
-// Steps that have one meaning. Here and below, texts have whatever bytes the scripts have.
+// Steps that have one meaning. Like scripts, all texts here may contain any bytes.
 struct SvgSegment {
-  StepRange steps;  // never empty; may go on beyond the steps that are kept
+  StepRange steps;  // not empty; may go on beyond the steps that are kept
   std::string title;
-  std::vector<std::string> labels;  // the first that fits is drawn
-  // Of a GPIO script, whose path is the title; the drawing adds their numbers. 0: not lines.
+  std::vector<std::string> labels;  // the first one that fits is drawn
+  // The lines of a GPIO script that the segment shows; the drawing adds them to the texts. Else 0.
   int lowest_line = 0;
   int highest_line = 0;
 };
 
-// The reads of one step.
+// The reads in one step; `times` is their number.
 struct SvgRead {
   std::size_t step;
-  bool met;  // everything read here is as expected
+  bool met;  // everything read here was as expected
   std::string title;
-  std::vector<std::string> labels;  // the first that fits is drawn
+  std::vector<std::string> labels;  // the first one that fits is drawn
   long times;
 };
 
-// A run as its picture shows it, in the order of its steps.
+// The contents of the picture of a run, in the order of its steps.
 struct SvgRun {
-  std::vector<PinStep> steps;  // the first of them, at most kMostSvgSteps
+  std::vector<PinStep> steps;  // the first ones, at most kMostSvgSteps
   std::size_t total_steps = 0;
   std::vector<SvgSegment> scripts;
   std::vector<SvgSegment> operations;
@@ -46,11 +46,11 @@ struct SvgRun {
   std::vector<SvgRead> reads;  // at most one for each step
 };
 
-// Writes a whole SVG 1.1 document, well-formed whatever the scripts contain. Every viewer knows the
-// attributes that hold colours and fonts; a style sheet adds the colours of a dark scheme.
+// Writes a whole SVG 1.1 document, well-formed whatever the scripts contain. Colours and fonts are
+// attributes, which every viewer knows; a style sheet adds the colours of a dark scheme.
 void DrawSvg(const SvgRun& run, std::ostream& stream);
 
-// The picture of a run, drawn when it ends.
+// Returns an output that draws the picture when the run ends. `stream` must outlive it.
 std::unique_ptr<Output> MakeSvg(std::ostream& stream);
 
 }  // namespace icehost

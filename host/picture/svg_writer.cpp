@@ -1,4 +1,4 @@
-// Collects a run for a picture.
+// Collects the contents of the picture during a run.
 #include <fmt/format.h>
 
 #include <memory>
@@ -18,7 +18,7 @@
 namespace icehost {
 namespace {
 
-// In the order of TapState. The neighbours tell the DR column from the IR column.
+// In the order of TapState. DR and IR states share names: the states around them show which it is.
 constexpr const char* kShortTapNames[kTapStates] = {
     "TLR", "RTI", "Sel", "Cap", "Sh",  "Ex1", "Pau", "Ex2",
     "Upd", "Sel", "Cap", "Sh",  "Ex1", "Pau", "Ex2", "Upd",
@@ -30,7 +30,7 @@ SvgSegment TapSegment(std::size_t step, std::optional<TapState> state) {
   return {{step, step + 1}, name, {name, kShortTapNames[static_cast<int>(*state)]}};
 }
 
-// "examples/reset.ini:5 [CONTROL] ": the beginning of a title.
+// Returns the beginning of a title, such as "examples/reset.ini:5 [CONTROL]: ".
 std::string PlaceOf(const std::string& script, const CallSource& source) {
   std::string place = script;
   if (source.line > 0) place += fmt::format(":{}", source.line);
@@ -38,7 +38,7 @@ std::string PlaceOf(const std::string& script, const CallSource& source) {
   return place + ": ";
 }
 
-// Returns what a scan did, in full and in brief.
+// Returns descriptions of a scan: first a long one, then a short one.
 std::vector<std::string> ScanTexts(const Scan& scan) {
   const auto captured = [](const ScanRegister& one) {
     const std::string bytes = one.out.value_or("");
@@ -69,7 +69,7 @@ SvgSegment OperationOf(const CallEvent& call, const std::string& script) {
   return operation;
 }
 
-// "IR expected 0x01, captured 0x00 (mask 0x01); DR ...", or an empty text if all is as expected.
+// Returns "IR expected 0x01, captured 0x00 (mask 0x01); DR ..."; empty if all is as expected.
 std::string Unmet(const std::vector<Comparison>& comparisons) {
   std::string text;
   for (const Comparison& comparison : comparisons) {
@@ -82,7 +82,7 @@ std::string Unmet(const std::vector<Comparison>& comparisons) {
   return text;
 }
 
-// Returns the pins that a call read, or what a scan captured if that is not as expected.
+// Returns the pins that a call read, or what a scan captured if it is not as expected.
 std::optional<SvgRead> ReadOf(const CallEvent& call, const std::string& script) {
   const std::string unmet = Unmet(call.comparisons);
   const auto* const gpio = call.As<GpioCall>();
@@ -97,7 +97,7 @@ std::optional<SvgRead> ReadOf(const CallEvent& call, const std::string& script) 
   return read;
 }
 
-// Keeps the first steps of a long run, as many as a picture shows, and the calls in them.
+// Keeps the first steps of a run, as many as a picture shows, and the calls in them.
 class SvgWriter : public Output, public StepRecorder, public EventListener {
  public:
   explicit SvgWriter(std::ostream& stream) : stream_(stream) {}
@@ -114,8 +114,8 @@ class SvgWriter : public Output, public StepRecorder, public EventListener {
 
   std::ostream& stream_;
   SvgRun run_;
-  std::string round_;   // of a repeated run: ends the name of a script
-  std::string script_;  // the path of the one under way
+  std::string round_;   // ends the name of a script in a repeated run
+  std::string script_;  // the path of the current script
   bool script_begins_ = false;
 };
 
@@ -135,7 +135,7 @@ void SvgWriter::OnScript(const std::string& path) {
 }
 
 void SvgWriter::OnCall(const CallEvent& call) {
-  // A call without a step may read the last one that is kept.
+  // A call without a step may read the last step that is kept.
   if (call.steps.begin > kMostSvgSteps) return;
   if (call.steps.begin < call.steps.end) KeepOperation(OperationOf(call, script_));
   if (std::optional<SvgRead> read = ReadOf(call, script_)) KeepRead(std::move(*read));
@@ -155,8 +155,8 @@ void SvgWriter::KeepOperation(SvgSegment operation) {
   run_.operations.push_back(std::move(operation));
 }
 
-// Keeps one read of each step, so that a loop that only reads needs no memory: the first that is
-// not as expected, or else the last.
+// Keeps one read of each step, so that a loop that only reads needs no more memory: the first one
+// that is not as expected, or else the last one.
 void SvgWriter::KeepRead(SvgRead read) {
   std::vector<SvgRead>& reads = run_.reads;
   if (!reads.empty() && reads.back().step == read.step) {

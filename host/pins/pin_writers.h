@@ -1,4 +1,4 @@
-// The outputs made of pins, and what happens at a served target.
+// Outputs that record pins, and the events of a served target.
 #ifndef ICESCRIPT_HOST_PINS_PIN_WRITERS_H_
 #define ICESCRIPT_HOST_PINS_PIN_WRITERS_H_
 
@@ -13,28 +13,28 @@
 namespace icehost {
 
 struct ServedClient {
-  std::size_t number = 0;  // from 1, in the order in which they came
-  std::string peer;        // its endpoint; empty where it has none
-  std::size_t bytes = 0;   // that it sent
-  std::size_t scans = 0;   // that ended while it was there
+  std::size_t number = 0;  // from 1, in the order of the connections
+  std::string peer;        // its endpoint; empty if it has none
+  std::size_t bytes = 0;   // received from it
+  std::size_t scans = 0;   // ended while it was connected
 };
 
-// Steps are those of the pins, counted from 0.
+// Receives the events of a served target. Steps are writes to the pins, counted from 0.
 class ServeListener : public TapListener {
  public:
-  // Before step `step` a client comes, or goes.
+  // A client connects, or leaves, before step `step`.
   virtual void OnClient(const ServedClient& client, std::size_t step) = 0;
   virtual void OnClientLeft(const ServedClient& client, std::size_t step) = 0;
-  // Nothing follows. `error` says why, and is empty where a signal has ended the serving.
+  // Serving has ended. `error` says why; it is empty after a signal that has cut nothing off.
   virtual void OnEnd(const std::string& error) = 0;
 };
 
-// Lines for people, and JSON lines for programs: scans, resets, idle cycles and clients. Both are
-// ServeListeners.
+// Write scans, resets, idle cycles and clients: the first as lines for people, the second as JSON
+// lines for programs. Both outputs are ServeListeners. `stream` must outlive them.
 std::unique_ptr<Output> MakeServeTrace(std::ostream& stream);
 std::unique_ptr<Output> MakeServeJson(std::ostream& stream);
 
-// A Value Change Dump (IEEE 1364) of the pins, for GTKWave, PulseView and sigrok-cli. Its
+// Writes the pins as a Value Change Dump (IEEE 1364), for GTKWave, PulseView and sigrok-cli. Its
 // operations are those of a run, or the clients of a served target.
 std::unique_ptr<Output> MakeVcd(std::ostream& stream);
 

@@ -7,7 +7,7 @@
 namespace icehost {
 namespace {
 
-// Bounds what is kept while nothing is read.
+// Limits what is kept while nothing is read.
 constexpr std::size_t kSettleAt = 1024;
 
 }  // namespace

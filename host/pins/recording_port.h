@@ -1,4 +1,4 @@
-// Wraps a pin port and shows every step of its pins to whoever records them.
+// A pin port that wraps another one and passes every step of its pins to recorders.
 #ifndef ICESCRIPT_HOST_PINS_RECORDING_PORT_H_
 #define ICESCRIPT_HOST_PINS_RECORDING_PORT_H_
 
@@ -14,26 +14,26 @@
 
 namespace icehost {
 
-// The pins from one write to the next.
+// The state of the pins from one write to the next.
 struct PinStep {
-  int wires;                    // GPIO_PIN_ bits as they are on the wires, TDO too
-  std::optional<TapState> tap;  // unknown until the TAP is first reset
-  bool drives_tdo;              // the probe, which then reads its own level
+  int wires;                    // the levels on the wires, TDO too (GPIO_PIN_ bits)
+  std::optional<TapState> tap;  // nothing until the TAP is first reset
+  bool drives_tdo;              // the probe drives TDO, and reads its own level
 };
 
 class StepRecorder {
  public:
   virtual ~StepRecorder() = default;
-  // The next step is the first of this operation, whose source is valid for the call.
+  // The next step is the first of this operation. `source` is valid during the call.
   virtual void BeginOperation(const std::string& /*name*/, const CallSource& /*source*/) {}
   virtual void Record(const PinStep& step) = 0;
 };
 
-// TDO is sampled after every write. Steps reach the recorders in order, but only once the port has
-// answered: at the latest at a read, a CollectTdo or a Flush.
+// Samples TDO after every write. Steps reach the recorders in order, but only after the port has
+// answered: at the latest at a Read, a CollectTdo or a Flush.
 class RecordingPort : public PinPort {
  public:
-  // Port and recorders must outlive this object.
+  // `port` and the recorders must outlive this object.
   RecordingPort(PinPort& port, std::vector<StepRecorder*> recorders);
 
   void Write(int levels, int enables) override;
@@ -45,14 +45,14 @@ class RecordingPort : public PinPort {
   std::optional<int> IrLength() const override { return port_.IrLength(); }
   void CheckAlive() override { port_.CheckAlive(); }
 
-  // An operation begins. The recorders are not called for one that writes nothing. What `source`
-  // points at must live until the next Flush.
+  // Begins an operation. The recorders learn of it only if it writes the pins. What `source` points
+  // to must exist until the next Flush.
   void BeginOperation(std::string name, const CallSource& source) {
     next_ = Operation{std::move(name), source};
   }
-  // Number of writes so far.
+  // Returns the number of writes so far.
   std::size_t Steps() const { return steps_; }
-  // Number of the last of them that the port has not answered yet.
+  // Returns how many of the last writes the port has not answered yet.
   std::size_t Unrecorded() const { return pending_.size(); }
 
  private:
@@ -70,10 +70,10 @@ class RecordingPort : public PinPort {
   struct Pending {
     PinStep step;
     std::optional<Operation> begins;
-    int user_samples;  // asked for between this write and the next
+    int user_samples;  // requested between this write and the next
   };
   std::vector<Pending> pending_;
-  std::size_t early_samples_ = 0;  // asked for before the first of these writes
+  std::size_t early_samples_ = 0;  // requested before the first of these writes
   Bits samples_;
 };
 

@@ -13,8 +13,8 @@ std::string PartText(const TapScan& scan) {
   return text + (scan.reset ? " (cut short by a reset)" : " (cut short by the end)");
 }
 
-// Writes one line for each event, which begins with the number of its first step:
-// "1042 DR 32 bits 0x00000000 -> 0x1ce51001", what went in before what came out.
+// Writes one line for each event, which begins with the number of its first step. In "1042 DR 32
+// bits 0x00000000 -> 0x1ce51001" the first value was shifted in, the second one out.
 class ServeTrace : public Output, public ServeListener {
  public:
   // `stream` must outlive the trace.
@@ -59,13 +59,13 @@ std::string Place(StepRange steps) {
                      steps.begin, steps.end);
 }
 
-// Writes one object a line. Its first key names its kind: "schema", "client", "scan", "reset",
-// "idle", "pins", "error" or "end"; docs/json.md describes them. ASCII only.
+// Writes one object per line, in ASCII. Its first key names its kind: "schema", "client", "scan",
+// "reset", "idle", "pins", "error" or "end". docs/json.md describes them.
 class ServeJson : public Output, public ServeListener {
  public:
   // `stream` must outlive the writer.
   explicit ServeJson(std::ostream& stream) : stream_(stream) {}
-  // The line that says what follows.
+  // Writes the line that names the format.
   void Begin() override { stream_ << "{\"schema\":\"icehost-serve\",\"version\":1}\n"; }
   void OnScan(const TapScan& scan) override {
     std::string line = fmt::format(R"({{"scan":"{}","bits":{},)", scan.ir ? "IR" : "DR",

@@ -1,4 +1,4 @@
-// Reads off the pins what happens to a TAP.
+// Decodes the actions of a TAP from the steps of its pins.
 #ifndef ICESCRIPT_HOST_PINS_TAP_DECODER_H_
 #define ICESCRIPT_HOST_PINS_TAP_DECODER_H_
 
@@ -15,51 +15,51 @@
 
 namespace icehost {
 
-// Limits the memory for a scan that does not end.
+// The most bits that are kept of a scan. Limits the memory for a scan that does not end.
 constexpr std::size_t kMostScanBits = 1U << 20U;
 
-// One way through a column of the TAP's states, from Capture to Update, with or without Pause; or
-// the part of it that one client played.
+// One pass through a column of the TAP's states, from Capture to Update, with or without Pause. If
+// a client leaves in the middle, each client has its part of the scan.
 struct TapScan {
-  bool ir;                   // the IR column, else the DR column
+  bool ir;                   // the IR column; otherwise the DR column
   Bits in;                   // TDI at each rising TCK edge in Shift, the first bit first
   Bits out;                  // TDO before each of these edges
-  bool updated;              // false if a TAP reset, or the end, cut it short
-  StepRange steps;           // from the edge that captures to the one that updates, if it has them
-  std::size_t left_out = 0;  // bits after the first kMostScanBits, which are not kept
+  bool updated;              // false if a TAP reset or End cut it short
+  StepRange steps;           // from the edge into Capture to the one into Update, if it has them
+  std::size_t left_out = 0;  // bits after the first kMostScanBits; they are not kept
   bool reset = false;        // a TAP reset cut it short
-  bool continued = false;    // End has cut off what was before
+  bool continued = false;    // a call of End has cut off its beginning
 };
 
 class TapListener {
  public:
   virtual ~TapListener() = default;
   virtual void OnScan(const TapScan& scan) = 0;
-  // The TAP comes to Test-Logic-Reset from another state, or from an unknown one.
+  // The TAP enters Test-Logic-Reset, by TRST or by TMS, from another state or an unknown one.
   virtual void OnTapReset(bool by_trst, StepRange steps) = 0;
-  // The number of rising TCK edges that found the TAP in Run-Test/Idle and left it there. Called
-  // once the TAP goes on or a reset line changes.
+  // At `cycles` rising TCK edges, the TAP was in Run-Test/Idle and stayed there. Called when the
+  // TAP leaves this state, or when a reset line changes.
   virtual void OnIdle(long cycles, StepRange steps) = 0;
-  // NRST or TRST changes. `levels`: both as they are now, GPIO_PIN_ bits; high before the first
-  // step.
+  // NRST or TRST has changed. `levels` are the new levels of both (GPIO_PIN_ bits). Before the
+  // first step they are high.
   virtual void OnResetPins(int levels, StepRange steps) = 0;
-  // A rising TCK edge with TRST high takes the TAP from a known state, that of the step before, to
-  // the next or leaves it there. Called before OnScan, OnTapReset and OnIdle of the same edge.
+  // At a rising TCK edge with TRST high, the TAP goes from a known state, `before.tap`, to `to`,
+  // which may be the same. Called before OnScan, OnTapReset and OnIdle of this edge.
   virtual void OnTapEdge(const PinStep& /*before*/, TapState /*to*/) {}
 };
 
-// Reports everything in the order in which it ends.
+// Decodes the recorded steps. Reports everything in the order in which it ends.
 class TapDecoder : public StepRecorder {
  public:
   // The listeners must outlive the decoder.
   explicit TapDecoder(std::vector<TapListener*> listeners) : listeners_(std::move(listeners)) {}
 
   void Record(const PinStep& step) override;
-  // Reports what is under way. If steps follow, they are reported on their own.
+  // Ends and reports what is under way. Its continuation, if there is one, is reported separately.
   void End();
-  // The number of scans so far.
+  // Returns the number of scans so far.
   std::size_t Scans() const { return scans_; }
-  // The step that was recorded last; before the first, all wires are high.
+  // Returns the step that was recorded last. Before the first one, all wires are high.
   const PinStep& Last() const { return last_; }
 
  private:
@@ -78,9 +78,9 @@ class TapDecoder : public StepRecorder {
 
   std::vector<TapListener*> listeners_;
   std::size_t scans_ = 0;
-  std::size_t step_ = 0;  // the one that is recorded
+  std::size_t step_ = 0;  // the number of the step to be recorded
   PinStep last_{GPIO_PIN_ALL, std::nullopt, false};
-  std::optional<TapScan> scan_;  // under way
+  std::optional<TapScan> scan_;  // the current one
   long idle_cycles_ = 0;
   std::size_t idle_begin_ = 0;
 };

@@ -1,4 +1,4 @@
-// The pins as a Value Change Dump.
+// Writes the pins as a Value Change Dump.
 #include <algorithm>
 #include <cctype>
 #include <cstddef>
@@ -15,7 +15,7 @@
 namespace icehost {
 namespace {
 
-constexpr char kFirstId = '!';  // identifiers of the pins, in their order
+constexpr char kFirstId = '!';  // of the first pin; the others follow
 constexpr char kTapId = 't';
 constexpr char kOperationId = 'o';
 
@@ -25,24 +25,24 @@ std::string LowerCase(std::string text) {
   return text;
 }
 
-// Writes as the steps come: what is in the stream is a complete file at any time. One step is 1 us,
-// nominal. The state of the TAP and the operation are string variables, as GTKWave shows them;
-// sigrok passes over them with a warning.
+// Writes each step at once, so that the stream contains a complete file at any time. A step counts
+// as 1 us. The state of the TAP and the operation are string variables, which GTKWave shows; sigrok
+// skips them with a warning.
 class VcdWriter : public Output, public StepRecorder {
  public:
   // `stream` must outlive the writer.
   explicit VcdWriter(std::ostream& stream);
-  // What a name in this format cannot hold becomes "_".
+  // Replaces characters that a name in this format cannot contain with "_".
   void BeginOperation(const std::string& name, const CallSource& source) override;
   void Record(const PinStep& step) override;
-  // Gives the last step its length.
+  // Writes the time at which the last step ends.
   void End(const PageHead& head) override;
 
  private:
   std::ostream& stream_;
   std::size_t time_ = 0;
   std::optional<PinStep> last_;
-  std::string operation_;  // that begins with the next step; empty: none does
+  std::string operation_;  // begins with the next step; empty: none does
 };
 
 VcdWriter::VcdWriter(std::ostream& stream) : stream_(stream) {
@@ -58,7 +58,7 @@ VcdWriter::VcdWriter(std::ostream& stream) : stream_(stream) {
 void VcdWriter::BeginOperation(const std::string& name, const CallSource& /*source*/) {
   operation_ = name;
   for (char& ch : operation_) {
-    // GTKWave takes a backslash for the beginning of a C escape.
+    // GTKWave reads a backslash as the beginning of a C escape.
     if (std::isgraph(static_cast<unsigned char>(ch)) == 0 || ch == '\\') ch = '_';
   }
 }

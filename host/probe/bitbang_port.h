@@ -10,21 +10,21 @@
 
 namespace icehost {
 
-// One byte is one operation: '0' to '7' set TCK (4), TMS (2) and TDI (1), 'R' asks for TDO, 'r' 's'
-// 't' 'u' set TRST and SRST to 00 01 10 11, where 1 asserts; 'Q' quits. Writes are buffered, and
-// samples are asked for without waiting for their answers.
+// Each byte is one operation: '0' to '7' set TCK (4), TMS (2) and TDI (1); 'R' asks for TDO; 'r',
+// 's', 't' and 'u' set TRST and NRST to 00, 01, 10 and 11, where 1 asserts the reset; 'Q' quits.
+// Writes are buffered, and samples are requested without waiting for their answers.
 //
-// The protocol has no output enables, cannot drive TDO and reads no other pin. It does not number
-// its answers: one too many would shift all that follow, so that any byte which was not asked for
-// is an IoError. A server that has a client already can only close the connection of another.
+// The protocol has no output enables, cannot drive TDO and cannot read another pin. Its answers
+// have no numbers: a surplus one would shift all later ones, so any byte that was not asked for is
+// an IoError. A server that already has a client can only close the connection of another one.
 class BitbangPort : public PinPort {
  public:
   enum class Manner {
-    // Drives all pins from the first write on, and clocks the TAP into reset when TRST falls, for
+    // Drives all pins from the first write on. When TRST falls, it also resets the TAP by TMS, for
     // servers that ignore the reset bytes.
     kProbe,
-    // Sends what the writes change and nothing else. TCK, TMS and TDI together, or NRST and TRST
-    // together, may not be enabled: they stay as they are.
+    // Sends only what the writes change: nothing for TCK, TMS and TDI if none of them is enabled,
+    // and nothing for NRST and TRST if neither is enabled.
     kProxy,
   };
 
@@ -34,11 +34,11 @@ class BitbangPort : public PinPort {
   BitbangPort& operator=(const BitbangPort&) = delete;
 
   void Write(int levels, int enables) override;
-  // Returns the levels that are driven, and TDO.
+  // Returns the levels that the probe drives, and TDO.
   int Read() override;
   void SampleTdo() override;
   Bits CollectTdo() override;
-  // Returns once a last sample has shown that the server has taken everything until then.
+  // Asks for a last sample: its answer shows that the server has processed everything before it.
   void Flush() override;
   int ReportedPins() const override { return GPIO_PIN_TDO; }
   void CheckAlive() override;
@@ -54,10 +54,10 @@ class BitbangPort : public PinPort {
   Socket socket_;
   Manner manner_;
   std::string unsent_;
-  std::size_t unanswered_ = 0;  // samples asked for, sent or not
+  std::size_t unanswered_ = 0;  // samples requested, sent or not
   Bits samples_;
   int levels_ = GPIO_PIN_ALL;
-  // The last of each kind that was sent; none before the first write.
+  // The last byte of each kind that was sent, or NUL.
   char pin_byte_ = '\0';
   char reset_byte_ = '\0';
 };

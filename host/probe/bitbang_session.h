@@ -1,4 +1,4 @@
-// The protocol remote_bitbang, as a server plays it.
+// The server side of the remote_bitbang protocol.
 #ifndef ICESCRIPT_HOST_PROBE_BITBANG_SESSION_H_
 #define ICESCRIPT_HOST_PROBE_BITBANG_SESSION_H_
 
@@ -11,8 +11,8 @@
 
 namespace icehost {
 
-// See BitbangPort for the bytes. Skips bytes that have no meaning here, such as blinking. A pin
-// that no byte has set yet is not enabled.
+// Plays the bytes that BitbangPort describes. Skips other bytes, such as those for blinking. A pin
+// is not enabled until a byte has set it.
 class BitbangSession : public Session {
  public:
   // `port` must outlive the session.

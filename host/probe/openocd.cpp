@@ -15,17 +15,17 @@ namespace icehost {
 namespace {
 
 constexpr char kEndOfText = '\x1a';
-// Longer than any answer to our commands.
+// Longer than any answer to the commands used here.
 constexpr std::size_t kLongestAnswer = 1 << 16;
 constexpr int kLongestIr = 64;
 
-// A command of OpenOCD's own fails with a number below zero, and logs the reason only.
+// Commands built into OpenOCD fail with a negative number, and only log the reason.
 bool IsOwnError(std::string_view code) {
   return !code.empty() && code.front() == '-' &&
          NumberIn(std::string(code.substr(1)), 10).has_value();
 }
 
-// Returns the drscan command for these bits, in fields of 8 bits and a last one of 1 to 8.
+// Returns the drscan command for these bits, in fields of 8 bits; the last one has 1 to 8 bits.
 std::string DrscanCommand(const std::string& tap, const Bits& bits) {
   std::string command = "drscan " + tap;
   std::size_t left = bits.size();
@@ -37,7 +37,7 @@ std::string DrscanCommand(const std::string& tap, const Bits& bits) {
   return command;
 }
 
-// Returns the `length` bits of its answer; throws IoError if it is invalid.
+// Returns the `length` bits of the answer to drscan; throws IoError if the answer is invalid.
 Bits ParseDrscanAnswer(const std::string& answer, std::size_t length) {
   const std::vector<std::string> fields = WordsOf(answer);
   Bits bits;
@@ -56,8 +56,8 @@ Bits ParseDrscanAnswer(const std::string& answer, std::size_t length) {
 
 }  // namespace
 
-// The answer begins with the command's number, which identifies an answer too many, and with a code
-// that is 0 unless the command failed: the reason is returned like any other result.
+// The answer begins with the command's number, which reveals a surplus answer, and with a code that
+// is 0 if the command succeeded. After another code, the result is the reason of the failure.
 std::string OpenocdRpc::Ask(const std::string& command) {
   ThrowIfEarly({});
   const std::string number = fmt::format("{} ", ++commands_);
@@ -82,7 +82,7 @@ void OpenocdRpc::ExpectNoMore() {
   ThrowIfEarly(Socket::kStragglers);
 }
 
-// The number of a command is known in advance, so an answer that comes too early could look right.
+// The numbers of commands are predictable, so an answer that arrives too early could look right.
 void OpenocdRpc::ThrowIfEarly(std::chrono::milliseconds patience) {
   if (received_.empty() && socket_.Pending(patience) == 0) return;
   socket_.FailOutOfStep();
@@ -140,7 +140,7 @@ int OpenocdProbe::Reset(int /*kind*/) {
     rpc_.Ask("adapter assert srst");
     rpc_.Ask("adapter deassert srst");
   } catch (const Unsupported& error) {
-    // By default OpenOCD assumes that there is no such line.
+    // By default, OpenOCD assumes that the adapter has no such line.
     throw Unsupported(
         fmt::format("{} (its configuration needs a reset_config with srst)", error.what()));
   }
@@ -179,8 +179,8 @@ int OpenocdProbe::Gpio(int /*out_value*/, std::uint32_t& /*data*/, int /*oe_mask
   throw Unsupported("OpenOCD cannot drive single pins: GPIO scripts do not run on it");
 }
 
-// A row is "N NAME ENABLED IDCODE EXPECTED IRLEN IRCAP IRMASK"; a further EXPECTED is alone on the
-// next line.
+// A row is "N NAME ENABLED IDCODE EXPECTED IRLEN IRCAP IRMASK". Each further EXPECTED has a line of
+// its own.
 std::vector<OpenocdTap> ParseScanChain(const std::string& answer) {
   std::vector<OpenocdTap> taps;
   std::istringstream table(answer);

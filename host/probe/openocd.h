@@ -1,4 +1,4 @@
-// An adapter that OpenOCD drives, by OpenOCD's Tcl RPC.
+// A probe on an adapter that OpenOCD drives, through OpenOCD's Tcl RPC.
 #ifndef ICESCRIPT_HOST_PROBE_OPENOCD_H_
 #define ICESCRIPT_HOST_PROBE_OPENOCD_H_
 
@@ -21,11 +21,11 @@ class OpenocdRpc {
  public:
   explicit OpenocdRpc(Socket socket) : socket_(std::move(socket)) {}
 
-  // Returns the result of one command, whose braces are balanced; up to 64 KiB. Throws Unsupported
-  // with OpenOCD's words if it refuses; IoError if the connection is lost, the answer is invalid,
-  // or something came before the command was sent.
+  // Runs one command, whose braces must be balanced, and returns its result, up to 64 KiB. Throws
+  // Unsupported with OpenOCD's message if OpenOCD refuses it. Throws IoError if the connection is
+  // lost, the answer is invalid, or anything arrived before the command was sent.
   std::string Ask(const std::string& command);
-  // Throws IoError if anything comes within a few milliseconds. To be called after the last answer.
+  // Throws IoError if anything arrives within a few milliseconds. For use after the last answer.
   void ExpectNoMore();
 
  private:
@@ -33,16 +33,16 @@ class OpenocdRpc {
   std::string ReceiveAnswer(const std::string& command);
 
   Socket socket_;
-  std::string received_;  // after the last answer
+  std::string received_;  // received after the last answer
   int commands_ = 0;
 };
 
-// Scans one TAP of OpenOCD's chain; OpenOCD takes care of the others. Captures no IR, which
-// OpenOCD's commands do not return. GPIO scripts, the 2-wire interface and commands that OpenOCD
-// refuses throw Unsupported; a lost connection and an invalid answer throw IoError.
+// Scans one TAP of OpenOCD's chain; OpenOCD handles the others. Does not capture the IR, which
+// OpenOCD's commands do not return. Throws Unsupported for GPIO scripts, the 2-wire interface and
+// what OpenOCD refuses; IoError for a lost connection and an invalid answer.
 class OpenocdProbe : public Probe {
  public:
-  // `tap` may be empty if the chain has one TAP only.
+  // `tap` may be empty if OpenOCD has only one TAP. Throws IoError if there is no such TAP.
   OpenocdProbe(Socket socket, std::string tap);
 
   int Config(int code, int value) override;
@@ -64,10 +64,10 @@ class OpenocdProbe : public Probe {
   Bits dr_;
 };
 
-// Asks OpenOCD for a table of its chain.
+// The command that asks OpenOCD for the table of its chain.
 constexpr char kAskScanChain[] = "capture {scan_chain}";
 
-// A row of that table.
+// A row of this table.
 struct OpenocdTap {
   std::string name;
   bool enabled;
@@ -75,15 +75,15 @@ struct OpenocdTap {
   int ir_bits;
 };
 
-// Returns the rows, the TAP nearest to TDO first; skips other lines.
+// Returns the rows of the table, the TAP nearest to TDO first. Skips other lines.
 std::vector<OpenocdTap> ParseScanChain(const std::string& answer);
 
-// Throws IoError if OpenOCD's TAPs have no such name.
+// Throws IoError if `tap` is not one of OpenOCD's `taps`.
 void RefuseUnknownTap(const std::vector<std::string>& taps, const std::string& tap);
 
-// Returns the text between blanks.
+// Returns the words of a text, which whitespace separates.
 std::vector<std::string> WordsOf(const std::string& text);
-// Returns the whole word, in digits without a sign, as a number of 32 bits; nothing if it is not.
+// Returns the whole word as an unsigned 32-bit number; nothing if it is not one, or has a sign.
 std::optional<std::uint32_t> NumberIn(const std::string& word, int base);
 
 }  // namespace icehost

@@ -1,4 +1,4 @@
-// Six pins of a probe.
+// The six pins of a probe.
 #ifndef ICESCRIPT_HOST_PROBE_PIN_PORT_H_
 #define ICESCRIPT_HOST_PROBE_PIN_PORT_H_
 
@@ -10,31 +10,31 @@
 namespace icehost {
 
 // Levels and enables are GPIO_PIN_ bits (entry/icescript.h). Pins that are not enabled float high.
-// Every function may throw IoError, Interrupted, or Unsupported if the pins cannot do that.
+// Every function may throw IoError and Interrupted, and Unsupported if the pins cannot do it.
 class PinPort {
  public:
   virtual ~PinPort() = default;
 
-  // Sets all pins at one moment.
+  // Sets all pins at the same moment.
   virtual void Write(int levels, int enables) = 0;
-  // Returns the levels of all pins now.
+  // Returns the present levels of all pins.
   virtual int Read() = 0;
 
-  // Samples TDO between the writes before and after, for the next CollectTdo. A port across a
-  // network need not wait for the answer.
+  // Samples TDO between the previous and the next write, for CollectTdo. A port across a network
+  // need not wait for the answer here.
   virtual void SampleTdo() = 0;
-  // Returns the samples since the last call, in order.
+  // Returns the samples since the last call, the first one first.
   virtual Bits CollectTdo() = 0;
-  // Sends buffered writes, and returns after their receiver has answered. To be called after
-  // everything sampled was collected.
+  // Sends buffered writes, and returns after the receiver has answered. All samples must have been
+  // collected before.
   virtual void Flush() {}
-  // The GPIO_PIN_ bits whose levels Read takes from the wires. The others are as the probe drives
-  // them.
+  // Returns the pins (GPIO_PIN_ bits) whose levels Read takes from the wires. For the other pins,
+  // Read returns what the probe drives.
   virtual int ReportedPins() const { return GPIO_PIN_ALL; }
-  // The length of the target's IR in bits, if the port knows it.
+  // Returns the length of the target's IR in bits, if the port knows it.
   virtual std::optional<int> IrLength() const { return std::nullopt; }
-  // Throws IoError if the pins are lost, as far as that is known without waiting. To be called
-  // while nothing is under way.
+  // Throws IoError if the pins are lost, as far as that is known without waiting. For use only
+  // while no answer is expected.
   virtual void CheckAlive() {}
 };
 

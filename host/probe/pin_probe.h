@@ -1,4 +1,4 @@
-// A probe made of pins.
+// A probe that plays scans on its pins.
 #ifndef ICESCRIPT_HOST_PROBE_PIN_PROBE_H_
 #define ICESCRIPT_HOST_PROBE_PIN_PROBE_H_
 
@@ -22,21 +22,21 @@ class TapWalker {
   // `port` must outlive the walker.
   explicit TapWalker(PinPort& port) : port_(port) {}
 
-  // Writes the pins, and follows the TAP meanwhile.
+  // Writes the pins, as PinPort::Write does, and follows the state of the TAP.
   void Write(int levels, int enables);
-  // What was written last; nothing is enabled at first.
+  // Return the levels and enables that were written last. At first, nothing is enabled.
   int Levels() const { return levels_; }
   int Enables() const { return enables_; }
 
-  // Moves the TAP to Run-Test/Idle, wherever the pins and the TAP are, with TRST and NRST high.
-  // Resets it if its state is unknown.
+  // Moves the TAP to Run-Test/Idle from any state of the pins, with TRST and NRST high. Resets the
+  // TAP first if its state is unknown.
   void TakeTap();
-  // Makes TakeTap reset the TAP, as if its state were unknown.
+  // Makes the next TakeTap reset the TAP, as if its state were unknown.
   void ForgetTap() { tap_.Forget(); }
-  // Moves it to Test-Logic-Reset, from any state and by TMS alone: TRST and NRST stay high.
+  // Moves the TAP to Test-Logic-Reset from any state, by TMS alone: TRST and NRST stay high.
   void ResetTap();
-  // Scans from a known state through Shift-DR or Shift-IR to Run-Test/Idle, with TCK low at the
-  // end. The caller collects from the port what comes out.
+  // Shifts `in`, the first bit first, from a known state through Shift-DR or Shift-IR to
+  // Run-Test/Idle, and leaves TCK low. CollectTdo of the port then returns TDO for each bit.
   void Scan(TapState shift, const Bits& in);
 
   std::size_t Steps() const { return steps_; }
@@ -49,15 +49,14 @@ class TapWalker {
   PinPort& port_;
   int levels_ = GPIO_PIN_ALL;
   int enables_ = 0;
-  std::size_t steps_ = 0;  // calls of Write
+  std::size_t steps_ = 0;  // the number of calls of Write
   TapTracker tap_;
 };
 
 class PinProbe : public Probe {
  public:
-  // `port` must outlive the probe. `wire_mode` is the CDI_ANSWER_ in force at the start; if
-  // `two_wire` is false, selecting the 2-wire interface throws Unsupported.
-  // Scripts address the TAP at `place`.
+  // `port` must outlive the probe. `wire_mode` is the CDI_ANSWER_ at the start. If `two_wire` is
+  // false, selecting the 2-wire interface throws Unsupported. Scripts address the TAP at `place`.
   PinProbe(PinPort& port, int wire_mode, bool two_wire, ChainPlace place = {})
       : port_(port),
         two_wire_(two_wire),
@@ -94,8 +93,8 @@ class PinProbe : public Probe {
   std::string doubt_;
   TapWalker walker_;
   ChainPlace place_;
-  ChainScan chain_;                // the last one
-  bool others_in_bypass_ = false;  // by an IR scan since the last reset of the TAPs
+  ChainScan chain_;                // of the last scan
+  bool others_in_bypass_ = false;  // an IR scan put them there after the last reset
 };
 
 }  // namespace icehost

@@ -11,15 +11,15 @@ namespace icehost {
 
 class Plugin {
  public:
-  // Loads the library at `path` and binds it to this process's link_ functions. Throws IoError that
-  // says why it cannot.
+  // Loads the library at `path` and binds it to the link_ functions of this process. Throws
+  // IoError, which says why it cannot be loaded.
   explicit Plugin(const std::string& path);
   ~Plugin();
   Plugin(const Plugin&) = delete;
   Plugin& operator=(const Plugin&) = delete;
 
-  // Runs one script on `probe`; returns whether it ran to its end. Exceptions of the probe and of
-  // `print` and std::bad_alloc pass through; any other exception becomes PluginThrew.
+  // Runs one script on `probe`. Returns whether the plug-in reports success. Lets Interrupted,
+  // IoError and std::bad_alloc pass; turns any other exception into PluginThrew.
   bool Run(Probe& probe, const std::string& script, PrintCallback print) const;
 
  private:
@@ -27,8 +27,8 @@ class Plugin {
   decltype(&ImplementScr) entry_;
 };
 
-// Returns the plug-in that was built with this program, in the program's folder, or installed with
-// it.
+// Returns the path of the plug-in that was built with this program, if it is in the program's
+// folder, or of the one that was installed with it.
 std::string DefaultPluginPath();
 
 }  // namespace icehost

@@ -12,13 +12,13 @@
 
 namespace icehost {
 
-// Where a probe stores the captured DR; the captured IR is in the bytes before it. On the 2-wire
-// interface an extra byte separates them.
+// The byte at which Execute stores the captured DR. The captured IR is in the bytes before it. Over
+// two wires the DR begins one byte later.
 constexpr int kDrCaptureByte = 2;
 
-// The LinkHandle that icehost passes to the plug-in points to a Probe. Config to Gpio take the
-// arguments of the link_ functions of entry/icescript.h and return their results. They and Flush
-// may throw IoError, Interrupted, or Unsupported for what the probe cannot do.
+// The LinkHandle that icehost passes to the plug-in points to a Probe. Config, Reset, Insert,
+// Execute and Gpio have the arguments and results of the link_ functions in entry/icescript.h. They
+// and Flush may throw IoError and Interrupted, and Unsupported for what the probe cannot do.
 class Probe {
  public:
   virtual ~Probe() = default;
@@ -28,24 +28,24 @@ class Probe {
   virtual int Insert(int ir_bits, const std::uint8_t* ir, int dr_bits, const std::uint8_t* dr) = 0;
   virtual int Execute(std::uint8_t* capture) = 0;
   virtual int Gpio(int out_value, std::uint32_t& data, int oe_mask, int flags) = 0;
-  // Ends a script: sends what is buffered, and returns after its receiver has answered.
+  // Ends a script: sends what is buffered, and returns after the receiver has answered.
   virtual void Flush() = 0;
-  // Makes the next scan begin with a TAP reset. Returns false if the probe cannot do that.
+  // Makes the next scan begin with a TAP reset. Returns false if the probe cannot do this.
   virtual bool ResetTapBeforeScan() { return false; }
 
-  // The GPIO_PIN_ bits whose levels Gpio reads from the wires. The others are as the probe drives
-  // them.
+  // Returns the pins (GPIO_PIN_ bits) whose levels Gpio reads from the wires. For the other pins,
+  // Gpio returns what the probe drives.
   virtual int ReportedPins() const { return GPIO_PIN_ALL; }
-  // Whether Execute stores the captured IR.
+  // Returns whether Execute stores the captured IR.
   virtual bool CapturesIr() const { return true; }
-  // Why the scan executed last may not have reached a TAP; empty if nothing speaks against it.
+  // Returns why the last scan may not have reached a TAP; empty if nothing suggests that.
   virtual std::string Doubt() const { return ""; }
-  // The scan executed last as the whole chain saw it. Null if the TAP is alone, or the probe hides
-  // the others.
+  // Returns the last scan as the whole chain saw it. Returns null if the TAP is alone, or if the
+  // probe hides the other TAPs.
   virtual const ChainScan* WholeChain() const { return nullptr; }
-  // Writes to its pins so far; 0 if it shows none.
+  // Returns the number of writes to the pins so far; 0 if the probe shows no pins.
   virtual std::size_t Steps() const { return 0; }
-  // TCK cycles so far; nothing if it shows no pins.
+  // Returns the number of TCK cycles so far; nothing if the probe does not know it.
   virtual std::optional<long> TckCycles() const { return std::nullopt; }
 };
 

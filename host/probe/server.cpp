@@ -17,17 +17,17 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// Bounds what is buffered: the answers to so many bytes are sent before more are read.
+// Limits what is buffered: the answers to this many bytes are sent before more are read.
 constexpr std::size_t kReadAtOnce = 4096;
-// How often the port is looked at while nobody uses it.
+// How often the port is checked while nobody uses it.
 constexpr std::chrono::seconds kLookAtPort{1};
-// How long a newcomer waits at most while the client before it sends without a pause.
+// How long a new client waits at most while the current one sends without a pause.
 constexpr std::chrono::seconds kNewcomerWaits{1};
-// How long bytes are played after a signal. The port may answer them later.
+// How long received bytes are still played after a signal. The port may answer them later.
 constexpr std::chrono::milliseconds kLastWork{200};
 
-// A client whose machine is gone is noticed after two minutes. A UNIX socket, whose other end
-// cannot vanish, knows none of the options.
+// Makes TCP notice within two minutes that a client's machine is gone. A UNIX socket, whose other
+// end cannot vanish, supports none of these options.
 void SetTcpOptions(int fd) {
   constexpr struct {
     int level, name, value;
@@ -41,7 +41,7 @@ void SetTcpOptions(int fd) {
   }
 }
 
-// Ends one operation that has come so far that it need not wait; returns false if none has.
+// Completes one operation that need not wait; returns false if there is none.
 bool EndOperation() {
   EventLoop().restart();
   return EventLoop().poll_one() > 0;
@@ -49,8 +49,8 @@ bool EndOperation() {
 
 }  // namespace
 
-// The port waits on the loop that these operations run on. They therefore only note what came, for
-// Work.
+// The port waits on the same loop, so these operations may end while it works. They only record
+// what arrived, for Work.
 
 struct Server::Arrival {
   std::optional<StreamProtocol::socket> socket;
@@ -68,7 +68,7 @@ struct Server::Client {
                                    client->gone = static_cast<bool>(error);
                                  });
   }
-  // Reads on once the answers are on their way.
+  // Reads on after the answers were sent.
   static void Write(const std::shared_ptr<Client>& client, bool open) {
     const auto read_on = [client, open](const asio::error_code& error, std::size_t /*sent*/) {
       client->gone = error || !open;
@@ -83,7 +83,7 @@ struct Server::Client {
     }
   }
 
-  // It may have sent bytes before, which are still to be read.
+  // The client has closed its end. Bytes that it sent before may still be unread.
   bool HasLeft() {
     pollfd ended = {socket.native_handle(), POLLRDHUP, 0};
     return poll(&ended, 1, 0) > 0;
@@ -91,7 +91,7 @@ struct Server::Client {
 
   StreamProtocol::socket socket;
   std::array<char, kReadAtOnce> bytes{};
-  std::size_t received = 0;  // and not looked at yet
+  std::size_t received = 0;  // bytes that were not played yet
   std::string answers;
   bool gone = false;
   Clock::time_point last_heard = Clock::now();
@@ -122,7 +122,7 @@ bool Server::OwesAPart() const {
   return client_ != nullptr && !client_->gone && client_->HasLeft();
 }
 
-// Until something comes. A signal may have ended the server of the port, too.
+// Waits for an event. Skips the check after a signal, which may have ended the port's server, too.
 void Server::Wait() {
   asio::io_context& loop = EventLoop();
   loop.restart();
@@ -139,8 +139,8 @@ void Server::Accept() {
       });
 }
 
-// Does one thing, during which more may come; returns false if there is nothing to do. Judges a
-// newcomer only once nothing more has come from the client before, which may have left.
+// Does one thing, during which more may arrive; returns false if there is nothing to do. Decides
+// about a new client only when nothing more arrives from the current one, which may have left.
 bool Server::Work() {
   if (client_ != nullptr && client_->received > 0) {
     Answer();

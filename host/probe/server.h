@@ -1,4 +1,4 @@
-// A server that lets clients move the pins of a port.
+// A server whose clients move the pins of a port.
 #ifndef ICESCRIPT_HOST_PROBE_SERVER_H_
 #define ICESCRIPT_HOST_PROBE_SERVER_H_
 
@@ -12,40 +12,40 @@
 
 namespace icehost {
 
-// Serves one client at a time. The connection of another that comes meanwhile is closed, unless the
-// first has left or has been silent for the idle limit: then the other takes its place. The server
-// first plays what has come from the first, for up to a second. TCP's keep-alive discovers clients
-// that vanish. Each client finds the pins as the one before left them.
+// Serves one client at a time. If another one connects, its connection is closed, unless the first
+// one has left or was silent for the idle limit: then the new client replaces it. The server first
+// plays what has arrived from the first client, for up to a second. TCP keep-alive detects clients
+// that vanish. Each client finds the pins as the previous one left them.
 class Server {
  public:
-  // Learns what clients do, in order and never while the port is working. An exception ends Run.
+  // Receives the actions of clients, in order and never while the port works. An exception ends
+  // Run.
   class Observer {
    public:
     virtual ~Observer() = default;
-    // A client is accepted; `peer` is empty if it has no name.
+    // A client was accepted; `peer` is its address, or empty if it has none.
     virtual void OnClient(const std::string& peer) = 0;
-    // So many of its bytes have come.
+    // This many bytes have arrived from the client.
     virtual void OnBytes(std::size_t count) = 0;
-    // They were played, but are not answered yet.
+    // The bytes were played, but not answered yet.
     virtual void OnDone() = 0;
-    // It is sent away after that, because its bytes are wrong: why.
+    // After this, the client is disconnected because its bytes are wrong; `why` says how.
     virtual void OnFault(const std::string& why) = 0;
-    // The client has left.
     virtual void OnClientLeft() = 0;
-    // Why a client is sent away.
+    // A second client is rejected, or takes the place of a silent one; `why` says which.
     virtual void OnRefusal(const std::string& why) = 0;
   };
 
-  // All must outlive the server.
+  // All references must outlive the server.
   Server(Listener& listener, PinPort& port, Session& session, std::chrono::milliseconds idle_limit,
          Observer& observer);
 
-  // Serves until a signal ends it, and plays what clients have sent by then; throws Interrupted if
-  // that takes more than a moment, or more than AllowAfterSignal allows. Throws IoError if no more
-  // clients can be accepted, or if the port does; a port that is lost while nobody uses it is
-  // noticed within a second.
+  // Serves until a signal arrives, and plays what clients have sent by then. Throws Interrupted if
+  // that takes more than a fraction of a second, or more than AllowAfterSignal allows. Throws
+  // IoError if no more clients can be accepted, or if the port does. Notices within a second that
+  // an unused port is lost.
   void Run();
-  // After Run has thrown: whether a client has left without having been played to its end.
+  // Returns, after Run has thrown, whether the client closed before all its bytes were played.
   bool OwesAPart() const;
 
  private:
@@ -61,10 +61,10 @@ class Server {
 
   Listener& listener_;
   PinPort& port_;
-  Session& session_;  // on the port
+  Session& session_;  // plays on the port
   std::chrono::milliseconds idle_limit_;
   Observer& observer_;
-  // Shared with operations under way, which may end later than the server.
+  // Shared with pending operations, which may end later than the server.
   std::shared_ptr<Arrival> arrival_;
   std::shared_ptr<Client> client_;
 };

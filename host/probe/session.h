@@ -1,4 +1,4 @@
-// What a protocol makes of the bytes that a client of serve sends.
+// The interface of a protocol of serve, which plays what a client sends.
 #ifndef ICESCRIPT_HOST_PROBE_SESSION_H_
 #define ICESCRIPT_HOST_PROBE_SESSION_H_
 
@@ -7,17 +7,17 @@
 
 namespace icehost {
 
-// Plays bytes on the pins of a port. Each client finds the pins as the one before left them.
+// Plays bytes on the pins of a port. Each client finds the pins as the previous one left them.
 class Session {
  public:
   virtual ~Session() = default;
 
-  // Begins with another client: forgets what is left of the bytes before.
+  // Begins a new client: drops the bytes of the previous one that were not played.
   virtual void Begin() {}
-  // Appends the answers to `answers`. Returns false if the client has quit or has sent what the
-  // protocol does not have, and ignores the bytes after that. Collects all samples of the port.
+  // Plays `bytes` and appends the answers to `answers`. Returns false if the client has quit or has
+  // sent something invalid, and ignores the bytes after that. Collects all samples of the port.
   virtual bool Feed(std::string_view bytes, std::string& answers) = 0;
-  // What was wrong with the last bytes; empty if nothing was.
+  // Returns what was wrong with the last bytes, or an empty text.
   virtual std::string Fault() const { return ""; }
 };
 

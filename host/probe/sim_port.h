@@ -17,17 +17,17 @@
 
 namespace icehost {
 
-// The instruction of a register of 32 bits that the target has in addition to those of the options,
-// unless one of them or the IDCODE has this instruction.
+// The instruction of a 32-bit register that the target has in addition to those in the options,
+// unless one of them, or the IDCODE, uses this instruction.
 constexpr std::uint64_t kScratchInstruction = 0x02;
 
 struct TargetOptions {
-  // Instructions other than those below select BYPASS.
+  // In bits. Instructions other than those below select BYPASS.
   int ir_length = 5;
   std::uint64_t idcode_instruction = 0x01;
-  std::uint32_t idcode = 0x1CE51001;  // no manufacturer has this code
-  // The reset values of data registers that a script may write and read, by instruction. A register
-  // with the IDCODE's instruction replaces the IDCODE.
+  std::uint32_t idcode = 0x1CE51001;  // its manufacturer code belongs to nobody
+  // The data registers that scripts may write and read, by instruction, with their reset values. A
+  // register with the instruction of the IDCODE replaces the IDCODE.
   std::map<std::uint64_t, Bits> registers;
   bool has_scratch = true;
 };
@@ -37,14 +37,14 @@ class Target {
  public:
   explicit Target(const TargetOptions& options);
 
-  // The two edges of TCK: the TAP samples TMS and TDI on the rising edge; it changes TDO and
-  // updates its registers on the falling one.
+  // The edges of TCK. On the rising edge the TAP samples TMS and TDI; on the falling edge it
+  // changes TDO and updates its registers.
   void RaiseTck(bool tms, bool tdi);
   void LowerTck();
-  // TRST low.
+  // TRST is low: the TAP goes to Test-Logic-Reset.
   void ResetTap();
-  // NRST low: the registers get their reset values and keep them; the TAP controller keeps its
-  // state.
+  // If `hold`, NRST is low: the registers get their reset values and keep them. The TAP controller
+  // keeps its state.
   void HoldRegisters(bool hold);
 
   int IrLength() const { return options_.ir_length; }
@@ -57,7 +57,7 @@ class Target {
   Bits CapturedDr() const;
   void UpdateDr();
   void Capture(Bits bits);
-  // The shift register, the bit next to TDO first.
+  // Returns the shift register; its first bit is the one next to TDO.
   Bits Shifted() const;
 
   TargetOptions options_;
@@ -65,15 +65,15 @@ class Target {
   bool held_ = false;
   TapState state_ = TapState::kTestLogicReset;
   std::uint64_t instruction_;
-  // A ring, so that an edge moves no bits: the bit that leaves makes room for the one that comes.
+  // A ring, so that an edge moves no bits: the incoming bit replaces the outgoing one.
   Bits shift_;
-  std::size_t first_ = 0;  // the bit that leaves next
+  std::size_t first_ = 0;  // the index of the bit that leaves next
   std::optional<bool> tdo_;
 };
 
 class SimPort : public PinPort {
  public:
-  // The target is at `place` in a chain of others, which have an IDCODE and BYPASS alone.
+  // The target is at `place` in its chain. The other TAPs have only an IDCODE and BYPASS.
   explicit SimPort(const TargetOptions& options, const ChainPlace& place = {});
 
   void Write(int levels, int enables) override;
@@ -86,8 +86,8 @@ class SimPort : public PinPort {
   void RaiseTck(bool tms, bool tdi);
 
   std::vector<Target> taps_;  // the first is the nearest to TDO
-  std::size_t tap_;           // the target's
-  int wires_ = GPIO_PIN_ALL;  // levels as the probe makes them; nothing is enabled at first
+  std::size_t tap_;           // the index of the target
+  int wires_ = GPIO_PIN_ALL;  // levels without the target's TDO; at first, nothing is enabled
   int enables_ = 0;
   Bits samples_;
 };

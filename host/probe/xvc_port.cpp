@@ -14,14 +14,14 @@
 namespace icehost {
 namespace {
 
-// Longer than any right answer to getinfo.
+// Longer than any valid answer to getinfo.
 constexpr std::size_t kLongestInfo = 64;
-// The bytes of both vectors, if a shift has as many bits as 4 bytes can say.
+// The bytes of both vectors for the largest number of bits that 4 bytes can express.
 constexpr std::uint32_t kMostInfo = 1U << 30U;
-// Longer than a scan. Bounds what is buffered for a server that shifts more at once.
+// Longer than any scan. Limits what is buffered for a server that shifts more at once.
 constexpr std::size_t kMostBitsAtOnce = 1U << 16U;
 
-// Returns how many bytes both vectors of a shift may have; nothing if this is no answer to getinfo.
+// Returns how many bytes both vectors of a shift may have; nothing if the answer is not valid.
 std::optional<std::uint32_t> VectorBytes(const std::string& info) {
   const std::size_t end = info.find('\n');
   if (end == std::string::npos || info.compare(0, kXvcInfo.size(), kXvcInfo) != 0) return {};
@@ -107,7 +107,7 @@ void XvcPort::Shift() {
 std::string XvcPort::Receive(std::size_t count) {
   std::string answer;
   while (answer.size() < count) {
-    // One more than was asked for shows whether more have come.
+    // One byte more than was asked for shows whether there are surplus bytes.
     const std::string bytes = socket_.Receive(count - answer.size() + 1);
     if (bytes.empty()) socket_.FailClosed("the server");
     answer += bytes;

@@ -1,4 +1,4 @@
-// An XVC server as the probe.
+// A probe on an XVC server.
 #ifndef ICESCRIPT_HOST_PROBE_XVC_PORT_H_
 #define ICESCRIPT_HOST_PROBE_XVC_PORT_H_
 
@@ -16,24 +16,21 @@
 
 namespace icehost {
 
-// The pins of an XVC server (see xvc.h), for a TapWalker: it takes whole cycles of TCK. A cycle is
-// a rising edge, with TMS and TDI as that write sets them. SampleTdo asks for TDO in the cycle that
-// the next rising edge begins. Cycles are buffered until they fill a shift, or until CollectTdo or
-// Flush. Write throws Unsupported for NRST and TRST low, and Read does so always: the protocol has
-// neither.
-//
-// An answer that does not have the expected length, and bytes that were not asked for, are an
-// IoError.
+// The pins of an XVC server (see xvc.h), which shifts whole TCK cycles, for a TapWalker. Each
+// rising edge of TCK is a cycle, with TMS and TDI as that write sets them. SampleTdo asks for TDO
+// in the cycle of the next rising edge. Cycles are buffered until they fill a shift, or until
+// CollectTdo or Flush. Write throws Unsupported if NRST or TRST is low, and Read always does,
+// because the protocol has neither. Surplus bytes and an answer of the wrong length are an IoError.
 class XvcPort : public PinPort {
  public:
-  // Asks the server for its version, and how much it shifts at once.
+  // Asks the server for its version and for the largest size of a shift. Throws IoError.
   explicit XvcPort(Socket socket);
 
   void Write(int levels, int enables) override;
   int Read() override;
   void SampleTdo() override { sample_next_ = true; }
   Bits CollectTdo() override;
-  // Returns after the server has answered to getinfo as at the beginning.
+  // Sends getinfo, and returns after the server has answered as at the beginning.
   void Flush() override;
 
  private:
@@ -43,18 +40,18 @@ class XvcPort : public PinPort {
   void CheckStep(std::size_t came) const;
 
   Socket socket_;
-  std::string info_;       // what the server has answered to getinfo
-  std::size_t most_bits_;  // in a shift
+  std::string info_;       // the server's answer to getinfo
+  std::size_t most_bits_;  // the largest size of a shift
   int levels_ = GPIO_PIN_ALL;
   bool sample_next_ = false;
-  // The cycles that were not sent yet.
+  // The cycles that were not sent yet; `sampled_` marks those that ask for TDO.
   Bits tms_;
   Bits tdi_;
   Bits sampled_;
   Bits samples_;
 };
 
-// A probe that shows no pins: scans only.
+// A probe that can scan, but shows no pins.
 class XvcProbe : public PinProbe {
  public:
   explicit XvcProbe(Socket socket) : XvcProbe(std::make_unique<XvcPort>(std::move(socket))) {}

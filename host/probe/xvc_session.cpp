@@ -13,9 +13,9 @@
 namespace icehost {
 namespace {
 
-// Of one vector of a shift. Bounds what is buffered.
+// The most bytes of one vector of a shift. Limits what is buffered.
 constexpr std::size_t kMostVectorBytes = 2048;
-// Of an unknown command.
+// How much of an unknown command is shown.
 constexpr std::size_t kShownBytes = 16;
 
 Bits BitsFrom(std::string_view bytes, std::size_t count) {
@@ -24,8 +24,8 @@ Bits BitsFrom(std::string_view bytes, std::size_t count) {
 
 }  // namespace
 
-// `head` is its size with the number after its name. `play` returns the size of the whole command;
-// 0 if more of it has to come, or if it is wrong.
+// `head` is the size of the name and of the number after it. `play` returns the size of the whole
+// command, or 0 if the command is incomplete or wrong.
 struct XvcSession::Command {
   std::string_view name;
   std::size_t head;
@@ -87,7 +87,7 @@ std::size_t XvcSession::Shift(std::string_view bytes, std::string& answers) {
   return head + 2 * vector;
 }
 
-// The target changes TDO and updates its registers on the falling edges, also after the last bit.
+// The last bit needs a falling edge, too, on which the target changes TDO and its registers.
 void XvcSession::Clock(const Bits& tms, const Bits& tdi) {
   constexpr int kEnabled = GPIO_PIN_TCK | GPIO_PIN_TMS | GPIO_PIN_TDI;
   int levels = 0;

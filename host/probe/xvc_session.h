@@ -1,4 +1,4 @@
-// The protocol XVC, as a server plays it.
+// The server side of the XVC protocol.
 #ifndef ICESCRIPT_HOST_PROBE_XVC_SESSION_H_
 #define ICESCRIPT_HOST_PROBE_XVC_SESSION_H_
 
@@ -12,8 +12,8 @@
 
 namespace icehost {
 
-// See xvc.h for the commands. Plays a shift after all of it has come, and leaves TCK low. NRST and
-// TRST are never enabled. Any period of TCK is accepted, and means nothing on the pins.
+// Plays the commands in xvc.h, a shift only after it has arrived completely, and leaves TCK low.
+// Never enables NRST and TRST. Accepts any period of TCK, and ignores it.
 class XvcSession : public Session {
  public:
   // `port` must outlive the session.
@@ -33,7 +33,7 @@ class XvcSession : public Session {
   void Clock(const Bits& tms, const Bits& tdi);
 
   PinPort& port_;
-  std::string unplayed_;  // the beginning of a command
+  std::string unplayed_;  // the beginning of an incomplete command
   std::string fault_;
 };
 

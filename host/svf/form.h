@@ -1,4 +1,4 @@
-// The kinds of script that an SVF file is made into.
+// The kinds of script that an SVF file can become.
 #ifndef ICESCRIPT_HOST_SVF_FORM_H_
 #define ICESCRIPT_HOST_SVF_FORM_H_
 
@@ -16,10 +16,10 @@
 
 namespace icehost {
 
-// What RUNTEST asks for: to go to a state, to stay there for this many TCK cycles and for this
-// time, whichever is longer, and to go on to another state.
+// What RUNTEST asks for: to go to `state`, stay there for at least this many TCK cycles and seconds
+// but at most `most_seconds`, and then go to `end`.
 struct SvfRunTest {
-  TapState state;  // a stable one, as is `end`
+  TapState state;  // a stable state, as is `end`
   TapState end;
   double cycles;
   double seconds;
@@ -28,33 +28,33 @@ struct SvfRunTest {
 
 enum class SvfTrst { kOn, kOff, kZ, kAbsent };
 
-// Writes a script for the statements of a file and reports what it cannot express. A file that
-// reaches it is valid SVF, apart from the paths of STATE. Nothing in the script comes from the text
-// of the file.
+// Writes a script for the statements of a file, and reports what the script cannot express. The
+// statements are valid SVF, except that the paths of STATE may be wrong. The script contains no
+// text of the file.
 class SvfForm {
  public:
-  // Without `script` it only checks. Both must outlive the form.
+  // If `script` is null, only checks. The arguments must outlive the form.
   SvfForm(Problems& problems, std::ostream* script) : problems_(problems), script_(script) {}
   virtual ~SvfForm() = default;
 
-  // `name` is the name of the file.
+  // Writes the beginning of the script; `name` is the name of the file.
   virtual void Begin(const std::string& name) = 0;
-  // The statement whose effects follow. Its text must live as long as the form.
+  // Sets the statement whose effects follow. Its text must exist as long as the form.
   void BeginStatement(const SvfStatement& statement) { statement_ = statement; }
-  // A scan of the IR or the DR, with its headers and trailers. It has at least one bit.
+  // Scans the IR or the DR; `shift` includes headers and trailers, and has at least one bit.
   virtual void Scan(bool ir, const SvfShift& shift) = 0;
-  // Where scans of the IR or the DR end from now on, a stable state.
+  // Sets the stable state in which scans of the IR or the DR end from now on.
   virtual void EndState(bool ir, TapState state) = 0;
-  // One stable state, or a path that ends in one.
+  // Goes to one stable state, or along a path that ends in one.
   virtual void State(const std::vector<TapState>& path) = 0;
   virtual void RunTest(const SvfRunTest& run) = 0;
   virtual void Trst(SvfTrst mode) = 0;
-  // The most TCK cycles in a second; no limit if there is none.
+  // Sets the highest number of TCK cycles per second; nothing means no limit.
   virtual void Frequency(std::optional<double> hz) = 0;
   virtual void Pio() = 0;
   virtual void End() = 0;
 
-  // The bytes of the script so far.
+  // Returns the size of the script so far, in bytes.
   std::size_t Size() const { return size_; }
 
  protected:
@@ -62,10 +62,10 @@ class SvfForm {
     size_ += text.size();
     if (script_ != nullptr) *script_ << text;
   }
-  // The place of the keyword, and of a word after it.
+  // Return the place of the keyword, or of the word after it with this index.
   Place At() const { return statement_.keyword.place; }
   Place AtWord(std::size_t word) const { return statement_.words[word].place; }
-  // The keyword in upper case.
+  // Returns the keyword in upper case.
   std::string Keyword() const;
   void Refuse(const std::string& why) { problems_.Error(At(), why); }
 
@@ -77,13 +77,13 @@ class SvfForm {
   SvfStatement statement_{};
 };
 
-// Pairs IR scans with DR scans and writes each pair as a section that is named after its line.
+// Writes a section for each IR scan and the DR scan after it, named after its line in the file.
 std::unique_ptr<SvfForm> MakeJtagForm(Problems& problems, std::ostream* script);
-// Writes each TCK edge. `tck_hz` is the most TCK cycles in a second, whatever the file says.
+// Writes each TCK edge. `tck_hz` is the probe's highest TCK rate; if missing, FREQUENCY counts.
 std::unique_ptr<SvfForm> MakeGpioForm(Problems& problems, std::ostream* script,
                                       std::optional<double> tck_hz);
 
-// The name of a file for a comment of a script. "expect" would begin an expectation there.
+// Returns the name of a file for a comment, without "expect", which would begin an expectation.
 std::string SvfNameInComment(std::string name);
 
 }  // namespace icehost

@@ -1,4 +1,4 @@
-// An SVF file as a GPIO script: a line for each TCK edge.
+// Writes an SVF file as a GPIO script, with a line for each TCK edge.
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -16,11 +16,11 @@ namespace icehost {
 namespace {
 
 constexpr long kMostPasses = 1000000000;  // of a REPT block
-constexpr double kMostCycles = 1e18;      // in a block of blocks
+constexpr double kMostCycles = 1e18;      // in one block inside another
 constexpr std::size_t kBlockSize = std::string_view("REPT=2\nENDR\n").size();
-// What rounding may add to a time in TCK cycles.
+// The relative error that rounding may add to a time in TCK cycles.
 constexpr double kRounding = 1e-12;
-// A comment counts the bits of a scan about this often.
+// In a long scan, a comment counts the bits about this often.
 constexpr std::size_t kBitsPerMark = 64;
 
 constexpr char kGpioHead[] = R"(# Imported by icehost from {}.
@@ -37,7 +37,7 @@ TCK=1
 ENDR
 )";
 
-// The level that TDO must have, or nothing.
+// The level that TDO must have; nothing if it is not compared.
 using Expected = std::optional<bool>;
 
 class GpioForm : public SvfForm {
@@ -69,12 +69,12 @@ class GpioForm : public SvfForm {
   void NoteFrequency();
 
   std::optional<double> tck_hz_;
-  std::optional<double> file_hz_;  // FREQUENCY
+  std::optional<double> file_hz_;  // from FREQUENCY
   Place hz_at_{};
-  bool hz_used_ = false;  // by a wait
+  bool hz_used_ = false;  // a wait has used it
   TapState ir_end_ = TapState::kRunTestIdle;
   TapState dr_end_ = TapState::kRunTestIdle;
-  // As the script has them.
+  // The state that the script has reached:
   TapState tap_ = TapState::kTestLogicReset;
   bool tms_ = true;
   bool tdi_ = false;
@@ -89,7 +89,7 @@ void GpioForm::WriteLine(const std::string& more) {
   Write(fmt::format("# line {}: {}{}\n", At().line, Keyword(), more));
 }
 
-// Writes the lines of one TCK cycle or more. `again` is `first` without what need not be set again.
+// Writes the lines of one or more TCK cycles. `again` is `first` without levels that stay the same.
 void GpioForm::Repeat(const std::string& first, const std::string& again, long times) {
   const bool is_long = times > kMostPasses;
   if (is_long) {
@@ -104,8 +104,8 @@ void GpioForm::Repeat(const std::string& first, const std::string& again, long t
   if (times == 2) Write(again);
 }
 
-// While TCK is low, TMS and TDI are set up and TDO is read: the target reads them on the rising
-// edge and changes TDO on the falling one.
+// Sets TMS and TDI and reads TDO while TCK is low: the target reads TMS and TDI on the rising edge,
+// and changes TDO on the falling edge.
 void GpioForm::Clock(bool tms, bool tdi, Expected tdo, long times) {
   std::string low = "TCK=0";
   if (std::exchange(tms_, tms) != tms) low += tms ? ",TMS=1" : ",TMS=0";
@@ -117,7 +117,7 @@ void GpioForm::Clock(bool tms, bool tdi, Expected tdo, long times) {
   if (!trst_low_) tap_ = NextTapState(tap_, tms);
 }
 
-// What a path of STATE shifts is not in the file: zeros.
+// The file does not say what a path of STATE shifts. The script shifts zeros.
 void GpioForm::Clock(bool tms) {
   const bool shifts = tap_ == TapState::kShiftDr || tap_ == TapState::kShiftIr;
   Clock(tms, tdi_ && !shifts, std::nullopt, 1);
@@ -149,7 +149,7 @@ void GpioForm::Follow(const std::vector<TapState>& path) {
   }
 }
 
-// Nothing takes the TAP to another state while TRST is on.
+// Notes that the TAP cannot leave Test-Logic-Reset, if the file asks for that while TRST is on.
 void GpioForm::NoteReset(TapState state) {
   if (state == TapState::kTestLogicReset) return;
   problems_.Note(At(), "TRST is on: the TAP stays in Test-Logic-Reset");
@@ -160,7 +160,7 @@ void GpioForm::State(const std::vector<TapState>& path) {
   const TapState last = path.back();
   if (trst_low_) return NoteReset(last);
   if (path.size() > 1 || last == TapState::kTestLogicReset) return Follow(path);
-  // From a Pause state to itself, the TAP updates and captures.
+  // From a Pause state to the same one, the TAP goes through Update and Capture.
   if (last != tap_) return MoveTo(last);
   Clock(last != TapState::kRunTestIdle);
   if (last == TapState::kRunTestIdle) return;
@@ -197,8 +197,8 @@ void GpioForm::Shift(const SvfShift& shift) {
   Clock(true, shift.tdi[last], expected(last), 1);
 }
 
-// Returns how many TCK cycles the wait takes, or nothing where it cannot be kept. FREQUENCY is the
-// highest rate that the file allows: a faster probe needs more cycles for the same time.
+// Returns how many TCK cycles the wait takes. If the wait is impossible, reports it and returns
+// nothing. FREQUENCY is the highest rate in the file, so a faster probe needs more cycles.
 std::optional<long> GpioForm::CyclesOf(const SvfRunTest& run) {
   const auto hz = tck_hz_.has_value() ? tck_hz_ : file_hz_;
   hz_used_ = true;
@@ -236,7 +236,7 @@ void GpioForm::RunTest(const SvfRunTest& run) {
   MoveTo(run.end);
 }
 
-// TMS is high while TRST changes, as IEEE 1149.1 asks for.
+// TMS is high while TRST changes, as IEEE 1149.1 asks.
 void GpioForm::Trst(SvfTrst mode) {
   if (mode == SvfTrst::kAbsent) return;
   if (mode == SvfTrst::kZ) {
@@ -256,7 +256,7 @@ void GpioForm::Frequency(std::optional<double> hz) {
   hz_used_ = false;
 }
 
-// Notes what becomes of the FREQUENCY in force.
+// Notes how the script treats the FREQUENCY in force.
 void GpioForm::NoteFrequency() {
   if (!file_hz_.has_value()) return;
   if (!hz_used_) {

@@ -20,7 +20,7 @@ constexpr const char* kRunTestForm =
     "expected RUNTEST [state] [count TCK] [time SEC [MAXIMUM time SEC]] [ENDSTATE state]";
 constexpr const char* kStableState = "expected a stable state: IDLE, RESET, DRPAUSE or IRPAUSE";
 
-// A walk over the words of one statement.
+// Walks over the words of one statement.
 class Words {
  public:
   explicit Words(const SvfStatement& statement) : statement_(statement) {}
@@ -32,7 +32,7 @@ class Words {
     if (is) Skip();
     return is;
   }
-  // The next word as a number, as a state.
+  // Return the next word as a number, or as a state.
   std::optional<double> Number() const {
     return AtEnd() ? std::nullopt : SvfNumber(statement_.words[at_]);
   }
@@ -45,7 +45,7 @@ class Words {
     if (number.has_value()) Skip();
     return number;
   }
-  // Takes a stable state into `state`.
+  // If the next word is a stable state, stores it in `state` and skips it.
   bool TakeStable(TapState& state) {
     const auto next = State();
     if (!next.has_value() || !IsStable(*next)) return false;
@@ -53,7 +53,7 @@ class Words {
     Skip();
     return true;
   }
-  // The next word, or the keyword at the end.
+  // Returns the next word, or the keyword if there is none.
   const SvfToken& Next() const { return AtEnd() ? statement_.keyword : statement_.words[at_]; }
 
  private:
@@ -61,8 +61,8 @@ class Words {
   std::size_t at_ = 0;
 };
 
-// Reads a number with its unit, TCK or SEC, and all that follows up to the end state. Returns the
-// error at the next word, or null.
+// Reads a number with its unit, TCK or SEC, and all words up to ENDSTATE. Returns the error at the
+// next word, or null.
 const char* TakeStay(Words& words, SvfRunTest& run) {
   auto number = words.TakeNumber();
   if (!number.has_value()) return kRunTestForm;
@@ -82,14 +82,14 @@ const char* TakeStay(Words& words, SvfRunTest& run) {
   return words.Take("SEC") ? nullptr : kRunTestForm;
 }
 
-// Reads statements, keeps what they set for later ones, and hands their effects to a form.
+// Reads statements, keeps what they set for later ones, and passes their effects to a form.
 class Importer {
  public:
   Importer(SvfForm& form, std::size_t most, Problems& problems)
       : form_(form), most_(most), problems_(problems) {}
 
   void Take(const SvfStatement& statement);
-  // Whether to stop reading.
+  // Returns whether to stop reading.
   bool IsFull() const { return form_.Size() > most_ || problems_.IsFull(); }
 
  private:
@@ -131,7 +131,7 @@ class Importer {
   Problems& problems_;
   Column ir_;
   Column dr_;
-  // The states of the last RUNTEST apply to the next one that names none.
+  // The states of the last RUNTEST, which apply to the next one that names none.
   TapState run_state_ = TapState::kRunTestIdle;
   TapState run_end_ = TapState::kRunTestIdle;
 };
@@ -176,7 +176,7 @@ void Importer::TakeFrame(Frame& frame, const SvfStatement& statement) {
   if (shift.has_value()) frame.shift = std::move(*shift);
 }
 
-// A whole scan is its header, its own bits and its trailer.
+// A whole scan consists of its header, its own bits and its trailer.
 void Importer::TakeScan(Column& column, bool ir, const SvfStatement& statement) {
   const auto own = TakeRegister(column.scan, statement);
   if (!own.has_value()) return;

@@ -1,4 +1,4 @@
-// Makes a script of a Serial Vector Format file.
+// Makes a script from a Serial Vector Format (SVF) file.
 #ifndef ICESCRIPT_HOST_SVF_IMPORTER_H_
 #define ICESCRIPT_HOST_SVF_IMPORTER_H_
 
@@ -21,11 +21,11 @@ struct SvfImport {
   Keeping keeping = kKeepReasons;
 };
 
-// Reads the file and reports what is wrong with it and what the script leaves out, sorted by place;
-// reading stops when the problems are full. If `script` is
-// not null and nothing is wrong, writes a script there that does the same as the file and passes
-// `check`; the first `most` bytes of it otherwise are of no use. `on_progress` gets the number of
-// bytes read after each statement. Throws Interrupted.
+// Reads the file and returns its problems and what the script leaves out, sorted by place. Stops
+// reading when the problems are full. If `script` is not null and there are no errors, writes a
+// script there that has the same effect as the file and passes `check`. If there are errors, what
+// it has written there, about `most` bytes at most, is useless. Calls `on_progress` with the number
+// of bytes read after each statement. Throws Interrupted.
 Problems ImportSvf(const SvfImport& import, std::string_view text, std::ostream* script,
                    const std::function<void(std::size_t)>& on_progress);
 

@@ -1,4 +1,4 @@
-// An SVF file as a JTAG script: a section for each pair of an IR scan and a DR scan.
+// Writes an SVF file as a JTAG script, with a section for each pair of an IR scan and a DR scan.
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -19,8 +19,8 @@ namespace {
 constexpr std::size_t kMostBits = std::size_t{8} * JTAG_DR_MAX_BYTES;
 static_assert(JTAG_IR_MAX_BYTES == JTAG_DR_MAX_BYTES);
 
-// A JTAG script cannot wait. A probe spends this much time from one scan to the next anyway, so
-// that it may be left out.
+// A JTAG script cannot wait. Shorter waits may be left out, because a probe spends this much time
+// between two scans anyway.
 constexpr double kMostIdleCycles = 16;
 constexpr double kMostIdleSeconds = 1e-5;
 
@@ -62,7 +62,7 @@ class JtagForm : public SvfForm {
   void EndScan(TapState end);
   void WriteIr();
   void EndWithoutScan();
-  // Shifts nothing through a register whose shift is empty.
+  // A register whose shift is empty is not scanned.
   void Section(int line, const SvfShift& ir, const SvfShift& dr);
   void Expect(const char* value_key, const char* mask_key, const SvfShift& shift);
   void Idle(double cycles, double seconds);
@@ -71,9 +71,9 @@ class JtagForm : public SvfForm {
   void LeaveOut(const char* why);
 
   int last_line_ = 0;             // the line of the last section
-  long on_line_ = 0;              // sections of that line so far
-  std::optional<IrScan> new_ir_;  // not in a section yet
-  bool has_ir_ = false;           // a section has loaded an instruction that is in force
+  long on_line_ = 0;              // sections for that line so far
+  std::optional<IrScan> new_ir_;  // an IR scan that is not in a section yet
+  bool has_ir_ = false;           // a section has loaded the instruction that is in force
   bool scanned_ = false;
   bool resets_ = false;  // before the first scan
   bool trst_on_ = false;
@@ -83,8 +83,8 @@ class JtagForm : public SvfForm {
   // Since the last scan:
   double idle_cycles_ = 0;
   double idle_seconds_ = 0;
-  std::optional<Place> wait_;   // where it became too long
-  std::optional<Place> reset_;  // of the TAP
+  std::optional<Place> wait_;   // the statement that made the wait too long
+  std::optional<Place> reset_;  // the statement that reset the TAP
   std::optional<Place>
       pause_;  // the scan, if the TAP is still in the Pause state in which it ended
 
@@ -109,7 +109,7 @@ void JtagForm::Scan(bool ir, const SvfShift& shift) {
   new_ir_ = {At().line, shift};
 }
 
-// Reports what came since the last scan and would change what the target sees.
+// Reports what has happened since the last scan and would change what the target sees.
 void JtagForm::ReportGap() {
   const auto report = [this](std::optional<Place>& place, const char* why) {
     if (place.has_value()) problems_.Error(*place, why);
@@ -125,7 +125,7 @@ void JtagForm::ReportGap() {
   idle_cycles_ = idle_seconds_ = 0;
 }
 
-// Returns whether a script can have the scan, else reports why not.
+// Returns whether a script can contain the scan; if not, reports why.
 bool JtagForm::CanScan(const SvfShift& shift) {
   if (trst_on_) {
     Refuse("TRST is on, and holds the TAP in Test-Logic-Reset");
@@ -165,7 +165,7 @@ void JtagForm::EndState(bool ir, TapState state) {
   LeaveOut("every scan of a script ends in Run-Test/Idle");
 }
 
-// A Pause state makes no difference where the TAP goes on to Run-Test/Idle.
+// A Pause state makes no difference if the TAP goes on to Run-Test/Idle.
 void JtagForm::EndScan(TapState end) {
   if (end == TapState::kTestLogicReset) {
     reset_ = At();
@@ -214,11 +214,11 @@ void JtagForm::Frequency(std::optional<double> hz) {
   LeaveOut("the probe has its own");
 }
 
-// The TAP comes to Run-Test/Idle or is reset. Adds up the time since the last scan.
+// The TAP goes to Run-Test/Idle or is reset. Adds up the time since the last scan.
 void JtagForm::Idle(double cycles, double seconds) {
   pause_.reset();
   idle_cycles_ += cycles;
-  // A count of cycles takes time, too, if the file limits their rate.
+  // If the file limits the rate of TCK, cycles take time, too.
   idle_seconds_ += std::max(seconds, hz_.has_value() ? cycles / *hz_ : 0);
   const bool is_long = idle_cycles_ > kMostIdleCycles || idle_seconds_ > kMostIdleSeconds;
   if (is_long && !wait_.has_value()) wait_ = At();
@@ -238,7 +238,7 @@ void JtagForm::LeaveOut(const char* why) {
 
 void JtagForm::End() {
   WriteIr();
-  // The register is not updated, and TRST keeps it so.
+  // The register was not updated, and a reset by TRST does not update it.
   if (pause_.has_value()) problems_.Error(*pause_, kEndState);
   if (problems_.HasErrors()) return;
   if (!scanned_) EndWithoutScan();
@@ -259,7 +259,7 @@ void JtagForm::End() {
   }
 }
 
-// A section that shifts nothing resets the TAP too.
+// A section that shifts nothing also resets the TAP.
 void JtagForm::EndWithoutScan() {
   if (resets_) return Section(At().line, {}, {});
   problems_.Error({1, 1}, "the file scans nothing: it has no SIR and no SDR");

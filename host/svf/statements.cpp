@@ -23,7 +23,7 @@ bool IsComment(std::string_view text) {
   return text.substr(0, 1) == "!" || text.substr(0, 2) == "//";
 }
 
-// DOS ends a text file with a control-Z.
+// DOS ends a text file with Control-Z.
 bool IsBlank(char ch) {
   return ch == ' ' || (ch >= '\t' && ch <= '\r') || ch == '\x1A';
 }
@@ -39,13 +39,13 @@ std::optional<unsigned> DigitOf(char ch) {
   return digit;
 }
 
-// The digits of a value without leading zeros.
+// The digits of a value, without leading zeros.
 struct Digits {
-  SvfCursor first;  // at the most significant one
+  SvfCursor first;  // at the most significant digit
   std::size_t count = 0;
 };
 
-// Returns nothing, and reports it, if there is no digit or something else.
+// Finds the digits of a value. If there are none, or anything else, reports it and returns nothing.
 std::optional<Digits> DigitsOf(const SvfToken& value, Problems& problems) {
   SvfCursor cursor(value.text, value.place);
   cursor.SkipBlanks();
@@ -68,8 +68,8 @@ std::optional<Digits> DigitsOf(const SvfToken& value, Problems& problems) {
   return digits;
 }
 
-// Returns the bits of a value. Returns nothing, and reports it, if the value is not hexadecimal or
-// has a 1 beyond the length.
+// Returns the bits of a value. If the value is not hexadecimal, or has a 1 beyond the length,
+// reports it and returns nothing.
 std::optional<Bits> BitsOf(const SvfToken& value, std::size_t length, Problems& problems) {
   auto digits = DigitsOf(value, problems);
   if (!digits.has_value()) return std::nullopt;
@@ -92,7 +92,7 @@ std::optional<Bits> BitsOf(const SvfToken& value, std::size_t length, Problems& 
   return bits;
 }
 
-// Reads the first word, a number of bits.
+// Reads the first word, a number of bits up to `most`.
 std::optional<std::size_t> LengthOf(const SvfStatement& statement, std::size_t most,
                                     Problems& problems) {
   if (statement.words.empty()) {
@@ -118,7 +118,7 @@ enum Parameter : std::size_t { kTdi, kTdo, kMask, kSmask, kParameters };
 constexpr const char* kParameterNames[kParameters] = {"TDI", "TDO", "MASK", "SMASK"};
 using Values = std::optional<Bits>[kParameters];
 
-// Reads the parameters after the length. Returns false, and reports it, if one is wrong.
+// Reads the parameters after the length. If one is wrong, reports it and returns false.
 bool ReadValues(const SvfStatement& statement, std::size_t length, Values& values,
                 Problems& problems) {
   const auto& words = statement.words;
@@ -165,7 +165,7 @@ void SvfCursor::SkipBlanks() {
   }
 }
 
-// A byte-order mark, which some editors write, is no text.
+// A byte-order mark, which some editors write, is not part of the text.
 SvfReader::SvfReader(std::string_view text) : size_(text.size()), cursor_(text, {1, 1}) {
   constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
   if (text.substr(0, kByteOrderMark.size()) != kByteOrderMark) return;
@@ -180,12 +180,12 @@ SvfToken SvfReader::NextToken(Problems& problems) {
   if (text[0] == '(') return Value(problems);
   cursor_.Step();
   if (text[0] == ';') return {Kind::kSemicolon, text.substr(0, 1), place};
-  // A ")" that closes nothing is a word.
+  // A ")" without a "(" is a word.
   while (text[0] != ')' && !EndsWord(cursor_.Rest())) cursor_.Step();
   return {Kind::kWord, text.substr(0, text.size() - cursor_.Rest().size()), place};
 }
 
-// A semicolon ends a value that is not closed, so that the statements after it are still read.
+// A semicolon also ends a value that is not closed, so that the statements after it are read.
 SvfToken SvfReader::Value(Problems& problems) {
   const Place open = cursor_.At();
   cursor_.Step();

@@ -14,24 +14,24 @@
 
 namespace icehost {
 
-// Limits the memory for a statement that does not end.
+// The most words that are kept of a statement. Limits the memory for one that does not end.
 constexpr std::size_t kMostWords = 1024;
 
 struct SvfToken {
   enum class Kind { kWord, kValue, kSemicolon, kEnd };
 
   Kind kind;
-  std::string_view text;  // of a value, everything between the parentheses, comments included
+  std::string_view text;  // of a value: everything between the parentheses, with comments
   Place place;            // of the text
 };
 
 struct SvfStatement {
   SvfToken keyword;
-  std::vector<SvfToken> words;  // the words and values between the keyword and the semicolon
-  bool is_long;                 // there are more than kMostWords, and the rest is not kept
+  std::vector<SvfToken> words;  // words and values between the keyword and the semicolon
+  bool is_long;                 // it has more than kMostWords words; the rest is not kept
 };
 
-// A walk over text that follows the place.
+// Walks over a text and keeps track of the place.
 class SvfCursor {
  public:
   // The text must outlive the cursor.
@@ -41,8 +41,8 @@ class SvfCursor {
   std::string_view Rest() const { return rest_; }
   Place At() const { return place_; }
   void Step();
-  // A comment begins with "!" or "//" and ends with its line, or at a carriage return. False if
-  // none begins here.
+  // Skips a comment, which begins with "!" or "//" and ends before a line feed or carriage return.
+  // Returns false if no comment begins here.
   bool SkipComment();
   void SkipBlanks();  // and comments
 
@@ -54,10 +54,10 @@ class SvfCursor {
 // Words end at blanks, parentheses, semicolons and comments. A value may span several lines.
 class SvfReader {
  public:
-  // The text must outlive the statements.
+  // The text must outlive the reader and its statements.
   explicit SvfReader(std::string_view text);
 
-  // Returns the next statement, and nothing at the end. Reports a value without its closing
+  // Returns the next statement, or nothing at the end. Reports a value without its closing
   // parenthesis, and warns if the last statement has no semicolon.
   std::optional<SvfStatement> Next(Problems& problems);
   std::size_t BytesRead() const { return size_ - cursor_.Rest().size(); }
@@ -70,36 +70,36 @@ class SvfReader {
   SvfCursor cursor_;
 };
 
-// Compares without regard to case; `upper` is in upper case. A value is not a word.
+// Returns whether a token is this word, in upper or lower case; `upper` is in upper case.
 bool IsSvfWord(const SvfToken& token, std::string_view upper);
-// The word in quotes, for a message.
+// Returns the word in quotes, for a message.
 std::string Quoted(const SvfToken& token);
-// Returns the number, which is not negative, or nothing if the token is something else.
+// Returns the number, or nothing if the token is negative or not a number.
 std::optional<double> SvfNumber(const SvfToken& token);
-// Returns the state of this name, in any case, or nothing.
+// Returns the state with this name, in upper or lower case, or nothing.
 std::optional<TapState> SvfState(const SvfToken& token);
-// Returns the format's name of a state, such as "DRSHIFT".
+// Returns the name of a state in SVF, such as "DRSHIFT".
 const char* SvfStateName(TapState state);
-// Whether the TAP stays in the state as long as TMS stays at one level, and shifts nothing there.
+// Returns whether the TAP can stay in a state, without shifting, while TMS stays at one level.
 bool IsStable(TapState state);
 
-// What one scan shifts: all of one length, the first bit to be shifted first.
+// The bits that one scan shifts, the first bit first. All members have the same length.
 struct SvfShift {
   Bits tdi;
   Bits tdo;
-  Bits mask;  // a bit that is 1 is compared
+  Bits mask;  // bits that are 1 are compared
 
   bool Compares() const;
   // Appends `more`, which is shifted later.
   void Append(const SvfShift& more);
 };
 
-// The register of one keyword. It remembers the TDI and the MASK of the last statement for the
-// next one of the same length.
+// The register of one keyword, such as SDR. It remembers TDI and MASK of the last statement, for
+// the next one with the same length.
 class SvfRegister {
  public:
-  // Takes LENGTH [TDI (..)] [TDO (..)] [MASK (..)] [SMASK (..)]. Returns nothing, and reports it,
-  // if that is wrong or longer than `most` bits.
+  // Reads LENGTH [TDI (..)] [TDO (..)] [MASK (..)] [SMASK (..)]. If that is wrong, or longer than
+  // `most` bits, reports it and returns nothing.
   std::optional<SvfShift> Take(const SvfStatement& statement, std::size_t most, Problems& problems);
 
  private:

@@ -5,7 +5,7 @@
 namespace icehost {
 namespace {
 
-// The bits that a scan sends to a register; 0 beyond its bytes.
+// Returns the bits that a scan sends to a register; bits beyond its bytes are 0.
 Bits SentBits(const ScanRegister& one) {
   return BitsOfBytes(one.in, static_cast<std::size_t>(std::max(one.bits, 0)));
 }
@@ -39,7 +39,7 @@ void SvfCallWriter::OnCall(const CallEvent& call) {
   }
 }
 
-// A call that fails because of what it read has scanned nevertheless.
+// A call that fails because of the values that it read was scanned nevertheless.
 void SvfCallWriter::OnScan(const CallEvent& call, const Scan& scan) {
   const Bits ir = SentBits(scan.ir);
   const Bits dr = SentBits(scan.dr);

@@ -62,19 +62,19 @@ class SvfPinWriter : public SvfWriter, public StepRecorder, private TapListener 
     CallSource source;
     const std::string* path;
   };
-  // A comment for a step that is still to be recorded.
+  // A comment that belongs to a step which is still to be recorded.
   struct Note {
-    std::size_t step;  // the comment precedes it
+    std::size_t step;  // the comment comes before this step
     CallSource source;
     const std::string* path;
     const char* warning;
     std::string text;
   };
-  // A scan that waits until the TAP leaves Update, because that decides its end state.
+  // A scan that is not written until the TAP leaves Update, because that decides its end state.
   struct Held {
     SvfScan scan;
     Operation begin;
-    int last_line;  // of a GPIO script
+    int last_line;  // in a GPIO script; else 0
     bool paused;
   };
 
@@ -103,18 +103,18 @@ class SvfPinWriter : public SvfWriter, public StepRecorder, private TapListener 
   std::deque<std::string> paths_;  // of all scripts so far
   std::deque<Note> notes_;
   Operation current_{0, {}, nullptr};
-  long located_ = 0;  // the operation that the last comment on a place names
-  int released_ = 0;  // pins
+  long located_ = 0;  // the operation of the last comment on a place
+  int released_ = 0;  // GPIO_PIN_ bits
   bool two_wire_ = false;
 
   // Since the last Capture:
   Operation begin_{0, {}, nullptr};
   bool paused_ = false;
-  std::size_t shifted_ = 0;  // bits
+  std::size_t shifted_ = 0;  // the number of bits
   bool shifts_ = false;      // the last edge shifted a bit that the target drove
-  Bits read_;                // whether the script read that bit
+  Bits read_;                // whether the script has read each bit
   std::optional<Held> held_;
-  bool updated_ = false;        // a scan, and the TAP has not been in Run-Test/Idle since
+  bool updated_ = false;        // by a scan, without Run-Test/Idle since then
   const char* end_dr_ = kIdle;  // the ENDDR in force
   const char* end_ir_ = kIdle;
 };
@@ -129,7 +129,7 @@ void SvfPinWriter::Record(const PinStep& step) {
   ++step_;
 }
 
-// Writes the notes that precede the next step.
+// Writes the notes that come before the next step.
 void SvfPinWriter::Advance() {
   while (!notes_.empty() && notes_.front().step <= step_) {
     Write(notes_.front());
@@ -139,7 +139,7 @@ void SvfPinWriter::Advance() {
 
 void SvfPinWriter::OnTapEdge(const PinStep& before, TapState to) {
   const bool shifts = IsShift(before.tap);
-  // A level that the probe itself drives did not come back.
+  // A level that the probe itself drives does not come from the target.
   shifts_ = shifts && !before.drives_tdo;
   if (shifts && before.drives_tdo && shifted_ < read_.size()) read_[shifted_] = false;
   if (shifts) ++shifted_;
@@ -195,8 +195,8 @@ void SvfPinWriter::LoseScan(const TapScan& scan) {
   }
 }
 
-// Returns the scan, of the addressed TAP alone if the bits for the others are those of BYPASS. Its
-// mask is empty if no bit is compared.
+// Returns the scan of the addressed TAP only, if the bits for the other TAPs are those of BYPASS;
+// else the whole scan. The mask is empty if no bit is compared.
 SvfScan SvfPinWriter::ScanOf(const TapScan& scan) const {
   if (begin_.source.section == nullptr) {
     Bits mask = read_;
@@ -229,7 +229,7 @@ void SvfPinWriter::WriteScan(const char* end) {
   ScanStatement(held.scan);
 }
 
-// Comments on the place unless the last such comment was on the same operation.
+// Writes a comment on the place, unless the last one was for the same operation.
 void SvfPinWriter::Locate(const Operation& operation, int last_line) {
   if (std::exchange(located_, operation.number) != operation.number) {
     CommentOnPlace(*operation.path, operation.source, last_line);
@@ -244,9 +244,9 @@ void SvfPinWriter::BeginStatement() {
 
 void SvfPinWriter::OnTapReset(bool by_trst, StepRange /*steps*/) {
   const bool updated = std::exchange(updated_, false);
-  if (by_trst) return;  // "TRST ON" says so
+  if (by_trst) return;  // OnResetPins writes "TRST ON"
   // The script does not go through Run-Test/Idle, so the scan ends in Pause, which changes nothing.
-  // OpenOCD 0.12 cannot play a scan that itself ends in RESET.
+  // OpenOCD 0.12 cannot play a scan that ends in RESET.
   const bool held = held_.has_value();
   if (held) WriteScan(held_->scan.ir ? "IRPAUSE" : "DRPAUSE");
   BeginStatement();
@@ -278,7 +278,7 @@ void SvfPinWriter::OnCall(const CallEvent& call) {
   CommentOnUnmet(call);
 }
 
-// Each scan asks for the interface in use.
+// Each scan asks for the current interface.
 void SvfPinWriter::OnInterface(const CallEvent& call) {
   const bool two_wire = call.result == CDI_ANSWER_2WIRE || call.result == CDI_ANSWER_CJTAG2;
   if (std::exchange(two_wire_, two_wire) == two_wire || !two_wire) return;
@@ -299,7 +299,7 @@ void SvfPinWriter::AddNote(const CallEvent& call, const char* warning, std::stri
   Advance();
 }
 
-// Notes that the script reads the bit that is on TDO now. A bit is there from the falling edge of
+// Notes that the script reads the bit that is on TDO now. A bit is on TDO from the falling edge of
 // TCK before the edge that shifts it to the falling edge after it. All steps before the read have
 // been recorded.
 void SvfPinWriter::NoteTdoRead() {

@@ -15,7 +15,7 @@ constexpr std::size_t kDigitsOnLine = 64;
 constexpr std::size_t kLongestComment = 200;
 constexpr std::size_t kLongestPath = 100;
 
-// Hexadecimal, the bit that is shifted first at the right end.
+// Returns the bits in hexadecimal digits, with the bit that is shifted first at the right end.
 std::string Hex(const Bits& bits) {
   std::string text = BitText(bits);
   text.erase(0, text.size() - (bits.size() + 3) / 4);
@@ -23,7 +23,7 @@ std::string Hex(const Bits& bits) {
   return text;
 }
 
-// "TDI (0123)", over several lines if it is long.
+// Writes "TDI (0123)", on several lines if it is long.
 void WriteValue(const char* name, const Bits& bits, std::ostream& stream) {
   const std::string digits = Hex(bits);
   const bool is_long = digits.size() > kDigitsOnLine;

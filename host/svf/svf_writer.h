@@ -1,4 +1,4 @@
-// Writes a run as a file in the Serial Vector Format (ASSET InterTech, revision E).
+// Writes a run as a file in the Serial Vector Format, SVF (ASSET InterTech, revision E).
 #ifndef ICESCRIPT_HOST_SVF_SVF_WRITER_H_
 #define ICESCRIPT_HOST_SVF_SVF_WRITER_H_
 
@@ -17,14 +17,14 @@ namespace icehost {
 
 struct SvfScan {
   bool ir;
-  Bits tdi;          // the first bit first, as in all of these
+  Bits tdi;          // the first bit first, as in all members
   Bits tdo;          // the bits that came back
-  Bits mask;         // a bit that is 1 is compared; as long as tdo, or empty: nothing is compared
-  bool own = false;  // of one TAP; headers and trailers are for the others of its chain
+  Bits mask;         // as long as tdo, or empty; bits that are 1 are compared
+  bool own = false;  // of one TAP: headers and trailers are for the others of its chain
 };
 
-// The statements and comments that both writers use. ASCII, no line longer than the 256 characters
-// that the format allows.
+// The statements and comments that both writers use. Writes ASCII in lines of at most 256
+// characters, the limit of the format.
 class SvfWriter : public Output, public EventListener {
  public:
   // `stream` must outlive this object.
@@ -39,20 +39,20 @@ class SvfWriter : public Output, public EventListener {
   static constexpr const char* kNoNrst =
       "SVF has no word for NRST: a player does not reset the target";
 
-  // The bits of a scan of a JTAG script that a player compares. If the script expects a value, they
-  // are its mask. Otherwise they are all bits of a DR that the script reads, and the two bits of an
-  // IR that IEEE 1149.1 fixes. Empty: nothing is compared.
+  // Returns the bits that a player compares in a scan of a JTAG script: the script's mask if it
+  // expects a value; otherwise all bits of a DR that the script reads, or the first two bits of an
+  // IR, which IEEE 1149.1 defines. Empty if nothing is compared.
   static Bits MaskOf(const CallSource& source, bool ir, std::size_t bits);
 
   void Comment(const std::string& text);
-  // A comment that names the place of the statements after it; `last_line` is 0 if it is one line.
+  // Writes a comment on the place of the next statements; `last_line` is 0 for a single line.
   void CommentOnPlace(const std::string& path, const CallSource& source, int last_line);
-  // Comments on what a call read, if the script expects something else.
+  // Writes a comment on each value that a call has read and that is not as expected.
   void CommentOnUnmet(const CallEvent& call);
   void Statement(const std::string& text) { stream_ << text << ";\n"; }
   void ScanStatement(const SvfScan& scan);
   const ChainPlace& Place() const { return place_; }
-  // Comments on something that was played and that the format cannot express. The user gets each
+  // Writes a comment on something that was played and that SVF cannot express. Users get each
   // warning once.
   void Lose(const char* warning, const std::string& comment);
 
@@ -62,16 +62,16 @@ class SvfWriter : public Output, public EventListener {
   std::ostream& stream_;
   ChainPlace place_;
   bool framed_ = false;              // headers and trailers are in force
-  std::set<std::string> lost_;       // the warnings so far
-  std::vector<std::string> losses_;  // the new ones
+  std::set<std::string> lost_;       // all warnings so far
+  std::vector<std::string> losses_;  // warnings for the next TakeLosses
 };
 
-// Writes what happens to the TAP, whichever script makes it happen. A scan of a GPIO script is
-// compared by the bits of which the script itself read TDO while the target drove it.
+// Writes what happens to the TAP, in JTAG and in GPIO scripts. In a scan of a GPIO script, the bits
+// are compared for which the script has read TDO while the target drove it.
 std::unique_ptr<Output> MakeSvfPinWriter(std::ostream& stream);
 
-// Writes the scans of JTAG scripts for a probe that shows no pins. They are the scans of one TAP,
-// whatever else is in its chain, and say nothing of a captured IR.
+// Writes the scans of JTAG scripts for a probe that shows no pins. They are scans of one TAP,
+// whatever else is in its chain, and do not compare the captured IR.
 std::unique_ptr<Output> MakeSvfCallWriter(std::ostream& stream);
 
 }  // namespace icehost

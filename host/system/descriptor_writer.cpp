@@ -13,7 +13,7 @@
 namespace icehost {
 namespace {
 
-constexpr std::size_t kPipePiece = PIPE_BUF;  // a pipe with room takes it whole
+constexpr std::size_t kPipePiece = PIPE_BUF;  // a pipe that is ready accepts this much at once
 constexpr int kSignalPollInterval = 100;      // ms
 
 bool HasReader(int fd) {

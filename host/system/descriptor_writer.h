@@ -1,4 +1,4 @@
-// Writes to a descriptor that somebody may read slowly, or not at all.
+// Writes to a descriptor whose reader may be slow, or may not read at all.
 #ifndef ICESCRIPT_HOST_SYSTEM_DESCRIPTOR_WRITER_H_
 #define ICESCRIPT_HOST_SYSTEM_DESCRIPTOR_WRITER_H_
 
@@ -7,23 +7,22 @@
 
 namespace icehost {
 
-// Waits for a reader who takes nothing, but after a signal no longer. Several threads may use it.
+// Waits for a slow reader until a signal ends the wait. Several threads may use an object.
 class DescriptorWriter {
  public:
-  // `fd` must stay open as long as the object is used.
+  // `fd` must stay open while the object is in use.
   explicit DescriptorWriter(int fd);
 
-  // Returns false if these bytes or earlier ones could not all be written. After the first failure
-  // it writes nothing.
+  // Returns whether these and all earlier bytes were written. Writes nothing after a failure.
   bool Write(std::string_view bytes);
-  // The error of the first write that failed, or 0. EINTR: a signal ended the wait for a reader.
+  // Returns the errno of the first failed write, or 0. EINTR: a signal ended a wait.
   int Error() const { return error_; }
 
  private:
   void AwaitReader();
 
   int fd_;
-  bool has_reader_;  // who may be slow
+  bool has_reader_;  // the descriptor is not a regular file
   std::atomic<int> error_{0};
 };
 

@@ -1,4 +1,4 @@
-// An address to connect to or to listen at.
+// An address to connect to or to listen on.
 #ifndef ICESCRIPT_HOST_SYSTEM_ENDPOINT_H_
 #define ICESCRIPT_HOST_SYSTEM_ENDPOINT_H_
 
@@ -14,11 +14,11 @@ struct Endpoint {
   std::string path;
 
   bool IsUnix() const { return port.empty(); }
-  // As the user writes it: "HOST:PORT", an IPv6 address in brackets, or "unix:PATH".
+  // Returns the endpoint as users write it: "HOST:PORT" (IPv6 in brackets) or "unix:PATH".
   std::string Name() const;
 };
 
-// Parses a Name. Throws std::invalid_argument that says what is expected.
+// Parses the form of Name. Throws std::invalid_argument, which says what is expected.
 Endpoint ParseEndpoint(std::string_view text);
 
 }  // namespace icehost

@@ -1,4 +1,4 @@
-// The exceptions that end a call, a script or the run.
+// The exceptions that end a host call, a script or the run.
 #ifndef ICESCRIPT_HOST_SYSTEM_ERRORS_H_
 #define ICESCRIPT_HOST_SYSTEM_ERRORS_H_
 
@@ -6,38 +6,39 @@
 
 namespace icehost {
 
-// The command line cannot be carried out. The run ends with kBadUsage.
+// The command line cannot be executed. The run ends with kBadUsage.
 class BadUsage : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-// Something cannot be opened, or a connection is lost. The run ends with kNotOpened.
+// Something cannot be opened, read or written, or a connection is lost. The run ends with
+// kNotOpened, or with kScriptFailed if an input file cannot be read.
 class IoError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-// The system has no descriptor or memory left, which says nothing about the file that is named. The
+// The system has no descriptor or memory left, which is not a fault of the file in the message. The
 // run ends with kNotOpened.
 class OutOfResources : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-// The probe cannot do what the script asks for. The call fails; the plug-in ends the script.
+// The probe cannot do what the script asks for. The call fails, and the plug-in ends the script.
 class Unsupported : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-// The plug-in threw an exception. The script has failed.
+// The plug-in threw an exception. The script counts as failed.
 class PluginThrew : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-// The user pressed Ctrl-C, or a signal ended the program. The run ends with kInterrupted.
+// The user pressed Ctrl-C, or another signal ends the program. The run ends with kInterrupted.
 class Interrupted : public std::runtime_error {
  public:
   Interrupted() : std::runtime_error("interrupted") {}

@@ -1,4 +1,4 @@
-// What the files of one command are used for.
+// Detects outputs that would overwrite another file of the same command.
 #ifndef ICESCRIPT_HOST_SYSTEM_FILE_USES_H_
 #define ICESCRIPT_HOST_SYSTEM_FILE_USES_H_
 
@@ -11,15 +11,15 @@
 
 namespace icehost {
 
-// Refuses an output that would destroy another file of its command. Compares the files themselves:
-// it does not matter which path leads to one.
+// Refuses an output that would destroy another file of its command. Compares the files and not
+// their paths, so links make no difference.
 class FileUses {
  public:
-  // The command reads the scripts, "-" being standard input, and the plug-in.
+  // The command reads `scripts` ("-" is standard input) and `plugin`, which may be empty.
   explicit FileUses(const std::vector<std::string>& scripts = {}, const std::string& plugin = "");
 
-  // An option writes the file, which is open and not begun. Throws BadUsage if the file has another
-  // use. A terminal, or a device such as /dev/null, may have many.
+  // Registers the file that an option writes. The file is open, but not begun. Throws BadUsage if
+  // the file has another use. Terminals and devices such as /dev/null may have several.
   void AddOutput(const OutputFile& file, const std::string& option);
 
  private:

@@ -1,4 +1,4 @@
-// Files that icehost reads, files in memory, and whether two are the same.
+// Input files, files in memory, and a test whether two files are the same.
 #ifndef ICESCRIPT_HOST_SYSTEM_FILES_H_
 #define ICESCRIPT_HOST_SYSTEM_FILES_H_
 
@@ -10,11 +10,11 @@
 
 namespace icehost {
 
-// Returns the whole content of `path`, where "-" is standard input, up to `limit` bytes. Throws
-// IoError that says why it cannot, OutOfResources, and Interrupted.
+// Returns the whole content of `path`; "-" is standard input. Throws IoError if the file cannot be
+// read or has more than `limit` bytes, or throws OutOfResources or Interrupted.
 std::string ReadInput(const std::string& path, std::size_t limit);
 
-// A file in memory, for a reader that opens a path. It exists as long as the object.
+// A file in memory, for a reader that needs a path. It exists as long as the object.
 class MemoryFile {
  public:
   // Throws IoError.
@@ -30,9 +30,9 @@ class MemoryFile {
   std::string path_;
 };
 
-// Returns whether both are of the same file, terminal or pipe.
+// Returns whether both describe the same file, terminal or pipe.
 bool IsSameFile(const struct stat& one, const struct stat& other);
-// Returns whether both descriptors lead to the same one.
+// Returns whether both descriptors refer to the same file, terminal or pipe.
 bool IsSameFile(int fd, int other);
 
 }  // namespace icehost

@@ -16,14 +16,14 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr int kSignalOffset = 128;  // of the exit status, as a shell counts it
+constexpr int kSignalOffset = 128;  // the exit status is this plus the number of the signal
 constexpr std::chrono::milliseconds kGrace{500};
 
 std::atomic<std::chrono::milliseconds> allowed{};
 std::atomic<bool> interrupted{false};
-std::atomic<Clock::time_point> work_ends{};  // set before `interrupted`
+std::atomic<Clock::time_point> work_ends{};  // must be set before `interrupted`
 
-// Never destroyed: threads may use them while the process ends.
+// Never destroyed, because threads may use them while the process ends.
 std::mutex& rescue_lock = *new std::mutex;
 std::function<bool()>& rescue = *new std::function<bool()>;
 
@@ -45,7 +45,7 @@ void EndWithoutMain() {
   std::_Exit(kSignalOffset + SIGINT);
 }
 
-// One signal may come twice: a program like timeout sends it to its child and to the group of both.
+// A signal may arrive twice: programs like timeout send it to the child and to its process group.
 void OnSignal(int signal) {
   static Clock::time_point first;
   if (!interrupted) {
@@ -101,7 +101,7 @@ void ThrowIfInterrupted() {
 Rescue::Rescue(State state, std::function<void()> complete) : state_(state) {
   if (state_ == State::kWorking) working_.lock();
   SetRescue([this, complete = std::move(complete)] {
-    // Never unlocked: the main thread is held up for good.
+    // Never unlocked: the main thread must not continue.
     if (!working_.try_lock()) return false;
     complete();
     return true;
@@ -133,7 +133,7 @@ bool AwaitOperation(Clock::time_point deadline) {
     loop.restart();
     const auto end = interrupted ? std::min(deadline, work_ends.load()) : deadline;
     if (loop.run_one_until(end) > 0) return true;
-    if (Clock::now() >= end) return false;  // else a signal has stopped the loop
+    if (Clock::now() >= end) return false;  // otherwise a signal has stopped the loop
   }
 }
 

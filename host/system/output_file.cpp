@@ -18,14 +18,14 @@ namespace {
 
 constexpr int kBufferSize = 1 << 16;
 
-// Returns a duplicate, which stays standard output while descriptor 1 leads elsewhere.
+// Returns a duplicate, which stays the user's standard output while descriptor 1 is redirected.
 int OpenStandardOutput() {
   const int fd = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
   if (fd < 0) throw IoError(fmt::format("standard output: {}", std::strerror(errno)));
   return fd;
 }
 
-// Where links lead whose file does not exist.
+// Follows symbolic links to a file that does not exist yet, and returns its path.
 std::string MissingFile(const std::string& path) {
   namespace fs = std::filesystem;
   fs::path place = path;
@@ -37,7 +37,7 @@ std::string MissingFile(const std::string& path) {
   }
 }
 
-// Opens an existing file, or creates one, and then names it in `created`.
+// Opens an existing file, or creates one and stores its path in `created`.
 int Open(const std::string& path, std::string& created) {
   if (path == "-") return OpenStandardOutput();
   int fd = open(path.c_str(), O_WRONLY | O_CLOEXEC);
@@ -130,7 +130,7 @@ void OutputFile::Fail(int error) {
   throw IoError(fmt::format("{}: {}{}", what, act, std::strerror(error)));
 }
 
-// Removes a part of a line, or everything, if the file can be read and cut.
+// Removes an unfinished last line, or everything for Rest::kNothing, if the system allows it.
 void OutputFile::CutUnfinished() const {
   if (IsStandardOutput()) return;
   off_t end = rest_ == Rest::kLines ? lseek(fd_, 0, SEEK_CUR) : 0;

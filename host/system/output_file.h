@@ -15,51 +15,51 @@
 
 namespace icehost {
 
-// Writes in place, so that a run can be followed and the file's links, owner and mode stay; but not
-// before Begin. A file that was opened and not begun stays as it was, or disappears if it did not
-// exist. After Begin it is complete at any time except for what is not flushed yet. Nothing is ever
-// removed from standard output, "-".
+// Writes to the file in place, so that a run can be followed and the file keeps its links, owner
+// and mode. Before Begin nothing changes: a file that is never begun keeps its content, or is
+// removed if it did not exist. After Begin, the file always contains everything that was flushed.
+// Nothing is ever removed from standard output, whose path is "-".
 class OutputFile {
  public:
-  // What remains of a file that could not be written to its end: every whole line, or nothing.
+  // The part that remains of a file that cannot be completed: all whole lines, or nothing.
   enum class Rest { kLines, kNothing };
 
-  // Opens the file; throws IoError that says why it cannot. Standard output is the file that
-  // descriptor 1 leads to now.
+  // Opens the file, or throws IoError, which says why it cannot be opened. "-" is the file to which
+  // descriptor 1 refers now.
   OutputFile(const std::string& path, Rest rest);
-  // Writes the rest of a file that was begun.
+  // Writes the buffered text if the file was begun, and closes the file.
   ~OutputFile();
   OutputFile(const OutputFile&) = delete;
   OutputFile& operator=(const OutputFile&) = delete;
 
-  // Empties the file. To be called before anything is written.
+  // Empties the file. Must be called before anything is written.
   void Begin();
   std::ostream& Stream() { return stream_; }
-  // As the user named it.
+  // Returns the path as the user wrote it.
   const std::string& Path() const { return path_; }
   bool IsStandardOutput() const { return path_ == "-"; }
-  // For another process to write to.
+  // Returns the descriptor, for another process to write to.
   int Descriptor() const { return fd_; }
-  // Returns the status of the open file; throws IoError.
+  // Throws IoError.
   struct stat Status() const;
-  // There was no memory for something that belongs in the file: Close fails, if it was begun.
+  // Notes that memory ran out for part of the content: Close then fails, if the file was begun.
   void MarkIncomplete() { incomplete_ = begun_; }
-  // Throws IoError if something could not be written and that was not thrown before; or Interrupted
-  // if a signal was the reason.
+  // Throws if a write has failed: Interrupted after a signal, else IoError, which it throws once.
   void ThrowIfCut();
-  // Writes the rest and closes the file; throws such an IoError.
+  // Writes the buffered text and closes the file. Throws IoError if the file is incomplete and
+  // ThrowIfCut has not thrown it before.
   void Close();
-  // Closes a file that something keeps from its end.
+  // Closes a file that cannot be completed. Only the part that Rest names remains.
   void Abandon();
-  // Does all of it with the whole text: begins, writes and closes the file. Throws Interrupted if a
-  // signal came while nobody took the text.
+  // Writes a whole file: begins it, writes `text` and closes it. Throws IoError, or Interrupted if
+  // a signal arrives while nobody reads the text.
   void WriteWhole(std::string_view text);
 
  private:
   class Buffer : public std::streambuf {
    public:
     Buffer(int fd, char* room);
-    // The error of the first write that failed, or 0.
+    // Returns the errno of the first failed write, or 0.
     int Error() const { return writer_.Error(); }
     bool Write();
 
@@ -76,17 +76,17 @@ class OutputFile {
 
   std::string path_;
   Rest rest_;
-  std::string created_;  // the file, if it did not exist
+  std::string created_;  // the path of the file, if it did not exist
   bool begun_ = false;
   bool incomplete_ = false;
   bool reported_ = false;
-  std::unique_ptr<char[]> room_;  // of the buffer; there is nothing to undo if there is none
+  std::unique_ptr<char[]> room_;  // the buffer's; allocated first, so that a failure opens no file
   int fd_;
   Buffer buffer_;
   std::ostream stream_;
 };
 
-// Closes each, and returns a message for each that could not be written completely.
+// Closes each file. Returns a message for each that could not be written completely.
 std::vector<std::string> CloseAll(const std::vector<std::unique_ptr<OutputFile>>& files);
 
 }  // namespace icehost

@@ -1,4 +1,4 @@
-// A line on standard error that shows how far a long piece of work has come.
+// A line on standard error that shows the progress of long work.
 #ifndef ICESCRIPT_HOST_SYSTEM_PROGRESS_H_
 #define ICESCRIPT_HOST_SYSTEM_PROGRESS_H_
 
@@ -7,18 +7,18 @@
 
 namespace icehost {
 
-// Drawn once the work takes longer than a second, and then five times a second.
+// Appears when the work has taken a second, and is redrawn at most five times a second.
 class Progress {
  public:
-  // Without `show` nothing is ever drawn.
+  // Without `show`, nothing is ever drawn.
   explicit Progress(bool show) : show_(show) {}
   ~Progress() { Erase(); }
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
 
-  // Whether it is time to draw.
+  // Returns whether it is time to draw.
   bool IsDue() const { return show_ && Clock::now() >= next_; }
-  // Draws `line` in place of the one before.
+  // Draws `line` in place of the previous one.
   void Draw(const std::string& line);
   void Erase();
 

@@ -56,8 +56,8 @@ Socket Socket::Connect(const Endpoint& endpoint, Timeout timeout,
     if (again == nullptr) socket.Fail("cannot connect", error);
     again();
   }
-  // Without it every short write waits for the answer to the one before. A UNIX socket has no such
-  // delay, and no such option.
+  // Without this, every short write waits for the acknowledgement of the previous one. A UNIX
+  // socket has neither the delay nor the option.
   asio::error_code ignored;
   socket.socket_.set_option(tcp::no_delay(true), ignored);
   return socket;
@@ -88,12 +88,12 @@ asio::error_code Socket::ConnectTo(const StreamProtocol::endpoint& address) {
             });
           }).first;
   if (error || !IsConnectedToItself()) return error;
-  socket_.set_option(asio::socket_base::linger(true, 0));  // a server can use the port at once
+  socket_.set_option(asio::socket_base::linger(true, 0));  // a server can then use the port at once
   socket_.close();
   return asio::error::connection_refused;
 }
 
-// TCP allows that if nobody listens and the system chooses just this port for the client.
+// TCP connects a socket to itself if nobody listens and the client gets the server's port.
 bool Socket::IsConnectedToItself() const {
   asio::error_code error;  // the next operation reports it
   const StreamProtocol::endpoint local = socket_.local_endpoint(error);
@@ -110,7 +110,7 @@ Socket::Addresses Socket::Resolve(const Endpoint& endpoint) try {
   for (const auto& entry : found) addresses.emplace_back(entry.endpoint());
   return addresses;
 } catch (const asio::system_error& error) {
-  Fail("cannot connect", error.code());  // the path is too long
+  Fail("cannot connect", error.code());  // the path of a UNIX socket is too long
 }
 
 void Socket::Send(std::string_view bytes) {
@@ -137,7 +137,7 @@ std::string Socket::Receive(std::size_t limit) {
 }
 
 std::size_t Socket::Pending(std::chrono::milliseconds patience) {
-  asio::error_code none;  // the next operation reports what is wrong
+  asio::error_code none;  // the next operation reports an error
   pollfd readable = {socket_.native_handle(), POLLIN, 0};
   if (patience.count() > 0) {
     AcknowledgeNow();
@@ -171,17 +171,17 @@ bool Socket::HasEnded() {
   return got == 0;
 }
 
-// A server that writes each answer separately with Nagle's algorithm on sends the second after the
-// first is acknowledged, which the system delays by 40 ms. Only a wait for more needs this packet:
-// bytes sent to the server acknowledge as well. The option does not last. A UNIX socket has none.
+// A server that writes each answer separately, with Nagle's algorithm, waits for an
+// acknowledgement, which the system delays by 40 ms. Sent bytes acknowledge as well, so only a wait
+// needs this. The option does not last. A UNIX socket does not have it.
 void Socket::AcknowledgeNow() {
   if (std::exchange(acknowledged_, true)) return;
   const int on = 1;
   setsockopt(socket_.native_handle(), IPPROTO_TCP, TCP_QUICKACK, &on, sizeof on);
 }
 
-// Begins an operation and waits until it is done or the time is over. Its handler owns the outcome,
-// since an operation that was given up still ends some time.
+// Starts an operation and waits until it ends or the time is over. The handler owns the outcome,
+// because an operation that was given up may still end later.
 template <class Result, class Begin>
 std::pair<asio::error_code, Result> Socket::Await(Begin begin) {
   using Outcome = std::pair<asio::error_code, Result>;

@@ -1,4 +1,4 @@
-// Sockets, TCP or UNIX: the connection of a client, and one that listens.
+// TCP and UNIX sockets: a connection, and a socket that listens.
 #ifndef ICESCRIPT_HOST_SYSTEM_SOCKET_H_
 #define ICESCRIPT_HOST_SYSTEM_SOCKET_H_
 
@@ -19,42 +19,42 @@ namespace icehost {
 
 using StreamProtocol = asio::generic::stream_protocol;
 
-// For one thread, the main one. Every wait ends with IoError after the time-out, and with
-// Interrupted on a signal; IoError names the endpoint and the reason.
+// A connection, for the main thread only. A wait throws IoError after the time-out, and Interrupted
+// after a signal. The text of an IoError names the endpoint and the reason.
 class Socket {
  public:
   using Timeout = std::chrono::milliseconds;
-  // How long an answer too many may come after the last one that was asked for.
+  // How long surplus answers may still arrive after the last expected one.
   static constexpr Timeout kStragglers{10};
 
-  // Calls `again` after each attempt that fails, until it throws; without it there is one attempt.
+  // Connects. After each failed attempt calls `again`, which may throw; without it, tries once.
   static Socket Connect(const Endpoint& endpoint, Timeout timeout,
                         const std::function<void()>& again = nullptr);
-  // Returns whether something accepts connections there, by making one.
+  // Returns whether a server accepts connections there. Makes a connection to find out.
   static bool IsTaken(const Endpoint& endpoint, Timeout timeout);
-  // Takes over `fd`, of a connected UNIX socket.
+  // Takes over `fd`, which must be a connected UNIX socket.
   Socket(int fd, const std::string& name, Timeout timeout);
 
   void Send(std::string_view bytes);
-  // Waits for at least one byte and returns what is there, at most `limit`; empty when the other
-  // side has closed.
+  // Waits for at least one byte. Returns the bytes that have arrived, at most `limit`; none if the
+  // other side has closed the connection.
   std::string Receive(std::size_t limit);
-  // Returns the number of bytes that have come and were not received yet; if there are none, waits
-  // for some as long as `patience`.
+  // Returns the number of bytes that have arrived and were not received yet. If there are none,
+  // waits for some, at most `patience`.
   std::size_t Pending(std::chrono::milliseconds patience = {});
   // Returns whether the other side has closed and nothing is left to receive. Does not wait.
   bool HasEnded();
-  // Ends the error about a connection that is lost before anything was received.
+  // Sets the end of the error message if the connection is lost before anything was received.
   void AdviseOnLoss(std::string advice) { advice_ = std::move(advice); }
-  // Throws the error that `who`, on the other side, has closed the connection.
+  // Throws IoError: `who`, the other side, has closed the connection.
   [[noreturn]] void FailClosed(const std::string& who) const;
-  // Throws the error that it has sent what it was not asked for.
+  // Throws IoError: the other side has sent bytes that were not asked for.
   [[noreturn]] void FailOutOfStep() const;
-  // To be called last; no signal ends it. Sends those of the bytes that the system takes without
-  // waiting. Receives and drops so many `answers`, for as long as `patience`: a server that writes
-  // to a closed connection may miss the bytes, or die.
+  // Must be the last call; a signal does not end it. Sends as many of `bytes` as the system accepts
+  // without waiting. Then receives and drops `answers` bytes for at most `patience`, because a
+  // server that writes to a closed connection may miss the bytes, or die.
   void TakeLeave(std::string_view bytes, std::size_t answers, std::chrono::milliseconds patience);
-  // The endpoint as the user named it.
+  // Returns the endpoint as the user named it.
   const std::string& Name() const { return name_; }
 
  private:
@@ -75,21 +75,21 @@ class Socket {
   StreamProtocol::socket socket_;
   std::string name_;
   Timeout timeout_;
-  bool acknowledged_ = true;  // everything that was received
-  bool received_ = false;     // anything
+  bool acknowledged_ = true;  // all bytes received were acknowledged
+  bool received_ = false;     // at least one byte was received
   std::string advice_;
 };
 
-// Sends those of the bytes that the system takes without waiting, which saves a turn of the event
-// loop, and removes them. Returns an error other than that it takes none now.
+// Sends as many of `bytes` as the system accepts without waiting, and removes them; this saves a
+// turn of the event loop. If the system accepts none now, returns no error.
 asio::error_code SendAtOnce(StreamProtocol::socket& socket, std::string_view& bytes);
 
-// Listens on the event loop.
+// A socket that listens on the event loop.
 class Listener {
  public:
   using Acceptor = asio::basic_socket_acceptor<StreamProtocol>;
 
-  // Makes the file of a UNIX socket, a SocketFile. Throws IoError, or Interrupted.
+  // Listens on `endpoint`; for a UNIX socket, with a SocketFile. Throws IoError, or Interrupted.
   Listener(const Endpoint& endpoint, std::chrono::milliseconds timeout);
 
   // Returns the endpoint as a client names it, with the real port instead of port 0.
@@ -99,11 +99,11 @@ class Listener {
  private:
   Endpoint endpoint_;
   Acceptor acceptor_;
-  std::optional<SocketFile> file_;  // goes before the socket is closed
+  std::optional<SocketFile> file_;  // must be removed before the socket is closed
 };
 
-// Returns the other end of a TCP connection as an Endpoint's Name; empty for a UNIX socket, whose
-// other end has no name, and for a lost connection.
+// Returns the other end of a TCP connection in the form of Endpoint::Name. Returns an empty text
+// for a UNIX socket, whose other end has no name, and for a lost connection.
 std::string PeerName(const StreamProtocol::socket& socket);
 
 }  // namespace icehost

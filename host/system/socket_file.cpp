@@ -46,8 +46,8 @@ class FolderLock {
   int fd_;
 };
 
-// The system refuses a connection for datagrams if the socket has no owner any more. An owner that
-// serves streams does not notice it, and need not listen yet.
+// Tries a datagram connection, which the system refuses if the socket has no owner any more. A
+// server that still runs does not notice it, even if it does not listen yet.
 bool HasEnded(const std::string& path) {
   std::error_code ignored;
   if (!std::filesystem::is_socket(std::filesystem::symlink_status(path, ignored))) return false;

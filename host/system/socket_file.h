@@ -10,16 +10,15 @@
 
 namespace icehost {
 
-// Exists as long as the object, unless somebody else removes it.
+// The file exists as long as the object, unless somebody else removes it.
 class SocketFile {
  public:
-  // Removes the file of a server that has ended, and no other file; then calls `bind`, which makes
-  // the new file. No other icehost does the same in this folder meanwhile; it is waited for as long
-  // as the time-out. Throws asio::system_error, or Interrupted.
+  // Removes the file of a server that has ended, but no other file. Then calls `bind`, which must
+  // create the new file. Locks the folder against other icehost processes meanwhile, and waits for
+  // the lock at most `timeout`. Throws asio::system_error, or Interrupted.
   SocketFile(const std::string& path, std::chrono::milliseconds timeout,
              const std::function<void()>& bind);
-  // To be called while the socket is open. Leaves the file of another server, which has taken the
-  // place.
+  // Removes the file, unless another server has replaced it. The socket must still be open.
   ~SocketFile();
   SocketFile(const SocketFile&) = delete;
   SocketFile& operator=(const SocketFile&) = delete;

@@ -28,11 +28,11 @@ namespace {
 using std::chrono::milliseconds;
 using SteadyClock = std::chrono::steady_clock;
 
-// How long the group may take after each signal.
+// How long the process group may take to end after each signal.
 constexpr milliseconds kEndsWithin{2000};
 constexpr milliseconds kLookAtGroupEvery{10};
 constexpr milliseconds kForgetEvery{100};
-// How long a command that has closed its connection may take to end.
+// How long a command may take to end after it has closed its connection.
 constexpr milliseconds kEndsAfterLoss{200};
 
 constexpr off_t kKeptOutput = 1 << 16;
@@ -41,13 +41,13 @@ constexpr int kShownLines = 10;
 
 struct Launch {
   const char* command;
-  int nothing;  // the null device
+  int nothing;  // descriptor of the null device
   int output;
-  bool forgets;  // all but the end of the output
+  bool forgets;  // discards all but the end of the output
 };
 
 [[noreturn]] void BecomeCommand(const Launch& launch) {
-  prctl(PR_SET_PDEATHSIG, SIGKILL);  // somebody may kill the guard
+  prctl(PR_SET_PDEATHSIG, SIGKILL);  // in case somebody kills the guard
   setpgid(0, 0);
   dup2(launch.nothing, STDIN_FILENO);
   dup2(launch.output, STDOUT_FILENO);
@@ -60,12 +60,12 @@ struct Launch {
   _exit(127);
 }
 
-// The guard begins as a copy of a process with threads, so it may only call what a signal handler
-// may call. All signals are blocked: SIGTERM asks it to end the command.
+// The guard is forked from a process with threads, so it may only call functions that a signal
+// handler may call. All its signals are blocked. SIGTERM asks it to end the command.
 class Guard {
  public:
   explicit Guard(const Launch& launch) : launch_(launch) {}
-  // Ends as the command did, or by SIGKILL if processes of the command may be left.
+  // Ends with the command's status, or by SIGKILL if processes of the command may be left.
   [[noreturn]] void Run(pid_t icehost);
 
  private:
@@ -78,13 +78,13 @@ class Guard {
   bool IsGroupGone();
 
   Launch launch_;
-  pid_t command_ = 0;  // and its process group
+  pid_t command_ = 0;  // also the id of its process group
   bool ended_ = false;
   int status_ = 0;
 };
 
 void Guard::Run(pid_t icehost) {
-  // SIGTERM comes when icehost ends. The guard adopts the orphans of the command, to reap them.
+  // The guard gets SIGTERM when icehost ends. It adopts the orphans of the command, to reap them.
   prctl(PR_SET_PDEATHSIG, SIGTERM);
   prctl(PR_SET_CHILD_SUBREAPER, 1);
   setpgid(0, 0);
@@ -103,7 +103,7 @@ void Guard::Start() {
   command_ = fork();
   if (command_ == 0) BecomeCommand(launch_);
   if (command_ > 0) {
-    setpgid(command_, command_);  // the command does the same; one of both is first
+    setpgid(command_, command_);  // the command does the same; either may be first
     return;
   }
   constexpr std::string_view kWhy = "cannot fork\n";
@@ -111,7 +111,7 @@ void Guard::Start() {
   _exit(126);
 }
 
-// Icehost's own files and connections end with icehost, not with the guard.
+// Icehost's own files and connections must end with icehost, not with the guard.
 void Guard::DropDescriptors() const {
   for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) dup2(launch_.nothing, fd);
   const auto output = static_cast<unsigned>(launch_.output);
@@ -166,14 +166,14 @@ bool Guard::IsGroupGone() {
   throw IoError(fmt::format("cannot start the command of --spawn: {}", std::strerror(errno)));
 }
 
-// Returns -1 where reading would wait, or take what another reader is to have.
+// Returns -1 if reading would wait, or would take data from another reader.
 int OpenToRead(int fd) {
   struct stat status = {};
   if (fstat(fd, &status) != 0 || !S_ISREG(status.st_mode)) return -1;
   return open(fmt::format("/proc/self/fd/{}", fd).c_str(), O_RDONLY | O_CLOEXEC);
 }
 
-// Returns the last lines of a file, indented; of a very long line only its end.
+// Returns the last lines of a file, indented; of a very long line, only the end.
 std::string LastLines(int fd) {
   struct stat status = {};
   std::string text(kShownOutput, '\0');
@@ -184,7 +184,7 @@ std::string LastLines(int fd) {
   while (!text.empty() && text.back() == '\n') text.pop_back();
   std::string lines;
   for (int i = 0; i < kShownLines && !text.empty(); ++i) {
-    const std::size_t line = text.rfind('\n') + 1;  // 0 if there is no other
+    const std::size_t line = text.rfind('\n') + 1;  // 0 for the first line
     lines.insert(0, "  " + text.substr(line) + "\n");
     text.resize(line > 0 ? line - 1 : 0);
   }
@@ -199,12 +199,12 @@ SpawnedCommand::~SpawnedCommand() {
 }
 
 void SpawnedCommand::Start() {
-  std::signal(SIGCHLD, SIG_DFL);  // nobody learns the status of a child if it is ignored
+  std::signal(SIGCHLD, SIG_DFL);  // otherwise the status of a child could be lost
   if (log_ != nullptr) log_->Begin();
   const int output = log_ != nullptr ? log_->Descriptor() : memfd_create("output", MFD_CLOEXEC);
   if (output < 0) FailToStart();
   kept_ = log_ != nullptr ? OpenToRead(output) : output;
-  // What the command opens again by its name, as /dev/stderr, is the same file.
+  // The command may open its output again by name, such as /dev/stderr, but must not overwrite it.
   if (kept_ >= 0) fcntl(output, F_SETFL, O_APPEND);
   const int nothing = open("/dev/null", O_RDWR | O_CLOEXEC);
   if (nothing < 0) FailToStart();
@@ -244,7 +244,7 @@ bool SpawnedCommand::HasEndedWithin(milliseconds patience) {
 
 bool SpawnedCommand::End(bool failed) {
   if (guard_ == 0 && !ended_) return true;
-  // After a signal, icehost waits for the guard: nothing is left when icehost has ended.
+  // After a signal, icehost waits for the guard, so that no process is left when icehost has ended.
   const Rescue after_a_signal(Rescue::State::kWorking, [] {});
   if (!HasEndedWithin(failed ? kEndsAfterLoss : milliseconds(0))) {
     kill(guard_, SIGTERM);

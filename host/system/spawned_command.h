@@ -1,4 +1,4 @@
-// A command that runs beside icehost, such as the server that a probe connects to.
+// A command that runs beside icehost, such as the server of a probe.
 #ifndef ICESCRIPT_HOST_SYSTEM_SPAWNED_COMMAND_H_
 #define ICESCRIPT_HOST_SYSTEM_SPAWNED_COMMAND_H_
 
@@ -12,27 +12,26 @@
 
 namespace icehost {
 
-// A guard, which is a process of its own, starts the command and ends it. It does so however
-// icehost ends, even by SIGKILL. The command runs in a process group of its own, so Ctrl-C in the
-// terminal reaches icehost only.
+// A guard, which is a separate process, starts the command, and ends it however icehost ends, even
+// by SIGKILL. The command has its own process group, so Ctrl-C reaches only icehost.
 class SpawnedCommand {
  public:
   explicit SpawnedCommand(std::string command) : command_(std::move(command)) {}
-  // Ends the command without showing anything of its output.
+  // Ends the command without showing its output.
   ~SpawnedCommand();
   SpawnedCommand(const SpawnedCommand&) = delete;
   SpawnedCommand& operator=(const SpawnedCommand&) = delete;
 
-  // Makes Start begin this file, for the output of the command. Otherwise only the end of the
-  // output is kept, in memory.
+  // Makes Start begin this file and write the command's output to it. Without a file, only the end
+  // of the output is kept, in memory.
   void LogTo(OutputFile& log) { log_ = &log; }
-  // Lets /bin/sh run the command, which has nothing to read. Throws IoError.
+  // Starts the command with /bin/sh and an empty standard input. Throws IoError.
   void Start();
-  // Returns whether the command has ended by itself. Nothing of its process group is left then.
+  // Returns whether the command has ended by itself. No process of its group is left then.
   bool HasEnded();
-  // Ends the process group by SIGTERM, and two seconds later by SIGKILL, and waits for that. Shows
-  // the end of the output if the run has `failed`. Returns false, and says so, if processes may be
-  // left. Does nothing if the command is not running.
+  // Ends the process group with SIGTERM, and two seconds later with SIGKILL, and waits for that.
+  // Shows the end of the output if the run has `failed`. Returns false, and reports it, if
+  // processes may be left. Does nothing before Start and after an earlier End.
   bool End(bool failed);
 
  private:
@@ -42,10 +41,10 @@ class SpawnedCommand {
 
   std::string command_;
   OutputFile* log_ = nullptr;
-  int kept_ = -1;    // the output, if it can be read again
-  pid_t guard_ = 0;  // 0: not started, or ended
+  int kept_ = -1;    // descriptor of the output, or -1 if it cannot be read again
+  pid_t guard_ = 0;  // its process id; 0: not started, or ended
   bool ended_ = false;
-  int status_ = 0;  // of the guard
+  int status_ = 0;  // of the guard, from waitpid
 };
 
 }  // namespace icehost

@@ -38,7 +38,7 @@ class Unbuffered : public std::streambuf {
   DescriptorWriter writer_;
 };
 
-// Never destroyed: threads may use it while the process ends.
+// Never destroyed, because threads may use it while the process ends.
 std::ostream& standard_error = *new std::ostream(new Unbuffered(STDERR_FILENO));
 
 }  // namespace
@@ -66,7 +66,7 @@ CapturedOutput::CapturedOutput() : kept_(memfd_create("stdout", MFD_CLOEXEC)) {
   const int user = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
   user_ = user >= 0 ? fdopen(user, "w") : nullptr;
   if (user_ != nullptr && dup2(kept_, STDOUT_FILENO) >= 0) return;
-  // EINVAL: standard output cannot be written to.
+  // EINVAL means that standard output cannot be written to.
   const int error = errno == EINVAL ? EBADF : errno;
   close(kept_);
   if (user >= 0) close(user);
@@ -83,7 +83,7 @@ CapturedOutput::~CapturedOutput() {
 }
 
 std::string CapturedOutput::Take() {
-  // Descriptor 1 shares this offset.
+  // Descriptor 1 shares this offset, so it is the size of the output.
   const off_t size = lseek(kept_, 0, SEEK_CUR);
   if (size <= 0) return "";
   std::string text(static_cast<std::size_t>(size), '\0');
@@ -102,7 +102,7 @@ bool WantsColour(int fd) {
 
 void ComplainLine(std::string line) {
   while (!line.empty() && line.back() == '\n') line.pop_back();
-  // If standard error takes no more, nobody can be informed.
+  // A failure is ignored, because there is nowhere to report it.
   standard_error << Printable(line) + "\n";
 }
 

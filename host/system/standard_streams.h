@@ -8,43 +8,43 @@
 
 namespace icehost {
 
-// Occupies the standard descriptors that the process was started without, so that no file or
-// connection gets their numbers, and text for the user with them: using one is an error. To be
-// called first.
+// Opens the standard descriptors that the process was started without. Otherwise a file or
+// connection would get their numbers, and with them text for the user. Every use of them is an
+// error. Must be called first.
 void OccupyStandardDescriptors();
 
-// Standard error, without a buffer. A wait for its reader ends after a signal.
+// Returns unbuffered standard error. A wait for its reader ends after a signal.
 std::ostream& StandardError();
 
-// Writes out the buffers. Returns false if standard output or standard error did not take
-// everything that was written to it since the start.
+// Flushes the streams. Returns false if standard output or standard error did not accept everything
+// that was written since the start.
 bool CompleteStandardStreams();
 
-// Returns whether a user sees colours: on a terminal, unless NO_COLOR is set and not empty, or the
-// terminal shows text alone, such as the buffer of an editor.
+// Returns whether to use colours on `fd`: if it is a terminal, NO_COLOR is not set or is empty, and
+// TERM is not "dumb", as it is in the buffer of an editor.
 bool WantsColour(int fd);
 
-// Prints a line on standard error, made Printable and without the line feeds at its end.
+// Prints a line on standard error, as Printable returns it and without line feeds at its end.
 void ComplainLine(std::string line);
-// Prints icehost's own words in such a line.
+// Prints such a line, with "icehost: " before it.
 void Complain(const std::string& what);
 
-// Prints that memory has run out, and takes none for that.
+// Prints that memory has run out, without allocating any.
 void ComplainOfMemory();
 
-// While it exists, it keeps what a library writes to descriptor 1, as printf does, and the user's
-// standard output is the stream of this object. One at a time.
+// While it exists, it captures what a library writes to descriptor 1, for example with printf.
+// Meanwhile User is the user's standard output. Only one object may exist at a time.
 class CapturedOutput {
  public:
   // Throws IoError.
   CapturedOutput();
-  // Makes standard output the user's again.
+  // Restores the user's standard output.
   ~CapturedOutput();
   CapturedOutput(const CapturedOutput&) = delete;
   CapturedOutput& operator=(const CapturedOutput&) = delete;
 
   FILE* User() { return user_; }
-  // Returns what was written, and flushed, since the last call.
+  // Returns the text that was written to descriptor 1, and flushed, since the last call.
   std::string Take();
 
  private:

@@ -12,8 +12,7 @@ struct Range {
   char32_t last;
 };
 
-// In order: Unicode's control (Cc) and format characters (Cf) and its line and paragraph
-// separators.
+// In order: Unicode's control (Cc) and format characters (Cf), line and paragraph separators.
 constexpr Range kUnprintable[] = {
     {0x00, 0x08},       {0x0A, 0x1F},       {0x7F, 0x9F},       {0xAD, 0xAD},
     {0x600, 0x605},     {0x61C, 0x61C},     {0x6DD, 0x6DD},     {0x70F, 0x70F},
@@ -30,10 +29,10 @@ bool IsPrintable(char32_t code) {
   return range == std::end(kUnprintable) || code < range->first;
 }
 
-// Returns the number of bytes that a first byte announces; 0 for a byte that cannot be the first.
+// Returns the number of bytes of a character with this first byte; 0 if there is none.
 std::size_t SizeOf(unsigned char first) {
   if (first < 0x80) return 1;
-  if (first >= 0xC2 && first < 0xE0) return 2;  // 0xC0 and 0xC1 would only be overlong
+  if (first >= 0xC2 && first < 0xE0) return 2;  // 0xC0 and 0xC1 begin only overlong forms
   if (first >= 0xE0 && first < 0xF0) return 3;
   return first >= 0xF0 && first < 0xF5 ? 4 : 0;
 }
@@ -56,7 +55,7 @@ struct Replacement {
   std::string_view with;
 };
 
-// U+FFFE and U+FFFF are UTF-8, but not characters of XML. "]]>" is forbidden, hence ">".
+// XML forbids "]]>", hence ">". U+FFFE and U+FFFF are valid UTF-8, but not characters of XML.
 constexpr Replacement kReplacements[] = {
     {"&", "&amp;"}, {"<", "&lt;"}, {">", "&gt;"}, {"\xEF\xBF\xBE", "?"}, {"\xEF\xBF\xBF", "?"},
 };
@@ -93,7 +92,7 @@ std::string PrintableLines(std::string_view text) {
 std::string JsonText(std::string_view text) {
   using Json = nlohmann::json;
   std::string line = Json(text).dump(-1, ' ', true, Json::error_handler_t::replace);
-  // The only control character that dump leaves.
+  // DEL is the only control character that dump does not escape.
   for (std::size_t at = 0; (at = line.find('\x7f', at)) != std::string::npos;) {
     line.replace(at, 1, "\\u007f");
   }

@@ -1,4 +1,4 @@
-// Makes any text fit for a terminal, for JSON and for XML.
+// Makes any text safe to show on a terminal and to write as JSON or XML.
 #ifndef ICESCRIPT_HOST_SYSTEM_TEXT_H_
 #define ICESCRIPT_HOST_SYSTEM_TEXT_H_
 
@@ -7,20 +7,20 @@
 
 namespace icehost {
 
-// Returns the text as valid UTF-8 with nothing in it that a terminal obeys. A blank replaces a
-// control character other than a tab, a line separator, and a format character, which is invisible
-// or changes the direction of the text. A question mark replaces a byte that is not UTF-8. Every
-// replacement is one column wide.
+// Returns the text as valid UTF-8 without anything that controls a terminal. A space replaces each
+// line separator, each control character except tabs, and each format character (these are
+// invisible or change the direction of the text). A question mark replaces each byte that is not
+// UTF-8. Every replacement is one column wide.
 std::string Printable(std::string_view text);
-// Does the same for each line: line breaks stay.
+// Does the same for each line, and keeps the line feeds.
 std::string PrintableLines(std::string_view text);
 
-// Returns the text as a JSON string, in quotes. U+FFFD replaces a byte that is not UTF-8. What is
-// not ASCII is escaped, so that no terminal takes it for a command.
+// Returns the text as a JSON string, in quotes. U+FFFD replaces bytes that are not UTF-8. All other
+// characters that are not ASCII are escaped, so that none of them controls a terminal.
 std::string JsonText(std::string_view text);
 
-// Returns the text as character data of an XML 1.0 document: made Printable, with a question mark
-// for a character that XML still forbids.
+// Returns the text as escaped character data of XML 1.0. It is first made Printable; then a
+// question mark replaces each character that XML forbids.
 std::string XmlText(std::string_view text);
 
 }  // namespace icehost

@@ -1,4 +1,4 @@
-// The files that run and serve write. A new one is its writer, and a row in outputs.cpp.
+// The files that run and serve write. To add one, write its class and a row in outputs.cpp.
 #ifndef ICESCRIPT_HOST_TABLES_OUTPUTS_H_
 #define ICESCRIPT_HOST_TABLES_OUTPUTS_H_
 
@@ -22,15 +22,15 @@ namespace icehost {
 using MakeOutput = std::unique_ptr<Output> (*)(std::ostream& stream);
 
 struct OutputKind {
-  // The output of one verb; all members are null if the verb does not have the output.
+  // The output of one verb. All members are null if the verb does not have the output.
   struct Verb {
     const char* help = nullptr;
     MakeOutput make = nullptr;
-    MakeOutput make_without_pins = nullptr;  // for a probe that shows none, if it needs another
+    MakeOutput make_without_pins = nullptr;  // for a probe without pins; null: use `make`
   };
 
   const char* option;
-  bool file_may_lack;  // it is then standard error
+  bool file_may_lack;  // without a file, it is standard error
   bool needs_pins;
   OutputFile::Rest rest;
   Verb run, serve;
@@ -42,14 +42,14 @@ const std::vector<OutputKind>& OutputKinds();
 // An output that the user asked for.
 struct OutputRequest {
   const OutputKind* kind;
-  std::optional<std::string> path;  // "-": standard output; none: standard error
+  std::optional<std::string> path;  // "-": standard output; nothing: standard error
 };
 using OutputRequests = std::vector<OutputRequest>;
 
-// Whether an output goes to standard error.
+// Returns whether any output goes to standard error.
 bool UseStandardError(const OutputRequests& requests);
 
-// Returns what the head of every page says: the probe, what was done (`counts`), when it began
+// Returns the entries at the head of a page: the probe, what was done (`counts`), when it began
 // (`seconds` ago), and the version of icehost.
 std::vector<std::pair<std::string, std::string>> HeadEntries(const ProbeOptions& probe,
                                                              const std::string& counts,
@@ -58,30 +58,30 @@ std::vector<std::pair<std::string, std::string>> HeadEntries(const ProbeOptions&
 class Outputs {
  public:
   // Opens all files, that of --spawn-log too, and changes none. Throws IoError if one cannot be
-  // opened, or needs the pins of a probe that shows none; BadUsage if one has another use.
+  // opened, or needs pins that the probe does not show, and BadUsage if one has another use.
   Outputs(const OutputRequests& requests, OutputKind::Verb OutputKind::*verb,
           const ProbeOptions& probe, FileUses uses);
-  // Adds a file that the caller begins and writes. Complete completes it with the others.
+  // Adds a file that the caller begins and writes. Complete closes it with the others.
   OutputFile& Add(const std::string& option, const std::string& path, OutputFile::Rest rest);
-  // Empties the files, except those of Add.
+  // Begins the outputs and empties their files, but not those of Add and --spawn-log.
   void Begin();
-  // Throws once standard output takes no more, because a run should not go on unseen.
+  // Throws if standard output takes no more text, because a run should not go on unseen.
   void ThrowIfCut() const {
     if (standard_output_ != nullptr) standard_output_->ThrowIfCut();
   }
-  // Writes what is buffered. Throws as OutputFile::ThrowIfCut does.
+  // Writes the buffered text. Throws as OutputFile::ThrowIfCut does.
   void Flush();
-  // Returns a warning for each thing that was played and is in no file, and each only once.
-  // Complete may add some.
+  // Returns a warning for each thing that was played and is missing in an output, but each only
+  // once. Complete may add more.
   std::vector<std::string> TakeLosses();
-  // There was no memory for some event: what became of it in which file is unknown.
+  // Marks all files as incomplete: memory ran out for an event, which any of them may lack.
   void MarkIncomplete();
-  // Ends and closes the files. Returns a text for each that could not be written whole.
+  // Ends the outputs and closes the files. Returns a message for each that is not complete.
   std::vector<std::string> Complete(const PageHead& head);
 
   bool Any() const { return !writers_.empty(); }
 
-  // The outputs, by what they listen to.
+  // The outputs, by the events that they receive.
   std::vector<EventListener*> listeners;
   std::vector<ServeListener*> serve_listeners;
   std::vector<StepRecorder*> recorders;
@@ -95,8 +95,8 @@ class Outputs {
   FileUses uses_;
   std::vector<std::unique_ptr<OutputFile>> files_;
   std::vector<Writer> writers_;
-  std::size_t begun_ = 0;                  // how many of the files Begin begins
-  OutputFile* standard_output_ = nullptr;  // where it is one of the files
+  std::size_t begun_ = 0;                  // how many of the files Begin empties
+  OutputFile* standard_output_ = nullptr;  // null if it is not one of the files
 };
 
 }  // namespace icehost

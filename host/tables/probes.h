@@ -1,4 +1,4 @@
-// The probes that --probe chooses from. A new one is its class, and a row in probes.cpp.
+// The probes of --probe. To add one, write its class and a row in probes.cpp.
 #ifndef ICESCRIPT_HOST_TABLES_PROBES_H_
 #define ICESCRIPT_HOST_TABLES_PROBES_H_
 
@@ -20,30 +20,30 @@ namespace icehost {
 
 struct ProbeOptions;
 
-// A row: it sets the members that are not as below. Functions that reach a probe connect where it
-// is across a network, and throw IoError.
+// A row, which sets the members that differ from the defaults below. Functions that use a probe
+// across a network connect to it, and throw IoError.
 struct ProbeKind {
   using OpenPins = std::unique_ptr<PinPort> (*)(const ProbeOptions& options);
 
   const char* name = "";               // the value of --probe, up to the colon before an address
-  std::vector<std::string> addresses;  // the forms that an address has; empty: there is none
-  const char* title = "";              // in messages
-  bool has_target = false;             // takes the options of the simulated target
+  std::vector<std::string> addresses;  // the forms of its address; empty: it has none
+  const char* title = "";              // its name in messages
+  bool has_target = false;             // has the options of the simulated target
   bool two_wire = false;               // has the 2-wire interface
-  // Reads the address; throws std::invalid_argument that says what is expected.
+  // Reads the address. Throws std::invalid_argument, which says what is expected.
   void (*parse)(const std::string& address, ProbeOptions& options) = nullptr;
-  // Describes the probe for the head of a page; every row has it.
+  // Describes the probe for the head of a page. Never null.
   std::string (*describe)(const ProbeOptions& options) = nullptr;
-  // Opens the pins for scripts. Null where the probe shows none.
+  // Opens the pins for scripts. Null if the probe shows no pins.
   OpenPins open_pins = nullptr;
-  // Opens the pins for a client of serve, which alone drives them. Null where open_pins will do.
+  // Opens the pins for serve, whose client alone drives them. Null: use open_pins.
   OpenPins open_served = nullptr;
   // Opens a probe that shows no pins.
   std::unique_ptr<Probe> (*open_scans)(const ProbeOptions& options) = nullptr;
-  // Reads the chain; every row has it. Throws Unsupported where the probe says nothing of it.
+  // Reads the chain; never null. Throws Unsupported if the probe cannot report its chain.
   Chain (*read_chain)(const ProbeOptions& options) = nullptr;
-  // Returns the one TAP that scripts scan; throws Unsupported where the options leave it open. Null
-  // where scripts scan the whole chain.
+  // Returns the index of the only TAP that scripts scan. Throws Unsupported if the options do not
+  // choose one. Null if scripts scan the whole chain.
   std::size_t (*only_tap)(const Chain& chain, const ProbeOptions& options) = nullptr;
 
   bool ShowsPins() const { return open_pins != nullptr; }
@@ -56,23 +56,23 @@ const std::vector<ProbeKind>& ProbeKinds();
 struct ProbeOptions {
   const ProbeKind* kind = &ProbeKinds().front();
   Endpoint endpoint;
-  std::string tap;                          // empty: the only one
-  std::chrono::milliseconds timeout{5000};  // for its answers
-  std::shared_ptr<SpawnedCommand> spawned;  // runs its server, and is started for the connection
+  std::string tap;                          // the name of its TAP; empty: it has only one
+  std::chrono::milliseconds timeout{5000};  // the longest wait for an answer
+  std::shared_ptr<SpawnedCommand> spawned;  // starts its server before the connection; may be null
   std::string spawn_log;                    // the file for the command's output; may be empty
   TargetOptions target;                     // of the simulated probe
   ChainPlace place;                         // of the TAP that scripts address
-  bool measures_place = false;              // the place is yet to be read from the chain
+  bool measures_place = false;              // `place` must still be read from the chain
 
-  // Whether there are TAPs beside the one that scripts address, or may be.
+  // Returns whether there are, or may be, TAPs beside the one that scripts address.
   bool ChoosesTap() const { return measures_place || place.ir_lengths.size() > 1; }
-  // The probe as the user names it.
+  // Returns the name of the probe for messages.
   std::string Name() const;
 };
 
-// Reads the value of --probe; throws std::invalid_argument that says what is expected.
+// Reads the value of --probe. Throws std::invalid_argument, which says what is expected.
 void ParseProbe(const std::string& text, ProbeOptions& options);
-// The help text of --probe, and the one for serve.
+// Return the help text of --probe: for most verbs, and for serve.
 std::string ProbeHelp();
 std::string ServedProbeHelp();
 

@@ -15,7 +15,7 @@ std::unique_ptr<Session> OpenSession(PinPort& port) {
   return std::make_unique<Kind>(port);
 }
 
-// Returns the names of all rows, `mark` after the first.
+// Returns the names of all rows, with `mark` after the first one.
 std::string ProtocolNames(const std::string& mark) {
   std::string names;
   for (const ProtocolKind& kind : ProtocolKinds()) {

@@ -1,5 +1,4 @@
-// The protocols that serve --protocol chooses from. A new one is its Session, and a row in
-// protocols.cpp.
+// The protocols of serve --protocol. To add one, write its Session and a row in protocols.cpp.
 #ifndef ICESCRIPT_HOST_TABLES_PROTOCOLS_H_
 #define ICESCRIPT_HOST_TABLES_PROTOCOLS_H_
 
@@ -14,17 +13,17 @@ namespace icehost {
 
 struct ProtocolKind {
   const char* name;   // the value of --protocol
-  const char* title;  // in messages
-  // Returns a session on the pins, which must outlive it.
+  const char* title;  // its name in messages
+  // Returns a session that plays on `port`, which must outlive it.
   std::unique_ptr<Session> (*open)(PinPort& port);
 };
 
 // Returns all rows. The first is the default.
 const std::vector<ProtocolKind>& ProtocolKinds();
 
-// Returns the row of that name; throws std::invalid_argument that says what is expected.
+// Returns the row with this name. Throws std::invalid_argument, which says what is expected.
 const ProtocolKind& ParseProtocol(const std::string& name);
-// The help text of --protocol.
+// Returns the help text of --protocol.
 std::string ProtocolHelp();
 
 }  // namespace icehost

@@ -1,4 +1,5 @@
-// The bits of a register or of a scan, the first to be shifted first.
+// Bits of a register or scan, in the order in which they are shifted: the lowest bit first. In
+// bytes, bit 0 of byte 0 is the first.
 #ifndef ICESCRIPT_HOST_TARGET_BITS_H_
 #define ICESCRIPT_HOST_TARGET_BITS_H_
 
@@ -12,30 +13,30 @@ namespace icehost {
 
 using Bits = std::vector<bool>;
 
-// Returns the `length` lowest bits of a number; zeros above the 64th.
+// Returns the `length` lowest bits of a number; bits above the 64th are 0.
 Bits BitsOfNumber(std::uint64_t number, int length);
-// Returns the lowest 64 bits as a number.
+// Returns the first 64 bits as a number; the first bit is bit 0.
 std::uint64_t NumberOfBits(const Bits& bits);
 
 // Returns bits `first` to `end - 1`.
 Bits Slice(const Bits& bits, std::size_t first, std::size_t end);
 
-// Returns bits `first` to `end - 1` of bytes, least significant first; none if end <= first.
+// Returns bits `first` to `end - 1` of `bytes`; none if end <= first.
 Bits BitsOfBytes(const std::uint8_t* bytes, int first, int end);
-// Returns the first `count` bits of such bytes; zeros beyond them.
+// Returns the first `count` bits of `bytes`; bits beyond the bytes are 0.
 Bits BitsOfBytes(const std::string& bytes, std::size_t count);
-// Stores at most `limit` bits in bytes that are zero before.
+// Stores at most `limit` bits in `bytes`, which must be zero.
 void StoreBits(const Bits& bits, int limit, std::uint8_t* bytes);
 
-// Returns all bits in bytes, the last of them filled with zeros.
+// Returns the bits as bytes; unused bits of the last byte are 0.
 std::vector<std::uint8_t> BytesOfBits(const Bits& bits);
 
-// Returns bytes that are least significant first as one number: "0x" and two digits for each.
+// Returns bytes, least significant first, as one number: "0x" and two digits for each byte.
 std::string ByteText(const std::uint8_t* bytes, std::size_t count);
 std::string ByteText(std::string_view bytes);
-// Returns bits as such a number, the last of them first.
+// Returns bits as such a number; the last bit is the most significant.
 std::string BitText(const Bits& bits);
-// Returns the bytes of a register as a script lists them, such as "0x01,0x02"; "0x00" for no bits.
+// Returns bytes as a script lists them, such as "0x01,0x02"; "0x00" if there are no bits.
 std::string ByteList(const Bits& bits);
 std::string ByteList(std::string_view bytes);
 

@@ -9,28 +9,28 @@
 
 namespace icehost {
 
-// No chain is longer than this.
+// The largest number of TAPs in a chain that icehost supports.
 constexpr int kMostTaps = 64;
 
 enum class TapColumn { kIr, kDr };
 
-// The TAP that scripts address, among others that stay in BYPASS. The first TAP is the nearest to
-// TDO: its bits are the first to be shifted, in and out.
+// The TAP that scripts address; the others of its chain stay in BYPASS. TAP 0 is the nearest to
+// TDO: its bits are shifted first, in and out.
 struct ChainPlace {
-  std::vector<int> ir_lengths;  // of all TAPs; empty: not known, and the TAP is taken to be alone
-  std::size_t tap = 0;          // its index
+  std::vector<int> ir_lengths;  // of all TAPs, in bits; empty: unknown; the TAP counts as alone
+  std::size_t tap = 0;          // its index, from 0
 
-  // The bits of the TAPs before and after this one.
+  // Return the number of bits that a scan shifts before and after those of this TAP.
   std::size_t Before(TapColumn column) const;
   std::size_t After(TapColumn column) const;
-  // Returns what the whole chain shifts, so that the TAP gets these bits: ones around those of an
-  // IR, the instruction BYPASS, and zeros around those of a DR.
+  // Returns the bits to shift through the whole chain, so that this TAP gets `own`. The other TAPs
+  // get ones in an IR scan (the instruction BYPASS) and zeros in a DR scan.
   Bits Whole(TapColumn column, const Bits& own) const;
-  // Returns the TAP's bits among those of the whole chain, which are no fewer than the others'.
+  // Returns this TAP's bits of `whole`, which must have at least Before + After bits.
   Bits Own(TapColumn column, const Bits& whole) const;
 };
 
-// What a scan shifts through all TAPs of a chain.
+// The bits that a scan shifts into and out of all TAPs of a chain, the first bit first.
 struct ChainScan {
   Bits ir_in;
   Bits ir_out;

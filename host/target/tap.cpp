@@ -7,7 +7,7 @@ using S = TapState;
 
 constexpr struct {
   const char* name;
-  TapState tms_low;  // the state after a rising TCK edge
+  TapState tms_low;  // the next state if TMS is low at a rising edge of TCK
   TapState tms_high;
 } kStates[kTapStates] = {
     {"Test-Logic-Reset", S::kRunTestIdle, S::kTestLogicReset},
@@ -32,7 +32,7 @@ constexpr unsigned BitOf(TapState state) {
   return 1U << static_cast<unsigned>(state);
 }
 
-// Returns the states that one edge reaches from any of these, a bit for each.
+// Returns the states that one TCK edge reaches from any of `states`; each bit is a state.
 unsigned StatesAfter(unsigned states) {
   unsigned after = 0;
   for (int i = 0; i < kTapStates; ++i) {

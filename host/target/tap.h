@@ -1,4 +1,4 @@
-// The test access port controller of IEEE 1149.1: its sixteen states and the ways between them.
+// The TAP controller of IEEE 1149.1: its sixteen states and the transitions between them.
 #ifndef ICESCRIPT_HOST_TARGET_TAP_H_
 #define ICESCRIPT_HOST_TARGET_TAP_H_
 
@@ -8,7 +8,7 @@
 
 namespace icehost {
 
-// In the order of the standard's state diagram, so that the IR column is the DR column plus 7.
+// In the order of the standard's state diagram: each IR state is its DR counterpart + 7.
 enum class TapState {
   kTestLogicReset,
   kRunTestIdle,
@@ -29,29 +29,29 @@ enum class TapState {
 };
 constexpr int kTapStates = 16;
 
-// Returns the state's name in the standard, such as "Shift-DR".
+// Returns the name of the state in the standard, such as "Shift-DR".
 const char* TapStateName(TapState state);
 
-// TCK edges with TMS high that reach Test-Logic-Reset from any state.
+// After this many TCK edges with TMS high, the TAP is in Test-Logic-Reset, whatever its state was.
 constexpr int kTapResetEdges = 5;
 
-// Returns the state after a rising TCK edge.
+// Returns the state after a rising TCK edge with this level of TMS.
 TapState NextTapState(TapState state, bool tms);
 
-// Returns the TMS level of the first edge on the shortest way between two different states.
+// Returns the level of TMS for the first edge of the shortest path between two different states.
 bool TmsTowards(TapState from, TapState to);
 
-// Follows a TAP from outside, by the levels of the wires.
+// Follows the state of a TAP by the levels of the wires.
 class TapTracker {
  public:
-  // The wires (GPIO_PIN_ bits) change to `wires`. They are high before the first call.
+  // Records the new levels of the wires (GPIO_PIN_ bits). All are high before the first call.
   void Update(int wires);
 
-  // Makes the state unknown, as at the beginning.
+  // Makes the state unknown, as it is at the beginning.
   void Forget();
-  // Unknown until TRST has been low or TMS high for five rising edges of TCK.
+  // Returns the state, or nothing until TRST is low or TMS is high for five TCK edges in a row.
   std::optional<TapState> State() const { return state_; }
-  // Rising edges of TCK so far.
+  // Returns the number of rising edges of TCK so far.
   long TckCycles() const { return tck_cycles_; }
 
  private:

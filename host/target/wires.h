@@ -6,7 +6,7 @@
 
 namespace icehost {
 
-// The names of the pins, lowest bit first.
+// The names of the pins, in the order of the GPIO_PIN_ bits.
 constexpr const char* kPinNames[] = {"NRST", "TRST", "TCK", "TMS", "TDI", "TDO"};
 constexpr int kPinCount = 6;
 
@@ -14,17 +14,16 @@ constexpr int kResetPins = GPIO_PIN_NRST | GPIO_PIN_TRST;
 // The pins that a probe drives in a scan; the target drives TDO.
 constexpr int kDrivenPins = GPIO_PIN_ALL & ~GPIO_PIN_TDO;
 
-// Returns the levels of the wires when the probe puts out `levels` on the pins in `enables`: the
-// others float high.
+// Returns the levels of the wires: pins that are not in `enables` float high (GPIO_PIN_ bits).
 constexpr int WireLevels(int levels, int enables) {
   return (levels | ~enables) & GPIO_PIN_ALL;
 }
 
-// The longest register that a scan over two wires carries whole, in bits: the interface's own byte
-// displaces the 33rd.
+// The longest register, in bits, that a scan over two wires can carry. The interface adds a byte,
+// which displaces the 33rd byte of a longer register.
 constexpr int kMostTwoWireBits = 256;
 
-// The names of the wire modes, by CDI_ANSWER_.
+// The names of the wire modes, indexed by CDI_ANSWER_.
 constexpr const char* kInterfaceNames[] = {"jtag5", "2wire", "cjtag2"};
 constexpr int kInterfaces = 3;
 

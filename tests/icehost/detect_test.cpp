@@ -1,4 +1,4 @@
-// What icehost detect finds: chains that are sound, and those that are not.
+// icehost detect on chains with and without faults.
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -28,11 +28,11 @@ struct TapKind {
   int ir_bits;
   std::optional<std::uint32_t> idcode;
   std::uint64_t captured_ir = 1;
-  std::size_t bypass_bits = 1;  // one, unless it is broken
+  std::size_t bypass_bits = 1;  // another number in a broken TAP
 };
 
-// A TAP of IEEE 1149.1 that knows IDCODE (instruction 1, if it has one) and BYPASS, left in
-// Shift-DR by whoever used it before.
+// A TAP of IEEE 1149.1 with BYPASS and, if it has an IDCODE, instruction 1 for it. It starts in
+// Shift-DR, where an earlier user may have left it.
 class ChainedTap {
  public:
   explicit ChainedTap(const TapKind& kind) : kind_(kind) {}
@@ -55,7 +55,7 @@ class ChainedTap {
     state_ = icehost::NextTapState(state_, tms);
   }
 
-  // Instructions other than BYPASS, at an Update-IR.
+  // Returns 1 if this edge loads an instruction other than BYPASS, else 0.
   int LowerTck() {
     const bool updates = state_ == TapState::kUpdateIr && was_ != state_;
     was_ = state_;
@@ -68,7 +68,7 @@ class ChainedTap {
  private:
   TapKind kind_;
   TapState state_ = TapState::kShiftDr;
-  TapState was_ = state_;  // at the last falling edge
+  TapState was_ = state_;  // the state at the last falling edge
   std::uint64_t instruction_ = 0;
   Bits shift_ = {false};
   bool tdo_ = true;
@@ -76,10 +76,10 @@ class ChainedTap {
 
 class ChainPort : public icehost::PinPort {
  public:
-  // What is read in place of the level on TDO, sample by sample.
+  // Returns the level to read instead of `tdo`; samples are numbered from 0.
   using Fault = std::function<bool(bool tdo, int sample)>;
 
-  // The first TAP is the nearest to TDO. Where `tdi` has a level, TDI is stuck there.
+  // The first TAP is the nearest to TDO. If `tdi` has a value, TDI is stuck at this level.
   explicit ChainPort(const std::vector<TapKind>& taps, Fault fault = nullptr,
                      std::optional<bool> tdi = std::nullopt)
       : taps_(taps.begin(), taps.end()), fault_(std::move(fault)), tdi_(tdi) {}
@@ -106,12 +106,12 @@ class ChainPort : public icehost::PinPort {
   Bits CollectTdo() override { return std::exchange(samples_, {}); }
 
   const std::vector<ChainedTap>& Taps() const { return taps_; }
-  int resets = 0;        // writes with NRST or TRST low
-  int instructions = 0;  // that were loaded and are not BYPASS
+  int resets = 0;        // number of writes with NRST or TRST low
+  int instructions = 0;  // number of loaded instructions other than BYPASS
 
  private:
   void Raise(bool tms, bool tdi) {
-    // Each takes what the one before it had put out.
+    // Each TAP shifts in the level that its neighbour had on TDO before this edge.
     for (std::size_t i = 0; i < taps_.size(); ++i) {
       taps_[i].RaiseTck(tms, i + 1 < taps_.size() ? taps_[i + 1].Tdo() : tdi);
     }
@@ -141,12 +141,12 @@ constexpr std::nullopt_t kNone = std::nullopt;
 constexpr std::uint32_t kOne = 0x1CE51001;
 constexpr std::uint32_t kArm = 0x4BA00477;
 
-// What stands in parentheses at the end is for people.
+// Returns the fault without the advice to the user, in parentheses at the end.
 std::string WithoutAdvice(const std::string& fault) {
   return fault.substr(0, fault.back() == ')' ? fault.rfind(" (") : fault.size());
 }
 
-// "1ce51001/5 -/?; 12 bits; note; !fault": the TAPs with their IR lengths, and what else is told.
+// Returns IDCODEs with IR lengths, and everything else: "1ce51001/5 -/?; 12 bits; note; !fault".
 std::string Told(const Chain& chain) {
   std::ostringstream text;
   for (const icehost::ChainTap& tap : chain.taps) {
@@ -164,7 +164,7 @@ std::string Told(const Chain& chain) {
 const ChainPort::Fault kStuckLow = [](bool, int) { return false; };
 const ChainPort::Fault kStuckHigh = [](bool, int) { return true; };
 const ChainPort::Fault kInverted = [](bool tdo, int) { return !tdo; };
-// From one sample on.
+// After so many samples TDO is high.
 ChainPort::Fault LostAfter(int samples) {
   return [=](bool tdo, int sample) { return tdo || sample >= samples; };
 }
@@ -175,7 +175,7 @@ bool Floats(bool /*tdo*/, int sample) {
   return (static_cast<unsigned>(sample) * 2654435761U >> 13 & 1) != 0;
 }
 
-// Samples of the two readings of IDCODEs, of IRs and of BYPASS of a chain of up to four TAPs.
+// Samples in one reading of the IDCODEs and of the IRs of up to four TAPs. There are two of each.
 constexpr int kOfIdcodes = 4 * 32 + 64;
 constexpr int kOfIrs = 256 + 64;
 
@@ -199,7 +199,7 @@ TEST(Detect, ReadsChains) {
        "or 8+8 or ..."},
       {{{4, kOne}, {4, kOne}, {4, kOne}, {4, kOne}, {4, kOne}},
        "1ce51001/4 1ce51001/4 1ce51001/4 1ce51001/4 1ce51001/4; 20 bits"},
-      // Not sound.
+      // Chains with faults.
       {{{5, kOne}}, "; !nothing answers: TDO is all zeros", kStuckLow},
       {{{5, kOne}}, "; !nothing answers: TDO is all ones", kStuckHigh},
       {{{5, kOne}},
@@ -297,7 +297,7 @@ TEST(Detect, WritesNoJtagScriptOfALongChain) {
   }
 }
 
-// What OpenOCD 0.12 says, and the table that it prints.
+// Messages of OpenOCD 0.12, and the table that it prints.
 TEST(Detect, TakesOpenocdsWord) {
   const std::string head =
       "   TapName             Enabled  IdCode     Expected   IrLen IrCap IrMask\n"
@@ -319,7 +319,7 @@ TEST(Detect, TakesOpenocdsWord) {
        "a.tap1ce51001/5 b.tap-/4; c.tap is declared, but disabled: it is not in the chain"},
       {"TAP a.tap does not have valid IDCODE (idcode=0x0)\n", head + one,
        "a.tap-/5; !TAP 1 (a.tap): it has no IDCODE, expected 0x1ce51001"},
-      // The table's IDCODE is an old one.
+      // The IDCODE in the table is out of date.
       {"JTAG scan chain interrogation failed: all ones\n", head + one,
        "a.tap-/5; !OpenOCD: JTAG scan chain interrogation failed: all ones; !TAP 1 (a.tap): "
        "OpenOCD read nothing"},
@@ -350,7 +350,7 @@ TEST(Detect, NamesManufacturers) {
   const struct {
     std::uint32_t idcode;
     const char* described;
-    const char* known = "";  // to OpenOCD
+    const char* known = "";  // the name that OpenOCD knows
   } kIdcodes[] = {
       {kArm, "version 4, part 0xba00, manufacturer 0x23b (bank 5, code 0x3b: ARM)"},
       {kArm, "version 4, part 0xba00, manufacturer 0x23b (bank 5, code 0x3b: A)", "A"},
@@ -371,7 +371,7 @@ TEST(Detect, NamesManufacturers) {
   }
 }
 
-// OpenOCD has a table of its own.
+// OpenOCD has its own table of manufacturers.
 TEST(Detect, NamesManufacturersAsOpenocdDoes) {
   std::map<std::string, std::string> names;  // by IDCODE
   std::vector<Taps> chains;
@@ -379,7 +379,7 @@ TEST(Detect, NamesManufacturersAsOpenocdDoes) {
     const std::uint32_t idcode = kArm - 0x476 + (number << 1);
     const std::string name = icehost::ManufacturerName(icehost::ManufacturerOf(idcode));
     if (name.empty()) continue;
-    // OpenOCD looks for up to 20 TAPs.
+    // OpenOCD finds at most 20 TAPs.
     if (names.size() % 20 == 0) chains.emplace_back();
     chains.back().push_back({5, idcode});
     char text[9];
@@ -401,26 +401,27 @@ TEST(Detect, NamesManufacturersAsOpenocdDoes) {
             .output;
     for (std::sregex_iterator tap(log.begin(), log.end(), found), end; tap != end; ++tap) {
       const std::string name = names[(*tap)[1]];
-      EXPECT_NE((*tap)[2].str().find(name), std::string::npos) << name << " is " << (*tap)[2];
+      EXPECT_NE((*tap)[2].str().find(name), std::string::npos)
+          << name << ", but OpenOCD: " << (*tap)[2];
       names.erase((*tap)[1]);
     }
   }
   EXPECT_TRUE(names.empty()) << names.begin()->second;
 }
 
-// The scripts pass on the chain that they were made for, with the instructions filled in too, and
-// on no other.
+// The scripts pass on the chain that they were made for, also with the instructions filled in, and
+// fail on other chains.
 TEST(Detect, WritesScriptsThatPass) {
   const Taps chain = {{5, kOne}, {4, kNone}, {8, kArm}};
   const Taps older = {{5, kOne}, {4, kNone}, {8, kArm & 0x0FFFFFFF}};  // another version
   const Taps other = {{5, kOne}, {4, kNone}, {8, kArm + 0x1000}};
   const Taps shorter = {{5, kOne}, {12, kArm}};
-  // IDCODE is 1; the rest of the 17 bits is BYPASS.
+  // The instruction IDCODE is 1. The other TAPs of the 17 bits have BYPASS.
   const std::string fill =
       "sed -e 's/^#\\([A-Z[]\\)/\\1/' "
       "-e '/^.READ_IDCODE_1/,/^DR/s/IR=17,.*/IR=17,0xe1,0xff,0x01/' "
       "-e '/^.READ_IDCODE_3/,/^DR/s/IR=17,.*/IR=17,0xff,0x03,0x00/'";
-  // Runs a command with the option for a probe with this chain in place of a %.
+  // Runs a command in which % is replaced by the option for a probe with this chain.
   const auto run_on = [](const Taps& taps, std::string command) {
     ChainPort port(taps);
     const LocalServer server([&port](asio::ip::tcp::socket& client) { Serve(port, client); });

@@ -1,4 +1,4 @@
-// Expectations that icehost learns from a run.
+// The expectations that icehost run --learn writes.
 #include <gtest/gtest.h>
 
 #include <map>
@@ -16,8 +16,8 @@ std::string Idcode(const std::string& lines) {
   return "[ID]\nIR=5,1\nDR=R,32,0,0,0,0\n" + lines;
 }
 
-// A good run becomes a test that passes. New values have the form of old ones, and everything else
-// stays as it is.
+// The learned script passes. New values are written like the old ones, and everything else stays as
+// it is.
 TEST(Expectations, AreLearned) {
   const struct {
     std::string script;
@@ -64,7 +64,7 @@ TEST(Expectations, AreLearned) {
     EXPECT_EQ(file.Text(), run.script);
     EXPECT_EQ(RunIcehost("run -q " + learned.Name()).status, 0) << run.learned;
   }
-  // A script that would not pass, or a run that failed, leaves what was there.
+  // If the learned script would not pass, or the run fails, the file does not change.
   const TempFile old("as it was");
   for (const TempFile& refused : {TempFile(Gpio("PRINT=GPIO_IN #" + std::string(2025, 'x') + "\n")),
                                   TempFile(Idcode("TDO=0,0,0,0 # " + std::string(2033, 'x'))),

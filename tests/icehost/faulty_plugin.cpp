@@ -1,5 +1,5 @@
-// A plug-in that does less than a script says, in the way that the variable FAULT names: by default
-// it does nothing and reports success.
+// A plug-in that does not run the script. The environment variable FAULT selects what it does
+// instead; by default it only returns success.
 #include <cstdlib>
 #include <stdexcept>
 #include <string_view>

@@ -1,4 +1,4 @@
-// icehost as a user runs it: command line, exit status, output.
+// Runs icehost as a user does, and checks exit status and output.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -19,10 +19,10 @@ namespace {
 
 const std::string kGolden = ICESCRIPT_SOURCE "/tests/golden/";
 
-// With ICESCRIPT_UPDATE_GOLDEN set the golden files are written, not compared.
+// If ICESCRIPT_UPDATE_GOLDEN is set, the tests write the golden files instead of comparing.
 const bool kUpdate = std::getenv("ICESCRIPT_UPDATE_GOLDEN") != nullptr;
 
-// The commands of tests/golden/commands.txt against the golden files.
+// Runs the commands in tests/golden/commands.txt, and compares their output with golden files.
 TEST(Icehost, RunsAsGolden) {
   std::ifstream rows(kGolden + "commands.txt");
   ASSERT_TRUE(rows.is_open());
@@ -42,8 +42,8 @@ TEST(Icehost, RunsAsGolden) {
   }
 }
 
-// Sessions of many short commands: after each "$ COMMAND" come its output and its messages, then
-// "= STATUS".
+// A session file contains short commands. Each "$ COMMAND" is followed by its output and messages,
+// and then by "= STATUS".
 TEST(Icehost, AnswersAsInSessions) {
   const std::string surroundings =
       "exec 2>&1; MODULE=" ICESCRIPT_MODULE " FAULTY_PLUGIN=" ICESCRIPT_FAULTY_PLUGIN "; ";
@@ -67,7 +67,7 @@ TEST(Icehost, AnswersAsInSessions) {
   }
 }
 
-// Nothing that a terminal obeys passes, and each character keeps its column.
+// Control characters are replaced, and each character keeps its column.
 TEST(Icehost, PrintsNoControls) {
   const struct {
     std::string_view text;
@@ -75,14 +75,14 @@ TEST(Icehost, PrintsNoControls) {
   } kTexts[] = {
       {std::string_view("a\0b\t\x1b[2J\x7f\r~", 11), "a b\t [2J  ~"},
       {"\xc3\xa9\xe2\x82\xac\xf0\x9f\x94\xa7", "\xc3\xa9\xe2\x82\xac\xf0\x9f\x94\xa7"},
-      {"\xc2\x80\xc2\x9b\xc2\x9f\xc2\xa0", "   \xc2\xa0"},  // C1, a no-break space
+      {"\xc2\x80\xc2\x9b\xc2\x9f\xc2\xa0", "   \xc2\xa0"},  // C1 controls, a no-break space
       {"\x80\x9b\xbf\xc3(\xc3",
        "???"
-       "?(?"},                                                           // stray, cut short
-      {"\xc0\x9b\xe0\x82\x9b\xf0\x80\x82\x9b", "?????????"},             // overlong
-      {"\xc1\xbf\xe0\x9f\xbf\xf0\x8f\xbf\xbf", "?????????"},             // the highest of them
-      {"\xed\xa0\x80\xf4\x90\x80\x80\xff", "????????"},                  // beyond Unicode
-      {"\xef\xbf\xbf\xf4\x8f\xbf\xbf", "\xef\xbf\xbf\xf4\x8f\xbf\xbf"},  // its ends
+       "?(?"},                                                // stray and missing bytes
+      {"\xc0\x9b\xe0\x82\x9b\xf0\x80\x82\x9b", "?????????"},  // overlong forms
+      {"\xc1\xbf\xe0\x9f\xbf\xf0\x8f\xbf\xbf", "?????????"},  // the highest overlong forms
+      {"\xed\xa0\x80\xf4\x90\x80\x80\xff", "????????"},       // not in Unicode
+      {"\xef\xbf\xbf\xf4\x8f\xbf\xbf", "\xef\xbf\xbf\xf4\x8f\xbf\xbf"},  // U+FFFF, U+10FFFF
       {"\xe2\x80\xa7\xe2\x80\xa8\xe2\x80\xae\xe2\x80\xac\xe2\x80\xaf",
        "\xe2\x80\xa7   \xe2\x80\xaf"},
   };
@@ -102,7 +102,7 @@ void BeInterruptedAtWork() {
   std::this_thread::sleep_for(std::chrono::seconds(10));
 }
 
-// The outputs are completed when the main thread is away, and not before.
+// A Rescue completes the outputs only when the main thread does not work on them.
 TEST(Rescue, WaitsForTheMainThread) {
   testing::FLAGS_gtest_death_test_style = "threadsafe";
   EXPECT_EXIT(BeInterruptedAtWork(), testing::ExitedWithCode(130), "worked, completed");

@@ -8,10 +8,10 @@
 #include <thread>
 #include <utility>
 
-// Serves one client after the other on a port of this machine, for as long as it lives.
+// A server on a port of this machine. It serves one client after the other until it is destroyed.
 class LocalServer {
  public:
-  // What the server does with a client. An operation on the socket that fails ends it.
+  // Serves one client. It may end with an asio::system_error, as when the client has left.
   using Session = std::function<void(asio::ip::tcp::socket& client)>;
 
   explicit LocalServer(Session session)

@@ -1,7 +1,7 @@
 #!/usr/bin/python3 -B
-"""The manual page and the shells' completions, held to what icehost's own help says.
+"""Compares the manual page and the completions of the shells with the help of icehost.
 
-usage: manual.py ICEHOST SOURCE_FOLDER. The page lies next to icehost.
+usage: manual.py ICEHOST SOURCE_FOLDER. The page is in the folder of icehost.
 """
 import os
 import re
@@ -17,7 +17,7 @@ os.environ.update(XDG_RUNTIME_DIR=FOLDER.name, TERM="dumb", LC_ALL="C.UTF-8")
 
 
 def options_in(text):
-    """The names of each option in a help text, with the form of its value."""
+    """Returns the names of each option in a help text, with the form of its value."""
     options = {}
     for names, value, told in re.findall(r"^  (-\S+)(?: (\S+))?(.*)$", text, re.M):
         options[tuple(names.split(","))] = "=[FILE]" if f" {names}=FILE" in told else value
@@ -45,7 +45,7 @@ def check_page():
     parts = re.split(r"^ {0,3}(\S.*)\n", page, flags=re.M)
     sections = dict(zip(parts[1::2], parts[2::2]))
     heads = {name: re.findall(r"^     (\S.*)$", text, re.M) for name, text in sections.items()}
-    # The text of a short option begins on the line of its name.
+    # The text of an option with a short name begins on the same line.
     options = {name: sorted(head.split("  ")[0] for head in lines if head[0] == "-")
                for name, lines in heads.items()}
     expect("global options", options["DESCRIPTION"], heads_of(GLOBAL))
@@ -63,7 +63,7 @@ def check_page():
          re.findall(r"(?:status:|;) (\d+) ", HELP))
     expect("version", "icehost " + re.findall(r"icescript (\d\S+)", page)[-1] + "\n",
          output(ICEHOST, "--version"))
-    # Whether the pages that it refers to are installed is another matter.
+    # The pages that it refers to need not be installed.
     lint = output("mandoc", "-T", "lint", "-W", "style", PAGE).splitlines()
     expect("mandoc", [line for line in lint if not re.search("manual not found|mandoc.db", line)], [])
     expect("groff", output("groff", "-mdoc", "-Tutf8", "-ww", "-z", PAGE), "")
@@ -72,11 +72,11 @@ def check_page():
     examples = "\n".join(re.findall(r"^ +\$ (icehost (?!.*(?:localhost|unix)).*)$", page, re.M))
     told = output("bash", "-exc", examples.replace("/usr/share/doc/icescript", SOURCE))
     if "Script End." not in told or "again.ini" not in os.listdir():
-        failures.append(f"EXAMPLES: {told}")
+        failures.append(f"the commands in EXAMPLES failed: {told}")
 
 
-# Each shell runs at a terminal, and its icehost prints the words that it is given. A key of bash
-# and zsh puts in all that they offer; fish tells it.
+# Each shell runs in a terminal, with a function `icehost` that prints its arguments. In bash and
+# zsh a key inserts all completions; in fish a command prints them.
 ALL = "\x18a"
 PRINT_WORDS = "icehost() { printf '<%s>' \"$@\"; echo E''ND; }; PS1='RE''ADY '; icehost"
 SHELLS = {
@@ -117,7 +117,7 @@ for verb, options in OPTIONS.items():
                                              if probe in PROBE_HELP[verb]}
         elif value:
             OFFERED[f"{verb} -q {name} "] = VALUES[value]
-# Keys, and the words that they make of the line; a tab completes.
+# Typed keys, of which a tab completes a word, and the words of the resulting line.
 TYPED = {
     "run tw\t": ["run", "two words.ini"],
     "run 'tw\t": ["run", "two words.ini"],
@@ -157,7 +157,7 @@ def check_shell(name):
             offered = words_of(f"icehost ({told})")
         else:
             offered = words_of(f"icehost {beginning}{ALL}")[len(before.split()):]
-        expect(f"{name} behind {beginning!r}", set(offered) - {"", begun}, wanted)
+        expect(f"{name} after {beginning!r}", set(offered) - {"", begun}, wanted)
     for keys, wanted in TYPED.items():
         expect(f"{name}, typed {keys!r}", words_of(f"icehost {keys}"), wanted)
     shell.close(force=True)

@@ -1,9 +1,9 @@
 #!/usr/bin/python3 -B
-"""What `icehost check` says of scripts, against the tables of a manual: each text and each hint has a
-row, and each row is shown by some script.
+"""Compares the messages of `icehost check` with the tables in a document: each message and each
+hint has a row, and for each row there is a test script that causes the message.
 
-usage: messages.py ICEHOST SOURCE_FOLDER. In a table `<...>` stands for any text, and a hint in
-parentheses at the end may be missing.
+usage: messages.py ICEHOST SOURCE_FOLDER. In a table `<...>` means any text, and a hint in
+parentheses at the end is optional.
 """
 import glob
 import re
@@ -34,12 +34,12 @@ def compare(manual, found):
         matches = {row: match for row in rows if row[0] == kind and (match := row[1].fullmatch(text))}
         left -= matches.keys()
         if not matches:
-            failures.append(f"no row: {kind or 'hint'}: {text}")
+            failures.append(f"{manual} has no row for: {kind or 'hint'}: {text}")
         hints = [match[1] for match in matches.values() if match.re.groups and match[1]]
         found += [("", hint) for hint in hints]
-    failures.extend(f"no script shows: {row.pattern}" for _, row in left)
+    failures.extend(f"no script causes: {row.pattern}" for _, row in left)
     if not rows:
-        failures.append("no table")
+        failures.append(f"{manual} has no table of messages")
 
 
 def check_jtag_scripts():

@@ -196,7 +196,8 @@ PAGES = {
     "two wires": (["examples/two_wire.ini", "examples/read_idcode.gpio"], ""),
     "many reads": (["--keep-going", "-"],
                    f"[ZEVA_ICE_GPIO]\nSTART\nGPIO_OE=0x1F\nREPT=400\nTCK=1\n{READ} # expect TCK=1\n"
-                   f"TCK=0\n{READ}\nTDI=1\n{READ} # expect TDI=0\nENDR\nEND\n"),
+                   f"TCK=0\n{READ}\nTDI=1\n{READ} # expect TDI=0\n{READ}\n"
+                   "ENDR\nEND\n"),
 }
 MOVES = "tests/golden/page_moves.txt"
 OUTLINE = "tests/golden/page_outline.txt"

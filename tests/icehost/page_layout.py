@@ -49,7 +49,8 @@ def check_printed():
     """All of the script, the operations and the waveform, whatever the screen shows of it."""
     runs = ((["examples/read_idcode.gpio"], ""), (["--keep-going", "-"], LONG),
             ([*FAILING, "examples/scratch_register.ini", "examples/read_idcode.ini"], ""))
-    for (arguments, script), (width, scheme) in zip(runs, ((1280, "light"), (700, "dark"), (400, "light"))):
+    screens = ((1280, "light"), (700, "dark"), (400, "light"))
+    for (arguments, script), (width, scheme) in zip(runs, screens):
         show(*arguments, script=script)
         set_screen(width, scheme)
         what = f"{arguments} from {width} pixels: "

@@ -25,7 +25,7 @@ const straight = [...register.querySelectorAll(".block")].every((block) => {
   return others.every((line) => line.length === ends.length &&
     line.every((end, at) => Math.abs(end - ends[at]) < 1)) && block.scrollWidth <= block.clientWidth;
 });
-const detail = document.getElementById("detail");
+const detail = document.getElementById("detail-area");
 return [lines, straight && detail.scrollWidth <= detail.clientWidth];"""
 
 
@@ -85,7 +85,7 @@ def check_bits():
                 for text in (digits(value), str(value), f"0b{value:0{bits}b}")])
         if wrong:
             expect("lowest in sight", js(
-                "const [a, b] = ['#detail', '.register .block.faulty:nth-last-child(1 of .faulty)'].map("
+                "const [a, b] = ['#detail-area', '.register .block.faulty:nth-last-child(1 of .faulty)'].map("
                 "(one) => document.querySelector(one).getBoundingClientRect());"
                 "return b.top >= a.top - 1 && b.bottom <= a.bottom + 1"), True)
     set_screen(1280)
@@ -147,6 +147,7 @@ def check_search():
     # What is searched, the number of matches, and parts of those that are shown one after the other.
     for query, count, shown in (
             ("GPIO_data_", 601, reads[:3]),
+            ("examples/read_idcode.ini", 2, ["examples/read_idcode.ini"] * 2),
             ("out tck", 600, [written] * 3),
             ("(begin.*)", 1, ["GPIO_OE=0x1F # (Begin.*)"] * 2),
             ("# 0x1ce51001", 1, ["TDO=0x01,0x10,0xe5,0x1c       # 0x1ce51001"]),
@@ -199,7 +200,8 @@ def check_failures():
             (lambda: browser.find_element("id", "failure-next").click(), 1),
             (lambda: js("pickRow(rows[30])"), None),
             (lambda: press("n"), next(i for i, row in enumerate(fails) if row > 30) + 1),
-            (lambda: press("/", "n"), None), (lambda: press(Keys.ESCAPE, Keys.ESCAPE, "p"), None)):
+            (lambda: press("/", "captured"), 1), (lambda: press(Keys.ESCAPE, "p"), 1),
+            (lambda: press(Keys.BACKSPACE, Keys.ESCAPE, "p"), 600)):
         deed()
         settle()
         if number is not None:

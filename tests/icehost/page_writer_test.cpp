@@ -1,5 +1,5 @@
-// What a page keeps of a run, and that no text in it is taken for markup; tests/icehost/page.py
-// looks at pages in a browser.
+// The limits of a page for a long run, and the escaping of text in it. tests/icehost/page.py tests
+// pages in a browser.
 #include "host/page/page_writer.h"
 
 #include <gtest/gtest.h>
@@ -13,7 +13,7 @@ namespace {
 using Json = nlohmann::json;
 using Verdict = PageRow::Verdict;
 
-// The text of the data, as an HTML parser finds it.
+// Returns the text of the data element, as an HTML parser finds it.
 std::string DataText(const PageWriter& writer, const PageHead& head = {}) {
   std::ostringstream stream;
   writer.Write(stream, head);

@@ -1,4 +1,4 @@
-// The pins behind icehost's probes, in one process.
+// The sessions of icehost serve, and the recording of pins.
 #include <gtest/gtest.h>
 
 #include <sstream>
@@ -12,7 +12,7 @@
 
 namespace {
 
-// Takes down the levels that are written; TDO is what bit 0 of the number of reads says.
+// Notes every write. TDO is low in the first read, high in the second, and so on in turn.
 class NotingPort : public icehost::PinPort {
  public:
   void Write(int levels, int enables) override {
@@ -34,8 +34,8 @@ struct Played {
   bool open;
 };
 
-// NRST 1, TRST 2, TCK 4, TMS 8, TDI 10; TDO is never driven, and no other pin before it is set. The
-// bytes may come in two parts.
+// Plays the bytes in one part and in two. Writes are LEVELS/ENABLES: NRST 1, TRST 2, TCK 4, TMS 8,
+// TDI 10. TDO is never driven, and other pins only once a client has set them.
 template <class Session>
 void ExpectPlayed(const std::vector<Played>& sessions) {
   for (const Played& test : sessions) {
@@ -103,7 +103,7 @@ TEST(RecordingPort, GivesEverySampleToItsAsker) {
   recording.SampleTdo();
   EXPECT_EQ(recording.CollectTdo(), icehost::Bits({false, true, false, false, false}));
   EXPECT_EQ(recording.Read(), GPIO_PIN_TDO);
-  recording.SampleTdo();  // 0, behind everything recorded
+  recording.SampleTdo();  // 0, after everything recorded
   EXPECT_EQ(recording.CollectTdo(), icehost::Bits({false}));
   EXPECT_EQ(recorder.notes.str(), "1 22 1f ");
   for (int i = 0; i < 3000; ++i) recording.Write(i, GPIO_PIN_ALL);

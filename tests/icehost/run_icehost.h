@@ -1,4 +1,4 @@
-// icehost as a user starts it.
+// Functions that run icehost as a user does.
 #ifndef ICESCRIPT_TESTS_RUN_ICEHOST_H_
 #define ICESCRIPT_TESTS_RUN_ICEHOST_H_
 
@@ -15,10 +15,10 @@ struct Outcome {
   std::string output;
 };
 
-// Runs a shell command in the source folder; it finds icehost on the PATH.
+// Runs a shell command in the source folder, with icehost on the PATH. Captures standard output.
 inline Outcome RunShell(const std::string& command) {
   const std::string place = "cd " ICESCRIPT_SOURCE " && PATH=" ICESCRIPT_PROGRAMS ":$PATH && ";
-  // NOLINTNEXTLINE(cert-env33-c): as a user would
+  // NOLINTNEXTLINE(cert-env33-c): users run icehost in a shell, too
   FILE* const pipe = popen((place + command).c_str(), "r");
   std::string output;
   std::array<char, 4096> buffer;
@@ -34,7 +34,7 @@ inline Outcome RunIcehost(const std::string& arguments) {
   return RunShell("icehost " + arguments);
 }
 
-// Runs icehost with a text on standard input.
+// Runs icehost with this text on standard input.
 inline Outcome RunOn(const std::string& text, const std::string& arguments) {
   const TempFile file(text);
   return RunIcehost(arguments + " <" + file.Name());

@@ -1,4 +1,4 @@
-// What the lines about a served target say of the bytes that a client sends.
+// The lines that icehost serve writes to a trace and to JSON for the bytes of its clients.
 #include <gtest/gtest.h>
 
 #include <sstream>
@@ -9,7 +9,7 @@
 
 namespace {
 
-// Bytes of remote_bitbang. Each edge is TCK low with TMS and TDI, then high.
+// Returns remote_bitbang bytes for TCK cycles: TCK low with these TMS and TDI, then high.
 std::string Edges(const std::string& tms, const std::string& tdi) {
   std::string bytes;
   for (std::size_t i = 0; i < tms.size(); ++i) {
@@ -24,7 +24,7 @@ std::string Walk(const std::string& tms) {
   return Edges(tms, std::string(tms.size(), '0'));
 }
 
-// From Run-Test/Idle and back; `tdi` is shifted, its first bit first.
+// Returns the bytes of a scan from Run-Test/Idle and back, which shifts `tdi`, first bit first.
 std::string Scan(const std::string& way, const std::string& tdi) {
   const std::string last_leaves = std::string(tdi.size() - 1, '0') + '1';
   return Walk(way) + Edges(last_leaves, tdi) + Walk("10");
@@ -33,8 +33,8 @@ std::string Scan(const std::string& way, const std::string& tdi) {
 const std::string kReset = Walk("111110");
 const std::string kIr = "1100", kDr = "100";
 
-// Gives the simulated target these bytes, and the listener what is decoded. At each '|' a client
-// leaves.
+// Plays the bytes on the simulated target, and reports the decoded scans to the listener. '|'
+// separates the bytes of different clients.
 void Play(const std::string& bytes, icehost::TapListener& listener) {
   icehost::SimPort port{icehost::TargetOptions{}};
   icehost::TapDecoder decoder({&listener});
@@ -47,7 +47,7 @@ void Play(const std::string& bytes, icehost::TapListener& listener) {
   }
 }
 
-// The text of an output that records these bytes.
+// Returns the text that an output writes for these bytes.
 std::string Recorded(decltype(icehost::MakeServeTrace) make, const std::string& bytes) {
   std::ostringstream text;
   const auto output = make(text);
@@ -61,7 +61,7 @@ TEST(Serve, IsToldInLines) {
     std::string trace;
     std::string json;
   } kClients[] = {
-      {Walk("1111") + "R" + Walk("0100"), "", ""},  // where the TAP is, nobody knows
+      {Walk("1111") + "R" + Walk("0100"), "", ""},  // the TAP state is unknown
       {kReset + Scan(kIr, "01000"), "9 TAP reset (TMS)\n17 IR 5 bits 0x02 -> 0x01\n",
        R"({"reset":"TMS","step":9,"end_step":10}
 {"scan":"IR","bits":5,"in":"0x02","out":"0x01","updated":true,"step":17,"end_step":32}
@@ -72,7 +72,7 @@ TEST(Serve, IsToldInLines) {
 {"scan":"DR","bits":32,"in":"0x80000000","out":"0x1ce51001","updated":true,"step":15,"end_step":84}
 {"idle":2,"step":85,"end_step":90}
 )"},
-      // The fifth edge with TMS high resets, whatever is written between; more of them do not.
+      // The fifth TCK edge with TMS high resets, even with other writes between; later ones do not.
       {Walk("1111") + "2" + Walk("1") + Walk("1000"), "10 TAP reset (TMS)\n14 idle 2 cycles\n",
        R"({"reset":"TMS","step":10,"end_step":11}
 {"idle":2,"step":14,"end_step":19}
@@ -82,7 +82,7 @@ TEST(Serve, IsToldInLines) {
        "9 TAP reset (TMS)\n15 DR 4 bits 0x0a -> 0x01\n", R"({"reset":"TMS","step":9,"end_step":10}
 {"scan":"DR","bits":4,"in":"0x0a","out":"0x01","updated":true,"step":15,"end_step":36}
 )"},
-      // A reset pin parts the idle cycles.
+      // A change of a reset pin separates idle cycles.
       {"tr" + Walk("00") + "sr" + Walk("0"),
        "0 TRST=0 NRST=1\n0 TAP reset (TRST)\n1 TRST=1 NRST=1\n3 idle 1 cycle\n6 TRST=1 NRST=0\n7 "
        "TRST=1 NRST=1\n7 idle 1 cycle\n",
@@ -94,7 +94,7 @@ TEST(Serve, IsToldInLines) {
 {"pins":{"TRST":1,"NRST":1},"step":7,"end_step":8}
 {"idle":1,"step":7,"end_step":10}
 )"},
-      // More than the register holds: what was shifted in comes out behind it.
+      // After the bits of the register the bits that were shifted in come out.
       {"u" + ("r" + Walk("0") + Scan(kDr, std::string(36, '1'))),
        "0 TRST=0 NRST=0\n0 TAP reset (TRST)\n1 TRST=1 NRST=1\n"
        "7 DR 36 bits 0x0fffffffff -> 0x0f1ce51001\n",
@@ -103,7 +103,7 @@ TEST(Serve, IsToldInLines) {
 {"pins":{"TRST":1,"NRST":1},"step":1,"end_step":2}
 {"scan":"DR","bits":36,"in":"0x0fffffffff","out":"0x0f1ce51001","updated":true,"step":7,"end_step":84}
 )"},
-      // Capture and Update with nothing between.
+      // A scan from Capture-DR to Update-DR without Shift-DR.
       {"tr" + Walk("010110"), "0 TRST=0 NRST=1\n0 TAP reset (TRST)\n1 TRST=1 NRST=1\n7 DR 0 bits\n",
        R"({"pins":{"TRST":0,"NRST":1},"step":0,"end_step":1}
 {"reset":"TRST","step":0,"end_step":1}
@@ -142,7 +142,7 @@ TEST(Serve, IsToldInLines) {
 {"idle":1,"step":11,"end_step":16}
 {"scan":"DR","bits":1,"in":"0x01","out":"0x01","updated":false,"step":17,"end_step":22}
 )"},
-      // What a client leaves unfinished is its own, and what the next adds is the next's.
+      // Each client gets its own line for its part of a scan.
       {kReset + Walk("00") + "|" + Walk("0") + "|" + Walk(kDr) + Edges("00", "10") + "|" +
            Edges("01", "11") + Walk("1") + "|" + Walk("0") + "|" + Walk("1100") + "|" + "tr",
        R"(9 TAP reset (TMS)
@@ -172,7 +172,7 @@ TEST(Serve, IsToldInLines) {
   }
 }
 
-// Whoever shifts for ever fills no memory, and the lines say that not all is there.
+// Only the beginning of a very long scan is kept in memory, and the lines say so.
 TEST(Serve, KeepsTheBeginningOfALongScan) {
   const std::string kept(icehost::kMostScanBits / 4 - 1, '0');
   for (const std::size_t more : {std::size_t{0}, std::size_t{1}, std::size_t{1000}}) {

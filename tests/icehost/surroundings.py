@@ -1,5 +1,5 @@
 #!/usr/bin/python3 -B
-"""icehost and what a process finds around it: closed descriptors, full disks, limits, signals.
+"""icehost with closed descriptors, full disks, system limits, signals and spawned commands.
 
 usage: surroundings.py ICEHOST SOURCE_FOLDER
 """
@@ -24,14 +24,14 @@ FULL = "icehost: standard output: No space left on device"
 PIPE = "icehost: standard output: Broken pipe"
 CLOSED = "icehost: standard output: Bad file descriptor"
 
-# Status, last line of standard error, command.
+# The expected status and last line of standard error, and the command.
 COMMANDS = [
-    # Descriptors that the process was started without are nobody else's.
+    # No file gets the number of a standard descriptor that is closed at the start.
     (1, "icehost: -: Bad file descriptor", "icehost run - <&-"),
     (3, CLOSED, f"icehost run {SCRIPT} >&-"),
     (3, CLOSED, f"icehost run --json - {SCRIPT} >&-"),
     (0, "", f"icehost run --vcd closed.vcd --json closed.json {SCRIPT} <&- 2>&-"),
-    # Every output that is not taken is told, and counts.
+    # An output that cannot be written is reported and sets the status.
     *((3, "", f"icehost {arguments} >/dev/full 2>/dev/full") for arguments in (
         "--help", "--version", f"run --summary {SCRIPT}", f"run --trace {SCRIPT}")),
     *((3, FULL, f"icehost {arguments} {SCRIPT} >/dev/full") for arguments in (
@@ -40,9 +40,9 @@ COMMANDS = [
     (3, FULL, "icehost detect --script gpio -q >/dev/full"),
     *((3, PIPE, f"icehost run {arguments} | head -n 1") for arguments in (
         "reads.gpio", f"--json=- {ENDLESS}", f"--vcd=- {ENDLESS}", f"--trace=- {ENDLESS}")),
-    # Standard output is appended to.
+    # icehost appends to standard output.
     (0, "", "icehost run --json - --vcd v examples/reset.ini >>appended"),
-    # A reader that has seen enough of the help is no error to report.
+    # If the reader of the help closes its pipe, there is no message.
     (141, "", "{ sleep 0.2; icehost help; } | true"),
     (3, "", "trap '' PIPE; { sleep 0.2; icehost help; } | true"),
     # A stack of 64 KiB is enough.
@@ -52,8 +52,8 @@ COMMANDS = [
       if not SANITIZED),
 ]
 
-# Status and seconds, options of icehost, the command that it spawns, and what icehost says after
-# a failure: of the connection, of the command, and the lines of the command.
+# The expected status and seconds, the options of icehost, the spawned command, and the expected
+# messages after a failure: on the connection, on the command, and the lines of the command.
 SPAWNED = [
     (0, 0, f"run -q {SCRIPT}", "sleep 0.2; icehost serve unix:sim", []),
     (0, 0, "detect -q --spawn-log log", "cat; echo here; icehost serve unix:sim & wait", []),
@@ -75,7 +75,7 @@ SPAWNED = [
 
 
 def shell(command):
-    """The status of a shell command; its standard error is the file err."""
+    """Returns the status of a shell command, which writes to the files out and err."""
     with open("err", "w", encoding="utf-8") as err, open("out", "w", encoding="utf-8") as out:
         return subprocess.run(
             ["timeout", "-k", "1", "30", "bash", "-o", "pipefail", "-c", command], check=False,
@@ -97,7 +97,7 @@ def check_commands():
 
 
 def check_lacks():
-    """Where the system lacks something, that is the reason, and no fault of the script."""
+    """If the system lacks something, icehost reports this, and not a fault of the script."""
     write("id.svf", SVF)
     for files in range(4, 12):
         for arguments in (f"run -q {SCRIPT}", f"check {SCRIPT}", "import id.svf", "detect"):
@@ -112,7 +112,7 @@ def check_lacks():
 
 
 def check_memory():
-    """Where memory runs out, each output that is not complete is named."""
+    """If memory runs out, icehost names each output that is not complete."""
     write("walk.gpio", "[ZEVA_ICE_GPIO]\nSTART\nGPIO_OE=0x1F\nREPT=9999\nTCK=1\n"
           "TCK=0,PRINT=GPIO_IN\nENDR\nEND\n")
     ends = {"j.json": '{"end":', "p.svg": "</svg>", "p.html": "</html>"}
@@ -133,17 +133,17 @@ def check_memory():
 
 
 def check_size_limit():
-    """Beyond the limit of a file's size its lines are whole, or it is empty."""
+    """At the limit of the file size a file has only whole lines, or is empty."""
     status = shell("ulimit -f 1; trap '' XFSZ; icehost run -q --trace=t --json j --vcd v --svg s "
                    "--html h examples/read_idcode.gpio examples/*.ini")
     expect("files beyond the limit", status, 3)
-    expect("told", read("err").count("cannot write: File too large"), 5)
+    expect("messages", read("err").count("cannot write: File too large"), 5)
     expect("whole lines", [read(file)[-1:] for file in "tjv"], ["\n"] * 3)
     expect("a cut picture or page", read("s") + read("h"), "")
 
 
 def check_old_files():
-    """A run that cannot begin leaves the files of the run before it, and makes none."""
+    """A run that cannot begin does not change or create a file."""
     write("old", "before\n")
     for cannot in ("--plugin /dev/null", "--probe remote-bitbang:unix:/nowhere", "--svg /nowhere/x",
                    "/nowhere"):
@@ -152,7 +152,7 @@ def check_old_files():
 
 
 def check_shared_files():
-    """An output must be a file of its own, whatever its name; if it is not, nothing changes."""
+    """An output cannot be the file of another output or of a script; no file changes then."""
     write("script.ini", read(SCRIPT))
     os.link("script.ini", "hard_link")
     os.symlink("new", "dangling")
@@ -176,7 +176,7 @@ def check_shared_files():
 
 
 def ends_by(number, *arguments, out="/dev/null", err="err", said_first="icehost: interrupted"):
-    """A signal ends it within a second, with status 130 and a word."""
+    """Checks that a signal ends icehost within 1.5 s, with status 130 and this message."""
     what = f"{' '.join(arguments[:9])} >{out} 2>{err} by {number}"
     with open(out, "wb") as taken, open(err, "wb") as said:
         process = start("icehost", *arguments, stdin=subprocess.DEVNULL, stdout=taken, stderr=said)
@@ -190,7 +190,7 @@ def ends_by(number, *arguments, out="/dev/null", err="err", said_first="icehost:
 
 
 def expect_whole(*paths):
-    """The files that an interrupted run wrote are complete."""
+    """Checks that the files of an interrupted run are complete."""
     for path in paths:
         if path.endswith(".svg"):
             expect(path, output("xmllint", "--noout", path), "")
@@ -204,7 +204,7 @@ def check_signals():
         expect_whole("e.svg", "e.json")
         cuts = re.findall(">The first 1000 of [0-9]* steps<", read("e.svg"))
         expect("the picture of an interrupted run", len(cuts), 1)
-    # A run without end; its scripts need not make a call. The last round does not count.
+    # An endless run, also of a script without calls. The interrupted round does not count.
     write("no_call.ini", "[CONTROL]\n")
     ends_by(signal.SIGINT, "run", "-q", "--repeat", "0", "--summary", "no_call.ini", err="no_call")
     expect("no call", ", failed 0\noperations 0," in read("no_call"), True)
@@ -218,14 +218,14 @@ def check_signals():
     names = (i * 7919 % 60000 for i in range(60000))
     write("many.ini", "".join(f"[{name}x]\nIR=5,1\nDR=R,8,0\n" for name in names))
     ends_by(signal.SIGINT, "run", "--json", "m.json", "--html", "m.html", "many.ini")
-    # In the plug-in, which reads the script, or where it is checked before that.
+    # The signal comes while icehost checks the script, or while the plug-in reads it.
     expect_whole(*glob.glob("m.*"))
     ends_by(signal.SIGINT, "check", *["many.ini"] * 50)
     os.mkfifo("fifo")
     write("id.svf", SVF)
     ends_by(signal.SIGINT, "check", "fifo")
     ends_by(signal.SIGINT, "run", "--learn", "fifo", SCRIPT)
-    # Nobody takes what it says.
+    # Nobody reads from this pipe.
     with open(os.open("fifo", os.O_RDWR), "rb"):
         ends_by(signal.SIGINT, "run", "--svg=f.svg", "--html=f.html", "reads.gpio", out="fifo")
         expect_whole("f.svg", "f.html")
@@ -233,7 +233,7 @@ def check_signals():
         ends_by(signal.SIGINT, "run", "--json", "-", ENDLESS, out="fifo")
         scripts = glob.glob("tests/scripts/*.ini") + glob.glob("examples/*.ini")
         ends_by(signal.SIGINT, "check", "many.ini", *scripts, out="fifo")
-        # It is full by now.
+        # The pipe is full now.
         ends_by(signal.SIGINT, "detect", out="fifo")
         ends_by(signal.SIGINT, "import", "id.svf", out="fifo")
         ends_by(signal.SIGINT, "import", "-o", "fifo", "id.svf")
@@ -246,7 +246,7 @@ def check_signals():
 
 
 def spawned():
-    """The processes that spawned commands and their guards left."""
+    """Returns the processes of spawned commands and of their guards that still run."""
     marked = subprocess.run(["grep", "-lsxz", f"SPAWNED={os.getpid()}",
                              *glob.glob("/proc/[0-9]*/environ")],
                             stdout=subprocess.PIPE, check=False)
@@ -261,7 +261,7 @@ def start_spawning(options, command, **how):
 
 
 def check_spawned():
-    """A spawned command ends when icehost ends, and is explained if icehost fails."""
+    """A spawned command ends when icehost ends, and icehost reports its state if icehost fails."""
     for status, seconds, options, command, said in SPAWNED:
         begun = time.monotonic()
         process = start_spawning(options, command)
@@ -275,7 +275,7 @@ def check_spawned():
 
 
 def check_spawned_and_signals():
-    """Signals are for icehost alone, which ends the command, or its guard does."""
+    """A signal reaches icehost only; then icehost, or the guard, ends the spawned command."""
     command = "trap 'echo caught' INT; icehost serve unix:sim & wait; wait"
     for number, status in ((signal.SIGINT, 130), (signal.SIGKILL, -signal.SIGKILL)):
         process = start_spawning(f"run -q --spawn-log log {ENDLESS}", command,
@@ -295,7 +295,7 @@ def check_spawned_and_signals():
 
 
 def check_taken_port():
-    """A run plays on the server of its command only: not on another, and not on itself."""
+    """A run uses only the server of its spawned command: not another one, and not itself."""
     server = Serve(endpoint="unix:sim")
     process = start_spawning(f"run {SCRIPT}", "touch started")
     expect("taken", (process.communicate(timeout=20)[1], os.path.exists("started")),
@@ -310,7 +310,7 @@ def check_taken_port():
 
 
 def check_ignored_signals():
-    """What the process was started to ignore, it ignores."""
+    """icehost ignores signals that were ignored when it was started."""
     process = start("env", "--ignore-signal=INT", "--ignore-signal=HUP", "icehost", "run", ENDLESS,
                     stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
     for number in (signal.SIGINT, signal.SIGHUP):
@@ -323,7 +323,7 @@ def check_ignored_signals():
 
 
 def check_half_a_script():
-    """A signal leaves nothing of a script that is not complete."""
+    """After a signal the file of an incomplete script is empty."""
     write("long.svf", "SDR 64 TDI (5555555555555555);\n" * 20000)
     process = start("icehost", "import", "--script", "gpio", "long.svf", "-o", "half.gpio")
     while process.poll() is None and not (os.path.exists("half.gpio") and read("half.gpio")):
@@ -333,7 +333,7 @@ def check_half_a_script():
 
 
 def check_terminal():
-    """A terminal shows progress, which leaves nothing there, and takes no text for a command."""
+    """On a terminal icehost shows progress and erases it, and prints no control characters."""
     terminal = ["timeout", "-k", "1", "30", "script", "/dev/null", "-qec"]
     write("nested.gpio", "[ZEVA_ICE_GPIO]\nSTART\nGPIO_OE=0x1F\n" + "REPT=2000000000\n" * 3 +
           "TCK=1\n" + "ENDR\n" * 3 + "END\n")

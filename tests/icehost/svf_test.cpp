@@ -1,4 +1,4 @@
-// Serial Vector Format files: the pins of a run as statements.
+// Serial Vector Format files that icehost writes from the pins of a run.
 #include <gtest/gtest.h>
 
 #include <sstream>
@@ -8,8 +8,8 @@
 
 namespace {
 
-// The lines that begin with `first`; without it those of the file but for its first, and for the
-// comments on places.
+// Returns the lines that begin with `first`. Without it returns all lines of the file except its
+// first line and the comments with places in the script.
 std::string Lines(const std::string& text, const std::string& first = "") {
   std::istringstream lines(text);
   std::string kept;
@@ -21,9 +21,9 @@ std::string Lines(const std::string& text, const std::string& first = "") {
   return kept;
 }
 
-// A GPIO script that clocks the TAP from Test-Logic-Reset on: 0 and 1 are TMS, i is 0 with TDI
-// high; r before one of them reads the pins while TCK is low, h while it is high again. Any other
-// line stands between braces; blanks count for nothing.
+// Returns a GPIO script with TCK cycles from Test-Logic-Reset on: 0 and 1 are TMS, and i is 0 with
+// TDI high. r before a cycle reads the pins while TCK is low, h after it while TCK is high. {LINE}
+// is any other line. Blanks are ignored.
 std::string Walk(const std::string& edges) {
   std::string script = "[ZEVA_ICE_GPIO]\nSTART\nGPIO_OE=0x1f\nNRST=1\nTRST=1\n";
   bool read_low = false;
@@ -47,8 +47,8 @@ std::string Walk(const std::string& edges) {
   return script + "END";
 }
 
-// The pins as statements and comments, after the resets that begin each of these runs, and the
-// losses.
+// The statements and comments for the pins, after the resets that begin each run, and the warnings
+// about what SVF cannot express.
 TEST(Svf, SaysWhatTheTapDoes) {
   const std::string head =
       "ENDIR IDLE;\nENDDR IDLE;\n! NRST low\nTRST ON;\n! NRST high\nTRST OFF;\nSTATE IDLE;\n";
@@ -65,7 +65,7 @@ TEST(Svf, SaysWhatTheTapDoes) {
     std::string told;
     std::string statements;
   } kWalks[] = {
-      // Of the IDCODE that is behind a reset, 0x..01, the bits that the script read.
+      // After the reset DR is the IDCODE, 0x..01. TDO and MASK have only the bits that are read.
       {"0100 r0r0r0r1 10", "", "SDR 4 TDI (0) TDO (1) MASK (F);\n"},
       {"0100 0hi0r1 10001", "",
        "SDR 4 TDI (2) TDO (1) MASK (9);\nRUNTEST IDLE 2 TCK ENDSTATE IDLE;\n"},
@@ -73,7 +73,7 @@ TEST(Svf, SaysWhatTheTapDoes) {
       {"0100r0{TCK=0}{PRINT=GPIO_IN}{GPIO_OE=0x3f}{TDO=1}{TCK=1}{GPIO_OE=0x1f} r1 10", "",
        "SDR 3 TDI (0) TDO (3) MASK (5);\n"},
       {"01100 ii001h 10", "", "SIR 5 TDI (03) TDO (01) MASK (10);\n"},
-      // Where the script does not come to Run-Test/Idle behind a scan.
+      // Scans that Run-Test/Idle does not follow.
       {"0100 i1 1111 01100 i1 1111 0", "",
        "ENDDR DRPAUSE;\nSDR 2 TDI (1);\nSTATE RESET;\nSTATE IDLE;\nENDIR IRPAUSE;\nSIR 2 TDI "
        "(1);\nSTATE RESET;\nSTATE IDLE;\n"},
@@ -84,7 +84,7 @@ TEST(Svf, SaysWhatTheTapDoes) {
        "Run-Test/Idle\nSTATE RESET;\n"},
       {"0100 i1 010 i1 10 100 1 10", paused,
        "! by way of Pause-DR\nSDR 4 TDI (5);\nSDR 1 TDI (0);\n"},
-      // What cannot be said.
+      // Actions that SVF cannot express.
       {"010 1 10 100 i1 10",
        loss("SVF has no scan of 0 bits: a player neither captures nor updates there"),
        "! scan of 0 DR bits: left out\nSDR 2 TDI (1);\n"},

@@ -1,5 +1,5 @@
 #!/usr/bin/python3 -B
-"""The pictures of --svg, read back: levels and TAP states as in the waveform, texts where they belong.
+"""Reads pictures of --svg: levels and TAP states are those of the waveform, and texts have room.
 
 usage: svg.py ICEHOST SOURCE_FOLDER
 """
@@ -16,7 +16,7 @@ sys.path.append(sys.path[0] + "/..")
 from lib import PINS, failures, read, run_checks, waveform, write
 
 GOLDEN = "tests/golden/svg_bands.txt"
-CHARACTER = 6.02  # the pixels of one at the pictures' font size
+CHARACTER = 6.02  # width in pixels at the font size of the pictures
 
 
 def gpio(lines):
@@ -32,26 +32,26 @@ def scan(section, bits, expected=""):
 
 
 READS = "PRINT=GPIO_IN  # expect NRST=0\n"
-# Arguments, and a script for standard input. The golden file has each band's lanes and marks, how
-# often such a band follows itself, and a note after the last.
+# Arguments, and a script for standard input. The golden file contains the lanes and marks of each
+# band, the number of equal bands in a row, and the note after the last band.
 PICTURES = [
-    # Steps are as wide as they may be, and bands even: no step, one, a full band, one more.
+    # Steps are as wide as possible, and bands equally wide: no step, one, a full band, one more.
     ("-", "[CONTROL]\nCDI=5\n"),
     ("-", gpio("")),
     ("-", gpio(loop(39))),
     ("-", gpio(loop(40))),
-    # A run that is cut says so, and a run of as many steps as are drawn does not.
+    # A picture that shows only the first steps says so, and a picture that shows all does not.
     ("-", gpio(loop(999))),
     ("-", gpio(loop(1000))),
     ("examples/reset.ini -", gpio(loop(1787))),
     ("examples/reset.ini -", gpio(loop(5000))),
-    # A scan has its values in each band where they fit, or else its name; long names give way.
+    # A scan shows its values in each band if they fit, else its name. Long names are left out.
     ("--ir-length 2 -", scan("A", 2) + scan("A<&>B\x01", 4)),
     ("--ir-length 2 -", scan("A" * 99, 2)),
     *(("--ir-length 2 -", scan("\u00e9" * letters, 2)) for letters in (16, 17)),
-    # Lines share a segment until their numbers fit.
+    # Lines of the script share a segment that has room for their numbers.
     ("-", gpio("\n" * 1000 + loop(5, "TCK=1\nTDI=1\nTCK=0\n") + "\nTDI=0\n" * 6)),
-    # What was read, and what was not as expected.
+    # Values that were read, and values that were not as expected.
     ("examples/reset_pulse.gpio", ""),
     ("--keep-going -",
      gpio(f"NRST=1\n{READS}TMS=1\nTMS=0\nTMS=1\n" + loop(3, READS + "PRINT=GPIO_IN\n"))),
@@ -65,16 +65,16 @@ PICTURES = [
 
 
 class Picture:
-    """What an SVG file shows: `bands`, each with its lanes and marks in words; per step, `levels` of
-    each pin and `states` of the TAP; and `texts` as (y, left, right, words), marks too."""
+    """The contents of an SVG file: `bands`, each with its lanes and marks as text; `levels` of each
+    pin and `states` of the TAP, one per step; and texts and marks as (y, left, right, text)."""
 
     def __init__(self, name):
         root = xml.etree.ElementTree.parse(name).getroot()
         self.width = int(root.get("width"))
         self.bands, self.texts, self.states = [], [], []
         self.levels = dict.fromkeys(PINS, "")
-        self.step_width = 44  # of a picture with one tick
-        self.times = set()  # that the ruler shows
+        self.step_width = 44  # if the picture has one tick
+        self.times = set()  # the numbers on the ruler
         for element in root:
             kind = element.get("class")
             is_text = element.tag.endswith("text")
@@ -104,7 +104,7 @@ class Picture:
         self.bands = [band.strip() for band in self.bands]
 
     def step(self, x):
-        """The step that contains `x`."""
+        """Returns the step that contains `x`."""
         left, first = self.ticks[0]
         if len(self.ticks) > 1:
             self.step_width = (self.ticks[1][0] - left) // (self.ticks[1][1] - first)
@@ -112,7 +112,7 @@ class Picture:
 
     @staticmethod
     def edges(element):
-        """The pixels where a segment or a mark begins and ends."""
+        """Returns the pixels where a segment or a mark begins and ends."""
         numbers = [int(x) for x in re.findall("[MHL]([0-9]+)", element.get("d"))]
         return min(numbers), max(numbers)
 
@@ -151,7 +151,7 @@ def check(arguments, script):
                    check=False)
     picture = Picture("svg")
     if (picture.levels, picture.states) != waveform("vcd", len(picture.states)):
-        failures.append(f"{arguments} {script}: other levels or states than in the waveform")
+        failures.append(f"{arguments} {script}: levels or states differ from the waveform")
     tick = 5 if picture.bands[0].startswith("line:") else 10
     if picture.times != set(range(0, len(picture.states) + 1, tick)):
         failures.append(f"{arguments} {script}: the ruler shows {sorted(picture.times)}")

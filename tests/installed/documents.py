@@ -1,9 +1,9 @@
 #!/usr/bin/python3 -B
-"""What the documents show, against what happens: every block is run or compared, every link followed.
+"""Tests the documents: runs or compares every block, and follows every link.
 
-usage: documents.py ICEHOST SOURCE_FOLDER [DOCUMENT...]. The commands run on what is installed with
-ICEHOST (by `cmake --install build/dev --prefix PREFIX`; ctest has it in build/dev/installed).
-CONTRIBUTING.md says how a block is marked.
+usage: documents.py ICEHOST SOURCE_FOLDER [DOCUMENT...]. The commands use the installed files, of
+which ICEHOST is one (`cmake --install build/dev --prefix PREFIX`; ctest uses build/dev/installed).
+CONTRIBUTING.md describes how blocks are marked.
 """
 import glob
 import os
@@ -20,13 +20,13 @@ sys.path.append(sys.path[0] + "/..")
 from lib import ICEHOST, failures, read, run_checks, write
 
 PREFIX = os.path.dirname(os.path.dirname(ICEHOST))
-# A link may lead to what is installed, and to nothing else.
+# Links may lead only to these installed files.
 INSTALLED = ("README.md", "CHANGELOG.md", "CONTRIBUTING.md", "docs", "examples")
-# Where a Debian package puts them.
+# The folder of the documents in a Debian package.
 MANUALS = "/usr/share/doc/icescript"
 PORTS = ("5555", "6666", "9824")
 SECONDS = 30
-# Read in a clone. With the others one has what is installed.
+# Users read these in a clone, and the other documents with the installed package.
 OF_A_CLONE = ("README.md", "CONTRIBUTING.md")
 MARKS = {"console": {"exit", "run-by", "hardware"}, "text": {"file", "from"}}
 FENCE = re.compile(r"^( *)(```+)([^`\n]*)\n(.*?)^\1\2 *$", re.MULTILINE | re.DOTALL)
@@ -37,7 +37,7 @@ def fail(place, *lines):
 
 
 def free_port():
-    """Returns a port below those that the system itself hands out."""
+    """Returns a free port below those that the system assigns."""
     while is_listening(port := random.randrange(20000, 32000)):
         pass
     return str(port)
@@ -53,7 +53,7 @@ def write_program(path, line):
 
 
 class Shell:
-    """A bash that runs one command after the other in a folder of its own."""
+    """A bash that runs one command after the other in `folder`."""
 
     LOOP = ('while IFS= read -r -d "" -u 9 command; do eval "$command"; '
             'printf "%s %d\\n" "$SENTINEL" $?; done 9<&"$COMMANDS"')
@@ -82,7 +82,7 @@ class Shell:
         self.process.wait()
 
     def wait_for(self, condition):
-        """Reads on until `condition` has a result; None where it never has."""
+        """Reads output until `condition()` is true, at most SECONDS, and returns its result."""
         end = time.monotonic() + SECONDS
         while not (result := condition()) and time.monotonic() < end:
             if select.select([self.process.stdout], [], [], 0.1)[0]:
@@ -92,18 +92,18 @@ class Shell:
         return result
 
     def run(self, command, expected):
-        """The exit status, or None, and what was printed instead of `expected`, or None."""
+        """Returns the status, None if there is none, and the output, None if it is as expected."""
         os.write(self.commands, command.encode() + b"\0")
         ended = re.compile(rf"{self.sentinel} (\d+)\n")
         end = self.wait_for(lambda: ended.search(self.output))
-        # OpenOCD keeps its log to itself.
+        # OpenOCD does not print that it is ready, so its port is polled.
         if end and command.startswith("openocd ") and command.endswith("&"):
             end = self.wait_for(lambda: is_listening(self.openocd_port)) and end
         if not end:
             return None, self.output
         self.output = self.output[:end.start()] + self.output[end.end():]
         pattern = re.compile(pattern_of(expected))
-        # What runs in the background may take its time.
+        # Background jobs may print later.
         if self.has_jobs():
             self.wait_for(lambda: pattern.fullmatch(with_line_end(self.output)))
         printed, self.output = with_line_end(self.output), ""
@@ -119,14 +119,14 @@ def with_line_end(text):
 
 
 def pattern_of(expected):
-    """`...` alone stands for any lines, within a line for any characters."""
+    """Returns a pattern in which `...` matches any lines, or within a line any characters."""
     return "".join(
         r"(?:.*\n)*" if line == "..." else re.escape(line).replace(re.escape("..."), ".*") + r"\n"
         for line in expected)
 
 
 def commands_of(lines):
-    """The commands of a block, each with the lines behind it; None where it begins with another."""
+    """Returns the commands of a block, each with its output, or None if it begins with none."""
     commands = []
     for line in lines:
         if commands and commands[-1][0].endswith("\\") and not commands[-1][1]:
@@ -141,7 +141,7 @@ def commands_of(lines):
 
 
 def blocks_of(document, text):
-    """(place, language, marks, lines) of each block."""
+    """Yields (place, language, marks, lines) for each block."""
     if "```" in FENCE.sub("", text):
         fail(document, "a block does not end")
     for block in FENCE.finditer(text):
@@ -159,7 +159,7 @@ def blocks_of(document, text):
 def run_block(shell, place, marks, lines, here):
     commands = commands_of(lines)
     if not commands:
-        fail(place, "a console block begins with a command: $ ...")
+        fail(place, "a console block must begin with a command: $ ...")
         return
     if "hardware" in marks:
         return
@@ -171,12 +171,12 @@ def run_block(shell, place, marks, lines, here):
         wanted = int(marks.get("exit", 0)) if number == len(commands) else 0
         status, printed = shell.run(here(command), [here(line) for line in expected])
         if status is None:
-            fail(place, f"$ {command}", "does not end, and prints", *printed.splitlines())
+            fail(place, f"$ {command}", "did not end, and printed", *printed.splitlines())
             return
         if printed is not None:
-            fail(place, f"$ {command}", "prints", *printed.splitlines(), "and not", *expected)
+            fail(place, f"$ {command}", "printed", *printed.splitlines(), "expected", *expected)
         elif status != wanted:
-            fail(place, f"$ {command}", f"ends with {status}")
+            fail(place, f"$ {command}", f"exited with status {status}, expected {wanted}")
 
 
 def run_document(document):
@@ -191,9 +191,9 @@ def run_document(document):
     with tempfile.TemporaryDirectory() as folder:
         if document in OF_A_CLONE:
             shutil.copytree("examples", os.path.join(folder, "examples"))
-            # As ./dev, of what is built already.
+            # Does what ./dev does after the build.
             write_program(os.path.join(folder, "dev"), 'exec icehost "$@"')
-        # OpenOCD, with the only one of its ports that a document uses.
+        # OpenOCD opens only the port that the documents use.
         write_program(os.path.join(folder, ".programs", "openocd"), "exec /usr/bin/openocd -c "
                       f"'gdb_port disabled; telnet_port disabled; tcl_port {free['6666']}' \"$@\"")
         with Shell(folder, free["6666"]) as shell:
@@ -204,13 +204,13 @@ def run_document(document):
                 elif "file" in marks:
                     write(os.path.join(folder, marks["file"]), here(body))
                 elif "from" in marks and body not in read(marks["from"]):
-                    fail(place, f"{marks['from']} does not hold this block")
+                    fail(place, f"{marks['from']} does not contain this block")
                 if language == "text" and any(line.startswith("$ ") for line in lines):
                     fail(place, "a command in a block of text")
 
 
 def anchors_of(text):
-    """As the pages that show Markdown name its headings."""
+    """Yields the anchors of the headings, with the names that web pages of Markdown give them."""
     seen = {}
     for heading in re.findall(r"^#+ (.*)$", FENCE.sub("", text), re.MULTILINE):
         name = re.sub(r"[^\w\- ]", "", re.sub(r"\]\([^)]*\)", "]", heading).lower())
@@ -236,7 +236,7 @@ def check_documents():
     for document in documents:
         run_document(document)
     if not documents:
-        fail("documents", "there are none")
+        fail("documents", "no documents found")
 
 
 run_checks(check_documents)

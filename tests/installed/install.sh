@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs a build, moves what was installed to the folder `installed` in it, where other tests find
-# it, and compares the list of files. usage: install.sh BUILD_FOLDER SOURCE_FOLDER
+# Installs a build, moves the installed files to its folder `installed`, where other tests use them,
+# and compares the list of files. usage: install.sh BUILD_FOLDER SOURCE_FOLDER
 set -euo pipefail
 cd "$1"
 rm -rf installing installed

@@ -1,5 +1,5 @@
 #!/usr/bin/python3 -B
-"""icehost serve with clients, and with servers that it serves, that are odd, broken or hostile.
+"""icehost serve with odd, broken or hostile clients and upstream servers.
 
 usage: hostile_clients.py ICEHOST SOURCE_FOLDER
 """
@@ -38,7 +38,7 @@ def flood_until_closed(client):
 
 
 def ask(client, request):
-    """The answers to all of it."""
+    """Sends a request and returns the answers to all of it."""
     client.sendall(request)
     wanted, answers = request.count(b"R"), b""
     while len(answers) < wanted and (got := client.recv(65536)):
@@ -47,7 +47,7 @@ def ask(client, request):
 
 
 class Upstream:
-    """A server of one client: notes what comes, and answers as it is told to."""
+    """A server for one client. It adds all received bytes to `came`, and sends `answer(bytes)`."""
 
     def __init__(self, answer):
         self.listener = socket.create_server(("127.0.0.1", 0))
@@ -76,14 +76,14 @@ def ones(got):
 
 
 def check_passing_on():
-    """Nothing but the changes that clients make reaches the server behind, and all of them do."""
+    """The upstream server receives all changes that clients make, and nothing else."""
     upstream = Upstream(ones)
     serve = Serve("-v", "--probe", upstream.name)
     first = serve.client()
     expect("answers", ask(first, b"Bbx0tR\n0447Q"), "1")
-    expect("behind Q", first.recv(1), b"")
+    expect("after Q", first.recv(1), b"")
     second = serve.client()
-    # The pins are as the first one left them: 7 is set already.
+    # The pins are as the first client left them: the levels of 7 are already set.
     expect("answers", ask(second, b"7rsRutR06R"), "111")
     second.close()
     status, said = serve.end()
@@ -97,16 +97,16 @@ def check_passing_on():
 
 
 def check_loss_between_scripts():
-    """A lost connection ends the run, however well the script before it went."""
+    """A lost connection ends the run, also between scripts and after a script without faults."""
     upstream = Upstream(lambda got: ones(got) if upstream.came.count(b"R") < 2 else upstream.close())
     scripts = ["tests/scripts/reset_only.ini"] * 4
     said = output("icehost", "run", "-q", "--keep-going", "--probe", upstream.name, *scripts)
-    expect("once", said.splitlines()[1:], [])
+    expect("a second message", said.splitlines()[1:], [])
     expect("the first script", upstream.came.count(b"R"), 2)
 
 
 def check_recording():
-    """The files follow the client, and are whole at the end; a second client is sent away."""
+    """Files grow with each scan, and are complete at the end. A second client is sent away."""
     serve = Serve("--trace=t", "--json", "j", "--vcd", "v", "--idcode", "2badc001")
     one = serve.client()
     answers = ask(one, IDCODE)
@@ -117,7 +117,7 @@ def check_recording():
     expect("waveform", {"sclient_1 o", "#85"} <= set(read("v").splitlines()), True)
     other = serve.client()
     expect("a second client", other.recv(1), b"")
-    expect("the first stays, with bytes of no meaning", ask(one, b"BxRb\n~R"), "11")
+    expect("the first client stays, also with invalid bytes", ask(one, b"BxRb\n~R"), "11")
     one.close()
     expect("the next", ask(serve.client(), b"R"), "1")
     status, said = serve.end()
@@ -136,8 +136,8 @@ def check_recording():
 
 
 def check_xvc():
-    """A client that sends what XVC does not have is answered up to there and sent away. What one
-    has begun does not concern the next."""
+    """A client that sends an invalid XVC command is answered up to there and sent away. A command
+    that it did not finish does not affect the next client."""
     serve = Serve("-v", "--protocol", "xvc")
     info = b"xvcServer_v1.0:4096\n"
     lengths = "bits, where 1 to 16384 are possible"
@@ -162,13 +162,13 @@ def check_xvc():
 
 
 def break_off(client):
-    """Closes so that the other side finds the connection lost."""
+    """Resets the connection: the other side finds it lost."""
     client.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, struct.pack("ii", 1, 0))
     client.close()
 
 
 def check_next():
-    """A client that has left is in nobody's way, even if the server has still to read from it."""
+    """The next client is served even if serve has not yet read all bytes of one that has left."""
     serve = Serve()
     for leave in (socket.socket.close, break_off, lambda client: client.sendall(b"Q"),
                   lambda client: client.sendall(b"04" * 50000 + b"Q")):
@@ -181,15 +181,15 @@ def check_next():
             serve.process.send_signal(signal.SIGCONT)
             expect("the next", ask(following, b"R"), "1")
             following.close()
-    # One that sends without a pause stays, and the other hears of that.
+    # A client that sends without a pause stays, and the next is sent away.
     flooding = serve.client()
     threading.Thread(target=flood_until_closed, args=(flooding,), daemon=True).start()
     expect("a second client", serve.client().recv(1), b"")
-    expect("told", serve.end(), (0, "icehost: busy: a second client was sent away\n"))
+    expect("reported", serve.end(), (0, "icehost: busy: a second client was sent away\n"))
 
 
 def check_lost():
-    """A server behind that is lost, or talks nonsense, ends the serving with complete files."""
+    """If the upstream server is lost or sends invalid answers, serve ends with complete files."""
     ended = "the server closed the connection"
     cut_off = r"not recorded: the last \d+ of \d+ steps"
     for name, answer, deed, request, why in [
@@ -229,7 +229,7 @@ def late(got):
 
 
 def check_signal():
-    """A signal cuts off nothing that a client has left, or says so; the server behind gets a Q."""
+    """A signal loses no bytes of a client, or icehost reports it; the upstream server gets a Q."""
     for number, answer, outputs, status, wanted in [
         (signal.SIGTERM, ones, ["--trace=t"], 0, ""),
         (signal.SIGINT, late, ["--trace=t"], 0, ""),
@@ -250,7 +250,7 @@ def check_signal():
 
 
 def check_good_bye():
-    """Whatever ends a run: the server gets a Q, and no broken connection before it."""
+    """However a run ends, the server gets a Q before the connection is closed."""
     for number, answer, arguments, status in [
         (signal.SIGINT, ones, ["tests/scripts/endless_writes.gpio"], 130),
         (signal.SIGTERM, late, ["--vcd", "v", "tests/scripts/endless_writes.gpio"], 130),
@@ -269,7 +269,7 @@ def check_good_bye():
 
 
 def check_cut_outputs():
-    """An output that takes no more ends the serving, and the others are whole."""
+    """If an output cannot be written, serve ends, and the other outputs are complete."""
     for output in ("--trace=/dev/full", "--json=/dev/full", "--vcd=/dev/full", "--json=-"):
         with open("/dev/full", "wb") as full:
             serve = Serve("-q", output, "--trace=t" if "json" in output else "--json=j",
@@ -286,7 +286,7 @@ def check_cut_outputs():
             last = read("t" if "json" in output else "j").splitlines()[-1]
             expect(output, last == '{"end":false}' or "No space left" in last, True)
             expect(output, os.path.exists("door"), False)
-    # Nobody reads it: a signal ends that.
+    # A signal ends serve even if nobody reads its output.
     out, reader = os.pipe()
     serve = Serve("--trace=-", stdout=reader)
     client = serve.client()
@@ -306,7 +306,7 @@ def refused():
 
 
 def check_door():
-    """A server replaces the socket of one that has ended only, and removes its own only."""
+    """serve replaces a socket only if its server has ended, and removes only its own socket."""
     in_use = "icehost: unix:door: cannot listen: Address already in use\n"
     for name, kind, backlog, clients in [
         ("between bind and listen", socket.SOCK_STREAM, None, 0),
@@ -329,7 +329,7 @@ def check_door():
             except BlockingIOError:
                 pass
             expect(f"clients of one that {name}", admitted, clients)
-        # It has ended now.
+        # The owner has ended now.
         serve = Serve(endpoint="unix:door")
         os.remove("door")
         other = Serve(endpoint="unix:door")
@@ -348,7 +348,7 @@ def check_door():
 
 
 def check_race():
-    """Of servers that start at once on the same socket, one serves."""
+    """If several servers start at once on the same socket, only one of them serves."""
     for _ in range(40):
         with socket.socket(socket.AF_UNIX) as ended:
             ended.bind("door")
@@ -362,7 +362,7 @@ def check_race():
 
 
 def check_flood():
-    """Whatever a client sends and however much of it: the memory stays, and every R is answered."""
+    """A client may send any amount of any bytes: memory does not grow, and every R is answered."""
     upstream = Serve()
     behind = f"remote-bitbang:127.0.0.1:{upstream.port}"
     floods = [os.urandom(1 << 20).replace(b"Q", b"q"), b"R" * (1 << 19), b"04" * (1 << 19),
@@ -382,10 +382,10 @@ def check_flood():
             expect("the end of a flood", len(ask(client, b"R")), 1)
             client.close()
         peak = int(re.search(r"VmHWM:\s*(\d+)", read(f"/proc/{serve.process.pid}/status"))[1])
-        # A sanitizer keeps what was freed.
+        # A sanitizer keeps freed memory.
         expect(f"{peak} KiB", peak < 32768 or "sanitize" in ICEHOST, True)
         expect("flooded", serve.end()[0], 0)
-    expect("behind", upstream.end()[0], 0)
+    expect("the upstream server", upstream.end()[0], 0)
 
 
 run_checks(check_passing_on, check_loss_between_scripts, check_recording, check_xvc, check_next,

@@ -1,4 +1,4 @@
-// icehost with servers that are odd, broken or hostile.
+// icehost with odd, broken or hostile servers.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -30,7 +30,7 @@ void Write(tcp::socket& client, const std::string& bytes) {
   asio::write(client, asio::buffer(bytes));
 }
 
-// Reads without end, and answers with what `answer` makes of it.
+// A server that sends answer(bytes) for all bytes that it reads.
 template <class Answer>
 Server Answering(Answer answer) {
   return [answer](tcp::socket& client) mutable {
@@ -40,8 +40,8 @@ Server Answering(Answer answer) {
 
 const Server kSilent = Answering([](const std::string&) { return ""; });
 
-// Sends `before`, then serves the simulated target, and `after` at once behind the last sample. The
-// bytes `ignored` do nothing.
+// Sends `before`, then serves the simulated target, and sends `after` together with the last
+// sample. It ignores the bytes in `ignored`.
 Server Target(const std::string& before, const std::string& after,
               const std::string& ignored = "") {
   return [=](tcp::socket& client) {
@@ -59,8 +59,8 @@ Server Target(const std::string& before, const std::string& after,
   };
 }
 
-// Answers every sample, the `last` one twice: the second answer is a packet of its own, which
-// Nagle's algorithm holds back until the first is acknowledged.
+// Answers every sample, and the `last` one twice. The second answer is a separate packet, which
+// Nagle's algorithm delays until the first is acknowledged.
 Server Twice(int last) {
   return [last](tcp::socket& client) mutable {
     for (;;) {
@@ -73,7 +73,7 @@ Server Twice(int last) {
   };
 }
 
-// TDO, whatever happens on the other pins: these levels again and again.
+// Answers with these levels of TDO, again and again, whatever happens on the other pins.
 Server Tdo(const std::string& levels) {
   return Answering([=, at = std::size_t{0}](const std::string& bytes) mutable {
     std::string answers;
@@ -84,7 +84,7 @@ Server Tdo(const std::string& levels) {
   });
 }
 
-// Once it has been asked, this; then it stays.
+// Sends one answer after the first bytes, and then stays connected without answers.
 Server Once(const std::string& answer) {
   return [answer](tcp::socket& client) {
     ReadFrom(client);
@@ -93,8 +93,8 @@ Server Once(const std::string& answer) {
   };
 }
 
-// Answers getinfo: with `info`, and every other command as a server of the simulated target does,
-// but with `after` at once behind the answer. Closes where a shift has more bytes than it has said.
+// Answers getinfo: with `info`, and other commands as a server of the simulated target, with
+// `after` at the end of each answer. Closes if a shift has more bytes than `info` allows.
 Server Xvc(const std::string& info, const std::string& after = "") {
   return [=](tcp::socket& client) {
     const std::size_t most = std::strtoul(&info[info.find(':') + 1], nullptr, 10);
@@ -110,8 +110,8 @@ Server Xvc(const std::string& info, const std::string& after = "") {
   };
 }
 
-// Answers getinfo: as it should, and then the commands with these; then it closes. One that is "+"
-// is sent before it is asked for, as a packet of its own.
+// Answers getinfo: correctly and the next commands with `answers`, then closes. The answer "+" is
+// sent without waiting for a command, as a separate packet.
 Server XvcAnswers(const std::vector<std::string>& answers) {
   return [answers](tcp::socket& client) {
     ReadFrom(client);
@@ -123,7 +123,7 @@ Server XvcAnswers(const std::vector<std::string>& answers) {
   };
 }
 
-// For each command of OpenOCD's, in order; then silence.
+// Answers the commands to OpenOCD with `answers`, in order, and then no more.
 Server Openocd(const std::vector<std::string>& answers) {
   return [answers](tcp::socket& client) {
     for (const std::string& answer : answers) {
@@ -135,15 +135,15 @@ Server Openocd(const std::vector<std::string>& answers) {
   };
 }
 
-// The same behind the two with which a run begins.
+// The same, after the answers to the two commands with which a run begins.
 Server OpenocdScan(std::vector<std::string> answers, const std::string& ir_length = "5") {
   answers.insert(answers.begin(),
                  {"1 0 a", "2 0 header\n 0 a Y 0x0 0x0 " + ir_length + " 0x1 0x3"});
   return Openocd(answers);
 }
 
-// The status of a run against the server, and what it says first, with "SERVER" for its name and
-// without the place.
+// Returns the status of a run on the server, and its first message, without the place and with
+// "SERVER" as the name of the server.
 Outcome RunAgainst(const Server& server, const std::string& probe, const std::string& rest,
                    const std::string& timeout) {
   const LocalServer local(server);
@@ -160,7 +160,7 @@ Outcome RunAgainst(const Server& server, const std::string& probe, const std::st
   return outcome;
 }
 
-// Nothing that a server does ends a run with 0 but right answers to every question.
+// A run exits with 0 only if the server answers every question correctly.
 TEST(Servers, EndARunAsTheyShould) {
   const std::string bitbang = "remote-bitbang", xvc = "xvc", openocd = "openocd";
   const std::string idcode = "tests/scripts/idcode.ini", reset = "tests/scripts/reset_only.ini";
@@ -259,7 +259,7 @@ TEST(Servers, EndARunAsTheyShould) {
       {Tdo("1"), bitbang, "--learn /dev/null " + pins, 1,
        pins + " is not learned: the probe does not tell all that it expects"},
 
-      // A scan in one shift, or in as many as the server makes of it.
+      // A scan is one shift, or several if the server allows only short ones.
       {Xvc("xvcServer_v1.0:1073741824\n"), xvc, idcode + " " + scratch + " " + tap_reset, 0, ""},
       {Xvc("xvcServer_v1.0:3\n"), xvc, idcode + " " + scratch + " " + tap_reset, 0, ""},
       {Xvc(info), xvc, reset, 1, "XVC has no reset lines: NRST and TRST cannot be driven"},
@@ -326,10 +326,10 @@ TEST(Servers, EndARunAsTheyShould) {
       {OpenocdScan({"3 0 +5"}), openocd, dr_only, 3, no_scan + "\"+5\""},
       {OpenocdScan({"3 0 -0"}), openocd, dr_only, 3, no_scan + "\"-0\""},
       {OpenocdScan({std::string("3 0 5\0", 6)}), openocd, dr_only, 3, no_scan + "\"5 \""},
-      // An answer twice (\032 ends it): the second is not the next scan's, nor passes at the end.
+      // An answer twice (\032 ends it). The second is noticed before the next one and at the end.
       {OpenocdScan({"3 0 05\0323 0 05", "4 0 06"}), openocd, dr_only, 3, step},
       {OpenocdScan({"3 0 05", "4 0 06\0324 0 06", "5 0"}), openocd, dr_only, 3, step},
-      // All answers at once, and one too many after the last.
+      // All answers at once, and one too many after the last command.
       {OpenocdScan({"3 0 05\0324 0 06\0325 0"}), openocd, dr_only, 3, step},
       {OpenocdScan({"3 0 05", "4 0 06", "5 0\0326 0"}), openocd, dr_only, 3, step},
       {OpenocdScan({"3 0 05", "4 0 06"}), openocd, dr_only, 3, silence},
@@ -342,7 +342,7 @@ TEST(Servers, EndARunAsTheyShould) {
   }
 }
 
-// A connect that nobody answers: the queue of those that wait to be accepted is full.
+// Nobody answers the connect: the queue of waiting connections is full.
 TEST(Servers, NeedNotAccept) {
   asio::io_context io;
   tcp::acceptor acceptor(io, tcp::v4());
@@ -357,8 +357,8 @@ TEST(Servers, NeedNotAccept) {
   EXPECT_EQ(outcome.output, "icehost: " + name + ": cannot connect: Connection timed out\n");
 }
 
-// A server may answer only once it has read all that is there: more than both sides hold would end
-// in each waiting for the other.
+// A server may answer only after it has read everything that was sent. If more answers are under
+// way than the buffers can store, each side waits for the other for ever.
 TEST(Servers, HaveFewAnswersUnderWay) {
   std::size_t most = 0;
   const LocalServer late([&](tcp::socket& client) {
@@ -380,7 +380,7 @@ TEST(Servers, HaveFewAnswersUnderWay) {
   EXPECT_LE(most, 2048U);
 }
 
-// However few files may be open, the reason is that and nothing else.
+// If the limit of open files is too low, icehost reports this reason and no other.
 TEST(Servers, AreOutOfReachWithoutFiles) {
   if (ICESCRIPT_SANITIZED) GTEST_SKIP() << "a sanitizer opens files of its own";
   const LocalServer silent(kSilent);
@@ -391,7 +391,7 @@ TEST(Servers, AreOutOfReachWithoutFiles) {
           RunShell("exec 2>&1; ulimit -n " + std::to_string(files) +
                    "; exec icehost run -q --timeout 0.1 --probe " + probe + " examples/reset.ini");
       const bool no_files = outcome.output.find("Too many open files") != std::string::npos;
-      // A busy machine may need all of the time to connect.
+      // On a busy machine even the connect may take too long.
       const bool waited = outcome.output.find("no answer") != std::string::npos ||
                           outcome.output.find("timed out") != std::string::npos;
       const bool served = probe == "sim" ? outcome.output.empty() : waited;

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# icehost detect through OpenOCD, whose words it takes. usage: openocd_detect.sh ICEHOST SOURCE_FOLDER
+# icehost detect reports the chain known to OpenOCD: openocd_detect.sh ICEHOST SOURCE_FOLDER
 source "$(dirname "${BASH_SOURCE[0]}")/../lib.sh"
 
-# begin TAP...: starts a target, and an OpenOCD that declares these TAPs.
+# begin TAP...: starts a target, and OpenOCD with these TAPs declared.
 begin() {
   serve --idcode 4ba00477
   start_openocd "${@/#/jtag newtap }" init
@@ -14,7 +14,7 @@ end() {
   wait "$server"
 }
 
-# detect STATUS OPTION...: into out.txt, standard error into err.txt.
+# detect STATUS OPTION...: must end with STATUS; writes to out.txt and err.txt.
 detect() {
   local wanted=$1 status=0
   shift
@@ -22,10 +22,10 @@ detect() {
   [ "$status" = "$wanted" ] || fail "detect $* ended with $status"
 }
 
-# said OPTION... PATTERN: a line of standard error.
+# said OPTION... PATTERN: checks that a line of err.txt matches; the options are those of grep.
 said() { grep -q "$@" "$scratch/err.txt" || fail "no line $*"; }
 
-# OpenOCD tells the name of a manufacturer, and is left as it was.
+# The name of the manufacturer comes from OpenOCD, whose state does not change.
 begin 'a tap -irlen 5 -expected-id 0x4ba00477 -expected-id 0x3ba00477' 'b tap -irlen 4 -disable'
 arm='TAP 1 (a.tap): IDCODE 0x4ba00477: version 4, part 0xba00, manufacturer 0x23b (bank 5, code 0x3b: ARM Ltd)'
 detect 0 --probe "$probe"
@@ -40,14 +40,14 @@ holds err.txt ''
 "$icehost" run -q --strict --probe "$probe:a.tap" "$scratch/out.txt" || fail "the script does not pass"
 detect 3 --probe "$probe:b.tap"
 holds err.txt 'icehost: OpenOCD has no TAP "b.tap", it has: a.tap'
-# What OpenOCD read when it started is not what is there now.
+# The target is gone: IDCODEs that OpenOCD read when it started must not be reported.
 stop TERM "$server"
 detect 3 --probe "$probe"
 said '^icehost: OpenOCD cannot examine its chain: Error on socket'
 holds out.txt ''
 end
 
-# Another chip than was expected; no script for it.
+# The chip is not the expected one: there is no script.
 begin 'a tap -irlen 5 -expected-id 0x4ba01477'
 detect 1 --script jtag --probe "$probe"
 holds out.txt ''
@@ -56,25 +56,25 @@ said -F '       expected 0x4ba01477'
 said '^icehost: OpenOCD: JTAG tap: a.tap UNEXPECTED: 0x4ba00477'
 end
 
-# More TAPs than there are.
+# OpenOCD declares more TAPs than the chain has.
 begin 'a tap -irlen 5' 'b tap -irlen 5'
 detect 1 --probe "$probe"
 said '^icehost: TAP 2 (b.tap): 0xffffffff is no valid IDCODE'
 end
 
-# None is declared: OpenOCD finds it itself.
+# No TAP is declared: OpenOCD finds the TAP itself.
 begin
 detect 0 -q --script jtag --probe "$probe"
 grep -qx 'IR=5,0x1f' "$scratch/out.txt" || fail "no script"
 
-# Through a chain of three OpenOCD and icehost do the same to the TAP in the middle.
+# In a chain of three, OpenOCD and icehost do the same to the TAP in the middle.
 serve --chain 4,5,6 --tap 2 --trace="$scratch/chain.txt"
 start_openocd 'jtag newtap a tap -irlen 4' 'jtag newtap b tap -irlen 5' 'jtag newtap c tap -irlen 6' init
 pins=remote-bitbang:127.0.0.1:$port
 detect 0 --probe "$probe"
 idcodes() { grep -o 'IDCODE 0x[0-9a-f]*' "$scratch/out.txt"; }
 declared=$(idcodes)
-# played FILE OPTION...: what the TAP answers in a run, and what the chain shifts in its IR scans.
+# played FILE OPTION...: writes what a run reads from the TAP, and the IR scans of the chain.
 played() {
   local file=$scratch/$1 before
   shift
@@ -89,13 +89,13 @@ detect 3 --probe "$probe:x.tap"
 holds err.txt 'icehost: OpenOCD has no TAP "x.tap", it has: a.tap, b.tap, c.tap'
 stop_openocd
 detect 0 --probe "$pins"
-[ "$declared" = "$(idcodes)" ] || fail "OpenOCD and the pins have other IDCODEs"
+[ "$declared" = "$(idcodes)" ] || fail "OpenOCD and the pins have different IDCODEs"
 grep -q '^3 TAPs' "$scratch/out.txt" || fail "no chain of three"
 played pins.txt --probe "$pins" --chain 4,5,6 --tap 2
 played measured.txt --probe "$pins" --tap 2
-[ "$(wc -l <"$scratch/pins.txt")" = 8 ] || fail "4 answers and 4 IR scans"
+[ "$(wc -l <"$scratch/pins.txt")" = 8 ] || fail "expected 4 answers and 4 IR scans"
 for file in openocd measured; do
-  diff "$scratch/$file.txt" "$scratch/pins.txt" || fail "$file"
+  diff "$scratch/$file.txt" "$scratch/pins.txt" || fail "$file.txt differs from pins.txt"
 done
 kill "$server"
 wait "$server" || true

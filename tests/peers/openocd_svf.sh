@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
-# What run --svf writes, played by OpenOCD on the simulated target and imported again.
+# OpenOCD plays the files of run --svf on the simulated target, and icehost imports them again.
 # usage: openocd_svf.sh ICEHOST SOURCE_FOLDER
 source "$(dirname "${BASH_SOURCE[0]}")/../lib.sh"
 
-# target OPTION...: another target in place of the one before.
+# target OPTION...: replaces the target by a new one.
 target() {
   [ -z "${server:-}" ] || stop TERM "$server"
   serve "$@"
@@ -12,20 +12,20 @@ target() {
 tap='jtag newtap sim tap -irlen 5 -expected-id 0x1ce51001 -expected-id 0x1ce51003'
 play() { (with_openocd "$tap" 'tcl_port disabled' init "svf $1" exit); }
 
-# refused FILE SCRIPT: OpenOCD compares what the script read, and finds another IDCODE.
+# refused FILE KIND: OpenOCD must find another IDCODE than the script read.
 refused() {
-  play "$1" && fail "OpenOCD took the wrong IDCODE of a $2 script"
+  play "$1" && fail "OpenOCD accepted the wrong IDCODE of a $2 script"
   grep -q 'tdo check error' "$scratch/openocd.log" || fail "OpenOCD failed for another reason"
 }
 
-# written FILE SCRIPT OPTION...
+# written FILE SCRIPT OPTION...: runs the script with --svf FILE.
 written() {
   local file=$1
   shift
   "$icehost" run -q --svf "$file" "$@" >"$scratch/run.log" 2>&1 || fail "run $*"
 }
 
-# What each script does to the target, OpenOCD's player does too.
+# OpenOCD's player does the same to the target as each script.
 for script in examples/read_idcode.ini examples/scratch_register.ini examples/two_wire.ini \
   examples/read_idcode.gpio tests/scripts/long_scans.ini tests/scripts/walk.gpio; do
   written "$scratch/played.svf" "$script"
@@ -34,16 +34,16 @@ for script in examples/read_idcode.ini examples/scratch_register.ini examples/tw
   grep -q 'svf file programmed successfully' "$scratch/openocd.log" || fail "no success of $script"
 done
 
-# Another target is found out by what a script read; bits that a script leaves out do not count.
+# The player finds another target by the values that the script read, but ignores masked bits.
 written "$scratch/ini.svf" examples/read_idcode.ini
 written "$scratch/gpio.svf" examples/read_idcode.gpio
 target --idcode 2ce51001
-play "$scratch/ini.svf" || fail "OpenOCD compares the version, which the mask leaves out"
+play "$scratch/ini.svf" || fail "OpenOCD compares the version, which the mask excludes"
 refused "$scratch/gpio.svf" GPIO
 target --idcode 1ce51003
 refused "$scratch/ini.svf" JTAG
 
-# On OpenOCD as the probe, the same scans but for what it does not tell.
+# With OpenOCD as the probe the scans are the same, but without the captured IR.
 scans() { grep -oE '^S[DI]R .*' "$1" | sed -E "${2:-}"; }
 target
 start_openocd "$tap"
@@ -54,7 +54,7 @@ for script in examples/read_idcode.ini examples/scratch_register.ini; do
     fail "$script on OpenOCD"
 done
 written "$scratch/calls.svf" --probe "$probe" examples/reset.ini
-grep -q 'warning: --svf: SVF has no word for NRST' "$scratch/run.log" || fail "no word of NRST"
+grep -q 'warning: --svf: SVF has no word for NRST' "$scratch/run.log" || fail "no warning of NRST"
 grep -qx '! NRST low, NRST high' "$scratch/calls.svf" || fail "no comment on NRST"
 
 # verdict SCRIPT OPTION...: prints the status of a run.
@@ -64,8 +64,8 @@ verdict() {
   echo "$status"
 }
 
-# There and back, in both forms: the same scans, and the same verdict on every target. SVF has no
-# word for the NRST of reset.ini.
+# A file and its import, in both forms, have the same scans, and the same verdict on every target.
+# The exception is reset.ini: SVF has no statement for NRST.
 for script in examples/*.ini examples/*.gpio; do
   written "$scratch/there.svf" "$script"
   for form in jtag gpio; do

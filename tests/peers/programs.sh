@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# icehost with programs that are not ours: OpenOCD as client and as probe, openFPGALoader as client,
-# sigrok-cli and GTKWave's reader on the waveform, an XML parser on the picture.
+# icehost with other programs: OpenOCD as client and as probe, openFPGALoader as client, sigrok-cli
+# and GTKWave's converters on the waveform, an XML parser on the picture.
 # usage: programs.sh ICEHOST SOURCE_FOLDER
 source "$(dirname "${BASH_SOURCE[0]}")/../lib.sh"
 
@@ -8,7 +8,7 @@ serve --idcode 0x2BADC001
 
 start_openocd 'jtag newtap sim tap -irlen 5 -expected-id 0x2BADC001' init
 
-# same_as_simulated PROBE SCRIPT...
+# same_as_simulated PROBE SCRIPT...: each script prints the same as on the simulated target.
 same_as_simulated() {
   local probe=$1 script
   shift
@@ -19,7 +19,7 @@ same_as_simulated() {
     diff "$scratch/simulated.txt" "$scratch/run.txt" || fail "$script differs on $probe"
   done
 }
-# refused PROBE SCRIPT MESSAGE
+# refused PROBE SCRIPT MESSAGE: the script fails on the probe with this message.
 refused() {
   "$icehost" run --probe "$1" "$2" >/dev/null 2>"$scratch/run.log" && fail "$2 ran on $1"
   holds run.log "$2:$3
@@ -29,12 +29,12 @@ icehost: $2 failed"
 scans=(tests/scripts/idcode.ini examples/scratch_register.ini examples/reset.ini)
 same_as_simulated "$probe" "${scans[@]}"
 same_as_simulated "$probe:sim.tap" tests/scripts/idcode.ini
-# A page is not refused without pins, unlike a waveform; it tells what was scanned.
+# Without pins a page is possible, unlike a waveform, and shows the scans.
 "$icehost" run -q --probe "$probe" --html - tests/scripts/idcode.ini \
   >"$scratch/page.html" || fail "a page of OpenOCD"
 grep -q '"DR 0x2badc001"' "$scratch/page.html" && grep -q '"total_steps":0,' "$scratch/page.html" ||
   fail "the page of OpenOCD"
-# summary PROBE PATTERN
+# summary PROBE PATTERN: the summary of a run on the probe matches the pattern.
 summary() {
   "$icehost" run -q --summary --probe "$1" tests/scripts/idcode.ini 2>"$scratch/run.log"
   grep -qE "$2" "$scratch/run.log" || fail "summary of $1"
@@ -55,12 +55,12 @@ same_as_simulated "$bitbang" "${scans[@]}" examples/read_idcode.gpio
 refused "$bitbang" examples/two_wire.ini "5: link_config failed: these pins have no 2-wire interface"
 refused "$bitbang" examples/reset_pulse.gpio \
   "5: link_gpio_operator failed: remote_bitbang has no output enables: only TDO can be released"
-# Only what the server reports is learned.
+# Only pins that the server reports are learned.
 printf '[ORVEX_ICE_GPIO]\nSTART\nGPIO_OE=0x1F\nPRINT=GPIO_IN\nEND\n' |
   "$icehost" run -q --probe "$bitbang" --learn - - >"$scratch/run.txt"
 grep -qE '^PRINT=GPIO_IN  # expect 0x[02]0/0x20$' "$scratch/run.txt" || fail "pins on $bitbang"
 
-# edges VCD: what changes when, in an order and under names that no writer chooses.
+# edges VCD: prints all changes as TIME NAME VALUE, sorted, whatever codes and order the file has.
 edges() {
   awk '$1 == "$var" { name[$4] = $5 }
     /^#/ { time = substr($1, 2) }
@@ -68,15 +68,15 @@ edges() {
     time != "" && /^s/ { print time, name[$2], substr($1, 2) }
     END { print time, "end" }' "$1" | sed 's/\\\(.\)/\1/g' | sort
 }
-# same_in_gtkwave VCD: GTKWave's reader finds in it what was written, also in the names.
+# same_in_gtkwave VCD: a conversion by GTKWave's tools keeps all changes and names.
 same_in_gtkwave() {
   vcd2fst "$1" "$scratch/run.fst" && fst2vcd "$scratch/run.fst" -o "$scratch/read.vcd" ||
     fail "GTKWave does not read $1"
   [ "$(edges "$1" | grep -c ' tck ')" -gt 50 ] || fail "a waveform without edges"
-  diff <(edges "$1") <(edges "$scratch/read.vcd") || fail "GTKWave reads something else in $1"
+  diff <(edges "$1") <(edges "$scratch/read.vcd") || fail "GTKWave reads $1 differently"
 }
 
-# The waveform, of the simulated probe and across the network, as a logic analyser decodes it.
+# A logic analyser decodes the waveform of the simulated probe and of a remote_bitbang server.
 for run in "--idcode 0x2BADC001 tests/scripts/idcode.ini" \
   "--idcode 0x2BADC001 examples/read_idcode.gpio" "--probe $bitbang tests/scripts/idcode.ini"; do
   # shellcheck disable=SC2086
@@ -86,7 +86,7 @@ for run in "--idcode 0x2BADC001 tests/scripts/idcode.ini" \
   xmllint --noout "$scratch/run.svg" || fail "the picture is not well-formed"
 done
 
-# Names that XML and GTKWave have a use for: markup, every byte, a character that XML lacks.
+# Names with a meaning for XML or GTKWave: markup, every byte, a character not allowed in XML.
 hostile="$scratch/<x>&\"$(printf '\001\377').ini"
 cp tests/scripts/every_byte.ini "$hostile"
 "$icehost" run -q --keep-going --svg "$scratch/run.svg" --vcd "$scratch/run.vcd" "$hostile" \
@@ -99,7 +99,7 @@ same_in_gtkwave "$scratch/run.vcd"
 
 stop TERM "$server"
 
-# The same scripts by both protocols: the same calls, and the same scans at the server.
+# With both protocols the same scripts make the same calls, and the same scans at the server.
 for protocol in remote-bitbang xvc; do
   serve --protocol "$protocol" --trace="$scratch/served.txt" --vcd "$scratch/$protocol.vcd"
   for script in examples/{read_idcode,scratch_register,two_wire}.ini \
@@ -111,7 +111,7 @@ for protocol in remote-bitbang xvc; do
   shows_scan "$scratch/$protocol.vcd" 0x12345678 || fail "the waveform of $protocol"
 done
 for what in calls scans; do
-  diff "$scratch/remote-bitbang.$what" "$scratch/xvc.$what" || fail "other $what over XVC"
+  diff "$scratch/remote-bitbang.$what" "$scratch/xvc.$what" || fail "the $what over XVC differ"
 done
 grep -qx 'DR 32 bits 0xedcba987 -> 0x12345678' "$scratch/xvc.scans" || fail "no scans over XVC"
 
@@ -126,13 +126,13 @@ refused "xvc:127.0.0.1:$port" examples/read_idcode.gpio \
 "$icehost" detect --probe "xvc:127.0.0.1:$port" >"$scratch/run.txt" || fail "detect over XVC"
 sed -i "s/xvc:[^ ]*/the simulated probe/" "$scratch/run.txt"
 holds run.txt "$("$icehost" detect)"
-# It knows no such device.
+# openFPGALoader does not know this device, so its status does not matter.
 openFPGALoader -c xvc-client --ip 127.0.0.1 --port "$port" --detect >"$scratch/run.log" 2>&1 || true
 grep -q 'IDCODE: 0x1ce51001 ' "$scratch/run.log" || fail "openFPGALoader"
 stop TERM "$server"
 stop TERM "$behind"
 
-# serve_socket: starts a server of a UNIX socket, in place of `server`.
+# serve_socket: starts a server on a UNIX socket, and sets `server`.
 serve_socket() {
   : >"$scratch/unix.log"
   env --default-signal=INT "$icehost" serve "unix:$scratch/socket" 2>"$scratch/unix.log" &
@@ -140,7 +140,7 @@ serve_socket() {
   wait_for 'unix:.*' "$scratch/unix.log" >/dev/null
 }
 
-# A server that dies leaves its socket, which is in nobody's way.
+# A killed server leaves its socket, which the next server replaces.
 serve_socket
 "$icehost" serve "unix:$scratch/socket" 2>"$scratch/twice.log" && fail "two servers on one socket"
 kill -KILL "$server"
@@ -150,10 +150,10 @@ serve_socket
 stop INT "$server"
 [ ! -e "$scratch/socket" ] || fail "the socket file is left"
 
-# A client that is silent makes room.
+# A client that is silent for too long is disconnected when another one connects.
 serve --idle-limit 0.01
 exec 4<>"/dev/tcp/127.0.0.1/$port"
 printf 'R' >&4
 read -r -t 5 -n 1 -u 4 || fail "no answer to R"
 sleep 0.1
-"$icehost" run -q --probe "remote-bitbang:127.0.0.1:$port" examples/reset.ini || fail "no room"
+"$icehost" run -q --probe "remote-bitbang:127.0.0.1:$port" examples/reset.ini || fail "not served"

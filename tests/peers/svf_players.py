@@ -1,5 +1,5 @@
 #!/usr/bin/python3 -B
-"""OpenOCD plays an SVF file, and icehost the GPIO script that it makes of it: both do the same.
+"""OpenOCD plays an SVF file, and icehost runs the GPIO script that it imports: both do the same.
 
 usage: svf_players.py ICEHOST SOURCE_FOLDER
 """
@@ -10,7 +10,7 @@ sys.path.append(sys.path[0] + "/..")
 from lib import Serve, expect, output, run_checks, waveform, write
 
 STABLE = ["RESET", "IDLE", "DRPAUSE", "IRPAUSE"]
-# Begins each part of a file. Neither player shifts this otherwise.
+# The mark at the beginning of each part of a file. No part shifts the same bits.
 MARK = "ENDIR IDLE; ENDDR IDLE; HIR 0; TIR 0; HDR 0; TDR 0; STATE IDLE; SDR 13 TDI (1555);"
 PARTS = {
     **{f"from {here} to {there}": f"STATE {here}; STATE {there};"
@@ -35,7 +35,7 @@ TARGET = "jtag newtap sim tap -irlen 5; gdb_port disabled; telnet_port disabled;
 
 
 def played(vcd):
-    """Returns, for each mark, the edges after it: the states, and what is shifted."""
+    """Returns a list for each mark: the TAP states, shifted bits and levels of TRST after it."""
     levels, states = waveform(vcd)
     parts, edges, scan = [], [], ""
     for i in range(1, len(states)):
@@ -51,19 +51,19 @@ def played(vcd):
                 edges = []
                 parts.append(edges)
             scan = ""
-        # How many edges a reset takes is the player's business.
+        # Players may differ in the number of edges for a reset.
         if (states[i - 1], states[i]) != ("Test-Logic-Reset",) * 2:
             edges.append(states[i])
     return parts
 
 
 def write_svf(text):
-    """OpenOCD reads one statement of a line."""
+    """Writes one statement per line, because OpenOCD reads only one."""
     write("all.svf", text.replace(";", ";\n"))
 
 
 def serve_to(play):
-    """Returns the status of a player and what it played."""
+    """Returns the status of a player, and the parts that it played on a server."""
     server = Serve("--vcd=played.vcd")
     status = play(server.port)
     server.end()
@@ -82,7 +82,7 @@ def openocd(port):
 def icehost(port):
     said = output("icehost", "import", "--script", "gpio", "all.svf", "-o", "all.gpio")
     said += output("icehost", "check", "--strict", "all.gpio")
-    expect("what icehost says of the file and its script", said, "")
+    expect("messages about the file and its script", said, "")
     command = ["icehost", "run", "-q", "--probe", f"remote-bitbang:127.0.0.1:{port}", "all.gpio"]
     return subprocess.run(command, capture_output=True, timeout=60, check=False).returncode
 
@@ -97,7 +97,7 @@ def check_same():
 
 
 def check_changed():
-    """A bit of TDO that counts makes both fail, one that does not count neither."""
+    """A wrong bit of TDO makes both players fail, unless the mask excludes it."""
     for tdo, status in (("1ce51001", 0), ("0ce51001", 0), ("1ce51003", 1), ("1c651001", 1)):
         write_svf(f"STATE RESET; SDR 32 TDI (0) TDO ({tdo}) MASK (0fffffff);")
         expect(tdo, (serve_to(openocd)[0], serve_to(icehost)[0]), (status, status))

@@ -1,4 +1,4 @@
-// The entry: what is true of every script.
+// ImplementScr: behaviour that does not depend on the script.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -33,7 +33,7 @@ TEST(Entry, NumbersReadsAcrossCalls) {
   EXPECT_EQ(last, "GPIO_DATA_3 = 0x00000003\n");
 }
 
-// What goes to standard output must be there when the host dies of something else.
+// Text on standard output must be there even if the host exits without flushing it.
 TEST(Entry, FlushesStandardOutput) {
   TempFile script("[A]\nIR=1\nDR=W,0\n");
   const Module module;

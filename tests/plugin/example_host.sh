@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# The example host shows what icehost shows. usage: example_host.sh ICEHOST SOURCE_FOLDER HOST PLUGIN
+# The example host prints the same as icehost: example_host.sh ICEHOST SOURCE_FOLDER HOST PLUGIN
 source "$(dirname "${BASH_SOURCE[0]}")/../lib.sh"
 source=$PWD host=$3 plugin=$4
 cd "$scratch"
 
-# expect STATUS TEXT ARGUMENT...: what the host ends with, and a pattern of its standard error.
+# expect STATUS PATTERN ARGUMENT...: runs the host; its standard error must match PATTERN.
 expect() {
   local wanted=$1 text=$2 status=0
   shift 2
@@ -13,7 +13,7 @@ expect() {
   [[ "$status:$(cat err.txt)" == $wanted:$text ]] || fail "$* ended with $status: $(cat err.txt)"
 }
 
-# Lengths of every kind, over one interface.
+# lengths CDI: prints a script with registers of all kinds of lengths for this interface.
 lengths() {
   printf '[CONTROL]\nCDI=%s\n' "$1"
   local bits
@@ -29,12 +29,12 @@ printf '[CONTROL]\nCDI=4\n[A]\nIR=5\nDR=R,8\n[B]\nIR=5,1\nDR=R,32\n' >refused.in
 for script in "$source"/examples/*.ini "$source"/examples/reset_pulse.gpio *.ini; do
   expect 0 "" "$plugin" "$script"
   "$icehost" run --force "$script" >icehost.txt 2>/dev/null || [ -z "${script##[!/]*}" ]
-  diff icehost.txt out.txt || fail "$script: not what icehost prints"
+  diff icehost.txt out.txt || fail "$script: the output differs from icehost's"
 done
 expect 0 "" "$plugin" "$source/examples/read_idcode.gpio"
 
 expect 1 "host: absent.ini failed" "$plugin" absent.ini
-# The longest registers, and one bit more of either: INTERFACE IR DR WHICH.
+# long CDI IR DR [NAME]: runs a scan with these lengths. NAME is the register that is too long.
 long() {
   printf '[CONTROL]\nCDI=%s\n[LONG]\nIR=%s,2\nDR=R,%s,0\n' "$1" "$2" "$3" >long.ini
   local text=${4:+"host: the $4 is too long for this probe"$'\n'"host: long.ini failed"}
@@ -49,7 +49,7 @@ long 2 248 233 DR
 : >empty.ini
 for script in empty.ini .; do
   expect 1 "host: $script failed" "$plugin" "$script"
-  [ "$(cat out.txt)" = "Syntax error, no end found" ] || fail "$script"
+  [ "$(cat out.txt)" = "Syntax error, no end found" ] || fail "$script: $(cat out.txt)"
 done
 expect 2 "usage: host PLUGIN SCRIPT"
 expect 3 "host: ./absent.so: cannot open shared object file: No such file or directory" \

@@ -8,7 +8,7 @@
 
 namespace {
 
-FakeHost* running = nullptr;  // callbacks carry no handle
+FakeHost* running = nullptr;  // the callback gets no handle
 
 FakeHost& HostOf(LinkHandle handle) {
   return *static_cast<FakeHost*>(handle);
@@ -95,7 +95,7 @@ std::string FakeHost::RunFile(const char* path) {
   try {
     const auto record = [](const char* text) {
       running->Message(text);
-      return -1;  // the result must not matter
+      return -1;  // the plug-in must ignore the result
     };
     end =
         "= " + std::to_string(module.entry(this, path != nullptr ? name.data() : nullptr, record));

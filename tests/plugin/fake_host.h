@@ -1,4 +1,4 @@
-// A host for tests: records every call and message in order, and answers as the test says.
+// A host for tests: it records every call and message in order, and the test sets its answers.
 #ifndef ICESCRIPT_TESTS_FAKE_HOST_H_
 #define ICESCRIPT_TESTS_FAKE_HOST_H_
 
@@ -10,7 +10,7 @@
 #include "entry/icescript.h"
 #include "tests/temp_file.h"
 
-// Events, one a line of the transcript:
+// Writes a transcript with one event per line:
 //   "text"                          a message, line breaks and tabs as \n and \t; adjacent messages
 //                                   are joined unless `pieces` is set
 //   config CODE VALUE               reset KIND              execute
@@ -18,23 +18,23 @@
 //   gpio OUT OE FLAGS               in hexadecimal
 class FakeHost {
  public:
-  // Results by the call's first word, or "query" for link_config(LINK_CONFIG_GET_CDI): the n-th
-  // call gets the n-th, 0 where there is none.
+  // Results for each kind of call, by its first word above, or by "query" for LINK_CONFIG_GET_CDI.
+  // The n-th call gets the n-th result, or 0 if there is none.
   std::map<std::string, std::vector<int>> results;
-  // The call of this number, counted over all of them, gets `answer` instead; negative: none does.
+  // The call with this number, from 0 over all kinds, has the result `answer`; none if negative.
   int answered_call = -1;
   int answer = 0;
-  // What the n-th pin read stores; a read past the end stores nothing.
+  // The values that pin reads store, in order. Further reads store nothing.
   std::vector<std::uint32_t> pin_reads;
-  // Copied to the start of the capture buffer.
+  // Bytes that each execute copies to the start of the capture buffer.
   std::vector<std::uint8_t> capture;
-  // Number of messages after which the next one throws an int; negative: never.
+  // The number of messages before the one that throws an int; none throws if negative.
   int throw_after = -1;
   bool pieces = false;
 
-  // Loads the plug-in afresh, so that the read numbers begin at 0, and runs a file of this text (or
-  // the file `path`). Returns what was recorded, then what came on standard output as
-  // "stdout TEXT", then the result as "= N", or "thrown N" where an int came out instead.
+  // Load the plug-in, so that reads are numbered from 0, and run a file with this text, or the file
+  // at `path`, which may be null. Return the transcript. It ends with the text on standard output,
+  // if any, as "stdout TEXT", and with the result as "= N", or "thrown N" for a thrown int.
   std::string RunText(const std::string& script);
   std::string RunFile(const char* path);
 
@@ -49,10 +49,10 @@ class FakeHost {
   std::string events_;
 };
 
-// `text` with line breaks and tabs visible, in quotes.
+// Returns `text` in quotes, with line breaks as \n and tabs as \t.
 std::string Quoted(const std::string& text);
 
-// The built module, loaded.
+// The built plug-in, loaded. The constructor throws std::runtime_error if it cannot be loaded.
 class Module {
  public:
   Module();

@@ -1,4 +1,4 @@
-// GPIO scripts: whole files through the built module, as a host sees them.
+// GPIO scripts: what a host sees when the built plug-in runs whole files.
 #include <gtest/gtest.h>
 
 #include <climits>
@@ -13,8 +13,8 @@ const std::string kHead = "[ORVEX_ICE_GPIO]\nSTART\n";
 const std::string kBanner = "\"Execute ORVEX_ICE_GPIO Script.\\n\"\n";
 const std::string kEnd = "\"Execute ORVEX ICE Script End.\\n\"\n= 0\n";
 
-// What a script of these lines after START does, between the START operation and the end banner;
-// the whole transcript where it does not come to that.
+// Runs a script with these lines after START. Returns the transcript between the START operation
+// and the end banner, or the whole transcript if the script does not start.
 std::string Operations(const std::string& lines) {
   FakeHost host;
   std::string transcript = host.RunText(kHead + lines);
@@ -30,7 +30,7 @@ TEST(GpioScript, TurnsLinesIntoOperations) {
     const char* lines;
     const char* operations;
   } kCases[] = {
-      // Every pin; a line starts from where the previous one left the pins.
+      // Every pin. A line starts with the pin state of the previous one.
       {"NRST=1\nTRST=1\nTCK=1\nTMS=1\nTDI=1\nTDO=1\nEND",
        "gpio 01 3f 01\ngpio 03 3f 01\ngpio 07 3f 01\ngpio 0f 3f 01\ngpio 1f 3f 01\ngpio 3f 3f 01\n"
        "gpio 3f 3f 10\n"},
@@ -38,38 +38,38 @@ TEST(GpioScript, TurnsLinesIntoOperations) {
        "gpio 3f 3f 01\ngpio 3e 3f 01\ngpio 3c 3f 01\ngpio 38 3f 01\ngpio 30 3f 01\ngpio 20 3f 01\n"
        "gpio 00 3f 01\ngpio 00 3f 10\n"},
       {"NRST=1, TMS=1 ,TMS=0\r\n\n tdi = 1 \nEND", "gpio 01 3f 01\ngpio 11 3f 01\ngpio 11 3f 10\n"},
-      // A word without "=" is its own value, which is no number: 0.
+      // A word without "=" is its own value. As a number it is 0.
       {"GPIO_OUT=0x3f\nNRST\nGPIO_OUT\nEND",
        "gpio 3f 3f 01\ngpio 3e 3f 01\ngpio 00 3f 01\ngpio 00 3f 10\n"},
-      // Clearing any pin clears the bits above the pins.
+      // Clearing any pin also clears the bits above the pins.
       {"GPIO_OUT=0x40\nTCK=1\nTCK=0\nEND",
        "gpio 40 3f 01\ngpio 44 3f 01\ngpio 00 3f 01\ngpio 00 3f 10\n"},
-      // An empty value repeats the last number, wherever it was.
+      // An empty value is the last number, even from an earlier line.
       {"TCK=1\nTCK=0,TCK=1\nTMS=\nEND",
        "gpio 04 3f 01\ngpio 04 3f 01\ngpio 0c 3f 01\ngpio 0c 3f 10\n"},
       {"TCK=1\nPRINT=GPIO_IN\nTCK=\nEND",
        "gpio 04 3f 01\ngpio 04 3f 02\n\"error: Get GPIO_DATA_0 fail.\"\ngpio 00 3f 01\n"
        "gpio 00 3f 10\n"},
       {"TCK=1\nREPT=\nTMS=1\nENDR\nEND", "gpio 04 3f 01\ngpio 0c 3f 01\ngpio 0c 3f 10\n"},
-      // NRST=1 forgets the flags before it on its line; NRST=0 does not.
+      // NRST=1 drops the flags of the items before it on its line; NRST=0 does not.
       {"GPIO_OE=0x3, NRST=1\nNRST=1, GPIO_OE=0x7\nPRINT=GPIO_IN,NRST=1\nEND",
        "gpio 01 03 01\ngpio 01 07 05\ngpio 01 07 01\ngpio 01 07 10\n"},
       {"GPIO_OE=0, NRST=0\nEND", "gpio 00 00 05\ngpio 00 00 10\n"},
-      // Numbers.
+      // Forms of numbers.
       {"GPIO_OUT=0x100000001\nGPIO_OUT= 12z\nGPIO_OUT=0X10\nGPIO_OUT=-0x10\nGPIO_OUT=0x-5\n"
        "GPIO_OUT=\t+7\nGPIO_OUT=010\nGPIO_OUT=0x\nEND",
        "gpio 01 3f 01\ngpio 0c 3f 01\ngpio 00 3f 01\ngpio 00 3f 01\ngpio 00 3f 01\ngpio 07 3f 01\n"
        "gpio 0a 3f 01\ngpio 00 3f 01\ngpio 00 3f 10\n"},
-      // END may stand anywhere in a line, with a value, and ends the reading there.
+      // END may be anywhere in a line and have a value. Everything after it is ignored.
       {"TDO=1, END, junk\njunk", "gpio 20 3f 11\n"},
       {"GPIO_OE=1,end=0", "gpio 00 01 14\n"},
-      // "#" starts a comment, also alone on a line.
+      // "#" starts a comment, which may be alone on its line.
       {"# none\n  # none\nTCK=1 # one\nEND", "gpio 04 3f 01\ngpio 04 3f 10\n"},
-      // Blocks run their count each time they are met.
+      // A block runs as often as its count says, each time that it is reached.
       {"rept=2\nTCK=1\nREPT=3\nTCK=0\nENDR=9\nENDR\nREPT=1\nTMS=1\nENDR\nREPT=5\nENDR\nEND",
        "gpio 04 3f 01\ngpio 00 3f 01\ngpio 00 3f 01\ngpio 00 3f 01\ngpio 04 3f 01\ngpio 00 3f 01\n"
        "gpio 00 3f 01\ngpio 00 3f 01\ngpio 08 3f 01\ngpio 08 3f 10\n"},
-      // Blocks that do nothing take no time.
+      // Blocks without a pin operation are skipped.
       {"REPT=2\nTCK=1\nREPT=2147483647\nREPT=2147483647\nENDR\nREPT=9\nENDR\nENDR\nENDR\nEND",
        "gpio 04 3f 01\ngpio 04 3f 01\ngpio 04 3f 10\n"},
       {"REPT=2\nREPT=1\nREPT=2\nTCK=1\nENDR\nENDR\nENDR\nREPT=2147483647\nREPT=2147483647\nENDR\n"
@@ -124,7 +124,7 @@ TEST(GpioScript, IsToldByItsHead) {
   const std::string no_end = "\"Syntax error, no end found\"\n= -1\n";
   const std::string no_start = "\"Syntax error: no start found.\"\n= -1\n";
   const std::string ran = kBanner + "gpio 00 3f 08\ngpio 00 3f 10\n" + kEnd;
-  const std::string no_gpio = "\"Execute ORVEX_JTAG Script.\\n";  // behind the empty message
+  const std::string no_gpio = "\"Execute ORVEX_JTAG Script.\\n";  // after an empty message
   const struct {
     const char* text;
     std::string transcript;
@@ -154,7 +154,7 @@ TEST(GpioScript, IsToldByItsHead) {
 TEST(GpioScript, ReportsReads) {
   FakeHost host;
   host.pin_reads = {0x1a, 0, 0xDEADBEEF};
-  // The third run of the block stores a value that the fourth, which stores none, shows again.
+  // The third run of the block stores a value. The fourth stores nothing and shows it again.
   EXPECT_EQ(host.RunText(kHead + "REPT=4\nPRINT=GPIO_IN\nENDR\nPRINT=GPIO_IN\nEND"),
             kBanner +
                 "gpio 00 3f 08\n"

@@ -1,4 +1,4 @@
-// Scripts of hostile size and content, through the built module.
+// The built plug-in runs scripts of hostile size and content.
 #include <gtest/gtest.h>
 
 #include <cerrno>
@@ -18,7 +18,7 @@ std::string Times(int n, const std::string& text) {
   return all;
 }
 
-// Sections [S0], [S1] ... with this below each.
+// Returns n sections [S0], [S1] ... with the same body.
 std::string Sections(int n, const std::string& body) {
   std::string all;
   for (int i = 0; i < n; ++i) all += "[S" + std::to_string(i) + "]" + body;
@@ -31,7 +31,7 @@ TEST(HostileScript, IsRunOrRefused) {
   const std::string missing = "Unable to locate specified value." + kEnd + "= 0\n";
   const struct {
     std::string script;
-    std::string end;  // of the transcript
+    std::string end;  // the end of the transcript
   } kCases[] = {
       {std::string(1000000, 'x'), no_end},
       {kGpio + std::string(1000000, 'x'), no_end},
@@ -41,17 +41,17 @@ TEST(HostileScript, IsRunOrRefused) {
       {kGpio + Times(1000000, "TCK=1\n") + "END", "gpio 04 3f 10\n\"" + kEnd + "= 0\n"},
       {kGpio + Times(200, "REPT=1\n") + "TMS=1\n" + Times(200, "ENDR\n") + "END",
        "gpio 00 3f 08\ngpio 08 3f 01\ngpio 08 3f 10\n\"" + kEnd + "= 0\n"},
-      // To look through a block at each REPT would take half an hour here.
+      // A search through the block at each REPT would take half an hour here.
       {kGpio + "REPT=50\n" + Times(100000, "REPT=1\n") + "TMS=1\n" + Times(100001, "ENDR\n") +
            "END",
        Times(50, "gpio 08 3f 01\n") + "gpio 08 3f 10\n\"" + kEnd + "= 0\n"},
       {kGpio + Times(200, "REPT=9\n") + "END", "\"syntax error: rept & endr not match.\"\n= -1\n"},
       {kGpio + std::string("TCK=1\0junk\nEND", 14), "gpio 04 3f 10\n\"" + kEnd + "= 0\n"},
       {kGpio + "\x80\xFF\nEND", "\"Syntax error in line3 : \x80\xFF\"\n= -1\n"},
-      {kGpio + "TCK=1\rEND\r", no_end},  // one line, of which the number ends at the "\r"
-      // Sections without values are no operations.
+      {kGpio + "TCK=1\rEND\r", no_end},  // one line; its number ends at the first "\r"
+      // Sections without values are ignored.
       {Sections(100000, "\n"), "Script.\\n" + kEnd + "= 0\n"},
-      // Names are looked up one by one: ten times as many take a hundred times as long.
+      // Lookups are linear: ten times as many names take a hundred times as long.
       {Sections(2000, kScan), "DR   0 bits out value 0x\\n" + kEnd + "= 0\n"},
       {"[" + name + "]\nIR=8\nDR=W,0", kEnd + "stdout \"" + name + " syntax error\\n\"\n= 0\n"},
       {"[A]\n" + name + "=1", missing},
@@ -62,7 +62,7 @@ TEST(HostileScript, IsRunOrRefused) {
   };
   for (const auto& test : kCases) {
     FakeHost host;
-    errno = EINTR;  // of some earlier call of the host's: it is no reason to read on
+    errno = EINTR;  // left by an earlier call of the host: the reader must not retry because of it
     const std::string transcript = host.RunText(test.script);
     EXPECT_EQ(transcript.substr(transcript.size() - std::min(transcript.size(), test.end.size())),
               test.end)

@@ -1,4 +1,4 @@
-// The INI store, its reader, the line reader and the splitter.
+// The INI store, its reader, and SplitString.
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -68,7 +68,7 @@ TEST(IniStore, AnswersWhatIsMissing) {
   EXPECT_TRUE(ini.GetValue("NOPE", "IR") == "");
   EXPECT_STREQ(ini.error_msg, kNoKey);
   EXPECT_TRUE(ini.GetValue("S", "EMPTY") == "");
-  EXPECT_STREQ(ini.error_msg, kNoKey) << "a success leaves the last message";
+  EXPECT_STREQ(ini.error_msg, kNoKey) << "a success cleared the last message";
   EXPECT_TRUE(ini.GetValue("S", "IR") == "");
   EXPECT_STREQ(ini.error_msg, kNoValue);
   ini.GetValue("NOPE", "IR");
@@ -76,7 +76,7 @@ TEST(IniStore, AnswersWhatIsMissing) {
   EXPECT_STREQ(ini.error_msg, kNoValue);
 }
 
-// The names of the sections with "{NAME=VALUE}" for each of the values asked for.
+// Returns each section as "[SECTION]", followed by "{NAME=VALUE}" for each of these names in it.
 std::string Dump(CIniFile& ini, const std::vector<std::string>& names) {
   std::string dump;
   for (int i = 0; i < ini.GetNumKeys(); ++i) {

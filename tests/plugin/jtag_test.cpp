@@ -1,4 +1,4 @@
-// JTAG scripts: whole files through the built module, as a host sees them.
+// JTAG scripts: what a host sees when the built plug-in runs whole files.
 #include <gtest/gtest.h>
 
 #include <numeric>
@@ -12,7 +12,7 @@ namespace {
 const std::string kBanner = "Execute ORVEX_JTAG Script.\\n";
 const std::string kEnd = "Execute ORVEX ICE Script End.\\n";
 
-// The transcript without what every JTAG script begins with.
+// Returns the transcript without the first messages, which all JTAG scripts have in common.
 std::string RunJtag(FakeHost& host, const std::string& script) {
   const std::string transcript = host.RunText(script);
   const std::string head = "\"\"\n\"" + kBanner;
@@ -20,7 +20,7 @@ std::string RunJtag(FakeHost& host, const std::string& script) {
   return transcript.substr(std::min(head.size(), transcript.size()));
 }
 
-// The insert calls of a script's scans, without the word: what was made of its numbers.
+// Returns the arguments of a script's insert calls: its numbers as the plug-in reads them.
 std::string Inserts(const std::string& script) {
   FakeHost host;
   std::istringstream transcript(RunJtag(host, script));
@@ -31,7 +31,7 @@ std::string Inserts(const std::string& script) {
   return inserts;
 }
 
-// n fields ",0x01", ",0x02", ...
+// Returns n fields: ",01", ",02", ...
 std::string Fields(int n) {
   std::string fields;
   for (int i = 1; i <= n; ++i) fields += "," + std::to_string(i / 10) + std::to_string(i % 10);
@@ -96,7 +96,7 @@ TEST(JtagScript, ConvertsItsNumbers) {
   } kCases[] = {
       {"IR=8,\nDR=W,0", "8:00 0:\n"},
       {"IR=0x10,1\nDR=W,1", "0: 1:00\n"},
-      {"IR=4,1,2\nDR=r,8,ff", "4:01 8:ff\n"},  // the host sees the bytes of the length
+      {"IR=4,1,2\nDR=r,8,ff", "4:01 8:ff\n"},  // FakeHost shows no bytes beyond the length
       {"IR=16,0x34,0x12\nDR=,16, 0x1F ,\t0X1ff", "16:3412 16:1fff\n"},
       {"IR=32,0x0x1f,zz,-1,0x-2\nDR=w, 24 bits,+3,0xg,ffffffffffffffffff",
        "32:1f00fffe 24:0300ff\n"},
@@ -105,7 +105,7 @@ TEST(JtagScript, ConvertsItsNumbers) {
       {"IR=9223372036854775806,1\nDR=W,-9223372036854775807,1", "-2: 1:01\n"},
       {"IR=24,7ffffffffffffffe,8000000000000000,-8000000000000001\nDR=W,-9999999999999999999",
        "24:feff00 0:\n"},
-      // Of white space a number may begin with any; the neighbours of the digits end it.
+      // Any white space may precede a number. The characters next to digits in ASCII end it.
       {"IR=48,\v\r1,1/,1:,1@,1G,1`\nDR=W,40,1g,0X0x1f,0aX1,0x,\t 1",
        "48:010101010101 40:011f0a0001\n"},
       {"IR=3,1,2,3,4\nDR=W,3,1,2,3,4", "3:01 3:01\n"},
@@ -113,7 +113,7 @@ TEST(JtagScript, ConvertsItsNumbers) {
   for (const auto& test : kCases) {
     EXPECT_EQ(Inserts(std::string("[A]\n") + test.values), test.insert) << test.values;
   }
-  // Bytes are limited by the length in bits, not in bytes.
+  // A register of n bits keeps n of the listed bytes.
   icescript::JtagScr scr(nullptr, [](const char*) { return 0; });
   EXPECT_STREQ(scr.errorMessage, "No scr file specified.\n");
   const std::unique_ptr<icescript::JtagOperatorData> record(
@@ -142,7 +142,7 @@ TEST(JtagScript, NeverHandsOverMoreThanARecordHolds) {
     bool runs;
   } kCases[] = {
       {"IR=288" + Fields(36) + "\nDR=W,288" + Fields(36), true},
-      {"IR=8" + Fields(99) + "\nDR=W,0" + Fields(99), true},  // 8 stored, none stored
+      {"IR=8" + Fields(99) + "\nDR=W,0" + Fields(99), true},  // stores 8 bytes and none
       {"IR=36" + Fields(37) + "\nDR=W,36" + Fields(36), true},
       {"IR=37" + Fields(37) + "\nDR=W,8,1", false},
       {"IR=8,1\nDR=R,288" + Fields(37), false},
@@ -152,7 +152,7 @@ TEST(JtagScript, NeverHandsOverMoreThanARecordHolds) {
     const std::string transcript =
         RunJtag(host, "[A]\n" + test.section + "\n[B]\nIR=8,7\nDR=W,8,9\n");
     const bool ran = transcript.find("IR size 8 bits, Write DR size 8 bits") != std::string::npos;
-    EXPECT_TRUE(ran) << "the next section runs all the same";
+    EXPECT_TRUE(ran) << "the next section did not run";
     const std::string tail = "stdout \"A syntax error\\n\"\n= 0\n";
     const bool refused = transcript.find(tail) != std::string::npos;
     EXPECT_EQ(refused, !test.runs) << test.section;
@@ -167,7 +167,7 @@ TEST(JtagScript, BoundsTheLongestScan) {
   std::iota(host.capture.begin(), host.capture.end(), std::uint8_t{0x80});
   const std::string scan = "IR=288" + Fields(36) + "\nDR=R,288" + Fields(36) + "\n";
   const std::string transcript = RunJtag(host, "[A]\n" + scan + "[B]\n" + scan);
-  // Fields(36), the bytes as listed: 01 .. 36, read as hexadecimal.
+  // The bytes of Fields(36) as listed are 01 to 36, in hexadecimal.
   std::string listed, dump, capture5, capture2;
   char byte[3];
   for (int i = 1; i <= 36; ++i) {
@@ -182,7 +182,7 @@ TEST(JtagScript, BoundsTheLongestScan) {
   EXPECT_NE(transcript.find("insert 288:" + listed + " 288:" + listed + "\n"), std::string::npos);
   EXPECT_NE(transcript.find("DR 288 bits in  value 0x" + dump + "\\n"), std::string::npos);
   EXPECT_NE(transcript.find("DR 288 bits out value 0x" + capture5 + "\\n"), std::string::npos);
-  // Over two wires bytes 0 to 31 move up, 33 to 35 stay, and the dump ends with the array.
+  // With two wires bytes 0 to 31 move up by one, 33 to 35 do not, and the array ends the dump.
   const std::string moved = listed.substr(0, 64) + listed.substr(66);
   const std::string moved_dump = dump.substr(0, 6) + dump.substr(8);
   EXPECT_NE(transcript.find("insert 296:00" + moved + " 296:01" + moved + "\n"), std::string::npos);
@@ -213,7 +213,7 @@ TEST(JtagScript, ReportsWhatItDoesNotUnderstand) {
       {"[CONTROL]\nX=1", syntax("CONTROL")},
       {"[A%s]\nIR=8\nDR=W,0\n[CONTROL]\nCDI=5", five_wire + syntax("A%s")},
       {"[A]\nIR=8,1\nDR=R", syntax("A")},
-      // A section without IR or DR: the message is that of the last lookup that failed.
+      // For a section without IR or DR the message is that of the last lookup that failed.
       {"[CONTROL]\nCDI=5\n[A]\nIR=8,1\n[B]\nIR=8,1\nDR=W,0", missing + five_wire + ok},
       {"[CONTROL]\nCDI=5\n[A]\nIR=", missing + five_wire + ok},
       {"[CONTROL]\nRESET=1\n[A]\nIR=", reset + ok},

@@ -1,5 +1,5 @@
-// Walks over the examples: cut at every byte, failing at every call, interrupted at every message
-// and at every allocation. That nothing leaks is for the sanitizers to see.
+// Runs the examples cut at every byte, with a failure of every call, and with an exception at every
+// message and every allocation. Only the sanitizers find leaks.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -13,11 +13,11 @@
 #include "tests/plugin/fake_host.h"
 
 namespace {
-// Number of allocations after which the next one fails, once; negative: none fails.
+// The number of allocations before the only one that fails; none fails if negative.
 int allocations_left = -1;
 }  // namespace
 
-// Replaced for the whole process, the module included; the array forms of the library use these.
+// These replace the library's operators in the whole process, also for the array forms.
 void* operator new(std::size_t size) {
   void* const block = allocations_left-- == 0 ? nullptr : std::malloc(size > 0 ? size : 1);
   if (block == nullptr) throw std::bad_alloc();
@@ -48,7 +48,7 @@ Texts Examples() {
   return texts;
 }
 
-// The examples, and scripts whose faults are told from inside the parsers.
+// Returns the examples, and scripts with faults that the parsers report.
 Texts Scripts() {
   Texts scripts = Examples();
   for (const char* const lines : {"REPT=2\nREPT=2\nEND", "TCK=1\nENDR\nEND", "FOO"}) {
@@ -62,7 +62,7 @@ bool EndsWith(const std::string& text, const std::string& end) {
   return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
 }
 
-// The lines of a transcript that are calls of the host.
+// Returns the lines of a transcript that are host calls.
 Texts Calls(const std::string& transcript) {
   Texts calls;
   std::istringstream stream(transcript);
@@ -73,7 +73,7 @@ Texts Calls(const std::string& transcript) {
   return calls;
 }
 
-// The transcript of a run, without the numbers of the reads: these run on.
+// Returns the transcript of a run, without the numbers of the reads, which differ in each run.
 std::string Transcript(const std::string& script) {
   std::string transcript = FakeHost().RunText(script);
   const std::string word = "GPIO_DATA_";
@@ -84,8 +84,8 @@ std::string Transcript(const std::string& script) {
   return transcript;
 }
 
-// Of a cut GPIO script nothing runs, of a JTAG script what is before the cut; of the section that
-// is cut a scan may be left, with fewer bits or bytes.
+// Of a cut GPIO script nothing runs. A cut JTAG script runs up to the cut, and the section at the
+// cut may become a scan with fewer bits or bytes.
 TEST(EveryExample, RunsNothingElseWhenCut) {
   for (const std::string& script : Examples()) {
     const Texts whole = Calls(Transcript(script));
@@ -114,7 +114,7 @@ TEST(EveryExample, StopsAtTheCallThatFails) {
   for (const std::string& script : Examples()) {
     const std::string whole = FakeHost().RunText(script);
     const Texts calls = Calls(whole);
-    std::size_t done = 0;  // of `whole`, up to the call that is answered
+    std::size_t done = 0;  // the end in `whole` of the call that gets the result
     for (std::size_t i = 0; i < calls.size(); ++i) {
       done = whole.find("\n" + calls[i] + "\n", done) + calls[i].size() + 1;
       for (const int result : {INT_MIN, -1, 0, 1, 2, INT_MAX}) {
@@ -134,7 +134,7 @@ TEST(EveryExample, StopsAtTheCallThatFails) {
   }
 }
 
-// In both walks below the plug-in stays loaded, and the next run is as if nothing had been.
+// In the two tests below the plug-in stays loaded, and an exception must not affect the next run.
 
 TEST(EveryScript, PassesTheHostsExceptionOn) {
   const Module stays_loaded;
@@ -172,7 +172,7 @@ TEST(EveryScript, PassesOnThatThereIsNoMemory) {
       EXPECT_EQ(thrown, failed) << k << script;
       EXPECT_EQ(Transcript(script), whole) << k;
     }
-    EXPECT_GT(k, 1) << script;  // the module allocates through this file
+    EXPECT_GT(k, 1) << script;  // else the module does not call the operators of this file
   }
 }
 
