@@ -1,5 +1,5 @@
 // The lines of the two lists: their items, and the elements of these.
-const narrow = matchMedia("(max-width: 900px)");
+const narrow = matchMedia("screen and (max-width: 900px)");
 // Set by page.js.
 let messages = null;
 
