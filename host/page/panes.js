@@ -200,7 +200,11 @@ function noteText(item) {
 function renderRowItem(item) {
   if (item.kind === "row") return renderRow(item.row);
   if (item.kind === "title") return textLine("title", item.text);
-  if (item.kind === "value") return textLine("value", item.text);
+  if (item.kind === "value") {
+    const element = textLine("value", item.text);
+    foldNumbers(element.firstChild);
+    return element;
+  }
   return textLine(item.kind === "error" ? "note error" : "note", noteText(item));
 }
 
