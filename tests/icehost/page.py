@@ -193,7 +193,8 @@ PAGES = {
                 f"[ZEVA_ICE_GPIO]\nSTART\nGPIO_OE=0x1F\n{READ} # expect TCK=1\n\nTCK=1,TMS=1\n"
                 f"TCK=0\nREPT=2\n{READ} # expect TCK=0\nENDR\nEND\n"),
     "short": (["examples/reset_pulse.gpio"], ""),
-    "two wires": (["examples/two_wire.ini", "examples/read_idcode.gpio"], ""),
+    "two wires": (["--keep-going", "-", "examples/two_wire.ini", "examples/read_idcode.gpio"],
+                  f"[ZEVA_ICE_GPIO]\nSTART\n{READ} # expect TCK=1\nEND\n"),
     "many reads": (["--keep-going", "-"],
                    f"[ZEVA_ICE_GPIO]\nSTART\nGPIO_OE=0x1F\nREPT=400\nTCK=1\n{READ} # expect TCK=1\n"
                    f"TCK=0\n{READ}\nTDI=1\n{READ} # expect TDI=0\n{READ}\n"
