@@ -43,9 +43,19 @@ class DataLane {
         column = Math.floor(x);
       } else {
         if (reads[i].row.verdict !== NOT_MET) this.drawDot(x, y, reads[i].row.expected !== "");
-        free = this.drawReadText(reads[i], x, free, Math.min(next - DataLane.REACH, wave.width), y);
+        const [begin, past] = this.roomAround(reads[i]);
+        free = this.drawReadText(reads[i], x, Math.max(free, begin),
+          Math.min(next - DataLane.REACH, past), y);
       }
     }
+  }
+
+  // Between the boxes next to a read.
+  roomAround(read) {
+    const {wave, boxes} = this;
+    const next = wave.firstEndingAfter(boxes, read.end);
+    return [next > 0 ? wave.x(boxes[next - 1].end) : WaveView.LABELS,
+      next < boxes.length ? Math.min(wave.x(boxes[next].begin), wave.width) : wave.width];
   }
 
   drawTick(x, y) {
@@ -163,7 +173,7 @@ function textsOfBox(box) {
   const unmet = wrong === 0n ? [] : [`${back}, expected ${write("expected")}`];
   const sent = `${write("sent")} ${unmet[0] ?? back}`.trim();
   box.texts = [`${name} ${total} bits ${sent}`, `${name} ${sent}`, ...unmet, `${name} ${back}`,
-    back, name].filter((text) => text !== "");
+    back, `${name} ${total} bits`, name].filter((text) => text !== "");
   return box.texts;
 }
 

@@ -184,10 +184,12 @@ class Picture:
             unmet = [f"{back}, expected 0x{expected[1]}"] if wrong else []
             said = f"{value} {unmet[0] if wrong else back}".strip()
             texts = [f"{register} {int(sent[1]) - 4 * extra} bits {said}", f"{register} {said}",
-                     *unmet, f"{register} {back}", back, register]
+                     *unmet, f"{register} {back}", back, f"{register} {int(sent[1]) - 4 * extra} bits",
+                     register]
             blocks.append((scan.start() // 2, scan.end() // 2, "bad-soft" if wrong else "block",
                            [text for text in texts if text], 12 if wrong else 0))
         self.blocks(RULER + LANE, blocks)
+        self.boxes = [(begin, end) for begin, end, *_ in blocks]
         self.unmet = [(begin, end) for begin, end, *_, free in blocks if free]
 
     def reads(self):
@@ -212,7 +214,10 @@ class Picture:
             if row[-1] != NOT_MET:
                 self.calls += [("beginPath",), ("arc", x, middle, 3, 0, 2 * math.pi),
                                ("fill", "wave" if row[7] else "bg"), ("stroke", "wave")]
-            free = self.read_text(row, x, free, min(next_x - 6, self.width))
+            # No text is over a box.
+            free = max([free] + [self.x(end) for _, end in self.boxes if end <= step + 1])
+            free = self.read_text(row, x, free, min([next_x - 6, self.width] + [
+                self.x(begin) for begin, end in self.boxes if end > step + 1]))
         self.crosses(sorted(self.unmet + [(step, step + 1) for _, step, row in places
                                           if row[-1] == NOT_MET]))
 
