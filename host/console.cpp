@@ -84,7 +84,7 @@ void Console::Hold(bool holds) {
 
 void Console::Release() {
   if (!std::exchange(holds_, false)) return;
-  if (held_bytes_ > kMostHeldBytes) Say("icehost: the messages of this round are too many to keep");
+  if (held_bytes_ > kMostHeldBytes) Say("icehost: this round has too many messages to keep");
   for (const Held& held : std::exchange(held_, {})) {
     if (held.message) {
       Show(held.text.c_str());

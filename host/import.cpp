@@ -71,7 +71,7 @@ ExitStatus Import::Check() {
   progress_.Erase();
   problems.Write(StandardError(), name_, svf_, {command_.quiet, WantsColour(STDERR_FILENO)});
   if (!problems.HasErrors()) return kAllWell;
-  Complain(fmt::format("{} is not imported{}", command_.file, OtherForm()));
+  Complain(fmt::format("{} was not imported{}", command_.file, OtherForm()));
   return kScriptFailed;
 }
 

@@ -119,7 +119,7 @@ int ObservedProbe::Insert(int ir_bits, const std::uint8_t* ir, int dr_bits,
   const bool lacks_reset = std::exchange(lacks_reset_, false);
   const int result = Guard([&] {
     if (lacks_reset && ir_bits <= extra) {
-      throw Unsupported("it scans what a TAP reset selects, and this probe cannot reset the TAP");
+      throw Unsupported("this scan relies on # reset TAP, but this probe cannot reset the TAP");
     }
     return probe_->Insert(ir_bits, ir, dr_bits, dr);
   });
@@ -158,7 +158,7 @@ void ObservedProbe::FindPlace() {
 // The reading resets the TAPs, and loads BYPASS.
 void ObservedProbe::ReadPlace() {
   if (scan_.ir.bits <= 0 && played_pins_) {
-    throw Unsupported("the chain is read first, which resets the TAP: load an instruction");
+    throw Unsupported("reading the chain would reset the TAP: load an instruction first");
   }
   if (recording_ != nullptr) recording_->BeginOperation("reading of the chain", {});
   const Chain chain = ReadChain(pins_->Port());

@@ -75,9 +75,9 @@ void RoundLog::PassOn() {
     next.pass();
   }
   if (std::exchange(cut_, false)) {
-    Remark("is too long to keep: its calls and steps up to here are left out");
+    Remark("is too long to keep: its calls and steps so far are left out");
   }
-  if (last) Remark("fails, and is the last one here: there are too many");
+  if (last) Remark("failed; later rounds are not recorded, because too many failed");
 }
 
 void RoundLog::Remark(const char* what) {

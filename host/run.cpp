@@ -45,10 +45,10 @@ struct Script {
 // Why a script with these problems is not played; empty: it is.
 std::string WhyNot(const Problems& problems, const RunCommand& command) {
   if (problems.HasErrors() && !command.force) {
-    return "has errors: nothing is played (--force plays it as the plug-in takes it)";
+    return "has errors, so no script is run (--force runs it as the plug-in reads it)";
   }
   if (problems.Warnings() > 0 && command.strict) {
-    return "has warnings, and --strict is given: nothing is played";
+    return "has warnings and --strict is given, so no script is run";
   }
   return "";
 }
@@ -68,7 +68,7 @@ std::vector<Script> LoadScripts(const RunCommand& command) {
     CheckResult result = CheckScript(*script.text);
     if (command.probe.ChoosesTap() && !result.plan.pins.empty()) {
       result.problems.Warn({1, 1},
-                           "--tap does not change a GPIO script: it drives the whole chain");
+                           "--tap has no effect on a GPIO script, which drives the whole chain");
     }
     result.problems.Write(StandardError(), script.name, script.text->Content(),
                           {command.quiet && !command.strict, WantsColour(STDERR_FILENO)});
@@ -166,7 +166,7 @@ const char* ResultText(ExitStatus status) {
     case kInterrupted:
       return "interrupted";
     case kNotOpened:
-      return "broken off";
+      return "aborted";
     default:
       return "failed";
   }
@@ -297,7 +297,7 @@ ExitStatus Runner::PlayOne(Script& script) {
 
 void Runner::RequestReset(const Script& script) {
   if (probe_.ResetTapBeforeScan()) return events_.RequestReset();
-  constexpr const char* kSkipped = "# reset TAP is skipped: the probe shows no pins";
+  constexpr const char* kSkipped = "# reset TAP is skipped: this probe cannot reset the TAP";
   if (command_.strict) throw Unsupported(kSkipped);
   events_.Remark(fmt::format("{}: {}", script.path, kSkipped));
 }
@@ -330,9 +330,9 @@ ExitStatus Runner::WriteLearned(const Script& script) {
   const Learned learned = Learn(*script.text, script.plan, follower_.Read());
   const bool writable = !CheckScript(ScriptText(script.name, learned.script)).problems.HasErrors();
   if (!writable || follower_.Unread() > 0) {
-    events_.Say(fmt::format("{} is not learned: {}", script.path,
-                            writable ? "the probe does not tell all that it expects"
-                                     : "with what was read, a line is too long"));
+    events_.Say(fmt::format("{} was not learned: {}", script.path,
+                            writable ? "this probe does not report every expected value"
+                                     : "with the values that were read, a line is too long"));
     return kScriptFailed;
   }
   // A run that fails leaves the script that was learned before it.
@@ -348,14 +348,17 @@ std::string Runner::WhyFailed(const Script& script) const {
   // The plug-in's result is 0 for a JTAG script with errors.
   if (script.has_errors) return "has errors";
   if (follower_.Unmet() > 0) {
-    return fmt::format("failed: not as expected: {} of the values read", follower_.Unmet());
+    return fmt::format("failed: {} of {} values {} not as expected", follower_.Unmet(),
+                       follower_.Compared(), follower_.Unmet() == 1 ? "was" : "were");
   }
   // Another plug-in may do less than the script says.
   if (command_.learn.empty() && follower_.Unread() > 0) {
-    return fmt::format("failed: not read: {} of the values expected", follower_.Unread());
+    return fmt::format("failed: {} of {} expected values {} not read", follower_.Unread(),
+                       script.plan.expectations.size(), follower_.Unread() == 1 ? "was" : "were");
   }
   if (follower_.Unreached() > 0) {
-    return fmt::format("failed: the plug-in left out {} of its operations", follower_.Unreached());
+    return fmt::format("failed: the plug-in skipped {} of the script's operations",
+                       follower_.Unreached());
   }
   return "";
 }

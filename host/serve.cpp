@@ -97,7 +97,7 @@ PageHead Serving::Head(const std::string& error) const {
   const std::chrono::duration<double> served = std::chrono::steady_clock::now() - start_;
   const std::string counts = fmt::format("clients {}, scans {}, steps {}, {:.3f} s", client_.number,
                                          decoder_.Scans(), Steps(), served.count());
-  return {"serve " + listener_.Name(), error.empty() ? "ended" : "broken off", error.empty(),
+  return {"serve " + listener_.Name(), error.empty() ? "ended" : "aborted", error.empty(),
           HeadEntries(command_.probe, counts, served.count())};
 }
 
@@ -134,10 +134,10 @@ std::string Serving::Fault(const std::string& why) const {
   if (!IsInterrupted()) return why;
   const std::size_t missing = recording_.has_value() ? recording_->Unrecorded() : 0;
   if (missing > 0) {
-    return fmt::format("{}: not recorded: the last {} of {} steps", why, missing, Steps());
+    return fmt::format("{}: the last {} of {} steps were not recorded", why, missing, Steps());
   }
   if (!server_.has_value() || !server_->OwesAPart()) return "";
-  return fmt::format("{}: not known to be played: the last bytes of client {}", why,
+  return fmt::format("{}: the last bytes of client {} were possibly not played", why,
                      client_.number);
 }
 
@@ -156,7 +156,7 @@ void Serving::OnClient(const std::string& peer) {
 }
 
 void Serving::OnFault(const std::string& why) {
-  if (command_.verbose) Say(fmt::format("client {} is sent away: {}", client_.number, why));
+  if (command_.verbose) Say(fmt::format("client {} is disconnected: {}", client_.number, why));
 }
 
 void Serving::OnClientLeft() {

@@ -12,8 +12,8 @@ constexpr unsigned kCodeOfNobody = 0x7F;
 
 // Returns why a register is not a valid IDCODE; empty if it may be one.
 std::string WhyNoIdcode(std::uint32_t idcode) {
-  if ((idcode & 1) == 0) return "bit 0 of an IDCODE is 1";
-  if (ManufacturerOf(idcode).code == kCodeOfNobody) return "no manufacturer may have code 0x7f";
+  if ((idcode & 1) == 0) return "bit 0 of an IDCODE must be 1";
+  if (ManufacturerOf(idcode).code == kCodeOfNobody) return "manufacturer code 0x7f is reserved";
   if (idcode >> 1 == 0) return "manufacturer, part and version are all 0";
   return "";
 }
@@ -31,7 +31,7 @@ void JudgeIdcodes(Chain& chain) {
     const std::string why = WhyNoIdcode(*idcode);
     if (why.empty()) continue;
     chain.faults.push_back(
-        fmt::format("{}: 0x{:08x} is no valid IDCODE ({})", TapTitle(chain, i), *idcode, why));
+        fmt::format("{}: 0x{:08x} is not a valid IDCODE ({})", TapTitle(chain, i), *idcode, why));
   }
 }
 

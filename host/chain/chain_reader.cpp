@@ -144,7 +144,7 @@ bool ChainReader::ReadIdcodes() {
     const auto end = LengthBetween(in, out);
     if (!end.has_value()) continue;
     TakeTaps(out, *end, *end);
-    if (*end == 0) Fail("no TAP: what is shifted in comes out at once (TDI and TDO are connected)");
+    if (*end == 0) Fail("no TAP: TDI comes out of TDO at once (they are connected)");
     return !chain_.taps.empty();
   }
   ExplainEndless(out);
@@ -157,7 +157,7 @@ void ChainReader::TakeTaps(const Bits& out, std::size_t begin_below, std::size_t
     ChainTap tap;
     const std::size_t bits = out[at] ? kIdcodeBits : 1;
     if (at + bits > end) {
-      Fail(fmt::format("the last {} bits of the chain are no whole IDCODE", end - at));
+      Fail(fmt::format("the last {} bits of the chain are not a whole IDCODE", end - at));
       return;
     }
     if (out[at]) tap.idcode = static_cast<std::uint32_t>(NumberOfBits(Slice(out, at, at + bits)));
@@ -169,21 +169,22 @@ void ChainReader::TakeTaps(const Bits& out, std::size_t begin_below, std::size_t
 void ChainReader::ExplainEndless(const Bits& out) {
   const std::size_t tail = TailOf(out);
   if (tail == out.size()) {
-    Fail(out.back()
-             ? "nothing answers: TDO is all ones (it is stuck high, or nothing is powered or "
-               "connected)"
-             : "nothing answers: TDO is all zeros (it is shorted to ground, or the target is "
-               "held in reset or is not powered)");
+    Fail(
+        out.back()
+            ? "nothing answers: TDO is all ones (it is stuck high, or the target is not powered or "
+              "not connected)"
+            : "nothing answers: TDO is all zeros (it is shorted to ground, or the target is "
+              "held in reset or not powered)");
   } else if (tail > kMarkerBits) {
     Fail(
-        fmt::format("the chain is broken: behind the TAPs that answer TDO is all {} (TDI is not "
+        fmt::format("the chain is broken: after the TAPs that answer, TDO is all {} (TDI is not "
                     "connected, or the chain is open there)",
                     out.back() ? "ones" : "zeros"));
     // The last IDCODE may end with bits of this value.
     TakeTaps(out, out.size() - tail, out.size());
   } else {
     Fail(
-        fmt::format("the chain has no end: what is shifted in does not come out within {} bits (it "
+        fmt::format("the chain has no end: the pattern on TDI does not come out within {} bits (it "
                     "has more than {} TAPs, or is broken)",
                     out.size() - kMarkerBits, kMostTaps));
   }
@@ -198,8 +199,8 @@ bool ChainReader::ReadIrs() {
   const auto length = LengthBetween(in, *out);
   if (!length.has_value()) {
     return Fail(fmt::format(
-        "the IR has no end: what is shifted in does not come out within {} bits (it has more than "
-        "are looked for, or is broken)",
+        "the IR has no end: the pattern on TDI does not come out within {} bits (the IR is longer, "
+        "or the chain is broken)",
         most));
   }
   chain_.ir_bits = static_cast<int>(*length);
@@ -214,8 +215,8 @@ void ChainReader::TakeIr(const Bits& captured) {
   const auto ways = IrLengths(captured, taps, kWaysShown + 1);
   if (ways.empty()) {
     Fail(
-        fmt::format("the captured IR, {} bits, is not that of {}: each begins with the 01 of "
-                    "IEEE 1149.1 in its lowest bits",
+        fmt::format("the captured IR of {} bits does not fit {}: the lowest bits of each IR must "
+                    "be 01 (IEEE 1149.1)",
                     captured.size(), CountedTaps(taps)));
   } else if (ways.size() == 1) {
     for (std::size_t i = 0; i < taps; ++i) chain_.taps[i].ir_bits = ways[0][i];
@@ -225,7 +226,7 @@ void ChainReader::TakeIr(const Bits& captured) {
     for (const auto& way : ways) shown.push_back(fmt::format("{}", fmt::join(way, "+")));
     if (ways.size() > kWaysShown) shown.back() = "...";
     chain_.notes.push_back(
-        fmt::format("the single IR lengths cannot be told: {}", fmt::join(shown, " or ")));
+        fmt::format("the IR lengths of the TAPs are uncertain: {}", fmt::join(shown, " or ")));
   }
 }
 
@@ -237,10 +238,10 @@ bool ChainReader::CountBypasses() {
   const auto length = LengthBetween(in, *out);
   if (length != taps) {
     const std::string bits = length.has_value() ? fmt::to_string(*length) : "more than 64";
-    return Fail(fmt::format("{} answered after the reset, but in BYPASS there are {} bits",
+    return Fail(fmt::format("{} answered after the reset, but in BYPASS the chain has {} bits",
                             CountedTaps(taps), bits));
   }
-  if (Slice(*out, 0, taps) != Bits(taps)) return Fail("a TAP in BYPASS answers with 1, not 0");
+  if (Slice(*out, 0, taps) != Bits(taps)) return Fail("a TAP in BYPASS answered with 1, not 0");
   return true;
 }
 

@@ -13,7 +13,7 @@ std::string DescribeIdcode(std::uint32_t idcode, std::string name) {
   const Manufacturer manufacturer = ManufacturerOf(idcode);
   const auto [bank, code] = manufacturer;
   if (name.empty()) name = ManufacturerName(manufacturer);
-  if (code == 0 || code > kHighestCode) name = "none has it";
+  if (code == 0 || code > kHighestCode) name = "unassigned";
   return fmt::format(
       "version {}, part 0x{:04x}, manufacturer 0x{:03x} (bank {}, code 0x{:02x}{}{})", idcode >> 28,
       idcode >> 12 & 0xFFFF, idcode >> 1 & 0x7FF, bank, code, name.empty() ? "" : ": ", name);
@@ -30,7 +30,7 @@ std::string AnswerOf(const ChainTap& tap) {
 std::string IrOf(const ChainTap& tap) {
   if (!tap.ir_bits.has_value()) return "";
   return fmt::format("       IR {} bits{}\n", *tap.ir_bits,
-                     tap.name.empty() ? "" : ": OpenOCD's word, not measured");
+                     tap.name.empty() ? "" : " (declared in OpenOCD, not measured)");
 }
 
 }  // namespace
@@ -38,14 +38,14 @@ std::string IrOf(const ChainTap& tap) {
 std::string ReportOf(const Chain& chain, const std::string& where) {
   const std::size_t taps = chain.taps.size();
   std::string text = fmt::format("{} on {}{}\n", CountedTaps(taps), where,
-                                 taps > 1 ? "; TAP 1 is the nearest to TDO" : "");
+                                 taps > 1 ? "; TAP 1 is nearest to TDO" : "");
   for (std::size_t i = 0; i < taps; ++i) {
     const ChainTap& tap = chain.taps[i];
     text += fmt::format("{}: {}\n", TapTitle(chain, i), AnswerOf(tap)) + IrOf(tap);
     if (!tap.expected.empty()) text += fmt::format("       expected {}\n", tap.expected);
   }
   if (taps > 1 && chain.ir_bits.has_value()) {
-    text += fmt::format("IR {} bits in all\n", *chain.ir_bits);
+    text += fmt::format("IR {} bits in total\n", *chain.ir_bits);
   }
   for (const std::string& note : chain.notes) text += note + "\n";
   return PrintableLines(text);

@@ -15,12 +15,12 @@ constexpr std::size_t kLongestScriptIr = std::size_t{8} * JTAG_IR_MAX_BYTES;
 constexpr std::uint32_t kIdcodeWithoutVersion = 0x0FFFFFFF;
 
 constexpr char kJtagHead[] =
-    R"(# Made by icehost detect. To be completed with the instructions of the chip's data sheet.
+    R"(# Written by icehost detect. Complete it with the instructions in the chip's data sheet.
 
 [CONTROL]
 CDI=5
 
-# All ones is BYPASS, by IEEE 1149.1: what is shifted in comes out a bit later for each TAP.
+# All ones is BYPASS (IEEE 1149.1): the pattern comes out one bit later for each TAP.
 )";
 
 // Shifted through BYPASS: the bits are not all equal, and different in reverse order.
@@ -107,7 +107,7 @@ std::string Script::IdcodeSection(std::size_t i) const {
   const std::uint32_t idcode = *chain_.taps[i].idcode;
   const std::string text = fmt::format(
       "\n# {}: IDCODE 0x{:08x} of any version. Put its IDCODE instruction into IR bits {} to {},\n"
-      "# which hold BYPASS, and take away the # of the lines below.\n"
+      "# which contain BYPASS, and remove the # from the lines below.\n"
       "#[READ_IDCODE_{}]\n",
       TapTitle(chain_, i), idcode, first, first + *chain_.taps[i].ir_bits - 1, i + 1);
   return text + Scan("#", Bits(IrBits(), true), Bits(before + kIdcodeBits + after),
@@ -118,20 +118,21 @@ std::string Script::IdcodeSection(std::size_t i) const {
 std::string Script::OptionsComment() const {
   std::vector<int> lengths;
   for (const ChainTap& tap : chain_.taps) lengths.push_back(*tap.ir_bits);
-  return fmt::format("\n# A script for TAP N alone: icehost run --chain {} --tap N\n",
+  return fmt::format("\n# To run a script for TAP N alone: icehost run --chain {} --tap N\n",
                      fmt::join(lengths, ","));
 }
 
 std::string Script::Text() const {
   if (chain_.taps.size() > kMostTaps) throw Unsupported("no JTAG script: more than 64 TAPs");
   if (IrBits() > kLongestScriptIr) {
-    throw Unsupported(fmt::format("no JTAG script: the IR has {} bits, and in a script at most {}",
-                                  IrBits(), kLongestScriptIr));
+    throw Unsupported(
+        fmt::format("no JTAG script: the IR has {} bits, but a script allows at most {}", IrBits(),
+                    kLongestScriptIr));
   }
   std::string text = kJtagHead + BypassSection();
   const auto is_known = [](const ChainTap& tap) { return tap.ir_bits.has_value(); };
   if (!std::all_of(chain_.taps.begin(), chain_.taps.end(), is_known)) {
-    return text + "\n# Which bits of the IR belong to which TAP could not be told.\n";
+    return text + "\n# It is unknown which bits of the IR belong to which TAP.\n";
   }
   if (!only_.has_value() && chain_.taps.size() > 1) text += OptionsComment();
   for (std::size_t i = 0; i < chain_.taps.size(); ++i) {
@@ -142,12 +143,11 @@ std::string Script::Text() const {
 
 // A script cannot avoid resetting the target, because START pulls every pin low.
 constexpr char kGpioHead[] =
-    "# Made by icehost detect: resets the TAPs and reads what they answer then, every TCK edge a "
-    "line.\n"
-    R"(# START pulls every pin low: NRST resets the target.
+    R"(# Written by icehost detect: resets the TAPs and reads their answers, one line per TCK edge.
+# START drives every pin low, so NRST resets the target.
 [ORVEX_ICE_GPIO]
 START
-GPIO_OE=0x1F                # TDO is the target's to drive
+GPIO_OE=0x1F                # the target drives TDO
 NRST=1,TRST=1,TMS=1
 REPT=5                      # Test-Logic-Reset
 TCK=1

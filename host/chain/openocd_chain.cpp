@@ -102,11 +102,11 @@ bool IsExpected(std::uint32_t idcode, const std::vector<std::string>& expected) 
 // Adds the faults of one TAP, also those that OpenOCD may accept.
 void JudgeTap(const ChainTap& tap, const std::vector<std::string>& expected,
               const std::string& title, std::vector<std::string>& faults) {
-  if (*tap.ir_bits < kLeastIrBits) faults.push_back(title + ": no IR is that short");
+  if (*tap.ir_bits < kLeastIrBits) faults.push_back(title + ": an IR must have at least 2 bits");
   if (!tap.answered) {
     faults.push_back(title + ": OpenOCD read nothing");
   } else if (!tap.idcode.has_value() && !tap.expected.empty()) {
-    faults.push_back(fmt::format("{}: it has no IDCODE, expected {}", title, tap.expected));
+    faults.push_back(fmt::format("{}: no IDCODE, expected {}", title, tap.expected));
   } else if (tap.idcode.has_value() && !tap.expected.empty() &&
              !IsExpected(*tap.idcode, expected)) {
     faults.push_back(

@@ -29,12 +29,12 @@ ChainPlace PlaceIn(const Chain& chain, std::size_t tap) {
   RefuseUnsound(chain);
   if (tap >= chain.taps.size()) {
     throw Unsupported(
-        fmt::format("--tap {}: the chain has {}", tap + 1, CountedTaps(chain.taps.size())));
+        fmt::format("--tap {}: the chain has only {}", tap + 1, CountedTaps(chain.taps.size())));
   }
   ChainPlace place{{}, tap};
   for (const ChainTap& one : chain.taps) {
     if (!one.ir_bits.has_value()) {
-      throw Unsupported("the IR lengths of the chain are not certain: give them with --chain");
+      throw Unsupported("the IR lengths of the chain are not certain: set them with --chain");
     }
     place.ir_lengths.push_back(*one.ir_bits);
   }
@@ -49,7 +49,7 @@ ChainPlace ConfirmPlace(const Chain& chain, const ChainPlace& place) {
   if (lengths.size() != chain.taps.size() || sum != chain.ir_bits ||
       !BeginsEach(chain.captured_ir, lengths)) {
     throw Unsupported(
-        fmt::format("the chain is not that of --chain: it has {} with an IR of {} bits",
+        fmt::format("the chain does not match --chain: it has {} with an IR of {} bits",
                     CountedTaps(chain.taps.size()), *chain.ir_bits));
   }
   return place;

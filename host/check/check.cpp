@@ -21,7 +21,7 @@ void ReportCutLines(const ScriptText& script, Problems& problems) {
     const std::string_view skipped = line.raw.substr(nul);
     const std::size_t text = skipped.find_first_not_of(std::string_view("\0\r ", 3));
     if (text == std::string_view::npos || skipped[text] == '#') continue;
-    problems.Error(line.Of(skipped), "a NUL cuts the line here: the rest of it is not read");
+    problems.Error(line.Of(skipped), "NUL byte: the plug-in ignores the rest of the line");
   }
 }
 
@@ -44,10 +44,12 @@ std::string Letters(std::string_view text) {
 // Returns why a line with the letters of the tag, or similar ones, is not the tag.
 std::string WhyNotTag(std::string_view text, const std::string& tag) {
   if (const auto slip = SlipIn(text); !slip.empty()) return std::string(slip);
-  if (text.front() != '[' || text.find(']') == std::string_view::npos) return "a bracket is lost";
-  if (text.back() != ']') return "it stands alone on its line";
-  if (icescript::EqualsUpper(text, "[" + tag + "]")) return "tags are in upper case";
-  if (Letters(text) == tag) return "nothing but the name stands between the brackets";
+  if (text.front() != '[' || text.find(']') == std::string_view::npos) {
+    return "a bracket is missing";
+  }
+  if (text.back() != ']') return "the tag must be alone on its line";
+  if (icescript::EqualsUpper(text, "[" + tag + "]")) return "the tag must be in upper case";
+  if (Letters(text) == tag) return "only the name may be between the brackets";
   return {};
 }
 
@@ -61,7 +63,7 @@ void WarnOfNearTag(const ScriptText& script, Problems& problems) {
   const std::string tag = Nearest(Letters(name), {"ORVEX_ICE_GPIO", "ZEVA_ICE_GPIO"});
   if (tag.empty()) return;
   problems.Warn(first.Start(),
-                fmt::format("this is not quite [{}]: the file is run as a JTAG script{}", tag,
+                fmt::format("this is not exactly [{}]: the file is run as a JTAG script{}", tag,
                             InParentheses(WhyNotTag(first.text, tag))));
 }
 

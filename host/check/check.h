@@ -23,7 +23,7 @@ void CheckJtag(const ScriptText& script, CheckResult& result);
 
 // The text of the problem at ScriptText::CutAt().
 constexpr const char* kCutScript =
-    "the line is too long: the plug-in reads neither it nor anything after it";
+    "this line is longer than 2047 bytes: the plug-in reads neither it nor any line after it";
 
 }  // namespace icehost
 

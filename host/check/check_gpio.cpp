@@ -58,7 +58,7 @@ class GpioPins {
   void Finish() {
     for (const Idle& idle : idle_) {
       problems_.Warn(idle.place,
-                     fmt::format("this level reaches no pin: GPIO_OE does not enable {}, "
+                     fmt::format("this level has no effect: GPIO_OE does not enable {}, "
                                  "here or on a later line",
                                  PinNames(idle.pins)));
     }
@@ -102,16 +102,15 @@ class GpioPins {
     const bool by_name = (named & GPIO_PIN_TDO) != 0;
     tdo_reported_ = true;
     if (by_name || (changed & GPIO_PIN_TDO) != 0) {
-      problems_.Warn(
-          line.PlaceOf(by_name ? kTdo : kOut),
-          "this drives TDO, which is the target's to drive (GPIO_OE=0x1F leaves it alone)");
+      problems_.Warn(line.PlaceOf(by_name ? kTdo : kOut),
+                     "this drives TDO, which the target should drive (GPIO_OE=0x1F releases it)");
     } else if ((flags & GPIO_FLAG_READ_IN) != 0) {
       problems_.Warn(line.PlaceOf(kPrint),
-                     "TDO is driven by the probe, whose own level is read, not the target's "
-                     "(GPIO_OE=0x1F leaves it to the target)");
+                     "the probe drives TDO, so this reads the probe's level, not the target's "
+                     "(GPIO_OE=0x1F releases TDO)");
     } else if ((flags & GPIO_FLAG_WRITE_OE) != 0) {
       problems_.Warn(line.PlaceOf(kOe),
-                     fmt::format("this enables TDO, which is the target's to drive ({})",
+                     fmt::format("this enables TDO, which the target should drive ({})",
                                  DidYouMean(fmt::format("0x{:02X}", enables_ & ~GPIO_PIN_TDO))));
     } else {
       tdo_reported_ = false;
@@ -200,15 +199,18 @@ void GpioLines::CheckWords(GpioLine& line, const Element& element) {
     return word > GPIO_PIN_ALL && (word & ~GPIO_PIN_ALL) != (before & ~GPIO_PIN_ALL);
   };
   if (element.out_value < 0 && element.out_value != state_.out_value) {
-    problems_.Error(line.PlaceOf(kOut), "GPIO_OUT is negative: refused without a message");
+    problems_.Error(line.PlaceOf(kOut),
+                    "GPIO_OUT is negative: the plug-in refuses it without a message");
   } else if (rises(element.out_value, state_.out_value)) {
-    problems_.Warn(line.PlaceOf(kOut),
-                   "GPIO_OUT has bits above the six pins, until a pin is cleared");
+    problems_.Warn(
+        line.PlaceOf(kOut),
+        "GPIO_OUT has bits beyond the six pins (0x01 to 0x20): these bits stay set until a pin "
+        "is cleared");
   }
   if (element.oe_mask < 0 && element.oe_mask != state_.oe_mask) {
     problems_.Error(line.PlaceOf(kOe), ",inifile.error (GPIO_OE is negative)");
   } else if (rises(element.oe_mask, state_.oe_mask)) {
-    problems_.Warn(line.PlaceOf(kOe), "GPIO_OE has bits above the six pins, 0x01 to 0x20");
+    problems_.Warn(line.PlaceOf(kOe), "GPIO_OE has bits beyond the six pins (0x01 to 0x20)");
   }
 }
 
@@ -245,14 +247,14 @@ void GpioLines::TakeElement(const ScriptLine& line) {
 
 void GpioLines::CloseBlock(const ScriptLine& endr) {
   if (blocks_.empty()) {
-    block_problems_.Error(endr.Start(), "error: rept & endr not match. (no REPT is open)");
+    block_problems_.Error(endr.Start(), "error: rept & endr not match. (this ENDR has no REPT)");
     return;
   }
   const Block block = blocks_.back();
   blocks_.pop_back();
   if (block.operations == 0) {
-    block_problems_.Warn(block.rept,
-                         "this block holds no pin operation: it is skipped and delays nothing");
+    block_problems_.Warn(
+        block.rept, "this block contains no pin operation: the plug-in skips it without a delay");
   }
   CountOperations(SaturatedProduct(block.operations, block.times));
   pins_.CloseBlock(block.rept.line);
@@ -273,10 +275,11 @@ void GpioLines::Finish(bool cut) {
 bool CheckStart(const ScriptLine& line, Problems& problems) {
   if (icescript::EqualsUpper(line.text, "START")) return true;
   const std::string_view slip = SlipIn(line.text);
-  problems.Error(line.Start(),
-                 fmt::format("Syntax error: no start found. ({}{}the line below the section tag is "
-                             "START, alone)",
-                             slip, slip.empty() ? "" : "; "));
+  problems.Error(
+      line.Start(),
+      fmt::format("Syntax error: no start found. ({}{}the line after the section tag must "
+                  "contain only START)",
+                  slip, slip.empty() ? "" : "; "));
   return false;
 }
 
@@ -295,7 +298,8 @@ void ReportNoEnd(const ScriptText& script, Place last, const GpioLines& lines, P
   if (const auto cut = script.CutAt()) {
     problems.Error(*cut, fmt::format("{} ({})", kNoEnd, kCutScript));
   } else if (!lines.RefusedLast()) {  // a refused last line may have been meant as END
-    problems.Error(last, kNoEnd + InParentheses(script.HasText() ? "" : "the script is empty"));
+    problems.Error(last, kNoEnd + InParentheses(script.HasText() ? "the script has no END"
+                                                                 : "the script is empty"));
   }
 }
 
@@ -331,7 +335,7 @@ void CheckGpio(const ScriptText& script, CheckResult& result) {
   if (!lines.Ended()) {
     ReportNoEnd(script, last, lines, problems);
   } else if (at != script.end()) {
-    problems.Warn((*at).Start(), "text after END is not read");
+    problems.Warn((*at).Start(), "the plug-in ignores text after END");
   }
 }
 

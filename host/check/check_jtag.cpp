@@ -7,6 +7,7 @@
 
 #include "base/ini_file.h"
 #include "host/check/check.h"
+#include "host/check/hints.h"
 #include "host/check/ini_sections.h"
 #include "host/check/jtag_values.h"
 #include "host/check/pin_expectation.h"
@@ -64,9 +65,9 @@ class JtagOperations {
     if (section.lines[kCdi] == 0) return;
     const ScriptLine cdi = script_.Line(section.lines[kCdi]);
     if (record == nullptr) {
-      problems_.Error(cdi.Of(ValueOf(cdi)), "CDI is 5 (5-wire JTAG) or 2 (2-wire interface)");
+      problems_.Error(cdi.Of(ValueOf(cdi)), "CDI must be 5 (5-wire JTAG) or 2 (2-wire interface)");
     } else if (reset) {
-      problems_.Warn(cdi.Start(), "RESET wins: CDI is ignored");
+      problems_.Warn(cdi.Start(), "CDI is ignored because this script also has RESET");
     } else {
       CheckCdi(cdi, problems_);
     }
@@ -75,7 +76,7 @@ class JtagOperations {
   void ReportNoControl(const IniSection& section) {
     if (section.lines[kCdi] != 0) return problems_.Error(section.first, "CONTROL syntax error");
     if (section.cut) return;
-    problems_.Error(section.first, "CONTROL syntax error (it has neither RESET nor CDI)");
+    problems_.Error(section.first, "CONTROL syntax error (CONTROL has neither RESET nor CDI)");
   }
 
   void TakeScan(CIniFile& ini, const IniSection& section) {
@@ -102,8 +103,9 @@ class JtagOperations {
   void RefuseBeyondTwoWires(const IniSection& section, std::size_t key, int bits) {
     if (!two_wires_ || bits <= kMostTwoWireBits) return;
     const ScriptLine line = script_.Line(section.lines[key]);
-    problems_.Error(line.Of(ValueOf(line)),
-                    "over two wires a register has at most 256 bits: the 33rd byte is lost");
+    problems_.Error(
+        line.Of(ValueOf(line)),
+        "a register has at most 256 bits over two wires: the plug-in loses the 33rd byte");
   }
 
   void Append(JtagOperation operation) {
@@ -119,12 +121,15 @@ class JtagOperations {
     plan_.expectations.push_back(std::move(*expectation));
   }
 
+  static std::string NameOf(const IniSection& section) {
+    return section.name.empty() ? "the unnamed section" : fmt::format("section {}", section.name);
+  }
+
   // Reports that IR or DR is missing in a section, or empty.
   void ReportMissing(const IniSection& section, std::size_t key, const std::string& message) {
-    problems_.Error(
-        section.first,
-        fmt::format("{}{}({} has no {}: neither it nor any section after it runs)", message,
-                    message.empty() ? "" : " ", section.name, KeysOf(section.name)[key]));
+    const std::string reason = fmt::format("{} has no {}: neither it nor any section after it runs",
+                                           NameOf(section), KeysOf(section.name)[key]);
+    problems_.Error(section.first, message.empty() ? reason : message + InParentheses(reason));
     if (section.lines[key] == 0) return;
     problems_.Error(script_.Line(section.lines[key]).Start(), "the value is empty");
   }

@@ -17,7 +17,7 @@ constexpr std::string_view kWhitespace = " \t\n\v\f\r";
 
 struct FileKind {
   const char* name;
-  const char* taker;
+  const char* advice;
   FileUse use;
   Words comments;  // the signs that begin a comment; a line feed ends it
   // Returns whether a text, without blanks and comments before it, is of this kind.
@@ -78,15 +78,15 @@ bool IsRecord(std::string_view text) {
 
 const std::vector<FileKind>& FileKinds() {
   static const std::vector<FileKind> kinds = {
-      {"a JTAG script", "icehost run plays it", FileUse::kScript, {"#"}, IsJtagScriptText},
-      {"a GPIO script", "icehost run plays it", FileUse::kScript, {"#"}, IsGpioScriptText},
-      {"an SVF file", "icehost import makes a script of it", FileUse::kSvf, {"!", "//"}, IsSvf},
-      {"a VCD file", "a waveform viewer such as GTKWave shows it", FileUse::kNone, {}, IsVcd},
-      {"an ELF file", "icehost run --plugin takes a plug-in", FileUse::kNone, {}, IsElf},
-      {"an HTML page", "a browser shows it", FileUse::kNone, {}, IsHtml},
-      {"an SVG picture", "a browser shows it", FileUse::kNone, {}, IsSvg},
-      {"a record that --json writes",
-       "a program such as jq reads it",
+      {"a JTAG script", "run it with icehost run", FileUse::kScript, {"#"}, IsJtagScriptText},
+      {"a GPIO script", "run it with icehost run", FileUse::kScript, {"#"}, IsGpioScriptText},
+      {"an SVF file", "convert it with icehost import", FileUse::kSvf, {"!", "//"}, IsSvf},
+      {"a VCD file", "open it in a waveform viewer such as GTKWave", FileUse::kNone, {}, IsVcd},
+      {"an ELF file", "icehost run --plugin loads a plug-in", FileUse::kNone, {}, IsElf},
+      {"an HTML page", "open it in a browser", FileUse::kNone, {}, IsHtml},
+      {"an SVG picture", "open it in a browser", FileUse::kNone, {}, IsSvg},
+      {"a file of JSON lines from --json",
+       "read it with a program such as jq",
        FileUse::kNone,
        {},
        IsRecord},
@@ -121,7 +121,7 @@ std::optional<Problem> FindWrongKind(std::string_view content, FileUse wanted) {
     if (!kind.is(text)) continue;
     if (kind.use == wanted) return std::nullopt;
     return Problem{PlaceAfter(content.substr(0, content.size() - text.size())), Severity::kError,
-                   fmt::format("this is {}: {}", kind.name, kind.taker)};
+                   fmt::format("this is {}: {}", kind.name, kind.advice)};
   }
   return std::nullopt;
 }

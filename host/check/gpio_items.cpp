@@ -8,6 +8,7 @@
 
 #include "base/field_cursor.h"
 #include "base/gpio_line_parser.h"
+#include "base/number.h"
 #include "base/text.h"
 #include "entry/icescript.h"
 #include "host/check/hints.h"
@@ -19,6 +20,8 @@ using icescript::EqualsUpper;
 
 constexpr std::string_view kItemKeys[] = {"NRST",     "TRST",    "TCK",   "TMS",  "TDI",  "TDO",
                                           "GPIO_OUT", "GPIO_OE", "PRINT", "REPT", "ENDR", "END"};
+constexpr const char* kEmptyValue =
+    "for an empty value, the plug-in uses the last number before it";
 
 // ---- Values that are legal, but rarely meant
 
@@ -37,7 +40,7 @@ bool IsNumber(std::string_view text, int base) {
 // Returns a hint at the number that a wrong value was probably meant to be.
 std::string NumberMeant(const NamedItem& item) {
   if (const auto slip = SlipIn(item.value); !slip.empty()) return std::string(slip);
-  if (item.IsPin()) return fmt::format("{} is 0 or 1", item.key);
+  if (item.IsPin()) return fmt::format("{} must be 0 or 1", item.key);
   std::string_view digits = item.value;
   if (digits.substr(0, 2) == "0X" || digits.substr(0, 2) == "0x") digits.remove_prefix(2);
   return IsDigits(digits, 16) ? DidYouMean(fmt::format("0x{}", digits)) : "";
@@ -49,12 +52,13 @@ void CheckValue(const ScriptLine& line, const NamedItem& item, Problems& problem
   if (digits.size() < 8 && IsDigits(digits, item.Base())) return;  // the usual case
   const Place place = line.Of(item.key);
   if (!item.has_equals) {
-    problems.Warn(place, "without \"=\" this is set to 0");
+    problems.Warn(place, "without \"=\", this is set to 0");
   } else if (item.value.empty()) {
-    problems.Warn(place, "an empty value takes the number of the last item that had one");
+    problems.Warn(place, kEmptyValue);
   } else if (!IsNumber(item.value, item.Base())) {
-    problems.Warn(place, fmt::format("\"{}\" is no number: only what it begins with counts{}",
-                                     item.value, InParentheses(NumberMeant(item))));
+    problems.Warn(place, fmt::format("\"{}\" is not a number: the plug-in reads it as {}{}",
+                                     item.value, icescript::ParseNumber(item.value, item.Base()),
+                                     InParentheses(NumberMeant(item))));
   } else if (std::string cut = CutNumber(item.value, item.Base()); !cut.empty()) {
     problems.Warn(line.Of(item.value), std::move(cut));
   }
@@ -65,9 +69,9 @@ void CheckAgain(const ScriptLine& line, const NamedItem& item, unsigned set, Pro
   if (item.which > kOe || set == 0) return;
   if ((set >> item.which & 1U) != 0) {
     problems.Warn(line.Of(item.key),
-                  fmt::format("a line is one operation: of {} only the last counts", item.key));
+                  fmt::format("a line is one operation: only the last {} takes effect", item.key));
   } else if (item.which == kOut && (set & GPIO_PIN_ALL) != 0) {
-    problems.Warn(line.Of(item.key), "GPIO_OUT replaces what the line sets before it");
+    problems.Warn(line.Of(item.key), "GPIO_OUT replaces the levels set before it on this line");
   }
 }
 
@@ -88,34 +92,32 @@ std::string ItemMeant(const NamedItem& item) {
 }
 
 std::string WhyUnknown(const NamedItem& item) {
-  if (EqualsUpper(item.key, "START")) return "START stands once, below the section tag";
+  if (EqualsUpper(item.key, "START")) return "START may occur only once, after the section tag";
   const std::string_view slip = SlipIn(item.key);
   const std::string meant = DidYouMean(ItemMeant(item));
   if (!slip.empty()) return fmt::format("{}{}{}", slip, meant.empty() ? "" : ": ", meant);
-  if (!meant.empty()) return "no such item: " + meant;
-  return "no such item; the items are " +
-         Listed(Words(std::begin(kItemKeys), std::end(kItemKeys)), "and");
+  if (!meant.empty()) return "unknown item: " + meant;
+  return "unknown item: expected " +
+         Listed(Words(std::begin(kItemKeys), std::end(kItemKeys)), "or");
 }
 
 std::string WhyNotPrint(const NamedItem& item) {
-  if (EqualsUpper(item.value, "GPIO_IN")) return "GPIO_IN is in upper case";
+  if (EqualsUpper(item.value, "GPIO_IN")) return "GPIO_IN must be in upper case";
   const std::string_view slip = SlipIn(item.value);
-  return fmt::format("{}{}PRINT takes GPIO_IN alone, in upper case", slip,
-                     slip.empty() ? "" : "; ");
+  return fmt::format("{}{}PRINT must be GPIO_IN, in upper case", slip, slip.empty() ? "" : "; ");
 }
 
 // Returns a description of the numbers that a key accepts.
 std::string Range(const NamedItem& item) {
-  if (item.which == kRept) return "REPT takes a count from 1 to 2147483647";
+  if (item.which == kRept) return "REPT must be 1 to 2147483647";
   const std::string_view key = kItemKeys[item.which];
-  return item.IsPin() ? fmt::format("{} is 0 or 1", key) : fmt::format("{} is 0 to 0x3F", key);
+  return item.IsPin() ? fmt::format("{} must be 0 or 1", key)
+                      : fmt::format("{} must be 0 to 0x3F", key);
 }
 
 std::string WhyNotNumber(const NamedItem& item) {
-  if (!item.has_equals) return "without \"=\" it is 0; " + Range(item);
-  if (item.value.empty()) {
-    return Range(item) + "; an empty value takes the number of the last item that had one";
-  }
+  if (!item.has_equals) return "without \"=\", it is 0; " + Range(item);
+  if (item.value.empty()) return fmt::format("{}; {}", Range(item), kEmptyValue);
   const std::string cut = CutNumber(item.value, item.Base());
   return cut + (cut.empty() ? "" : "; ") + Range(item);
 }
@@ -174,11 +176,11 @@ std::string GpioLine::WhyRefused(std::string_view field) {
   if (FindForeignComment(source_.text.substr(0, end)) != std::string_view::npos) {
     return "comments start with #";
   }
-  if (item.key.empty()) return "there is a comma too many, or an item is missing";
+  if (item.key.empty()) return "an item is missing, or there is one comma too many";
   if (item.which == kOther) return WhyUnknown(item);
   if (item.which == kPrint) return WhyNotPrint(item);
   if (Items().size() > 1 && (item.which == kRept || item.which == kEndr)) {
-    return fmt::format("{} stands alone on its line", kItemKeys[item.which]);
+    return fmt::format("{} must be alone on its line", kItemKeys[item.which]);
   }
   return WhyNotNumber(item);
 }
@@ -201,7 +203,8 @@ int GpioLine::CheckItems(int flags, Problems& problems) {
   int asked = 0;
   for (auto item = items.begin(); item != items.end(); ++item) {
     if (item->which == kEnd) {
-      if (++item != items.end()) problems.Warn(source_.Of(item->key), "text after END is not read");
+      if (++item != items.end())
+        problems.Warn(source_.Of(item->key), "the plug-in ignores text after END");
       break;
     }
     CheckValue(source_, *item, problems);
@@ -210,8 +213,9 @@ int GpioLine::CheckItems(int flags, Problems& problems) {
     if (item->which == kPrint) asked |= GPIO_FLAG_READ_IN;
     if (item->which == kOe) asked |= GPIO_FLAG_WRITE_OE;
     if (item->which == kNrst && (asked & ~flags) != 0) {
-      problems.Warn(source_.Of(item->key),
-                    "NRST=1 undoes the PRINT or GPIO_OE before it on the line");
+      problems.Warn(
+          source_.Of(item->key),
+          "NRST=1 cancels the PRINT or GPIO_OE before it on this line: write NRST=1 first");
       asked = 0;
     }
   }

@@ -102,9 +102,9 @@ std::size_t FindForeignComment(std::string_view text) {
 }
 
 std::string_view SlipIn(std::string_view text) {
-  if (text.substr(0, 3) == "\xEF\xBB\xBF") return "a byte-order mark stands before it";
+  if (text.substr(0, 3) == "\xEF\xBB\xBF") return "there is a byte-order mark before it";
   if (FindForeignComment(text) != std::string_view::npos) return "comments start with #";
-  if (!text.empty() && (text.front() == '\t' || text.back() == '\t')) return "tabs are text here";
+  if (!text.empty() && (text.front() == '\t' || text.back() == '\t')) return kTabIsText;
   return {};
 }
 
@@ -136,7 +136,7 @@ std::string CutNumber(std::string_view text, int base) {
       number >= Kept::min()) {
     return {};
   }
-  return fmt::format("{} is too large a number: taken as {}", text,
+  return fmt::format("{} is too large: the plug-in reads it as {}", text,
                      icescript::ParseNumber(text, base));
 }
 

@@ -26,6 +26,8 @@ std::string WithEquals(std::string_view text, const Words& keys);
 // Returns where a comment of another language (";" or "//") begins, or npos.
 std::size_t FindForeignComment(std::string_view text);
 
+constexpr const char* kTabIsText = "a tab is part of the text here, not a blank";
+
 // Names a part of the text that is text for the plug-in, but probably not for its author: a
 // byte-order mark in front, a comment of another language, or a tab at an end. Empty if there is
 // none.

@@ -27,9 +27,9 @@ bool Holds(const IniKeys& keys, std::string_view name) {
 // Returns a hint at the key that an unknown one, without its blanks, was probably meant to be.
 std::string KeyMeant(std::string_view name, const IniKeys& keys) {
   if (const auto slip = SlipIn(name); !slip.empty()) return std::string(slip);
-  if (!name.empty() && name.front() == '[') return "a header ends with ]";
-  if (Holds(KeysOf("CONTROL"), name)) return fmt::format("{} belongs to the section CONTROL", name);
-  if (Holds(KeysOf(""), name)) return fmt::format("{} belongs to a scan, in another section", name);
+  if (!name.empty() && name.front() == '[') return "a section header must end with ]";
+  if (Holds(KeysOf("CONTROL"), name)) return fmt::format("{} belongs in the section CONTROL", name);
+  if (Holds(KeysOf(""), name)) return fmt::format("{} belongs in the section of a scan", name);
   return DidYouMean(Nearest(name, keys));
 }
 
@@ -63,15 +63,16 @@ std::string WithoutBlanks(std::string_view text) {
 std::string WhyNotIniLine(std::string_view text, const IniKeys& keys) {
   if (const auto slip = SlipIn(text); !slip.empty()) return std::string(slip);
   if (EqualsUpper(text, "START") || EqualsUpper(text, "END")) {
-    return "a GPIO script begins with [ORVEX_ICE_GPIO]";
+    return "a GPIO script must begin with [ORVEX_ICE_GPIO]";
   }
   if (text.front() == '[' && text.find(']') != std::string_view::npos) {
-    return "a header ends with its ]";
+    return "nothing may follow the ] of a section header";
   }
-  if (text.front() == '[') return "the ] is lost: " + DidYouMean(fmt::format("{}]", text));
-  if (text.back() == ']') return "the [ is lost: " + DidYouMean(fmt::format("[{}", text));
+  if (text.front() == '[') return "the ] is missing: " + DidYouMean(fmt::format("{}]", text));
+  if (text.back() == ']') return "the [ is missing: " + DidYouMean(fmt::format("[{}", text));
   const std::string meant = WithEquals(text, keys);
-  return meant.empty() ? "a line is [SECTION], KEY=VALUE or a comment behind #" : DidYouMean(meant);
+  return meant.empty() ? "expected [SECTION], KEY=VALUE or a comment starting with #"
+                       : DidYouMean(meant);
 }
 
 // Reports a key that has no meaning in a section with these keys.
@@ -79,19 +80,20 @@ void WarnOfKey(const ScriptLine& line, const IniKeys& keys, std::string_view nam
                Problems& problems) {
   const std::string bare = WithoutBlanks(name);
   if (const std::string meant = ExpectationKeyMeant(bare); !meant.empty()) {
-    problems.Error(line.Start(), Holds(keys, "IR")
-                                     ? "this expects nothing: " + DidYouMean(meant)
-                                     : "CONTROL reads nothing: this belongs to a scan");
+    problems.Error(line.Start(),
+                   Holds(keys, "IR")
+                       ? "unknown key, so nothing is compared: " + DidYouMean(meant)
+                       : "CONTROL reads no value: this belongs in the section of a scan");
   } else if (Holds(keys, bare)) {
     problems.Warn(line.Of(name.substr(name.find_first_of(" \t"))),
-                  fmt::format("a blank here belongs to the name: this is not \"{}\"", bare));
+                  fmt::format("this blank is part of the key: remove it if you mean \"{}\"", bare));
   } else if (std::any_of(keys.begin(), keys.end(),
                          [&bare](std::string_view key) { return EqualsUpper(bare, key); })) {
-    problems.Warn(line.Start(), "keys are in upper case: this one is ignored");
+    problems.Warn(line.Start(), "keys must be in upper case: this one is ignored");
   } else {
     problems.Warn(line.Start(),
-                  fmt::format("unknown key, ignored: a section like this has {}{}",
-                              Listed(keys, "and"), InParentheses(KeyMeant(bare, keys))));
+                  fmt::format("unknown key, ignored: expected {}{}", Listed(keys, "or"),
+                              InParentheses(KeyMeant(bare, keys))));
   }
 }
 
@@ -99,7 +101,7 @@ void WarnOfKey(const ScriptLine& line, const IniKeys& keys, std::string_view nam
 void WarnOfLateTag(const ScriptLine& header, std::string_view name, Problems& problems) {
   if (!icescript::IsSectionTag(fmt::format("[{}]", name))) return;
   problems.Warn(header.Start(),
-                "a GPIO script has this on its first line with text: this is a JTAG script");
+                "this tag must be the first line with text: the file is run as a JTAG script");
 }
 
 // ---- Sections
@@ -107,7 +109,7 @@ void WarnOfLateTag(const ScriptLine& header, std::string_view name, Problems& pr
 void WarnOfTab(const ScriptLine& line, Problems& problems) {
   const std::size_t tab = line.text.find('\t');
   if (tab == std::string_view::npos) return;
-  problems.Warn(line.Of(line.text.substr(tab)), "a tab is no blank here: it is part of the text");
+  problems.Warn(line.Of(line.text.substr(tab)), kTabIsText);
 }
 
 class SectionFinder {
@@ -124,8 +126,8 @@ class SectionFinder {
       TakeValue(line, line.text.substr(0, equals));
     } else {
       problems_.Error(line.Start(),
-                      fmt::format("{} in {}: Syntax error: nothing runs ({})", line.text, name_,
-                                  WhyNotIniLine(line.text, KeysOf(name_))));
+                      fmt::format("{} in {}: Syntax error: the script does not run ({})", line.text,
+                                  name_, WhyNotIniLine(line.text, KeysOf(name_))));
     }
   }
 
@@ -133,7 +135,9 @@ class SectionFinder {
   std::vector<IniSection> Finish(bool cut) {
     if (cut) CutLast();
     for (const auto& [name, named] : named_) {
-      if (named.section < 0) problems_.Warn(*named.header, "a section without a value is not run");
+      if (named.section < 0) {
+        problems_.Warn(*named.header, "this section is empty, so it does not run");
+      }
     }
     return std::move(sections_);
   }
@@ -157,14 +161,14 @@ class SectionFinder {
     name_ = icescript::TrimRight(icescript::TrimLeft(line.text, '['), ']');
     header_ = line.Start();
     if (name_ != "CONTROL" && EqualsUpper(WithoutBlanks(name_), "CONTROL")) {
-      problems_.Warn(*header_, "this is not the section CONTROL, but a scan");
+      problems_.Warn(*header_, "this section is a scan: did you mean [CONTROL]?");
     }
     WarnOfLateTag(line, name_, problems_);
     Named& named = named_[name_];
     if (named.header.has_value()) {
       problems_.Warn(*header_, name_ == "CONTROL"
-                                   ? "this continues the CONTROL above: the two are one operation"
-                                   : "this section continues the one of the same name above");
+                                   ? "this continues the CONTROL above: both are one operation"
+                                   : "this continues the section of the same name above");
     } else {
       named.header = header_;
     }
@@ -183,7 +187,8 @@ class SectionFinder {
       int& place = sections_[static_cast<std::size_t>(named.section)].lines[known];
       const bool repeated = std::exchange(place, line.number) != 0;
       if (repeated && known >= kKeysRead) {
-        problems_.Error(line.Start(), "this replaces the value given above, which is not compared");
+        problems_.Error(line.Start(),
+                        "this replaces the value above, which is therefore not compared");
       } else {
         WarnOfRepeat(line, repeated);
       }
@@ -194,7 +199,7 @@ class SectionFinder {
   }
 
   void WarnOfRepeat(const ScriptLine& line, bool repeated) {
-    if (repeated) problems_.Warn(line.Start(), "this replaces the value given above");
+    if (repeated) problems_.Warn(line.Start(), "this replaces the value above");
   }
 
   Problems& problems_;

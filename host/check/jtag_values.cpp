@@ -90,8 +90,8 @@ bool CheckLength(const Fields& fields, std::size_t length_at, int bits, Problems
     problems.Warn(fields.Of(length_at), "a negative length shifts nothing");
   } else if (!IsDigits(text, 10)) {
     problems.Warn(fields.Of(length_at),
-                  fmt::format("a length is a decimal number: \"{}\" is taken as {}{}", text, bits,
-                              InParentheses(SlipIn(text))));
+                  fmt::format("a length must be a decimal number: the plug-in reads \"{}\" as {}{}",
+                              text, bits, InParentheses(SlipIn(text))));
   } else if (std::string cut = CutNumber(text, 10); !cut.empty()) {
     problems.Warn(fields.Of(length_at), std::move(cut));
   }
@@ -105,18 +105,21 @@ void CheckBytes(const Fields& fields, std::size_t first, int bits, Problems& pro
   for (std::size_t i = first; i < fields.text.size(); ++i) {
     const std::string_view text = TrimSpaces(fields.text[i]);
     if (IsHexByte(text)) continue;
-    problems.Warn(fields.Of(i), fmt::format("\"{}\" is no hexadecimal byte: taken as 0x{:02x}{}",
-                                            text, ByteOf(text), InParentheses(BytesMeant(text))));
+    problems.Warn(
+        fields.Of(i),
+        fmt::format("\"{}\" is not a hexadecimal byte: the plug-in reads it as 0x{:02x}{}", text,
+                    ByteOf(text), InParentheses(BytesMeant(text))));
   }
   if (listed > held) {
-    problems.Warn(fields.Of(first + held), fmt::format("more bytes than the {} bits hold", bits));
+    problems.Warn(fields.Of(first + held), fmt::format("more bytes than {} bits need", bits));
   } else if (listed < held && listed > 0) {
-    problems.Warn(fields.Of(first - 1),
-                  fmt::format("{} bits need {} bytes, not {}: the rest is 0", bits, held, listed));
+    problems.Warn(
+        fields.Of(first - 1),
+        fmt::format("{} bits need {} bytes, found {}: the rest is 0", bits, held, listed));
   } else if (listed == held && bits % 8 != 0 &&
              ByteOf(TrimSpaces(fields.text.back())) >> bits % 8 != 0) {
     problems.Warn(fields.Of(fields.text.size() - 1),
-                  fmt::format("bits are set beyond the {} of the length", bits));
+                  fmt::format("bits are set beyond the length of {} bits", bits));
   }
 }
 
@@ -127,10 +130,10 @@ void CheckFlag(const Fields& dr, Problems& problems) {
   }
   const char first = flag.empty() ? '\0' : icescript::UpperCase(flag[0]);
   if (first == 'R' || first == 'W') {
-    problems.Warn(dr.Of(0), fmt::format("\"{}\" is taken as a {}: the first letter alone counts",
+    problems.Warn(dr.Of(0), fmt::format("\"{}\" is taken as a {}: only the first letter counts",
                                         flag, first == 'R' ? "read" : "write"));
   } else {
-    problems.Warn(dr.Of(0), fmt::format("\"{}\" is neither R nor W: taken as a write", flag));
+    problems.Warn(dr.Of(0), fmt::format("expected R or W: \"{}\" is taken as a write", flag));
   }
 }
 
@@ -148,7 +151,7 @@ void ExplainRefusal(const Fields& fields, std::size_t length_at, const char* for
   if (fields.text.empty()) {
     problems.Error(place, form);
   } else if (IsTooLong(fields, length_at)) {
-    problems.Error(place, "a register has at most 288 bits in 36 bytes");
+    problems.Error(place, "a register has at most 288 bits (36 bytes)");
   }
 }
 
@@ -162,18 +165,18 @@ std::optional<std::string> ReadBytes(const ScriptLine& line, int bits, Problems&
   for (icescript::FieldCursor fields(ValueOf(line), ','); fields.HasNext();) {
     const std::string_view field = TrimSpaces(fields.Next());
     if (!IsHexByte(field)) {
-      problems.Error(line.Of(field), fmt::format("\"{}\" is no hexadecimal byte", field));
+      problems.Error(line.Of(field), fmt::format("\"{}\" is not a hexadecimal byte", field));
       return std::nullopt;
     }
     if (bytes.size() == held) {
-      problems.Error(line.Of(field), fmt::format("more bytes than the {} bits hold", bits));
+      problems.Error(line.Of(field), fmt::format("more bytes than {} bits need", bits));
       return std::nullopt;
     }
     bytes += static_cast<char>(ByteOf(field));
   }
   if (bytes.size() == held) return bytes;
   problems.Error(line.Of(ValueOf(line)),
-                 fmt::format("{} bits need {} bytes, not {}", bits, held, bytes.size()));
+                 fmt::format("{} bits need {} bytes, found {}", bits, held, bytes.size()));
   return std::nullopt;
 }
 
@@ -187,11 +190,11 @@ std::string WholeMask(int bits) {
 // Returns whether a register of `bits` bits can be compared; if not, reports it.
 bool CanCompare(const ScriptLine& line, ScanKey value_key, int bits, Problems& problems) {
   if (bits <= 0) {
-    problems.Error(line.Start(), "nothing is shifted: there is nothing to expect");
+    problems.Error(line.Start(), "no bits are shifted, so there is no value to compare");
     return false;
   }
   if (value_key == kIrTdo && bits > kMostCapturedIrBits) {
-    problems.Error(line.Start(), "of a captured IR no more than 16 bits can be told");
+    problems.Error(line.Start(), "a captured IR of more than 16 bits cannot be compared");
     return false;
   }
   return true;
@@ -201,7 +204,7 @@ std::optional<std::string> ReadValue(const ScriptLine& line, int bits, Problems&
   std::optional<std::string> value = ReadBytes(line, bits, problems);
   if (!value.has_value() || (value->back() & ~WholeMask(bits).back()) == 0) return value;
   problems.Error(line.Of(ValueOf(line)),
-                 fmt::format("bits are set beyond the {} of the length", bits));
+                 fmt::format("bits are set beyond the length of {} bits", bits));
   return std::nullopt;
 }
 
@@ -235,7 +238,7 @@ void CheckReset(const ScriptLine& reset, Problems& problems) {
     denied = denied || icescript::EqualsUpper(value, no);
   }
   if (denied) {
-    problems.Warn(reset.Start(), "this resets the target: RESET does so whatever its value is");
+    problems.Warn(reset.Start(), "this resets the target: RESET does so with any value");
   }
 }
 
@@ -243,8 +246,8 @@ void CheckCdi(const ScriptLine& cdi, Problems& problems) {
   const std::string_view value = ValueOf(cdi);
   const int taken = icescript::ParseNumber(value, 10);
   if (WithoutZeros(TrimSpaces(value)) == fmt::to_string(taken)) return;
-  problems.Warn(cdi.Of(value), fmt::format("CDI is 5 or 2: \"{}\" is taken as {}{}", value, taken,
-                                           InParentheses(SlipIn(value))));
+  problems.Warn(cdi.Of(value), fmt::format("CDI must be 5 or 2: the plug-in reads \"{}\" as {}{}",
+                                           value, taken, InParentheses(SlipIn(value))));
 }
 
 std::unique_ptr<icescript::JtagOperatorData> CheckScan(const IniSection& section,
@@ -257,8 +260,8 @@ std::unique_ptr<icescript::JtagOperatorData> CheckScan(const IniSection& section
       scr.ParseJtagOperatorData(CString(ir_fields.value), CString(dr_fields.value)));
   if (record == nullptr) {
     problems.Error(section.first, fmt::format("{} syntax error", section.name));
-    ExplainRefusal(ir_fields, 0, "IR is LENGTH,BYTE,...", problems);
-    ExplainRefusal(dr_fields, 1, "DR is R or W,LENGTH,BYTE,...", problems);
+    ExplainRefusal(ir_fields, 0, "expected IR=LENGTH,BYTE,...", problems);
+    ExplainRefusal(dr_fields, 1, "expected DR=R,LENGTH,BYTE,... or DR=W,LENGTH,BYTE,...", problems);
     return nullptr;
   }
   CheckFlag(dr_fields, problems);

@@ -239,7 +239,7 @@ class Learner {
     const std::string_view levels = LevelsIn(expect);
     const bool named = levels.find('=') != std::string_view::npos;
     if (counted == 0) {
-      Edit(expect, "its levels change");
+      Edit(expect, "the levels change");
     } else {
       Edit(levels, named ? WithLevels(levels, value, counted) : WithWord(levels, value, counted));
     }

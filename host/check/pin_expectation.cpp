@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::string_view kWord = "expect";
 constexpr const char* kForm =
-    "expected is NAME=LEVEL, ... with the names of pins, or VALUE or VALUE/MASK up to 0x3f";
+    "expected PIN=LEVEL,... (each pin once, level 0 or 1), VALUE or VALUE/MASK (up to 0x3f)";
 
 // The levels of pins, and a mask of the pins that count.
 struct Levels {
@@ -95,7 +95,7 @@ void ReportNearWord(const ScriptLine& line, std::string_view comment, Problems& 
     const std::string_view word = FirstWord(note);
     const auto after = AfterExpect(note);
     const bool near = !Nearest(word, {kWord}).empty() && BeginsWithLevels(note.substr(word.size()));
-    const std::string remark = "nothing is expected here: " + DidYouMean("# expect ...");
+    const std::string remark = "this comment is not an expectation: " + DidYouMean("# expect ...");
     if (near || (after.has_value() && BeginsWithLevels(*after))) {
       return problems.Error(line.Of(note), remark);
     }
@@ -173,7 +173,7 @@ std::optional<Expectation> ReadPinExpectation(const ScriptLine& line, Problems& 
   } else if (levels->mask == 0) {
     problems.Error(place, "a mask of 0 compares nothing");
   } else if (HasAnother(comment, expect)) {
-    problems.Error(place, "a line has one expectation, and this one has more");
+    problems.Error(place, "this line has more than one expectation");
   } else {
     Expectation expectation{0, Expectation::Of::kPins, place, "", "", levels->mask != GPIO_PIN_ALL};
     expectation.value += static_cast<char>(levels->value);
@@ -185,7 +185,7 @@ std::optional<Expectation> ReadPinExpectation(const ScriptLine& line, Problems& 
 
 void ReportVainExpectation(const ScriptLine& line, Problems& problems) {
   const std::string_view comment = CommentOf(line);
-  constexpr const char* kNoRead = "nothing is read on this line";
+  constexpr const char* kNoRead = "this line reads no pins, so nothing is compared";
   if (const std::string_view meant = FindMeant(comment); !meant.empty()) {
     problems.Error(line.Of(meant), kNoRead);
   } else if (const std::string_view expect = FindExpect(comment);
@@ -205,7 +205,7 @@ void WarnOfPinExpectation(const ScriptLine& line, Problems& problems) {
     if (number) meant = expect;
   }
   if (meant.empty()) return;
-  problems.WarnAlways(line.Of(meant), "a JTAG script says with TDO and MASK what it expects");
+  problems.WarnAlways(line.Of(meant), "# expect has no effect in a JTAG script: use TDO and MASK");
 }
 
 bool MentionsExpectation(std::string_view content) {

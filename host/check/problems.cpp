@@ -155,10 +155,10 @@ void Problems::WriteLost(std::ostream& stream, std::string_view file, ReportStyl
   for (const Severity severity : {Severity::kError, Severity::kWarning, Severity::kNote}) {
     const bool is_error = severity == Severity::kError;
     if (!CountOf(severity).lost || (style.errors_only && !is_error)) continue;
-    stream << fmt::format("{}: {} there are more than {}{} {}s: {}\n", file, Word(severity, style),
-                          keeping_.most, keeping_.grouped ? " different" : "",
-                          LookOf(severity).word,
-                          is_error ? "the rest is not read" : "the others are not shown");
+    stream << fmt::format(
+        "{}: {} more than {}{} {}s: {}\n", file, Word(severity, style), keeping_.most,
+        keeping_.grouped ? " different" : "", LookOf(severity).word,
+        is_error ? "the rest of the file is not read" : "the others are not shown");
   }
 }
 

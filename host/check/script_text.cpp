@@ -58,7 +58,8 @@ std::string ReadScript(const std::string& path, std::size_t limit) {
   std::string content = ReadInput(path, limit);
   if (!IsBinary(content)) return content;
   const auto wrong = FindWrongKind(content, FileUse::kScript);
-  throw IoError(path + ": " + (wrong.has_value() ? wrong->text : "is binary, not a script"));
+  throw IoError(path + ": " +
+                (wrong.has_value() ? wrong->text : "this is a binary file, not a script"));
 }
 
 ScriptText::Iterator::Iterator(std::string_view content, std::size_t at, int number)

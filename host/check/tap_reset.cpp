@@ -38,10 +38,11 @@ bool FindTapReset(const ScriptText& script, Problems& problems) {
       found = true;
     } else if (IsTapReset(comment)) {
       problems.Warn(PlaceOfComment(line),
-                    "this asks for nothing: it counts before the first section, on its own line");
+                    "this comment has no effect: # reset TAP must be alone on a line above the "
+                    "first section");
     } else if (const std::string meant = Nearest(std::string("# ").append(comment), request);
                !meant.empty()) {
-      problems.Warn(PlaceOfComment(line), "this asks for nothing: " + DidYouMean(meant));
+      problems.Warn(PlaceOfComment(line), "this comment has no effect: " + DidYouMean(meant));
     }
   });
   return found;
@@ -50,7 +51,8 @@ bool FindTapReset(const ScriptText& script, Problems& problems) {
 void WarnOfTapReset(const ScriptText& script, Problems& problems) {
   ForEachComment(script, [&](std::string_view comment, const ScriptText::Iterator& line) {
     if (!IsTapReset(comment)) return;
-    problems.Warn(PlaceOfComment(line), "this asks for nothing: it is for JTAG scripts");
+    problems.Warn(PlaceOfComment(line),
+                  "this comment has no effect: # reset TAP is for JTAG scripts");
   });
 }
 

@@ -33,11 +33,11 @@ function __icehost_endpoints
 end
 
 function __icehost_verbs
-    printf '%s\t%s\n' run 'Run scripts one after the other, up to the first that fails' \
-        check 'Report every problem of scripts without touching a probe' \
-        detect 'Tell which TAPs are on a probe' \
-        import 'Make a script of a Serial Vector Format (SVF) file' \
-        serve 'Serve a target by remote_bitbang or XVC'
+    printf '%s\t%s\n' run 'Run scripts in order and stop at the first that fails' \
+        check 'Report every problem in scripts, without using a probe' \
+        detect 'List the TAPs on a probe' \
+        import 'Convert a Serial Vector Format (SVF) file to a script' \
+        serve 'Serve a target over remote_bitbang or XVC until interrupted'
 end
 
 # An option of these verbs: __icehost_option "VERB..." ARGUMENT...
@@ -47,47 +47,47 @@ end
 
 complete -c icehost -f
 __icehost_option 'none help' -a '(__icehost_verbs)'
-__icehost_option none -a help -d 'Tell the options of a verb'
+__icehost_option none -a help -d 'Print the options of a verb'
 __icehost_option none -l version -d 'Print the version and exit'
 __icehost_option 'none run check detect import serve' -s h -l help -d 'Print the options and exit'
 __icehost_option 'none run check detect import serve' -s q -l quiet -d 'Print errors only'
 __icehost_option 'run check import' -F
-__icehost_option 'run check import' -l size-limit -x -d 'How large a file may be, in MiB (64)'
+__icehost_option 'run check import' -l size-limit -x -d 'Maximum size of a file in MiB (64)'
 
-__icehost_option 'run detect serve' -l probe -x -a '(__icehost_probes)' -d 'What to work on'
+__icehost_option 'run detect serve' -l probe -x -a '(__icehost_probes)' -d 'The probe to use'
 __icehost_option 'run detect serve' -l timeout -x -d 'Seconds to wait for answers (5)'
-__icehost_option 'run detect serve' -l spawn -r -F -d "Start the probe's server by a command"
-__icehost_option 'run detect serve' -l spawn-log -r -F -d 'Write what that command prints'
+__icehost_option 'run detect serve' -l spawn -r -F -d "Start the probe's server with a command"
+__icehost_option 'run detect serve' -l spawn-log -r -F -d 'Write the output of that command'
 __icehost_option 'run detect serve' -l chain -x -d 'IR lengths of all TAPs'
-__icehost_option 'run detect serve' -l tap -x -d 'The TAP that is meant, from 1'
-__icehost_option 'run detect serve' -l ir-length -x -d 'Bits of the simulated IR, 2 to 32 (5)'
+__icehost_option 'run detect serve' -l tap -x -d 'The TAP of the chain to address, from 1'
+__icehost_option 'run detect serve' -l ir-length -x -d 'Length of the simulated IR, 2 to 32 (5)'
 __icehost_option 'run detect serve' -l idcode -x -d 'Simulated IDCODE, hexadecimal (1ce51001)'
-__icehost_option 'run detect serve' -l idcode-instruction -x -d 'Instruction that selects it (1)'
+__icehost_option 'run detect serve' -l idcode-instruction -x -d 'The instruction of the IDCODE (1)'
 __icehost_option 'run detect serve' -l register -x -d 'A simulated register, IR:BITS[=HEX]'
 __icehost_option run -l wire -x -a 'jtag5 2wire cjtag2' -d 'The wire mode at the start'
 
-__icehost_option 'run check' -l strict -d 'Let warnings fail'
-__icehost_option run -l force -d 'Play scripts with errors too'
-__icehost_option run -l keep-going -d 'Play on where a value is not the expected one'
-__icehost_option run -l repeat -x -d 'How many rounds to play; 0: until a signal'
-__icehost_option run -l summary -d 'Say at the end what was done'
+__icehost_option 'run check' -l strict -d 'Treat warnings as failures'
+__icehost_option run -l force -d 'Run scripts with errors too'
+__icehost_option run -l keep-going -d 'Continue after a value that is not as expected'
+__icehost_option run -l repeat -x -d 'How many times to run; 0: until interrupted'
+__icehost_option run -l summary -d 'Print a summary at the end'
 __icehost_option run -l plugin -r -F -d 'The plug-in to load'
 
 __icehost_option 'run serve' -l trace -F -a - -d 'Write a line for every event'
 __icehost_option 'run check serve' -l json -r -F -d 'Write JSON lines'
 __icehost_option 'run serve' -l vcd -r -F -d 'Write the waveform'
 __icehost_option run -l svg -r -F -d 'Write the waveform as a picture'
-__icehost_option 'run serve' -l html -r -F -d 'Write all of it as one page for a browser'
-__icehost_option run -l svf -r -F -d 'Write what was played in the Serial Vector Format'
+__icehost_option 'run serve' -l html -r -F -d 'Write a page for a browser'
+__icehost_option run -l svf -r -F -d 'Write the operations in the Serial Vector Format'
 __icehost_option run -l learn -r -F -d 'Write the script with the values that were read'
 
 __icehost_option detect -l script -x -a 'jtag gpio' -d 'Write the beginning of a script'
 __icehost_option import -l script -x -a 'jtag gpio' -d 'The kind of script to write'
-__icehost_option import -l tck-hz -x -d 'TCK cycles of the probe in a second'
+__icehost_option import -l tck-hz -x -d 'The highest TCK rate of the probe in Hz'
 __icehost_option import -l all -d 'Report every problem, instead of each reason once'
 __icehost_option import -s o -l output -r -F -d 'Write the script to a file'
 
 __icehost_option serve -a '(__icehost_endpoints)'
-__icehost_option serve -l protocol -x -a 'remote-bitbang xvc' -d 'What clients speak'
-__icehost_option serve -s v -l verbose -d 'Say when clients come and go, and what is wrong'
+__icehost_option serve -l protocol -x -a 'remote-bitbang xvc' -d 'The protocol of the clients'
+__icehost_option serve -s v -l verbose -d 'Report when clients connect and leave'
 __icehost_option serve -l idle-limit -x -d 'Seconds that a client may be silent (60)'

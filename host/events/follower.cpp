@@ -40,7 +40,7 @@ std::string MaskText(const Expectation& expectation) {
 }
 
 std::string CapturedText(const Expectation& expectation, const Capture& captured) {
-  if (captured.value.empty()) return "nothing, since this probe does not tell it";
+  if (captured.value.empty()) return "nothing, since this probe does not report it";
   std::string text = ByteText(captured.value);
   const int unreported = expectation.mask[0] & ~captured.steady[0];
   if (expectation.of == Expectation::Of::kPins && unreported != 0) {
@@ -52,6 +52,7 @@ std::string CapturedText(const Expectation& expectation, const Capture& captured
 // "bit 2 is 1, bit 66 is 0" or "NRST is 0".
 std::string LevelsText(const std::vector<std::size_t>& bits, const std::string& value, bool pins) {
   std::vector<std::string> texts;
+  texts.reserve(bits.size());
   for (const std::size_t bit : bits) {
     texts.push_back(fmt::format("{} is {}", pins ? kPinNames[bit] : fmt::format("bit {}", bit),
                                 value[bit / 8] >> bit % 8 & 1));
@@ -190,6 +191,12 @@ void Follower::Keep(Expectation::Of of, const Capture& captured) {
   for (std::size_t i = 0; i < std::min(captured.value.size(), all.value.size()); ++i) {
     all.steady[i] = static_cast<char>(all.steady[i] & ~(captured.value[i] ^ all.value[i]));
   }
+}
+
+long Follower::Compared() const {
+  long compared = 0;
+  for (const Tally& tally : tallies_) compared += tally.compared;
+  return compared;
 }
 
 long Follower::Unread() const {

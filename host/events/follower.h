@@ -54,6 +54,8 @@ class Follower {
 
   // How often a value was not the expected one, in this script.
   long Unmet() const { return unmet_; }
+  // How often a value was compared with the expected one, in this script.
+  long Compared() const;
   // How many of the values that this script expects were not read at all.
   long Unread() const;
   // How many operations of this script, counted from its end, did not begin.

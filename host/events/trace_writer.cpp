@@ -49,7 +49,7 @@ class TraceWriter : public Output, public EventListener {
 
 void TraceWriter::OnRound(long round) {
   stream_ << fmt::format("# round {}{}\n", round,
-                         round == 1 ? "; of the later ones only those that fail follow" : "");
+                         round == 1 ? "; of the later rounds, only those that fail are shown" : "");
 }
 
 void TraceWriter::OnScript(const std::string& path) {

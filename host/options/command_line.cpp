@@ -16,13 +16,10 @@ namespace icehost {
 namespace {
 
 constexpr char kFooter[] =
-    "Exit status: 0 all well; 1 a script failed or has errors, or detect found no sound chain; 2 "
-    "bad\n"
-    "usage; 3 the plug-in, the endpoint or an output cannot be opened or written, or the "
-    "connection\n"
-    "was lost; 130 interrupted. The plug-in's messages and what check and detect find go to "
-    "standard\n"
-    "output, everything else of icehost's own to standard error.";
+    "Exit status: 0 success; 1 a script failed or has errors, or detect found no working\n"
+    "chain; 2 bad usage; 3 the plug-in, the endpoint or an output could not be opened or\n"
+    "written, or the connection was lost; 130 interrupted. The plug-in's messages and the\n"
+    "results of check and detect go to standard output, all other messages to standard error.";
 
 using Texts = std::vector<std::string>;
 
@@ -80,16 +77,16 @@ void RefuseUnknownVerb(const CLI::App& app, Texts& words) {
 void RefuseUnknownOption(const CLI::App& app) {
   Texts before;
   AppendOptions(app, before);
-  Texts behind;
-  for (const CLI::App* const verb : app.get_subcommands()) AppendOptions(*verb, behind);
+  Texts after;
+  for (const CLI::App* const verb : app.get_subcommands()) AppendOptions(*verb, after);
   for (const std::string& word : app.remaining(true)) {
     if (word.size() < 2 || word.front() != '-' || word == "--") continue;
     const std::string option = word.substr(0, word.find('='));
-    for (const auto& [known, place] : {std::pair{before, "before"}, std::pair{behind, "behind"}}) {
+    for (const auto& [known, place] : {std::pair{before, "before"}, std::pair{after, "after"}}) {
       if (!Contains(known, option)) continue;
-      throw CLI::ValidationError(fmt::format("option \"{}\" stands {} the verb", option, place));
+      throw CLI::ValidationError(fmt::format("option \"{}\" must come {} the verb", option, place));
     }
-    Texts& known = behind.empty() ? before : behind;
+    Texts& known = after.empty() ? before : after;
     throw CLI::ValidationError(fmt::format("unknown option \"{}\"{}", option, Hint(option, known)));
   }
 }
@@ -140,7 +137,7 @@ std::variant<Command, ExitStatus> ParseCommandLine(int argc, char** argv) {
   for (Command& command : commands) {
     std::visit([&](auto& one) { command_of[&AddVerb(app, one)] = &command; }, command);
   }
-  app.footer(std::string("icehost help VERB tells the options of a verb.\n\n") + kFooter);
+  app.footer(std::string("Run icehost help VERB for the options of a verb.\n\n") + kFooter);
   try {
     ParseWords(app, {argv + 1, argv + argc});
   } catch (const CLI::ParseError& error) {

@@ -34,8 +34,8 @@ std::uint64_t Number(const std::string& text, int base, std::uint64_t most) {
   }
   if (end == 0 || end != text.size() || value > most) {
     throw std::invalid_argument(
-        base == 16 ? fmt::format("\"{}\" is no hexadecimal number up to {:#x}", text, most)
-                   : fmt::format("\"{}\" is no number from 0 to {}", text, most));
+        base == 16 ? fmt::format("\"{}\" is not a hexadecimal number up to {:#x}", text, most)
+                   : fmt::format("\"{}\" is not a number from 0 to {}", text, most));
   }
   return value;
 }
@@ -54,7 +54,7 @@ double Decimal(const std::string& text, double most, const char* expected) {
 Bits HexBits(std::string digits, int length) {
   TakePrefix(digits, "0x");
   if (digits.find_first_not_of("0123456789abcdefABCDEF") != std::string::npos) {
-    throw std::invalid_argument(fmt::format("\"{}\" is no hexadecimal number", digits));
+    throw std::invalid_argument(fmt::format("\"{}\" is not a hexadecimal number", digits));
   }
   Bits bits;
   for (auto digit = digits.rbegin(); digit != digits.rend(); ++digit) {
@@ -64,7 +64,7 @@ Bits HexBits(std::string digits, int length) {
   const auto length_bits = static_cast<std::ptrdiff_t>(length);
   bits.resize(std::max(bits.size(), static_cast<std::size_t>(length)));
   if (digits.empty() || std::count(bits.begin() + length_bits, bits.end(), true) > 0) {
-    throw std::invalid_argument(fmt::format("0x{} does not fit {} bits", digits, length));
+    throw std::invalid_argument(fmt::format("0x{} does not fit in {} bits", digits, length));
   }
   bits.resize(static_cast<std::size_t>(length));
   return bits;
@@ -91,7 +91,7 @@ int ParseWireMode(const std::string& text) {
 }
 
 std::chrono::milliseconds ParseSeconds(const std::string& text) {
-  const double seconds = Decimal(text, 86400, "expected seconds, more than 0 and up to 86400");
+  const double seconds = Decimal(text, 86400, "expected seconds, greater than 0 and up to 86400");
   return std::chrono::milliseconds(std::max(static_cast<long>(seconds * 1000), 1L));
 }
 
@@ -111,7 +111,7 @@ std::size_t ParseMebibytes(const std::string& text) {
 
 std::uint32_t ParseIdcode(const std::string& text) {
   const auto idcode = static_cast<std::uint32_t>(Number(text, 16, UINT32_MAX));
-  if ((idcode & 1) == 0) throw std::invalid_argument("bit 0 of an IDCODE is 1");
+  if ((idcode & 1) == 0) throw std::invalid_argument("bit 0 of an IDCODE must be 1");
   return idcode;
 }
 
@@ -128,7 +128,7 @@ void ParseRegister(const std::string& text, TargetOptions& target) {
   const std::uint64_t instruction = ParseInstruction(text.substr(0, colon));
   const auto bits =
       static_cast<int>(Number(text.substr(colon + 1, equals - colon - 1), 10, kLongestRegister));
-  if (bits == 0) throw std::invalid_argument("a register has 1 bit or more");
+  if (bits == 0) throw std::invalid_argument("a register must have at least 1 bit");
   target.registers[instruction] =
       equals == text.size() ? BitsOfNumber(0, bits) : HexBits(text.substr(equals + 1), bits);
 }
@@ -139,7 +139,7 @@ std::vector<int> ParseChain(const std::string& text) {
   std::vector<int> lengths;
   for (std::string length; std::getline(stream, length, ',');) {
     lengths.push_back(static_cast<int>(Number(length, 10, kLongestIr)));
-    if (lengths.back() < 2) throw std::invalid_argument("an IR has 2 bits or more");
+    if (lengths.back() < 2) throw std::invalid_argument("an IR must have at least 2 bits");
   }
   if (lengths.empty() || text.back() == ',' || lengths.size() > kMostTaps) {
     throw std::invalid_argument("expected the IR lengths of up to 64 TAPs, such as 4,5,6");
@@ -156,7 +156,7 @@ std::size_t ParseTap(const std::string& text) {
 void RefuseUnfitInstruction(std::uint64_t instruction, int ir_length) {
   if (instruction >> static_cast<unsigned>(ir_length) == 0) return;
   throw std::invalid_argument(
-      fmt::format("instruction {:#x} does not fit an IR of {} bits", instruction, ir_length));
+      fmt::format("instruction {:#x} does not fit in an IR of {} bits", instruction, ir_length));
 }
 
 }  // namespace icehost

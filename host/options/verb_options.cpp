@@ -43,32 +43,32 @@ CLI::Option* AddParsed(CLI::App& verb, const std::string& name, const std::strin
 // Makes `option` name a file to write. An empty name comes from a shell variable that is not set.
 CLI::Option* NamesFile(CLI::Option* option) {
   return option->type_name("FILE")->check(
-      [](const std::string& path) { return path.empty() ? "a file has a name" : ""; });
+      [](const std::string& path) { return path.empty() ? "expected a file name" : ""; });
 }
 
 void AddScripts(CLI::App& verb, std::vector<std::string>& scripts, std::size_t& size_limit) {
   verb.add_option("SCRIPT", scripts, "Script files; - is standard input")
       ->type_name("")
       ->required();
-  AddParsed(verb, "--size-limit", "MIB", "How large a script may be (default 64)",
+  AddParsed(verb, "--size-limit", "MIB", "Maximum size of a script (default 64)",
             [&size_limit](const std::string& text) { size_limit = ParseMebibytes(text); });
 }
 
 void AddTargetOptions(CLI::App& verb, TargetOptions& target) {
-  verb.add_option("--ir-length", target.ir_length, "Bits of its IR, 2 to 32 (default 5)")
+  verb.add_option("--ir-length", target.ir_length, "Length of its IR in bits, 2 to 32 (default 5)")
       ->check(CLI::Range(2, kLongestSimulatedIr).description(""))
       ->type_name("N")
       ->group(kTargetGroup);
-  AddParsed(verb, "--idcode", "HEX", "Its IDCODE, whose bit 0 is 1 (default 1ce51001)",
+  AddParsed(verb, "--idcode", "HEX", "Its IDCODE; bit 0 must be 1 (default 1ce51001)",
             [&target](const std::string& text) { target.idcode = ParseIdcode(text); })
       ->group(kTargetGroup);
   AddParsed(
-      verb, "--idcode-instruction", "HEX", "The instruction that selects it (default 1)",
+      verb, "--idcode-instruction", "HEX", "The instruction that selects the IDCODE (default 1)",
       [&target](const std::string& text) { target.idcode_instruction = ParseInstruction(text); })
       ->group(kTargetGroup);
   AddParsed(verb, "--register", "IR:BITS[=HEX]",
-            "A register: its instruction (hexadecimal), its length and what it resets to\n"
-            "(hexadecimal); may be repeated (2:32 is there, unless 2 selects the IDCODE)",
+            "Add a register: its instruction (hexadecimal), its length and its reset value\n"
+            "(hexadecimal); repeatable (2:32 always exists, unless 2 selects the IDCODE)",
             [&target](const std::string& text) { ParseRegister(text, target); })
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
       ->trigger_on_parse()
@@ -77,24 +77,24 @@ void AddTargetOptions(CLI::App& verb, TargetOptions& target) {
 
 void AddChain(CLI::App& verb, ProbeOptions& probe, const char* group) {
   AddParsed(verb, "--chain", "BITS,...",
-            "The IR lengths of all TAPs, as detect lists them: the nearest to TDO first",
+            "The IR lengths of all TAPs, as detect lists them: the TAP nearest to TDO first",
             [&probe](const std::string& text) { probe.place.ir_lengths = ParseChain(text); })
       ->group(group);
-  AddParsed(verb, "--tap", "N", "The TAP of the chain that is meant, from 1",
+  AddParsed(verb, "--tap", "N", "The TAP of the chain to address, counted from 1",
             [&probe](const std::string& text) { probe.place.tap = ParseTap(text); })
       ->group(group);
 }
 
 void AddSpawn(CLI::App& verb, ProbeOptions& probe) {
   AddParsed(verb, "--spawn", "COMMAND",
-            "A shell command that starts the probe's server; it ends when icehost ends",
+            "A shell command that starts the probe's server; icehost ends it at the end",
             [&probe](const std::string& command) {
               if (command.empty()) throw std::invalid_argument("expected a command");
               probe.spawned = std::make_shared<SpawnedCommand>(command);
             });
-  NamesFile(
-      verb.add_option("--spawn-log", probe.spawn_log,
-                      "Write what the command prints; its last lines are shown after a failure"));
+  NamesFile(verb.add_option(
+      "--spawn-log", probe.spawn_log,
+      "Write the output of the command; after a failure icehost shows its last lines"));
 }
 
 void AddProbe(CLI::App& verb, ProbeOptions& probe, const std::string& help,
@@ -138,9 +138,9 @@ void RefuseUnfitSpawn(const ProbeOptions& probe) {
     throw CLI::ValidationError("--spawn", std::string(probe.kind->title) + " needs no server");
   }
   if (probe.spawn_log.empty()) return;
-  if (probe.spawned == nullptr) throw CLI::ValidationError("--spawn-log", "is for --spawn");
+  if (probe.spawned == nullptr) throw CLI::ValidationError("--spawn-log", "requires --spawn");
   if (probe.spawn_log == "-") {
-    throw CLI::ValidationError("--spawn-log", "takes a file, not standard output");
+    throw CLI::ValidationError("--spawn-log", "must be a file, not standard output");
   }
 }
 
@@ -157,7 +157,7 @@ void RefuseUnfitProbe(const CLI::App& verb, const ProbeOptions& probe) {
   if (probe.kind->has_target) return;
   for (const CLI::Option* const option : verb.get_options()) {
     if (option->get_group() == kTargetGroup && option->count() > 0) {
-      throw CLI::ValidationError(option->get_name(), "is for the simulated probe");
+      throw CLI::ValidationError(option->get_name(), "applies only to the simulated probe");
     }
   }
 }
@@ -175,33 +175,33 @@ void CompletePlace(const CLI::App& verb, ProbeOptions& probe) {
   }
   probe.measures_place = lengths.empty();
   if (probe.measures_place) return;
-  if (lengths.size() > 1 && !chosen) refuse("--chain", "--tap says which of the TAPs is meant");
+  if (lengths.size() > 1 && !chosen) refuse("--chain", "with several TAPs, --tap is required");
   if (probe.place.tap >= lengths.size()) {
-    refuse("--tap", "the chain has " + std::to_string(lengths.size()) + " TAPs");
+    refuse("--tap", "the chain has only " + std::to_string(lengths.size()) + " TAPs");
   }
   if (!probe.kind->has_target) return;
   const int length = lengths[probe.place.tap];
   if (verb.get_option("--ir-length")->count() > 0 && probe.target.ir_length != length) {
-    refuse("--ir-length", "is not that of --chain");
+    refuse("--ir-length", "differs from the IR length in --chain");
   }
   if (*std::max_element(lengths.begin(), lengths.end()) > kLongestSimulatedIr) {
-    refuse("--chain", "a simulated IR has up to 32 bits");
+    refuse("--chain", "a simulated IR has at most 32 bits");
   }
   probe.target.ir_length = length;
 }
 
 // Refuses --tap without --chain if the verb does not measure the chain.
 void RefuseLoneTap(const ProbeOptions& probe) {
-  if (probe.measures_place) throw CLI::ValidationError("--tap", "is for a --chain");
+  if (probe.measures_place) throw CLI::ValidationError("--tap", "requires --chain");
 }
 
 void CompleteRun(const CLI::App& verb, RunCommand& run) {
   run.outputs = RequestsOf(verb);
   if (!run.learn.empty() && run.scripts.size() > 1) {
-    throw CLI::ValidationError("--learn", "takes one script");
+    throw CLI::ValidationError("--learn", "accepts only one script");
   }
   if (!run.learn.empty() && run.repeat != 1) {
-    throw CLI::ValidationError("--learn", "takes one round: no --repeat");
+    throw CLI::ValidationError("--learn", "cannot be combined with --repeat");
   }
   CompletePlace(verb, run.probe);
   RefuseUnfitProbe(verb, run.probe);
@@ -230,17 +230,18 @@ void CompleteDetect(const CLI::App& verb, DetectCommand& detect) {
 
 void CompleteImport(const ImportCommand& import) {
   if (import.tck_hz.has_value() && import.script == ScriptKind::kJtag) {
-    throw CLI::ValidationError("--tck-hz", "is for --script gpio: a JTAG script cannot wait");
+    throw CLI::ValidationError("--tck-hz", "requires --script gpio: a JTAG script cannot wait");
   }
 }
 
 void CompleteServe(const CLI::App& verb, ServeCommand& serve) {
   const ProbeKind& kind = *serve.probe.kind;
   serve.outputs = RequestsOf(verb);
-  if (serve.verbose && serve.quiet) throw CLI::ValidationError("--verbose", "is against --quiet");
+  if (serve.verbose && serve.quiet)
+    throw CLI::ValidationError("--verbose", "cannot be combined with --quiet");
   if (!kind.ShowsPins()) {
-    throw CLI::ValidationError(
-        "--probe", std::string(kind.title) + " takes whole scans, and serve sets single pins");
+    throw CLI::ValidationError("--probe", std::string("serve sets single pins, but ") + kind.title +
+                                              " accepts only whole scans");
   }
   CompletePlace(verb, serve.probe);
   RefuseLoneTap(serve.probe);
@@ -252,27 +253,31 @@ void CompleteServe(const CLI::App& verb, ServeCommand& serve) {
 CLI::App& AddVerb(CLI::App& app, RunCommand& run) {
   constexpr char kChainGroup[] = "Chain of TAPs (not for OpenOCD)";
   constexpr char kOutputGroup[] =
-      "Outputs (FILE - is standard output, where the plug-in's messages are then left out)";
+      "Outputs (FILE - is standard output, without the plug-in's messages)";
   CLI::App& verb =
-      NewVerb(app, "run", "Run scripts one after the other, up to the first that fails", run.quiet);
+      NewVerb(app, "run", "Run scripts in order and stop at the first that fails", run.quiet);
   AddScripts(verb, run.scripts, run.size_limit);
   AddProbe(verb, run.probe, ProbeHelp(), kChainGroup);
-  verb.add_flag("--strict", run.strict,
-                "Let warnings fail: those of check, and a captured IR that no TAP answers with;\n"
-                "on pins, read the chain before the first scan: it must be what is said of it");
-  verb.add_flag("--force", run.force,
-                "Play scripts with errors as the plug-in takes them, instead of none");
+  verb.add_flag(
+      "--strict", run.strict,
+      "Treat warnings as failures: those of check, and a captured IR that no TAP can send;\n"
+      "on pins, also read the chain first: --chain or the script's IR length must match it");
+  verb.add_flag(
+      "--force", run.force,
+      "Run scripts with errors too, as the plug-in reads them; they still count as failed");
   verb.add_flag("--keep-going", run.keep_going,
-                "Play on where a value is not the expected one, and fail at the end");
-  AddParsed(verb, "--repeat", "N",
-            "Play all scripts N times (0: until a signal), up to the first round that fails,\n"
-            "or to the end with --keep-going; outputs hold the first round, and those that fail",
-            [&run](const std::string& text) { run.repeat = ParseRounds(text); });
+                "Continue after a value that is not as expected, and fail at the end");
+  AddParsed(
+      verb, "--repeat", "N",
+      "Run all scripts N times (0: until interrupted); stop after the first round that fails,\n"
+      "unless --keep-going is given; outputs contain the first round and those that fail",
+      [&run](const std::string& text) { run.repeat = ParseRounds(text); });
   AddOutputs(verb, &OutputKind::run, kOutputGroup);
-  NamesFile(verb.add_option("--learn", run.learn,
-                            "Write the script with the values that were read as those it expects"))
+  NamesFile(
+      verb.add_option("--learn", run.learn,
+                      "Write the script, with the values that were read as its expected values"))
       ->group(kOutputGroup);
-  verb.add_flag("--summary", run.summary, "Say at the end what was done");
+  verb.add_flag("--summary", run.summary, "Print a summary at the end");
   run.plugin = DefaultPluginPath();
   verb.add_option("--plugin", run.plugin,
                   "The plug-in to load (default: the one built or installed with icehost)")
@@ -285,22 +290,22 @@ CLI::App& AddVerb(CLI::App& app, RunCommand& run) {
 }
 
 CLI::App& AddVerb(CLI::App& app, CheckCommand& check) {
-  CLI::App& verb = NewVerb(app, "check", "Report every problem of scripts without touching a probe",
-                           check.quiet);
+  CLI::App& verb =
+      NewVerb(app, "check", "Report every problem in scripts, without using a probe", check.quiet);
   AddScripts(verb, check.scripts, check.size_limit);
-  verb.add_flag("--strict", check.strict, "Let warnings fail");
-  NamesFile(verb.add_option(
-      "--json", check.json,
-      "Write the problems as JSON lines; - is standard output, in place of the text"));
+  verb.add_flag("--strict", check.strict, "Treat warnings as failures");
+  NamesFile(
+      verb.add_option("--json", check.json,
+                      "Write the problems as JSON lines; - replaces the text on standard output"));
   return verb;
 }
 
 CLI::App& AddVerb(CLI::App& app, DetectCommand& detect) {
-  CLI::App& verb = NewVerb(app, "detect", "Tell which TAPs are on a probe", detect.quiet);
+  CLI::App& verb = NewVerb(app, "detect", "List the TAPs on a probe", detect.quiet);
   AddProbe(verb, detect.probe, ProbeHelp());
   AddParsed(verb, "--script", "[KIND]",
             "Write the beginning of a script, jtag (the default) or gpio, to standard\n"
-            "output (and the report to standard error)",
+            "output; the report then goes to standard error",
             [&detect](const std::string& text) { detect.script = ParseScriptKind(text); })
       ->expected(0, 1);
   verb.final_callback([&verb, &detect] { CompleteDetect(verb, detect); });
@@ -309,16 +314,16 @@ CLI::App& AddVerb(CLI::App& app, DetectCommand& detect) {
 
 CLI::App& AddVerb(CLI::App& app, ImportCommand& import) {
   CLI::App& verb =
-      NewVerb(app, "import", "Make a script of a Serial Vector Format (SVF) file", import.quiet);
+      NewVerb(app, "import", "Convert a Serial Vector Format (SVF) file to a script", import.quiet);
   verb.add_option("FILE", import.file, "SVF file; - is standard input")->type_name("")->required();
   AddParsed(verb, "--script", "KIND",
-            "jtag (the default), or gpio: that can express every file and needs a probe with pins",
+            "jtag (the default), or gpio, which can express every file but needs a probe with pins",
             [&import](const std::string& text) { import.script = ParseScriptKind(text); });
   AddParsed(verb, "--tck-hz", "N",
-            "TCK cycles that the probe makes in a second at most, for the waits of a GPIO script\n"
+            "The highest TCK rate of the probe in Hz, for the waits of a GPIO script\n"
             "(default: FREQUENCY of the file)",
             [&import](const std::string& text) { import.tck_hz = ParseHertz(text); });
-  AddParsed(verb, "--size-limit", "MIB", "How large the file, and the script, may be (default 64)",
+  AddParsed(verb, "--size-limit", "MIB", "Maximum size of the file, and of the script (default 64)",
             [&import](const std::string& text) { import.size_limit = ParseMebibytes(text); });
   verb.add_flag("--all", import.all, "Report every problem, instead of each reason once");
   NamesFile(verb.add_option("-o,--output", import.output,
@@ -329,7 +334,7 @@ CLI::App& AddVerb(CLI::App& app, ImportCommand& import) {
 
 CLI::App& AddVerb(CLI::App& app, ServeCommand& serve) {
   CLI::App& verb = NewVerb(
-      app, "serve", "Serve a target by remote_bitbang or XVC, until a signal ends it", serve.quiet);
+      app, "serve", "Serve a target over remote_bitbang or XVC until interrupted", serve.quiet);
   AddParsed(verb, "ENDPOINT", "",
             "tcp:PORT (on the loopback address), tcp:ADDRESS:PORT or unix:PATH",
             [&serve](const std::string& text) { serve.endpoint = ParseServeEndpoint(text); })
@@ -337,9 +342,9 @@ CLI::App& AddVerb(CLI::App& app, ServeCommand& serve) {
   AddParsed(verb, "--protocol", "PROTOCOL", ProtocolHelp(),
             [&serve](const std::string& text) { serve.protocol = &ParseProtocol(text); });
   verb.add_flag("-v,--verbose", serve.verbose,
-                "Say when clients come and go, and what is wrong with their bytes");
+                "Report when clients connect and leave, and what is wrong with their bytes");
   AddParsed(verb, "--idle-limit", "SECONDS",
-            "How long a client may be silent until another takes its place (default 60)",
+            "How long a client may be silent before another may replace it (default 60)",
             [&serve](const std::string& text) { serve.idle_limit = ParseSeconds(text); });
   AddOutputs(verb, &OutputKind::serve,
              "Outputs: what clients do to the pins (FILE - is standard output)");

@@ -49,7 +49,8 @@ Bits ParseDrscanAnswer(const std::string& answer, std::size_t length) {
     bits.insert(bits.end(), byte.begin(), byte.end());
   }
   if (bits.size() != length || fields.size() != (length + 7) / 8) {
-    throw IoError(fmt::format("OpenOCD's answer to a DR scan is none: \"{}\"", Printable(answer)));
+    throw IoError(
+        fmt::format("OpenOCD's answer to a DR scan is not valid: \"{}\"", Printable(answer)));
   }
   return bits;
 }
@@ -69,13 +70,13 @@ std::string OpenocdRpc::Ask(const std::string& command) {
     const std::string code = answer.substr(number.size(), end - number.size());
     std::string result = answer.substr(std::min(end + 1, answer.size()));
     if (code == "0") return result;
-    if (IsOwnError(code)) result = fmt::format("error {}, its log says why", code);
+    if (IsOwnError(code)) result = fmt::format("error {}, see its log", code);
     if (code == "1" || IsOwnError(code)) {
       throw Unsupported(fmt::format("OpenOCD: {:.80}: {}", command, result));
     }
   }
-  throw IoError(fmt::format("{}: this does not answer command {}\"{}\": \"{:.80}\"", socket_.Name(),
-                            number, command, Printable(answer)));
+  throw IoError(fmt::format("{}: expected the answer to command {}\"{}\", got \"{:.80}\"",
+                            socket_.Name(), number, command, Printable(answer)));
 }
 
 void OpenocdRpc::ExpectNoMore() {
@@ -118,7 +119,8 @@ void OpenocdProbe::ChooseTap() {
   if (taps.empty()) throw IoError("OpenOCD has no TAP");
   if (tap_.empty() && taps.size() == 1) tap_ = taps.front();
   if (tap_.empty())
-    throw IoError(fmt::format("OpenOCD has several TAPs, name one: {}", fmt::join(taps, ", ")));
+    throw IoError(
+        fmt::format("OpenOCD has several TAPs, name one in --probe: {}", fmt::join(taps, ", ")));
   RefuseUnknownTap(taps, tap_);
 }
 
@@ -126,7 +128,7 @@ int OpenocdProbe::DeclaredIrLength() {
   for (const OpenocdTap& tap : ParseScanChain(rpc_.Ask(kAskScanChain))) {
     if (tap.name == tap_) return tap.ir_bits;
   }
-  throw IoError("OpenOCD does not say the IR length of " + tap_);
+  throw IoError("OpenOCD does not report the IR length of " + tap_);
 }
 
 int OpenocdProbe::Config(int code, int value) {
@@ -149,10 +151,10 @@ int OpenocdProbe::Reset(int /*kind*/) {
 
 int OpenocdProbe::Insert(int ir_bits, const std::uint8_t* ir, int dr_bits, const std::uint8_t* dr) {
   if (ir_bits > 0 && ir_bits != ir_length_) {
-    throw Unsupported(fmt::format("the script's IR has {} bits, but OpenOCD's {} has {}", ir_bits,
-                                  tap_, ir_length_));
+    throw Unsupported(fmt::format("the script's IR has {} bits, but in OpenOCD the IR of {} has {}",
+                                  ir_bits, tap_, ir_length_));
   }
-  if (ir_bits > kLongestIr) throw Unsupported("OpenOCD takes an IR of up to 64 bits");
+  if (ir_bits > kLongestIr) throw Unsupported("OpenOCD accepts an IR of at most 64 bits");
   ir_ = BitsOfBytes(ir, 0, ir_bits);
   dr_ = BitsOfBytes(dr, 0, std::min(dr_bits, 8 * JTAG_DR_MAX_BYTES));
   return 0;
@@ -199,7 +201,8 @@ std::vector<OpenocdTap> ParseScanChain(const std::string& answer) {
 
 void RefuseUnknownTap(const std::vector<std::string>& taps, const std::string& tap) {
   if (std::find(taps.begin(), taps.end(), tap) != taps.end()) return;
-  throw IoError(fmt::format("OpenOCD has no TAP \"{}\", it has: {}", tap, fmt::join(taps, ", ")));
+  throw IoError(
+      fmt::format("OpenOCD has no TAP \"{}\", its TAPs are: {}", tap, fmt::join(taps, ", ")));
 }
 
 std::vector<std::string> WordsOf(const std::string& text) {

@@ -17,12 +17,12 @@ constexpr int kIrCaptureBits = 8 * kDrCaptureByte;
 std::string WhyNoIr(const Bits& captured) {
   if (captured.size() < 2 || (captured[0] && !captured[1])) return "";
   const auto ones = std::count(captured.begin(), captured.end(), true);
-  const char* why = "its length is another, or it is one of several in a chain";
+  const char* why = "the IR has another length, or the TAP is one of several in a chain";
   if (ones == 0) why = "all zeros: TDO is shorted, or the target is held in reset";
   if (ones == static_cast<std::ptrdiff_t>(captured.size())) {
-    why = "all ones: nothing is powered, or nothing is connected";
+    why = "all ones: the target is not powered or not connected";
   }
-  return fmt::format("no TAP answers as it should: the captured IR does not end in 01 ({})", why);
+  return fmt::format("no TAP answered correctly: the captured IR does not end in 01 ({})", why);
 }
 
 }  // namespace
@@ -71,7 +71,7 @@ int PinProbe::Config(int code, int value) {
   if (code == LINK_CONFIG_GET_CDI) return wire_mode_;
   if (code != LINK_CONFIG_CDI_MODE) return -1;
   const bool two_wire = value == CDI_MODE_2WIRE;
-  if (two_wire && !two_wire_) throw Unsupported("these pins have no 2-wire interface");
+  if (two_wire && !two_wire_) throw Unsupported("this probe has no 2-wire interface");
   wire_mode_ = two_wire ? CDI_ANSWER_2WIRE : CDI_ANSWER_JTAG5;
   return 0;
 }
@@ -88,7 +88,7 @@ int PinProbe::Insert(int ir_bits, const std::uint8_t* ir, int dr_bits, const std
   // The check of a script does not know whether an earlier script has selected two wires.
   if (wire_mode_ == CDI_ANSWER_2WIRE && std::max(ir_bits, dr_bits) - 8 > kMostTwoWireBits) {
     throw Unsupported(
-        "over two wires a register has at most 256 bits: the plug-in has lost the 33rd byte");
+        "a register has at most 256 bits over two wires: the plug-in lost the 33rd byte");
   }
   ir_ = ScanBits(ir_bits, ir);
   dr_ = ScanBits(dr_bits, dr);
@@ -123,14 +123,15 @@ void PinProbe::RefuseUnfitScan() const {
   const auto length = static_cast<std::size_t>(place_.ir_lengths[place_.tap]);
   if (!ir_.empty() && ir_.size() != length) {
     const bool alone = place_.ir_lengths.size() == 1;
-    throw Unsupported(fmt::format("the script's IR has {} bits, but that of {} has {}", ir_.size(),
-                                  alone ? "the chain" : fmt::format("TAP {}", place_.tap + 1),
-                                  length));
+    throw Unsupported(
+        fmt::format("the script's IR has {} bits, but the IR of {} has {}", ir_.size(),
+                    alone ? "the chain" : fmt::format("TAP {}", place_.tap + 1), length));
   }
   if (place_.ir_lengths.size() == 1) return;
-  if (wire_mode_ != CDI_ANSWER_JTAG5) throw Unsupported("over two wires there is no chain");
+  if (wire_mode_ != CDI_ANSWER_JTAG5)
+    throw Unsupported("a chain of TAPs is not possible over two wires");
   if (ir_.empty() && !dr_.empty() && !others_in_bypass_) {
-    throw Unsupported("the other TAPs may not be in BYPASS: load an instruction first");
+    throw Unsupported("the other TAPs might not be in BYPASS: load an instruction first");
   }
 }
 

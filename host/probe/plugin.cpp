@@ -22,7 +22,7 @@ Plugin::Plugin(const std::string& path) : library_(dlopen(path.c_str(), RTLD_NOW
   entry_ = reinterpret_cast<decltype(entry_)>(dlsym(library_, "ImplementScr"));
   if (entry_ == nullptr) {
     dlclose(library_);
-    Refuse(path + ": exports no ImplementScr");
+    Refuse(path + ": it does not export ImplementScr");
   }
 }
 

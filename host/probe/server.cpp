@@ -160,15 +160,15 @@ void Server::Admit() {
   arrival_->socket.reset();
   if (arrival_->error) {
     throw IoError(
-        fmt::format("{}: cannot accept: {}", listener_.Name(), arrival_->error.message()));
+        fmt::format("{}: cannot accept a client: {}", listener_.Name(), arrival_->error.message()));
   }
   Accept();
   if (client_ != nullptr) {
     if (Clock::now() - client_->last_heard < idle_limit_) {
-      observer_.OnRefusal("busy: a second client was sent away");
+      observer_.OnRefusal("a second client was refused: another one is connected");
       return;
     }
-    observer_.OnRefusal("a client that had been silent made room for another");
+    observer_.OnRefusal("a silent client was disconnected to accept another one");
     Dismiss();
   }
   SetTcpOptions(socket.native_handle());

@@ -73,8 +73,7 @@ std::size_t XvcSession::Shift(std::string_view bytes, std::string& answers) {
   const std::string_view number = bytes.substr(kXvcShift.size(), kXvcNumberBytes);
   const std::size_t bits = NumberOfBits(BitsFrom(number, 8 * number.size()));
   if (bits == 0 || bits > 8 * kMostVectorBytes) {
-    fault_ =
-        fmt::format("a shift of {} bits, where 1 to {} are possible", bits, 8 * kMostVectorBytes);
+    fault_ = fmt::format("expected a shift of 1 to {1} bits, got {0}", bits, 8 * kMostVectorBytes);
     return 0;
   }
   const std::size_t head = kXvcShift.size() + number.size();

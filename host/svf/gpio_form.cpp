@@ -52,7 +52,7 @@ class GpioForm : public SvfForm {
   void RunTest(const SvfRunTest& run) override;
   void Trst(SvfTrst mode) override;
   void Frequency(std::optional<double> hz) override;
-  void Pio() override { Refuse("a GPIO script has no pins but those of JTAG and NRST"); }
+  void Pio() override { Refuse("a GPIO script has only NRST and the pins of JTAG"); }
   void End() override;
 
  private:
@@ -141,8 +141,8 @@ void GpioForm::Follow(const std::vector<TapState>& path) {
     } else if (tms || NextTapState(tap_, false) == state) {
       Clock(tms);
     } else {
-      problems_.Error(AtWord(i), fmt::format("no TCK edge leads from {} to {}", SvfStateName(tap_),
-                                             SvfStateName(state)));
+      problems_.Error(AtWord(i), fmt::format("no TCK edge leads directly from {} to {}",
+                                             SvfStateName(tap_), SvfStateName(state)));
       tap_ = path.back();
       return;
     }
@@ -170,7 +170,7 @@ void GpioForm::State(const std::vector<TapState>& path) {
 
 void GpioForm::Scan(bool ir, const SvfShift& shift) {
   WriteLine();
-  if (trst_low_) return Refuse("TRST is on, and holds the TAP in Test-Logic-Reset");
+  if (trst_low_) return Refuse("TRST is on and keeps the TAP in Test-Logic-Reset");
   MoveTo(ir ? TapState::kShiftIr : TapState::kShiftDr);
   Shift(shift);
   MoveTo(ir ? ir_end_ : dr_end_);
@@ -207,13 +207,13 @@ std::optional<long> GpioForm::CyclesOf(const SvfRunTest& run) {
   cycles = std::ceil(cycles * (1 - kRounding));
   if (run.seconds > 0) {
     if (!hz.has_value()) {
-      Refuse("a wait in seconds needs the rate of TCK, and no FREQUENCY is in force: --tck-hz N");
+      Refuse("a wait in seconds needs a TCK rate: a FREQUENCY before it, or --tck-hz N");
       return std::nullopt;
     }
     cycles = std::max(cycles, std::ceil(run.seconds * *hz * (1 - kRounding)));
   }
   if (cycles > kMostCycles) {
-    Refuse(fmt::format("a script waits for up to {} TCK cycles", kMostCycles));
+    Refuse(fmt::format("a script can wait for at most {} TCK cycles", kMostCycles));
     return std::nullopt;
   }
   if (run.most_seconds.has_value() && hz.has_value() && cycles > *run.most_seconds * *hz + 1) {
@@ -240,7 +240,7 @@ void GpioForm::RunTest(const SvfRunTest& run) {
 void GpioForm::Trst(SvfTrst mode) {
   if (mode == SvfTrst::kAbsent) return;
   if (mode == SvfTrst::kZ) {
-    problems_.Note(At(), "the script drives TRST high: not every probe can release it");
+    problems_.Note(At(), "the script drives TRST high, because not every probe can release it");
   }
   WriteLine();
   tms_ = true;
@@ -260,10 +260,11 @@ void GpioForm::Frequency(std::optional<double> hz) {
 void GpioForm::NoteFrequency() {
   if (!file_hz_.has_value()) return;
   if (!hz_used_) {
-    problems_.Note(hz_at_, "left out: no wait follows it, and the probe has a rate of its own");
+    problems_.Note(hz_at_, "left out: no wait follows, and the probe sets its own TCK rate");
   } else if (!tck_hz_.has_value()) {
-    problems_.Note(hz_at_,
-                   "waits are long enough if the probe clocks TCK no faster; else --tck-hz N");
+    problems_.Note(
+        hz_at_,
+        "waits are long enough only up to this TCK rate: for a faster probe, use --tck-hz N");
   }
 }
 

@@ -66,7 +66,7 @@ class Words {
 const char* TakeStay(Words& words, SvfRunTest& run) {
   auto number = words.TakeNumber();
   if (!number.has_value()) return kRunTestForm;
-  if (words.Is("SCK")) return "SCK is a clock of the target's system: a probe does not have it";
+  if (words.Is("SCK")) return "SCK is a clock of the target system, which a probe does not have";
   if (words.Take("TCK")) {
     run.cycles = *number;
     number = words.TakeNumber();
@@ -162,7 +162,7 @@ void Importer::Take(const SvfStatement& statement) {
   form_.BeginStatement(statement);
   (this->*handler)(statement);
   if (form_.Size() <= most_) return;
-  Refuse(keyword, fmt::format("the script becomes larger than {} MiB; --size-limit lets more out",
+  Refuse(keyword, fmt::format("the script would be larger than {} MiB (--size-limit allows more)",
                               most_ >> 20U));
 }
 
@@ -183,7 +183,7 @@ void Importer::TakeScan(Column& column, bool ir, const SvfStatement& statement) 
   SvfShift whole = column.header.shift;
   whole.Append(*own);
   whole.Append(column.trailer.shift);
-  if (whole.tdi.empty()) return Refuse(statement.keyword, "a scan has at least one bit");
+  if (whole.tdi.empty()) return Refuse(statement.keyword, "a scan must have at least one bit");
   form_.Scan(ir, whole);
 }
 
@@ -220,7 +220,7 @@ void Importer::RunTest(const SvfStatement& statement) {
 
 void Importer::State(const SvfStatement& statement) {
   Words words(statement);
-  if (words.AtEnd()) return Refuse(statement.keyword, "STATE lacks its state");
+  if (words.AtEnd()) return Refuse(statement.keyword, "expected a state after STATE");
   std::vector<TapState> path;
   for (; words.State().has_value(); words.Skip()) path.push_back(*words.State());
   if (!words.AtEnd()) {
@@ -237,12 +237,13 @@ void Importer::Trst(const SvfStatement& statement) {
       {"Z", SvfTrst::kZ},
       {"ABSENT", SvfTrst::kAbsent},
   };
-  if (statement.words.size() != 1) return Refuse(statement.keyword, "expected TRST and one word");
+  if (statement.words.size() != 1)
+    return Refuse(statement.keyword, "expected TRST ON, OFF, Z or ABSENT");
   const SvfToken& word = statement.words[0];
   for (const auto& [name, mode] : kModes) {
     if (IsSvfWord(word, name)) return form_.Trst(mode);
   }
-  Refuse(word, fmt::format("{} is none of ON, OFF, Z and ABSENT", Quoted(word)));
+  Refuse(word, fmt::format("expected ON, OFF, Z or ABSENT, found {}", Quoted(word)));
 }
 
 }  // namespace
@@ -263,7 +264,7 @@ Problems ImportSvf(const SvfImport& import, std::string_view text, std::ostream*
     importer.Take(*statement);
     on_progress(reader.BytesRead());
   }
-  if (empty && !problems.HasErrors()) problems.Error({1, 1}, "the file has no statement");
+  if (empty && !problems.HasErrors()) problems.Error({1, 1}, "the file contains no statement");
   form->End();
   problems.Sort();
   return problems;

@@ -25,14 +25,13 @@ constexpr double kMostIdleCycles = 16;
 constexpr double kMostIdleSeconds = 1e-5;
 
 constexpr const char* kWait =
-    "a JTAG script cannot wait: it leaves out up to 16 TCK cycles and 10 us between two scans";
+    "a JTAG script cannot wait: at most 16 TCK cycles and 10 us between two scans can be left out";
 
-constexpr const char* kEndState =
-    "a JTAG script's scans end in Run-Test/Idle, and the next one begins there";
+constexpr const char* kEndState = "in a JTAG script, every scan begins and ends in Run-Test/Idle";
 
 constexpr char kJtagHead[] =
-    R"(# Imported by icehost from {}. A section is named after the line of its
-# scan there.
+    R"(# Imported by icehost from {}.
+# Each section is named after the line of its scan in that file.
 
 )";
 
@@ -47,7 +46,7 @@ class JtagForm : public SvfForm {
   void RunTest(const SvfRunTest& run) override;
   void Trst(SvfTrst mode) override;
   void Frequency(std::optional<double> hz) override;
-  void Pio() override { Refuse("a JTAG script has no pins but those of the TAP"); }
+  void Pio() override { Refuse("a JTAG script has only the pins of the TAP"); }
   void End() override;
 
  private:
@@ -103,8 +102,8 @@ void JtagForm::Scan(bool ir, const SvfShift& shift) {
   EndScan(ir ? ir_end_ : dr_end_);
   if (!ir) return ScanDr(shift);
   if (shift.Compares() && shift.tdi.size() > kMostCapturedIrBits) {
-    return Refuse(
-        fmt::format("a JTAG script compares a captured IR of up to {} bits", kMostCapturedIrBits));
+    return Refuse(fmt::format("a JTAG script can compare a captured IR of at most {} bits",
+                              kMostCapturedIrBits));
   }
   new_ir_ = {At().line, shift};
 }
@@ -116,7 +115,7 @@ void JtagForm::ReportGap() {
     place.reset();
   };
   if (wait_.has_value() && !scanned_) {
-    problems_.Note(*wait_, "left out: it comes before any scan");
+    problems_.Note(*wait_, "left out: it comes before the first scan");
     wait_.reset();
   }
   report(wait_, kWait);
@@ -128,10 +127,11 @@ void JtagForm::ReportGap() {
 // Returns whether a script can contain the scan; if not, reports why.
 bool JtagForm::CanScan(const SvfShift& shift) {
   if (trst_on_) {
-    Refuse("TRST is on, and holds the TAP in Test-Logic-Reset");
+    Refuse("TRST is on and keeps the TAP in Test-Logic-Reset");
   } else if (shift.tdi.size() > kMostBits) {
     Refuse(fmt::format(
-        "a JTAG script's register has at most {} bits, headers and trailers included", kMostBits));
+        "a register in a JTAG script has at most {} bits, including headers and trailers",
+        kMostBits));
   } else {
     return true;
   }
@@ -152,7 +152,7 @@ void JtagForm::ScanDr(const SvfShift& shift) {
 // Writes an instruction that no DR scan follows.
 void JtagForm::WriteIr() {
   if (!new_ir_.has_value()) return;
-  Comment("no DR scan: the instruction alone");
+  Comment("no DR scan: only the instruction is loaded");
   Section(new_ir_->line, new_ir_->shift, {});
   new_ir_.reset();
   has_ir_ = true;
@@ -182,10 +182,10 @@ void JtagForm::State(const std::vector<TapState>& path) {
     resets = resets || reset;
     if (reset || path[i] == TapState::kRunTestIdle) continue;
     return problems_.Error(
-        AtWord(i), fmt::format("a JTAG script cannot bring the TAP to {}", SvfStateName(path[i])));
+        AtWord(i), fmt::format("a JTAG script cannot move the TAP to {}", SvfStateName(path[i])));
   }
   if (resets) return Reset();
-  LeaveOut("every scan of a script ends there");
+  LeaveOut("every scan of a script ends in Run-Test/Idle");
 }
 
 void JtagForm::RunTest(const SvfRunTest& run) {
@@ -195,23 +195,23 @@ void JtagForm::RunTest(const SvfRunTest& run) {
   }
   const bool in_reset = trst_on_ || run.state == TapState::kTestLogicReset;
   if (in_reset && run.cycles > kMostIdleCycles) {
-    problems_.Note(At(), "left out: TCK cycles in Test-Logic-Reset do nothing");
+    problems_.Note(At(), "left out: TCK cycles in Test-Logic-Reset have no effect");
   }
   Idle(in_reset ? 0 : run.cycles, run.seconds);
   if (is_either(TapState::kTestLogicReset)) return Reset();
-  LeaveOut("a stay in Run-Test/Idle");
+  LeaveOut("a wait in Run-Test/Idle");
 }
 
 void JtagForm::Trst(SvfTrst mode) {
   if (mode != SvfTrst::kAbsent) trst_on_ = mode == SvfTrst::kOn;
   if (mode == SvfTrst::kOn) return Reset();
-  LeaveOut("the probe holds it off");
+  LeaveOut("the probe keeps TRST off");
 }
 
 void JtagForm::Frequency(std::optional<double> hz) {
   hz_ = hz;
-  if (hz.has_value()) problems_.Note(At(), "left out: the probe has a rate of its own");
-  LeaveOut("the probe has its own");
+  if (hz.has_value()) problems_.Note(At(), "left out: the probe sets its own TCK rate");
+  LeaveOut("the probe sets its own TCK rate");
 }
 
 // The TAP goes to Run-Test/Idle or is reset. Adds up the time since the last scan.
@@ -229,7 +229,7 @@ void JtagForm::Reset() {
   has_ir_ = false;
   if (scanned_ && !reset_.has_value()) reset_ = At();
   if (!scanned_ && !std::exchange(resets_, true)) Comment("reset TAP");
-  LeaveOut(scanned_ ? "no scan follows" : "icehost does it before the first scan");
+  LeaveOut(scanned_ ? "no scan follows" : "icehost resets the TAP before the first scan");
 }
 
 void JtagForm::LeaveOut(const char* why) {
@@ -244,13 +244,12 @@ void JtagForm::End() {
   if (!scanned_) EndWithoutScan();
   if (bare_.has_value()) {
     problems_.Warn(*bare_,
-                   "no SIR before: this scans what the instruction before the file selects, or a "
-                   "TAP reset: icehost resets the TAP, a debug server may not");
+                   "no SIR precedes this scan, so its register depends on what ran before: icehost "
+                   "resets the TAP, a debug server might not");
   }
   if (wait_.has_value()) {
     problems_.Note(
-        *wait_,
-        "left out: no scan follows it, so what the last one has started gets no TCK cycles");
+        *wait_, "left out: no scan follows, so whatever the last scan started gets no TCK cycles");
   }
   if (reset_.has_value()) {
     problems_.Warn(*reset_,
@@ -262,7 +261,7 @@ void JtagForm::End() {
 // A section that shifts nothing also resets the TAP.
 void JtagForm::EndWithoutScan() {
   if (resets_) return Section(At().line, {}, {});
-  problems_.Error({1, 1}, "the file scans nothing: it has no SIR and no SDR");
+  problems_.Error({1, 1}, "the file contains no scan (SIR or SDR)");
 }
 
 void JtagForm::Section(int line, const SvfShift& ir, const SvfShift& dr) {

@@ -50,7 +50,7 @@ std::optional<Digits> DigitsOf(const SvfToken& value, Problems& problems) {
   SvfCursor cursor(value.text, value.place);
   cursor.SkipBlanks();
   if (cursor.AtEnd()) {
-    problems.Error(value.place, "the parentheses hold no digit");
+    problems.Error(value.place, "expected hexadecimal digits in the parentheses");
     return std::nullopt;
   }
   Digits digits{cursor};
@@ -58,7 +58,7 @@ std::optional<Digits> DigitsOf(const SvfToken& value, Problems& problems) {
     const char ch = cursor.Rest()[0];
     const auto digit = DigitOf(ch);
     if (!digit.has_value()) {
-      problems.Error(cursor.At(), fmt::format("\"{}\" is no hexadecimal digit", ch));
+      problems.Error(cursor.At(), fmt::format("\"{}\" is not a hexadecimal digit", ch));
       return std::nullopt;
     }
     if (digits.count == 0) digits.first = cursor;
@@ -83,7 +83,7 @@ std::optional<Bits> BitsOf(const SvfToken& value, std::size_t length, Problems& 
       if ((digit >> i & 1) == 0) continue;
       if (4 * left + i >= length) {
         problems.Error(digits->first.At(),
-                       fmt::format("a bit is set beyond the {} of the length", length));
+                       fmt::format("a bit is set beyond the length of {} bits", length));
         return std::nullopt;
       }
       bits[4 * left + i] = true;
@@ -97,7 +97,7 @@ std::optional<std::size_t> LengthOf(const SvfStatement& statement, std::size_t m
                                     Problems& problems) {
   if (statement.words.empty()) {
     problems.Error(statement.keyword.place,
-                   fmt::format("{} lacks its length", Quoted(statement.keyword)));
+                   fmt::format("expected a length after {}", Quoted(statement.keyword)));
     return std::nullopt;
   }
   const SvfToken& word = statement.words[0];
@@ -105,12 +105,11 @@ std::optional<std::size_t> LengthOf(const SvfStatement& statement, std::size_t m
   std::size_t length = 0;
   const auto [end, error] = std::from_chars(word.text.data(), text_end, length);
   if (word.kind != Kind::kWord || error == std::errc::invalid_argument || end != text_end) {
-    problems.Error(word.place, fmt::format("{} is no length in bits", Quoted(word)));
+    problems.Error(word.place, fmt::format("{} is not a length in bits", Quoted(word)));
     return std::nullopt;
   }
   if (error == std::errc() && length <= most) return length;
-  problems.Error(word.place,
-                 fmt::format("more than {} bits; --size-limit lets longer scans in", most));
+  problems.Error(word.place, fmt::format("more than {} bits (--size-limit allows more)", most));
   return std::nullopt;
 }
 
@@ -131,12 +130,12 @@ bool ReadValues(const SvfStatement& statement, std::size_t length, Values& value
         std::find_if(std::begin(kParameterNames), std::end(kParameterNames),
                      [&](const char* known) { return IsSvfWord(words[i], known); });
     if (name == std::end(kParameterNames)) {
-      return refuse(fmt::format("{} is none of TDI, TDO, MASK and SMASK", Quoted(words[i])));
+      return refuse(fmt::format("expected TDI, TDO, MASK or SMASK, found {}", Quoted(words[i])));
     }
     std::optional<Bits>& value = values[name - std::begin(kParameterNames)];
     if (value.has_value()) return refuse(fmt::format("{} is given twice", *name));
     if (i + 1 == words.size() || words[i + 1].kind != Kind::kValue) {
-      return refuse(fmt::format("{} lacks its value in parentheses", *name));
+      return refuse(fmt::format("expected a value in parentheses after {}", *name));
     }
     value = BitsOf(words[i + 1], length, problems);
     if (!value.has_value()) return false;
@@ -210,7 +209,8 @@ std::optional<SvfStatement> SvfReader::Next(Problems& problems) {
   SvfStatement statement = {token, {}, false};
   for (token = NextToken(problems); token.kind != Kind::kSemicolon; token = NextToken(problems)) {
     if (token.kind == Kind::kEnd) {
-      problems.Warn(statement.keyword.place, "the last statement has no semicolon: is it whole?");
+      problems.Warn(statement.keyword.place,
+                    "the last statement has no semicolon: is the file complete?");
       break;
     }
     statement.is_long = statement.words.size() == kMostWords;
@@ -224,7 +224,7 @@ bool IsSvfWord(const SvfToken& token, std::string_view upper) {
 }
 
 std::string Quoted(const SvfToken& token) {
-  return token.kind == Kind::kWord ? fmt::format("\"{:.40}\"", token.text) : "a value";
+  return token.kind == Kind::kWord ? fmt::format("\"{:.40}\"", token.text) : "\"(...)\"";
 }
 
 std::optional<double> SvfNumber(const SvfToken& token) {
@@ -277,9 +277,8 @@ std::optional<SvfShift> SvfRegister::Take(const SvfStatement& statement, std::si
   Values values;
   if (!ReadValues(statement, length_, values, problems)) return std::nullopt;
   if (is_new && length_ > 0 && !values[kTdi].has_value()) {
-    problems.Error(
-        statement.keyword.place,
-        fmt::format("{} has another length than before, and no TDI", Quoted(statement.keyword)));
+    problems.Error(statement.keyword.place,
+                   fmt::format("{} has a new length, so it needs TDI", Quoted(statement.keyword)));
     return std::nullopt;
   }
   tdi_ = values[kTdi].value_or(tdi_);

@@ -16,7 +16,7 @@ namespace {
 
 constexpr const char* kIdle = "IDLE";
 
-constexpr const char* kTwoWire = "SVF knows no 2-wire interface: a player scans over 5 wires";
+constexpr const char* kTwoWire = "SVF has no 2-wire interface: a player scans over 5 wires";
 constexpr const char* kReleased = "SVF cannot release pins: a player drives them";
 constexpr const char* kEmptyScan =
     "SVF has no scan of 0 bits: a player neither captures nor updates there";
@@ -25,7 +25,7 @@ constexpr const char* kLongScan = "a scan has more than 1048576 bits: it is not 
 static_assert(kMostScanBits == 1048576);
 constexpr const char* kPause = "a scan went through a Pause state: a player does not";
 constexpr const char* kNoIdle =
-    "scans followed each other without Run-Test/Idle: a player goes through it";
+    "scans followed each other without Run-Test/Idle: a player goes through Run-Test/Idle";
 
 bool IsShift(std::optional<TapState> state) {
   return state == TapState::kShiftDr || state == TapState::kShiftIr;
@@ -221,7 +221,7 @@ void SvfPinWriter::WriteScan(const char* end) {
   if (!held_.has_value()) return;
   const Held held = *std::exchange(held_, std::nullopt);
   Locate(held.begin, held.last_line);
-  if (held.paused) Lose(kPause, fmt::format("by way of Pause-{}", Column(held.scan.ir)));
+  if (held.paused) Lose(kPause, fmt::format("through Pause-{}", Column(held.scan.ir)));
   const char*& end_in_force = held.scan.ir ? end_ir_ : end_dr_;
   if (std::strcmp(std::exchange(end_in_force, end), end) != 0) {
     Statement(fmt::format("END{} {}", Column(held.scan.ir), end));

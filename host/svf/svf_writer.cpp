@@ -37,14 +37,14 @@ void WriteValue(const char* name, const Bits& bits, std::ostream& stream) {
 }  // namespace
 
 void SvfWriter::Begin() {
-  Comment("Played by icehost, which wrote this while it ran. TDO is what came back.");
+  Comment("Recorded by icehost during a run. TDO is the value that was read.");
   Statement("ENDIR IDLE");
   Statement("ENDDR IDLE");
 }
 
 void SvfWriter::OnRound(long round) {
   Comment("Round " + std::to_string(round) +
-          (round == 1 ? ". Of the later ones only those that fail follow." : "."));
+          (round == 1 ? ". Of the later rounds, only those that fail are shown." : "."));
 }
 
 Bits SvfWriter::MaskOf(const CallSource& source, bool ir, std::size_t bits) {

@@ -37,7 +37,7 @@ class SvfWriter : public Output, public EventListener {
 
  protected:
   static constexpr const char* kNoNrst =
-      "SVF has no word for NRST: a player does not reset the target";
+      "SVF has no statement for NRST: a player does not reset the target";
 
   // Returns the bits that a player compares in a scan of a JTAG script: the script's mask if it
   // expects a value; otherwise all bits of a DR that the script reads, or the first two bits of an

@@ -31,7 +31,8 @@ Endpoint ParseEndpoint(std::string_view text) {
   const std::string port(text.substr(colon + 1));
   const bool digits = port.find_first_not_of("0123456789") == std::string::npos;
   if (!digits || port.size() > 5 || std::stoi(port) > kHighestPort) {
-    throw std::invalid_argument(fmt::format("\"{}\" is no port from 0 to {}", port, kHighestPort));
+    throw std::invalid_argument(
+        fmt::format("\"{}\" is not a port from 0 to {}", port, kHighestPort));
   }
   std::string_view host = text.substr(0, colon);
   if (host.size() > 2 && host.front() == '[' && host.back() == ']') {

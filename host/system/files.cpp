@@ -49,7 +49,7 @@ std::string ReadAll(int fd, const std::string& path, std::size_t limit) {
     if (got > 0) content.append(buffer.data(), static_cast<std::size_t>(got));
     if (content.size() > limit) {
       throw IoError(
-          fmt::format("{}: is larger than {} MiB; --size-limit lets more in", path, limit >> 20U));
+          fmt::format("{}: larger than {} MiB (--size-limit allows more)", path, limit >> 20U));
     }
   }
 }

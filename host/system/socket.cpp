@@ -105,7 +105,7 @@ Socket::Addresses Socket::Resolve(const Endpoint& endpoint) try {
   tcp::resolver resolver(EventLoop());
   const auto [error, found] = Await<tcp::resolver::results_type>(
       [&](auto done) { resolver.async_resolve(endpoint.host, endpoint.port, std::move(done)); });
-  if (error) Fail("cannot be looked up", error);
+  if (error) Fail("cannot look up the host", error);
   Addresses addresses;
   for (const auto& entry : found) addresses.emplace_back(entry.endpoint());
   return addresses;
@@ -212,7 +212,7 @@ void Socket::FailClosed(const std::string& who) const {
 }
 
 void Socket::FailOutOfStep() const {
-  throw IoError(fmt::format("{}: the server is out of step: it answers what was not asked", name_));
+  throw IoError(fmt::format("{}: the server sent an answer that was not asked for", name_));
 }
 
 std::string Socket::Advice() const {

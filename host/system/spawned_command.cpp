@@ -253,7 +253,7 @@ bool SpawnedCommand::End(bool failed) {
     guard_ = 0;
   }
   const bool all = WIFEXITED(status_);
-  if (!all) Complain("processes of the spawned command may be left");
+  if (!all) Complain("some processes of the spawned command may still be running");
   if (failed && all) ShowOutput();
   ended_ = false;
   return all;

@@ -48,15 +48,16 @@ const std::vector<OutputKind>& OutputKinds() {
        /*file_may_lack=*/true,
        /*needs_pins=*/false,
        kLines,
-       {"Write a line for every host call, to standard error or with --trace=FILE", MakeTrace},
-       {"Write a line for every scan, reset and client, to standard error or with --trace=FILE",
+       {"Write a line for every host call to standard error, or to a file with --trace=FILE",
+        MakeTrace},
+       {"Write a line for every scan, reset and client to standard error, or with --trace=FILE",
         MakeServeTrace}},
       {"--json",
        /*file_may_lack=*/false,
        /*needs_pins=*/false,
        kLines,
        {"Write calls and messages as JSON lines", MakeJson},
-       {"Write the same as JSON lines", MakeServeJson}},
+       {"Write the same events as JSON lines", MakeServeJson}},
       {"--vcd",
        /*file_may_lack=*/false,
        /*needs_pins=*/true,
@@ -73,13 +74,14 @@ const std::vector<OutputKind>& OutputKinds() {
        /*file_may_lack=*/false,
        /*needs_pins=*/false,
        kNothing,
-       {"Write all of it as one page for a browser: script, operations, waveform", MakeRunPage},
-       {"Write all of it as one page for a browser, at the end", MakeServePage}},
+       {"Write a page for a browser: script, operations, waveform", MakeRunPage},
+       {"Write a page for a browser, at the end", MakeServePage}},
       {"--svf",
        /*file_may_lack=*/false,
        /*needs_pins=*/false,
        kLines,
-       {"Write what was played in the Serial Vector Format", MakeSvfPinWriter, MakeSvfCallWriter},
+       {"Write the operations in the Serial Vector Format (SVF)", MakeSvfPinWriter,
+        MakeSvfCallWriter},
        {}},
   };
   return kinds;
@@ -105,7 +107,8 @@ Outputs::Outputs(const OutputRequests& requests, OutputKind::Verb OutputKind::*v
   const ProbeKind& probe = *options.kind;
   for (const OutputRequest& request : requests) {
     if (!request.kind->needs_pins || probe.ShowsPins()) continue;
-    throw IoError(fmt::format("{} shows no pins: no waveform of it", probe.title));
+    throw IoError(fmt::format("{}: {} gives no access to pins, so there is no waveform",
+                              request.kind->option, probe.title));
   }
   for (const auto& [kind, path] : requests) {
     OutputFile* const file = path.has_value() ? &Add(kind->option, *path, kind->rest) : nullptr;

@@ -39,15 +39,18 @@ std::string DescribeAddress(const ProbeOptions& options) {
 Socket ConnectToSpawned(const ProbeOptions& options) {
   const std::string name = options.endpoint.Name();
   if (Socket::IsTaken(options.endpoint, options.timeout)) {
-    throw IoError(name + ": a server is there already, so the command of --spawn is not started");
+    throw IoError(name +
+                  ": a server is already running there, so the --spawn command was not started");
   }
   options.spawned->Start();
   const auto end = std::chrono::steady_clock::now() + options.timeout;
   return Socket::Connect(options.endpoint, options.timeout, [&] {
     ThrowIfInterrupted();
-    if (options.spawned->HasEnded()) throw IoError(name + ": cannot connect: its server has ended");
+    if (options.spawned->HasEnded())
+      throw IoError(name + ": cannot connect: the spawned server has ended");
     if (std::chrono::steady_clock::now() >= end) {
-      throw IoError(fmt::format("{}: no server within {} ms", name, options.timeout.count()));
+      throw IoError(fmt::format("{}: no server accepted a connection within {} ms", name,
+                                options.timeout.count()));
     }
     std::this_thread::sleep_for(kTryAgainAfter);
   });
@@ -63,7 +66,7 @@ Chain ReadPins(const ProbeOptions& options) {
 }
 
 std::string DescribeTarget(const ProbeOptions& options) {
-  return fmt::format("simulated, its target with an IR of {} bits and IDCODE 0x{:08x}{}",
+  return fmt::format("simulated, target with an IR of {} bits and IDCODE 0x{:08x}{}",
                      options.target.ir_length, options.target.idcode, DescribePlace(options.place));
 }
 
@@ -136,8 +139,8 @@ Chain ReadOpenocd(const ProbeOptions& options) {
 std::size_t OnlyTap(const Chain& chain, const ProbeOptions& options) {
   const Texts names = TapsOf(chain);
   if (options.tap.empty() && names.size() > 1) {
-    throw Unsupported(
-        fmt::format("no script: OpenOCD has several TAPs, name one: {}", fmt::join(names, ", ")));
+    throw Unsupported(fmt::format("no script: OpenOCD has several TAPs, name one in --probe: {}",
+                                  fmt::join(names, ", ")));
   }
   if (options.tap.empty()) return 0;
   return static_cast<std::size_t>(std::find(names.begin(), names.end(), options.tap) -
@@ -242,9 +245,8 @@ std::string ServedProbeHelp() {
   for (const ProbeKind& kind : ProbeKinds()) {
     if (kind.ShowsPins() && &kind != &first) AppendForms(kind, others);
   }
-  return fmt::format(
-      "What is served: {} (the default), or another server, to which everything is passed on:\n{}",
-      first.name, Listed(others, kHelpWidth));
+  return fmt::format("The probe to serve: {} (the default), or another server to forward to:\n{}",
+                     first.name, Listed(others, kHelpWidth));
 }
 
 }  // namespace icehost

@@ -42,7 +42,7 @@ const ProtocolKind& ParseProtocol(const std::string& name) {
 }
 
 std::string ProtocolHelp() {
-  return "What clients speak: " + ProtocolNames(" (the default)");
+  return "The protocol of the clients: " + ProtocolNames(" (the default)");
 }
 
 }  // namespace icehost

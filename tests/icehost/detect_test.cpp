@@ -192,10 +192,12 @@ TEST(Detect, ReadsChains) {
       {{{4, kNone}}, "-/4; 4 bits"},
       {{{5, kOne}, {4, kNone}, {8, kArm}}, "1ce51001/5 -/4 4ba00477/8; 17 bits"},
       {{{8, kNone}, {4, kArm, 0x5}, {38, kArm}},
-       "-/? 4ba00477/? 4ba00477/?; 50 bits; the single IR lengths cannot be told: 8+2+40 or 8+4+38 "
+       "-/? 4ba00477/? 4ba00477/?; 50 bits; the IR lengths of the TAPs are uncertain: 8+2+40 or "
+       "8+4+38 "
        "or 10+2+38"},
       {{{8, kOne, 0x55}, {8, kOne, 0x55}},
-       "1ce51001/? 1ce51001/?; 16 bits; the single IR lengths cannot be told: 2+14 or 4+12 or 6+10 "
+       "1ce51001/? 1ce51001/?; 16 bits; the IR lengths of the TAPs are uncertain: 2+14 or 4+12 or "
+       "6+10 "
        "or 8+8 or ..."},
       {{{4, kOne}, {4, kOne}, {4, kOne}, {4, kOne}, {4, kOne}},
        "1ce51001/4 1ce51001/4 1ce51001/4 1ce51001/4 1ce51001/4; 20 bits"},
@@ -215,35 +217,37 @@ TEST(Detect, ReadsChains) {
        "1ce51001/5; 5 bits; !the signals are not stable: two readings of BYPASS differ, first in "
        "bit 1",
        FlippedAt(2 * (kOfIdcodes + kOfIrs) + 1)},
-      {{}, "; !no TAP: what is shifted in comes out at once"},
+      {{}, "; !no TAP: TDI comes out of TDO at once"},
       {{{5, kOne}, {4, kArm}},
-       "1ce51001/? 4ba00477/?; !the chain is broken: behind the TAPs that answer TDO is all zeros",
+       "1ce51001/? 4ba00477/?; !the chain is broken: after the TAPs that answer, TDO is all zeros",
        nullptr,
        false},
       {{{5, 0xF1234567}},
-       "f1234567/?; !the chain is broken: behind the TAPs that answer TDO is all ones",
+       "f1234567/?; !the chain is broken: after the TAPs that answer, TDO is all ones",
        nullptr,
        true},
       {{{5, kOne}, {5, kNone, 1}},
-       "; !the chain has no end: what is shifted in does not come out within 2048 bits",
+       "; !the chain has no end: the pattern on TDI does not come out within 2048 bits",
        kInverted},
       {Taps(65, {2, kOne}),
-       "; !the chain has no end: what is shifted in does not come out within 2048 bits"},
+       "; !the chain has no end: the pattern on TDI does not come out within 2048 bits"},
       {{{5, 0x2BADC0FF}, {5, 1}},
-       "2badc0ff/5 1/5; 10 bits; !TAP 1: 0x2badc0ff is no valid IDCODE; !TAP 2: 0x00000001 is no "
-       "valid IDCODE"},
+       "2badc0ff/5 1/5; 10 bits; !TAP 1: 0x2badc0ff is not a valid IDCODE; !TAP 2: 0x00000001 is "
+       "not a valid IDCODE"},
       {{{5, kOne, 0x3}},
-       "1ce51001/5; 5 bits; !the captured IR, 5 bits, is not that of 1 TAP: each begins with the "
-       "01 of IEEE 1149.1 in its lowest bits"},
+       "1ce51001/5; 5 bits; !the captured IR of 5 bits does not fit 1 TAP: the lowest bits of "
+       "each IR must be 01"},
       {{{5, kOne}, {5, kOne, 0}},
-       "1ce51001/? 1ce51001/?; 10 bits; !the captured IR, 10 bits, is not that of 2 TAPs: each "
-       "begins with the 01 of IEEE 1149.1 in its lowest bits"},
+       "1ce51001/? 1ce51001/?; 10 bits; !the captured IR of 10 bits does not fit 2 TAPs: the "
+       "lowest "
+       "bits of each IR must be 01"},
       {{{257, kOne}},
-       "1ce51001/?; !the IR has no end: what is shifted in does not come out within 256 bits"},
+       "1ce51001/?; !the IR has no end: the pattern on TDI does not come out within 256 bits"},
       {{{5, kOne, 1, 3}},
-       "1ce51001/5; 5 bits; !1 TAP answered after the reset, but in BYPASS there are 3 bits"},
+       "1ce51001/5; 5 bits; !1 TAP answered after the reset, but in BYPASS the chain has 3 bits"},
       {{{5, kOne}},
-       "1ce51001/5; 5 bits; !1 TAP answered after the reset, but in BYPASS there are more than 64 "
+       "1ce51001/5; 5 bits; !1 TAP answered after the reset, but in BYPASS the chain has more than "
+       "64 "
        "bits",
        LostAfter(2 * (kOfIdcodes + kOfIrs))},
   };
@@ -269,7 +273,7 @@ TEST(Detect, ReadsAsManyTapsAsItSays) {
   ChainPort longer(Taps(65, {2, kNone}));
   EXPECT_EQ(
       icehost::ReadChain(longer).faults,
-      std::vector<std::string>{"64 TAPs answered after the reset, but in BYPASS there are more "
+      std::vector<std::string>{"64 TAPs answered after the reset, but in BYPASS the chain has more "
                                "than 64 bits"});
 }
 
@@ -281,7 +285,7 @@ TEST(Detect, WritesNoJtagScriptOfALongChain) {
   } kChains[] = {
       {64, 288, ""},
       {65, 130, "no JTAG script: more than 64 TAPs"},
-      {64, 289, "no JTAG script: the IR has 289 bits, and in a script at most 288"},
+      {64, 289, "no JTAG script: the IR has 289 bits, but a script allows at most 288"},
   };
   for (const auto& test : kChains) {
     Chain chain;
@@ -318,7 +322,7 @@ TEST(Detect, TakesOpenocdsWord) {
            " 2 c.tap   n  0x00000000 0x00000000  7 0x01  0x03\n",
        "a.tap1ce51001/5 b.tap-/4; c.tap is declared, but disabled: it is not in the chain"},
       {"TAP a.tap does not have valid IDCODE (idcode=0x0)\n", head + one,
-       "a.tap-/5; !TAP 1 (a.tap): it has no IDCODE, expected 0x1ce51001"},
+       "a.tap-/5; !TAP 1 (a.tap): no IDCODE, expected 0x1ce51001"},
       // The IDCODE in the table is out of date.
       {"JTAG scan chain interrogation failed: all ones\n", head + one,
        "a.tap-/5; !OpenOCD: JTAG scan chain interrogation failed: all ones; !TAP 1 (a.tap): "
@@ -326,7 +330,7 @@ TEST(Detect, TakesOpenocdsWord) {
       {found + "JTAG tap: a.tap       UNEXPECTED: 0x1ce51001\n", head + one,
        "a.tap1ce51001/5; !OpenOCD: JTAG tap: a.tap UNEXPECTED: 0x1ce51001"},
       {"JTAG tap: a.tap tap/device found: 0xffffffff (mfg", head + " 0 a.tap Y 0 0x00000000 5 1 3",
-       "a.tapffffffff/5; !TAP 1 (a.tap): 0xffffffff is no valid IDCODE"},
+       "a.tapffffffff/5; !TAP 1 (a.tap): 0xffffffff is not a valid IDCODE"},
       {"JTAG tap: a.tap tap/device found: 0x1ce510011 (", head + one,
        "a.tap-/5; !OpenOCD: JTAG tap: a.tap tap/device found: 0x1ce510011 (; !TAP 1 (a.tap): "
        "OpenOCD read nothing"},
@@ -335,9 +339,9 @@ TEST(Detect, TakesOpenocdsWord) {
       {found, head + " 0 a.tap Y 0 0x*ce51003 5 1 3",
        "a.tap1ce51001/5; !TAP 1 (a.tap): read 0x1ce51001, expected 0x*ce51003"},
       {"JTAG tap: a.tap tap/device found: 0x1ce51000 (", head + " 0 a.tap Y 0 0x00000000 5 1 3",
-       "a.tap1ce51000/5; !TAP 1 (a.tap): 0x1ce51000 is no valid IDCODE"},
+       "a.tap1ce51000/5; !TAP 1 (a.tap): 0x1ce51000 is not a valid IDCODE"},
       {found, head + " 0 a.tap Y 0 0x00000000 1 1 3",
-       "a.tap1ce51001/1; !TAP 1 (a.tap): no IR is that short"},
+       "a.tap1ce51001/1; !TAP 1 (a.tap): an IR must have at least 2 bits"},
       {"", "", "; !OpenOCD has no TAP"},
       {"", head + " 0 a.tap Y 0 0 9999999999 1 3\n", "; !OpenOCD has no TAP"},
   };
@@ -358,8 +362,8 @@ TEST(Detect, NamesManufacturers) {
       {0x3, "version 0, part 0x0000, manufacturer 0x001 (bank 1, code 0x01: AMD)"},
       {0x5, "version 0, part 0x0000, manufacturer 0x002 (bank 1, code 0x02)"},
       {0x479, "version 0, part 0x0000, manufacturer 0x23c (bank 5, code 0x3c)"},
-      {kOne, "version 1, part 0xce51, manufacturer 0x000 (bank 1, code 0x00: none has it)", "A"},
-      {0xFF, "version 0, part 0x0000, manufacturer 0x07f (bank 1, code 0x7f: none has it)", "A"},
+      {kOne, "version 1, part 0xce51, manufacturer 0x000 (bank 1, code 0x00: unassigned)", "A"},
+      {0xFF, "version 0, part 0x0000, manufacturer 0x07f (bank 1, code 0x7f: unassigned)", "A"},
   };
   for (const auto& test : kIdcodes) {
     Chain chain;

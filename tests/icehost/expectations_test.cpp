@@ -80,7 +80,7 @@ TEST(Expectations, AreLearned) {
            {"- " + name + " >>" + name, "icehost: --learn: - is also a script\n"},
            {name + " " + name, "icehost: --learn: " + name + " is also a script\n"},
            {both + " --ir-length 4",
-            "--learn: takes one script\nRun with --help for more information.\n"}}) {
+            "--learn: accepts only one script\nRun with --help for more information.\n"}}) {
     EXPECT_EQ(RunIcehost("run -q 2>&1 --learn " + arguments).output, message);
   }
   EXPECT_EQ(old.Text(), "as it was");

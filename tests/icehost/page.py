@@ -69,7 +69,7 @@ def check_head_and_failure():
     expect("title", browser.title, "failed: examples/read_idcode.ini")
     entries = dict(zip(texts("#entries dt"), texts("#entries dd")))
     expect("probe", entries["Probe"],
-           "simulated, its target with an IR of 5 bits and IDCODE 0x39ca2003")
+           "simulated, target with an IR of 5 bits and IDCODE 0x39ca2003")
     expect("counts", entries["Done"].rsplit(",", 1)[0],
            "operations 2, TCK cycles 54, bits shifted 37, reads 1")
     expect("date", re.sub(r"\d", "9", entries["Started"]), "9999-99-99 99:99:99 UTC")

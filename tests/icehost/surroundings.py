@@ -62,12 +62,12 @@ SPAWNED = [
      [f"{SCRIPT}: the plug-in ended the process", "was still running; its last lines:", "here",
       "icehost: serving remote_bitbang on unix:sim"]),
     (3, 0, f"run {SCRIPT}", "seq 12; printf '\\033[2J\\n' >&2; exit 7",
-     ["unix:sim: cannot connect: its server has ended", "ended with status 7; its last lines:",
+     ["unix:sim: cannot connect: the spawned server has ended", "ended with status 7; its last lines:",
       *map(str, range(4, 13)), " [2J"]),
     (3, 2, "detect", "(trap '' TERM; sleep 99) & sleep 0.2; exit 5",
-     ["unix:sim: cannot connect: its server has ended", "ended with status 5 and printed nothing"]),
+     ["unix:sim: cannot connect: the spawned server has ended", "ended with status 5 and printed nothing"]),
     (3, 0, "serve unix:served --timeout 0.2 --spawn-log log", "echo here; sleep 99",
-     ["unix:sim: no server within 200 ms", "was still running; its last lines:", "here"]),
+     ["unix:sim: no server accepted a connection within 200 ms", "was still running; its last lines:", "here"]),
     (3, 0, "serve -q unix:served", "icehost serve -q unix:sim & sleep 0.4; kill -KILL $!; exit 9",
      ["unix:sim: the server closed the connection (is another client connected?)",
       "ended with status 9 and printed nothing"]),
@@ -299,7 +299,7 @@ def check_taken_port():
     server = Serve(endpoint="unix:sim")
     process = start_spawning(f"run {SCRIPT}", "touch started")
     expect("taken", (process.communicate(timeout=20)[1], os.path.exists("started")),
-           (b"icehost: unix:sim: a server is there already, so the command of --spawn is not "
+           (b"icehost: unix:sim: a server is already running there, so the --spawn command was not "
             b"started\n", False))
     expect("taken", (process.returncode, server.end()), (3, (0, "")))
     write("self.sh", f"""ip link set lo up; echo 9824 9825 >/proc/sys/net/ipv4/ip_local_port_range

@@ -14,7 +14,7 @@ std::string Lines(const std::string& text, const std::string& first = "") {
   std::istringstream lines(text);
   std::string kept;
   for (std::string line; std::getline(lines, line);) {
-    const bool statement = line.rfind("! Played", 0) != 0 && line.rfind("! -:", 0) != 0 &&
+    const bool statement = line.rfind("! Recorded", 0) != 0 && line.rfind("! -:", 0) != 0 &&
                            line.rfind("icehost:", 0) != 0;
     if (first.empty() ? statement : line.rfind(first, 0) == 0) kept += line + "\n";
   }
@@ -53,13 +53,14 @@ TEST(Svf, SaysWhatTheTapDoes) {
   const std::string head =
       "ENDIR IDLE;\nENDDR IDLE;\n! NRST low\nTRST ON;\n! NRST high\nTRST OFF;\nSTATE IDLE;\n";
   const std::string reset_line =
-      "icehost: warning: --svf: SVF has no word for NRST: a player does not reset the target\n";
+      "icehost: warning: --svf: SVF has no statement for NRST: a player does not reset the "
+      "target\n";
   const auto loss = [](const char* what) {
     return std::string("icehost: warning: --svf: ") + what + "\n";
   };
   const std::string paused = loss("a scan went through a Pause state: a player does not");
   const std::string no_idle =
-      loss("scans followed each other without Run-Test/Idle: a player goes through it");
+      loss("scans followed each other without Run-Test/Idle: a player goes through Run-Test/Idle");
   const struct {
     const char* edges;
     std::string told;
@@ -83,7 +84,7 @@ TEST(Svf, SaysWhatTheTapDoes) {
        "SDR 2 TDI (1);\n! NRST low\n! from the scan above to the reset without "
        "Run-Test/Idle\nSTATE RESET;\n"},
       {"0100 i1 010 i1 10 100 1 10", paused,
-       "! by way of Pause-DR\nSDR 4 TDI (5);\nSDR 1 TDI (0);\n"},
+       "! through Pause-DR\nSDR 4 TDI (5);\nSDR 1 TDI (0);\n"},
       // Actions that SVF cannot express.
       {"010 1 10 100 i1 10",
        loss("SVF has no scan of 0 bits: a player neither captures nor updates there"),

@@ -122,7 +122,7 @@ def check_recording():
     expect("the next", ask(serve.client(), b"R"), "1")
     status, said = serve.end()
     expect("busy", (status, set(said.splitlines())),
-           (0, {"icehost: busy: a second client was sent away"}))
+           (0, {"icehost: a second client was refused: another one is connected"}))
     told = re.sub(r"127\.0\.0\.1:\d+", "ADDRESS", read("t")).splitlines()
     expect("trace", told[0], "0 client 1 connected from ADDRESS")
     expect("trace", told[-4:], [
@@ -140,12 +140,12 @@ def check_xvc():
     that it did not finish does not affect the next client."""
     serve = Serve("-v", "--protocol", "xvc")
     info = b"xvcServer_v1.0:4096\n"
-    lengths = "bits, where 1 to 16384 are possible"
+    lengths = "expected a shift of 1 to 16384 bits, got"
     wanted = []
     for number, (request, answers, why) in enumerate([
         (b"getinfo:settck:\1\2\3\4foo\n", info + b"\1\2\3\4", 'unknown command "foo "'),
-        (b"shift:\0\0\0\0", b"", f"a shift of 0 {lengths}"),
-        (b"getinfo:shift:\xff\xff\xff\xff", info, f"a shift of 4294967295 {lengths}"),
+        (b"shift:\0\0\0\0", b"", f"{lengths} 0"),
+        (b"getinfo:shift:\xff\xff\xff\xff", info, f"{lengths} 4294967295"),
         (b"getinfo:shift:\x08\0\0\0\xff", info, None),
         (b"getinfo:", info, None),
     ], 1):
@@ -155,7 +155,7 @@ def check_xvc():
             client.shutdown(socket.SHUT_WR)
         expect(why, b"".join(iter(lambda one=client: one.recv(99), b"")), answers)
         wanted += [f"icehost: client {number} connected from ADDRESS"]
-        wanted += [f"icehost: client {number} is sent away: {why}"] if why else []
+        wanted += [f"icehost: client {number} is disconnected: {why}"] if why else []
         wanted += [f"icehost: client {number} left: bytes {len(request)}"]
     status, said = serve.end()
     expect("verbose", (status, said.splitlines()), (0, wanted))
@@ -185,19 +185,20 @@ def check_next():
     flooding = serve.client()
     threading.Thread(target=flood_until_closed, args=(flooding,), daemon=True).start()
     expect("a second client", serve.client().recv(1), b"")
-    expect("reported", serve.end(), (0, "icehost: busy: a second client was sent away\n"))
+    expect("reported", serve.end(),
+           (0, "icehost: a second client was refused: another one is connected\n"))
 
 
 def check_lost():
     """If the upstream server is lost or sends invalid answers, serve ends with complete files."""
     ended = "the server closed the connection"
-    cut_off = r"not recorded: the last \d+ of \d+ steps"
+    cut_off = r"the last \d+ of \d+ steps were not recorded"
     for name, answer, deed, request, why in [
         ("idle", ones, "close", b"", ended),
         ("killed", ones, "close", IDCODE * 50, f"({ended}|connection lost)"),
         ("garbage", lambda got: b"x" * got.count(b"R"), None, IDCODE,
          "expected a TDO level, got the byte 120"),
-        ("out of step", lambda got: ones(got) + b"1", None, IDCODE, "out of step"),
+        ("out of step", lambda got: ones(got) + b"1", None, IDCODE, "not asked for"),
         ("hangs", lambda _: b"", None, IDCODE, "no answer within 300 ms"),
         ("signal", lambda _: b"", signal.SIGTERM, IDCODE, cut_off),
         ("interrupt", lambda _: b"", signal.SIGINT, IDCODE, cut_off),
@@ -234,8 +235,10 @@ def check_signal():
         (signal.SIGTERM, ones, ["--trace=t"], 0, ""),
         (signal.SIGINT, late, ["--trace=t"], 0, ""),
         (signal.SIGTERM, late, [], 0, ""),
-        (signal.SIGTERM, lambda _: b"", ["--trace=t"], 3, "not recorded: the last 86 of 86 steps"),
-        (signal.SIGINT, lambda _: b"", [], 3, "not known to be played: the last bytes of client 1"),
+        (signal.SIGTERM, lambda _: b"", ["--trace=t"], 3,
+         "the last 86 of 86 steps were not recorded"),
+        (signal.SIGINT, lambda _: b"", [], 3,
+         "the last bytes of client 1 were possibly not played"),
     ]:
         upstream = Upstream(answer)
         serve = Serve("--probe", upstream.name, *outputs)

@@ -170,21 +170,22 @@ TEST(Servers, EndARunAsTheyShould) {
   const std::string dr_only = "tests/scripts/dr_only.ini";
   const std::string tap_reset = "tests/scripts/tap_reset.ini";
   const std::string loads = "tests/scripts/tap_reset_loads.ini";
-  const std::string skipped = ": # reset TAP is skipped: the probe shows no pins";
+  const std::string skipped = ": # reset TAP is skipped: this probe cannot reset the TAP";
   const std::string pins = "tests/scripts/reported_pins.gpio";
   const std::string nrst = "NRST, which this probe does not report (mask 0x21)";
-  const std::string step = "SERVER: the server is out of step: it answers what was not asked";
+  const std::string step = "SERVER: the server sent an answer that was not asked for";
   const std::string silence = "SERVER: no answer within 200 ms";
   const std::string closed = "SERVER: the server closed the connection";
   const std::string is_busy = " (is another client connected?)";
   const std::string gone = "SERVER: OpenOCD closed the connection";
-  const std::string no_ir = "no TAP answers as it should: the captured IR does not end in 01 (";
+  const std::string no_ir = "no TAP answered correctly: the captured IR does not end in 01 (";
   const std::string zeros = no_ir + "all zeros: TDO is shorted, or the target is held in reset)";
-  const std::string other = no_ir + "its length is another, or it is one of several in a chain)";
+  const std::string other =
+      no_ir + "the IR has another length, or the TAP is one of several in a chain)";
   const std::string no_info = "SERVER: expected xvcServer_v1.0:N with N from 2 to 1073741824, got ";
   const std::string info = "xvcServer_v1.0:64\n", ones(7, '\xff');  // of a scan
-  const std::string no_answer = "SERVER: this does not answer command ";
-  const std::string no_scan = "OpenOCD's answer to a DR scan is none: ";
+  const std::string no_answer = "SERVER: expected the answer to command ";
+  const std::string no_scan = "OpenOCD's answer to a DR scan is not valid: ";
   const auto close_at_once = [](tcp::socket& client) { ReadFrom(client); };
   const auto answer_and_close = [](tcp::socket& client) {
     ReadFrom(client);
@@ -243,21 +244,22 @@ TEST(Servers, EndARunAsTheyShould) {
       {never_read, bitbang, writes, 3, silence},
       {trickle, bitbang, reset, 0, ""},
       {Tdo("1"), bitbang, idcode, 0,
-       "warning: " + no_ir + "all ones: nothing is powered, or nothing is connected)"},
+       "warning: " + no_ir + "all ones: the target is not powered or not connected)"},
       {Tdo("0"), bitbang, idcode, 0, "warning: " + zeros},
       {Tdo("01"), bitbang, idcode, 0, "warning: " + other},
       {Tdo("11011"), bitbang, idcode, 0, "warning: " + other},
       {Tdo("0"), bitbang, "--strict " + idcode, 1,
        "nothing answers: TDO is all zeros (it is shorted to ground, or the target is held in reset "
-       "or is not powered)"},
+       "or not powered)"},
       {Tdo("1"), bitbang, "--tap 1 " + dr_only, 1,
-       "nothing answers: TDO is all ones (it is stuck high, or nothing is powered or connected)"},
+       "nothing answers: TDO is all ones (it is stuck high, or the target is not powered or not "
+       "connected)"},
       {Target("", ""), bitbang, "--strict " + idcode, 0, ""},
       {Tdo("1"), bitbang, pins, 1, "expected 0x20, captured 0x20 without " + nrst},
       {Tdo("0"), bitbang, "--vcd /dev/null " + pins, 1,
        "expected 0x20, captured 0x00 without " + nrst + ": TDO is 0"},
       {Tdo("1"), bitbang, "--learn /dev/null " + pins, 1,
-       pins + " is not learned: the probe does not tell all that it expects"},
+       pins + " was not learned: this probe does not report every expected value"},
 
       // A scan is one shift, or several if the server allows only short ones.
       {Xvc("xvcServer_v1.0:1073741824\n"), xvc, idcode + " " + scratch + " " + tap_reset, 0, ""},
@@ -277,7 +279,7 @@ TEST(Servers, EndARunAsTheyShould) {
       {Xvc(info + "0"), xvc, idcode, 3, step},
       {Xvc(info, "0"), xvc, idcode, 3, step},
       {XvcAnswers({ones, info}), xvc, idcode, 0,
-       "warning: " + no_ir + "all ones: nothing is powered, or nothing is connected)"},
+       "warning: " + no_ir + "all ones: the target is not powered or not connected)"},
       {XvcAnswers({"abc", "de", info}), xvc, dr_only, 0, ""},
       {XvcAnswers({"abc", "de", info}), xvc, "--repeat 2 " + dr_only, 3, closed + " (round 2)"},
       {XvcAnswers({"abcd", "e", info}), xvc, dr_only, 3, step},
@@ -298,28 +300,30 @@ TEST(Servers, EndARunAsTheyShould) {
       {OpenocdScan({"3 0 01 10 E5 1c", "4 0"}), openocd, "-q " + loads, 0, ""},
       {OpenocdScan({}), openocd, "--strict " + loads, 1, loads + skipped},
       {OpenocdScan({"3 0"}), openocd, "-q " + tap_reset, 1,
-       "it scans what a TAP reset selects, and this probe cannot reset the TAP"},
+       "this scan relies on # reset TAP, but this probe cannot reset the TAP"},
       {close_at_once, openocd, reset, 3, gone},
       {reset_connection, openocd, reset, 3, "SERVER: connection lost: Connection reset by peer"},
       {kSilent, openocd, reset, 3, silence},
       {flood_when_asked, openocd, reset, 3, "SERVER: the answer to \"jtag names\" has no end"},
-      {Openocd({"what"}), openocd, reset, 3, no_answer + "1 \"jtag names\": \"what\""},
-      {Openocd({"1 2 a"}), openocd, reset, 3, no_answer + "1 \"jtag names\": \"1 2 a\""},
+      {Openocd({"what"}), openocd, reset, 3, no_answer + "1 \"jtag names\", got \"what\""},
+      {Openocd({"1 2 a"}), openocd, reset, 3, no_answer + "1 \"jtag names\", got \"1 2 a\""},
       {Openocd({"1 0"}), openocd, reset, 3, "OpenOCD has no TAP"},
-      {Openocd({"1 0 a b"}), openocd, reset, 3, "OpenOCD has several TAPs, name one: a, b"},
+      {Openocd({"1 0 a b"}), openocd, reset, 3,
+       "OpenOCD has several TAPs, name one in --probe: a, b"},
       {Openocd({"1 1 unknown"}), openocd, reset, 3, "OpenOCD: jtag names: unknown"},
       {Openocd({"1 0 a", "2 0 header\n 0 b Y 0x0 0x0 5 0x1 0x3"}), openocd, reset, 3,
-       "OpenOCD does not say the IR length of a"},
+       "OpenOCD does not report the IR length of a"},
       {OpenocdScan({"3 0"}, "4"), openocd, idcode, 1,
-       "the script's IR has 5 bits, but OpenOCD's a has 4"},
+       "the script's IR has 5 bits, but in OpenOCD the IR of a has 4"},
       {OpenocdScan({"3 0"}, "65"), openocd, "tests/scripts/ir65.ini", 1,
-       "OpenOCD takes an IR of up to 64 bits"},
+       "OpenOCD accepts an IR of at most 64 bits"},
       {OpenocdScan({"3 1 busy", "4 0"}), openocd, idcode, 1,
        "OpenOCD: irscan a 1; drscan a 8 0 8 0 8 0 8 0: busy"},
       {OpenocdScan({"3 -4 ", "4 0"}), openocd, reset, 1,
-       "OpenOCD: adapter assert srst: error -4, its log says why (its configuration needs a "
+       "OpenOCD: adapter assert srst: error -4, see its log (its configuration needs a "
        "reset_config with srst)"},
-      {OpenocdScan({"3 - "}), openocd, reset, 3, no_answer + "3 \"adapter assert srst\": \"3 - \""},
+      {OpenocdScan({"3 - "}), openocd, reset, 3,
+       no_answer + "3 \"adapter assert srst\", got \"3 - \""},
       {OpenocdScan({"3 0 1 2 3"}), openocd, idcode, 3, no_scan + "\"1 2 3\""},
       {OpenocdScan({"3 0 1 2 3 100"}), openocd, idcode, 3, no_scan + "\"1 2 3 100\""},
       {OpenocdScan({"3 0 1 2 3 4 5"}), openocd, idcode, 3, no_scan + "\"1 2 3 4 5\""},

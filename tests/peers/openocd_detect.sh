@@ -32,14 +32,14 @@ detect 0 --probe "$probe"
 holds err.txt ''
 holds out.txt "1 TAP on $probe
 $arm
-       IR 5 bits: OpenOCD's word, not measured
+       IR 5 bits (declared in OpenOCD, not measured)
        expected 0x4ba00477 or 0x3ba00477
 b.tap is declared, but disabled: it is not in the chain"
 detect 0 -q --script --probe "$probe:a.tap"
 holds err.txt ''
 "$icehost" run -q --strict --probe "$probe:a.tap" "$scratch/out.txt" || fail "the script does not pass"
 detect 3 --probe "$probe:b.tap"
-holds err.txt 'icehost: OpenOCD has no TAP "b.tap", it has: a.tap'
+holds err.txt 'icehost: OpenOCD has no TAP "b.tap", its TAPs are: a.tap'
 # The target is gone: IDCODEs that OpenOCD read when it started must not be reported.
 stop TERM "$server"
 detect 3 --probe "$probe"
@@ -59,7 +59,7 @@ end
 # OpenOCD declares more TAPs than the chain has.
 begin 'a tap -irlen 5' 'b tap -irlen 5'
 detect 1 --probe "$probe"
-said '^icehost: TAP 2 (b.tap): 0xffffffff is no valid IDCODE'
+said '^icehost: TAP 2 (b.tap): 0xffffffff is not a valid IDCODE'
 end
 
 # No TAP is declared: OpenOCD finds the TAP itself.
@@ -86,7 +86,7 @@ played() {
 }
 played openocd.txt --probe "$probe:b.tap"
 detect 3 --probe "$probe:x.tap"
-holds err.txt 'icehost: OpenOCD has no TAP "x.tap", it has: a.tap, b.tap, c.tap'
+holds err.txt 'icehost: OpenOCD has no TAP "x.tap", its TAPs are: a.tap, b.tap, c.tap'
 stop_openocd
 detect 0 --probe "$pins"
 [ "$declared" = "$(idcodes)" ] || fail "OpenOCD and the pins have different IDCODEs"

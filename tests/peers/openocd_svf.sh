@@ -54,7 +54,7 @@ for script in examples/read_idcode.ini examples/scratch_register.ini; do
     fail "$script on OpenOCD"
 done
 written "$scratch/calls.svf" --probe "$probe" examples/reset.ini
-grep -q 'warning: --svf: SVF has no word for NRST' "$scratch/run.log" || fail "no warning of NRST"
+grep -q 'warning: --svf: SVF has no statement for NRST' "$scratch/run.log" || fail "no warning of NRST"
 grep -qx '! NRST low, NRST high' "$scratch/calls.svf" || fail "no comment on NRST"
 
 # verdict SCRIPT OPTION...: prints the status of a run.

@@ -43,7 +43,7 @@ summary "$probe" '^operations 1, TCK cycles unknown, bits shifted 37, reads 1,'
 summary sim '^operations 1, TCK cycles 5[0-9], bits shifted 37, reads 1,'
 "$icehost" run --probe "$probe:nope" examples/reset.ini 2>"$scratch/run.log" &&
   fail "a TAP that OpenOCD does not have"
-holds run.log 'icehost: OpenOCD has no TAP "nope", it has: sim.tap'
+holds run.log 'icehost: OpenOCD has no TAP "nope", its TAPs are: sim.tap'
 refused "$probe" examples/two_wire.ini \
   "5: link_config failed: OpenOCD cannot select the 2-wire interface"
 refused "$probe" examples/read_idcode.gpio \
@@ -52,7 +52,7 @@ stop_openocd
 
 bitbang="remote-bitbang:127.0.0.1:$port"
 same_as_simulated "$bitbang" "${scans[@]}" examples/read_idcode.gpio
-refused "$bitbang" examples/two_wire.ini "5: link_config failed: these pins have no 2-wire interface"
+refused "$bitbang" examples/two_wire.ini "5: link_config failed: this probe has no 2-wire interface"
 refused "$bitbang" examples/reset_pulse.gpio \
   "5: link_gpio_operator failed: remote_bitbang has no output enables: only TDO can be released"
 # Only pins that the server reports are learned.
