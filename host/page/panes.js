@@ -162,7 +162,7 @@ function rowItems() {
         items.push({kind: "title", text: data.sources[entry.source].name});
       }
     } else if (entry.kind === "row") {
-      items.push({...entry, key: entry.row.index, leads: true});
+      items.push({kind: "row", row: entry.row, key: entry.row.index, leads: true});
       if (!narrow.matches) continue;
       for (const [name, text] of rowValues(entry.row)) {
         items.push({kind: "value", row: entry.row, key: entry.row.index, text: `${name} ${text}`});

@@ -1,11 +1,16 @@
 // Finds a text in the lines of lists, also in those that are not in the document.
 
-// The texts of an item in which the search looks: what is drawn, but for numbers and results.
-function searchTexts(item) {
-  if (item.kind === "row") return [item.row.name, item.row.sent, item.row.received, item.row.expected];
-  if (item.kind === "piece") return [];  // found with its line
-  if (item.kind === "line") return [data.sources[item.source].lines[item.line - 1] ?? ""];
-  return item.kind === "value" ? [] : [item.text ?? ""];  // a value is found with its row
+// The text of an item in which the search looks: what is drawn, but for numbers and results. That of
+// an operation is kept, as there are many.
+function searchText(item) {
+  const {kind, row} = item;
+  if (kind === "row") {
+    row.searched ??= [row.name, row.sent, row.received, row.expected].map(visible).join("\n");
+    return row.searched;
+  }
+  if (kind === "piece" || kind === "value") return "";  // found with its line, or its row
+  const text = kind === "line" ? data.sources[item.source].lines[item.line - 1] : item.text;
+  return visible(text ?? "");
 }
 
 // The elements of an item with these texts.
@@ -47,8 +52,7 @@ class Search {
 
   textsOf(list) {
     if (this.texts.get(list)?.items !== list.items) {
-      const texts = list.items.map((item) => visible(searchTexts(item).join("\0")));
-      this.texts.set(list, {items: list.items, texts});
+      this.texts.set(list, {items: list.items, texts: list.items.map(searchText)});
     }
     return this.texts.get(list).texts;
   }
