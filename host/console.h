@@ -54,7 +54,9 @@ class Console {
 
   // Returns what the plug-in itself has written to standard output since the last call.
   std::string TakeCaptured() { return output_.Take(); }
-  double Seconds() const { return std::chrono::duration<double>(Clock::now() - start_).count(); }
+  // The time since the console was made.
+  std::chrono::nanoseconds Elapsed() const { return Clock::now() - start_; }
+  double Seconds() const { return std::chrono::duration<double>(Elapsed()).count(); }
 
  private:
   using Clock = std::chrono::steady_clock;

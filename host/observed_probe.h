@@ -7,6 +7,7 @@
 #include <optional>
 #include <vector>
 
+#include "host/events/events.h"
 #include "host/events/follower.h"
 #include "host/pins/recording_port.h"
 #include "host/probe/pin_port.h"
@@ -17,12 +18,6 @@
 #include "host/tables/probes.h"
 
 namespace icehost {
-
-struct RunCounts {
-  long operations = 0;  // pin operations, scans, resets, wire settings
-  long bits = 0;        // shifted through an IR or DR
-  long reads = 0;       // pin reads, and scans
-};
 
 // A call that the probe refuses with Unsupported returns -1, after the reason was reported; so does
 // a call whose values the follower does not accept. Each call throws Interrupted after a signal.

@@ -64,7 +64,7 @@ void RoundLog::BeginRound(long round) {
 }
 
 // Takes each one from the list first: a rescue may go on with the rest.
-void RoundLog::PassOn() {
+void RoundLog::PassOn(RunTime now) {
   if (!open_ && failed_rounds_ == kMostFailedRounds) return;
   const bool last = !open_ && ++failed_rounds_ == kMostFailedRounds;
   open_ = true;
@@ -75,13 +75,13 @@ void RoundLog::PassOn() {
     next.pass();
   }
   if (std::exchange(cut_, false)) {
-    Remark("is too long to keep: its calls and steps so far are left out");
+    Warn("is too long to keep: its calls and steps so far are left out", now);
   }
-  if (last) Remark("failed; later rounds are not recorded, because too many failed");
+  if (last) Warn("failed; later rounds are not recorded, because too many failed", now);
 }
 
-void RoundLog::Remark(const char* what) {
-  OnError(fmt::format("round {} {}", round_, what), 0);
+void RoundLog::Warn(const char* what, RunTime now) {
+  OnNotice({Severity::kWarning, fmt::format("round {} {}", round_, what), "", {}, {}, now});
 }
 
 template <class Pass>
@@ -112,15 +112,8 @@ StepRange RoundLog::Renumbered(const StepRange& steps) const {
           std::max(steps.end, resumed_at_) - dropped_steps_};
 }
 
-void RoundLog::OnSource(std::string_view name, std::string_view content,
-                        const std::vector<SourceMark>& marks) {
-  Frame([this, name = std::string(name), content, marks] {
-    Tell(&EventListener::OnSource, name, content, marks);
-  });
-}
-
-void RoundLog::OnScript(const std::string& path) {
-  Frame([this, path] { Tell(&EventListener::OnScript, path); });
+void RoundLog::OnScript(const ScriptBegin& script) {
+  Frame([this, script] { Tell(&EventListener::OnScript, script); });
 }
 
 void RoundLog::OnResetRequest() {
@@ -143,13 +136,13 @@ void RoundLog::OnMessage(const char* text) {
          [this, copy] { Tell(&EventListener::OnMessage, copy.c_str()); });
 }
 
-void RoundLog::OnError(const std::string& text, int line) {
-  Detail(kEventBytes + text.size(),
-         [this, text, line] { Tell(&EventListener::OnError, text, line); });
+void RoundLog::OnNotice(const Notice& notice) {
+  Detail(kEventBytes + sizeof notice + notice.text.size() + notice.name.size(),
+         [this, notice] { Tell(&EventListener::OnNotice, notice); });
 }
 
-void RoundLog::OnScriptEnd(bool ran) {
-  Frame([this, ran] { Tell(&EventListener::OnScriptEnd, ran); });
+void RoundLog::OnScriptEnd(const ScriptEnd& end) {
+  Frame([this, end] { Tell(&EventListener::OnScriptEnd, end); });
 }
 
 // A waveform has no rounds: the operations are named after them.

@@ -6,7 +6,6 @@
 #include <deque>
 #include <functional>
 #include <string>
-#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -20,27 +19,25 @@ namespace icehost {
 // to 1000. They see steps that are numbered without gaps.
 class RoundLog : public EventListener, public StepRecorder {
  public:
-  // The outputs must outlive this object. What `OnSource` and a CallSource point at must stay valid
-  // until the next round begins.
+  // The outputs must outlive this object. What a ScriptBegin and a CallSource point at must stay
+  // valid until the next round begins.
   RoundLog(std::vector<EventListener*> listeners, std::vector<StepRecorder*> recorders)
       : listeners_(std::move(listeners)), recorders_(std::move(recorders)) {}
 
   // A round begins; the first one is 1.
   void BeginRound(long round);
   // The round under way fails: passes on all of it, what follows too. If it was too long to keep,
-  // its calls and steps so far are missing, and an error reports that; so does one in the last
-  // round that the outputs get.
-  void PassOn();
+  // its calls and steps so far are missing, and a warning reports that; so does one in the last
+  // round that the outputs get. `now` is their time.
+  void PassOn(RunTime now);
 
-  void OnSource(std::string_view name, std::string_view content,
-                const std::vector<SourceMark>& marks) override;
-  void OnScript(const std::string& path) override;
+  void OnScript(const ScriptBegin& script) override;
   void OnResetRequest() override;
   void OnPlace(const ChainPlace& place) override;
   void OnCall(const CallEvent& call) override;
   void OnMessage(const char* text) override;
-  void OnError(const std::string& text, int line) override;
-  void OnScriptEnd(bool ran) override;
+  void OnNotice(const Notice& notice) override;
+  void OnScriptEnd(const ScriptEnd& end) override;
 
   void BeginOperation(const std::string& name, const CallSource& source) override;
   void Record(const PinStep& step) override;
@@ -61,7 +58,7 @@ class RoundLog : public EventListener, public StepRecorder {
   template <class Pass>
   void Detail(std::size_t bytes, const Pass& pass);
   void DropDetails();
-  void Remark(const char* what);
+  void Warn(const char* what, RunTime now);
   StepRange Renumbered(const StepRange& steps) const;
 
   std::vector<EventListener*> listeners_;

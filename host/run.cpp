@@ -20,6 +20,7 @@
 #include "host/observed_probe.h"
 #include "host/probe/plugin.h"
 #include "host/run_events.h"
+#include "host/run_scripts.h"
 #include "host/system/errors.h"
 #include "host/system/files.h"
 #include "host/system/interrupt.h"
@@ -30,58 +31,6 @@
 
 namespace icehost {
 namespace {
-
-// Read once: the text that is checked is the text that is played.
-struct Script {
-  std::string path;
-  std::string name;                // in messages
-  std::optional<ScriptText> text;  // for as long as it is needed
-  Plan plan;
-  bool has_errors;
-  Problems problems;
-  RoundTally rounds;
-};
-
-// Why a script with these problems is not played; empty: it is.
-std::string WhyNot(const Problems& problems, const RunCommand& command) {
-  if (problems.HasErrors() && !command.force) {
-    return "has errors, so no script is run (--force runs it as the plug-in reads it)";
-  }
-  if (problems.Warnings() > 0 && command.strict) {
-    return "has warnings and --strict is given, so no script is run";
-  }
-  return "";
-}
-
-// Reads and checks all scripts, and shows their problems as check does, on standard error. Returns
-// none, and says why, if they are not to be played. Throws IoError, OutOfResources and Interrupted.
-std::vector<Script> LoadScripts(const RunCommand& command) {
-  std::vector<Script> scripts;
-  scripts.reserve(command.scripts.size());
-  for (const std::string& path : command.scripts) {
-    const std::string name = path == "-" ? "<stdin>" : path;
-    scripts.push_back(
-        {path, name, ScriptText(name, ReadScript(path, command.size_limit)), {}, false, {}, {}});
-  }
-  bool play = true;
-  for (Script& script : scripts) {
-    CheckResult result = CheckScript(*script.text);
-    if (command.probe.ChoosesTap() && !result.plan.pins.empty()) {
-      result.problems.Warn({1, 1},
-                           "--tap has no effect on a GPIO script, which drives the whole chain");
-    }
-    result.problems.Write(StandardError(), script.name, script.text->Content(),
-                          {command.quiet && !command.strict, WantsColour(STDERR_FILENO)});
-    const std::string why = WhyNot(result.problems, command);
-    if (!why.empty()) Complain(fmt::format("{} {}", script.path, why));
-    play = play && why.empty();
-    script.plan = std::move(result.plan);
-    script.has_errors = result.problems.HasErrors();
-    script.problems = std::move(result.problems);
-  }
-  if (!play) scripts.clear();
-  return scripts;
-}
 
 // Plays scripts one after the other. There is only one Runner at a time.
 class Runner {
@@ -105,6 +54,9 @@ class Runner {
   ExitStatus PlayEach();
   ExitStatus PlayOne(Script& script);
   void EndScript(Script& script, ExitStatus status);
+  void TellEnd(bool ran);
+  // Counts the values of the scripts that this round leaves out.
+  void CountUnplayed();
   void RequestReset(const Script& script);
   // Whether the plug-in ran it to its end.
   bool Play(Script& script);
@@ -114,6 +66,9 @@ class Runner {
   // Empty if it did not.
   std::string WhyFailed(const Script& script) const;
   ExitStatus Complete(ExitStatus status);
+  ExitStatus EndOutputs(ExitStatus status);
+  void Conclude(const std::string& what, Severity severity);
+  RunEnd EndOf(ExitStatus status);
   // Called instead of Complete if the main thread is stuck.
   void Abandon();
   // Called at the end of the process: ends it with a failure if the plug-in is what ends it.
@@ -143,6 +98,8 @@ class Runner {
   long round_ = 0;               // the one under way
   long played_rounds_ = 0;       // to their ends
   long failed_rounds_ = 0;       // of these
+  std::size_t ended_ = 0;        // scripts, in the round under way
+  ValueCounts values_;           // of all scripts that ended or were left out, in all rounds
   Script* in_plugin_ = nullptr;  // the script that the plug-in runs now
   bool ran_ = false;             // this script, to its end
   std::string summary_;          // the results of the expectations
@@ -183,7 +140,7 @@ Runner::Runner(const RunCommand& command)
                    ? nullptr
                    : &outputs_.Add("--learn", command.learn, OutputFile::Rest::kNothing)),
       console_(ConsoleOptions(command), rescue_),
-      events_(outputs_, console_, command.strict, Repeats()),
+      events_(outputs_, console_, command),
       follower_(ModeOf(command)),
       probe_(command.probe, command.wire_mode, !outputs_.recorders.empty(), command.strict,
              follower_, events_, rescue_),
@@ -213,6 +170,7 @@ ExitStatus Runner::PlayAll(std::vector<Script> scripts) {
 ExitStatus Runner::PlayRounds() {
   ExitStatus status = kAllWell;
   outputs_.Begin();
+  events_.BeginRun(BeginOf(command_, scripts_));
   bool goes_on = true;
   while (goes_on && (command_.repeat == 0 || round_ < command_.repeat)) {
     BeginRound();
@@ -226,6 +184,7 @@ ExitStatus Runner::PlayRounds() {
 
 void Runner::BeginRound() {
   ++round_;
+  ended_ = 0;
   if (!Repeats()) return;
   events_.BeginRound(round_);
   const std::string of = command_.repeat == 0 ? "" : fmt::format(" of {}", command_.repeat);
@@ -233,6 +192,7 @@ void Runner::BeginRound() {
 }
 
 void Runner::EndRound(ExitStatus status) {
+  CountUnplayed();
   if (status == kInterrupted) return;
   ++played_rounds_;
   if (status != kAllWell) ++failed_rounds_;
@@ -252,8 +212,8 @@ ExitStatus Runner::PlayEach() {
 }
 
 void Runner::EndScript(Script& script, ExitStatus status) {
-  for (const std::string& loss : outputs_.TakeLosses()) events_.Say(loss);
-  events_.EndScript(status == kAllWell);
+  for (const std::string& loss : outputs_.TakeLosses()) events_.Say(loss, Severity::kWarning);
+  TellEnd(status == kAllWell);
   if (Repeats()) {
     if (status != kInterrupted) script.rounds.Add(follower_);
   } else if (command_.summary) {
@@ -261,14 +221,24 @@ void Runner::EndScript(Script& script, ExitStatus status) {
   }
 }
 
-void Runner::BeginScript(Script& script) {
-  std::vector<SourceMark> marks;
-  for (const Problem& problem : script.problems.Found()) {
-    marks.push_back({problem.place.line, problem.place.column, problem.severity == Severity::kError,
-                     problem.text});
+void Runner::TellEnd(bool ran) {
+  values_ = values_ + follower_.Values();
+  ++ended_;
+  events_.EndScript({ran, follower_.Values(), follower_.FirstUnread()});
+}
+
+void Runner::CountUnplayed() {
+  for (; ended_ < scripts_.size(); ++ended_) {
+    if (command_.learn.empty()) {
+      values_.unread += static_cast<long>(scripts_[ended_].plan.expectations.size());
+    }
   }
+}
+
+void Runner::BeginScript(Script& script) {
+  ScriptBegin begin = BeginOf(script, ended_);
   if (!Repeats()) script.problems = {};
-  events_.BeginScript({script.path, script.name, script.text->Content()}, marks);
+  events_.BeginScript(std::move(begin));
 }
 
 ExitStatus Runner::PlayOne(Script& script) {
@@ -299,7 +269,7 @@ void Runner::RequestReset(const Script& script) {
   if (probe_.ResetTapBeforeScan()) return events_.RequestReset();
   constexpr const char* kSkipped = "# reset TAP is skipped: this probe cannot reset the TAP";
   if (command_.strict) throw Unsupported(kSkipped);
-  events_.Remark(fmt::format("{}: {}", script.path, kSkipped));
+  events_.Remark(fmt::format("{}: {}", script.path, kSkipped), Severity::kWarning);
 }
 
 bool Runner::Play(Script& script) {
@@ -377,16 +347,39 @@ int Runner::Show(const char* message) {
 ExitStatus Runner::Complete(ExitStatus status) {
   console_.Close();
   StandardError() << PrintableLines(Report());
-  const std::vector<std::string> failures = outputs_.Complete(Head(status));
-  for (const std::string& loss : outputs_.TakeLosses()) Complain(loss);
-  for (const std::string& failure : failures) Complain(failure);
-  return status == kAllWell && !failures.empty() ? StatusOfLoss() : status;
+  return EndOutputs(status);
+}
+
+// What becomes of the outputs is part of the status that they tell.
+ExitStatus Runner::EndOutputs(ExitStatus status) {
+  const std::vector<std::string> failures = outputs_.End(Head(status));
+  for (const std::string& loss : outputs_.TakeLosses()) Conclude(loss, Severity::kWarning);
+  for (const std::string& failure : failures) Conclude(failure, Severity::kError);
+  const auto with_loss = [](ExitStatus one) { return one == kAllWell ? StatusOfLoss() : one; };
+  const bool lost = !failures.empty() || (status == kAllWell && !CompleteStandardStreams());
+  if (lost) status = with_loss(status);
+  const std::vector<std::string> late = outputs_.EndRun(EndOf(status), EndOf(with_loss(status)));
+  for (const std::string& failure : late) Complain(failure);
+  return late.empty() ? status : with_loss(status);
+}
+
+void Runner::Conclude(const std::string& what, Severity severity) {
+  Complain(what);
+  events_.Conclude(what, severity);
+}
+
+RunEnd Runner::EndOf(ExitStatus status) {
+  CountUnplayed();
+  RunEnd end = {status, ResultText(status), probe_.Counts(), probe_.TckCycles(), values_, begun_,
+                {},     failed_rounds_,     events_.Now()};
+  if (Repeats()) end.rounds = played_rounds_;
+  return end;
 }
 
 void Runner::Abandon() {
   events_.Abandon(Interrupted().what());
-  for (const std::string& failure : outputs_.Complete(Head(kInterrupted))) Complain(failure);
-  for (const std::string& loss : outputs_.TakeLosses()) Complain(loss);
+  if (events_.InScript()) TellEnd(false);
+  EndOutputs(kInterrupted);
 }
 
 void Runner::OnExit() {
@@ -463,21 +456,30 @@ std::string Runner::Counts() const {
 
 ExitStatus LoadAndPlay(const RunCommand& command) {
   std::vector<Script> scripts;
+  const auto refuse = [&](const std::string& why, ExitStatus status) {
+    if (!why.empty()) Complain(why);
+    ReportUnplayed(command, scripts, why, status);
+    return status;
+  };
   try {
     scripts = LoadScripts(command);
   } catch (const IoError& error) {
-    Complain(error.what());
-    return kScriptFailed;
+    return refuse(error.what(), kScriptFailed);
+  } catch (const OutOfResources& error) {
+    return refuse(error.what(), kNotOpened);
+  } catch (const Interrupted& error) {
+    return refuse(error.what(), kInterrupted);
   }
-  if (scripts.empty()) return kScriptFailed;
+  if (std::any_of(scripts.begin(), scripts.end(),
+                  [](const Script& script) { return !script.refusal.empty(); })) {
+    return refuse("", kScriptFailed);
+  }
   try {
     return Runner(command).PlayAll(std::move(scripts));
   } catch (const Interrupted& error) {
-    Complain(error.what());
-    return kInterrupted;
+    return refuse(error.what(), kInterrupted);
   } catch (const IoError& error) {
-    Complain(error.what());
-    return kNotOpened;
+    return refuse(error.what(), kNotOpened);
   }
 }
 

@@ -9,15 +9,27 @@
 
 namespace icehost {
 
-RunEvents::RunEvents(Outputs& outputs, Console& console, bool strict, bool repeats)
+RunEvents::RunEvents(Outputs& outputs, Console& console, const RunCommand& command)
     : outputs_(outputs),
       console_(console),
-      strict_(strict),
+      strict_(command.strict),
+      times_calls_(!command.probe.kind->addresses.empty()),
       log_(outputs.listeners, outputs.recorders),
       listeners_(outputs.listeners),
       recorders_(outputs.recorders) {
+  const bool repeats = command.repeat != 1;
   if (repeats && !listeners_.empty()) listeners_ = {&log_};
   if (repeats && !recorders_.empty()) recorders_ = {&log_};
+}
+
+void RunEvents::BeginRun(RunBegin run) {
+  run.started = std::chrono::system_clock::now() - Now();
+  for (EventListener* const listener : outputs_.listeners) listener->OnRunBegin(run);
+}
+
+void RunEvents::Conclude(const std::string& what, Severity severity) {
+  const Notice notice = {severity, what, "", {0, 0}, {}, Now()};
+  for (EventListener* const listener : outputs_.listeners) listener->OnNotice(notice);
 }
 
 void RunEvents::BeginRound(long round) {
@@ -28,15 +40,17 @@ void RunEvents::BeginRound(long round) {
 
 void RunEvents::PassOnRound() {
   if (round_ == 0) return;
-  log_.PassOn();
+  log_.PassOn(Now());
   console_.Release();
 }
 
-void RunEvents::BeginScript(const RunScript& script, const std::vector<SourceMark>& marks) {
-  for (EventListener* const listener : listeners_) {
-    listener->OnSource(script.name, script.content, marks);
-    listener->OnScript(script.path);
-  }
+RunTime RunEvents::Now() const {
+  return std::chrono::duration_cast<RunTime>(console_.Elapsed());
+}
+
+void RunEvents::BeginScript(ScriptBegin script) {
+  script.at = Now();
+  for (EventListener* const listener : listeners_) listener->OnScript(script);
   name_ = script.name;
   in_script_ = true;
   parsing_ = true;
@@ -53,25 +67,27 @@ void RunEvents::RequestReset() {
 void RunEvents::SetPlace(const ChainPlace& place, bool measured) {
   for (EventListener* const listener : listeners_) listener->OnPlace(place);
   if (!measured) return;
-  Remark(fmt::format("measured: --chain {} --tap {}", fmt::join(place.ir_lengths, ","),
-                     place.tap + 1));
+  Remark(
+      fmt::format("measured: --chain {} --tap {}", fmt::join(place.ir_lengths, ","), place.tap + 1),
+      Severity::kNote);
 }
 
-void RunEvents::EndScript(bool ran) {
+void RunEvents::EndScript(ScriptEnd end) {
   in_script_ = false;
-  for (EventListener* const listener : listeners_) listener->OnScriptEnd(ran);
+  end.at = Now();
+  for (EventListener* const listener : listeners_) listener->OnScriptEnd(end);
 }
 
 void RunEvents::Abandon(const std::string& why) {
-  if (round_ != 0) log_.PassOn();
-  for (EventListener* const listener : listeners_) listener->OnError(why, 0);
-  if (in_script_) EndScript(false);
+  if (round_ != 0) log_.PassOn(Now());
+  Tell({0, 0}, why, Severity::kError);
   console_.Close();
   Complain(WithRound(why));
 }
 
 void RunEvents::BeginCall(const char* function, const CallSource& source, bool begins_operation) {
   source_ = source;
+  if (!listeners_.empty()) call_at_ = Now();
   // The user sees what the reading of the script printed before anything is played.
   if (std::exchange(parsing_, false)) PassCaptured();
   if (begins_operation) console_.CountOperation();
@@ -79,11 +95,18 @@ void RunEvents::BeginCall(const char* function, const CallSource& source, bool b
   function_ = function;
 }
 
-void RunEvents::EndCall(const CallEvent& call) {
+void RunEvents::LeaveCall() {
+  function_ = nullptr;
+  if (times_calls_ && !listeners_.empty()) answered_at_ = Now();
+}
+
+void RunEvents::EndCall(CallEvent call) {
+  call.at = call_at_;
+  if (times_calls_) call.took = answered_at_ - call_at_;
   for (const Comparison& one : call.comparisons) {
     if (one.fault.empty()) continue;
     PassOnRound();
-    SayAt(one.line, one.column, one.fault);
+    SayAt({one.line, one.column}, one.fault);
     explained_ = true;
   }
   for (EventListener* const listener : listeners_) listener->OnCall(call);
@@ -95,6 +118,7 @@ void RunEvents::Message(const char* text) {
 }
 
 void RunEvents::Flush() {
+  source_ = {};
   PassCaptured();
   console_.Flush();
 }
@@ -114,7 +138,7 @@ void RunEvents::Fail(const std::string& why) {
   explained_ = true;
   if (function_ == nullptr) return Say(why);
   PassOnRound();
-  SayAt(source_.line, 0, fmt::format("{} failed: {}", function_, why));
+  SayAt({source_.line, 0}, fmt::format("{} failed: {}", function_, why));
 }
 
 void RunEvents::Doubt(const std::string& why) {
@@ -123,34 +147,29 @@ void RunEvents::Doubt(const std::string& why) {
 }
 
 void RunEvents::Warn(Place place, const std::string& why) {
-  SayAt(place.line, place.column, "warning: " + why);
+  SayAt(place, why, Severity::kWarning);
 }
 
-void RunEvents::SayAt(int line, int column, const std::string& what) {
-  if (line == 0) return Error(what, 0, "icehost: " + what);
-  std::string text = fmt::format("{}:{}:", name_, line);
-  if (column != 0) text += fmt::format("{}:", column);
-  text.append(" ").append(what);
-  Error(text, line, text);
-}
-
-void RunEvents::Say(const std::string& what) {
+void RunEvents::Say(const std::string& what, Severity severity) {
   PassOnRound();
-  Error(what, 0, "icehost: " + what);
+  SayAt({0, 0}, what, severity);
 }
 
-void RunEvents::Remark(const std::string& what) {
-  Tell(what, 0);
+void RunEvents::Remark(const std::string& what, Severity severity) {
+  Tell({0, 0}, what, severity);
   console_.SayUnlessQuiet("icehost: " + what);
 }
 
-void RunEvents::Tell(const std::string& what, int line) {
-  for (EventListener* const listener : listeners_) listener->OnError(what, line);
+void RunEvents::SayAt(Place place, const std::string& what, Severity severity) {
+  const std::string text = PlacedText(Tell(place, what, severity));
+  console_.Say(WithRound(place.line == 0 ? "icehost: " + text : text));
 }
 
-void RunEvents::Error(const std::string& what, int line, const std::string& shown) {
-  Tell(what, line);
-  console_.Say(WithRound(shown));
+Notice RunEvents::Tell(Place place, const std::string& what, Severity severity) {
+  const CallSource source = place.line == 0 ? CallSource() : source_;
+  Notice notice = {severity, what, name_, place, source, Now()};
+  for (EventListener* const listener : listeners_) listener->OnNotice(notice);
+  return notice;
 }
 
 std::string RunEvents::WithRound(const std::string& text) const {

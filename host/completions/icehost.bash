@@ -34,8 +34,8 @@ _icehost_offer() {
 # Offers values of an option; fails where it takes none.
 _icehost_value() {
   case $1 in
-    --json | --vcd | --svg | --html | --svf | --learn | --plugin | -o | --output | --trace= \
-      | --spawn | --spawn-log) ;;
+    --json | --vcd | --svg | --html | --svf | --junit | --learn | --plugin | -o | --output | \
+      --trace= | --spawn | --spawn-log) ;;
     --probe)
       [[ $cur == remote-bitbang:unix:* ]] && return
       local probes=(sim remote-bitbang: remote-bitbang:unix:)
@@ -73,7 +73,7 @@ _icehost() {
   case $verb in
     run)
       options+=" $probe --size-limit --strict --force --keep-going --repeat --summary"
-      options+=' --plugin --wire --trace --trace= --json --vcd --svg --html --svf --learn'
+      options+=' --plugin --wire --trace --trace= --json --vcd --svg --html --svf --junit --learn'
       ;;
     check) options+=' --size-limit --strict --json' ;;
     detect) options+=" $probe --script" ;;

@@ -79,6 +79,7 @@ __icehost_option 'run serve' -l vcd -r -F -d 'Write the waveform'
 __icehost_option run -l svg -r -F -d 'Write the waveform as a picture'
 __icehost_option 'run serve' -l html -r -F -d 'Write a page for a browser'
 __icehost_option run -l svf -r -F -d 'Write the operations in the Serial Vector Format'
+__icehost_option run -l junit -r -F -d 'Write the results as JUnit XML'
 __icehost_option run -l learn -r -F -d 'Write the script with the values that were read'
 
 __icehost_option detect -l script -x -a 'jtag gpio' -d 'Write the beginning of a script'

@@ -2,6 +2,7 @@
 #ifndef ICESCRIPT_HOST_EVENTS_EVENTS_H_
 #define ICESCRIPT_HOST_EVENTS_EVENTS_H_
 
+#include <chrono>
 #include <cstddef>
 #include <optional>
 #include <string>
@@ -9,9 +10,14 @@
 #include <variant>
 #include <vector>
 
+#include "host/check/plan.h"
+#include "host/check/problems.h"
 #include "host/target/chain_place.h"
 
 namespace icehost {
+
+// When something happened, since the run began; or how long it took.
+using RunTime = std::chrono::microseconds;
 
 // Where in its script a host call comes from.
 struct CallSource {
@@ -87,7 +93,9 @@ struct CallEvent {
   int result;
   std::vector<Comparison> comparisons;
   CallSource source;
-  StepRange steps;  // what the call did to the pins
+  StepRange steps;                // what the call did to the pins
+  RunTime at{0};                  // when the plug-in called
+  std::optional<RunTime> took{};  // until the probe had answered; only across a network
 
   // The call of this type, or null.
   template <class Call>
@@ -100,29 +108,100 @@ struct CallEvent {
 struct SourceMark {
   int line;
   int column;
-  bool error;  // else a warning
+  Severity severity;
   std::string text;
+};
+
+// A script of the run. The plan, which is null if the script could not be read, lives as long as
+// the run.
+struct RunScript {
+  std::string path;  // as the user names it; "-" is standard input
+  const Plan* plan;
+};
+
+struct RunBegin {
+  std::vector<std::string> arguments;  // of the command line, as given
+  std::string probe;                   // for people
+  std::string version;                 // of icehost
+  std::chrono::system_clock::time_point started;
+  std::vector<RunScript> scripts;
+};
+
+struct ScriptBegin {
+  std::size_t index;  // in RunBegin::scripts
+  std::string path;
+  std::string name;               // in messages
+  std::string_view content;       // of the file
+  std::vector<SourceMark> marks;  // what `check` finds in it
+  RunTime at{0};
+};
+
+// What became of the values that scripts expect. In a REPT block a value that was once not as
+// expected is not met.
+struct ValueCounts {
+  long met = 0;
+  long unmet = 0;
+  long unread = 0;
+};
+ValueCounts operator+(const ValueCounts& one, const ValueCounts& other);
+
+struct ScriptEnd {
+  bool ran;  // without fault
+  ValueCounts values;
+  std::vector<const Expectation*> unread;  // the first of them, in the plan of the script
+  RunTime at{0};
+};
+
+// Something that icehost says about a script or the run.
+struct Notice {
+  Severity severity;
+  std::string text;
+  std::string name;   // of the script
+  Place place;        // what it concerns; a line or a column of 0: it concerns none
+  CallSource source;  // of the call under way
+  RunTime at{0};
+};
+// Returns the text with its place before it.
+std::string PlacedText(const Notice& notice);
+
+// What was played.
+struct RunCounts {
+  long operations = 0;  // pin operations, scans, resets, wire settings
+  long bits = 0;        // shifted through an IR or DR
+  long reads = 0;       // pin reads, and scans
+};
+
+struct RunEnd {
+  int status;           // of the process
+  std::string verdict;  // a word for it
+  RunCounts counts;
+  std::optional<long> tck_cycles;  // none: the probe does not show them
+  ValueCounts values;              // of all scripts, in all rounds
+  std::size_t begun;               // how many of the scripts began
+  std::optional<long> rounds;      // of a repeated run: played to their ends
+  long failed_rounds;
+  RunTime at{0};
 };
 
 class EventListener {
  public:
   virtual ~EventListener() = default;
+  virtual void OnRunBegin(const RunBegin& /*run*/) {}
   // In a repeated run: a round begins, from 1. The rounds that are left out were as expected.
   virtual void OnRound(long /*round*/) {}
-  virtual void OnScript(const std::string& /*path*/) {}
+  virtual void OnScript(const ScriptBegin& /*script*/) {}
   // The script that has just begun asks for a TAP reset, which its first scan begins with.
   virtual void OnResetRequest() {}
   // Scripts address the TAP at this place in a chain of several. Comes before the first scan.
   virtual void OnPlace(const ChainPlace& /*place*/) {}
-  // The text of the script that begins next, and what `check` finds in it.
-  virtual void OnSource(std::string_view /*name*/, std::string_view /*content*/,
-                        const std::vector<SourceMark>& /*marks*/) {}
   virtual void OnCall(const CallEvent& call) = 0;
   // A message of the plug-in's; some are pieces of a line.
   virtual void OnMessage(const char* /*text*/) {}
-  // Why a call or a script failed, in icehost's words; `line` is 0 if it concerns no line.
-  virtual void OnError(const std::string& /*text*/, int /*line*/) {}
-  virtual void OnScriptEnd(bool /*ran*/) {}
+  // Comes before the call whose failure it explains, and outside a script if it concerns the run.
+  virtual void OnNotice(const Notice& /*notice*/) {}
+  virtual void OnScriptEnd(const ScriptEnd& /*end*/) {}
+  // Comes once, however the run ends; only Output::End has been called before.
+  virtual void OnRunEnd(const RunEnd& /*end*/) {}
 };
 
 }  // namespace icehost

@@ -15,6 +15,8 @@ namespace {
 
 // How many wrong bits, or ranges of them, a message names.
 constexpr std::size_t kMostNamed = 4;
+// How many values that were not read FirstUnread returns.
+constexpr std::size_t kMostUnread = 1000;
 
 // The bits of the captured value that are not as expected, counted from the least significant.
 std::vector<std::size_t> WrongBits(const Expectation& expectation, const Capture& captured) {
@@ -205,6 +207,25 @@ long Follower::Unread() const {
     const Expectation& expected = plan_->expectations[i];
     const bool kept = captures_.count({expected.operation, expected.of}) > 0;
     if (tallies_[i].compared == 0 && !kept) ++unread;
+  }
+  return unread;
+}
+
+ValueCounts Follower::Values() const {
+  ValueCounts counts;
+  if (mode_ == Mode::kLearn) return counts;
+  for (const Tally& tally : tallies_) {
+    long& count = tally.unmet > 0 ? counts.unmet : tally.compared > 0 ? counts.met : counts.unread;
+    ++count;
+  }
+  return counts;
+}
+
+std::vector<const Expectation*> Follower::FirstUnread() const {
+  std::vector<const Expectation*> unread;
+  if (mode_ == Mode::kLearn) return unread;
+  for (std::size_t i = 0; i < tallies_.size() && unread.size() < kMostUnread; ++i) {
+    if (tallies_[i].compared == 0) unread.push_back(&plan_->expectations[i]);
   }
   return unread;
 }

@@ -58,6 +58,10 @@ class Follower {
   long Compared() const;
   // How many of the values that this script expects were not read at all.
   long Unread() const;
+  // What became of the values that this script expects; none are counted in Mode::kLearn.
+  ValueCounts Values() const;
+  // The first values that were not read, as many as a record names; none in Mode::kLearn.
+  std::vector<const Expectation*> FirstUnread() const;
   // How many operations of this script, counted from its end, did not begin.
   std::size_t Unreached() const;
   // The result of each expectation of this script, a line each, for people; empty in Mode::kLearn.

@@ -1,171 +1,230 @@
 // The events of a run as JSON lines for programs.
+#include <fmt/chrono.h>
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <chrono>
 #include <memory>
 #include <ostream>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "host/events/call_fields.h"
 #include "host/events/events.h"
+#include "host/events/json_call.h"
 #include "host/events/run_writers.h"
 #include "host/system/text.h"
-#include "host/target/wires.h"
 
 namespace icehost {
 namespace {
 
-void AppendNumber(int number, std::string& line) {
-  const fmt::format_int digits(number);
-  line.append(digits.data(), digits.size());
+// The most that is kept of a line of the plug-in's until it ends.
+constexpr std::size_t kMostPendingBytes = 64U << 10U;
+
+const char* SeverityText(Severity severity) {
+  if (severity == Severity::kNote) return "note";
+  return severity == Severity::kError ? "error" : "warning";
 }
 
-void AppendFlagNames(int flags, std::string& line) {
-  line += ",\"flag_names\":[";
-  const char* before = "\"";
-  for (int bit = 0; bit < kFlags; ++bit) {
-    if ((flags >> bit & 1) == 0) continue;
-    line.append(before).append(kFlagNames[bit]) += '"';
-    before = ",\"";
+const char* OutputText(Expectation::Of of) {
+  if (of == Expectation::Of::kPins) return "data";
+  return of == Expectation::Of::kIr ? "ir_out" : "dr_out";
+}
+
+// Such as "2026-01-31T08:15:00.125Z".
+std::string UtcText(std::chrono::system_clock::time_point time) {
+  const auto seconds = std::chrono::floor<std::chrono::seconds>(time);
+  const auto rest = std::chrono::floor<std::chrono::milliseconds>(time - seconds);
+  return fmt::format("{:%Y-%m-%dT%H:%M:%S}.{:03}Z",
+                     fmt::gmtime(std::chrono::system_clock::to_time_t(seconds)), rest.count());
+}
+
+std::string ArrayText(const std::vector<std::string>& texts) {
+  std::string array;
+  for (const std::string& text : texts) {
+    array.append(array.empty() ? "[" : ",").append(JsonText(text));
   }
-  line += ']';
+  return array.empty() ? "[]" : array + ']';
 }
 
-// The name under the key of the field, the number beside it.
-void AppendNamed(const Field& field, std::string& line) {
-  const char* const name = NameOf(field);
-  if (name != nullptr) {
-    line.append("\"").append(name) += '"';
-  } else {
-    line += "null";
-  }
-  line.append(",\"").append(field.name) += "_number\":";
-  AppendNumber(field.number, line);
+std::string ValuesText(const ValueCounts& values) {
+  return fmt::format(R"("values":{{"met":{},"not_met":{},"not_reached":{}}})", values.met,
+                     values.unmet, values.unread);
 }
 
-// The names are ours and the bytes are digits: there is nothing to escape.
-void AppendFields(const std::vector<Field>& fields, std::string& line) {
-  for (const Field& field : fields) {
-    line.append(",\"").append(field.name) += "\":";
-    switch (field.kind) {
-      case Field::Kind::kBytes:
-        line.append("\"").append(field.bytes) += '"';
-        break;
-      case Field::Kind::kCode:
-      case Field::Kind::kMode:
-      case Field::Kind::kReset:
-        AppendNamed(field, line);
-        break;
-      case Field::Kind::kFlags:
-        AppendNumber(field.number, line);
-        AppendFlagNames(field.number, line);
-        break;
-      case Field::Kind::kNumber:
-      case Field::Kind::kPins:
-        AppendNumber(field.number, line);
-        break;
-    }
-  }
+// Returns where the first piece of a long text ends: no character is cut in two.
+std::size_t PieceEnd(std::string_view text) {
+  std::size_t end = kMostPendingBytes;
+  while (end > kMostPendingBytes - 4 && (text[end] & 0xC0) == 0x80) --end;
+  return end;
 }
 
-void AppendSource(const CallSource& source, std::string& line) {
-  if (source.line != 0) {
-    line += ",\"line\":";
-    AppendNumber(source.line, line);
-  }
-  if (source.section == nullptr) return;
-  line.append(",\"section\":").append(JsonText(*source.section)).append(",\"operation\":");
-  AppendNumber(source.operation, line);
-}
-
-void AppendComparisons(const std::vector<Comparison>& comparisons, std::string& line) {
-  const char* before = ",\"expectations\":[";
-  for (const Comparison& one : comparisons) {
-    const bool met = one.fault.empty();
-    line += fmt::format(
-        R"({}{{"of":"{}","line":{},"column":{},"expected":"{}","mask":"{}","captured":{},"met":{})",
-        before, one.of, one.line, one.column, one.expected, one.mask,
-        one.captured.empty() ? "null" : '"' + one.captured + '"', met);
-    if (!met) line += fmt::format(R"(,"wrong_bits":[{}])", fmt::join(one.wrong_bits, ","));
-    line += '}';
-    before = ",";
-  }
-  if (!comparisons.empty()) line += ']';
-}
-
-// Writes one object a line. Its first key names its kind: "schema", "round", "script", "request",
-// "call", "message", "error" or "end"; docs/json.md describes them. ASCII only.
+// Writes one object a line, whose first key names its kind; docs/json.md describes them. ASCII
+// only.
 class JsonWriter : public Output, public EventListener {
  public:
   // `stream` must outlive the writer.
   explicit JsonWriter(std::ostream& stream) : stream_(stream) {}
-  // The line that says what follows.
-  void Begin() override;
-  void OnRound(long round) override { stream_ << fmt::format("{{\"round\":{}}}\n", round); }
-  void OnScript(const std::string& path) override;
+  void OnRunBegin(const RunBegin& run) override;
+  void OnRound(long round) override;
+  void OnScript(const ScriptBegin& script) override;
   void OnPlace(const ChainPlace& place) override;
-  void OnResetRequest() override { stream_ << "{\"request\":\"reset TAP\"}\n"; }
+  void OnResetRequest() override;
   void OnCall(const CallEvent& call) override;
   void OnMessage(const char* text) override;
-  void OnError(const std::string& text, int line) override;
-  void OnScriptEnd(bool ran) override;
+  void OnNotice(const Notice& notice) override;
+  void OnScriptEnd(const ScriptEnd& end) override;
+  void OnRunEnd(const RunEnd& end) override;
 
  private:
-  void WriteText(const char* key, std::string_view text);
+  void WriteMessage(std::string_view text);
+  // Writes the first pieces of a long text, and returns its end.
+  std::string_view WritePieces(std::string_view text);
+  void WriteProblem(const SourceMark& mark);
+  void WriteUnread(const Expectation& expected);
+  // Writes the line, after what the plug-in has said before it.
+  void Write();
 
   std::ostream& stream_;
-  std::string line_;  // kept for its room
+  std::vector<RunScript> scripts_;
+  std::size_t script_ = 0;  // the index of the one that began last
+  bool in_script_ = false;
+  std::string line_;     // kept for its room
+  std::string message_;  // a line of the plug-in's that has not ended yet
 };
 
-void JsonWriter::Begin() {
-  stream_ << "{\"schema\":\"icehost-run\",\"version\":1}\n";
+void JsonWriter::OnRunBegin(const RunBegin& run) {
+  scripts_ = run.scripts;
+  std::vector<std::string> paths;
+  for (const RunScript& script : run.scripts) paths.push_back(script.path);
+  line_ = fmt::format(
+      R"({{"schema":"icehost-run","version":2,"icehost":{},"arguments":{},"probe":{},"scripts":{},"started":"{}"}})"
+      "\n",
+      JsonText(run.version), ArrayText(run.arguments), JsonText(run.probe), ArrayText(paths),
+      UtcText(run.started));
+  Write();
 }
 
-void JsonWriter::OnScript(const std::string& path) {
-  WriteText("script", path);
+void JsonWriter::OnRound(long round) {
+  line_ = fmt::format("{{\"round\":{}}}\n", round);
+  Write();
+}
+
+void JsonWriter::OnScript(const ScriptBegin& script) {
+  script_ = script.index;
+  in_script_ = true;
+  line_ = fmt::format("{{\"begin\":{},\"script\":{},\"at_us\":{}}}\n", JsonText(script.path),
+                      script_, script.at.count());
+  Write();
+  for (const SourceMark& mark : script.marks) WriteProblem(mark);
+}
+
+void JsonWriter::WriteProblem(const SourceMark& mark) {
+  line_ = fmt::format(
+      R"({{"severity":"{}","by":"check","text":{},"script":{},"line":{},"column":{}}})"
+      "\n",
+      SeverityText(mark.severity), JsonText(mark.text), script_, mark.line, mark.column);
+  Write();
 }
 
 void JsonWriter::OnPlace(const ChainPlace& place) {
-  stream_ << fmt::format("{{\"chain\":[{}],\"tap\":{}}}\n", fmt::join(place.ir_lengths, ","),
-                         place.tap + 1);
+  line_ = fmt::format("{{\"chain\":[{}],\"tap\":{}}}\n", fmt::join(place.ir_lengths, ","),
+                      place.tap + 1);
+  Write();
 }
 
-// Put together by hand: a long run has millions of them.
+void JsonWriter::OnResetRequest() {
+  line_ = "{\"request\":\"reset TAP\"}\n";
+  Write();
+}
+
 void JsonWriter::OnCall(const CallEvent& call) {
-  const CallFields fields = FieldsOf(call.call);
-  line_.assign("{\"call\":\"").append(FunctionOf(call.call)) += '"';
-  AppendSource(call.source, line_);
-  AppendFields(fields.arguments, line_);
-  line_ += ",\"result\":";
-  AppendNumber(call.result, line_);
-  if (AsksForInterface(call) && call.result >= 0 && call.result < kInterfaces) {
-    line_.append(",\"interface\":\"").append(kInterfaceNames[call.result]) += '"';
-  }
-  AppendFields(fields.outputs, line_);
-  AppendComparisons(call.comparisons, line_);
-  stream_ << (line_ += "}\n");
+  line_.clear();
+  AppendCall(call, script_, line_);
+  Write();
 }
 
 void JsonWriter::OnMessage(const char* text) {
-  WriteText("message", text);
-}
-
-void JsonWriter::OnError(const std::string& text, int line) {
-  line_.assign("{\"error\":").append(JsonText(text));
-  if (line != 0) {
-    line_ += ",\"line\":";
-    AppendNumber(line, line_);
+  std::string_view rest = text;
+  for (std::size_t end = 0; (end = rest.find('\n')) != std::string_view::npos;) {
+    WriteMessage(message_.append(rest.substr(0, end + 1)));
+    message_.clear();
+    rest.remove_prefix(end + 1);
   }
-  stream_ << (line_ += "}\n");
+  message_ += rest;
+  message_.erase(0, message_.size() - WritePieces(message_).size());
 }
 
-void JsonWriter::OnScriptEnd(bool ran) {
-  stream_ << (ran ? "{\"end\":true}\n" : "{\"end\":false}\n");
+void JsonWriter::WriteMessage(std::string_view text) {
+  const std::string_view last = WritePieces(text);
+  stream_ << "{\"message\":" << JsonText(last) << "}\n";
 }
 
-void JsonWriter::WriteText(const char* key, std::string_view text) {
-  line_.assign("{\"").append(key).append("\":").append(JsonText(text)) += "}\n";
+std::string_view JsonWriter::WritePieces(std::string_view text) {
+  while (text.size() > kMostPendingBytes) {
+    const std::size_t end = PieceEnd(text);
+    stream_ << "{\"message\":" << JsonText(text.substr(0, end)) << "}\n";
+    text.remove_prefix(end);
+  }
+  return text;
+}
+
+void JsonWriter::OnNotice(const Notice& notice) {
+  line_ = fmt::format(R"({{"severity":"{}","by":"run","text":{})", SeverityText(notice.severity),
+                      JsonText(notice.text));
+  if (in_script_) AppendMember(R"(,"script":)", static_cast<long>(script_), line_);
+  if (notice.place.line != 0) AppendMember(R"(,"line":)", notice.place.line, line_);
+  if (notice.place.column != 0) AppendMember(R"(,"column":)", notice.place.column, line_);
+  AppendSection(notice.source, line_);
+  AppendMember(R"(,"at_us":)", notice.at.count(), line_);
+  line_ += "}\n";
+  Write();
+}
+
+void JsonWriter::OnScriptEnd(const ScriptEnd& end) {
+  for (const Expectation* const expected : end.unread) WriteUnread(*expected);
+  line_ = fmt::format("{{\"end\":{},\"script\":{},{},\"at_us\":{}}}\n", end.ran, script_,
+                      ValuesText(end.values), end.at.count());
+  Write();
+  in_script_ = false;
+}
+
+void JsonWriter::WriteUnread(const Expectation& expected) {
+  const std::vector<JtagOperation>& operations = scripts_[script_].plan->jtag;
+  line_ = fmt::format(R"({{"not_reached":"{}","script":{},"line":{},"column":{})",
+                      OutputText(expected.of), script_, expected.place.line, expected.place.column);
+  if (expected.operation < operations.size()) {
+    const int operation = static_cast<int>(expected.operation);
+    AppendSection({0, operation, &operations[expected.operation].section}, line_);
+  }
+  line_ += "}\n";
+  Write();
+}
+
+void JsonWriter::OnRunEnd(const RunEnd& end) {
+  for (script_ = end.begun; script_ < scripts_.size(); ++script_) {
+    line_ = fmt::format("{{\"not_reached\":\"script\",\"script\":{}}}\n", script_);
+    Write();
+  }
+  const RunCounts& counts = end.counts;
+  const std::string cycles = end.tck_cycles.has_value() ? std::to_string(*end.tck_cycles) : "null";
+  line_ = fmt::format(R"({{"totals":{{"operations":{},"tck_cycles":{},"bits":{},"reads":{}}},{})",
+                      counts.operations, cycles, counts.bits, counts.reads, ValuesText(end.values));
+  if (end.rounds.has_value()) {
+    AppendMember(R"(,"rounds":)", *end.rounds, line_);
+    AppendMember(R"(,"failed_rounds":)", end.failed_rounds, line_);
+  }
+  line_ += fmt::format(R"(,"verdict":"{}","status":{},"took_us":{}}})"
+                       "\n",
+                       end.verdict, end.status, end.at.count());
+  Write();
+}
+
+void JsonWriter::Write() {
+  if (!message_.empty()) {
+    WriteMessage(message_);
+    message_.clear();
+  }
   stream_ << line_;
 }
 

@@ -35,11 +35,11 @@ class TraceWriter : public Output, public EventListener {
   // `stream` must outlive the writer.
   explicit TraceWriter(std::ostream& stream) : stream_(stream) {}
   void OnRound(long round) override;
-  void OnScript(const std::string& path) override;
+  void OnScript(const ScriptBegin& script) override;
   void OnPlace(const ChainPlace& place) override;
   void OnResetRequest() override { stream_ << "# reset TAP\n"; }
   void OnCall(const CallEvent& call) override;
-  void OnScriptEnd(bool ran) override;
+  void OnScriptEnd(const ScriptEnd& end) override;
 
  private:
   std::ostream& stream_;
@@ -52,8 +52,8 @@ void TraceWriter::OnRound(long round) {
                          round == 1 ? "; of the later rounds, only those that fail are shown" : "");
 }
 
-void TraceWriter::OnScript(const std::string& path) {
-  path_ = Printable(path);
+void TraceWriter::OnScript(const ScriptBegin& script) {
+  path_ = Printable(script.path);
   stream_ << "# " << path_ << '\n';
 }
 
@@ -77,8 +77,8 @@ void TraceWriter::OnCall(const CallEvent& call) {
   stream_ << (line_ += '\n');
 }
 
-void TraceWriter::OnScriptEnd(bool ran) {
-  stream_ << (ran ? "# ran\n" : "# failed\n");
+void TraceWriter::OnScriptEnd(const ScriptEnd& end) {
+  stream_ << (end.ran ? "# ran\n" : "# failed\n");
 }
 
 }  // namespace

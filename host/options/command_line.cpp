@@ -148,6 +148,7 @@ std::variant<Command, ExitStatus> ParseCommandLine(int argc, char** argv) {
   }
   Command& command = *command_of.at(app.get_subcommands().front());
   std::visit([quiet](auto& one) { one.quiet |= quiet; }, command);
+  if (auto* const run = std::get_if<RunCommand>(&command)) run->arguments = {argv + 1, argv + argc};
   return command;
 }
 

@@ -30,6 +30,7 @@ enum ExitStatus : int {
 constexpr std::size_t kDefaultSizeLimit = 64U << 20U;
 
 struct RunCommand {
+  std::vector<std::string> arguments;  // all of the command line, as given
   std::vector<std::string> scripts;
   std::string plugin;
   ProbeOptions probe;

@@ -92,8 +92,8 @@ void PageWriter::AddSource(std::string_view name, std::string_view content,
   before = "";
   for (const SourceMark& mark : marks) {
     if (marks_++ >= kMostMarks) break;
-    sources_ += fmt::format("{}[{},{},{},{}]", before, mark.line, mark.column, mark.error,
-                            PageText(mark.text));
+    sources_ += fmt::format("{}[{},{},{},{}]", before, mark.line, mark.column,
+                            mark.severity == Severity::kError, PageText(mark.text));
     before = ",";
   }
   sources_ += "]}";

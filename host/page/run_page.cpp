@@ -6,7 +6,6 @@
 #include <optional>
 #include <ostream>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "entry/icescript.h"
@@ -118,15 +117,11 @@ class RunPage : public Output, public EventListener, public StepRecorder {
  public:
   explicit RunPage(std::ostream& stream) : stream_(stream) {}
   void OnRound(long round) override { round_ = fmt::format(", round {}", round); }
-  void OnSource(std::string_view name, std::string_view content,
-                const std::vector<SourceMark>& marks) override {
-    writer_.AddSource(std::string(name) + round_, content, marks);
-  }
-  void OnScript(const std::string& path) override;
+  void OnScript(const ScriptBegin& script) override;
   void OnCall(const CallEvent& call) override;
   void OnMessage(const char* text) override;
-  void OnError(const std::string& text, int line) override;
-  void OnScriptEnd(bool ran) override;
+  void OnNotice(const Notice& notice) override;
+  void OnScriptEnd(const ScriptEnd& end) override;
   void Record(const PinStep& step) override { writer_.Record(step); }
   void End(const PageHead& head) override { writer_.Write(stream_, head); }
 
@@ -147,7 +142,8 @@ class RunPage : public Output, public EventListener, public StepRecorder {
   std::vector<Error> errors_;    // of the call under way
 };
 
-void RunPage::OnScript(const std::string& /*path*/) {
+void RunPage::OnScript(const ScriptBegin& script) {
+  writer_.AddSource(script.name + round_, script.content, script.marks);
   operation_ = 0;
 }
 
@@ -168,11 +164,11 @@ void RunPage::OnMessage(const char* text) {
   writer_.AddMessage(text);
 }
 
-void RunPage::OnError(const std::string& text, int line) {
-  errors_.push_back({text, line});
+void RunPage::OnNotice(const Notice& notice) {
+  errors_.push_back({PlacedText(notice), notice.place.line});
 }
 
-void RunPage::OnScriptEnd(bool /*ran*/) {
+void RunPage::OnScriptEnd(const ScriptEnd& /*end*/) {
   if (scan_.has_value()) {
     scan_->verdict = Verdict::kFailed;
     Add(*scan_);

@@ -104,7 +104,7 @@ class SvgWriter : public Output, public StepRecorder, public EventListener {
   void Record(const PinStep& step) override;
 
   void OnRound(long round) override { round_ = fmt::format(", round {}", round); }
-  void OnScript(const std::string& path) override;
+  void OnScript(const ScriptBegin& script) override;
   void OnCall(const CallEvent& call) override;
   void End(const PageHead& head) override;
 
@@ -129,8 +129,8 @@ void SvgWriter::Record(const PinStep& step) {
   run_.steps.push_back(step);
 }
 
-void SvgWriter::OnScript(const std::string& path) {
-  script_ = path;
+void SvgWriter::OnScript(const ScriptBegin& script) {
+  script_ = script.path;
   script_begins_ = true;
 }
 

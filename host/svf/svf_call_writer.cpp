@@ -14,10 +14,10 @@ class SvfCallWriter : public SvfWriter {
  public:
   using SvfWriter::SvfWriter;
 
-  void OnScript(const std::string& path) override { path_ = path; }
+  void OnScript(const ScriptBegin& script) override { path_ = script.path; }
   void OnResetRequest() override;
   void OnCall(const CallEvent& call) override;
-  void OnScriptEnd(bool ran) override;
+  void OnScriptEnd(const ScriptEnd& end) override;
 
  private:
   void OnScan(const CallEvent& call, const Scan& scan);
@@ -53,8 +53,8 @@ void SvfCallWriter::OnScan(const CallEvent& call, const Scan& scan) {
   CommentOnUnmet(call);
 }
 
-void SvfCallWriter::OnScriptEnd(bool ran) {
-  if (!ran) Comment("The script failed.");
+void SvfCallWriter::OnScriptEnd(const ScriptEnd& end) {
+  if (!end.ran) Comment("The script failed.");
 }
 
 }  // namespace

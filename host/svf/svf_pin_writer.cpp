@@ -52,9 +52,9 @@ class SvfPinWriter : public SvfWriter, public StepRecorder, private TapListener 
   void Record(const PinStep& step) override;
   void End(const PageHead& head) override;
 
-  void OnScript(const std::string& path) override { paths_.push_back(path); }
+  void OnScript(const ScriptBegin& script) override { paths_.push_back(script.path); }
   void OnCall(const CallEvent& call) override;
-  void OnScriptEnd(bool ran) override;
+  void OnScriptEnd(const ScriptEnd& end) override;
 
  private:
   struct Operation {
@@ -319,8 +319,8 @@ void SvfPinWriter::Write(const Note& note) {
   located_ = 0;
 }
 
-void SvfPinWriter::OnScriptEnd(bool ran) {
-  if (ran) return;
+void SvfPinWriter::OnScriptEnd(const ScriptEnd& end) {
+  if (end.ran) return;
   WriteScan(kIdle);
   Comment("The script failed.");
 }

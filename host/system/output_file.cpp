@@ -96,16 +96,19 @@ void OutputFile::Begin() {
   [[maybe_unused]] const int ignored = IsStandardOutput() ? 0 : ftruncate(fd_, 0);
 }
 
+int OutputFile::Error() const {
+  return buffer_.Error() == 0 && incomplete_ ? ENOMEM : buffer_.Error();
+}
+
 void OutputFile::ThrowIfCut() {
-  if (buffer_.Error() == 0) return;
+  if (Error() == 0) return;
   if (IsInterrupted()) throw Interrupted();
-  Fail(buffer_.Error());
+  Fail(Error());
 }
 
 void OutputFile::Close() {
   buffer_.Write();
-  int error = buffer_.Error();
-  if (error == 0 && incomplete_) error = ENOMEM;
+  int error = Error();
   if (error != 0) CutUnfinished();
   if (close(std::exchange(fd_, -1)) != 0 && error == 0) error = errno;
   if (error != 0) Fail(error);

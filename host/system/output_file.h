@@ -44,7 +44,8 @@ class OutputFile {
   struct stat Status() const;
   // Notes that memory ran out for part of the content: Close then fails, if the file was begun.
   void MarkIncomplete() { incomplete_ = begun_; }
-  // Throws if a write has failed: Interrupted after a signal, else IoError, which it throws once.
+  // Throws if a write has failed or the file is marked as incomplete: Interrupted after a signal,
+  // else IoError, which it throws once.
   void ThrowIfCut();
   // Writes the buffered text and closes the file. Throws IoError if the file is incomplete and
   // ThrowIfCut has not thrown it before.
@@ -71,6 +72,8 @@ class OutputFile {
     DescriptorWriter writer_;
   };
 
+  // Why the file is not whole so far, or 0.
+  int Error() const;
   void CutUnfinished() const;
   void Fail(int error);
 

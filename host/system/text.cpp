@@ -50,6 +50,12 @@ bool Decode(std::string_view text, std::size_t size, char32_t& code) {
   return code >= least[size - 1] && code <= 0x10FFFF && (code < 0xD800 || code > 0xDFFF);
 }
 
+// Most texts are: they need no more than quotes.
+bool IsPlainJson(std::string_view text) {
+  return std::all_of(text.begin(), text.end(),
+                     [](char ch) { return ch >= ' ' && ch < '\x7f' && ch != '"' && ch != '\\'; });
+}
+
 struct Replacement {
   std::string_view text;
   std::string_view with;
@@ -57,7 +63,8 @@ struct Replacement {
 
 // XML forbids "]]>", hence ">". U+FFFE and U+FFFF are valid UTF-8, but not characters of XML.
 constexpr Replacement kReplacements[] = {
-    {"&", "&amp;"}, {"<", "&lt;"}, {">", "&gt;"}, {"\xEF\xBF\xBE", "?"}, {"\xEF\xBF\xBF", "?"},
+    {"&", "&amp;"},   {"<", "&lt;"},         {">", "&gt;"},
+    {"\"", "&quot;"}, {"\xEF\xBF\xBE", "?"}, {"\xEF\xBF\xBF", "?"},
 };
 
 }  // namespace
@@ -90,6 +97,7 @@ std::string PrintableLines(std::string_view text) {
 }
 
 std::string JsonText(std::string_view text) {
+  if (IsPlainJson(text)) return std::string("\"").append(text).append("\"");
   using Json = nlohmann::json;
   std::string line = Json(text).dump(-1, ' ', true, Json::error_handler_t::replace);
   // DEL is the only control character that dump does not escape.

@@ -19,8 +19,8 @@ std::string PrintableLines(std::string_view text);
 // characters that are not ASCII are escaped, so that none of them controls a terminal.
 std::string JsonText(std::string_view text);
 
-// Returns the text as escaped character data of XML 1.0. It is first made Printable; then a
-// question mark replaces each character that XML forbids.
+// Returns the text as escaped character data of XML 1.0, also for an attribute in double quotes. It
+// is first made Printable; then a question mark replaces each character that XML forbids.
 std::string XmlText(std::string_view text);
 
 }  // namespace icehost

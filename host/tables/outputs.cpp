@@ -83,6 +83,13 @@ const std::vector<OutputKind>& OutputKinds() {
        {"Write the operations in the Serial Vector Format (SVF)", MakeSvfPinWriter,
         MakeSvfCallWriter},
        {}},
+      {"--junit",
+       /*file_may_lack=*/false,
+       /*needs_pins=*/false,
+       kNothing,
+       {"Write the results as JUnit XML, for a CI server", MakeJUnit},
+       {},
+       /*reports_unplayed=*/true},
   };
   return kinds;
 }
@@ -158,19 +165,54 @@ void Outputs::MarkIncomplete() {
   for (const auto& file : files_) file->MarkIncomplete();
 }
 
-std::vector<std::string> Outputs::Complete(const PageHead& head) {
-  std::vector<std::string> failures;
-  for (const Writer& writer : writers_) {
-    try {
-      writer.output->End(head);
-    } catch (const std::bad_alloc&) {
-      if (writer.file != nullptr) {
-        writer.file->MarkIncomplete();
-      } else {
-        failures.emplace_back("standard error: out of memory");
-      }
+template <class Act>
+void Outputs::Guard(const Writer& writer, std::vector<std::string>& failures, const Act& act) {
+  try {
+    act();
+  } catch (const std::bad_alloc&) {
+    if (writer.file != nullptr) {
+      writer.file->MarkIncomplete();
+    } else {
+      failures.emplace_back("standard error: out of memory");
     }
   }
+  if (writer.file == nullptr) return;
+  try {
+    writer.file->Stream().flush();
+    writer.file->ThrowIfCut();
+  } catch (const IoError& error) {
+    failures.emplace_back(error.what());
+  } catch (const Interrupted&) {
+    // It is cut, and closing the file reports that.
+  }
+}
+
+std::vector<std::string> Outputs::End(const PageHead& head) {
+  std::vector<std::string> failures;
+  for (const Writer& writer : writers_) {
+    Guard(writer, failures, [&] { writer.output->End(head); });
+  }
+  return failures;
+}
+
+std::vector<std::string> Outputs::EndRun(const RunEnd& end, const RunEnd& if_lost) {
+  std::vector<std::string> failures;
+  for (auto writer = writers_.rbegin(); writer != writers_.rend(); ++writer) {
+    auto* const listener = dynamic_cast<EventListener*>(writer->output.get());
+    if (listener == nullptr) continue;
+    Guard(*writer, failures, [&] {
+      for (const std::string& failure : failures) {
+        listener->OnNotice({Severity::kError, failure, "", {0, 0}, {}, end.at});
+      }
+      listener->OnRunEnd(failures.empty() ? end : if_lost);
+    });
+  }
+  for (std::string& failure : CloseAll(files_)) failures.push_back(std::move(failure));
+  return failures;
+}
+
+std::vector<std::string> Outputs::Complete(const PageHead& head) {
+  std::vector<std::string> failures = End(head);
   for (std::string& failure : CloseAll(files_)) failures.push_back(std::move(failure));
   return failures;
 }

@@ -34,6 +34,7 @@ struct OutputKind {
   bool needs_pins;
   OutputFile::Rest rest;
   Verb run, serve;
+  bool reports_unplayed = false;  // it is also written if a run does not begin
 };
 
 // Returns all rows.
@@ -76,7 +77,15 @@ class Outputs {
   std::vector<std::string> TakeLosses();
   // Marks all files as incomplete: memory ran out for an event, which any of them may lack.
   void MarkIncomplete();
-  // Ends the outputs and closes the files. Returns a message for each that is not complete.
+  // Ends the outputs, and writes the buffered text. Returns a message for each file that is not
+  // complete.
+  std::vector<std::string> End(const PageHead& head);
+  // After End: passes the end of the run to the outputs, the last row of the table first, and
+  // closes the files. Returns a message for each file that is not complete and that End has not
+  // named. From the first of them on, the outputs get `if_lost` instead of `end`.
+  std::vector<std::string> EndRun(const RunEnd& end, const RunEnd& if_lost);
+  // Ends the outputs of serve and closes the files. Returns a message for each that is not
+  // complete.
   std::vector<std::string> Complete(const PageHead& head);
 
   bool Any() const { return !writers_.empty(); }
@@ -91,6 +100,10 @@ class Outputs {
     std::unique_ptr<Output> output;
     OutputFile* file;  // null: standard error
   };
+
+  // Lets `act` complete one file. Adds a text to `failures` if the file is not whole.
+  template <class Act>
+  static void Guard(const Writer& writer, std::vector<std::string>& failures, const Act& act);
 
   FileUses uses_;
   std::vector<std::unique_ptr<OutputFile>> files_;

@@ -50,9 +50,15 @@ def run(*arguments, script=""):
     text = done.stdout.decode("ascii")
     check_lines(" ".join(arguments), text.splitlines())
     values = records_of(text)
-    last = {key: values[-1].get(key) for key in ("end", "errors")}
-    if (done.returncode == 0) != (last["end"] is True or last["errors"] == 0):
-        failures.append(f"{arguments}: status {done.returncode}, at the end {values[-1]}")
+    if arguments[0] == "run":
+        plain = subprocess.run([ICEHOST, *arguments], input=script.encode(), capture_output=True,
+                               check=False)
+        expect(f"messages of {arguments}", "".join(value.get("message", "") for value in values),
+               plain.stdout.decode(errors="replace"))
+    last = values[-1]
+    if last.get("status", done.returncode) != done.returncode or (
+            "errors" in last and (last["errors"] == 0) != (done.returncode == 0)):
+        failures.append(f"{arguments}: status {done.returncode}, at the end {last}")
     return values
 
 
@@ -80,14 +86,32 @@ def check_runs():
     run("run", "--chain", "4,5", "--tap", "2", "examples/read_idcode.ini")
     run("run", "--keep-going", "--idcode", "3", "examples/read_idcode.ini")
     run("run", "--force", "/dev/null")
+    run("run", "--repeat", "2", "--idcode", "3", "examples/read_idcode.ini", "examples/reset.ini")
+    run("run", "-", script="[A]\nIR=5,1\nDR=R,8\nTDO=0\n[B]\nIR=5,1\nDR=R,8\nTDO=0x01\n")
+
+
+def check_times():
+    """Calls are in the order of their times, and last a while across a network."""
+    server = Serve()
+    for probe in ("sim", f"remote-bitbang:127.0.0.1:{server.port}"):
+        calls = [value for value in run("run", "--probe", probe, "--repeat", "2", "--keep-going", "-",
+                                        script="[A]\nIR=5,1\nDR=R,8\nTDO=0\n[B]\nIR=5,1\nDR=R,8\n")
+                 if "call" in value]
+        times = [call["at_us"] for call in calls]
+        expect(f"times on {probe}", (len(times), times), (12, sorted(times)))
+        took = [call.get("took_us", 0) for call in calls if call["call"] == "link_jtag_execute"]
+        expect(f"durations on {probe}", [time > 0 for time in took], [probe != "sim"] * 4)
+    server.end()
 
 
 def check_manual():
-    check_lines("the manual", re.findall(r"^\{.*", read("docs/json.md"), re.MULTILINE))
+    """What it shows of a run lacks the times."""
+    lines = re.findall(r"^\{.*", read("docs/json.md").split("## A check")[1], re.MULTILINE)
+    check_lines("the manual", lines)
 
 
 def check_kinds():
     expect("never seen", KINDS.keys() - {kind for kinds in seen.values() for kind in kinds}, set())
 
 
-run_checks(check_runs, check_serving, check_manual, check_kinds)
+run_checks(check_runs, check_serving, check_times, check_manual, check_kinds)

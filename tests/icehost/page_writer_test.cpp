@@ -84,7 +84,7 @@ TEST(PageWriter, TakesNoTextForMarkup) {
   const std::string text = "</script><!--<script>\"\\\xe2\x80\xa8 \xff@data@";
   const std::string shown = "</script><!--<script>\"\\\xe2\x80\xa8 \xef\xbf\xbd@data@";
   PageWriter writer;
-  writer.AddSource(text, text, {{1, 1, true, text}});
+  writer.AddSource(text, text, {{1, 1, icehost::Severity::kError, text}});
   writer.AddRow({0, 0, {}, text, text, text, text, text, Verdict::kDone});
   writer.AddMessage(text);
   writer.AddError(text, 0);
