@@ -357,7 +357,7 @@ def check_terminal():
             units = {"s": seconds, "min": seconds / 60, "h": seconds / 3600}
             count, unit = left.split()
             # Both the rate and the count are rounded.
-            expect(f"{seconds} s are {left}", 
+            expect(f"{seconds} s are {left}",
                    abs(units[unit] - int(count)) < 0.6 + units[unit] / int(rate), True)
     shell(endless)
     expect("progress in a file", read("err"), "icehost: interrupted\n")
