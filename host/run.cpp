@@ -409,6 +409,8 @@ PageHead Runner::Head(ExitStatus status) const {
   if (Repeats()) {
     head.entries.emplace_back("Repeated",
                               RoundCounts() + "; here are the first and those that failed");
+  } else {
+    head.planned = ExpectedOperations();
   }
   if (rest != scripts.end()) {
     head.entries.emplace_back("Not played",

@@ -13,7 +13,8 @@ struct PageHead {
   std::string title;
   std::string result;
   bool good;
-  std::vector<std::pair<std::string, std::string>> entries;  // in the order in which they are shown
+  std::vector<std::pair<std::string, std::string>> entries;  // shown in this order
+  long planned = 0;  // the operations if nothing fails; 0 if unknown
 };
 
 // A writer derives from this class and from the listeners that it needs: EventListener,

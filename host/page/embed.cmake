@@ -1,7 +1,10 @@
 # Writes OUTPUT, a C++ file that contains FOLDER/page.html with each "@FILE@" in it replaced by that
 # file of the folder.
 file(READ ${FOLDER}/page.html page)
-foreach(part page.css model.js list.js panes.js wave_view.js wave.js page.js)
+foreach(part page.css tools.css register.css print.css
+             model.js register.js list.js search.js bit_view.js panes.js head.js columns.js
+             wrapping.js messages.js divider.js tabs.js wave_view.js data_lane.js wave.js tools.js
+             page.js svg_context.js print.js)
   file(READ ${FOLDER}/${part} text)
   string(REPLACE "@${part}@" "${text}" page "${page}")
 endforeach()

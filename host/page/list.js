@@ -5,30 +5,45 @@ class List {
 
   // `render` makes the element of an item. An item that can be picked has a `key`, and those of the
   // same key are picked together.
+  // A line of headings may stand above them.
   constructor(element, render) {
     this.element = element;
+    this.headings = element.firstElementChild;
     this.render = render;
     this.height = parseInt(getComputedStyle(element).getPropertyValue("--item"), 10);
     this.inner = element.appendChild(document.createElement("div"));
-    this.inner.setAttribute("role", "presentation");
+    this.inner.setAttribute("role", "rowgroup");
     this.items = [];
+    this.shown = new Map();  // index to element
     this.picked = null;
+    this.decorate = null;  // of an element and its index, if set: changes it before it is shown
     element.addEventListener("scroll", () => this.show());
     new ResizeObserver(() => this.show()).observe(element);
   }
 
   setItems(items) {
     this.items = items;
-    this.shown = new Map();  // index to element
-    this.inner.replaceChildren();
     this.inner.style.height = `${items.length * this.height}px`;
     this.element.setAttribute("aria-rowcount", items.length);
+    this.refresh();
+  }
+
+  // Makes the elements anew.
+  refresh() {
+    this.shown.clear();
+    this.inner.replaceChildren();
     this.show();
+  }
+
+  // The pixels for items.
+  room() {
+    return Math.max(0, this.element.clientHeight - (this.headings?.offsetHeight ?? 0));
   }
 
   show() {
     const all = this.items.length <= List.SHORT;
-    const {scrollTop, clientHeight} = this.element;
+    const {scrollTop} = this.element;
+    const clientHeight = this.room();
     const top = Math.floor(scrollTop / this.height);
     const first = all ? 0 : Math.max(0, top - List.MARGIN);
     const last = all ? this.items.length
@@ -47,10 +62,12 @@ class List {
     const item = this.items[index];
     const element = this.render(item);
     element.classList.add("item");
+    element.id = `${this.element.id}-${index}`;
     element.style.top = `${index * this.height}px`;
     element.setAttribute("role", "row");
     element.setAttribute("aria-rowindex", index + 1);
     this.mark(element, item);
+    this.decorate?.(element, index);
     this.shown.set(index, element);
     this.inner.append(element);
   }
@@ -64,12 +81,28 @@ class List {
   pick(key) {
     this.picked = key;
     for (const [index, element] of this.shown) this.mark(element, this.items[index]);
-    this.reveal(this.items.findIndex((item) => item.key === key));
+    this.revealPicked();
+  }
+
+  revealPicked() {
+    const index = this.picked === null ? -1
+      : this.items.findIndex((item) => item.key === this.picked);
+    this.reveal(index);
+    const element = this.shown.get(index);
+    if (element === undefined) this.element.removeAttribute("aria-activedescendant");
+    else this.element.setAttribute("aria-activedescendant", element.id);
+  }
+
+  // The item that an element is, or is in.
+  itemOf(element) {
+    const row = element.closest(".item");
+    return row === null ? undefined : this.items[Number(row.getAttribute("aria-rowindex")) - 1];
   }
 
   reveal(index) {
     if (index < 0) return;
-    const {scrollTop, clientHeight} = this.element;
+    const {scrollTop} = this.element;
+    const clientHeight = this.room();
     const y = index * this.height;
     if (y >= scrollTop && y + this.height <= scrollTop + clientHeight) return;
     this.element.scrollTop = Math.max(0, y - clientHeight / 3);
@@ -78,7 +111,7 @@ class List {
 
   // The item to pick when a key leads from the one that is picked: null where there is none.
   neighbour(key) {
-    const page = Math.max(1, Math.floor(this.element.clientHeight / this.height) - 1);
+    const page = Math.max(1, Math.floor(this.room() / this.height) - 1);
     const ways = {ArrowDown: 1, ArrowUp: -1, PageDown: page, PageUp: -page,
       Home: -Infinity, End: Infinity};
     if (!(key in ways)) return null;

@@ -3,7 +3,7 @@
 // data.log tells it in order, by the type of an entry:
 //   a number   the next source begins
 //   an array   an operation: [number, line, begin step, end step, name, sent, received, expected,
-//              verdict], the verdict a place in VERDICTS
+//              wrong, verdict], the verdict a place in VERDICTS
 //   a text     what was printed, of the operation before it; may be a piece of a line
 //   an object  an error: {line, text}; a line of 0 is none
 const data = JSON.parse(document.getElementById("data").textContent);
@@ -50,8 +50,9 @@ function tapSegments(steps) {
 }
 
 function makeRow(entry, source, index) {
-  const [number, line, begin, end, name, sent, received, expected, verdict] = entry;
-  return {index, source, number, line, begin, end, name, sent, received, expected, verdict};
+  const [number, line, begin, end, name, sent, received, expected, wrong, verdict] = entry;
+  return {index, source, number, line, begin, end, name, sent, received, expected, wrong, verdict,
+    messages: 0, errors: []};
 }
 
 // The log as {rows, entries}: entries are {kind, row, ...} in their order, messages line by line.
@@ -65,6 +66,8 @@ function readLog(log) {
     const lines = message.split("\n");
     if (lines[lines.length - 1] === "") lines.pop();
     for (const text of lines) entries.push({kind: "message", row, text});
+    // A served target has no sources. Its messages belong to no operation.
+    if (row !== null && source >= 0) row.messages += lines.length;
     message = "";
   };
   for (const entry of log) {
@@ -82,6 +85,7 @@ function readLog(log) {
       entries.push({kind: "row", row});
     } else {
       entries.push({kind: "error", row, source, line: entry.line, text: entry.text});
+      if (entry.line > 0) row?.errors.push(entries[entries.length - 1]);
     }
   }
   endMessage();
@@ -103,6 +107,8 @@ function rowsByLine(rows) {
 const steps = decodeSteps(data.steps);
 const {rows, entries} = readLog(data.log);
 const lineRows = rowsByLine(rows);
+// Those that failed.
+const badRows = rows.filter((row) => row.verdict >= NOT_MET);
 // Those that are in the waveform, in its order.
 const drawnRows = rows.filter((row) => row.end > row.begin && row.begin < steps.length);
 

@@ -2,44 +2,9 @@
 const sourceList = new List(document.getElementById("source-list"), renderSourceItem);
 const rowList = new List(document.getElementById("row-list"), renderRowItem);
 let wave = null;
+let wrapping = null;
 let pickedLine = null;  // {source, line}
 let pickedRow = null;
-
-function showHead() {
-  const {head} = data;
-  document.title = `${head.result}: ${visible(head.title)}`;
-  document.getElementById("title").textContent = visible(head.title);
-  const result = document.getElementById("result");
-  result.textContent = head.result;
-  result.classList.toggle("good", head.good);
-  for (const [name, text] of head.entries) {
-    const pair = document.getElementById("entries").appendChild(make("div"));
-    pair.append(make("dt", "", name), make("dd", "", text));
-  }
-}
-
-function showNotes() {
-  const notes = document.getElementById("notes");
-  const note = (style, text) => notes.append(make("li", style, text));
-  const plain = entries.filter((entry) => entry.kind === "error" && entry.line === 0);
-  for (const entry of plain) note("error", entry.text);
-  for (const source of data.sources) {
-    const left = source.total_marks - source.marks.length;
-    if (left > 0) note("warning", `${source.name}: ${left} more problems are left out`);
-  }
-  if (rows.length < data.total_rows || data.cut_messages) {
-    const late = data.late_faults > 0 ? ", and later ones that are not well" : "";
-    note("warning", `Cut: the first ${rows.length} of ${data.total_rows} operations${late}`);
-  }
-  if (data.cut_faults) note("warning", "Cut: more that is not well is left out");
-  if (steps.length < data.total_steps) {
-    note("warning",
-      `Cut: the waveform holds the first ${steps.length} of ${data.total_steps} steps`);
-  }
-  if (data.total_steps === 0) {
-    note("", "No waveform: the probe showed no pins, or nothing moved them");
-  }
-}
 
 // Shows a row everywhere; a line may be picked that is not its own, but leads to it.
 function pick(row, line, from) {
@@ -50,6 +15,7 @@ function pick(row, line, from) {
   rowList.pick(row === null ? null : row.index);
   if (wave !== null && from === "wave") wave.row = row;
   else if (wave !== null) wave.showRow(row);
+  showFailureCount();
   const said = from === "address" || from === "start";
   if (line !== null && !said) setAddress(lineHash(line.source, line.line));
 }
@@ -84,10 +50,10 @@ function openAddress() {
 
 function listenTo(list, onPick) {
   list.element.addEventListener("click", (event) => {
-    const element = event.target.closest(".item");
-    if (element === null || String(getSelection()) !== "") return;
+    const item = list.itemOf(event.target);
+    if (item === undefined || String(getSelection()) !== "") return;
     event.preventDefault();
-    onPick(list.items[Number(element.getAttribute("aria-rowindex")) - 1], true);
+    onPick(item, true);
   });
   list.element.addEventListener("keydown", (event) => {
     if (event.ctrlKey || event.altKey || event.metaKey) return;
@@ -122,37 +88,49 @@ function startWave() {
   document.getElementById("zoom-in").onclick = () => wave.zoomAtCursor(1.5);
   document.getElementById("zoom-out").onclick = () => wave.zoomAtCursor(1 / 1.5);
   document.getElementById("zoom-all").onclick = () => wave.show(0, 0);
+  document.getElementById("zoom-row").onclick = () => wave.zoomToRow(pickedRow);
   matchMedia("(prefers-color-scheme: dark)").addEventListener("change", () => wave.readColours());
 }
 
-// Makes room for the longest number.
-function fitNumbers() {
-  const most = rows.reduce((number, row) => Math.max(number, row.number, row.line),
-    data.sources.reduce((number, source) => Math.max(number, source.lines.length), 0));
-  const digits = Math.max(4, String(most).length);
-  document.documentElement.style.setProperty("--number", `${digits}ch`);
+function setSourceItems() {
+  sourceList.setItems(sourceItems((text) => wrapping.pieces(text)));
+  findMatches();
 }
 
-function start() {
-  fitNumbers();
-  showHead();
-  showNotes();
-  document.getElementById("source").hidden = data.sources.length === 0;
-  document.querySelector("main").classList.toggle("bare", data.sources.length === 0);
-  sourceList.setItems(sourceItems());
-  rowList.setItems(rowItems());
-  narrow.addEventListener("change", () => rowList.setItems(rowItems()));
-  startWave();
+function startLists() {
+  const button = (id) => document.getElementById(id);
+  wrapping = new Wrapping(button("wrap"), sourceList, setSourceItems);
+  messages = new Messages(button("messages"), rowList, showOperations);
+  fitColumns();
+  setSourceItems();
+  showOperations();
+  narrow.addEventListener("change", showOperations);
   listenTo(sourceList, (item, clicked) => {
     if (item.line !== undefined) pickLine(item.source, item.line, clicked ? "source" : "keys");
   });
   listenTo(rowList, (item) => {
     if (item.row) pickRow(item.row, "rows");
   });
+}
+
+function start() {
+  showHead();
+  showSummary((row) => {
+    showArea("table");
+    pickRow(row, "summary");
+  });
+  showNotes();
+  const bare = data.sources.length === 0;
+  document.querySelector("main").classList.toggle("bare", bare);
+  for (const id of ["source", "divider", "source-tab"]) document.getElementById(id).hidden = bare;
+  new Divider(document.getElementById("divider"), document.getElementById("source"));
+  startLists();
+  startTools();
+  startWave();
+  startTabs();
   addEventListener("hashchange", openAddress);
   // What went wrong is what a reader looks for first.
-  const bad = rows.find((row) => row.verdict >= NOT_MET);
-  if (!openAddress() && bad !== undefined) pickRow(bad, "start");
+  if (!openAddress() && badRows.length > 0) pickRow(badRows[0], "start");
 }
 
 start();

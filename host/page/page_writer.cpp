@@ -60,8 +60,9 @@ std::string TapNames() {
 }
 
 std::string HeadText(const PageHead& head) {
-  std::string text = fmt::format(R"({{"title":{},"result":{},"good":{},"entries":[)",
-                                 PageText(head.title), PageText(head.result), head.good);
+  std::string text =
+      fmt::format(R"({{"title":{},"result":{},"good":{},"planned":{},"entries":[)",
+                  PageText(head.title), PageText(head.result), head.good, head.planned);
   const char* before = "";
   for (const auto& [name, value] : head.entries) {
     text += fmt::format("{}[{},{}]", before, PageText(name), PageText(value));
@@ -104,9 +105,9 @@ void PageWriter::AddRow(const PageRow& row) {
   const bool fault = row.verdict >= PageRow::Verdict::kNotMet;
   if (!HasRoom() && !(fault && HasRoomForFault())) return;
   ++rows_;
-  Append(fmt::format("[{},{},{},{},{},{},{},{},{}]", row.number, row.line, row.steps.begin,
+  Append(fmt::format("[{},{},{},{},{},{},{},{},{},{}]", row.number, row.line, row.steps.begin,
                      row.steps.end, PageText(row.name), PageText(row.sent), PageText(row.received),
-                     PageText(row.expected), static_cast<int>(row.verdict)));
+                     PageText(row.expected), PageText(row.wrong), static_cast<int>(row.verdict)));
 }
 
 void PageWriter::AddMessage(std::string_view text) {

@@ -27,6 +27,7 @@ struct PageRow {
   std::string sent;
   std::string received;
   std::string expected;
+  std::string wrong;  // a one for each bit received that is not as expected
   Verdict verdict;
 };
 

@@ -1,5 +1,7 @@
 // The lines of the two lists: their items, and the elements of these.
-const narrow = matchMedia("(max-width: 900px)");
+const narrow = matchMedia("screen and (max-width: 900px)");
+// Set by page.js.
+let messages = null;
 
 function make(name, style, text) {
   const element = document.createElement(name);
@@ -14,6 +16,22 @@ function cells(element, values) {
     cell.setAttribute("role", "gridcell");
   }
   return element;
+}
+
+// A line of one cell.
+function textLine(style, text) {
+  return cells(make("div", style), [["", text]]);
+}
+
+// Lets long numbers shrink at their left end.
+function foldNumbers(cell) {
+  const parts = cell.textContent.split(/(?<=0x)([0-9a-f]{8,})/);
+  if (parts.length === 1) return;
+  cell.replaceChildren(...parts.map((text, at) => {
+    const part = make("span", at % 2 === 1 ? "tail" : "");
+    part.append(at % 2 === 1 ? make("bdi", "", text) : text);
+    return part;
+  }));
 }
 
 // The address of a line within the page.
@@ -68,7 +86,8 @@ function remarksByLine(source) {
 
 const lineRemarks = data.sources.map((_, source) => remarksByLine(source));
 
-function sourceItems() {
+// `pieces` splits a text that is too long for a line.
+function sourceItems(pieces) {
   const items = [];
   data.sources.forEach((source, at) => {
     if (data.sources.length > 1) items.push({kind: "title", text: source.name});
@@ -77,8 +96,15 @@ function sourceItems() {
     for (let line = 1; line <= end; ++line) {
       const text = source.lines[line - 1];
       if (text === undefined && !remarks.has(line)) continue;
-      items.push({kind: "line", key: `${at}:${line}`, leads: true, source: at, line, text});
-      for (const remark of remarks.get(line) ?? []) items.push({kind: "mark", source: at, line, ...remark});
+      const [first, ...others] = pieces(text ?? "");
+      const place = {key: `${at}:${line}`, source: at, line};
+      items.push({kind: "line", leads: true, ...place, text: first});
+      for (const text of others) items.push({kind: "piece", ...place, text});
+      for (const {error, text} of remarks.get(line) ?? []) {
+        for (const piece of pieces(text)) {
+          items.push({kind: "mark", source: at, line, error, text: piece});
+        }
+      }
     }
     const missing = source.total_lines - source.lines.length;
     if (missing > 0) items.push({kind: "title", text: `${missing} more lines are left out`});
@@ -86,30 +112,45 @@ function sourceItems() {
   return items;
 }
 
-function renderLine({source, line, text}) {
-  const element = make("div", "line");
-  const number = element.appendChild(make("span"));
-  const link = number.appendChild(make("a", "", line));
-  link.href = lineHash(source, line);
-  link.tabIndex = -1;
-  const of = lineRows[source].get(line) ?? [];
-  const worst = of.reduce((most, row) => Math.max(most, row.verdict), -1);
+function worstOf(rows) {
+  return rows.reduce((most, row) => Math.max(most, row.verdict), -1);
+}
+
+// The worst result of a line's rows, and how many of them have it.
+function verdictText(of) {
+  const worst = worstOf(of);
   const count = of.filter((row) => row.verdict === worst).length;
   const more = count > 1 && rows.length < data.total_rows ? "+" : "";
-  return cells(element, [
-    [VERDICT_STYLES[worst] ?? "", `${VERDICTS[worst] ?? ""}${times(count)}${more}`],
-    ["text", text ?? ""],
-  ]);
+  return `${VERDICTS[worst] ?? ""}${times(count)}${more}`;
+}
+
+function renderLine({source, line, text}) {
+  const of = lineRows[source].get(line) ?? [];
+  const element = cells(make("div", "line"),
+    [["", ""], [VERDICT_STYLES[worstOf(of)] ?? "", verdictText(of)], ["text", text]]);
+  const link = element.firstChild.appendChild(make("a", "", line));
+  link.href = lineHash(source, line);
+  link.tabIndex = -1;
+  return element;
 }
 
 function renderSourceItem(item) {
   if (item.kind === "line") return renderLine(item);
-  if (item.kind === "title") return make("div", "title", item.text);
-  return make("div", item.error ? "mark error" : "mark warning", item.text);
+  if (item.kind === "piece") {
+    return cells(make("div", "line"), [["", ""], ["", ""], ["text", item.text]]);
+  }
+  if (item.kind === "title") return textLine("title", item.text);
+  return textLine(item.error ? "mark error" : "mark warning", item.text);
 }
 
 function rowValues(row) {
   return [["sent", row.sent], ["received", row.received], ["expected", row.expected]]
+    .filter(([, text]) => text !== "");
+}
+
+// What the registers of a row do not show.
+function rowRests(row) {
+  return rowValues(row).map(([name, text]) => [name, withoutValues(text)])
     .filter(([, text]) => text !== "");
 }
 
@@ -121,12 +162,12 @@ function rowItems() {
         items.push({kind: "title", text: data.sources[entry.source].name});
       }
     } else if (entry.kind === "row") {
-      items.push({...entry, key: entry.row.index, leads: true});
+      items.push({kind: "row", row: entry.row, key: entry.row.index, leads: true});
       if (!narrow.matches) continue;
       for (const [name, text] of rowValues(entry.row)) {
         items.push({kind: "value", row: entry.row, key: entry.row.index, text: `${name} ${text}`});
       }
-    } else {
+    } else if (!messages.hides(entry)) {
       items.push({...entry, text: entry.kind === "error" ? errorText(entry) : entry.text});
     }
   }
@@ -135,21 +176,36 @@ function rowItems() {
 
 function renderRow(row) {
   const values = [["", row.sent], ["", row.received], ["", row.expected]];
-  return cells(make("div", "row"), [
+  const element = cells(make("div", "row"), [
     ["", row.number],
     ["", row.line === 0 ? "" : row.line],
     ["", row.name],
     ...(narrow.matches ? [] : values),
     [VERDICT_STYLES[row.verdict], VERDICTS[row.verdict]],
   ]);
+  if (!narrow.matches) [3, 4, 5].forEach((at) => foldNumbers(element.children[at]));
+  element.setAttribute("aria-level", 1);
+  if (row.messages > 0) {
+    element.setAttribute("aria-expanded", messages.isOpen(row));
+    element.firstChild.prepend(make("span", "toggle"));
+  }
+  return element;
+}
+
+// A message, or an error with its line.
+function noteText(item) {
+  return item.kind === "error" && item.line > 0 ? `line ${item.line}: ${item.text}` : item.text;
 }
 
 function renderRowItem(item) {
   if (item.kind === "row") return renderRow(item.row);
-  if (item.kind === "title") return make("div", "title", item.text);
-  if (item.kind === "value") return make("div", "value", item.text);
-  const place = item.kind === "error" && item.line > 0 ? `line ${item.line}: ` : "";
-  return make("div", item.kind === "error" ? "note error" : "note", place + item.text);
+  if (item.kind === "title") return textLine("title", item.text);
+  if (item.kind === "value") {
+    const element = textLine("value", item.text);
+    foldNumbers(element.firstChild);
+    return element;
+  }
+  return textLine(item.kind === "error" ? "note error" : "note", noteText(item));
 }
 
 function lineDetails({source, line}) {
@@ -163,7 +219,9 @@ function rowDetails(row) {
   const left = row.end > steps.length ? ", which the waveform leaves out" : "";
   const taken = row.end > row.begin ? `${row.begin} to ${row.end} us${left}`
     : `none of its own, at ${row.begin} us${left}`;
-  return [[`No. ${row.number}`, `${row.name}: ${VERDICTS[row.verdict]}`], ...rowValues(row),
+  return [[`No. ${row.number}`, `${row.name}: ${VERDICTS[row.verdict]}`], ...rowRests(row),
+    // The registers below show what is wrong in a value.
+    ...(row.wrong === "" ? row.errors.map((error) => ["error", errorText(error)]) : []),
     ...(steps.length > 0 ? [["steps", taken]] : [])];
 }
 
@@ -177,4 +235,5 @@ function showDetail(line, row) {
     const pair = detail.appendChild(make("div"));
     pair.append(make("dt", "", name), make("dd", "", text));
   }
+  if (row !== null) showRegisters(detail, row);
 }

@@ -54,6 +54,7 @@ std::string Received(const std::vector<Field>& outputs) {
     if (!text.empty()) text += ", ";
     if (field.kind == Field::Kind::kPins)
       text += fmt::format("0x{:02x} ", static_cast<unsigned>(field.number));
+    if (std::string_view(field.name).substr(0, 5) == "chain") text.append(field.name).append(" ");
     text.append(RegisterOf(field.name)).append(Text(field));
   }
   return text;
@@ -70,6 +71,19 @@ std::string Expected(const CallEvent& call) {
     if (!text.empty()) text += ", ";
     text.append(RegisterOf(one.of)).append(one.expected);
     if (!CountsAll(one.mask)) text.append("/").append(one.mask);
+  }
+  return text;
+}
+
+// A number for each value with wrong bits, as long as they need: these bits of it are ones.
+std::string Wrong(const CallEvent& call) {
+  std::string text;
+  for (const Comparison& one : call.comparisons) {
+    if (one.wrong_bits.empty()) continue;
+    Bits bits(*std::max_element(one.wrong_bits.begin(), one.wrong_bits.end()) + 1);
+    for (const std::size_t bit : one.wrong_bits) bits[bit] = true;
+    if (!text.empty()) text += ", ";
+    text.append(RegisterOf(one.of)).append(BitText(bits));
   }
   return text;
 }
@@ -172,6 +186,7 @@ PageRow RunPage::Row(const CallEvent& call) const {
           Sent(call, fields.arguments),
           Received(fields.outputs),
           Expected(call),
+          Wrong(call),
           VerdictOf(call)};
 }
 

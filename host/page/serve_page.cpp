@@ -76,7 +76,7 @@ class ServePage : public Output, public ServeListener, public StepRecorder {
  private:
   void Add(StepRange steps, std::string name, std::string sent, std::string received) {
     writer_.AddRow({number_++, 0, steps, std::move(name), std::move(sent), std::move(received), "",
-                    PageRow::Verdict::kDone});
+                    "", PageRow::Verdict::kDone});
   }
 
   std::ostream& stream_;

@@ -1,7 +1,7 @@
-// The waveform on a canvas: a ruler, the operations, the TAP's states and the pins.
+// The waveform on a canvas: a ruler, the operations, their data, the TAP's states and the pins.
 class Wave extends WaveView {
   static RULER = 22;  // pixels, as all that follows
-  static LANE = 24;
+  static MOST_LANE = 24;
   static HIGH = 14;   // of a signal
 
   // `onMove` is told that what is in sight, or the cursor, may have changed.
@@ -9,8 +9,16 @@ class Wave extends WaveView {
     super(canvas, onPick);
     this.onMove = onMove;
     this.taps = tapSegments(steps);
+    this.data = new DataLane(this.taps);
     this.badRows = rows.filter((row) => row.verdict >= NOT_MET && row.begin <= steps.length);
     this.readColours();
+  }
+
+  // Lanes are lower where there is less room.
+  resize() {
+    const room = this.canvas.clientHeight - Wave.RULER - 6;
+    this.lane = Math.min(Wave.MOST_LANE, Math.floor(room / (data.pins.length + 3)));
+    super.resize();
   }
 
   readColours() {
@@ -35,9 +43,10 @@ class Wave extends WaveView {
     this.drawRow();
     this.drawRuler();
     this.drawRows(Wave.RULER);
-    this.drawTaps(Wave.RULER + Wave.LANE);
+    this.data.draw(this, Wave.RULER + this.lane);
+    this.drawTaps(Wave.RULER + 2 * this.lane);
     const columns = this.columns();
-    const pinY = (pin) => Wave.RULER + (2 + pin) * Wave.LANE;
+    const pinY = (pin) => Wave.RULER + (3 + pin) * this.lane;
     data.pins.forEach((_, pin) => this.drawPin(columns, pin, pinY(pin)));
     this.drawLine(this.hover, colour.dim);
     this.drawLine(this.cursor, colour.cursor);
@@ -79,8 +88,8 @@ class Wave extends WaveView {
     }
   }
 
-  // Blocks in a lane. Those thinner than a pixel fall into one; `style` answers {fill, texts}, the
-  // texts from the longest on.
+  // Blocks in a lane. Those thinner than a pixel fall into one; `style` answers {fill, texts,
+  // inset}, the texts from the longest on, the inset how much of the end they leave free.
   drawBlocks(segments, y, style) {
     const {context, colour} = this;
     const [first, end] = this.sight();
@@ -93,12 +102,12 @@ class Wave extends WaveView {
       const left = Math.floor(x);
       if (width < 1 && left === lastX) continue;
       lastX = left;
-      const {fill, texts} = style(segment);
+      const {fill, texts, inset = 0} = style(segment);
       context.fillStyle = fill;
       context.fillRect(left, y, Math.max(1, Math.floor(x + width) - left), Wave.HIGH + 2);
       context.fillStyle = colour.edge;
       context.fillRect(left, y, 1, Wave.HIGH + 2);
-      if (width > this.character + 4) this.drawText(texts, x, width, y);
+      if (width > this.character + 4) this.drawText(texts, x, width - inset, y);
     }
   }
 
@@ -190,15 +199,15 @@ class Wave extends WaveView {
     context.fillRect(0, 0, Wave.LABELS, this.height);
     context.fillStyle = colour.edge;
     context.fillRect(Wave.LABELS - 1, 0, 1, this.height);
-    ["op", "TAP", ...data.pins].forEach((name, lane) => {
-      const y = Wave.RULER + lane * Wave.LANE + Wave.HIGH / 2 + 1;
+    ["op", "data", "TAP", ...data.pins].forEach((name, lane) => {
+      const y = Wave.RULER + lane * this.lane + Wave.HIGH / 2 + 1;
       context.textAlign = "left";
       context.fillStyle = colour.fg;
       context.fillText(name, 8, y);
-      if (lane < 2 || at === null) return;
+      if (lane < 3 || at === null) return;
       context.textAlign = "right";
       context.fillStyle = at === this.hover ? colour.dim : colour.cursor;
-      context.fillText(steps[at] >> (lane - 2) & 1, Wave.LABELS - 8, y);
+      context.fillText(steps[at] >> (lane - 3) & 1, Wave.LABELS - 8, y);
     });
   }
 

@@ -74,6 +74,15 @@ class WaveView {
     this.show(inSight ? this.from : place + length / 2 - room / this.scale / 2, this.scale);
   }
 
+  // Lets a row fill most of the width; one without steps, the step that it reads.
+  zoomToRow(row) {
+    if (row === null || row.end === 0 || row.begin > steps.length) return;
+    const begin = Math.min(row.begin, row.end - 1);
+    const length = row.end - begin;
+    const scale = Math.min(WaveView.MOST_SCALE, this.room() / (1.1 * length));
+    this.show(begin + length / 2 - this.room() / scale / 2, scale);
+  }
+
   setCursor(step) {
     this.cursor = Math.max(0, Math.min(step, steps.length - 1));
     const x = this.x(this.cursor + 0.5);
@@ -113,6 +122,10 @@ class WaveView {
       if (press !== null && !press.moved && inside) this.pick(step);
       press = null;
     });
+    this.canvas.addEventListener("dblclick", (event) => {
+      if (event.offsetX < WaveView.LABELS) return;
+      this.zoomToRow(rowAtStep(Math.floor(this.stepAt(event.offsetX))));
+    });
     this.canvas.addEventListener("pointercancel", () => { press = null; });
     this.canvas.addEventListener("pointerleave", () => this.setHover(-1));
     this.canvas.addEventListener("wheel", (event) => this.onWheel(event), {passive: false});
@@ -149,6 +162,7 @@ class WaveView {
     const keys = {
       "+": () => this.zoomAtCursor(1.5), "=": () => this.zoomAtCursor(1.5),
       "-": () => this.zoomAtCursor(1 / 1.5), "0": () => this.show(0, 0),
+      "Enter": () => this.zoomToRow(this.row),
       "Home": () => this.show(0, this.scale), "End": () => this.show(steps.length, this.scale),
     };
     if (away !== undefined && event.shiftKey) {

@@ -6,86 +6,20 @@ usage: page.py ICEHOST SOURCE_FOLDER
 import json
 import os
 import re
-import subprocess
 import sys
 import time
 from difflib import unified_diff
 
-from selenium import webdriver
 from selenium.webdriver.common.action_chains import ActionChains
 from selenium.webdriver.common.keys import Keys
-from selenium.webdriver.chrome.service import Service
 
 sys.path.append(sys.path[0] + "/..")
 from lib import (BACK, ICEHOST, RESET, TO_SHIFT_DR, Serve, expect, failures, output, read,
-                 records_of, run_checks, waveform, write)
+                 records_of, waveform, write)
+from page_browser import (PAGE, browser, click, js, open_page, picked, run, run_in_browser,
+                          set_screen, settle, show, table, texts, view)
 from page_drawing import RECORD, Picture, colours_of, drawn
-
-PAGE = os.path.abspath("page.html")
-FLAGS = """--headless=new --no-sandbox --disable-gpu --disable-quic --no-first-run
-    --disable-background-networking --disable-component-update --disable-sync
-    --force-device-scale-factor=1 --window-size=1280,900"""
-
-
-def start_browser():
-    options = webdriver.ChromeOptions()
-    for flag in FLAGS.split() + ["--user-data-dir=" + os.path.abspath("browser")]:
-        options.add_argument(flag)
-    options.set_capability("goog:loggingPrefs", {"browser": "ALL"})
-    return webdriver.Chrome(options=options, service=Service("/usr/bin/chromedriver"))
-
-
-browser = start_browser()
-js = browser.execute_script
-
-
-def run(*arguments, script=""):
-    """Returns the status."""
-    command = [ICEHOST, "run", "-q", "--html", PAGE, *arguments]
-    return subprocess.run(command, input=script.encode(), capture_output=True,
-                          check=False).returncode
-
-
-def settle():
-    """Waits until what was asked for is drawn."""
-    browser.execute_async_script(
-        "const done = arguments[0]; requestAnimationFrame(() => requestAnimationFrame(() => done()))")
-
-
-def open_page(fragment=""):
-    browser.get("about:blank")
-    browser.get(f"file://{PAGE}{fragment}")
-    settle()
-
-
-def show(*arguments, script=""):
-    """Runs, opens the page and returns the status of the run."""
-    status = run(*arguments, script=script)
-    open_page()
-    return status
-
-
-def texts(selector):
-    return js("return [...document.querySelectorAll(arguments[0])]"
-              ".map((one) => one.textContent)", selector)
-
-
-def table():
-    """The rows of operations, as the texts of their cells."""
-    return js("return [...document.querySelectorAll('#row-list .row')].map("
-              "(row) => [...row.children].map((cell) => cell.textContent))")
-
-
-def picked():
-    """The picked line and operation."""
-    return (texts("#source-list .picked a") + [""])[0], (texts("#row-list .picked.row") + [""])[0]
-
-
-def view():
-    """The first and the last step in sight."""
-    settle()
-    return [int(number) for number in re.findall(r"\d+", texts("#view")[0])[:2]]
-
+from page_tools import check_bits, check_copy, check_failures, check_search
 
 def operations_of(lines):
     """From the calls: line, values read, whether it is well."""
@@ -116,6 +50,7 @@ def check_against_other_outputs():
         expect(what, [[row[1], re.findall("0x[0-9a-f]+", row[4]), row[6]] for row in table()],
                operations_of(lines))
         messages = "".join(line.get("message", "") for line in lines)
+        js("document.getElementById('messages').click()")
         expect(what, texts(".note:not(.error)"), [one for one in messages.split("\n") if one])
         # The lowest bit is NRST, the first pin.
         steps = ["".join(levels)[::-1] for levels in zip(*waveform("v")[0].values())]
@@ -140,7 +75,7 @@ def check_head_and_failure():
     expect("date", re.sub(r"\d", "9", entries["Started"]), "9999-99-99 99:99:99 UTC")
     expect("plug-in", os.path.basename(entries["Plug-in"]), "libicescript.so")
     expect("version", f"icehost {entries['icehost']}\n", output(ICEHOST, "--version"))
-    expect("notes", texts("#notes li"), ["examples/read_idcode.ini failed"])
+    expect("notes", texts("#notes li"), [])
     expect("what went wrong", picked()[0], "11")
     expect("row", table()[1], ["1", "11", "[READ_IDCODE]", "IR 5: 0x01, DR 32: 0x00000000",
                                "IR 0x01, DR 0x39ca2003", "DR 0x1ce51001/0x0fffffff", "NOT MET"])
@@ -162,6 +97,10 @@ def check_head_and_failure():
     show("--probe", f"remote-bitbang:{address}", "examples/read_idcode.ini")
     expect("another probe", dict(zip(texts("#entries dt"), texts("#entries dd")))["Probe"],
            f"remote_bitbang at {address}")
+    show("--probe", f"remote-bitbang:{address}", "--keep-going", "-",
+         script="[ZEVA_ICE_GPIO]\nSTART\nPRINT=GPIO_IN # expect TCK=1\nTCK=1\nEND\n")
+    expect("not reported", texts("#failures"), ["1 of 1 failure"])
+    check_drawing("not reported")
 
 
 def check_problems():
@@ -195,12 +134,6 @@ def click_wave(canvas, step):
     """Clicks where a step is drawn."""
     x = js("return wave.x(arguments[0] + 0.5) - wave.width / 2", step)
     ActionChains(browser).move_to_element_with_offset(canvas, x, 0).click().perform()
-    settle()
-
-
-def click(selector, text):
-    js("[...document.querySelectorAll(arguments[0])].find((one) =>"
-       "one.textContent === arguments[1]).closest('.item').click()", selector, text)
     settle()
 
 
@@ -260,6 +193,12 @@ PAGES = {
                 f"[ZEVA_ICE_GPIO]\nSTART\nGPIO_OE=0x1F\n{READ} # expect TCK=1\n\nTCK=1,TMS=1\n"
                 f"TCK=0\nREPT=2\n{READ} # expect TCK=0\nENDR\nEND\n"),
     "short": (["examples/reset_pulse.gpio"], ""),
+    "two wires": (["--keep-going", "-", "examples/two_wire.ini", "examples/read_idcode.gpio"],
+                  f"[ZEVA_ICE_GPIO]\nSTART\n{READ} # expect TCK=1\nEND\n"),
+    "many reads": (["--keep-going", "-"],
+                   f"[ZEVA_ICE_GPIO]\nSTART\nGPIO_OE=0x1F\nREPT=400\nTCK=1\n{READ} # expect TCK=1\n"
+                   f"TCK=0\n{READ}\nTDI=1\n{READ} # expect TDI=0\n{READ}\n"
+                   "ENDR\nEND\n"),
 }
 MOVES = "tests/golden/page_moves.txt"
 OUTLINE = "tests/golden/page_outline.txt"
@@ -268,7 +207,8 @@ OUTLINE = "tests/golden/page_outline.txt"
 HELPERS = """
 const canvas = document.getElementById("canvas"), lists = [sourceList.element, rowList.element];
 canvas.style.width = "1064px";
-for (const list of lists) list.style.cssText = "flex: none; height: 200px";
+const headings = document.querySelector(".columns").offsetHeight;
+[0, headings].forEach((more, at) => { lists[at].style.cssText = `flex: none; height: ${200 + more}px`; });
 canvas.setPointerCapture = () => {};
 const event = (x, more) => ({clientX: x + canvas.getBoundingClientRect().left,
   clientY: canvas.getBoundingClientRect().top + 50, bubbles: true, cancelable: true, ...more});
@@ -277,6 +217,7 @@ window.pointer = (what, x, more) => canvas.dispatchEvent(
 window.wheel = (x, more) => canvas.dispatchEvent(new WheelEvent("wheel", event(x, more)));
 window.key = (key, more, element) => (element ?? canvas).dispatchEvent(
   new KeyboardEvent("keydown", event(0, {key, ...more})));
+window.twice = (x) => canvas.dispatchEvent(new MouseEvent("dblclick", event(x)));
 window.press = (id) => document.getElementById(id).click();
 """
 STATE = """
@@ -345,6 +286,7 @@ def check_outline():
     outline = js("return document.querySelector('header').outerHTML +"
                  "document.querySelector('main').outerHTML")
     outline = re.sub(r"(<(?:div|dt|li|section|h1|h2|ul|dl)\b)", r"\n\1", outline)
+    outline = re.sub(r"(<summary>.*? \u00b7 )[^<]*", r"\1...", outline)
     for name in ("Started", "Plug-in", "icehost", "Done"):
         outline = re.sub(f"(<dt>{name}</dt><dd>)[^<]*", r"\1...", outline)
     compare_golden(OUTLINE, outline + "\n")
@@ -388,7 +330,7 @@ def check_long():
             "Cut: the waveform holds the first 100000 of 120002 steps"])
     expect("the end", table()[-1][2:], ["read", "", "0x20 TDO", "0x01/0x01", "NOT MET"])
     expect("elements", len(texts(".item")) < 500, True)
-    expect("past the waveform", (texts("#detail dd")[-1], texts("#readout")),
+    expect("past the waveform", (texts("#detail dd")[-2], texts("#readout")),
            ("none of its own, at 120002 us, which the waveform leaves out", [""]))
     click_wave(browser.find_element("id", "canvas"), 10)
     browser.find_element("id", "zoom-all").click()
@@ -428,8 +370,7 @@ def check_served():
 
 
 def check_narrow():
-    browser.execute_cdp_cmd("Emulation.setDeviceMetricsOverride",
-                            {"width": 400, "height": 800, "deviceScaleFactor": 2, "mobile": False})
+    set_screen(400, ratio=2)
     show("--idcode", "39ca2003", "examples/read_idcode.ini")
     wide = js("return document.documentElement.scrollWidth")
     expect("no wider than the screen", wide <= 400, True)
@@ -441,12 +382,9 @@ def check_narrow():
     expect("sharp", js("const {a, b, c, d, e, f} = wave.context.getTransform(), {canvas} = wave;"
                        "return [canvas.width / canvas.clientWidth, canvas.height / canvas.clientHeight,"
                        "a, b, c, d, e, f]"), [2, 2, 2, 0, 0, 2, 0, 0])
-    dark = {"features": [{"name": "prefers-color-scheme", "value": "dark"}]}
-    browser.execute_cdp_cmd("Emulation.setEmulatedMedia", dark)
-    settle()
+    set_screen(400, "dark")
     expect("dark", js("return wave.colour.bg"), "#0d1117")
-    browser.execute_cdp_cmd("Emulation.setEmulatedMedia", {"features": []})
-    browser.execute_cdp_cmd("Emulation.clearDeviceMetricsOverride", {})
+    set_screen(1280)
 
 
 def check_console():
@@ -458,9 +396,7 @@ def check_console():
     expect("network", blocked, "connect-src")
 
 
-try:
-    run_checks(check_against_other_outputs, check_head_and_failure, check_problems, check_hostile,
-               check_picking, check_moves, check_outline, check_mouse_and_keyboard, check_long,
-               check_interrupted, check_served, check_narrow, check_console)
-finally:
-    browser.quit()
+run_in_browser(
+    check_against_other_outputs, check_head_and_failure, check_problems, check_hostile, check_picking,
+    check_moves, check_outline, check_mouse_and_keyboard, check_long, check_interrupted, check_served,
+    check_bits, check_copy, check_search, check_failures, check_narrow, check_console)

@@ -28,7 +28,7 @@ Json Data(const PageWriter& writer) {
 }
 
 void AddRows(PageWriter& writer, int count, Verdict verdict) {
-  for (int i = 0; i < count; ++i) writer.AddRow({i, 1, {}, "", "", "", "", verdict});
+  for (int i = 0; i < count; ++i) writer.AddRow({i, 1, {}, "", "", "", "", "", verdict});
 }
 
 TEST(PageWriter, KeepsWhatIsNotWellOfALongRun) {
@@ -85,13 +85,13 @@ TEST(PageWriter, TakesNoTextForMarkup) {
   const std::string shown = "</script><!--<script>\"\\\xe2\x80\xa8 \xef\xbf\xbd@data@";
   PageWriter writer;
   writer.AddSource(text, text, {{1, 1, icehost::Severity::kError, text}});
-  writer.AddRow({0, 0, {}, text, text, text, text, Verdict::kDone});
+  writer.AddRow({0, 0, {}, text, text, text, text, text, Verdict::kDone});
   writer.AddMessage(text);
   writer.AddError(text, 0);
   const std::string found = DataText(writer, {text, text, true, {{text, text}}});
   EXPECT_EQ(found.find('<'), std::string::npos);
   const Json data = Json::parse(found);
-  const Json row = {0, 0, 0, 0, shown, shown, shown, shown, 0};
+  const Json row = {0, 0, 0, 0, shown, shown, shown, shown, shown, 0};
   EXPECT_EQ(data["log"], Json({0, row, shown, {{"line", 0}, {"text", shown}}}));
   EXPECT_EQ(data["sources"][0]["lines"][0], shown);
   EXPECT_EQ(data["sources"][0]["marks"][0], Json({1, 1, true, shown}));

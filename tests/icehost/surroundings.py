@@ -355,9 +355,10 @@ def check_terminal():
             expect("percent", int(percent), int(done) * 100 // (2 * rounds))
             seconds = (2 * rounds - int(done)) / int(rate)
             units = {"s": seconds, "min": seconds / 60, "h": seconds / 3600}
-            # The rate is rounded as well.
+            count, unit = left.split()
+            # Both the rate and the count are rounded.
             expect(f"{seconds} s are {left}",
-                   abs(units[left.split()[1]] / int(left.split()[0]) - 1) < 0.2, True)
+                   abs(units[unit] - int(count)) < 0.6 + units[unit] / int(rate), True)
     shell(endless)
     expect("progress in a file", read("err"), "icehost: interrupted\n")
     write("bold.ini", "[\x1b[7m\x9b]\nIR=5\nDR=W,0\n")

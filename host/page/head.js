@@ -1,0 +1,89 @@
+// The header: the title, the result, a summary in one line, and notes.
+
+function counted(count, what) {
+  return `${count} ${what}${count === 1 ? "" : "s"}`;
+}
+
+// The values of a row that were not as expected. Each has an error of its own.
+function faultsOf(row) {
+  return Math.max(1, row.errors.length);
+}
+
+// The line with the expectation, which its error names, or that of the row.
+function faultLine(row) {
+  return row.errors[0]?.line ?? row.line;
+}
+
+function summaryTexts() {
+  const {planned} = data.head;
+  const total = data.total_rows;
+  const ended = planned > total && planned < Number.MAX_SAFE_INTEGER;
+  const texts = [(ended ? `${total} of ` : "") + counted(ended ? planned : total, "operation")];
+  const unmet = badRows.filter((row) => row.verdict === NOT_MET);
+  const values = unmet.reduce((sum, row) => sum + faultsOf(row), 0);
+  const met = rows.filter((row) => VERDICTS[row.verdict] === "met").length;
+  const more = data.cut_faults ? " or more" : "";
+  if (values > 0) texts.push(`${values}${more} ${values === 1 ? "value" : "values"} not as expected`);
+  else if (met > 0) texts.push(`${counted(met, "value")} as expected`);
+  if (badRows.length > unmet.length) texts.push(`${badRows.length - unmet.length} failed`);
+  return texts;
+}
+
+// `onFault` is called with the first row that is not well.
+function showSummary(onFault) {
+  const summary = document.getElementById("summary");
+  summary.append(summaryTexts().join(", "));
+  if (badRows.length === 0 || badRows[0].line === 0) return;
+  const [first] = badRows;
+  const line = faultLine(first);
+  const link = make("a", "", `line ${line}`);
+  link.href = lineHash(first.source, line);
+  link.onclick = (event) => {
+    event.preventDefault();
+    onFault(first);
+  };
+  const of = data.sources.length > 1 ? ` of ${data.sources[first.source].name}` : "";
+  summary.append(", ", link, visible(of));
+}
+
+function showHead() {
+  const {head} = data;
+  document.title = `${head.result}: ${visible(head.title)}`;
+  document.getElementById("title").textContent = visible(head.title);
+  const result = document.getElementById("result");
+  result.textContent = head.result;
+  result.classList.toggle("good", head.good);
+  for (const [name, text] of head.entries) {
+    const pair = document.getElementById("entries").appendChild(make("div"));
+    pair.append(make("dt", "", name), make("dd", "", text));
+  }
+  const entry = Object.fromEntries(head.entries);
+  document.querySelector("#about summary").textContent =
+    visible([entry.Probe, entry.Started].filter(Boolean).join(" \u00b7 "));
+}
+
+function showNotes() {
+  const notes = document.getElementById("notes");
+  const note = (style, text) => notes.append(make("li", style, text));
+  // The summary already says this of a script with failures.
+  const said = (text) => badRows.length > 0 && / failed(: .*not as expected.*)?$/.test(text);
+  const plain = entries.filter((entry) => entry.kind === "error" && entry.line === 0
+    && !said(entry.text));
+  for (const entry of plain) note("error", entry.text);
+  for (const source of data.sources) {
+    const left = source.total_marks - source.marks.length;
+    if (left > 0) note("warning", `${source.name}: ${left} more problems are left out`);
+  }
+  if (rows.length < data.total_rows || data.cut_messages) {
+    const late = data.late_faults > 0 ? ", and later ones that are not well" : "";
+    note("warning", `Cut: the first ${rows.length} of ${data.total_rows} operations${late}`);
+  }
+  if (data.cut_faults) note("warning", "Cut: more that is not well is left out");
+  if (steps.length < data.total_steps) {
+    note("warning",
+      `Cut: the waveform holds the first ${steps.length} of ${data.total_steps} steps`);
+  }
+  if (data.total_steps === 0) {
+    note("", "No waveform: the probe showed no pins, or nothing moved them");
+  }
+}

@@ -1,0 +1,51 @@
+// Hides the messages of an operation, which repeat its row, until the reader asks for them.
+class Messages {
+  // `onChange` updates the list.
+  constructor(button, list, onChange) {
+    this.button = button;
+    this.list = list;
+    this.onChange = onChange;
+    this.all = false;
+    this.others = new Set();  // rows that differ from `all`
+    button.hidden = !rows.some((row) => row.messages > 0);
+    button.onclick = () => this.toggleAll();
+    list.element.addEventListener("click", (event) => {
+      if (!event.target.matches(".toggle")) return;
+      event.stopImmediatePropagation();
+      this.toggle(list.itemOf(event.target).row);
+    });
+    list.element.addEventListener("keydown", (event) => this.onKey(event));
+  }
+
+  isOpen(row) {
+    return this.all !== this.others.has(row.index);
+  }
+
+  // Returns whether an entry of the log is a hidden message. Messages that match the search are shown.
+  hides(entry) {
+    return entry.kind === "message" && entry.row?.messages > 0 && !this.isOpen(entry.row)
+      && !search?.finds(entry.text);
+  }
+
+  toggle(row) {
+    if (!this.others.delete(row.index)) this.others.add(row.index);
+    this.onChange();
+  }
+
+  toggleAll() {
+    this.all = !this.all;
+    this.others.clear();
+    this.button.setAttribute("aria-pressed", this.all);
+    this.onChange();
+    this.list.revealPicked();
+  }
+
+  onKey(event) {
+    if (event.ctrlKey || event.altKey || event.metaKey) return;
+    const row = rows[this.list.picked];
+    if (row === undefined || !(row.messages > 0)) return;
+    if (event.key !== (this.isOpen(row) ? "ArrowLeft" : "ArrowRight")) return;
+    event.preventDefault();
+    this.toggle(row);
+  }
+}

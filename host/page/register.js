@@ -1,0 +1,93 @@
+// The registers of an operation: what was sent, expected and received, as numbers.
+const KINDS = ["sent", "expected", "received"];
+
+// In a text of a row: "DR 32: 0x00000000", "IR 0x01", "DR 0x1ce51001/0x0fffffff", and "0x20 TDO"
+// for the levels of the pins.
+const VALUE = new RegExp("(?:^|, )(?:([ID]R) )?(?:(\\d+): )?(0x[0-9a-f]+)(?:/(0x[0-9a-f]+))?" +
+  "(?: [A-Z0][A-Z|]*)?", "g");
+
+// By the register: {bits, bytes, value, mask}.
+function valuesOf(text) {
+  const values = new Map();
+  for (const [, name = "pins", bits, digits, mask] of text.matchAll(VALUE)) {
+    values.set(name, {bits: Number(bits ?? 0), bytes: (digits.length - 2) / 2,
+      value: BigInt(digits), mask: mask === undefined ? null : BigInt(mask)});
+  }
+  return values;
+}
+
+// The part of a row's text that names no value of a register.
+function withoutValues(text) {
+  return text.replace(VALUE, "").replace(/^[ ,]+/, "");
+}
+
+function bitLength(number) {
+  return number === 0n ? 0 : number.toString(2).length;
+}
+
+// On two wires a byte goes out before the register: what came back is shorter by it.
+function extraBits(sent, received) {
+  if (sent === undefined || received === undefined) return 0;
+  return 8 * Math.max(0, sent.bytes - received.bytes);
+}
+
+// {name, bits, total, extra, values, mask, wrong}: `bits` are known of `total`, `extra` is the
+// value of the bits before them or null, `values` are numbers by their kind, `mask` has a one for
+// each bit that counts, `wrong` for each that is not as expected.
+function makeRegister(name, {sent, expected, received}, wrong) {
+  const extra = extraBits(sent, received);
+  const total = name === "pins" ? data.pins.length
+    : sent !== undefined ? sent.bits - extra : 8 * (received ?? expected).bytes;
+  const known = 8 * Math.max(received?.bytes ?? sent?.bytes ?? 0, expected?.bytes ?? 0);
+  const bits = Math.max(Math.min(total, known), bitLength(wrong));
+  const values = {sent: sent && sent.value >> BigInt(extra), expected: expected?.value,
+    received: received?.value};
+  const all = (1n << BigInt(bits)) - 1n;
+  return {name, bits, total, values, wrong, mask: expected?.mask ?? all,
+    extra: extra > 0 ? sent.value & (1n << BigInt(extra)) - 1n : null};
+}
+
+function registersOf(row) {
+  const texts = Object.fromEntries(KINDS.map((kind) => [kind, valuesOf(row[kind])]));
+  const wrong = valuesOf(row.wrong);
+  return ["IR", "DR", "pins"].filter((name) => KINDS.some((kind) => texts[kind].has(name))).map(
+    (name) => makeRegister(name,
+      Object.fromEntries(KINDS.map((kind) => [kind, texts[kind].get(name)])),
+      wrong.get(name)?.value ?? 0n));
+}
+
+function bitAt(number, bit) {
+  return Number(number >> BigInt(bit) & 1n);
+}
+
+// The bits of a mask that are ones, lowest first.
+function onesOf(mask) {
+  return [...mask.toString(2)].reverse().flatMap((digit, bit) => digit === "1" ? [bit] : []);
+}
+
+// Bits as "1, 12-13".
+function rangesText(bits) {
+  const ranges = [];
+  for (const bit of bits) {
+    const last = ranges[ranges.length - 1];
+    if (last !== undefined && last[1] === bit - 1) last[1] = bit;
+    else ranges.push([bit, bit]);
+  }
+  return ranges.map(([first, last]) => first === last ? `${first}` : `${first}-${last}`).join(", ");
+}
+
+// "bit 66 is 1", "bits 1, 12-13, 16-19 are wrong", "TCK is 0"; nothing if no bit is wrong.
+function wrongText({name, values, wrong}) {
+  const bits = onesOf(wrong);
+  if (bits.length > 4 && name !== "pins") return `bits ${rangesText(bits)} are wrong`;
+  const nameOf = (bit) => name === "pins" ? data.pins[bit] : `bit ${bit}`;
+  return bits.map((bit) => `${nameOf(bit)} is ${bitAt(values.received, bit)}`).join(", ");
+}
+
+function inHexadecimal(number, bits) {
+  return "0x" + number.toString(16).padStart(2 * Math.ceil(bits / 8), "0");
+}
+
+function inBinary(number, bits) {
+  return "0b" + number.toString(2).padStart(bits, "0");
+}

@@ -1,0 +1,116 @@
+// Finds a text in the lines of lists, also in those that are not in the document.
+
+// The text of an item in which the search looks: what is drawn, but for numbers and results. That of
+// an operation is kept, as there are many.
+function searchText(item) {
+  const {kind, row} = item;
+  if (kind === "row") {
+    row.searched ??= [row.name, row.sent, row.received, row.expected].map(visible).join("\n");
+    return row.searched;
+  }
+  if (kind === "piece" || kind === "value") return "";  // found with its line, or its row
+  const text = kind === "line" ? data.sources[item.source].lines[item.line - 1] : item.text;
+  return visible(text ?? "");
+}
+
+// The elements of an item with these texts.
+function searchElements(element) {
+  if (element.matches(".row")) return [...element.children].slice(2, -1);
+  return element.matches(".line") ? element.querySelectorAll(".text") : [element];
+}
+
+// Puts what matches into <mark>.
+function markMatches(element, pattern) {
+  const walker = document.createTreeWalker(element, NodeFilter.SHOW_TEXT);
+  const nodes = [];
+  while (walker.nextNode()) nodes.push(walker.currentNode);
+  for (const node of nodes) {
+    const pieces = [];
+    let end = 0;
+    for (const match of node.data.matchAll(pattern)) {
+      pieces.push(node.data.slice(end, match.index), make("mark", "match", match[0]));
+      end = match.index + match[0].length;
+    }
+    if (end > 0) node.replaceWith(...pieces, node.data.slice(end));
+  }
+}
+
+class Search {
+  // `onShow` is told the list and the index of the match to show.
+  constructor(lists, onShow) {
+    this.lists = lists;
+    this.onShow = onShow;
+    this.pattern = null;
+    this.one = null;  // the same for one match
+    this.matches = [];  // numbers: the items of all lists are counted one after the other
+    this.current = -1;  // in them
+    this.texts = new Map();  // of the items of a list, once they are needed
+    for (const list of lists) {
+      list.decorate = (element, index) => this.decorate(list, element, index);
+    }
+  }
+
+  textsOf(list) {
+    if (this.texts.get(list)?.items !== list.items) {
+      this.texts.set(list, {items: list.items, texts: list.items.map(searchText)});
+    }
+    return this.texts.get(list).texts;
+  }
+
+  // Sets the text to find, whatever the case of its letters; an empty one is nowhere.
+  look(text) {
+    const escaped = text.replace(/[.*+?^${}()|[\]\\]/g, "\\$&");
+    this.pattern = text === "" ? null : new RegExp(escaped, "gi");
+    this.one = text === "" ? null : new RegExp(escaped, "i");
+  }
+
+  finds(text) {
+    return this.one !== null && this.one.test(text);
+  }
+
+  find() {
+    this.matches = [];
+    this.current = -1;
+    let before = 0;
+    for (const list of this.pattern === null ? [] : this.lists) {
+      this.textsOf(list).forEach((of, index) => {
+        if (this.finds(of)) this.matches.push(before + index);
+      });
+      before += list.items.length;
+    }
+    for (const list of this.lists) list.refresh();
+  }
+
+  // Shows the next match, or the one before; after the last follows the first.
+  step(way) {
+    const count = this.matches.length;
+    if (count === 0) return;
+    this.current = this.current < 0 && way < 0 ? count - 1 : (this.current + way + count) % count;
+    const {list, index} = this.place();
+    this.onShow(list, index);
+    for (const one of this.lists) {
+      for (const [at, element] of one.shown) this.markCurrent(one, element, at);
+    }
+  }
+
+  // Of the match that is shown.
+  place() {
+    let index = this.matches[this.current] ?? -1;
+    for (const list of this.lists) {
+      if (index < list.items.length) return {list, index};
+      index -= list.items.length;
+    }
+    return {list: null, index};
+  }
+
+  decorate(list, element, index) {
+    if (this.pattern === null) return;
+    for (const one of searchElements(element)) markMatches(one, this.pattern);
+    this.markCurrent(list, element, index);
+  }
+
+  markCurrent(list, element, index) {
+    const place = this.place();
+    element.classList.toggle("current", place.list === list && place.index === index);
+  }
+}
