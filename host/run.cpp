@@ -62,7 +62,9 @@ class Runner {
   bool Play(Script& script);
   bool RunPlugin(const std::string& path);
   ExitStatus Judge(const Script& script, bool ran);
-  ExitStatus WriteLearned(const Script& script);
+  ExitStatus LearnFrom(const Script& script);
+  // Returns why the learned script is not complete, or an empty text.
+  std::string WriteLearned();
   // Empty if it did not.
   std::string WhyFailed(const Script& script) const;
   ExitStatus Complete(ExitStatus status);
@@ -89,6 +91,7 @@ class Runner {
   Plugin plugin_;
   Outputs outputs_;
   OutputFile* learned_;  // one of the outputs' files, or null
+  std::string learned_script_;
   Console console_;
   RunEvents events_;
   Follower follower_;
@@ -293,11 +296,11 @@ ExitStatus Runner::Judge(const Script& script, bool ran) {
     events_.Say(fmt::format("{} {}", script.path, why));
     return kScriptFailed;
   }
-  return command_.learn.empty() ? kAllWell : WriteLearned(script);
+  return command_.learn.empty() ? kAllWell : LearnFrom(script);
 }
 
-ExitStatus Runner::WriteLearned(const Script& script) {
-  const Learned learned = Learn(*script.text, script.plan, follower_.Read());
+ExitStatus Runner::LearnFrom(const Script& script) {
+  Learned learned = Learn(*script.text, script.plan, follower_.Read());
   const bool writable = !CheckScript(ScriptText(script.name, learned.script)).problems.HasErrors();
   if (!writable || follower_.Unread() > 0) {
     events_.Say(fmt::format("{} was not learned: {}", script.path,
@@ -305,9 +308,7 @@ ExitStatus Runner::WriteLearned(const Script& script) {
                                      : "with the values that were read, a line is too long"));
     return kScriptFailed;
   }
-  // A run that fails leaves the script that was learned before it.
-  learned_->Begin();
-  learned_->Stream() << learned.script;
+  learned_script_ = std::move(learned.script);
   for (const Problem& problem : learned.stale.Found()) events_.Warn(problem.place, problem.text);
   return kAllWell;
 }
@@ -358,9 +359,27 @@ ExitStatus Runner::EndOutputs(ExitStatus status) {
   const auto with_loss = [](ExitStatus one) { return one == kAllWell ? StatusOfLoss() : one; };
   const bool lost = !failures.empty() || (status == kAllWell && !CompleteStandardStreams());
   if (lost) status = with_loss(status);
+  // A run that fails leaves the script that was learned before it.
+  if (learned_ != nullptr && status == kAllWell) {
+    if (const std::string why = WriteLearned(); !why.empty()) {
+      Conclude(why, Severity::kError);
+      status = StatusOfLoss();
+    }
+  }
   const std::vector<std::string> late = outputs_.EndRun(EndOf(status), EndOf(with_loss(status)));
   for (const std::string& failure : late) Complain(failure);
   return late.empty() ? status : with_loss(status);
+}
+
+std::string Runner::WriteLearned() {
+  learned_->Begin();
+  learned_->Stream() << learned_script_ << std::flush;
+  try {
+    learned_->ThrowIfCut();
+  } catch (const std::runtime_error& error) {
+    return error.what();
+  }
+  return "";
 }
 
 void Runner::Conclude(const std::string& what, Severity severity) {
