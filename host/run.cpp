@@ -327,6 +327,7 @@ std::string Runner::WhyFailed(const Script& script) const {
     return fmt::format("failed: {} of {} expected values {} not read", follower_.Unread(),
                        script.plan.expectations.size(), follower_.Unread() == 1 ? "was" : "were");
   }
+  if (follower_.Exceeded()) return "failed: the plug-in played more operations than the script has";
   if (follower_.Unreached() > 0) {
     return fmt::format("failed: the plug-in skipped {} of the script's operations",
                        follower_.Unreached());

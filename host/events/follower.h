@@ -64,6 +64,8 @@ class Follower {
   std::vector<const Expectation*> FirstUnread() const;
   // How many operations of this script, counted from its end, did not begin.
   std::size_t Unreached() const;
+  // Whether operations began that this script does not have.
+  bool Exceeded() const { return exceeded_; }
   // The result of each expectation of this script, a line each, for people; empty in Mode::kLearn.
   std::vector<std::string> Summary(const std::string& script) const;
   // One for each expectation of this script's plan.
@@ -89,6 +91,7 @@ class Follower {
   std::vector<Tally> tallies_;
   Captures captures_;
   long unmet_ = 0;
+  bool exceeded_ = false;
 };
 
 }  // namespace icehost
