@@ -62,13 +62,17 @@ class Runner {
   bool Play(Script& script);
   bool RunPlugin(const std::string& path);
   ExitStatus Judge(const Script& script, bool ran);
-  ExitStatus WriteLearned(const Script& script);
+  ExitStatus LearnFrom(const Script& script);
+  // Returns why the learned script is not complete, or an empty text.
+  std::string WriteLearned();
   // Returns an empty text if the script did not fail.
   std::string WhyFailed(const Script& script) const;
   ExitStatus Complete(ExitStatus status);
   ExitStatus EndOutputs(ExitStatus status);
   void Conclude(const std::string& what, Severity severity);
   RunEnd EndOf(ExitStatus status);
+  // Reports why the run ends now, and ends the current script.
+  void BreakOff(const std::string& why);
   // Called instead of Complete if the main thread is stuck.
   void Abandon();
   // Called when the process ends. Completes the run as failed if the plug-in is ending the process.
@@ -89,6 +93,7 @@ class Runner {
   Plugin plugin_;
   Outputs outputs_;
   OutputFile* learned_;  // one of the files of outputs_, or null
+  std::string learned_script_;
   Console console_;
   RunEvents events_;
   Follower follower_;
@@ -159,12 +164,24 @@ ExitStatus Runner::PlayAll(std::vector<Script> scripts) {
   console_.Expect(ExpectedOperations());
   try {
     status = PlayRounds();
+  } catch (const Interrupted& error) {
+    status = kInterrupted;
+    BreakOff(error.what());
+  } catch (const IoError& error) {
+    // Standard output can also be lost while another error is reported.
+    status = IsInterrupted() ? kInterrupted : kNotOpened;
+    BreakOff(error.what());
   } catch (const std::bad_alloc&) {
     outputs_.MarkIncomplete();
     console_.Close();
     ComplainOfMemory();
   }
   return Complete(status);
+}
+
+void Runner::BreakOff(const std::string& why) {
+  events_.Abandon(why);
+  if (events_.InScript()) TellEnd(false);
 }
 
 ExitStatus Runner::PlayRounds() {
@@ -293,11 +310,11 @@ ExitStatus Runner::Judge(const Script& script, bool ran) {
     events_.Say(fmt::format("{} {}", script.path, why));
     return kScriptFailed;
   }
-  return command_.learn.empty() ? kAllWell : WriteLearned(script);
+  return command_.learn.empty() ? kAllWell : LearnFrom(script);
 }
 
-ExitStatus Runner::WriteLearned(const Script& script) {
-  const Learned learned = Learn(*script.text, script.plan, follower_.Read());
+ExitStatus Runner::LearnFrom(const Script& script) {
+  Learned learned = Learn(*script.text, script.plan, follower_.Read());
   const bool writable = !CheckScript(ScriptText(script.name, learned.script)).problems.HasErrors();
   if (!writable || follower_.Unread() > 0) {
     events_.Say(fmt::format("{} was not learned: {}", script.path,
@@ -305,9 +322,7 @@ ExitStatus Runner::WriteLearned(const Script& script) {
                                      : "with the values that were read, a line is too long"));
     return kScriptFailed;
   }
-  // A failed run does not get here, and so keeps the script that an earlier run has learned.
-  learned_->Begin();
-  learned_->Stream() << learned.script;
+  learned_script_ = std::move(learned.script);
   for (const Problem& problem : learned.stale.Found()) events_.Warn(problem.place, problem.text);
   return kAllWell;
 }
@@ -326,6 +341,7 @@ std::string Runner::WhyFailed(const Script& script) const {
     return fmt::format("failed: {} of {} expected values {} not read", follower_.Unread(),
                        script.plan.expectations.size(), follower_.Unread() == 1 ? "was" : "were");
   }
+  if (follower_.Exceeded()) return "failed: the plug-in played more operations than the script has";
   if (follower_.Unreached() > 0) {
     return fmt::format("failed: the plug-in skipped {} of the script's operations",
                        follower_.Unreached());
@@ -358,9 +374,27 @@ ExitStatus Runner::EndOutputs(ExitStatus status) {
   const auto with_loss = [](ExitStatus one) { return one == kAllWell ? StatusOfLoss() : one; };
   const bool lost = !failures.empty() || (status == kAllWell && !CompleteStandardStreams());
   if (lost) status = with_loss(status);
+  // A run that fails leaves the script that was learned before it.
+  if (learned_ != nullptr && status == kAllWell) {
+    if (const std::string why = WriteLearned(); !why.empty()) {
+      Conclude(why, Severity::kError);
+      status = StatusOfLoss();
+    }
+  }
   const std::vector<std::string> late = outputs_.EndRun(EndOf(status), EndOf(with_loss(status)));
   for (const std::string& failure : late) Complain(failure);
   return late.empty() ? status : with_loss(status);
+}
+
+std::string Runner::WriteLearned() {
+  learned_->Begin();
+  learned_->Stream() << learned_script_ << std::flush;
+  try {
+    learned_->ThrowIfCut();
+  } catch (const std::runtime_error& error) {
+    return error.what();
+  }
+  return "";
 }
 
 void Runner::Conclude(const std::string& what, Severity severity) {
@@ -377,8 +411,7 @@ RunEnd Runner::EndOf(ExitStatus status) {
 }
 
 void Runner::Abandon() {
-  events_.Abandon(Interrupted().what());
-  if (events_.InScript()) TellEnd(false);
+  BreakOff(Interrupted().what());
   EndOutputs(kInterrupted);
 }
 

@@ -56,6 +56,7 @@ std::vector<Script> LoadScripts(const RunCommand& command) {
     if (command.probe.ChoosesTap() && !result.plan.pins.empty()) {
       result.problems.Warn({1, 1},
                            "--tap has no effect on a GPIO script, which drives the whole chain");
+      result.problems.Sort();
     }
     result.problems.Write(StandardError(), script.name, script.text->Content(),
                           {command.quiet && !command.strict, WantsColour(STDERR_FILENO)});

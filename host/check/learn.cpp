@@ -72,7 +72,9 @@ NumberForm FormOf(const Texts& numbers) {
 }
 
 // Returns the bytes as a list in this form, with as many blanks after commas as `fields` have.
-std::string ListOf(std::string_view bytes, const NumberForm& form, const Texts& fields) {
+std::string ListOf(std::string_view bytes, NumberForm form, const Texts& fields) {
+  // IR and DR may have more zeros, but not what a script expects.
+  form.digits = std::min<std::size_t>(form.digits, 2);
   std::string comma = ",";
   if (fields.size() > 1)
     comma.append(std::min(fields[1].find_first_not_of(' '), fields[1].size()), ' ');
@@ -121,6 +123,7 @@ std::string WithWord(std::string_view text, int value, int counted) {
 
 // Returns whether a word of a comment is the value of this register as a number.
 bool IsValue(std::string_view word, std::string_view value) {
+  word.remove_prefix(word.rfind('=') + 1);  // as in "id=0x1"
   std::string digits(WithoutPrefix(word));
   if (digits.size() == word.size() && digits.size() < kFewestBareDigits) return false;
   digits.erase(std::remove(digits.begin(), digits.end(), '_'), digits.end());

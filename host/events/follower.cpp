@@ -93,11 +93,15 @@ void Follower::Begin(const Plan& plan) {
   tallies_.assign(plan.expectations.size(), {});
   captures_.clear();
   unmet_ = 0;
+  exceeded_ = false;
 }
 
 CallSource Follower::NextOperation() {
   current_ = next_++;
-  if (current_ >= plan_->jtag.size()) return {};
+  if (current_ >= plan_->jtag.size()) {
+    exceeded_ = true;
+    return {};
+  }
   const JtagOperation& operation = plan_->jtag[current_];
   const auto mask = [this](Expectation::Of of) {
     const Expectation* const expected = plan_->Expected(current_, of);
@@ -110,7 +114,10 @@ CallSource Follower::NextOperation() {
 CallSource Follower::NextPinOperation(const std::uint32_t& data) {
   current_ = NextPin(data);
   next_ = current_ + 1;
-  if (current_ >= plan_->pins.size()) return {};
+  if (current_ >= plan_->pins.size()) {
+    exceeded_ = true;
+    return {};
+  }
   CallSource source;
   source.line = static_cast<int>(plan_->pins[current_].line);
   return source;

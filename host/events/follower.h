@@ -64,6 +64,8 @@ class Follower {
   std::vector<const Expectation*> FirstUnread() const;
   // Returns how many operations at the end of this script did not begin.
   std::size_t Unreached() const;
+  // Whether operations began that this script does not have.
+  bool Exceeded() const { return exceeded_; }
   // Returns a line for people on each expectation of this script; none in Mode::kLearn.
   std::vector<std::string> Summary(const std::string& script) const;
   // Returns a tally for each expectation of the plan.
@@ -89,6 +91,7 @@ class Follower {
   std::vector<Tally> tallies_;
   Captures captures_;
   long unmet_ = 0;
+  bool exceeded_ = false;
 };
 
 }  // namespace icehost

@@ -81,7 +81,11 @@ OutputFile::OutputFile(const std::string& path, Rest rest)
 OutputFile::~OutputFile() {
   if (begun_ && fd_ >= 0 && !buffer_.Write()) CutUnfinished();
   if (fd_ >= 0) close(fd_);
-  if (!created_.empty() && !begun_) unlink(created_.c_str());
+  RemoveUnbegun();
+}
+
+void OutputFile::RemoveUnbegun() {
+  if (!created_.empty() && !begun_) unlink(std::exchange(created_, "").c_str());
 }
 
 struct stat OutputFile::Status() const {
@@ -107,6 +111,7 @@ void OutputFile::ThrowIfCut() {
 }
 
 void OutputFile::Close() {
+  RemoveUnbegun();
   buffer_.Write();
   int error = Error();
   if (error != 0) CutUnfinished();

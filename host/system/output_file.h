@@ -74,6 +74,8 @@ class OutputFile {
 
   // Why the file is not whole so far, or 0.
   int Error() const;
+  // Removes the file if it did not exist and was not begun.
+  void RemoveUnbegun();
   void CutUnfinished() const;
   void Fail(int error);
 

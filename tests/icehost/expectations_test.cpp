@@ -30,12 +30,13 @@ TEST(Expectations, AreLearned) {
        Idcode("TDO=1,1,1,1  # met\nMASK=ff,0,0,0\nIR_TDO=01 # too\n[B]\nIR=5,0x1\nDR=R,8,0 # last\n"
               "TDO=0x1")},
       {"[A]\r\nDR=R,8,0\r\nIR=5,1\r\n", "[A]\r\nDR=R,8,0\r\nTDO=1\r\nIR=5,1\r\n"},
+      {"[A]\nIR=5,0x001\nDR=R,8,0x000\n", "[A]\nIR=5,0x001\nDR=R,8,0x000\nTDO=0x01\n"},
       {"[A]\n  IR=5,1\n  DR=R,32\n [B]\n IR=5,0X01\n DR=R,32, 0X0F, 0, 0, 0\n",
        "[A]\n  IR=5,1\n  DR=R,32\n  TDO=1,10,e5,1c\n [B]\n IR=5,0X01\n DR=R,32, 0X0F, 0, 0, 0\n"
        " TDO=0X01, 0X10, 0XE5, 0X1C\n"},
-      {Idcode("TDO= 0x01 , 0x2,0,0x3c # 3C00_0201 0x01 0201\n"),
-       Idcode("TDO= 0x1, 0x10, 0xe5, 0x1c # 3C00_0201 0x01 0201\n"),
-       "4:26: warning: the comment still says 3C00_0201, but 0x1ce51001 was read"},
+      {Idcode("TDO= 0x01 , 0x2,0,0x3c # id=3C00_0201 0x01 0201\n"),
+       Idcode("TDO= 0x1, 0x10, 0xe5, 0x1c # id=3C00_0201 0x01 0201\n"),
+       "4:26: warning: the comment still says id=3C00_0201, but 0x1ce51001 was read"},
       {Gpio("PRINT=GPIO_IN\r\nREPT=2\nPRINT=GPIO_IN # twice\nNRST=1\nENDR\n"
             "NRST=0,PRINT=GPIO_IN  # expect TMS=0, nrst = 1 # TMS=0 NRST=0 TCK=0\n"),
        Gpio("PRINT=GPIO_IN  # expect 0x3e/0x3f\r\nREPT=2\n"

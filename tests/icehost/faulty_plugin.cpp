@@ -1,18 +1,23 @@
 // A plug-in that does not run the script. The environment variable FAULT selects what it does
 // instead; by default it only returns success.
+#include <cstdint>
 #include <cstdlib>
 #include <stdexcept>
 #include <string_view>
 
 #include "entry/icescript.h"
 
-int ImplementScr(LinkHandle /*handle*/, char* /*path*/, PrintCallback callback) {
+int ImplementScr(LinkHandle handle, char* /*path*/, PrintCallback callback) {
   const char* const variable = std::getenv("FAULT");
   const std::string_view fault = variable != nullptr ? variable : "";
   if (fault == "throw") throw std::runtime_error("out of sorts");
   if (fault == "exit") {
     callback("A message.\n");
     std::exit(0);
+  }
+  if (fault == "read pins") {
+    std::uint32_t data = 0;
+    return link_gpio_operator(handle, 0, &data, 0, GPIO_FLAG_READ_IN) < 0 ? -1 : 0;
   }
   if (fault == "quick_exit") std::quick_exit(0);
   return 0;

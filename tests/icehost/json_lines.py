@@ -86,6 +86,7 @@ def check_runs():
     run("run", "--chain", "4,5", "--tap", "2", "examples/read_idcode.ini")
     run("run", "--keep-going", "--idcode", "3", "examples/read_idcode.ini")
     run("run", "--force", "/dev/null")
+    run("run", "--learn", "/dev/full", "examples/read_idcode.ini")
     run("run", "--repeat", "2", "--idcode", "3", "examples/read_idcode.ini", "examples/reset.ini")
     run("run", "-", script="[A]\nIR=5,1\nDR=R,8\nTDO=0\n[B]\nIR=5,1\nDR=R,8\nTDO=0x01\n")
 

@@ -103,7 +103,7 @@ def check_faults():
         os.environ.pop("FAULT", None)
     done = [(RESET, row[0]) for row in tested]
     full = "/dev/full: cannot write: No space left"
-    for option in ("--vcd", "--html", "--json"):
+    for option in ("--vcd", "--html", "--json", "--learn"):
         run(f"{option} /dev/full {RESET}", 3, *done, (RESET, whole, "Error", full))
     run("/nowhere", 1, ("/nowhere", whole, "Error", "/nowhere: No such file"))
     run("--strict script", 1, ("script", "A", *skipped), ("script", whole, "Error", "script has warnings"),
