@@ -177,7 +177,7 @@ class Picture:
             if not sent:
                 continue
             received, expected = (re.search(register + r" 0x(\w+)", text) for text in row[6:8])
-            extra = len(sent[2]) - len(received[1]) if received else 0  # the extra byte on two wires
+            extra = len(sent[2]) - len(received[1]) if received else 0  # an extra byte on two wires
             value = f"0x{sent[2][:len(sent[2]) - extra]}"
             back = f"-> 0x{received[1]}" if received else ""
             wrong = register in row[8]
