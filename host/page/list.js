@@ -4,7 +4,7 @@ class List {
   static MARGIN = 30;   // extra lines above and below
 
   // `render` makes the element of an item. An item that can be selected has a `key`; items with the
-  // same key are selected together. The element can already contain a line of headings.
+  // same key are selected together. `element` can already contain a line of headings.
   constructor(element, render) {
     this.element = element;
     this.headings = element.firstElementChild;

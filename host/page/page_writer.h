@@ -42,7 +42,7 @@ class PageWriter : public StepRecorder {
   void AddRow(const PageRow& row);
   // Adds a message, or a part of one, to the previous row.
   void AddMessage(std::string_view text);
-  // Adds the reason why a row or the source failed. `line` is 0 if there is none.
+  // Adds the reason why a row or the source failed. `line` is 0 if it concerns no line.
   void AddError(std::string_view text, int line);
   void Record(const PinStep& step) override;
 

@@ -3,7 +3,7 @@
 class Paper {
   static COLUMNS = 118;    // characters
   static LEAST = 8;        // characters of a column
-  static MOST_KEPT = 3000; // rows kept whole at page breaks, which slow the browser down
+  static MOST_KEPT = 3000; // rows kept whole at page breaks: each slows the browser down
   static WIDTH = 700;      // of a band, in pixels
   static LEAST_SCALE = 3;  // pixels per step
   static COLOURS = {bg: "#fff", fg: "#000", dim: "#555", edge: "#777", bad: "#000",

@@ -14,7 +14,7 @@ class Wave extends WaveView {
     this.readColours();
   }
 
-  // If there is little room, the lanes become less high.
+  // Makes the lanes lower if there is little room.
   resize() {
     const room = this.canvas.clientHeight - Wave.RULER - 6;
     this.lane = Math.min(Wave.MOST_LANE, Math.floor(room / (data.pins.length + 3)));
