@@ -1,13 +1,13 @@
-// A register bit by bit, and its values to copy.
-const BLOCK = 32;  // bits that stay side by side
+// Shows a register bit by bit, and its values with buttons that copy them.
+const BLOCK = 32;  // bits on one line
 const BASES = [
   ["hexadecimal", inHexadecimal],
   ["decimal", (number) => String(number)],
   ["binary", inBinary],
 ];
 
-// A line of a block: its bytes from the highest on, of two halves each. `digit` answers
-// {text, style, title} for a bit.
+// Adds a line to a block: its bytes from the highest to the lowest, each in two halves. `digit`
+// returns {text, style, title} for a bit.
 function renderBits(block, name, first, end, digit) {
   const line = block.appendChild(make("div", "bits"));
   line.append(make("span", "kind", name));
@@ -45,7 +45,7 @@ function digitOf(register, kind) {
     const text = String(bitAt(values[kind], bit));
     if (kind === "sent" || values.expected === undefined) return {text, style: ""};
     if (bitAt(mask, bit) === 0) {
-      const title = `bit ${bit} does not count`;
+      const title = `bit ${bit} is not compared`;
       return {text: kind === "expected" ? "x" : text, style: "masked", title};
     }
     if (kind === "expected" || bitAt(wrong, bit) === 0) return {text, style: ""};
@@ -80,7 +80,7 @@ async function copyText(button, text) {
     await navigator.clipboard.writeText(text);
     say("copied");
   } catch {
-    // Where the browser does not let a page write, the reader copies what is selected.
+    // If the browser does not allow the page to copy, the reader can copy the selection.
     getSelection().selectAllChildren(button.previousElementSibling);
     say("selected");
   }
@@ -109,14 +109,14 @@ function registerSummary(register) {
   return `${total} ${total === 1 ? "bit" : "bits"}${known}${before}`;
 }
 
-// What the details of a row say of a register.
+// Returns the description of a register in the details of a row.
 function renderRegister(register) {
   const element = make("dd", "register");
   const summary = element.appendChild(make("p", "", registerSummary(register)));
   const wrong = wrongText(register);
   if (wrong !== "") summary.append(": ", make("strong", "bad", wrong));
   const blocks = element.appendChild(make("div", "blocks"));
-  // All of it is in the text and the values, too.
+  // The text and the values contain the same information.
   blocks.setAttribute("aria-hidden", "true");
   for (let first = BLOCK * Math.ceil(register.bits / BLOCK - 1); first >= 0; first -= BLOCK) {
     blocks.append(renderBlock(register, first));
@@ -127,8 +127,7 @@ function renderRegister(register) {
   return element;
 }
 
-// Adds the registers of a row, those with wrong bits first, and brings the lowest of these bits into
-// sight.
+// Adds the registers of a row, those with wrong bits first. Scrolls to the lowest of these bits.
 function showRegisters(detail, row) {
   const registers = registersOf(row);
   const rank = ({wrong}) => wrong === 0n ? 1 : 0;

@@ -12,7 +12,7 @@ function cellTexts(row) {
     row.received, row.expected, VERDICTS[row.verdict]];
 }
 
-// The longest text of each column of the operations. Empty columns are left out: their width is 0.
+// Returns the length of the longest text in each column of the operations; 0 for empty columns.
 function columnNeeds() {
   const needs = COLUMNS.map(() => 0);
   for (const row of rows) {
@@ -23,7 +23,7 @@ function columnNeeds() {
   return needs.map((need, column) => need === 0 ? 0 : Math.max(need, COLUMNS[column].length));
 }
 
-// The least widths of columns that shrink. The others always show all of their texts.
+// The minimum widths of columns that can shrink. Other columns always show their whole texts.
 const LEAST = {Operation: 10, Sent: 10, Received: 22, Expected: 24};
 
 function fitRows(style, needs) {

@@ -1,10 +1,10 @@
-// The lane of the waveform that says what was shifted and read: a box for each register of a scan,
-// and a mark where a script read the pins.
+// The lane of the waveform with the values that were shifted and read: a box for each register of a
+// scan, and a mark at each step at which a script read the pins.
 class DataLane {
-  static REACH = 6;   // pixels from the middle of a mark to its text, and to the text of another
-  static RADIUS = 3;  // of a mark
-  static DENSE = 8;   // marks that are nearer are ticks
-  static APART = 3;   // of crosses: of those that are nearer one is drawn
+  static REACH = 6;   // pixels between the middle of a mark and any text
+  static RADIUS = 3;  // radius of a mark
+  static DENSE = 8;   // marks that are closer together become ticks
+  static APART = 3;   // crosses that are closer together become one
 
   constructor(taps) {
     this.boxes = scanBoxes(taps);
@@ -31,7 +31,7 @@ class DataLane {
     const {wave, reads} = this;
     const [first, end] = wave.sight();
     const xOf = (read) => wave.x(read.begin + 0.5);
-    let free = WaveView.LABELS;  // the next text may begin here
+    let free = WaveView.LABELS;  // the next text can begin here
     let column = -1;
     for (let i = wave.firstEndingAfter(reads, first); i < reads.length; ++i) {
       if (reads[i].begin >= end) break;
@@ -50,7 +50,7 @@ class DataLane {
     }
   }
 
-  // Between the boxes next to a read.
+  // Returns the beginning and end of the space between the boxes next to a read.
   roomAround(read) {
     const {wave, boxes} = this;
     const next = wave.firstEndingAfter(boxes, read.end);
@@ -63,7 +63,7 @@ class DataLane {
     this.wave.context.fillRect(Math.floor(x), y + 4, 1, Wave.HIGH - 6);
   }
 
-  // Full if the levels are as expected, a ring if none are.
+  // Draws a full dot if the levels are as expected, or a ring if there was no expectation.
   drawDot(x, y, full) {
     const {context, colour} = this.wave;
     context.beginPath();
@@ -75,8 +75,8 @@ class DataLane {
     context.stroke();
   }
 
-  // The longest text that has room to the right of the mark, or else to the left. Returns where the
-  // next may begin.
+  // Draws the longest text that fits to the right of the mark, or else to the left. Returns the
+  // position at which the next text can begin.
   drawReadText(read, x, begin, end, y) {
     const {context, colour, character} = this.wave;
     const reach = DataLane.REACH;
@@ -92,7 +92,7 @@ class DataLane {
     return x + reach;
   }
 
-  // A cross where a value is not as expected: at the end of a box that has room for it.
+  // Draws a cross for each value that is not as expected, at the end of its box if there is room.
   drawUnmet(y) {
     const {wave, unmet} = this;
     const [first, end] = wave.sight();
@@ -121,7 +121,7 @@ class DataLane {
   }
 }
 
-// Where the TAP goes through the states of a register, and shifts: {begin, end, name, shift}.
+// Returns {begin, end, name, shift} for each time that the TAP shifts a register.
 function passes(taps) {
   const found = [];
   for (const {begin, end, tap} of taps) {
@@ -136,7 +136,7 @@ function passes(taps) {
   return found.filter(({shift}) => shift !== null);
 }
 
-// Those of operations that say what they shifted: {begin, end, name, row, wrong}.
+// Returns {begin, end, name, row, wrong} for each shift of an operation with a known value.
 function scanBoxes(taps) {
   const boxes = [];
   for (const {begin, end, name, shift} of passes(taps)) {
@@ -147,8 +147,8 @@ function scanBoxes(taps) {
   return boxes;
 }
 
-// {begin, end, row}: the step that each read sees. Of several the first that is not as expected, or
-// else the last.
+// Returns {begin, end, row} for each step that was read. If several rows read the same step, `row`
+// is the first that is not as expected, or else the last.
 function pinReads() {
   const reads = [];
   for (const row of rows) {
@@ -163,7 +163,7 @@ function pinReads() {
   return reads;
 }
 
-// From the longest on.
+// Returns the texts for a box, longest first.
 function textsOfBox(box) {
   if (box.texts !== undefined) return box.texts;
   const {name} = box;
@@ -177,7 +177,7 @@ function textsOfBox(box) {
   return box.texts;
 }
 
-// Likewise. The shortest is the level of TDO, unless only other pins count.
+// Returns the texts for a read, longest first. The shortest is the level of TDO if it is compared.
 function textsOfRead(read) {
   const {row} = read;
   if (read.texts !== undefined) return read.texts;

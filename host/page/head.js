@@ -4,12 +4,12 @@ function counted(count, what) {
   return `${count} ${what}${count === 1 ? "" : "s"}`;
 }
 
-// The values of a row that were not as expected. Each has an error of its own.
+// Returns the number of values of a row that were not as expected. Each has its own error.
 function faultsOf(row) {
   return Math.max(1, row.errors.length);
 }
 
-// The line with the expectation, which its error names, or that of the row.
+// Returns the line of the first error, which contains the expectation, or else that of the row.
 function faultLine(row) {
   return row.errors[0]?.line ?? row.line;
 }
@@ -29,7 +29,7 @@ function summaryTexts() {
   return texts;
 }
 
-// `onFault` is called with the first row that is not well.
+// Calls `onFault` with the first failed row when the reader clicks the link.
 function showSummary(onFault) {
   const summary = document.getElementById("summary");
   summary.append(summaryTexts().join(", "));
@@ -65,25 +65,25 @@ function showHead() {
 function showNotes() {
   const notes = document.getElementById("notes");
   const note = (style, text) => notes.append(make("li", style, text));
-  // The summary already says this of a script with failures.
+  // The summary already contains this.
   const said = (text) => badRows.length > 0 && / failed(: .*not as expected.*)?$/.test(text);
   const plain = entries.filter((entry) => entry.kind === "error" && entry.line === 0
     && !said(entry.text));
   for (const entry of plain) note("error", entry.text);
   for (const source of data.sources) {
     const left = source.total_marks - source.marks.length;
-    if (left > 0) note("warning", `${source.name}: ${left} more problems are left out`);
+    if (left > 0) note("warning", `${source.name}: ${left} more problems are not shown`);
   }
   if (rows.length < data.total_rows || data.cut_messages) {
-    const late = data.late_faults > 0 ? ", and later ones that are not well" : "";
+    const late = data.late_faults > 0 ? ", and later failures" : "";
     note("warning", `Cut: the first ${rows.length} of ${data.total_rows} operations${late}`);
   }
-  if (data.cut_faults) note("warning", "Cut: more that is not well is left out");
+  if (data.cut_faults) note("warning", "Cut: some later failures are not shown");
   if (steps.length < data.total_steps) {
     note("warning",
-      `Cut: the waveform holds the first ${steps.length} of ${data.total_steps} steps`);
+      `Cut: the waveform shows the first ${steps.length} of ${data.total_steps} steps`);
   }
   if (data.total_steps === 0) {
-    note("", "No waveform: the probe showed no pins, or nothing moved them");
+    note("", "No waveform: the probe showed no pins, or nothing drove them");
   }
 }

@@ -1,11 +1,10 @@
-// A list of lines of one height, of which only those in sight are in the document once it is long.
+// A list of lines of equal height. The document contains only the visible lines of a long list.
 class List {
-  static SHORT = 1500;  // up to here all are, so that the browser's search finds them
-  static MARGIN = 30;   // lines beyond the edges
+  static SHORT = 1500;  // longest list with all lines in the document, for the browser's search
+  static MARGIN = 30;   // extra lines above and below
 
-  // `render` makes the element of an item. An item that can be picked has a `key`, and those of the
-  // same key are picked together.
-  // A line of headings may stand above them.
+  // `render` makes the element of an item. An item that can be selected has a `key`; items with the
+  // same key are selected together. `element` can already contain a line of headings.
   constructor(element, render) {
     this.element = element;
     this.headings = element.firstElementChild;
@@ -16,7 +15,7 @@ class List {
     this.items = [];
     this.shown = new Map();  // index to element
     this.picked = null;
-    this.decorate = null;  // of an element and its index, if set: changes it before it is shown
+    this.decorate = null;  // if set, changes an element, given its index, before it is shown
     element.addEventListener("scroll", () => this.show());
     new ResizeObserver(() => this.show()).observe(element);
   }
@@ -28,14 +27,14 @@ class List {
     this.refresh();
   }
 
-  // Makes the elements anew.
+  // Makes all elements again.
   refresh() {
     this.shown.clear();
     this.inner.replaceChildren();
     this.show();
   }
 
-  // The pixels for items.
+  // Returns the height of the space for items, in pixels.
   room() {
     return Math.max(0, this.element.clientHeight - (this.headings?.offsetHeight ?? 0));
   }
@@ -93,7 +92,7 @@ class List {
     else this.element.setAttribute("aria-activedescendant", element.id);
   }
 
-  // The item that an element is, or is in.
+  // Returns the item whose element is, or contains, this element.
   itemOf(element) {
     const row = element.closest(".item");
     return row === null ? undefined : this.items[Number(row.getAttribute("aria-rowindex")) - 1];
@@ -109,7 +108,7 @@ class List {
     this.show();
   }
 
-  // The item to pick when a key leads from the one that is picked: null where there is none.
+  // Returns the item that a key selects next, or null if the key selects none.
   neighbour(key) {
     const page = Math.max(1, Math.floor(this.room() / this.height) - 1);
     const ways = {ArrowDown: 1, ArrowUp: -1, PageDown: page, PageUp: -page,

@@ -1,11 +1,11 @@
-// What was recorded, from the data in the page. Every text in it may hold any characters.
+// Reads the recorded data from the page. Any text in it can contain any characters.
 //
-// data.log tells it in order, by the type of an entry:
+// The type of an entry in data.log gives its meaning:
 //   a number   the next source begins
 //   an array   an operation: [number, line, begin step, end step, name, sent, received, expected,
-//              wrong, verdict], the verdict a place in VERDICTS
-//   a text     what was printed, of the operation before it; may be a piece of a line
-//   an object  an error: {line, text}; a line of 0 is none
+//              wrong, verdict]; the verdict is an index into VERDICTS
+//   a string   a message of the operation before it, or a part of one
+//   an object  an error: {line, text}; line 0 means that there is none
 const data = JSON.parse(document.getElementById("data").textContent);
 
 const VERDICTS = ["ok", "met", "NOT MET", "FAILED"];
@@ -13,13 +13,13 @@ const VERDICT_STYLES = ["done", "met", "bad", "bad"];
 const NOT_MET = 2;
 const UNKNOWN_TAP = 16;
 
-// Characters that would not be seen, or would turn the direction of others, as their codes.
+// Replaces invisible characters, and those that change the direction of the text, by their codes.
 function visible(text) {
   return text.replace(/[\0-\x08\x0a-\x1f\x7f-\x9f\u200b-\u200f\u2028-\u202e\u2060-\u2069\ufeff]/g,
     (ch) => "\\u" + ch.charCodeAt(0).toString(16).padStart(4, "0"));
 }
 
-// Two bytes a step, the low one first: the levels of data.pins, and the TAP's state above them.
+// Each step has two bytes, low byte first: the levels of data.pins, and the TAP state above them.
 function decodeSteps(text) {
   const bytes = atob(text);
   const steps = new Uint16Array(bytes.length / 2);
@@ -37,7 +37,7 @@ function tapName(tap) {
   return tap === UNKNOWN_TAP ? "TAP unknown" : data.taps[tap];
 }
 
-// Where the steps' TAP state changes: {begin, end, tap}.
+// Returns {begin, end, tap} for each run of steps with the same TAP state.
 function tapSegments(steps) {
   const segments = [];
   for (let i = 0; i < steps.length; ++i) {
@@ -55,7 +55,7 @@ function makeRow(entry, source, index) {
     messages: 0, errors: []};
 }
 
-// The log as {rows, entries}: entries are {kind, row, ...} in their order, messages line by line.
+// Returns the log as {rows, entries}. Entries are {kind, row, ...}; each line of a message is one.
 function readLog(log) {
   const rows = [];
   const entries = [];
@@ -66,7 +66,7 @@ function readLog(log) {
     const lines = message.split("\n");
     if (lines[lines.length - 1] === "") lines.pop();
     for (const text of lines) entries.push({kind: "message", row, text});
-    // A served target has no sources. Its messages belong to no operation.
+    // A served target has no sources, and its messages belong to no operation.
     if (row !== null && source >= 0) row.messages += lines.length;
     message = "";
   };
@@ -92,7 +92,7 @@ function readLog(log) {
   return {rows, entries};
 }
 
-// The rows of each line of a source.
+// Returns, for each source, a map from lines to their rows.
 function rowsByLine(rows) {
   const lines = data.sources.map(() => new Map());
   for (const row of rows) {
@@ -107,12 +107,12 @@ function rowsByLine(rows) {
 const steps = decodeSteps(data.steps);
 const {rows, entries} = readLog(data.log);
 const lineRows = rowsByLine(rows);
-// Those that failed.
+// The rows that failed.
 const badRows = rows.filter((row) => row.verdict >= NOT_MET);
-// Those that are in the waveform, in its order.
+// The rows in the waveform, in order.
 const drawnRows = rows.filter((row) => row.end > row.begin && row.begin < steps.length);
 
-// The row that is under way at a step, or null.
+// Returns the row in progress at a step, or null.
 function rowAtStep(step) {
   let low = 0;
   let high = drawnRows.length;
@@ -125,8 +125,8 @@ function rowAtStep(step) {
   return row !== undefined && row.begin <= step ? row : null;
 }
 
-// The line whose rows stand for a line: itself, or, where it did nothing itself, the nearest that
-// did in its section, those below it first. 0: none.
+// Returns the line whose rows are shown for a line: the line itself if it has rows, or else the
+// next line of its section with rows, or else the previous one. Returns 0 if there is none.
 function lineInCharge(source, line) {
   const of = lineRows[source];
   const text = data.sources[source].lines;

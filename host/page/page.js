@@ -1,4 +1,4 @@
-// The page put together: what is picked in one place is shown in the others.
+// Connects the parts of the page: an item that is selected in one is also shown in the others.
 const sourceList = new List(document.getElementById("source-list"), renderSourceItem);
 const rowList = new List(document.getElementById("row-list"), renderRowItem);
 let wave = null;
@@ -6,11 +6,11 @@ let wrapping = null;
 let pickedLine = null;  // {source, line}
 let pickedRow = null;
 
-// Shows a row everywhere; a line may be picked that is not its own, but leads to it.
+// Selects a row and a line everywhere. The line can be another line that leads to the row.
 function pick(row, line, from) {
   pickedRow = row;
   pickedLine = line;
-  showDetail(line, row);  // which takes room from the rows
+  showDetail(line, row);  // first, because it makes the list of rows smaller
   sourceList.pick(line === null ? null : `${line.source}:${line.line}`);
   rowList.pick(row === null ? null : row.index);
   if (wave !== null && from === "wave") wave.row = row;
@@ -24,7 +24,7 @@ function pickRow(row, from) {
   pick(row, row.line === 0 ? null : {source: row.source, line: row.line}, from);
 }
 
-// Its first row; picked again, the next one.
+// Selects the first row of a line, or the next one if the line is selected again.
 function pickLine(source, line, from) {
   const of = lineRows[source].get(lineInCharge(source, line)) ?? [];
   const again = pickedLine?.source === source && pickedLine.line === line;
@@ -36,7 +36,7 @@ function setAddress(hash) {
   try {
     history.replaceState(null, "", hash);
   } catch {
-    // Where the page has no address, as within another one, its lines have none.
+    // A page inside another page has no address of its own.
   }
 }
 
@@ -129,7 +129,7 @@ function start() {
   startWave();
   startTabs();
   addEventListener("hashchange", openAddress);
-  // What went wrong is what a reader looks for first.
+  // Readers look for failures first.
   if (!openAddress() && badRows.length > 0) pickRow(badRows[0], "start");
 }
 

@@ -1,5 +1,5 @@
-// What was recorded as one HTML page: a listing of the source, a table of operations and the
-// waveform. Knows neither scripts nor host calls.
+// Writes a recorded run as one HTML page: a listing of the source, a table of operations and the
+// waveform. Independent of scripts and host calls.
 #ifndef ICESCRIPT_HOST_PAGE_PAGE_WRITER_H_
 #define ICESCRIPT_HOST_PAGE_PAGE_WRITER_H_
 
@@ -16,34 +16,33 @@
 
 namespace icehost {
 
-// An operation: a row of the table, and a part of the waveform.
+// An operation, which is a row of the table and a part of the waveform.
 struct PageRow {
   enum class Verdict { kDone, kMet, kNotMet, kFailed };
 
-  long number;  // in its source, from 0
-  int line;     // from 1; 0: of none
+  long number;  // counted in its source from 0
+  int line;     // counted from 1; 0 if it has none
   StepRange steps;
   std::string name;
   std::string sent;
   std::string received;
   std::string expected;
-  std::string wrong;  // a one for each bit received that is not as expected
+  std::string wrong;  // a one for each received bit that is not as expected
   Verdict verdict;
 };
 
-// Keeps what the page tells as the text of the page's data, and no more of a long run than a
-// browser is quick with: the first steps, rows and lines. Of later rows only those that are not
-// well are kept, and the page says what is missing. Any text may hold any bytes: in the page it is
-// text.
+// Collects the page's data as text. It keeps only as much of a long run as a browser shows quickly:
+// the first steps, rows and lines, and later rows that failed. The page says what is missing. Any
+// text can contain any bytes; the page never reads it as markup.
 class PageWriter : public StepRecorder {
  public:
-  // The rows that follow belong to this source. Lines end with a line feed.
+  // Begins a source, to which the following rows belong. Its lines end with a line feed.
   void AddSource(std::string_view name, std::string_view content,
                  const std::vector<SourceMark>& marks);
   void AddRow(const PageRow& row);
-  // Adds a message of the row before it; may be a piece of a line.
+  // Adds a message, or a part of one, to the previous row.
   void AddMessage(std::string_view text);
-  // Explains why a row or the source failed; `line` is 0 if it concerns no line.
+  // Adds the reason why a row or the source failed. `line` is 0 if it concerns no line.
   void AddError(std::string_view text, int line);
   void Record(const PinStep& step) override;
 
@@ -55,8 +54,8 @@ class PageWriter : public StepRecorder {
   void Append(std::string_view entry);
   std::string Totals() const;
 
-  std::string sources_;  // elements of an array; page/model.js describes them
-  std::string log_;      // elements of another
+  std::string sources_;  // elements of an array, which page/model.js describes
+  std::string log_;      // elements of another array
   std::vector<std::uint16_t> steps_;
   long total_steps_ = 0;
   long rows_ = 0;
@@ -69,12 +68,12 @@ class PageWriter : public StepRecorder {
   long marks_ = 0;
 };
 
-// The page of a run and of a served target, written when it ends.
+// Return the outputs for a run and for a served target, which write the page at the end.
 std::unique_ptr<Output> MakeRunPage(std::ostream& stream);
 std::unique_ptr<Output> MakeServePage(std::ostream& stream);
 
-// The page without its data, embedded at build time: page.html with its styles and scripts.
-// "@data@" appears in it once, in the place of the data.
+// Returns the page without its data: page.html with its styles and scripts, embedded at build time.
+// It contains "@data@" once, which the data replaces.
 std::string_view PageTemplate();
 
 }  // namespace icehost

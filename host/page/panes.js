@@ -1,6 +1,6 @@
-// The lines of the two lists: their items, and the elements of these.
+// The items of the two lists, and their elements.
 const narrow = matchMedia("screen and (max-width: 900px)");
-// Set by page.js.
+// page.js sets this.
 let messages = null;
 
 function make(name, style, text) {
@@ -18,12 +18,12 @@ function cells(element, values) {
   return element;
 }
 
-// A line of one cell.
+// Returns a line with one cell.
 function textLine(style, text) {
   return cells(make("div", style), [["", text]]);
 }
 
-// Lets long numbers shrink at their left end.
+// Makes long numbers shrink at their left end.
 function foldNumbers(cell) {
   const parts = cell.textContent.split(/(?<=0x)([0-9a-f]{8,})/);
   if (parts.length === 1) return;
@@ -34,19 +34,19 @@ function foldNumbers(cell) {
   }));
 }
 
-// The address of a line within the page.
+// Returns the address of a line within the page.
 function lineHash(source, line) {
   return source === 0 ? `#line-${line}` : `#${source + 1}-line-${line}`;
 }
 
-// What the program says of a line, without the place before it.
+// Returns the text of an error without the place at its beginning.
 function errorText(entry) {
   const place = `${data.sources[entry.source]?.name}:${entry.line}:`;
   if (!entry.text.startsWith(place)) return entry.text;
   return entry.text.slice(place.length).replace(/^\d+:/, "").trim();
 }
 
-// What the program says of each line of a source: texts, and how often each is said.
+// Returns, for each line of a source, the texts of its errors and how often each occurs.
 function errorsByLine(source) {
   const lines = new Map();
   for (const entry of entries) {
@@ -79,14 +79,14 @@ function remarksByLine(source) {
       add(line, {error: true, text: text + times(count)});
     }
     const more = counts.size - MOST_TEXTS_OF_A_LINE;
-    if (more > 0) add(line, {error: true, text: `and ${more} more, which the operations tell`});
+    if (more > 0) add(line, {error: true, text: `and ${more} more in the list of operations`});
   }
   return remarks;
 }
 
 const lineRemarks = data.sources.map((_, source) => remarksByLine(source));
 
-// `pieces` splits a text that is too long for a line.
+// `pieces` splits a text that is too long for one line.
 function sourceItems(pieces) {
   const items = [];
   data.sources.forEach((source, at) => {
@@ -107,7 +107,7 @@ function sourceItems(pieces) {
       }
     }
     const missing = source.total_lines - source.lines.length;
-    if (missing > 0) items.push({kind: "title", text: `${missing} more lines are left out`});
+    if (missing > 0) items.push({kind: "title", text: `${missing} more lines are not shown`});
   });
   return items;
 }
@@ -116,7 +116,7 @@ function worstOf(rows) {
   return rows.reduce((most, row) => Math.max(most, row.verdict), -1);
 }
 
-// The worst result of a line's rows, and how many of them have it.
+// Returns the worst result of a line's rows, and how many rows have it.
 function verdictText(of) {
   const worst = worstOf(of);
   const count = of.filter((row) => row.verdict === worst).length;
@@ -148,7 +148,7 @@ function rowValues(row) {
     .filter(([, text]) => text !== "");
 }
 
-// What the registers of a row do not show.
+// Returns the parts of a row's texts that its registers do not show.
 function rowRests(row) {
   return rowValues(row).map(([name, text]) => [name, withoutValues(text)])
     .filter(([, text]) => text !== "");
@@ -192,7 +192,7 @@ function renderRow(row) {
   return element;
 }
 
-// A message, or an error with its line.
+// Returns the text of a message, or of an error with its line.
 function noteText(item) {
   return item.kind === "error" && item.line > 0 ? `line ${item.line}: ${item.text}` : item.text;
 }
@@ -216,16 +216,16 @@ function lineDetails({source, line}) {
 }
 
 function rowDetails(row) {
-  const left = row.end > steps.length ? ", which the waveform leaves out" : "";
+  const left = row.end > steps.length ? ", not in the waveform" : "";
   const taken = row.end > row.begin ? `${row.begin} to ${row.end} us${left}`
-    : `none of its own, at ${row.begin} us${left}`;
+    : `none, at ${row.begin} us${left}`;
   return [[`No. ${row.number}`, `${row.name}: ${VERDICTS[row.verdict]}`], ...rowRests(row),
-    // The registers below show what is wrong in a value.
+    // The registers below show which bits are wrong.
     ...(row.wrong === "" ? row.errors.map((error) => ["error", errorText(error)]) : []),
     ...(steps.length > 0 ? [["steps", taken]] : [])];
 }
 
-// All of a line and of a row, where the lists cut them. Either may be null.
+// Shows the complete texts of a line and a row, which the lists cut. Either can be null.
 function showDetail(line, row) {
   const detail = document.getElementById("detail");
   detail.replaceChildren();

@@ -1,11 +1,11 @@
-// The page on paper: all lines, all operations, and the waveform in bands. They are added when the
-// browser prints, because the lists on the screen contain only the lines in sight.
+// The printed page: all lines, all operations, and the waveform in bands. They are added when the
+// browser prints, because the lists on the screen contain only the visible lines.
 class Paper {
   static COLUMNS = 118;    // characters
-  static LEAST = 8;        // of them, for a column
-  static MOST_KEPT = 3000; // rows that are not split between pages: each slows the browser down
+  static LEAST = 8;        // characters of a column
+  static MOST_KEPT = 3000; // rows kept whole at page breaks: each slows the browser down
   static WIDTH = 700;      // of a band, in pixels
-  static LEAST_SCALE = 3;  // pixels a step
+  static LEAST_SCALE = 3;  // pixels per step
   static COLOURS = {bg: "#fff", fg: "#000", dim: "#555", edge: "#777", bad: "#000",
     "bad-soft": "#ccc", pick: "#fff", wave: "#000", block: "#f4f4f4", shift: "#ddd", grid: "#ddd",
     cursor: "#000"};
@@ -19,7 +19,7 @@ class Paper {
     if (wave !== null) this.addBands();
   }
 
-  // Returns the lines of a row. Columns with a width of 0 are left out.
+  // Returns the lines of a row without the columns that have a width of 0.
   layOut(texts, widths) {
     const columns = texts.map((text, column) => ({text, width: widths[column], column}))
       .filter(({width}) => width > 0);
@@ -31,7 +31,7 @@ class Paper {
     }).join("  ").trimEnd());
   }
 
-  // Plain rows of one line are added as one text: browsers lay out long texts much faster than elements.
+  // Joins plain rows of one line, because browsers lay out a long text much faster than elements.
   addText(name, head, items) {
     const table = document.createElement("table");
     if (head !== "") table.createTHead().insertRow().append(make("th", "", head));
@@ -70,7 +70,7 @@ class Paper {
     this.addText("Script", "", items);
   }
 
-  // The widths of columns: those of their texts, or less for the widest if the paper is too narrow.
+  // Returns the widths of the columns. If the paper is too narrow, the widest columns shrink.
   widths(needs) {
     const gaps = 2 * needs.filter((need) => need > 0).length - 2;
     const cut = (most) => needs.map((need) => Math.min(need, most));
@@ -103,7 +103,7 @@ class Paper {
     const colour = {...wave.colour, ...Paper.COLOURS};
     for (let from = 0; from < steps.length; from += room / scale) {
       const context = new SvgContext(Paper.WIDTH, height);
-      // The waveform of the screen with another context and another place.
+      // The waveform of the screen with another context and position.
       const band = Object.assign(Object.create(wave), {context, colour, height, from, scale,
         width: Paper.WIDTH, lane: Wave.MOST_LANE, cursor: null, hover: null, row: null,
         drawPlace() {}, onMove() {}});

@@ -1,12 +1,12 @@
-// The registers of an operation: what was sent, expected and received, as numbers.
+// The registers of an operation, with the values sent, expected and received as numbers.
 const KINDS = ["sent", "expected", "received"];
 
-// In a text of a row: "DR 32: 0x00000000", "IR 0x01", "DR 0x1ce51001/0x0fffffff", and "0x20 TDO"
-// for the levels of the pins.
+// Matches a value in a text of a row, such as "DR 32: 0x00000000", "IR 0x01",
+// "DR 0x1ce51001/0x0fffffff", or "0x20 TDO" for the levels of the pins.
 const VALUE = new RegExp("(?:^|, )(?:([ID]R) )?(?:(\\d+): )?(0x[0-9a-f]+)(?:/(0x[0-9a-f]+))?" +
   "(?: [A-Z0][A-Z|]*)?", "g");
 
-// By the register: {bits, bytes, value, mask}.
+// Returns a map from registers to {bits, bytes, value, mask}.
 function valuesOf(text) {
   const values = new Map();
   for (const [, name = "pins", bits, digits, mask] of text.matchAll(VALUE)) {
@@ -16,7 +16,7 @@ function valuesOf(text) {
   return values;
 }
 
-// The part of a row's text that names no value of a register.
+// Returns the text of a row without the values of registers.
 function withoutValues(text) {
   return text.replace(VALUE, "").replace(/^[ ,]+/, "");
 }
@@ -25,15 +25,15 @@ function bitLength(number) {
   return number === 0n ? 0 : number.toString(2).length;
 }
 
-// On two wires a byte goes out before the register: what came back is shorter by it.
+// On two wires, an extra byte is sent before the register, but not received.
 function extraBits(sent, received) {
   if (sent === undefined || received === undefined) return 0;
   return 8 * Math.max(0, sent.bytes - received.bytes);
 }
 
-// {name, bits, total, extra, values, mask, wrong}: `bits` are known of `total`, `extra` is the
-// value of the bits before them or null, `values` are numbers by their kind, `mask` has a one for
-// each bit that counts, `wrong` for each that is not as expected.
+// Returns {name, bits, total, extra, values, mask, wrong}. `bits` of the `total` bits are known.
+// `extra` is the value of the bits sent before them, or null. `values` has a number for each kind.
+// `mask` has a one for each bit that is compared, and `wrong` for each that is not as expected.
 function makeRegister(name, {sent, expected, received}, wrong) {
   const extra = extraBits(sent, received);
   const total = name === "pins" ? data.pins.length
@@ -60,12 +60,12 @@ function bitAt(number, bit) {
   return Number(number >> BigInt(bit) & 1n);
 }
 
-// The bits of a mask that are ones, lowest first.
+// Returns the numbers of the bits of a mask that are ones, lowest first.
 function onesOf(mask) {
   return [...mask.toString(2)].reverse().flatMap((digit, bit) => digit === "1" ? [bit] : []);
 }
 
-// Bits as "1, 12-13".
+// Returns a list of bits as a text, such as "1, 12-13".
 function rangesText(bits) {
   const ranges = [];
   for (const bit of bits) {
@@ -76,7 +76,7 @@ function rangesText(bits) {
   return ranges.map(([first, last]) => first === last ? `${first}` : `${first}-${last}`).join(", ");
 }
 
-// "bit 66 is 1", "bits 1, 12-13, 16-19 are wrong", "TCK is 0"; nothing if no bit is wrong.
+// Returns "bit 66 is 1", "bits 1, 12-13, 16-19 are wrong" or "TCK is 0"; "" if no bit is wrong.
 function wrongText({name, values, wrong}) {
   const bits = onesOf(wrong);
   if (bits.length > 4 && name !== "pins") return `bits ${rangesText(bits)} are wrong`;

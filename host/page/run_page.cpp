@@ -1,4 +1,4 @@
-// The events of a run as a page.
+// Writes the events of a run as a page.
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -60,7 +60,7 @@ std::string Received(const std::vector<Field>& outputs) {
   return text;
 }
 
-// Of a mask as "0x" and its digits.
+// Returns whether a mask, written as "0x" and digits, selects all bits.
 bool CountsAll(const std::string& mask) {
   return mask.find_first_not_of('f', 2) == std::string::npos;
 }
@@ -75,7 +75,7 @@ std::string Expected(const CallEvent& call) {
   return text;
 }
 
-// A number for each value with wrong bits, as long as they need: these bits of it are ones.
+// Returns a number for each value with wrong bits, in which these bits are ones.
 std::string Wrong(const CallEvent& call) {
   std::string text;
   for (const Comparison& one : call.comparisons) {
@@ -96,7 +96,7 @@ Verdict VerdictOf(const CallEvent& call) {
   return call.comparisons.empty() ? Verdict::kDone : Verdict::kMet;
 }
 
-// What a line of a GPIO script does.
+// Returns the name of the operation of a line in a GPIO script.
 std::string PinName(int flags) {
   if ((flags & GPIO_FLAG_START) != 0) return "START";
   if ((flags & GPIO_FLAG_END) != 0) return "END";
@@ -112,7 +112,7 @@ std::string NameOfOperation(const CallEvent& call) {
   return pins != nullptr ? PinName(pins->flags) : FunctionOf(call.call);
 }
 
-// Makes one row of the calls of an operation, followed by the reasons why it failed.
+// Writes the calls of an operation as one row, followed by the reasons why it failed.
 class RunPage : public Output, public EventListener, public StepRecorder {
  public:
   explicit RunPage(std::ostream& stream) : stream_(stream) {}
@@ -136,10 +136,10 @@ class RunPage : public Output, public EventListener, public StepRecorder {
   };
   std::ostream& stream_;
   PageWriter writer_;
-  std::string round_;            // of a repeated run: ends the name of a script
-  long operation_ = 0;           // the next one's number
+  std::string round_;            // of a repeated run; appended to the names of scripts
+  long operation_ = 0;           // the number of the next operation
   std::optional<PageRow> scan_;  // inserted, not yet executed
-  std::vector<Error> errors_;    // of the call under way
+  std::vector<Error> errors_;    // of the current call
 };
 
 void RunPage::OnScript(const ScriptBegin& script) {
@@ -147,8 +147,8 @@ void RunPage::OnScript(const ScriptBegin& script) {
   operation_ = 0;
 }
 
-// A scan is one row, although it is queried, inserted and executed. It keeps the row of its insert
-// call if it is never executed.
+// A scan is one row, although it is queried, inserted and executed. If it is never executed, the
+// row is that of the insert call.
 void RunPage::OnCall(const CallEvent& call) {
   if (AsksForInterface(call)) return;
   scan_.reset();

@@ -1,25 +1,25 @@
-// Finds a text in the lines of lists, also in those that are not in the document.
+// Finds a text in the lines of lists, even if they are not in the document.
 
-// The text of an item in which the search looks: what is drawn, but for numbers and results. That of
-// an operation is kept, as there are many.
+// Returns the text of an item that the search compares: the shown text without numbers and results.
+// The text of an operation is stored, because there are many.
 function searchText(item) {
   const {kind, row} = item;
   if (kind === "row") {
     row.searched ??= [row.name, row.sent, row.received, row.expected].map(visible).join("\n");
     return row.searched;
   }
-  if (kind === "piece" || kind === "value") return "";  // found with its line, or its row
+  if (kind === "piece" || kind === "value") return "";  // part of the text of its line or row
   const text = kind === "line" ? data.sources[item.source].lines[item.line - 1] : item.text;
   return visible(text ?? "");
 }
 
-// The elements of an item with these texts.
+// Returns the elements of an item that contain this text.
 function searchElements(element) {
   if (element.matches(".row")) return [...element.children].slice(2, -1);
   return element.matches(".line") ? element.querySelectorAll(".text") : [element];
 }
 
-// Puts what matches into <mark>.
+// Puts each match into a <mark>.
 function markMatches(element, pattern) {
   const walker = document.createTreeWalker(element, NodeFilter.SHOW_TEXT);
   const nodes = [];
@@ -36,15 +36,15 @@ function markMatches(element, pattern) {
 }
 
 class Search {
-  // `onShow` is told the list and the index of the match to show.
+  // `onShow` is called with the list and the index of the match to show.
   constructor(lists, onShow) {
     this.lists = lists;
     this.onShow = onShow;
     this.pattern = null;
-    this.one = null;  // the same for one match
-    this.matches = [];  // numbers: the items of all lists are counted one after the other
-    this.current = -1;  // in them
-    this.texts = new Map();  // of the items of a list, once they are needed
+    this.one = null;  // the same, but finds one match
+    this.matches = [];  // indexes of items, counted through all lists
+    this.current = -1;  // an index into `matches`
+    this.texts = new Map();  // lists to the texts of their items, made when needed
     for (const list of lists) {
       list.decorate = (element, index) => this.decorate(list, element, index);
     }
@@ -57,7 +57,7 @@ class Search {
     return this.texts.get(list).texts;
   }
 
-  // Sets the text to find, whatever the case of its letters; an empty one is nowhere.
+  // Sets the text to find. Case is ignored. An empty text has no matches.
   look(text) {
     const escaped = text.replace(/[.*+?^${}()|[\]\\]/g, "\\$&");
     this.pattern = text === "" ? null : new RegExp(escaped, "gi");
@@ -81,7 +81,7 @@ class Search {
     for (const list of this.lists) list.refresh();
   }
 
-  // Shows the next match, or the one before; after the last follows the first.
+  // Shows the next or previous match. The first follows the last.
   step(way) {
     const count = this.matches.length;
     if (count === 0) return;
@@ -93,7 +93,7 @@ class Search {
     }
   }
 
-  // Of the match that is shown.
+  // Returns the list and the index of the current match.
   place() {
     let index = this.matches[this.current] ?? -1;
     for (const list of this.lists) {

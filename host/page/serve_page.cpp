@@ -1,4 +1,4 @@
-// What happens at a served target as a page.
+// Writes the events at a served target as a page.
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -13,7 +13,7 @@
 namespace icehost {
 namespace {
 
-// Of a longer scan the page shows the bits that are shifted first: who checks a chain may shift
+// The page shows only the first bits of a longer scan. A client that checks a chain may shift
 // thousands.
 constexpr std::size_t kMostBits = 1024;
 
@@ -31,8 +31,8 @@ std::string NameOf(const TapScan& scan) {
   return name;
 }
 
-// A row for every scan, reset and stay in Run-Test/Idle, in the order in which they end; clients
-// come and go between them.
+// Writes a row for each scan, reset and stay in Run-Test/Idle, in the order in which they end.
+// Messages between the rows say when clients connect and leave.
 class ServePage : public Output, public ServeListener, public StepRecorder {
  public:
   explicit ServePage(std::ostream& stream) : stream_(stream) {}

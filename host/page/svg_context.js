@@ -1,4 +1,4 @@
-// A drawing context for the waveform that makes an SVG picture, which is sharp at any size.
+// A drawing context that draws the waveform as an SVG picture, which is sharp at any size.
 class SvgContext {
   static ANCHORS = {left: "start", center: "middle", right: "end"};
 
@@ -23,7 +23,7 @@ class SvgContext {
   }
 
   measureText(text) {
-    return {width: 6.63 * text.length};  // of a font of 11 pixels
+    return {width: 6.63 * text.length};  // for a font of 11 pixels
   }
 
   fillRect(x, y, width, height) {
@@ -56,7 +56,7 @@ class SvgContext {
     this.outline += `L${x} ${y}`;
   }
 
-  // Always a whole circle.
+  // Always draws a whole circle.
   arc(x, y, radius) {
     const half = `a${radius} ${radius} 0 0 1 `;
     this.outline += `M${x - radius} ${y}${half}${2 * radius} 0${half}${-2 * radius} 0`;
@@ -71,7 +71,7 @@ class SvgContext {
       d: this.outline}));
   }
 
-  // Clips what is drawn until restore().
+  // Sets the area for clip(), which ends at restore().
   rect(x, y, width, height) {
     this.bounds = {x, y, width, height, viewBox: `${x} ${y} ${width} ${height}`};
   }

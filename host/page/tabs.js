@@ -1,4 +1,4 @@
-// Shows one area. Wide screens show all of them at any time.
+// Shows one area. Wide screens always show all areas.
 function showArea(name) {
   document.body.dataset.shows = name;
   for (const button of document.querySelectorAll("#tabs button")) {

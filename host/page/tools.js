@@ -1,8 +1,8 @@
-// The tools above the lists: the search, and the way from failure to failure.
+// The tools above the lists: the search, and the buttons for failures.
 const tool = (id) => document.getElementById(id);
 let search = null;
 
-// Items of operations that did not do well, with what belongs to them.
+// Returns the items of failed operations, with their titles, errors and messages.
 function failedItems(items) {
   const kept = items.filter((item) => item.kind === "title" || item.kind === "error" ||
     item.row?.verdict >= NOT_MET);
@@ -38,7 +38,7 @@ function showMatchCount() {
   for (const id of ["match-previous", "match-next"]) tool(id).disabled = matches.length === 0;
 }
 
-// In the items that are there now.
+// Searches the current items of the lists.
 function findMatches() {
   if (search === null) return;
   search.find();
@@ -61,7 +61,7 @@ function clearSearch() {
   showOperations();
 }
 
-// The failure after the operation that is picked, or the one before; after the last comes the first.
+// Shows the next or previous failure from the selected operation. The first follows the last.
 function stepFailure(way) {
   const at = pickedRow === null ? -1 : pickedRow.index;
   const next = way > 0 ? badRows.find((row) => row.index > at)

@@ -1,10 +1,10 @@
-// The waveform on a canvas: a ruler, the operations, their data, the TAP's states and the pins.
+// The waveform on a canvas: a ruler, the operations, their data, the TAP states and the pins.
 class Wave extends WaveView {
-  static RULER = 22;  // pixels, as all that follows
+  static RULER = 22;  // pixels, as are the next two
   static MOST_LANE = 24;
-  static HIGH = 14;   // of a signal
+  static HIGH = 14;   // height of a signal
 
-  // `onMove` is told that what is in sight, or the cursor, may have changed.
+  // `onMove` is called when the visible part or the cursor may have changed.
   constructor(canvas, onPick, onMove) {
     super(canvas, onPick);
     this.onMove = onMove;
@@ -14,7 +14,7 @@ class Wave extends WaveView {
     this.readColours();
   }
 
-  // Lanes are lower where there is less room.
+  // Makes the lanes lower if there is little room.
   resize() {
     const room = this.canvas.clientHeight - Wave.RULER - 6;
     this.lane = Math.min(Wave.MOST_LANE, Math.floor(room / (data.pins.length + 3)));
@@ -70,7 +70,7 @@ class Wave extends WaveView {
     this.context.fillRect(Math.round(this.x(step + 0.5)), 0, 1, this.height);
   }
 
-  // Marks 1, 2 or 5 times a power of ten apart.
+  // Draws marks that are 1, 2 or 5 times a power of ten apart.
   drawRuler() {
     const {context, colour} = this;
     const least = 90 / this.scale;
@@ -88,8 +88,8 @@ class Wave extends WaveView {
     }
   }
 
-  // Blocks in a lane. Those thinner than a pixel fall into one; `style` answers {fill, texts,
-  // inset}, the texts from the longest on, the inset how much of the end they leave free.
+  // Draws the blocks of a lane, but only the first within each pixel. `style` returns {fill, texts,
+  // inset}: the texts, longest first, leave `inset` pixels free at the end of the block.
   drawBlocks(segments, y, style) {
     const {context, colour} = this;
     const [first, end] = this.sight();
@@ -122,7 +122,7 @@ class Wave extends WaveView {
     return low;
   }
 
-  // In the part of the block that is in sight.
+  // Draws the longest text that fits into the visible part of the block.
   drawText(texts, x, width, y) {
     const left = Math.max(x, Wave.LABELS);
     const right = Math.min(x + width, this.width);
@@ -158,8 +158,8 @@ class Wave extends WaveView {
     this.drawBlocks(this.taps, y, style);
   }
 
-  // What each column of pixels shows: the levels that any, and that all of its steps have; one that
-  // begins with a change shows both levels.
+  // Returns {any, all} for each column of pixels: the pins that are high in any step of it, and in
+  // all steps. A column that begins with a change has both levels.
   columns() {
     const count = Math.min(this.room(), Math.ceil(this.x(steps.length)) - Wave.LABELS);
     const columns = [];
@@ -182,7 +182,7 @@ class Wave extends WaveView {
 
   drawPin(columns, pin, y) {
     const {context} = this;
-    const level = ({any, all}) => (any >> pin & 1) + (all >> pin & 1);  // 0, 2, or 1: both
+    const level = ({any, all}) => (any >> pin & 1) + (all >> pin & 1);  // 0: low, 2: high, 1: both
     context.fillStyle = this.colour.wave;
     for (let from = 0, to = 0; from < columns.length; from = to) {
       const shown = level(columns[from]);
@@ -211,7 +211,7 @@ class Wave extends WaveView {
     });
   }
 
-  // How much of all is in sight, and where.
+  // Shows which part of the waveform is visible.
   drawPlace() {
     const part = this.room() / steps.length;
     this.context.fillStyle = this.colour.edge;

@@ -1,19 +1,19 @@
-// What of the waveform is in sight, the cursor in it, and the keys and pointers that move them.
-// Positions are steps, as fractions where a pixel is less than one.
+// The visible part of the waveform, the cursor, and the keys and pointers that move them. Positions
+// are steps, and are fractions if a pixel is less than one step.
 class WaveView {
-  static LABELS = 64;  // pixels, left of the waveform
+  static LABELS = 64;  // pixels to the left of the waveform
   static MOST_SCALE = 60;
 
-  // `onPick` is told the step that was clicked. A subclass draws.
+  // `onPick` is called with the step that was clicked. A subclass draws.
   constructor(canvas, onPick) {
     this.canvas = canvas;
     this.context = canvas.getContext("2d");
     this.onPick = onPick;
     this.from = 0;       // the step at the left edge
-    this.scale = 0;      // pixels a step
+    this.scale = 0;      // pixels per step
     this.cursor = null;  // a step
-    this.hover = null;   // likewise
-    this.row = null;     // the one that is picked
+    this.hover = null;   // the step under the pointer
+    this.row = null;     // the selected row
     this.resize();
     new ResizeObserver(() => this.resize()).observe(canvas);
     this.listen();
@@ -43,7 +43,7 @@ class WaveView {
     this.redraw();
   }
 
-  // Keeps the step at `x` where it is.
+  // Zooms without moving the step at `x`.
   zoom(factor, x) {
     const step = this.stepAt(x);
     const scale = Math.min(WaveView.MOST_SCALE, Math.max(this.leastScale(), this.scale * factor));
@@ -56,8 +56,8 @@ class WaveView {
     this.zoom(factor, seen ? x : WaveView.LABELS + this.room() / 2);
   }
 
-  // Brings a row into sight, wide enough to be seen, with the cursor at its beginning. One that only
-  // reads has no step of its own: it reads what the step before it left. Null: none is picked.
+  // Shows a row wide enough to be seen, with the cursor at its beginning. For a row that only reads
+  // and has no steps, shows the step whose levels it read. Null selects no row.
   showRow(row) {
     this.row = row;
     if (row === null) return this.redraw();
@@ -74,7 +74,7 @@ class WaveView {
     this.show(inSight ? this.from : place + length / 2 - room / this.scale / 2, this.scale);
   }
 
-  // Lets a row fill most of the width; one without steps, the step that it reads.
+  // Makes a row, or the step that it reads if it has no steps, fill most of the width.
   zoomToRow(row) {
     if (row === null || row.end === 0 || row.begin > steps.length) return;
     const begin = Math.min(row.begin, row.end - 1);
@@ -98,7 +98,7 @@ class WaveView {
     return this.from + (x - WaveView.LABELS) / this.scale;
   }
 
-  // The steps in sight: the first, and the one past the last.
+  // Returns the first visible step, and the step after the last.
   sight() {
     const end = Math.min(steps.length, Math.ceil(this.stepAt(this.width)) + 1);
     return [Math.max(0, Math.floor(this.from)), end];
@@ -178,7 +178,7 @@ class WaveView {
     event.preventDefault();
   }
 
-  // Once for all that happens before the next frame.
+  // Draws only once for all changes before the next frame.
   redraw() {
     this.frame ??= requestAnimationFrame(() => {
       this.frame = null;

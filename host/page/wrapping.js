@@ -1,5 +1,5 @@
-// Returns the end of the part of a text from `from` on that fits into `most` columns. Characters of
-// scripts such as Chinese take two columns.
+// Returns the end of the part of a text that begins at `from` and fits into `most` columns.
+// Characters of scripts such as Chinese need two columns.
 function endOf(text, from, most) {
   let column = 0;
   let at = from;
@@ -11,7 +11,7 @@ function endOf(text, from, most) {
   return at;
 }
 
-// Splits a text into one or more pieces, after a blank if one is near.
+// Splits a text into one or more pieces, if possible after a blank.
 function piecesOf(text, most) {
   const whole = visible(text);
   const pieces = [];
@@ -26,7 +26,7 @@ function piecesOf(text, most) {
   return [...pieces, whole.slice(from)];
 }
 
-// Wraps the lines of the script that are longer than their area.
+// Wraps the lines of the script that are wider than their area.
 class Wrapping {
   constructor(button, list, onChange) {
     this.button = button;
@@ -52,7 +52,7 @@ class Wrapping {
     this.list.revealPicked();
   }
 
-  // The number of columns for the text of a line.
+  // Returns the number of columns for the text of a line.
   room() {
     const text = this.list.element.querySelector(".line .text");
     if (text === null || text.clientWidth === 0) return this.most;

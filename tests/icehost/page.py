@@ -22,7 +22,7 @@ from page_drawing import RECORD, Picture, colours_of, drawn
 from page_tools import check_bits, check_copy, check_failures, check_search
 
 def operations_of(lines):
-    """From the calls: line, values read, whether it is well."""
+    """Returns line, values read and verdict of each operation in the calls."""
     found = []
     for call in lines:
         if call.get("call") in (None, "link_jtag_insert") or call.get("code") == "GET_CDI":
@@ -38,7 +38,7 @@ def operations_of(lines):
 
 
 def check_against_other_outputs():
-    """A page shows what the JSON lines and the waveform of the same run say."""
+    """A page agrees with the JSON lines and the waveform of the same run."""
     for status, *arguments in (
             (0, "examples/read_idcode.ini"), (0, "examples/read_idcode.gpio"),
             (0, "examples/two_wire.ini"), (0, "examples/reset.ini", "examples/reset_pulse.gpio"),
@@ -91,7 +91,7 @@ def check_head_and_failure():
     expect("told once", [text.split(": ")[1] for text in texts(".mark.error")], ["TCK is 1 \u00d72"])
     show("-", script="[CONTROL]\nCDI=5\n")
     expect("without pins", (texts("#notes li"), js("return document.querySelector('#wave').hidden")),
-           (["No waveform: the probe showed no pins, or nothing moved them"], True))
+           (["No waveform: the probe showed no pins, or nothing drove them"], True))
     server = Serve()
     address = f"127.0.0.1:{server.port}"
     show("--probe", f"remote-bitbang:{address}", "examples/read_idcode.ini")
@@ -104,13 +104,13 @@ def check_head_and_failure():
 
 
 def check_problems():
-    """The problems of check follow their lines; without --force nothing is written."""
+    """The problems of check follow their lines. Without --force, no page is written."""
     os.unlink(PAGE)
     expect("with errors", run("tests/scripts/bad.ini"), 1)
     expect("a page of nothing", os.path.exists(PAGE), False)
     show("--force", "tests/scripts/bad.ini", "examples/reset.ini")
     expect("the rest", texts("#entries dd")[-1], "examples/reset.ini")
-    # An empty script has its problem beyond its end.
+    # The problem of an empty script is after its end.
     for script in ("tests/scripts/bad.ini", "tests/golden/empty.txt"):
         records = records_of(output(ICEHOST, "check", "-q", "--json", "-", script))
         show("--force", script)
@@ -122,7 +122,7 @@ def check_problems():
 
 
 def check_hostile():
-    """Sections and comments stay texts that would be markup, code or commands elsewhere."""
+    """Sections and comments that contain markup, code or commands remain text."""
     show("--force", "tests/scripts/markup.ini")
     names = read("tests/golden/page_sections.txt").splitlines()
     expect("sections", [row[2] for row in table()], names)
@@ -131,7 +131,7 @@ def check_hostile():
 
 
 def click_wave(canvas, step):
-    """Clicks where a step is drawn."""
+    """Clicks a step in the waveform."""
     x = js("return wave.x(arguments[0] + 0.5) - wave.width / 2", step)
     ActionChains(browser).move_to_element_with_offset(canvas, x, 0).click().perform()
     settle()
@@ -143,7 +143,7 @@ def check_picking():
     numbers = {row[2]: int(row[0]) for row in table() if row[2].startswith("[")}
     places = js("return rows.map((row) => [row.begin, row.end])")
     before = view()
-    # The lines of a section that do nothing themselves lead to its operation.
+    # Lines of a section without an operation select the operation of the section.
     for text in ("TDO=0x78,0x56,0x34,0x12", "[READ_AGAIN]", "DR=W,32,0x78,0x56,0x34,0x12"):
         click(".text", text)
         name = {"T": "[READ_BACK]", "[": "[READ_AGAIN]", "D": "[WRITE_SCRATCH]"}[text[0]]
@@ -158,7 +158,7 @@ def check_picking():
     click_wave(canvas, (begin + end) // 2)
     expect("from the waveform", ("[READ_BACK]" in picked()[1], picked()[0]), (True, "11"))
     expect("address", browser.current_url.split("#")[1], "line-11")
-    # Clicked again, a line of a block leads to its next time.
+    # Another click on a line of a block selects the next time that it ran.
     for times in range(2):
         click(".text", "TCK=1                       # the target captures the register, "
               "from then on it shifts")
@@ -182,8 +182,8 @@ def check_picking():
         expect(text, (picked()[0], picked()[1][:1]), (line, row))
 
 
-# Pages on which something is done: arguments, and a script for standard input. The first has more
-# operations than the list holds elements at once, the last fewer steps than the canvas has room for.
+# Arguments and standard input of the runs for check_moves. In "long", the list does not contain all
+# operations at once. In "short", the canvas has room for more steps than there are.
 READ = "PRINT=GPIO_IN"
 PAGES = {
     "long": (["examples/read_idcode.ini", "examples/reset.ini", "-"],
@@ -202,8 +202,8 @@ PAGES = {
 }
 MOVES = "tests/golden/page_moves.txt"
 OUTLINE = "tests/golden/page_outline.txt"
-# The waveform has room for 1000 pixels, each list for 10 lines. Each function returns whether the
-# browser was left to do what it does by itself.
+# The waveform is 1000 pixels wide, and each list has 10 lines. Each function returns whether the
+# default action of the browser was not prevented.
 HELPERS = """
 const canvas = document.getElementById("canvas"), lists = [sourceList.element, rowList.element];
 canvas.style.width = "1064px";
@@ -230,7 +230,7 @@ return [[wave.from, wave.scale, wave.cursor, wave.hover].map(short).join(" "),
 
 
 def check_drawing(what):
-    """The canvas shows the steps of the run."""
+    """The canvas shows the data of the page."""
     data = json.loads(re.search('id="data">(.*?)</script', read(PAGE), re.S)[1])
     colours = colours_of(read("host/page/page.css"))
     view = js("const {from, scale, cursor, hover, row, width, height, character} = wave;"
@@ -249,7 +249,7 @@ def compare_golden(path, text):
 
 
 def check_moves():
-    """A session: after each "$ DEED" comes what it returns, and what is in sight then."""
+    """After each "$ ACTION", the session has its result and the visible state."""
     session = ""
     for line in read(MOVES).splitlines():
         if line[0] == "=":
@@ -270,8 +270,8 @@ def check_moves():
 
 
 def check_outline():
-    """The elements of a page, but for what differs from run to run. Its totals say that it was cut,
-    a line has more errors than are shown with it, and one is beyond the end of the script."""
+    """The elements of a page, without values that differ between runs. The page is cut, a line has
+    more errors than are shown with it, and one error is after the end of the script."""
     arguments, script = PAGES["failing"]
     run(*arguments, script=script)
     page = re.sub(r'("total_\w+":)(\d+)', lambda total: f"{total[1]}{int(total[2]) + 2}", read(PAGE))
@@ -293,7 +293,7 @@ def check_outline():
 
 
 def check_mouse_and_keyboard():
-    """The events that a browser makes itself."""
+    """Events that come from the browser."""
     show("examples/scratch_register.ini", "examples/reset.ini")
     canvas = browser.find_element("id", "canvas")
 
@@ -317,7 +317,7 @@ def check_mouse_and_keyboard():
 
 
 def check_long():
-    """More steps and operations than a page holds; the last operation but one is not met."""
+    """More steps and operations than a page contains. The last read is not as expected."""
     repeated = "TCK=1\nPRINT=GPIO_IN\nTCK=0,TMS=0\nTDI=1\nTDI=0\n"
     script = (f"[ZEVA_ICE_GPIO]\nSTART\nGPIO_OE=0x1F\nREPT=30000\n{repeated}ENDR\n"
               "PRINT=GPIO_IN # expect NRST=1\nEND\n")
@@ -326,12 +326,12 @@ def check_long():
     open_page()
     expect("opens in 10 s", time.monotonic() - begun < 10, True)
     expect("notes", [note for note in texts("#notes li") if note.startswith("Cut")],
-           ["Cut: the first 100001 of 150004 operations, and later ones that are not well",
-            "Cut: the waveform holds the first 100000 of 120002 steps"])
+           ["Cut: the first 100001 of 150004 operations, and later failures",
+            "Cut: the waveform shows the first 100000 of 120002 steps"])
     expect("the end", table()[-1][2:], ["read", "", "0x20 TDO", "0x01/0x01", "NOT MET"])
     expect("elements", len(texts(".item")) < 500, True)
     expect("past the waveform", (texts("#detail dd")[-2], texts("#readout")),
-           ("none of its own, at 120002 us, which the waveform leaves out", [""]))
+           ("none, at 120002 us, not in the waveform", [""]))
     click_wave(browser.find_element("id", "canvas"), 10)
     browser.find_element("id", "zoom-all").click()
     expect("zoomed out", view(), [0, 100000])
@@ -346,7 +346,7 @@ def check_interrupted():
 
 
 def check_served():
-    """What a client of serve does: a DR scan in Pause-DR, TRST, a scan that the end cuts short."""
+    """A client of serve does a DR scan with Pause-DR, TRST, and a scan that is cut short."""
     scan = RESET + b"04" + TO_SHIFT_DR + b"05" * 3 + BACK[2:]
     server = Serve("--html", PAGE)
     server.play(scan + b"2626" + b"tr" + b"04" + TO_SHIFT_DR + b"1515RQ")
@@ -388,7 +388,7 @@ def check_narrow():
 
 
 def check_console():
-    """No page complained, until this one tries the network."""
+    """No page reported an error before this one uses the network."""
     expect("console", browser.get_log("browser"), [])
     blocked = browser.execute_async_script(
         "const done = arguments[0]; addEventListener('securitypolicyviolation',"

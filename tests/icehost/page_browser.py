@@ -1,4 +1,4 @@
-"""Chromium with a page that icehost writes with --html, for the tests of the page."""
+"""Runs Chromium with a page of icehost run --html, for the tests of the page."""
 import os
 import re
 import subprocess
@@ -29,20 +29,20 @@ js = browser.execute_script
 
 
 def run(*arguments, script=""):
-    """Returns the status."""
+    """Runs scripts and returns the exit status."""
     command = [ICEHOST, "run", "-q", "--html", PAGE, *arguments]
     return subprocess.run(command, input=script.encode(), capture_output=True,
                           check=False).returncode
 
 
 def settle():
-    """Waits until what was asked for is drawn."""
+    """Waits until the browser has drawn all changes."""
     browser.execute_async_script(
         "const done = arguments[0]; requestAnimationFrame(() => requestAnimationFrame(() => done()))")
 
 
 def open_page(fragment="", wrapped=False):
-    """Without `wrapped` a line of the script is one line of the page."""
+    """Unless `wrapped` is set, lines of the script are not wrapped."""
     browser.get("about:blank")
     browser.get(f"file://{PAGE}{fragment}")
     if not wrapped:
@@ -51,7 +51,7 @@ def open_page(fragment="", wrapped=False):
 
 
 def show(*arguments, script="", wrapped=False):
-    """Runs, opens the page and returns the status of the run."""
+    """Runs scripts, opens the page and returns the exit status."""
     status = run(*arguments, script=script)
     open_page(wrapped=wrapped)
     return status
@@ -63,18 +63,18 @@ def texts(selector):
 
 
 def table():
-    """The rows of operations, as the texts of their cells."""
+    """Returns the texts of the cells of all operations."""
     return js("return [...document.querySelectorAll('#row-list .row')].map("
               "(row) => [...row.children].map((cell) => cell.textContent))")
 
 
 def picked():
-    """The picked line and operation."""
+    """Returns the selected line and operation."""
     return (texts("#source-list .picked a") + [""])[0], (texts("#row-list .picked.row") + [""])[0]
 
 
 def view():
-    """The first and the last step in sight."""
+    """Returns the first and the last visible step."""
     settle()
     return [int(number) for number in re.findall(r"\d+", texts("#view")[0])[:2]]
 
@@ -86,7 +86,7 @@ def click(selector, text):
 
 
 def set_screen(width, scheme="light", ratio=1):
-    """Of 1280 pixels it is the browser's own."""
+    """Sets the size of the screen, which is initially 1280 pixels wide."""
     browser.execute_cdp_cmd("Emulation.setDeviceMetricsOverride", {
         "width": width, "height": 900 if width > 400 else 800, "deviceScaleFactor": ratio,
         "mobile": False})

@@ -1,6 +1,6 @@
-"""What a page draws on its canvas, and what it has to draw of the data in it.
+"""Compares what a page draws on its canvas with what it must draw for its data.
 
-Both are lists of calls in their order, without those that change nothing that is in sight:
+Both are lists of calls in order, without calls that have no visible effect:
 (name, x, y, width, height, colour), ("fillText", x, y, text, align, baseline, colour), (name, x, y,
 ...) for a part of a path, and (name, colour) for the path.
 """
@@ -13,7 +13,7 @@ LABELS, RULER, LANE, HIGH = 64, 22, 24, 14  # pixels
 NOT_MET = 2
 UNKNOWN_TAP = 16
 
-# Draws once more, and returns the calls.
+# Draws again, and returns the calls.
 RECORD = """
 const {context} = wave, calls = [];
 for (const name of ["save", "beginPath", "rect", "clip", "restore", "fillRect", "fillText", "arc",
@@ -28,14 +28,14 @@ return calls"""
 
 
 def colours_of(styles):
-    """The names of the light colours."""
+    """Returns the names of the light colours."""
     found = re.findall(r"--([a-z-]+): (#\w+);", styles.partition("@media")[0])
     return {value if len(value) == 7 else "#" + "".join(2 * digit for digit in value[1:]): name
             for name, value in found}
 
 
 def drawn(calls, colours, width):
-    """The calls that RECORD returned."""
+    """Returns the visible calls of those that RECORD returned."""
     found = []
     for name, values, fill, align, baseline in calls:
         colour = colours.get(fill, fill)
@@ -49,7 +49,7 @@ def drawn(calls, colours, width):
 
 
 def in_sight(calls, width):
-    """Rounded, and without what is clipped."""
+    """Returns the calls with rounded numbers, without those that are clipped."""
     kept, clipped = [], False
     for name, *values in calls:
         clipped = (clipped or name == "clip") and name != "restore"
@@ -63,7 +63,7 @@ def in_sight(calls, width):
 
 
 class Picture:
-    """What has to be drawn."""
+    """The calls that the page must make."""
 
     def __init__(self, data, view):
         raw = base64.b64decode(data["steps"])
@@ -113,7 +113,7 @@ class Picture:
         return in_sight(self.calls, self.width)
 
     def ruler(self):
-        """A mark every 1, 2 or 5 times a power of ten, the nearest that are 90 pixels apart."""
+        """Draws marks 1, 2 or 5 times a power of ten apart, which is at least 90 pixels."""
         powers = (digit * 10 ** power for power in range(7) for digit in (1, 2, 5))
         apart = next(steps for steps in powers if steps * self.scale >= 90)
         end = min(len(self.steps), math.ceil(self.start + self.room / self.scale) + 1)
@@ -123,12 +123,12 @@ class Picture:
             self.text(x + 4, RULER / 2 - 2, f"{time} us", "left", "dim")
 
     def blocks(self, y, blocks):
-        """Of those in one pixel the first; each with the longest text that has room in sight, and
-        before what its end leaves free."""
+        """Draws the first block of each pixel, with the longest text that fits into its visible
+        part before the free space at its end."""
         taken = None
         for begin, end, colour, texts, *free in blocks:
             x = self.x(begin)
-            right = x + (self.x(end) - x)  # rounded as the page rounds it
+            right = x + (self.x(end) - x)  # rounded in the same way as in the page
             left = math.floor(x)
             if right <= LABELS or (right - x < 1 and left == taken):
                 continue
@@ -165,7 +165,7 @@ class Picture:
         self.blocks(RULER + 2 * LANE, blocks)
 
     def scans(self):
-        """A box from Capture to Update, in operations that say what they shifted."""
+        """Draws a box from Capture to Update for each operation with a known value."""
         states = "".join({"Capture": "c", "Shift": "s", "Exit1": "e", "Pause": "e", "Exit2": "e",
                           "Update": "e"}.get(name.partition("-")[0], " ") + name[-2]
                          for name in (self.taps[step >> len(self.pins)] for step in self.steps))
@@ -177,7 +177,7 @@ class Picture:
             if not sent:
                 continue
             received, expected = (re.search(register + r" 0x(\w+)", text) for text in row[6:8])
-            extra = len(sent[2]) - len(received[1]) if received else 0  # goes before, on two wires
+            extra = len(sent[2]) - len(received[1]) if received else 0  # an extra byte on two wires
             value = f"0x{sent[2][:len(sent[2]) - extra]}"
             back = f"-> 0x{received[1]}" if received else ""
             wrong = register in row[8]
@@ -193,9 +193,9 @@ class Picture:
         self.unmet = [(begin, end) for begin, end, *_, free in blocks if free]
 
     def reads(self):
-        """A ring, a dot or a cross at each step that was read, with the longest text that has room;
-        ticks and fewer crosses where they are dense."""
-        shown = {}  # by the step: the first that is not met, or else the last
+        """Draws a ring, a dot or a cross at each step that was read, with the longest text that
+        fits. Dense reads have ticks and fewer crosses."""
+        shown = {}  # for each step, the first row that is not met, or else the last
         for row in self.rows:
             if row[6].startswith("0x") and 0 < row[3] <= len(self.steps):
                 if shown.get(row[3] - 1, [None])[-1] != NOT_MET:
@@ -214,7 +214,7 @@ class Picture:
             if row[-1] != NOT_MET:
                 self.calls += [("beginPath",), ("arc", x, middle, 3, 0, 2 * math.pi),
                                ("fill", "wave" if row[7] else "bg"), ("stroke", "wave")]
-            # No text is over a box.
+            # No text overlaps a box.
             free = max([free] + [self.x(end) for _, end in self.boxes if end <= step + 1])
             free = self.read_text(row, x, free, min([next_x - 6, self.width] + [
                 self.x(begin) for begin, end in self.boxes if end > step + 1]))
@@ -222,7 +222,7 @@ class Picture:
                                           if row[-1] == NOT_MET]))
 
     def read_text(self, row, x, free, end):
-        """Returns where the next text may begin."""
+        """Returns the position at which the next text can begin."""
         value, expected, wrong = row[6][:4], row[7], int(row[8] or "0", 0)
         mask = int(expected.partition("/")[2] or "0x3f", 0)
         texts = [row[6], value] + [str(int(value, 0) >> 5 & 1)] * (mask >> 5 & 1)
@@ -250,7 +250,7 @@ class Picture:
                                ("moveTo", x - 3, y + 3), ("lineTo", x + 3, y - 3), ("stroke", "bad")]
 
     def levels(self, pin):
-        """A column of pixels shows the levels of its steps, and of the step before."""
+        """Draws in each column of pixels the levels of its steps and of the previous step."""
         levels, columns, before = [step >> pin & 1 for step in self.steps], [], set()
         for column in range(min(self.room, math.ceil(self.x(len(levels))) - LABELS)):
             first = math.floor(self.start + column / self.scale)

@@ -1,5 +1,5 @@
 #!/usr/bin/python3 -B
-"""The page that icehost writes with --html on screens of several sizes, with keys alone, and on paper.
+"""Checks a page of icehost run --html on screens of several sizes, with keys only, and on paper.
 
 usage: page_layout.py ICEHOST SOURCE_FOLDER
 """
@@ -32,13 +32,13 @@ def focus(name):
 
 
 def cut(selector):
-    """The texts that are wider than their room."""
+    """Returns the texts that are wider than their space."""
     return js("return [...document.querySelectorAll(arguments[0])].filter((one) => one.offsetParent"
               "&& one.scrollWidth > one.clientWidth + 1).map((one) => one.textContent)", selector)
 
 
 def printed():
-    """The lines of the page on paper."""
+    """Returns the lines of the printed page."""
     pdf = browser.execute_cdp_cmd("Page.printToPDF", {"generateTaggedPDF": False})["data"]
     with open("page.pdf", "wb") as file:
         file.write(base64.b64decode(pdf))
@@ -46,7 +46,7 @@ def printed():
 
 
 def check_printed():
-    """All of the script, the operations and the waveform, whatever the screen shows of it."""
+    """Paper has the whole script, operations and waveform, whatever the screen shows."""
     runs = ((["examples/read_idcode.gpio"], ""), (["--keep-going", "-"], LONG),
             ([*FAILING, "examples/scratch_register.ini", "examples/read_idcode.ini"], ""))
     screens = ((1280, "light"), (700, "dark"), (400, "light"))
@@ -79,7 +79,7 @@ def check_printed():
 
 
 def check_widths():
-    """Columns are as wide as their contents, as far as there is room."""
+    """Columns are as wide as their contents if there is room."""
     write("chip.ini", re.search("```ini file=chip.ini\n(.*?)```", read("README.md"), re.S)[1])
     for idcode in ("2badc0d1", "2badc0d3"):
         show("--ir-length", "4", "--idcode", idcode, "chip.ini", wrapped=True)
@@ -156,7 +156,7 @@ def check_wrapping():
 
 
 def check_messages():
-    """Of one operation or of all; by keys, too."""
+    """Messages are shown for one operation or for all, also with keys."""
     show("examples/scratch_register.ini")
     first = "Execute ORVEX_JTAG Script."
     counts = []
@@ -179,7 +179,7 @@ def check_messages():
 
 
 def check_small_screen():
-    """One area at a time, of which one scrolls, and the waveform below it."""
+    """A small screen shows one area that scrolls, and the waveform below it."""
     show(*FAILING, "examples/read_idcode.gpio", "examples/read_idcode.ini")
     set_screen(400)
     for name, shown in (("Script", "source-list"), ("Details", "detail-area"), ("Operations", "row-list")):
@@ -201,7 +201,7 @@ def check_small_screen():
 
 
 def check_accessibility():
-    """axe-core finds nothing."""
+    """axe-core finds no problems."""
     rules = "['wcag2a', 'wcag2aa', 'wcag21a', 'wcag21aa', 'wcag22aa', 'best-practice']"
     try:
         axe = read(AXE)

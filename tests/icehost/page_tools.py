@@ -1,4 +1,4 @@
-"""Checks of a page's tools: the bits of a register, copying, the search and the way to failures."""
+"""Checks the tools of a page: bits of registers, copying, the search and the keys for failures."""
 import json
 import re
 
@@ -8,8 +8,8 @@ from selenium.webdriver.common.keys import Keys
 from lib import expect, read, records_of, write
 from page_browser import PAGE, browser, js, open_page, run, set_screen, settle, show, texts
 
-# The digits of the first register, the most significant first, each with its style; the lines that
-# point at wrong bits; and whether each column of bytes is straight, and within the pane.
+# Returns the digits of the first register with their styles, most significant first, and the lines
+# that point at wrong bits. Also returns whether the columns of bytes are aligned and fit the pane.
 BITS = """
 const lines = {}, [register] = document.querySelectorAll(".register");
 for (const line of register?.querySelectorAll(".bits:not(.numbers)") ?? []) {
@@ -30,7 +30,7 @@ return [lines, straight && detail.scrollWidth <= detail.clientWidth];"""
 
 
 def wanted_bits(bits, values, mask, wrong):
-    """As BITS answers, for (sent, expected, received)."""
+    """Returns the expected result of BITS for (sent, expected, received)."""
     lines = {}
     for kind, value in zip(("sent", "expected", "received"), values):
         if value is None:
@@ -40,7 +40,7 @@ def wanted_bits(bits, values, mask, wrong):
             ("x" if kind == "expected" and masked[bit] else str(value >> bit & 1))
             + (masked[bit] or ("wrong" if kind == "received" and bit in wrong else ""))
             for bit in reversed(range(bits))]
-    # Of the blocks of 32 bits, those with wrong bits have a line for them.
+    # Each block of 32 bits with wrong bits has a line for them.
     pointed = [bit for bit in reversed(range(bits)) if any(bit // 32 == one // 32 for one in wrong)]
     if pointed:
         lines["wrong"] = ["^" if bit in wrong else " " for bit in pointed]
@@ -54,7 +54,7 @@ def check_bits():
     pattern = int("9e3779b97f4a7c15f39cc0605cedc834" * 6, 16)
     full = (1 << 672) - 1
     few = full & ~(1 << 300) & ~(0xff << 48)
-    # Bits, (sent, expected, received), mask, wrong bits, what is said of them.
+    # Bits, (sent, expected, received), mask, wrong bits, the text about them.
     cases = [
         (32, (0, 0x1ce51001, 0x39ca2003), 0x0fffffff, told["wrong_bits"],
          "bits 1, 12-13, 16-19, 21, 24, 26 are wrong"),
@@ -89,7 +89,7 @@ def check_bits():
                 "(one) => document.querySelector(one).getBoundingClientRect());"
                 "return b.top >= a.top - 1 && b.bottom <= a.bottom + 1"), True)
     set_screen(1280)
-    # On two wires, a byte goes before each register; pins have names.
+    # On two wires, a byte is sent before each register. Pins have names.
     show("examples/two_wire.ini")
     js("pickRow(rows[1])")
     expect("two wires", (texts(".register p"), texts(".register .digits")[::3]),
@@ -125,7 +125,7 @@ def back(key):
 
 
 def current():
-    """The match that is shown, if it is in sight."""
+    """Returns the current match if it is visible."""
     return js("const [item, ...others] = document.querySelectorAll('.item.current');"
               "if (!item || others.length > 0) return null;"
               "const a = item.parentElement.parentElement.getBoundingClientRect();"
@@ -138,13 +138,13 @@ MANY = ("[ZEVA_ICE_GPIO]\nSTART\nGPIO_OE=0x1F # (Begin.*)\nREPT=600\nTCK=1\n"
 
 
 def check_search():
-    """Each match in its order, and again from the beginning; most are not in the document."""
+    """The search shows each match in order, and then the first. Most are not in the document."""
     run("--keep-going", "examples/read_idcode.ini", "-", script=MANY)
     open_page()
     reads = [f"GPIO_DATA_{number} = 0x000000" for number in range(601)]
     written = "write" + "OUT TCK"
     errors = ["line 6: expected 0x00, captured 0x24 (mask 0x04): TCK is 1"]
-    # What is searched, the number of matches, and parts of those that are shown one after the other.
+    # Text to search for, number of matches, and parts of the matches in order.
     for query, count, shown in (
             ("GPIO_data_", 601, reads[:3]),
             ("examples/read_idcode.ini", 2, ["examples/read_idcode.ini"] * 2),
@@ -175,7 +175,7 @@ def check_search():
         press(Keys.ESCAPE)
         expect("cleared", (js("return document.getElementById('search').value"), texts("#matches"),
                            texts(".item mark, .item.current")), ("", [""], []))
-    # A match in the script picks its line, and the operation that it leads to.
+    # A match in the script selects its line, and the operation of that line.
     press("[read_idcode]")
     expect("picked", (texts("#source-list .picked a"), js("return pickedRow.index")), (["9"], 1))
     for button, place in (("match-next", 2), ("match-next", 1), ("match-previous", 2)):
@@ -192,7 +192,7 @@ def check_failures():
     def place():
         return texts("#failures")[0], js("return [pickedRow?.index, document.querySelector("
                                          "'#row-list .picked.row > :last-child')?.textContent]")
-    # Deeds, and which failure is shown then; None: an operation that is well.
+    # Actions, and the failure that is shown after each; None: an operation without a failure.
     for deed, number in (
             (lambda: None, 1), (lambda: press("n"), 2), (lambda: press("n"), 3),
             (lambda: press("p"), 2), (lambda: press("p", "p"), 600), (lambda: press("n"), 1),
@@ -206,7 +206,7 @@ def check_failures():
         settle()
         if number is not None:
             expect("failure", place(), (f"{number} of 600 failures", [fails[number - 1], "NOT MET"]))
-    # The filter keeps what failed, with what is said of it.
+    # The filter keeps the failed operations with their errors and messages.
     whole, before = js("return rowList.items.length"), place()
     browser.find_element("id", "failed-only").click()
     expect("failed only", js("return rowList.items.map((item) => item.kind + (item.row?.verdict ?? ''))"),

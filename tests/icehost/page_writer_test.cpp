@@ -1,5 +1,5 @@
-// The limits of a page for a long run, and the escaping of text in it. tests/icehost/page.py tests
-// pages in a browser.
+// Tests the limits of a page for a long run, and how text in it is escaped. tests/icehost/page.py
+// tests pages in a browser.
 #include "host/page/page_writer.h"
 
 #include <gtest/gtest.h>
@@ -13,7 +13,7 @@ namespace {
 using Json = nlohmann::json;
 using Verdict = PageRow::Verdict;
 
-// Returns the text of the data element, as an HTML parser finds it.
+// Returns the text of the data element as an HTML parser reads it.
 std::string DataText(const PageWriter& writer, const PageHead& head = {}) {
   std::ostringstream stream;
   writer.Write(stream, head);

@@ -219,6 +219,18 @@ def check_signals():
     expect(read("rounds"), bool(re.fullmatch(said, read("rounds"))), True)
     expect("rounds kept", read("r.json").count('"round"'), 2)
     expect_whole("r.json")
+    # Nobody reads the messages that the signal makes icehost print.
+    write("loud.gpio", "[ZEVA_ICE_GPIO]\nSTART\nGPIO_OE=1\nREPT=999\nPRINT=GPIO_IN\nENDR\n"
+          "REPT=999999\nTCK=1\nENDR\nEND\n")
+    loud = start("icehost", "run", "--repeat", "0", "--json", "l.json", "loud.gpio",
+                 stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+    while b"End" not in loud.stdout.readline():
+        pass
+    loud.stdout.close()
+    time.sleep(0.5)
+    loud.send_signal(signal.SIGINT)
+    expect("a signal and a lost reader", loud.wait(20), 130)
+    expect_whole("l.json")
     names = (i * 7919 % 60000 for i in range(60000))
     write("many.ini", "".join(f"[{name}x]\nIR=5,1\nDR=R,8,0\n" for name in names))
     ends_by(signal.SIGINT, "run", "--json", "m.json", "--html", "m.html", "many.ini")
