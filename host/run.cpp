@@ -6,7 +6,6 @@
 #include <cstdlib>
 #include <exception>
 #include <new>
-#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -16,11 +15,11 @@
 #include "host/check/plan.h"
 #include "host/console.h"
 #include "host/events/follower.h"
-#include "host/events/round_tally.h"
 #include "host/observed_probe.h"
 #include "host/probe/plugin.h"
 #include "host/run_events.h"
 #include "host/run_scripts.h"
+#include "host/run_totals.h"
 #include "host/system/errors.h"
 #include "host/system/files.h"
 #include "host/system/interrupt.h"
@@ -49,14 +48,11 @@ class Runner {
   bool Repeats() const { return command_.repeat != 1; }
   ExitStatus PlayRounds();
   void BeginRound();
-  void EndRound(ExitStatus status);
   // Plays a round. A failed script ends it; with --keep-going, only if it did not run to its end.
   ExitStatus PlayEach();
   ExitStatus PlayOne(Script& script);
-  void EndScript(Script& script, ExitStatus status);
+  void EndScript(ExitStatus status);
   void TellEnd(bool ran);
-  // Counts the values of the scripts that did not begin in this round.
-  void CountUnplayed();
   void RequestReset(const Script& script);
   // Returns whether the plug-in ran the script to its end.
   bool Play(Script& script);
@@ -70,7 +66,6 @@ class Runner {
   ExitStatus Complete(ExitStatus status);
   ExitStatus EndOutputs(ExitStatus status);
   void Conclude(const std::string& what, Severity severity);
-  RunEnd EndOf(ExitStatus status);
   // Reports why the run ends now, and ends the current script.
   void BreakOff(const std::string& why);
   // Called instead of Complete if the main thread is stuck.
@@ -81,11 +76,6 @@ class Runner {
 
   static int Show(const char* message);
   void BeginScript(Script& script);
-  PageHead Head(ExitStatus status) const;
-  long ExpectedOperations() const;
-  std::string Report() const;
-  std::string RoundCounts() const;
-  std::string Counts() const;
 
   static Runner* running;  // the callbacks get no handle
 
@@ -99,15 +89,9 @@ class Runner {
   Follower follower_;
   ObservedProbe probe_;
   std::vector<Script> scripts_;
-  std::size_t begun_ = 0;        // scripts that began, in any round
-  long round_ = 0;               // the current one
-  long played_rounds_ = 0;       // those played to their ends
-  long failed_rounds_ = 0;       // of these
-  std::size_t ended_ = 0;        // scripts, in the current round
-  ValueCounts values_;           // of all scripts that ended or were left out, in all rounds
+  RunTotals totals_;
   Script* in_plugin_ = nullptr;  // the script that the plug-in runs now
   bool ran_ = false;             // the plug-in ran the current script to its end
-  std::string summary_;          // the results of the expectations
   Rescue rescue_;                // the last member, because it uses the others
 };
 
@@ -119,19 +103,6 @@ Follower::Mode ModeOf(const RunCommand& command) {
 Console::Options ConsoleOptions(const RunCommand& command) {
   const bool shares = UseStandardError(command.outputs);
   return {command.quiet, !command.quiet && !shares && isatty(STDERR_FILENO) != 0};
-}
-
-const char* ResultText(ExitStatus status) {
-  switch (status) {
-    case kAllWell:
-      return "passed";
-    case kInterrupted:
-      return "interrupted";
-    case kNotOpened:
-      return "aborted";
-    default:
-      return "failed";
-  }
 }
 
 Runner* Runner::running = nullptr;
@@ -149,6 +120,7 @@ Runner::Runner(const RunCommand& command)
       follower_(ModeOf(command)),
       probe_(command.probe, command.wire_mode, !outputs_.recorders.empty(), command.strict,
              follower_, events_, rescue_),
+      totals_(command, scripts_, probe_, console_),
       rescue_(Rescue::State::kWorking, [this] { Abandon(); }) {
   running = this;
   if (std::atexit(OnExit) != 0 || std::at_quick_exit(OnExit) != 0) throw IoError("out of memory");
@@ -161,7 +133,7 @@ Runner::~Runner() {
 ExitStatus Runner::PlayAll(std::vector<Script> scripts) {
   ExitStatus status = kNotOpened;
   scripts_ = std::move(scripts);
-  console_.Expect(ExpectedOperations());
+  console_.Expect(totals_.ExpectedOperations());
   try {
     status = PlayRounds();
   } catch (const Interrupted& error) {
@@ -189,10 +161,10 @@ ExitStatus Runner::PlayRounds() {
   outputs_.Begin();
   events_.BeginRun(BeginOf(command_, scripts_));
   bool goes_on = true;
-  while (goes_on && (command_.repeat == 0 || round_ < command_.repeat)) {
+  while (goes_on && totals_.WantsRound()) {
     BeginRound();
     const ExitStatus ended = PlayEach();
-    EndRound(ended);
+    totals_.EndRound(ended);
     status = std::max(status, ended);
     goes_on = ended == kAllWell || (command_.keep_going && ran_);
   }
@@ -200,60 +172,37 @@ ExitStatus Runner::PlayRounds() {
 }
 
 void Runner::BeginRound() {
-  ++round_;
-  ended_ = 0;
+  totals_.BeginRound();
   if (!Repeats()) return;
-  events_.BeginRound(round_);
-  const std::string of = command_.repeat == 0 ? "" : fmt::format(" of {}", command_.repeat);
-  console_.ShowRounds(fmt::format("round {}{}, {} failed, ", round_, of, failed_rounds_));
-}
-
-void Runner::EndRound(ExitStatus status) {
-  CountUnplayed();
-  if (status == kInterrupted) return;
-  ++played_rounds_;
-  if (status != kAllWell) ++failed_rounds_;
+  events_.BeginRound(totals_.Round());
+  console_.ShowRounds(totals_.RoundText());
 }
 
 ExitStatus Runner::PlayEach() {
   ExitStatus status = kAllWell;
   for (std::size_t i = 0; i < scripts_.size(); ++i) {
-    begun_ = std::max(begun_, i + 1);
     BeginScript(scripts_[i]);
     const ExitStatus ended = PlayOne(scripts_[i]);
-    EndScript(scripts_[i], ended);
+    EndScript(ended);
     status = std::max(status, ended);
     if (ended != kAllWell && !(command_.keep_going && ran_)) break;
   }
   return status;
 }
 
-void Runner::EndScript(Script& script, ExitStatus status) {
+void Runner::EndScript(ExitStatus status) {
   for (const std::string& loss : outputs_.TakeLosses()) events_.Say(loss, Severity::kWarning);
   TellEnd(status == kAllWell);
-  if (Repeats()) {
-    if (status != kInterrupted) script.rounds.Add(follower_);
-  } else if (command_.summary) {
-    for (const std::string& line : follower_.Summary(script.name)) summary_ += line + '\n';
-  }
+  totals_.Summarize(follower_, status);
 }
 
 void Runner::TellEnd(bool ran) {
-  values_ = values_ + follower_.Values();
-  ++ended_;
+  totals_.EndScript(follower_);
   events_.EndScript({ran, follower_.Values(), follower_.FirstUnread()});
 }
 
-void Runner::CountUnplayed() {
-  for (; ended_ < scripts_.size(); ++ended_) {
-    if (command_.learn.empty()) {
-      values_.unread += static_cast<long>(scripts_[ended_].plan.expectations.size());
-    }
-  }
-}
-
 void Runner::BeginScript(Script& script) {
-  ScriptBegin begin = BeginOf(script, ended_);
+  ScriptBegin begin = BeginOf(script, totals_.BeginScript());
   if (!Repeats()) script.problems = {};
   events_.BeginScript(std::move(begin));
 }
@@ -362,13 +311,13 @@ int Runner::Show(const char* message) {
 
 ExitStatus Runner::Complete(ExitStatus status) {
   console_.Close();
-  StandardError() << PrintableLines(Report());
+  StandardError() << PrintableLines(totals_.Text());
   return EndOutputs(status);
 }
 
 // The exit status in the outputs also reflects whether they could be written.
 ExitStatus Runner::EndOutputs(ExitStatus status) {
-  const std::vector<std::string> failures = outputs_.End(Head(status));
+  const std::vector<std::string> failures = outputs_.End(totals_.Head(status));
   for (const std::string& loss : outputs_.TakeLosses()) Conclude(loss, Severity::kWarning);
   for (const std::string& failure : failures) Conclude(failure, Severity::kError);
   const auto with_loss = [](ExitStatus one) { return one == kAllWell ? StatusOfLoss() : one; };
@@ -381,7 +330,8 @@ ExitStatus Runner::EndOutputs(ExitStatus status) {
       status = StatusOfLoss();
     }
   }
-  const std::vector<std::string> late = outputs_.EndRun(EndOf(status), EndOf(with_loss(status)));
+  const std::vector<std::string> late = outputs_.EndRun(
+      totals_.EndOf(status, events_.Now()), totals_.EndOf(with_loss(status), events_.Now()));
   for (const std::string& failure : late) Complain(failure);
   return late.empty() ? status : with_loss(status);
 }
@@ -402,14 +352,6 @@ void Runner::Conclude(const std::string& what, Severity severity) {
   events_.Conclude(what, severity);
 }
 
-RunEnd Runner::EndOf(ExitStatus status) {
-  CountUnplayed();
-  RunEnd end = {status, ResultText(status), probe_.Counts(), probe_.TckCycles(), values_, begun_,
-                {},     failed_rounds_,     events_.Now()};
-  if (Repeats()) end.rounds = played_rounds_;
-  return end;
-}
-
 void Runner::Abandon() {
   BreakOff(Interrupted().what());
   EndOutputs(kInterrupted);
@@ -425,66 +367,12 @@ ExitStatus Runner::EndWithPlugin() noexcept try {
   Script& script = *std::exchange(in_plugin_, nullptr);
   events_.Flush();
   events_.Say(fmt::format("{}: the plug-in ended the process", script.path));
-  EndScript(script, kScriptFailed);
-  EndRound(kScriptFailed);
+  EndScript(kScriptFailed);
+  totals_.EndRound(kScriptFailed);
   return EndSpawned(command_.probe, Complete(kScriptFailed));
 } catch (const std::exception& error) {
   Complain(error.what());
   return kScriptFailed;
-}
-
-PageHead Runner::Head(ExitStatus status) const {
-  const auto& scripts = command_.scripts;
-  const auto rest = scripts.begin() + static_cast<std::ptrdiff_t>(begun_);
-  PageHead head = {fmt::format("{}", fmt::join(scripts, ", ")), ResultText(status),
-                   status == kAllWell, HeadEntries(command_.probe, Counts(), console_.Seconds())};
-  head.entries.emplace_back("Plug-in", command_.plugin);
-  if (Repeats()) {
-    head.entries.emplace_back("Repeated",
-                              RoundCounts() + "; here are the first and those that failed");
-  } else {
-    head.planned = ExpectedOperations();
-  }
-  if (rest != scripts.end()) {
-    head.entries.emplace_back("Not played",
-                              fmt::format("{}", fmt::join(rest, scripts.end(), ", ")));
-  }
-  return head;
-}
-
-long Runner::ExpectedOperations() const {
-  long operations = 0;
-  for (const Script& script : scripts_) {
-    operations = SaturatedSum(operations, script.plan.operations);
-  }
-  return SaturatedProduct(operations, command_.repeat);
-}
-
-// Returns the text that is printed at the end.
-std::string Runner::Report() const {
-  if (!command_.summary && !(Repeats() && command_.keep_going)) return "";
-  std::string text = summary_;
-  if (Repeats()) {
-    for (const Script& script : scripts_) {
-      for (const std::string& line : script.rounds.Lines(script.name, script.plan)) {
-        text += line + '\n';
-      }
-    }
-    text += RoundCounts() + '\n';
-  }
-  return command_.summary ? text + Counts() + '\n' : text;
-}
-
-std::string Runner::RoundCounts() const {
-  return fmt::format("rounds {}, failed {}", played_rounds_, failed_rounds_);
-}
-
-std::string Runner::Counts() const {
-  const RunCounts& counts = probe_.Counts();
-  const std::optional<long> cycles = probe_.TckCycles();
-  return fmt::format("operations {}, TCK cycles {}, bits shifted {}, reads {}, {:.3f} s",
-                     counts.operations, cycles.has_value() ? std::to_string(*cycles) : "unknown",
-                     counts.bits, counts.reads, console_.Seconds());
 }
 
 ExitStatus LoadAndPlay(const RunCommand& command) {
