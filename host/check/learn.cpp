@@ -146,9 +146,9 @@ void ForEachWord(std::string_view comment, Function function) {
   while (at != comment.end()) {
     const auto* const begin = std::find_if(at, comment.end(), belongs);
     at = std::find_if_not(begin, comment.end(), belongs);
-    if (begin != at)
-      function(comment.substr(static_cast<std::size_t>(begin - comment.begin()),
-                              static_cast<std::size_t>(at - begin)));
+    if (begin == at) continue;
+    function(comment.substr(static_cast<std::size_t>(begin - comment.begin()),
+                            static_cast<std::size_t>(at - begin)));
   }
 }
 

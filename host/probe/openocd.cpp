@@ -118,9 +118,10 @@ void OpenocdProbe::ChooseTap() {
   const std::vector<std::string> taps = WordsOf(rpc_.Ask("jtag names"));
   if (taps.empty()) throw IoError("OpenOCD has no TAP");
   if (tap_.empty() && taps.size() == 1) tap_ = taps.front();
-  if (tap_.empty())
+  if (tap_.empty()) {
     throw IoError(
         fmt::format("OpenOCD has several TAPs, name one in --probe: {}", fmt::join(taps, ", ")));
+  }
   RefuseUnknownTap(taps, tap_);
 }
 

@@ -22,7 +22,7 @@ TEST(Expectations, AreLearned) {
   const struct {
     std::string script;
     std::string learned;
-    std::string stale = "";
+    std::string stale{};
   } kScripts[] = {
       {"# head\n" + Idcode("\n[W] # a write\nIR=5,2\nDR=W,8,ff"),
        "# head\n" + Idcode("TDO=1,10,e5,1c\n\n[W] # a write\nIR=5,2\nDR=W,8,ff")},
