@@ -180,9 +180,9 @@ void Runner::BeginRound() {
 
 ExitStatus Runner::PlayEach() {
   ExitStatus status = kAllWell;
-  for (std::size_t i = 0; i < scripts_.size(); ++i) {
-    BeginScript(scripts_[i]);
-    const ExitStatus ended = PlayOne(scripts_[i]);
+  for (Script& script : scripts_) {
+    BeginScript(script);
+    const ExitStatus ended = PlayOne(script);
     EndScript(ended);
     status = std::max(status, ended);
     if (ended != kAllWell && !(command_.keep_going && ran_)) break;
