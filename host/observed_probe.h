@@ -25,8 +25,8 @@ class ObservedProbe : public Probe {
  public:
   // Opens the probe, and connects to it if it is across a network. Throws IoError. `wire_mode` is
   // the CDI_ANSWER_ value at the start. With `record_steps`, `events` receives the steps of the
-  // pins. With `confirms_chain`, the first scan on pins fails if the chain is not as the options
-  // say. All references must stay valid.
+  // pins. With `confirms_chain`, the first scan on pins fails if the chain does not match the
+  // options. All references must stay valid.
   ObservedProbe(const ProbeOptions& options, int wire_mode, bool record_steps, bool confirms_chain,
                 Follower& follower, RunEvents& events, Rescue& rescue);
 

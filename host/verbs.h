@@ -1,4 +1,4 @@
-// The verbs. When a verb returns, it has reported what ended it.
+// The verbs. Each verb reports why it failed before it returns.
 #ifndef ICESCRIPT_HOST_VERBS_H_
 #define ICESCRIPT_HOST_VERBS_H_
 

@@ -17,7 +17,7 @@ struct CheckResult {
 // two.
 CheckResult CheckScript(const ScriptText& script);
 
-// Parts of CheckScript: check a script that the plug-in runs as a GPIO script, or as a JTAG script.
+// The parts of CheckScript for scripts that the plug-in runs as GPIO and as JTAG scripts.
 void CheckGpio(const ScriptText& script, CheckResult& result);
 void CheckJtag(const ScriptText& script, CheckResult& result);
 

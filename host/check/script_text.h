@@ -20,7 +20,7 @@ struct ScriptLine {
   std::string_view text;  // up to a comment or a NUL, without blanks at its ends
 
   bool Blank() const { return text.empty(); }
-  // Returns whether the reader of JTAG scripts takes the line as the header of a section.
+  // Returns whether the reader of JTAG scripts reads the line as the header of a section.
   bool IsHeader() const { return !Blank() && text.front() == '[' && text.back() == ']'; }
   // Returns the place of a part of the line; `part` must refer to `raw`.
   Place Of(std::string_view part) const {
