@@ -60,7 +60,7 @@ class ObservedProbe : public Probe {
   bool measures_place_ = false;
   bool confirms_chain_ = false;
   bool found_place_ = false;  // FindPlace has run
-  bool lacks_reset_ = false;  // the next scan lacks the TAP reset before it
+  bool lacks_reset_ = false;  // the probe cannot reset the TAP before the next scan
   bool played_pins_ = false;  // a GPIO script has run
   Follower& follower_;
   RunEvents& events_;

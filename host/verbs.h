@@ -20,7 +20,7 @@ inline ExitStatus EndSpawned(const ProbeOptions& probe, ExitStatus status) {
   return status == kAllWell ? kNotOpened : status;
 }
 
-// Runs the scripts. Completes the outputs, whatever ends the run.
+// Runs the scripts. Completes the outputs however the run ends.
 ExitStatus Execute(const RunCommand& command);
 // Checks the scripts and writes their problems to standard output, in colour on a terminal unless
 // NO_COLOR is set. Writes nothing for a script without problems. Throws Interrupted.

@@ -13,7 +13,7 @@ struct CheckResult {
   Plan plan;
 };
 
-// Finds the problems of a script and the operations that run. Throws Interrupted; so do the next
+// Finds the problems of a script and the operations that run. Throws Interrupted, as do the next
 // two.
 CheckResult CheckScript(const ScriptText& script);
 

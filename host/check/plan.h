@@ -19,7 +19,6 @@ struct PinOperation {
   unsigned ends_block : 1;    // an ENDR follows it
 };
 
-// An operation of a JTAG script.
 struct JtagOperation {
   int line;  // of the key DR, CDI or RESET
   std::string section;

@@ -31,7 +31,7 @@ struct Problem {
   bool always = false;  // even --quiet does not hide this warning
   // For grouped problems:
   long more = 0;                  // the number of places after the first
-  std::vector<int> more_lines{};  // their lowest lines, each once; one more than is shown
+  std::vector<int> more_lines{};  // the lowest lines, each once; one more than is shown
 };
 
 // Selects the problems of a text that are kept.

@@ -83,7 +83,7 @@ class ScriptText {
   std::string name_;
   std::string content_;
   std::size_t read_ = 0;             // bytes before the line that is too long, if there is one
-  int too_long_ = 0;                 // its number, or 0
+  int too_long_ = 0;                 // the number of that line, or 0
   std::vector<std::size_t> starts_;  // the offsets of the first and of every 16th line
 };
 

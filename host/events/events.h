@@ -121,7 +121,7 @@ struct RunScript {
 
 struct RunBegin {
   std::vector<std::string> arguments;  // of the command line, as given
-  std::string probe;                   // a description for people
+  std::string probe;                   // a readable description
   std::string version;                 // of icehost
   std::chrono::system_clock::time_point started;
   std::vector<RunScript> scripts;

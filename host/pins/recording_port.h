@@ -73,7 +73,7 @@ class RecordingPort : public PinPort {
     int user_samples;  // requested between this write and the next
   };
   std::vector<Pending> pending_;
-  std::size_t early_samples_ = 0;  // requested before the first of these writes
+  std::size_t early_samples_ = 0;  // requested before the first pending write
   Bits samples_;
 };
 

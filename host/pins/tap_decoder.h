@@ -48,7 +48,7 @@ class TapListener {
   virtual void OnTapEdge(const PinStep& /*before*/, TapState /*to*/) {}
 };
 
-// Decodes the recorded steps. Reports everything in the order in which it ends.
+// Decodes the recorded steps. Reports actions in the order in which they end.
 class TapDecoder : public StepRecorder {
  public:
   // The listeners must outlive the decoder.

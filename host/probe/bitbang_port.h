@@ -38,7 +38,7 @@ class BitbangPort : public PinPort {
   int Read() override;
   void SampleTdo() override;
   Bits CollectTdo() override;
-  // Asks for a last sample: its answer shows that the server has processed everything before it.
+  // Asks for one more sample: its answer shows that the server has processed everything before it.
   void Flush() override;
   int ReportedPins() const override { return GPIO_PIN_TDO; }
   void CheckAlive() override;

@@ -79,7 +79,7 @@ class SvfForm {
 
 // Writes a section for each IR scan and the DR scan after it, named after its line in the file.
 std::unique_ptr<SvfForm> MakeJtagForm(Problems& problems, std::ostream* script);
-// Writes each TCK edge. `tck_hz` is the probe's highest TCK rate; the default is FREQUENCY.
+// Writes each TCK edge. `tck_hz` is the probe's highest TCK rate; without it, FREQUENCY applies.
 std::unique_ptr<SvfForm> MakeGpioForm(Problems& problems, std::ostream* script,
                                       std::optional<double> tck_hz);
 
