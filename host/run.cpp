@@ -101,8 +101,8 @@ class Runner {
   std::vector<Script> scripts_;
   std::size_t begun_ = 0;        // scripts that began, in any round
   long round_ = 0;               // the current one
-  long played_rounds_ = 0;       // rounds played to their ends
-  long failed_rounds_ = 0;       // of the played rounds
+  long played_rounds_ = 0;       // those played to their ends
+  long failed_rounds_ = 0;       // of these
   std::size_t ended_ = 0;        // scripts, in the current round
   ValueCounts values_;           // of all scripts that ended or were left out, in all rounds
   Script* in_plugin_ = nullptr;  // the script that the plug-in runs now
