@@ -20,8 +20,8 @@ class LineReader {
 
   bool IsOpen() const { return file_ >= 0; }
 
-  // Goes to the next line. Returns false, from then on always, at the end of the file, at a line of
-  // INI_LINE_BUFFER bytes or more, or if reading fails.
+  // Goes to the next line. Returns false at the end of the file, at a line of INI_LINE_BUFFER bytes
+  // or more, or if reading fails, and in every call after that.
   bool Next();
   // The current line without its comment and trailing spaces; valid until the next call of Next.
   std::string_view Text() const { return text_; }

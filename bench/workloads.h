@@ -9,7 +9,7 @@
 struct Workload {
   const char* name;
   const char* unit;
-  int units;               // number of units for each 1 of size
+  int units;               // number of units in a script of size 1
   std::vector<int> sizes;  // the sizes to measure
   void (*write)(std::ostream& script, int size);
   void (*run)(const std::string& path, int size);

@@ -16,7 +16,7 @@
 namespace icehost {
 namespace {
 
-// The most bytes that are kept of the messages of a round.
+// The most bytes of the messages of a round that are kept.
 constexpr std::size_t kMostHeldBytes = 64U << 20U;
 
 // Returns the time as "12 s", "12 min" or "12 h".

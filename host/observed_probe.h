@@ -25,8 +25,8 @@ class ObservedProbe : public Probe {
  public:
   // Opens the probe, and connects to it if it is across a network. Throws IoError. `wire_mode` is
   // the CDI_ANSWER_ value at the start. With `record_steps`, `events` receives the steps of the
-  // pins. With `confirms_chain`, the first scan on pins fails if the chain is not as the options
-  // say. All references must stay valid.
+  // pins. With `confirms_chain`, the first scan on pins fails if the chain does not match the
+  // options. All references must stay valid.
   ObservedProbe(const ProbeOptions& options, int wire_mode, bool record_steps, bool confirms_chain,
                 Follower& follower, RunEvents& events, Rescue& rescue);
 
@@ -60,7 +60,7 @@ class ObservedProbe : public Probe {
   bool measures_place_ = false;
   bool confirms_chain_ = false;
   bool found_place_ = false;  // FindPlace has run
-  bool lacks_reset_ = false;  // the next scan lacks the TAP reset before it
+  bool lacks_reset_ = false;  // the probe cannot reset the TAP before the next scan
   bool played_pins_ = false;  // a GPIO script has run
   Follower& follower_;
   RunEvents& events_;

@@ -9,9 +9,9 @@
 namespace icehost {
 namespace {
 
-// The most that is kept of a round. Most rounds need a few kilobytes.
+// The most bytes of a round that are kept. Most rounds need a few kilobytes.
 constexpr std::size_t kMostKeptBytes = 64U << 20U;
-// The most that are passed on, besides the first round. More could fill a disk overnight.
+// The most rounds that are passed on after the first one. More could fill a disk overnight.
 constexpr int kMostFailedRounds = 1000;
 // The approximate size of a step, and of any other event, including its place in the list.
 constexpr std::size_t kStepBytes = 96;

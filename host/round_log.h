@@ -19,16 +19,16 @@ namespace icehost {
 // that failed. The steps that they receive are numbered without gaps.
 class RoundLog : public EventListener, public StepRecorder {
  public:
-  // The outputs must outlive this object. What a ScriptBegin or a CallSource points to must stay
-  // valid until the next round begins.
+  // The outputs must outlive this object. Objects that a ScriptBegin or a CallSource points to must
+  // stay valid until the next round begins.
   RoundLog(std::vector<EventListener*> listeners, std::vector<StepRecorder*> recorders)
       : listeners_(std::move(listeners)), recorders_(std::move(recorders)) {}
 
   // Begins a round; the first one is 1.
   void BeginRound(long round);
-  // Passes on the current round, because it has failed: all events so far and all later ones. A
-  // warning reports if the round was too long to keep, so that its calls and steps so far are
-  // missing. Another one marks the last round that is passed on. `now` is the time of the warnings.
+  // Passes on the current round, because it has failed: all events so far and all later ones. Adds
+  // a warning if the round was too long to keep, so that its calls and steps so far are missing,
+  // and a warning to the last round that is passed on. `now` is the time of the warnings.
   void PassOn(RunTime now);
 
   void OnScript(const ScriptBegin& script) override;
@@ -64,7 +64,7 @@ class RoundLog : public EventListener, public StepRecorder {
   std::vector<EventListener*> listeners_;
   std::vector<StepRecorder*> recorders_;
   long round_ = 0;
-  int failed_rounds_ = 0;  // that were passed on; the first round does not count
+  int failed_rounds_ = 0;  // rounds after the first that were passed on
   bool open_ = true;
   bool cut_ = false;  // this round had too many details to keep
   std::deque<Kept> kept_;

@@ -17,7 +17,7 @@ namespace icehost {
 
 // Passes each event first to the outputs, then to the console. Messages and errors belong to the
 // current script, and errors also to the current call. In a repeated run, passes on only the first
-// round and those that fail: the first error of a round passes on the whole round.
+// round and the rounds that fail: the first error of a round passes on the whole round.
 class RunEvents : public StepRecorder {
  public:
   // The arguments must outlive this object.
@@ -32,7 +32,7 @@ class RunEvents : public StepRecorder {
   void BeginScript(ScriptBegin script);
   // Reports that the current script asks for a TAP reset, which the probe supports.
   void RequestReset();
-  // Reports that scripts address the TAP at this place. `measured`: it was read from the chain.
+  // Reports that scripts address the TAP at `place`, which was read from the chain if `measured`.
   void SetPlace(const ChainPlace& place, bool measured);
   // Ends the current script, and sets its time to now.
   void EndScript(ScriptEnd end);
@@ -40,16 +40,16 @@ class RunEvents : public StepRecorder {
   RunTime Now() const;
   // Returns whether a script has begun and not ended.
   bool InScript() const { return in_script_; }
-  // Reports why the run ends, in place of a main thread that is stuck. Does not use the console's
-  // standard output, because the main thread may be using it.
+  // Reports why the run ends. Called if the main thread is stuck, so it does not use the console's
+  // standard output, which the main thread may be using.
   void Abandon(const std::string& why);
 
-  // Begins a call of the plug-in. `begins_operation`: this call plays the operation. Throws IoError
-  // if standard output cannot be written any more, so that the rest of the script does not run
-  // unseen.
+  // Begins a call of the plug-in. `begins_operation` is false for a call that only prepares one.
+  // Throws IoError if standard output cannot be written any more, so that the rest of the script
+  // does not run unseen.
   void BeginCall(const char* function, const CallSource& source, bool begins_operation);
   void EndCall(CallEvent call);
-  // The probe has answered the current call.
+  // Called when the probe has answered the current call.
   void LeaveCall();
   // Passes on a message of the plug-in. Throws IoError as BeginCall does.
   void Message(const char* text);
@@ -59,8 +59,8 @@ class RunEvents : public StepRecorder {
 
   // Reports why the current call failed, or why the script failed if there is no call.
   void Fail(const std::string& why);
-  // Warns, once in each script, that the current scan may not have reached a TAP, and why. With
-  // --strict, throws Unsupported instead.
+  // Warns, once in each script, that the current scan may not have reached a TAP, and says why.
+  // With --strict, throws Unsupported instead.
   void Doubt(const std::string& why);
   // Warns about a place in the script. A column of 0 means the whole line.
   void Warn(Place place, const std::string& why);
@@ -94,7 +94,7 @@ class RunEvents : public StepRecorder {
   bool times_calls_;  // the probe is across a network
   RoundLog log_;
   long round_ = 0;  // 0 if the run is not repeated
-  // The outputs; in a repeated run, log_, which passes events on to them.
+  // The outputs, or log_ in a repeated run, which passes events on to the outputs.
   std::vector<EventListener*> listeners_;
   std::vector<StepRecorder*> recorders_;
   std::string name_;

@@ -27,7 +27,8 @@ struct Script {
 };
 
 // Reads and checks all scripts, and prints their problems to standard error as `check` does. If it
-// sets and prints a `refusal`, play no script. Throws IoError, OutOfResources and Interrupted.
+// sets and prints a `refusal`, no script may be played. Throws IoError, OutOfResources and
+// Interrupted.
 std::vector<Script> LoadScripts(const RunCommand& command);
 
 // Returns the first event for the outputs. The scripts must outlive it. If `scripts` is empty, the
@@ -35,8 +36,8 @@ std::vector<Script> LoadScripts(const RunCommand& command);
 RunBegin BeginOf(const RunCommand& command, const std::vector<Script>& scripts);
 ScriptBegin BeginOf(const Script& script, std::size_t index);
 
-// Writes the outputs that also report a run that does not begin. `why` may be empty if `scripts`
-// contains the reason. `scripts` is empty if they could not be read.
+// Writes the outputs that report even a run that does not begin. `why` may be empty if a script has
+// a `refusal`. `scripts` is empty if they could not be read.
 void ReportUnplayed(const RunCommand& command, const std::vector<Script>& scripts,
                     const std::string& why, ExitStatus status);
 

@@ -110,7 +110,7 @@ PinPort& Serving::Begin() {
   return recording_.emplace(*port_, recorders);
 }
 
-// Returns why it ended; empty after a signal that has cut nothing off.
+// Returns why serving ended; empty if a signal ended it and nothing was lost.
 std::string Serving::Serve() try {
   AllowAfterSignal(kLastBytes);
   PinPort& port = Begin();

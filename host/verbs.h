@@ -1,4 +1,4 @@
-// The verbs. When a verb returns, it has reported what ended it.
+// The verbs. Each verb reports why it failed before it returns.
 #ifndef ICESCRIPT_HOST_VERBS_H_
 #define ICESCRIPT_HOST_VERBS_H_
 
@@ -20,7 +20,7 @@ inline ExitStatus EndSpawned(const ProbeOptions& probe, ExitStatus status) {
   return status == kAllWell ? kNotOpened : status;
 }
 
-// Runs the scripts. Completes the outputs, whatever ends the run.
+// Runs the scripts. Completes the outputs however the run ends.
 ExitStatus Execute(const RunCommand& command);
 // Checks the scripts and writes their problems to standard output, in colour on a terminal unless
 // NO_COLOR is set. Writes nothing for a script without problems. Throws Interrupted.

@@ -28,9 +28,9 @@ struct JtagOperatorData {
   JtagOperatorData* next;     // null at the tail
 };
 
-// The constructor reads a JTAG script: each section of the file becomes one operation. It reports
-// to the callback: a file that ReadFile rejects (the list is then empty), and a section without IR
-// or DR (the list then ends before it). It reports on standard output: any other wrong section,
+// The constructor reads a JTAG script: each section of the file becomes one operation. To the
+// callback, it reports a file that ReadFile rejects (the list is then empty) and a section without
+// IR or DR (the list then ends before it). On standard output, it reports any other wrong section,
 // which it leaves out. The object owns the list. Exceptions from the callback and the standard
 // library pass through without leaks.
 class JtagScr {

@@ -1,4 +1,4 @@
-// The chain of TAPs on a probe, with a report on it and the beginnings of scripts for it.
+// The chain of TAPs on a probe, a report on it, and starter scripts for it.
 #ifndef ICESCRIPT_HOST_CHAIN_CHAIN_H_
 #define ICESCRIPT_HOST_CHAIN_CHAIN_H_
 
@@ -36,7 +36,7 @@ constexpr int kIdcodeBits = 32;
 // The manufacturer in an IDCODE, as JEP106 numbers it: a code in a bank, both counted from 1.
 struct Manufacturer {
   unsigned bank;  // 1 to 16
-  unsigned code;  // 1 to 126; 0 and 127 identify nobody
+  unsigned code;  // 1 to 126; 0 and 127 are not manufacturers
 };
 Manufacturer ManufacturerOf(std::uint32_t idcode);
 // Returns the name of a manufacturer; empty if icehost does not know it.
@@ -57,15 +57,15 @@ ChainPlace PlaceIn(const Chain& chain, std::size_t tap);
 // Unsupported if not. If `place` has no IR lengths, returns one with the whole chain as one TAP.
 ChainPlace ConfirmPlace(const Chain& chain, const ChainPlace& place);
 
-// Returns a report for people, with the TAPs and the notes but not the faults. `where` names the
+// Returns a report for the user, with the TAPs and the notes but not the faults. `where` names the
 // probe. The text is Printable.
 std::string ReportOf(const Chain& chain, const std::string& where);
 
 // Returns a JTAG script that passes on a sound chain: it shifts through BYPASS, whose instruction
 // is the same in every TAP. For each IDCODE it contains a section that is commented out, because no
-// standard defines the instruction. `only` is the index of the only TAP that scans of the probe
-// reach; OpenOCD keeps the others in BYPASS. Throws Unsupported if the IR is too long for a script,
-// or if the chain has more than kMostTaps TAPs.
+// standard defines the instruction. If the probe can scan only one TAP, `only` is its index;
+// OpenOCD keeps the others in BYPASS. Throws Unsupported if the IR is too long for a script, or if
+// the chain has more than kMostTaps TAPs.
 std::string JtagScriptOf(const Chain& chain, std::optional<std::size_t> only);
 
 // Returns a GPIO script that passes on a sound chain: it resets the TAPs and reads their IDCODEs

@@ -13,11 +13,11 @@ struct CheckResult {
   Plan plan;
 };
 
-// Finds the problems of a script and the operations that run. Throws Interrupted; so do the next
+// Finds the problems of a script and the operations that run. Throws Interrupted, as do the next
 // two.
 CheckResult CheckScript(const ScriptText& script);
 
-// Parts of CheckScript: check a script that the plug-in runs as a GPIO script, or as a JTAG script.
+// The parts of CheckScript for scripts that the plug-in runs as GPIO and as JTAG scripts.
 void CheckGpio(const ScriptText& script, CheckResult& result);
 void CheckJtag(const ScriptText& script, CheckResult& result);
 

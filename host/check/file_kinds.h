@@ -12,9 +12,9 @@ namespace icehost {
 // How icehost reads a file; kNone if it does not read files of this kind.
 enum class FileUse { kScript, kSvf, kNone };
 
-// Returns the error for a file of another kind than `wanted`, at the file's first word. It names
-// the kind and what reads it. Returns nothing if the kind is right or unknown. The beginning of a
-// file shows its kind: SVF files are never taken for another kind, but scripts may be.
+// If the file is not of the kind `wanted`, returns an error at its first word. The error names the
+// kind and the program to use. Returns nothing if the kind is right or unknown. Looks only at the
+// beginning of the file: never mistakes an SVF file, but may mistake a script.
 std::optional<Problem> FindWrongKind(std::string_view content, FileUse wanted);
 
 }  // namespace icehost

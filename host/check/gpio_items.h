@@ -47,7 +47,7 @@ struct NamedItem {
 // of a long script repeat recent ones, so their items are not needed.
 class GpioLine {
  public:
-  // Goes on to another line.
+  // Makes `line` the current line.
   void Take(const ScriptLine& line);
   const ScriptLine& Source() const { return source_; }
 

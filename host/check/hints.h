@@ -1,4 +1,4 @@
-// Hints for words and numbers that the plug-in does not take as their author meant them.
+// Hints for words and numbers that the plug-in does not read as their author meant them.
 #ifndef ICESCRIPT_HOST_CHECK_HINTS_H_
 #define ICESCRIPT_HOST_CHECK_HINTS_H_
 
@@ -19,8 +19,8 @@ std::string Listed(const Words& words, std::string_view last);
 // candidates are equally similar, and an empty text if none is similar.
 std::string Nearest(std::string_view word, const Words& candidates);
 
-// Returns "KEY=VALUE" for one of the keys and a value, with blanks, a colon or nothing between
-// them; an empty text for anything else.
+// Returns "KEY=VALUE" if `text` is one of the keys followed by a value, with blanks, a colon or
+// nothing between them. Otherwise returns an empty text.
 std::string WithEquals(std::string_view text, const Words& keys);
 
 // Returns where a comment of another language (";" or "//") begins, or npos.
@@ -28,9 +28,8 @@ std::size_t FindForeignComment(std::string_view text);
 
 constexpr const char* kTabIsText = "a tab is part of the text here, not a blank";
 
-// Names a part of the text that is text for the plug-in, but probably not for its author: a
-// byte-order mark in front, a comment of another language, or a tab at an end. Empty if there is
-// none.
+// Returns a remark if `text` begins with a byte-order mark, contains a comment of another language,
+// or begins or ends with a tab: the plug-in reads all of these as text. Empty otherwise.
 std::string_view SlipIn(std::string_view text);
 
 // Returns " (remark)", or an empty text if `remark` is empty.

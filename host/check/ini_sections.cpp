@@ -131,7 +131,7 @@ class SectionFinder {
     }
   }
 
-  // Returns the sections; `cut` says that a line of the script is too long.
+  // Returns the sections; `cut` means that a line of the script is too long.
   std::vector<IniSection> Finish(bool cut) {
     if (cut) CutLast();
     for (const auto& [name, named] : named_) {

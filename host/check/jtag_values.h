@@ -16,7 +16,7 @@ namespace icehost {
 // Returns the value on a line KEY=VALUE.
 std::string_view ValueOf(const ScriptLine& line);
 
-// Report traps in a line with RESET, and in one with CDI, which selects the interface.
+// Report traps in a RESET line, and in a CDI line, which selects the interface.
 void CheckReset(const ScriptLine& reset, Problems& problems);
 void CheckCdi(const ScriptLine& cdi, Problems& problems);
 
@@ -27,7 +27,7 @@ std::unique_ptr<icescript::JtagOperatorData> CheckScan(const IniSection& section
                                                        Problems& problems);
 
 // Reads the values of TDO and MASK, or of IR_TDO and IR_MASK, for a register of `bits` bits;
-// `value_key` is the first key of the two. Returns nothing if the section has no such value. If a
+// `value_key` is the first of the two keys. Returns nothing if the section has no such value. If a
 // value is wrong, reports it and returns nothing.
 std::optional<Expectation> ReadScanExpectation(const ScriptText& script, const IniSection& section,
                                                ScanKey value_key, int bits, Problems& problems);

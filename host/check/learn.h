@@ -1,4 +1,4 @@
-// Makes a script that expects what a run of it has read.
+// Makes a script that expects the values that a run of it has read.
 #ifndef ICESCRIPT_HOST_CHECK_LEARN_H_
 #define ICESCRIPT_HOST_CHECK_LEARN_H_
 
@@ -16,10 +16,10 @@ struct Learned {
   Problems stale;
 };
 
-// Returns the script with the values that were read as its expectations, for each operation that
-// reads and for each expectation that it has, whose mask stays. An expectation that was met stays
-// as it is. A new value is written as the author wrote the old one, or the bytes of the section.
-// Pins that changed between runs of a line are not compared. Everything else stays.
+// Returns the script with the values that were read as its expectations. Replaces each expectation
+// that was not met, but keeps its mask, and adds one to each operation that reads and has none.
+// Writes a new value in the form of the old one, or of the bytes of the section. Leaves out pins
+// that changed between runs of a line. Changes nothing else.
 Learned Learn(const ScriptText& script, const Plan& plan, const Captures& captures);
 
 }  // namespace icehost

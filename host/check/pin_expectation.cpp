@@ -114,7 +114,7 @@ std::string_view FindMeant(std::string_view comment) {
   return {};
 }
 
-// Returns whether another expectation follows `expect`, which is the one that counts.
+// Returns whether another expectation, which has no effect, follows `expect`.
 bool HasAnother(std::string_view comment, std::string_view expect) {
   const auto end = static_cast<std::size_t>(expect.data() + expect.size() - comment.data());
   const std::size_t mark = comment.find('#', end);

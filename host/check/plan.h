@@ -19,12 +19,11 @@ struct PinOperation {
   unsigned ends_block : 1;    // an ENDR follows it
 };
 
-// An operation of a JTAG script.
 struct JtagOperation {
-  int line;  // of the key that says what is done: DR, CDI or RESET
+  int line;  // of the key DR, CDI or RESET
   std::string section;
   bool reads = false;
-  int ir_line = 0;  // of a scan; else 0
+  int ir_line = 0;  // of the key IR of a scan; else 0
 };
 
 // A value that the script expects an operation to read.
@@ -39,16 +38,16 @@ struct Expectation {
   bool masked;        // the script contains the mask
 };
 
-// How many bits of a captured IR a script can compare: probes return no more.
+// The most bits of a captured IR that a script can compare: probes return no more.
 constexpr int kMostCapturedIrBits = 16;
 
-// The operations in the order in which they first run; of a script with errors, those that still
-// run. `pins` or `jtag` is empty.
+// The operations that run, in the order of their first runs. If the script has errors, some of its
+// operations may be missing. `pins` or `jtag` is empty.
 struct Plan {
   std::vector<PinOperation> pins;
   std::vector<JtagOperation> jtag;
   std::vector<Expectation> expectations;  // sorted by operation
-  long operations = 0;                    // of a whole run: each as often as its blocks repeat it
+  long operations = 0;                    // in a whole run, with all repetitions of blocks
   bool resets_tap = false;                // before the first scan, as "# reset TAP" asks
 
   // Returns the expectation for a part of an operation, or null.
@@ -65,7 +64,7 @@ struct Capture {
   std::string steady;  // as many bytes; a bit is 1 if it was reported and never changed
 };
 
-// The values read, by the operation's index in the plan and the part of it that was read.
+// The values read. A key is the operation's index in the plan and the part of it that was read.
 using Captures = std::map<std::pair<std::size_t, Expectation::Of>, Capture>;
 
 // Returns whether every bit in the mask is as expected. A bit that was not reported, or that

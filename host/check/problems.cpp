@@ -11,7 +11,7 @@
 namespace icehost {
 namespace {
 
-// How much of a long line is shown, and how much of that before the column.
+// The part of a long line that is shown, and the part of that before the column.
 constexpr std::size_t kShownBefore = 60;
 constexpr std::size_t kShown = 100;
 constexpr std::size_t kMoreLinesShown = 3;

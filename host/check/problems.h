@@ -13,14 +13,14 @@
 
 namespace icehost {
 
-// Both count from 1; columns are bytes.
+// Lines and columns count from 1; columns are bytes.
 struct Place {
   int line;
   int column;
 };
 
 // An error makes the plug-in refuse or skip something. A warning is about something legal that is
-// almost never meant. A note is useful to know, and never makes anything fail.
+// almost never intended. A note is useful to know, and never makes anything fail.
 enum class Severity : std::size_t { kError, kWarning, kNote };
 constexpr std::size_t kSeverities = 3;
 
@@ -31,13 +31,13 @@ struct Problem {
   bool always = false;  // even --quiet does not hide this warning
   // For grouped problems:
   long more = 0;                  // the number of places after the first
-  std::vector<int> more_lines{};  // their lowest lines, each once; one more than is shown
+  std::vector<int> more_lines{};  // the lowest lines, each once; one more than is shown
 };
 
-// Which problems of a text are kept.
+// Selects the problems of a text that are kept.
 struct Keeping {
   bool grouped = false;  // joins problems with the same severity and text
-  std::size_t most = std::numeric_limits<std::size_t>::max();  // of each severity
+  std::size_t most = std::numeric_limits<std::size_t>::max();  // problems of each severity
 };
 constexpr Keeping kKeepEach{false, 100000};
 constexpr Keeping kKeepReasons{true, 50};
@@ -63,7 +63,7 @@ class Problems {
   void Note(Place place, std::string text) { Take({place, Severity::kNote, std::move(text)}); }
   void Add(Problems more);
 
-  // Problems that are not kept count, too.
+  // These also count problems that are not kept.
   bool HasErrors() const { return Errors() > 0; }
   long Errors() const { return CountOf(Severity::kError).found; }
   long Warnings() const { return CountOf(Severity::kWarning).found; }

@@ -20,7 +20,7 @@ struct ScriptLine {
   std::string_view text;  // up to a comment or a NUL, without blanks at its ends
 
   bool Blank() const { return text.empty(); }
-  // Returns whether the reader of JTAG scripts takes the line as the header of a section.
+  // Returns whether the reader of JTAG scripts reads the line as the header of a section.
   bool IsHeader() const { return !Blank() && text.front() == '[' && text.back() == ']'; }
   // Returns the place of a part of the line; `part` must refer to `raw`.
   Place Of(std::string_view part) const {
@@ -83,7 +83,7 @@ class ScriptText {
   std::string name_;
   std::string content_;
   std::size_t read_ = 0;             // bytes before the line that is too long, if there is one
-  int too_long_ = 0;                 // its number, or 0
+  int too_long_ = 0;                 // the number of that line, or 0
   std::vector<std::size_t> starts_;  // the offsets of the first and of every 16th line
 };
 

@@ -7,11 +7,11 @@
 
 namespace icehost {
 
-// Returns whether a JTAG script has the comment on a line before the first line with text. Warns of
-// this comment elsewhere, and of a similar one.
+// Returns whether the comment is on a line before the first line with text of a JTAG script. Warns
+// of the comment on any other line, and of similar comments.
 bool FindTapReset(const ScriptText& script, Problems& problems);
 
-// Warns of each such comment in a GPIO script.
+// Warns of each "# reset TAP" in a GPIO script.
 void WarnOfTapReset(const ScriptText& script, Problems& problems);
 
 }  // namespace icehost

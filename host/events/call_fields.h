@@ -34,7 +34,7 @@ const char* FunctionOf(const HostCall& call);
 
 // Returns the name of a code, a mode or a reset; null if it has none.
 const char* NameOf(const Field& field);
-// Appends the value for people, with the names of codes and of the bits of pins and flags.
+// Appends the value in readable form, with the names of codes and of the bits of pins and flags.
 void AppendText(const Field& field, std::string& text);
 // Returns "IR " or "DR " for the output of that register, else "".
 const char* RegisterOf(std::string_view output);

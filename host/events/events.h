@@ -54,8 +54,8 @@ struct StepRange {
 // arrays of the interface.
 struct ScanRegister {
   int bits = 0;                    // as the plug-in passes it, with the extra byte of two wires
-  std::string in;                  // with that byte
-  std::optional<std::string> out;  // without it; nothing if the probe did not capture or report it
+  std::string in;                  // including the extra byte
+  std::optional<std::string> out;  // without the extra byte; nothing if not captured or reported
 };
 
 struct Scan {
@@ -95,7 +95,7 @@ struct CallEvent {
   CallSource source;
   StepRange steps;                // of the pins, during the call
   RunTime at{0};                  // when the plug-in made the call
-  std::optional<RunTime> took{};  // until the answer of a probe across a network
+  std::optional<RunTime> took{};  // until a probe across a network answered
 
   // Returns the call if it is of this type, else null.
   template <class Call>
@@ -121,7 +121,7 @@ struct RunScript {
 
 struct RunBegin {
   std::vector<std::string> arguments;  // of the command line, as given
-  std::string probe;                   // a description for people
+  std::string probe;                   // a readable description
   std::string version;                 // of icehost
   std::chrono::system_clock::time_point started;
   std::vector<RunScript> scripts;
@@ -136,7 +136,7 @@ struct ScriptBegin {
   RunTime at{0};
 };
 
-// How many expected values were met, were not met, and were not read. In a REPT block, a value that
+// Counts of the expected values that were met, not met, and not read. In a REPT block, a value that
 // was wrong once is not met.
 struct ValueCounts {
   long met = 0;
@@ -146,7 +146,7 @@ struct ValueCounts {
 ValueCounts operator+(const ValueCounts& one, const ValueCounts& other);
 
 struct ScriptEnd {
-  bool ran;  // without a fault
+  bool ran;  // the script ran without a fault
   ValueCounts values;
   std::vector<const Expectation*> unread;  // the first ones, in the plan of the script
   RunTime at{0};
@@ -161,10 +161,9 @@ struct Notice {
   CallSource source;  // of the current call
   RunTime at{0};
 };
-// Returns the text, after its place if it has one.
+// Returns the text, preceded by its place if it has one.
 std::string PlacedText(const Notice& notice);
 
-// How much a run has done.
 struct RunCounts {
   long operations = 0;  // pin operations, scans, resets, wire settings
   long bits = 0;        // shifted through an IR or DR
@@ -187,7 +186,7 @@ class EventListener {
  public:
   virtual ~EventListener() = default;
   virtual void OnRunBegin(const RunBegin& /*run*/) {}
-  // Round 1 of a repeated run begins, or a later round that fails.
+  // A round of a repeated run begins: round 1, or a later round that fails.
   virtual void OnRound(long /*round*/) {}
   virtual void OnScript(const ScriptBegin& /*script*/) {}
   // The script that has just begun asks for a TAP reset. Its first scan begins with the reset.
@@ -197,7 +196,7 @@ class EventListener {
   virtual void OnCall(const CallEvent& call) = 0;
   // A message of the plug-in, which may be a part of a line.
   virtual void OnMessage(const char* /*text*/) {}
-  // Called before OnCall if it explains a failed call, and outside a script if it is about the run.
+  // Called before OnCall if it explains a failed call; outside scripts if it concerns the run.
   virtual void OnNotice(const Notice& /*notice*/) {}
   virtual void OnScriptEnd(const ScriptEnd& /*end*/) {}
   // Called once, as the last event, however the run ends. Output::End may come before it.

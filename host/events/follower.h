@@ -32,7 +32,7 @@ class Follower {
     long compared = 0;
     long unmet = 0;
     Capture captured;         // the first wrong value; the last value if none was wrong
-    std::vector<long> wrong;  // how often each bit was wrong; never for later bits
+    std::vector<long> wrong;  // how often each bit was wrong; later bits never were
   };
 
   explicit Follower(Mode mode) : mode_(mode) {}
@@ -42,14 +42,14 @@ class Follower {
 
   // Begins the next operation of a JTAG script. Returns its place in the script.
   CallSource NextOperation();
-  // Begins a pin operation. `data` is its own data word.
+  // Begins a pin operation. `data` is its data word, which identifies its line.
   CallSource NextPinOperation(const std::uint32_t& data);
 
   // Compares the values that the operation read with the expected values, and appends the
-  // comparisons. Returns whether the call succeeds. If the scan has no captured IR, the probe does
-  // not report it.
+  // comparisons. Returns whether the call succeeds. A scan has no captured IR if the probe does not
+  // report it.
   bool CompareScan(const Scan& scan, std::vector<Comparison>& comparisons);
-  // Does the same for pins. `reported` contains those whose levels the probe reports.
+  // Does the same for pins. `reported` are the pins whose levels the probe reports.
   bool ComparePins(int levels, int reported, std::vector<Comparison>& comparisons);
 
   // Returns how often a value of this script was not as expected.
@@ -64,9 +64,9 @@ class Follower {
   std::vector<const Expectation*> FirstUnread() const;
   // Returns how many operations at the end of this script did not begin.
   std::size_t Unreached() const;
-  // Whether operations began that this script does not have.
+  // Returns whether operations began that this script does not have.
   bool Exceeded() const { return exceeded_; }
-  // Returns a line for people on each expectation of this script; none in Mode::kLearn.
+  // Returns a readable line for each expectation of this script; none in Mode::kLearn.
   std::vector<std::string> Summary(const std::string& script) const;
   // Returns a tally for each expectation of the plan.
   const std::vector<Tally>& Tallies() const { return tallies_; }

@@ -14,7 +14,7 @@ struct PageHead {
   std::string result;
   bool good;
   std::vector<std::pair<std::string, std::string>> entries;  // shown in this order
-  long planned = 0;  // the operations if nothing fails; 0 if unknown
+  long planned = 0;  // the number of operations if nothing fails; 0 if unknown
 };
 
 // A writer derives from this class and from the listeners that it needs: EventListener,
@@ -26,7 +26,7 @@ class Output {
   virtual void Begin() {}
   // Called after all scripts or clients; only EventListener::OnRunEnd may follow.
   virtual void End(const PageHead& /*head*/) {}
-  // Returns a warning for each thing that was played but is missing in the file, each only once.
+  // Returns the new warnings about things that were played but are missing in the file.
   virtual std::vector<std::string> TakeLosses() { return {}; }
 };
 

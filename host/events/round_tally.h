@@ -15,7 +15,7 @@ class RoundTally {
  public:
   // Adds the results of one round of the script.
   void Add(const Follower& follower);
-  // Returns a line for people on each expectation of the plan.
+  // Returns a readable line for each expectation of the plan.
   std::vector<std::string> Lines(const std::string& script, const Plan& plan) const;
 
  private:

@@ -9,7 +9,7 @@
 
 namespace icehost {
 
-// Writes a line for people for each host call.
+// Writes a readable line for each host call.
 std::unique_ptr<Output> MakeTrace(std::ostream& stream);
 // Writes everything that happens as JSON lines, for programs.
 std::unique_ptr<Output> MakeJson(std::ostream& stream);

@@ -1,4 +1,4 @@
-// Writes the events of a run as lines for people.
+// Writes the events of a run as readable lines.
 #include <fmt/format.h>
 
 #include <memory>

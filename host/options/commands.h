@@ -18,7 +18,7 @@ namespace icehost {
 
 enum ExitStatus : int {
   kAllWell = 0,
-  kScriptFailed = 1,  // or has errors, or the chain of TAPs is not sound
+  kScriptFailed = 1,  // or a script has errors, or the chain of TAPs is not sound
   kBadUsage = 2,
   kNotOpened = 3,  // the plug-in, the endpoint or an output file; or the connection was lost
   kInterrupted = 130,
@@ -26,11 +26,11 @@ enum ExitStatus : int {
 
 // An empty text below means "not given". The file "-" is standard input or output.
 
-// In bytes: more than anybody writes, and little enough for the memory of a small machine.
+// In bytes. Larger than any script, and small enough for the memory of a small machine.
 constexpr std::size_t kDefaultSizeLimit = 64U << 20U;
 
 struct RunCommand {
-  std::vector<std::string> arguments;  // all of the command line, as given
+  std::vector<std::string> arguments;  // the whole command line, as given
   std::vector<std::string> scripts;
   std::string plugin;
   ProbeOptions probe;
@@ -84,8 +84,8 @@ struct DetectCommand {
 
 using Command = std::variant<RunCommand, CheckCommand, DetectCommand, ImportCommand, ServeCommand>;
 
-// Returns the command. If the command line asks for help or is wrong, prints the help or the
-// complaint and returns the status to exit with.
+// Returns the command. If the command line asks for help or is wrong, prints the help or an error
+// and returns the exit status.
 std::variant<Command, ExitStatus> ParseCommandLine(int argc, char** argv);
 
 }  // namespace icehost

@@ -27,7 +27,7 @@ struct PageRow {
   std::string sent;
   std::string received;
   std::string expected;
-  std::string wrong;  // a one for each received bit that is not as expected
+  std::string wrong;  // bits that are 1 mark the received bits that are not as expected
   Verdict verdict;
 };
 

@@ -44,7 +44,7 @@ class Search {
     this.one = null;  // the same, but finds one match
     this.matches = [];  // indexes of items, counted through all lists
     this.current = -1;  // an index into `matches`
-    this.texts = new Map();  // lists to the texts of their items, made when needed
+    this.texts = new Map();  // from each list to the texts of its items, made when needed
     for (const list of lists) {
       list.decorate = (element, index) => this.decorate(list, element, index);
     }

@@ -22,7 +22,7 @@ struct SvgSegment {
   StepRange steps;  // not empty; may go on beyond the steps that are kept
   std::string title;
   std::vector<std::string> labels;  // the first one that fits is drawn
-  // The lines of a GPIO script that the segment shows; the drawing adds them to the texts. Else 0.
+  // The range of GPIO script lines that the segment shows, which DrawSvg adds to the texts; else 0.
   int lowest_line = 0;
   int highest_line = 0;
 };

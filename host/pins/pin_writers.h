@@ -25,17 +25,17 @@ class ServeListener : public TapListener {
   // A client connects, or leaves, before step `step`.
   virtual void OnClient(const ServedClient& client, std::size_t step) = 0;
   virtual void OnClientLeft(const ServedClient& client, std::size_t step) = 0;
-  // Serving has ended. `error` says why; it is empty after a signal that has cut nothing off.
+  // Serving has ended. `error` says why; it is empty if a signal ended it and nothing was lost.
   virtual void OnEnd(const std::string& error) = 0;
 };
 
-// Write scans, resets, idle cycles and clients: the first as lines for people, the second as JSON
+// Write scans, resets, idle cycles and clients: the first as readable lines, the second as JSON
 // lines for programs. Both outputs are ServeListeners. `stream` must outlive them.
 std::unique_ptr<Output> MakeServeTrace(std::ostream& stream);
 std::unique_ptr<Output> MakeServeJson(std::ostream& stream);
 
-// Writes the pins as a Value Change Dump (IEEE 1364), for GTKWave, PulseView and sigrok-cli. Its
-// operations are those of a run, or the clients of a served target.
+// Writes the pins as a Value Change Dump (IEEE 1364), for GTKWave, PulseView and sigrok-cli. It
+// shows the operations of a run, or the clients of a served target.
 std::unique_ptr<Output> MakeVcd(std::ostream& stream);
 
 }  // namespace icehost

@@ -45,8 +45,8 @@ class RecordingPort : public PinPort {
   std::optional<int> IrLength() const override { return port_.IrLength(); }
   void CheckAlive() override { port_.CheckAlive(); }
 
-  // Begins an operation. The recorders learn of it only if it writes the pins. What `source` points
-  // to must exist until the next Flush.
+  // Begins an operation. The recorders receive it only if it writes the pins. The objects that
+  // `source` points to must exist until the next Flush.
   void BeginOperation(std::string name, const CallSource& source) {
     next_ = Operation{std::move(name), source};
   }
@@ -73,7 +73,7 @@ class RecordingPort : public PinPort {
     int user_samples;  // requested between this write and the next
   };
   std::vector<Pending> pending_;
-  std::size_t early_samples_ = 0;  // requested before the first of these writes
+  std::size_t early_samples_ = 0;  // requested before the first pending write
   Bits samples_;
 };
 

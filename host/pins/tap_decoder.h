@@ -19,13 +19,13 @@ namespace icehost {
 constexpr std::size_t kMostScanBits = 1U << 20U;
 
 // One pass through a column of the TAP's states, from Capture to Update, with or without Pause. If
-// a client leaves in the middle, each client has its part of the scan.
+// a client leaves in the middle, each client gets its own part of the scan.
 struct TapScan {
   bool ir;                   // the IR column; otherwise the DR column
   Bits in;                   // TDI at each rising TCK edge in Shift, the first bit first
   Bits out;                  // TDO before each of these edges
   bool updated;              // false if a TAP reset or End cut it short
-  StepRange steps;           // from the edge into Capture to the one into Update, if it has them
+  StepRange steps;           // from the edge into Capture to the edge into Update, if it has them
   std::size_t left_out = 0;  // bits after the first kMostScanBits; they are not kept
   bool reset = false;        // a TAP reset cut it short
   bool continued = false;    // a call of End has cut off its beginning
@@ -48,14 +48,14 @@ class TapListener {
   virtual void OnTapEdge(const PinStep& /*before*/, TapState /*to*/) {}
 };
 
-// Decodes the recorded steps. Reports everything in the order in which it ends.
+// Decodes the recorded steps. Reports actions in the order in which they end.
 class TapDecoder : public StepRecorder {
  public:
   // The listeners must outlive the decoder.
   explicit TapDecoder(std::vector<TapListener*> listeners) : listeners_(std::move(listeners)) {}
 
   void Record(const PinStep& step) override;
-  // Ends and reports what is under way. Its continuation, if there is one, is reported separately.
+  // Ends and reports the current scan or idle cycles. A continuation is reported separately.
   void End();
   // Returns the number of scans so far.
   std::size_t Scans() const { return scans_; }

@@ -42,7 +42,7 @@ class VcdWriter : public Output, public StepRecorder {
   std::ostream& stream_;
   std::size_t time_ = 0;
   std::optional<PinStep> last_;
-  std::string operation_;  // begins with the next step; empty: none does
+  std::string operation_;  // begins with the next step; empty if none begins
 };
 
 VcdWriter::VcdWriter(std::ostream& stream) : stream_(stream) {

@@ -62,7 +62,7 @@ void BitbangPort::Write(int levels, int enables) {
   if (trst_falls && manner_ == Manner::kProbe) ClockTapReset();
 }
 
-// Resets the TAP by TMS, because several servers ignore the reset bytes, and with them TRST.
+// Resets the TAP by TMS, because several servers ignore the reset bytes and so do not drive TRST.
 void BitbangPort::ClockTapReset() {
   for (int i = 0; i < kTapResetEdges; ++i) {
     PutChanged(PinByte(GPIO_PIN_TMS), pin_byte_);

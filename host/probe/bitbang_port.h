@@ -15,16 +15,16 @@ namespace icehost {
 // Writes are buffered, and samples are requested without waiting for their answers.
 //
 // The protocol has no output enables, cannot drive TDO and cannot read another pin. Its answers
-// have no numbers: a surplus one would shift all later ones, so any byte that was not asked for is
-// an IoError. A server that already has a client can only close the connection of another one.
+// have no numbers: a surplus answer would shift all later ones, so any byte that was not asked for
+// is an IoError. A server that already has a client can only close the connection of another one.
 class BitbangPort : public PinPort {
  public:
   enum class Manner {
     // Drives all pins from the first write on. When TRST falls, it also resets the TAP by TMS, for
     // servers that ignore the reset bytes.
     kProbe,
-    // Sends only what the writes change: nothing for TCK, TMS and TDI if none of them is enabled,
-    // and nothing for NRST and TRST if neither is enabled.
+    // Accepts pins that are not enabled. Sends nothing for TCK, TMS and TDI while none of them is
+    // enabled, and nothing for NRST and TRST while neither is enabled.
     kProxy,
   };
 
@@ -38,7 +38,7 @@ class BitbangPort : public PinPort {
   int Read() override;
   void SampleTdo() override;
   Bits CollectTdo() override;
-  // Asks for a last sample: its answer shows that the server has processed everything before it.
+  // Asks for one more sample: its answer shows that the server has processed everything before it.
   void Flush() override;
   int ReportedPins() const override { return GPIO_PIN_TDO; }
   void CheckAlive() override;

@@ -39,7 +39,7 @@ class OpenocdRpc {
 
 // Scans one TAP of OpenOCD's chain; OpenOCD handles the others. Does not capture the IR, which
 // OpenOCD's commands do not return. Throws Unsupported for GPIO scripts, the 2-wire interface and
-// what OpenOCD refuses; IoError for a lost connection and an invalid answer.
+// commands that OpenOCD refuses, and IoError for a lost connection or an invalid answer.
 class OpenocdProbe : public Probe {
  public:
   // `tap` may be empty if OpenOCD has only one TAP. Throws IoError if there is no such TAP.

@@ -94,7 +94,7 @@ class PinProbe : public Probe {
   TapWalker walker_;
   ChainPlace place_;
   ChainScan chain_;                // of the last scan
-  bool others_in_bypass_ = false;  // an IR scan put them there after the last reset
+  bool others_in_bypass_ = false;  // an IR scan since the last reset has put them there
 };
 
 }  // namespace icehost

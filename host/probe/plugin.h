@@ -27,8 +27,8 @@ class Plugin {
   decltype(&ImplementScr) entry_;
 };
 
-// Returns the path of the plug-in that was built with this program, if it is in the program's
-// folder, or of the one that was installed with it.
+// Returns the path of the plug-in in this program's folder, if there is one there, and otherwise
+// the path at which it is installed.
 std::string DefaultPluginPath();
 
 }  // namespace icehost

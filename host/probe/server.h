@@ -12,10 +12,10 @@
 
 namespace icehost {
 
-// Serves one client at a time. If another one connects, its connection is closed, unless the first
-// one has left or was silent for the idle limit: then the new client replaces it. The server first
-// plays what has arrived from the first client, for up to a second. TCP keep-alive detects clients
-// that vanish. Each client finds the pins as the previous one left them.
+// Serves one client at a time. A new client replaces a client that has left or was silent for the
+// idle limit; otherwise the server closes the new connection. Before it decides, it plays the bytes
+// that have arrived from the first client, for up to a second. TCP keep-alive detects clients that
+// vanish. Each client finds the pins as the previous one left them.
 class Server {
  public:
   // Receives the actions of clients, in order and never while the port works. An exception ends
@@ -25,14 +25,14 @@ class Server {
     virtual ~Observer() = default;
     // A client was accepted; `peer` is its address, or empty if it has none.
     virtual void OnClient(const std::string& peer) = 0;
-    // This many bytes have arrived from the client.
+    // `count` bytes have arrived from the client.
     virtual void OnBytes(std::size_t count) = 0;
     // The bytes were played, but not answered yet.
     virtual void OnDone() = 0;
-    // After this, the client is disconnected because its bytes are wrong; `why` says how.
+    // The client's bytes are wrong, as `why` explains. The client is then disconnected.
     virtual void OnFault(const std::string& why) = 0;
     virtual void OnClientLeft() = 0;
-    // A second client is rejected, or takes the place of a silent one; `why` says which.
+    // A second client is rejected, or replaces a silent one; `why` says which.
     virtual void OnRefusal(const std::string& why) = 0;
   };
 
@@ -42,10 +42,10 @@ class Server {
 
   // Serves until a signal arrives, and plays what clients have sent by then. Throws Interrupted if
   // that takes more than a fraction of a second, or more than AllowAfterSignal allows. Throws
-  // IoError if no more clients can be accepted, or if the port does. Notices within a second that
-  // an unused port is lost.
+  // IoError if no more clients can be accepted, or if the port throws it. Notices within a second
+  // that an unused port is lost.
   void Run();
-  // Returns, after Run has thrown, whether the client closed before all its bytes were played.
+  // For use after Run has thrown. Returns whether the client left before all its bytes were played.
   bool OwesAPart() const;
 
  private:

@@ -17,8 +17,8 @@
 
 namespace icehost {
 
-// The instruction of a 32-bit register that the target has in addition to those in the options,
-// unless one of them, or the IDCODE, uses this instruction.
+// The target also has a 32-bit register with this instruction, unless the IDCODE or a register in
+// the options uses the instruction.
 constexpr std::uint64_t kScratchInstruction = 0x02;
 
 struct TargetOptions {

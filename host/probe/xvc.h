@@ -6,7 +6,7 @@
 
 namespace icehost {
 
-// A client sends the next command only after the answer to the one before. N is decimal. Other
+// A client sends the next command only after the answer to the previous one. N is decimal. Other
 // numbers have 4 bytes, the lowest first. The lowest bit of the first byte is shifted first.
 //
 // | Command                     | Answer                                                     |

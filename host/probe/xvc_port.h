@@ -17,10 +17,10 @@
 namespace icehost {
 
 // The pins of an XVC server (see xvc.h), which shifts whole TCK cycles, for a TapWalker. Each
-// rising edge of TCK is a cycle, with TMS and TDI as that write sets them. SampleTdo asks for TDO
-// in the cycle of the next rising edge. Cycles are buffered until they fill a shift, or until
-// CollectTdo or Flush. Write throws Unsupported if NRST or TRST is low, and Read always does,
-// because the protocol has neither. Surplus bytes and an answer of the wrong length are an IoError.
+// rising edge of TCK is a cycle with the TMS and TDI of that write. SampleTdo asks for TDO in the
+// cycle of the next rising edge. Cycles are buffered until they fill a shift, or until CollectTdo
+// or Flush. Write throws Unsupported if NRST or TRST is low, and Read always does: the protocol has
+// no such commands. Surplus bytes and answers of the wrong length cause an IoError.
 class XvcPort : public PinPort {
  public:
   // Asks the server for its version and for the largest size of a shift. Throws IoError.
@@ -30,7 +30,7 @@ class XvcPort : public PinPort {
   int Read() override;
   void SampleTdo() override { sample_next_ = true; }
   Bits CollectTdo() override;
-  // Sends getinfo, and returns after the server has answered as at the beginning.
+  // Also sends getinfo. Throws IoError unless the answer is the same as in the constructor.
   void Flush() override;
 
  private:

@@ -16,8 +16,8 @@
 
 namespace icehost {
 
-// What RUNTEST asks for: to go to `state`, stay there for at least this many TCK cycles and seconds
-// but at most `most_seconds`, and then go to `end`.
+// A RUNTEST: go to `state`, stay there for at least this many TCK cycles and seconds but at most
+// `most_seconds`, and then go to `end`.
 struct SvfRunTest {
   TapState state;  // a stable state, as is `end`
   TapState end;
@@ -79,7 +79,7 @@ class SvfForm {
 
 // Writes a section for each IR scan and the DR scan after it, named after its line in the file.
 std::unique_ptr<SvfForm> MakeJtagForm(Problems& problems, std::ostream* script);
-// Writes each TCK edge. `tck_hz` is the probe's highest TCK rate; if missing, FREQUENCY counts.
+// Writes each TCK edge. `tck_hz` is the probe's highest TCK rate; without it, FREQUENCY applies.
 std::unique_ptr<SvfForm> MakeGpioForm(Problems& problems, std::ostream* script,
                                       std::optional<double> tck_hz);
 

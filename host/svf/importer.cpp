@@ -131,7 +131,7 @@ class Importer {
   Problems& problems_;
   Column ir_;
   Column dr_;
-  // The states of the last RUNTEST, which apply to the next one that names none.
+  // The states of the last RUNTEST, which a RUNTEST without states uses again.
   TapState run_state_ = TapState::kRunTestIdle;
   TapState run_end_ = TapState::kRunTestIdle;
 };

@@ -21,11 +21,11 @@ struct SvfImport {
   Keeping keeping = kKeepReasons;
 };
 
-// Reads the file and returns its problems and what the script leaves out, sorted by place. Stops
-// reading when the problems are full. If `script` is not null and there are no errors, writes a
-// script there that has the same effect as the file and passes `check`. If there are errors, what
-// it has written there, about `most` bytes at most, is useless. Calls `on_progress` with the number
-// of bytes read after each statement. Throws Interrupted.
+// Reads the file. Returns its problems and the parts that the script leaves out, sorted by place.
+// Stops reading when the problems are full. If `script` is not null and there are no errors, writes
+// a script there that has the same effect as the file and passes `check`. If there are errors, the
+// text written there is useless; it has at most about `most` bytes. Calls `on_progress` with the
+// number of bytes read after each statement. Throws Interrupted.
 Problems ImportSvf(const SvfImport& import, std::string_view text, std::ostream* script,
                    const std::function<void(std::size_t)>& on_progress);
 

@@ -98,8 +98,8 @@ struct SvfShift {
 // the next one with the same length.
 class SvfRegister {
  public:
-  // Reads LENGTH [TDI (..)] [TDO (..)] [MASK (..)] [SMASK (..)]. If that is wrong, or longer than
-  // `most` bits, reports it and returns nothing.
+  // Reads LENGTH [TDI (..)] [TDO (..)] [MASK (..)] [SMASK (..)]. If the statement is wrong, or
+  // longer than `most` bits, reports it and returns nothing.
   std::optional<SvfShift> Take(const SvfStatement& statement, std::size_t most, Problems& problems);
 
  private:

@@ -20,7 +20,7 @@ struct SvfScan {
   Bits tdi;          // the first bit first, as in all members
   Bits tdo;          // the bits that came back
   Bits mask;         // as long as tdo, or empty; bits that are 1 are compared
-  bool own = false;  // of one TAP: headers and trailers are for the others of its chain
+  bool own = false;  // of one TAP: headers and trailers are for the other TAPs of its chain
 };
 
 // The statements and comments that both writers use. Writes ASCII in lines of at most 256
@@ -52,8 +52,8 @@ class SvfWriter : public Output, public EventListener {
   void Statement(const std::string& text) { stream_ << text << ";\n"; }
   void ScanStatement(const SvfScan& scan);
   const ChainPlace& Place() const { return place_; }
-  // Writes a comment on something that was played and that SVF cannot express. Users get each
-  // warning once.
+  // Writes a comment on something that was played but that SVF cannot express. Adds `warning` to
+  // the losses, but only once.
   void Lose(const char* warning, const std::string& comment);
 
  private:
@@ -66,8 +66,8 @@ class SvfWriter : public Output, public EventListener {
   std::vector<std::string> losses_;  // warnings for the next TakeLosses
 };
 
-// Writes what happens to the TAP, in JTAG and in GPIO scripts. In a scan of a GPIO script, the bits
-// are compared for which the script has read TDO while the target drove it.
+// Writes what happens to the TAP, in JTAG and in GPIO scripts. In a scan of a GPIO script, a bit is
+// compared if the script has read it on TDO while the target drove TDO.
 std::unique_ptr<Output> MakeSvfPinWriter(std::ostream& stream);
 
 // Writes the scans of JTAG scripts for a probe that shows no pins. They are scans of one TAP,

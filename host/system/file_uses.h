@@ -11,15 +11,14 @@
 
 namespace icehost {
 
-// Refuses an output that would destroy another file of its command. Compares the files and not
-// their paths, so links make no difference.
+// Compares the files and not their paths, so links make no difference.
 class FileUses {
  public:
   // The command reads `scripts` ("-" is standard input) and `plugin`, which may be empty.
   explicit FileUses(const std::vector<std::string>& scripts = {}, const std::string& plugin = "");
 
-  // Registers the file that an option writes. The file is open, but not begun. Throws BadUsage if
-  // the file has another use. Terminals and devices such as /dev/null may have several.
+  // Registers the file that an option writes. The file must be open and not begun. Throws BadUsage
+  // if it has another use. Terminals and devices such as /dev/null may have several uses.
   void AddOutput(const OutputFile& file, const std::string& option);
 
  private:

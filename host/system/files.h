@@ -10,8 +10,8 @@
 
 namespace icehost {
 
-// Returns the whole content of `path`; "-" is standard input. Throws IoError if the file cannot be
-// read or has more than `limit` bytes, or throws OutOfResources or Interrupted.
+// Returns the whole content of `path`; "-" is standard input. Throws IoError if it cannot be read
+// or has more than `limit` bytes. Throws OutOfResources and Interrupted.
 std::string ReadInput(const std::string& path, std::size_t limit);
 
 // A file in memory, for a reader that needs a path. It exists as long as the object.

@@ -9,8 +9,8 @@
 
 namespace icehost {
 
-// Makes the first SIGINT, SIGTERM or SIGHUP set a flag, so that the program can end by itself;
-// another one, half a second later or more, ends it at once. Signals ignored at the start of the
+// Makes the first SIGINT, SIGTERM or SIGHUP set a flag, so that the program can end by itself. A
+// second signal, at least half a second later, ends it at once. Signals ignored at the start of the
 // process stay ignored. A separate thread receives the signals, so they interrupt no system call.
 // SIGPIPE and SIGXFSZ are ignored: the writes that cause them fail with an error instead. Must be
 // called once, before other threads start. Throws IoError.
@@ -28,8 +28,8 @@ void ThrowIfInterrupted();
 // Ends the program after a signal if the main thread does not look for signals, because it is in
 // the plug-in or waits for a reader of its output. Half a second after the signal, and once the
 // state is kAway, another thread calls `complete` and ends the process with status 130; the main
-// thread can no longer return to work. Without a Rescue, the process just ends. The Rescue created
-// last counts.
+// thread can no longer return to work. Without a Rescue, the process just ends. Only the Rescue
+// created last has an effect.
 class Rescue {
  public:
   enum class State { kAway, kWorking };
@@ -63,12 +63,12 @@ class Rescue {
   std::mutex working_;  // locked by the main thread while it works
 };
 
-// Returns the loop for every wait of the main thread; a signal stops it. Not to miss a signal,
-// callers first restart it, then call IsInterrupted, then run it. It is never destroyed, because
-// that would wait for a host name look-up that was given up.
+// Returns the loop for every wait of the main thread; a signal stops it. Callers restart it, call
+// IsInterrupted and run it, in this order, so as not to miss a signal. It is never destroyed,
+// because that would wait for a host name look-up that was given up.
 asio::io_context& EventLoop();
-// Waits until an operation that was started on the loop ends. Returns false if the deadline, or the
-// time allowed after a signal, is over first.
+// Waits until an operation that was started on the loop ends. Returns false if the deadline or the
+// end of the time allowed after a signal comes first.
 bool AwaitOperation(std::chrono::steady_clock::time_point deadline);
 
 }  // namespace icehost

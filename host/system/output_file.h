@@ -21,7 +21,7 @@ namespace icehost {
 // Nothing is ever removed from standard output, whose path is "-".
 class OutputFile {
  public:
-  // The part that remains of a file that cannot be completed: all whole lines, or nothing.
+  // The part that is kept of a file that cannot be completed: all whole lines, or nothing.
   enum class Rest { kLines, kNothing };
 
   // Opens the file, or throws IoError, which says why it cannot be opened. "-" is the file to which
@@ -44,8 +44,8 @@ class OutputFile {
   struct stat Status() const;
   // Notes that memory ran out for part of the content: Close then fails, if the file was begun.
   void MarkIncomplete() { incomplete_ = begun_; }
-  // Throws if a write has failed or the file is marked as incomplete: Interrupted after a signal,
-  // else IoError, which it throws once.
+  // If a write has failed or the file is marked as incomplete, throws Interrupted after a signal,
+  // and otherwise IoError, but only once.
   void ThrowIfCut();
   // Writes the buffered text and closes the file. Throws IoError if the file is incomplete and
   // ThrowIfCut has not thrown it before.
@@ -72,7 +72,7 @@ class OutputFile {
     DescriptorWriter writer_;
   };
 
-  // Why the file is not whole so far, or 0.
+  // Returns the errno that explains why the file is incomplete, or 0.
   int Error() const;
   // Removes the file if it did not exist and was not begun.
   void RemoveUnbegun();
@@ -85,7 +85,7 @@ class OutputFile {
   bool begun_ = false;
   bool incomplete_ = false;
   bool reported_ = false;
-  std::unique_ptr<char[]> room_;  // the buffer's; allocated first, so that a failure opens no file
+  std::unique_ptr<char[]> room_;  // of the buffer; allocated first, so that a failure opens no file
   int fd_;
   Buffer buffer_;
   std::ostream stream_;

@@ -30,7 +30,7 @@ class Socket {
   // Connects. After each failed attempt calls `again`, which may throw; without it, tries once.
   static Socket Connect(const Endpoint& endpoint, Timeout timeout,
                         const std::function<void()>& again = nullptr);
-  // Returns whether a server accepts connections there. Makes a connection to find out.
+  // Returns whether a server accepts connections at `endpoint`. Makes a connection to find out.
   static bool IsTaken(const Endpoint& endpoint, Timeout timeout);
   // Takes over `fd`, which must be a connected UNIX socket.
   Socket(int fd, const std::string& name, Timeout timeout);
@@ -44,7 +44,7 @@ class Socket {
   std::size_t Pending(std::chrono::milliseconds patience = {});
   // Returns whether the other side has closed and nothing is left to receive. Does not wait.
   bool HasEnded();
-  // Sets the end of the error message if the connection is lost before anything was received.
+  // Adds `advice` to the error message if the connection is lost before anything was received.
   void AdviseOnLoss(std::string advice) { advice_ = std::move(advice); }
   // Throws IoError: `who`, the other side, has closed the connection.
   [[noreturn]] void FailClosed(const std::string& who) const;

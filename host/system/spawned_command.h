@@ -12,8 +12,8 @@
 
 namespace icehost {
 
-// A guard, which is a separate process, starts the command, and ends it however icehost ends, even
-// by SIGKILL. The command has its own process group, so Ctrl-C reaches only icehost.
+// A separate process, the guard, starts the command, and ends it when icehost ends, even if SIGKILL
+// kills icehost. The command has its own process group, so Ctrl-C reaches only icehost.
 class SpawnedCommand {
  public:
   explicit SpawnedCommand(std::string command) : command_(std::move(command)) {}
@@ -29,9 +29,9 @@ class SpawnedCommand {
   void Start();
   // Returns whether the command has ended by itself. No process of its group is left then.
   bool HasEnded();
-  // Ends the process group with SIGTERM, and two seconds later with SIGKILL, and waits for that.
-  // Shows the end of the output if the run has `failed`. Returns false, and reports it, if
-  // processes may be left. Does nothing before Start and after an earlier End.
+  // Ends the process group with SIGTERM, and two seconds later with SIGKILL, and waits for its end.
+  // Shows the end of the output if the run has `failed`. If processes may be left, reports that and
+  // returns false. Does nothing before Start and after an earlier End.
   bool End(bool failed);
 
  private:

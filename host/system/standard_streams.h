@@ -8,9 +8,9 @@
 
 namespace icehost {
 
-// Opens the standard descriptors that the process was started without. Otherwise a file or
-// connection would get their numbers, and with them text for the user. Every use of them is an
-// error. Must be called first.
+// Opens each standard descriptor that is closed at the start of the process. Otherwise a file or
+// connection could get its number, and text for the user would go there. Reading or writing such a
+// descriptor fails. Must be called first.
 void OccupyStandardDescriptors();
 
 // Returns unbuffered standard error. A wait for its reader ends after a signal.
@@ -26,14 +26,14 @@ bool WantsColour(int fd);
 
 // Prints a line on standard error, as Printable returns it and without line feeds at its end.
 void ComplainLine(std::string line);
-// Prints such a line, with "icehost: " before it.
+// Does the same, with "icehost: " before the line.
 void Complain(const std::string& what);
 
 // Prints that memory has run out, without allocating any.
 void ComplainOfMemory();
 
-// While it exists, it captures what a library writes to descriptor 1, for example with printf.
-// Meanwhile User is the user's standard output. Only one object may exist at a time.
+// While the object exists, captures text that a library writes to descriptor 1, for example with
+// printf, and User returns the user's standard output. Only one object may exist at a time.
 class CapturedOutput {
  public:
   // Throws IoError.

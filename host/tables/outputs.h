@@ -30,11 +30,11 @@ struct OutputKind {
   };
 
   const char* option;
-  bool file_may_lack;  // without a file, it is standard error
+  bool file_may_lack;  // without a file, the output goes to standard error
   bool needs_pins;
   OutputFile::Rest rest;
   Verb run, serve;
-  bool reports_unplayed = false;  // it is also written if a run does not begin
+  bool reports_unplayed = false;  // the output is also written if a run does not begin
 };
 
 // Returns all rows.
@@ -58,31 +58,31 @@ std::vector<std::pair<std::string, std::string>> HeadEntries(const ProbeOptions&
 
 class Outputs {
  public:
-  // Opens all files, that of --spawn-log too, and changes none. Throws IoError if one cannot be
-  // opened, or needs pins that the probe does not show, and BadUsage if one has another use.
+  // Opens all files, also for --spawn-log, and changes none. Throws IoError if a file cannot be
+  // opened or an output needs pins that the probe lacks, and BadUsage if a file has another use.
   Outputs(const OutputRequests& requests, OutputKind::Verb OutputKind::*verb,
           const ProbeOptions& probe, FileUses uses);
   // Adds a file that the caller begins and writes. Complete closes it with the others.
   OutputFile& Add(const std::string& option, const std::string& path, OutputFile::Rest rest);
-  // Begins the outputs and empties their files, but not those of Add and --spawn-log.
+  // Begins the outputs and empties their files, but not the files of Add and --spawn-log.
   void Begin();
-  // Throws if standard output takes no more text, because a run should not go on unseen.
+  // Throws if standard output accepts no more text, because a run should not go on unseen.
   void ThrowIfCut() const {
     if (standard_output_ != nullptr) standard_output_->ThrowIfCut();
   }
   // Writes the buffered text. Throws as OutputFile::ThrowIfCut does.
   void Flush();
-  // Returns a warning for each thing that was played and is missing in an output, but each only
-  // once. Complete may add more.
+  // Returns the new warnings about things that were played but are missing in an output. Complete
+  // may add more.
   std::vector<std::string> TakeLosses();
-  // Marks all files as incomplete: memory ran out for an event, which any of them may lack.
+  // Marks all files as incomplete, because memory ran out for an event that any of them may lack.
   void MarkIncomplete();
   // Ends the outputs, and writes the buffered text. Returns a message for each file that is not
   // complete.
   std::vector<std::string> End(const PageHead& head);
-  // After End: passes the end of the run to the outputs, the last row of the table first, and
-  // closes the files. Returns a message for each file that is not complete and that End has not
-  // named. From the first of them on, the outputs get `if_lost` instead of `end`.
+  // Passes the end of the run to the outputs, the last row of the table first, and closes the
+  // files. Returns a message for each incomplete file that End has not named. As soon as a file
+  // turns out to be incomplete, the remaining outputs get `if_lost` instead of `end`.
   std::vector<std::string> EndRun(const RunEnd& end, const RunEnd& if_lost);
   // Ends the outputs of serve and closes the files. Returns a message for each that is not
   // complete.
@@ -101,7 +101,7 @@ class Outputs {
     OutputFile* file;  // null: standard error
   };
 
-  // Lets `act` complete one file. Adds a text to `failures` if the file is not whole.
+  // Lets `act` complete one file. Adds a text to `failures` if the file is incomplete.
   template <class Act>
   static void Guard(const Writer& writer, std::vector<std::string>& failures, const Act& act);
 

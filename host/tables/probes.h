@@ -36,7 +36,7 @@ struct ProbeKind {
   std::string (*describe)(const ProbeOptions& options) = nullptr;
   // Opens the pins for scripts. Null if the probe shows no pins.
   OpenPins open_pins = nullptr;
-  // Opens the pins for serve, whose client alone drives them. Null: use open_pins.
+  // Opens the pins for serve, where only the client drives them. Null: use open_pins.
   OpenPins open_served = nullptr;
   // Opens a probe that shows no pins.
   std::unique_ptr<Probe> (*open_scans)(const ProbeOptions& options) = nullptr;

@@ -34,7 +34,7 @@ std::vector<std::uint8_t> BytesOfBits(const Bits& bits);
 // Returns bytes, least significant first, as one number: "0x" and two digits for each byte.
 std::string ByteText(const std::uint8_t* bytes, std::size_t count);
 std::string ByteText(std::string_view bytes);
-// Returns bits as such a number; the last bit is the most significant.
+// Does the same for bits; the last bit is the most significant.
 std::string BitText(const Bits& bits);
 // Returns bytes as a script lists them, such as "0x01,0x02"; "0x00" if there are no bits.
 std::string ByteList(const Bits& bits);

@@ -17,7 +17,7 @@ enum class TapColumn { kIr, kDr };
 // The TAP that scripts address; the others of its chain stay in BYPASS. TAP 0 is the nearest to
 // TDO: its bits are shifted first, in and out.
 struct ChainPlace {
-  std::vector<int> ir_lengths;  // of all TAPs, in bits; empty: unknown; the TAP counts as alone
+  std::vector<int> ir_lengths;  // of all TAPs, in bits; if empty, the TAP counts as alone
   std::size_t tap = 0;          // its index, from 0
 
   // Return the number of bits that a scan shifts before and after those of this TAP.

@@ -21,14 +21,14 @@ class FakeHost {
   // Results for each kind of call, by its first word above, or by "query" for LINK_CONFIG_GET_CDI.
   // The n-th call gets the n-th result, or 0 if there is none.
   std::map<std::string, std::vector<int>> results;
-  // The call with this number, from 0 over all kinds, has the result `answer`; none if negative.
+  // The number of the call whose result is `answer`, from 0 over all kinds; negative for none.
   int answered_call = -1;
   int answer = 0;
   // The values that pin reads store, in order. Further reads store nothing.
   std::vector<std::uint32_t> pin_reads;
   // Bytes that each execute copies to the start of the capture buffer.
   std::vector<std::uint8_t> capture;
-  // The number of messages before the one that throws an int; none throws if negative.
+  // The number of messages before the one that throws an int; negative for none.
   int throw_after = -1;
   bool pieces = false;
 
