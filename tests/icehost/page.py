@@ -358,7 +358,7 @@ def check_served():
         ["2", "", "reset pins", "TRST=0 NRST=1", ""],
         ["3", "", "TAP reset", "by TRST", ""],
         ["4", "", "reset pins", "TRST=1 NRST=1", ""],
-        ["5", "", "DR scan, cut short by the end", "DR 2: 0x03", "DR 0x01"]])
+        ["5", "", "DR scan, cut short when the client left", "DR 2: 0x03", "DR 0x01"]])
     expect("clients", [re.sub(" from.*|, .*", "", text) for text in texts(".note")],
            ["client 1 connected", f"client 1 left: bytes {len(scan) + 20}"])
     click("#row-list .row > :nth-child(4)", "DR 4: 0x07")
