@@ -84,7 +84,9 @@ void Console::Hold(bool holds) {
 
 void Console::Release() {
   if (!std::exchange(holds_, false)) return;
-  if (held_bytes_ > kMostHeldBytes) Say("icehost: this round has too many messages to keep");
+  if (held_bytes_ > kMostHeldBytes) {
+    Say("icehost: too many messages: those of this round so far are not shown");
+  }
   for (const Held& held : std::exchange(held_, {})) {
     if (held.message) {
       Show(held.text.c_str());

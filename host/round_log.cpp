@@ -75,7 +75,7 @@ void RoundLog::PassOn(RunTime now) {
     next.pass();
   }
   if (std::exchange(cut_, false)) {
-    Warn("is too long to keep: its calls and steps so far are left out", now);
+    Warn("is too long to keep in memory: the outputs omit its calls and steps so far", now);
   }
   if (last) Warn("failed; later rounds are not recorded, because too many failed", now);
 }

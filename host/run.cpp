@@ -268,7 +268,7 @@ ExitStatus Runner::LearnFrom(const Script& script) {
   if (!writable || follower_.Unread() > 0) {
     events_.Say(fmt::format("{} was not learned: {}", script.path,
                             writable ? "this probe does not report every expected value"
-                                     : "with the values that were read, a line is too long"));
+                                     : "a line would be too long with the values that were read"));
     return kScriptFailed;
   }
   learned_script_ = std::move(learned.script);
@@ -290,7 +290,7 @@ std::string Runner::WhyFailed(const Script& script) const {
     return fmt::format("failed: {} of {} expected values {} not read", follower_.Unread(),
                        script.plan.expectations.size(), follower_.Unread() == 1 ? "was" : "were");
   }
-  if (follower_.Exceeded()) return "failed: the plug-in played more operations than the script has";
+  if (follower_.Exceeded()) return "failed: the plug-in ran more operations than the script has";
   if (follower_.Unreached() > 0) {
     return fmt::format("failed: the plug-in skipped {} of the script's operations",
                        follower_.Unreached());

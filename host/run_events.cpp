@@ -67,9 +67,9 @@ void RunEvents::RequestReset() {
 void RunEvents::SetPlace(const ChainPlace& place, bool measured) {
   for (EventListener* const listener : listeners_) listener->OnPlace(place);
   if (!measured) return;
-  Remark(
-      fmt::format("measured: --chain {} --tap {}", fmt::join(place.ir_lengths, ","), place.tap + 1),
-      Severity::kNote);
+  Remark(fmt::format("the chain was measured: --chain {} --tap {}",
+                     fmt::join(place.ir_lengths, ","), place.tap + 1),
+         Severity::kNote);
 }
 
 void RunEvents::EndScript(ScriptEnd end) {

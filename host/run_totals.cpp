@@ -88,13 +88,12 @@ PageHead RunTotals::Head(ExitStatus status) const {
   head.entries.emplace_back("Plug-in", command_.plugin);
   if (Repeats()) {
     head.entries.emplace_back("Repeated",
-                              RoundCounts() + "; here are the first and those that failed");
+                              RoundCounts() + "; this page shows the first and those that failed");
   } else {
     head.planned = ExpectedOperations();
   }
   if (rest != scripts.end()) {
-    head.entries.emplace_back("Not played",
-                              fmt::format("{}", fmt::join(rest, scripts.end(), ", ")));
+    head.entries.emplace_back("Not run", fmt::format("{}", fmt::join(rest, scripts.end(), ", ")));
   }
   return head;
 }

@@ -137,7 +137,7 @@ std::string Serving::Fault(const std::string& why) const {
     return fmt::format("{}: the last {} of {} steps were not recorded", why, missing, Steps());
   }
   if (!server_.has_value() || !server_->OwesAPart()) return "";
-  return fmt::format("{}: the last bytes of client {} were possibly not played", why,
+  return fmt::format("{}: the last bytes of client {} may not have been played", why,
                      client_.number);
 }
 
@@ -156,7 +156,7 @@ void Serving::OnClient(const std::string& peer) {
 }
 
 void Serving::OnFault(const std::string& why) {
-  if (command_.verbose) Say(fmt::format("client {} is disconnected: {}", client_.number, why));
+  if (command_.verbose) Say(fmt::format("client {} was disconnected: {}", client_.number, why));
 }
 
 void Serving::OnClientLeft() {

@@ -123,7 +123,9 @@ std::string Script::OptionsComment() const {
 }
 
 std::string Script::Text() const {
-  if (chain_.taps.size() > kMostTaps) throw Unsupported("no JTAG script: more than 64 TAPs");
+  if (chain_.taps.size() > kMostTaps) {
+    throw Unsupported("no JTAG script: the chain has more than 64 TAPs");
+  }
   if (IrBits() > kLongestScriptIr) {
     throw Unsupported(
         fmt::format("no JTAG script: the IR has {} bits, but a script allows at most {}", IrBits(),
@@ -189,7 +191,7 @@ std::string ReadTap(const Chain& chain, std::size_t i) {
     const bool level = (*tap.idcode >> bit & 1) != 0;
     const bool compared = (kIdcodeWithoutVersion >> bit & 1) != 0;
     lines += compared ? ReadBit(fmt::format("bit {}", bit), level)
-                      : ReadBit(fmt::format("bit {}, of the version", bit), std::nullopt);
+                      : ReadBit(fmt::format("bit {} (version)", bit), std::nullopt);
   }
   return lines;
 }

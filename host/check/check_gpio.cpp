@@ -254,7 +254,8 @@ void GpioLines::CloseBlock(const ScriptLine& endr) {
   blocks_.pop_back();
   if (block.operations == 0) {
     block_problems_.Warn(
-        block.rept, "this block contains no pin operation: the plug-in skips it without a delay");
+        block.rept,
+        "this block contains no pin operation: the plug-in skips it, so it adds no delay");
   }
   CountOperations(SaturatedProduct(block.operations, block.times));
   pins_.CloseBlock(block.rept.line);

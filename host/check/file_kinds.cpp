@@ -82,7 +82,7 @@ const std::vector<FileKind>& FileKinds() {
       {"a GPIO script", "run it with icehost run", FileUse::kScript, {"#"}, IsGpioScriptText},
       {"an SVF file", "convert it with icehost import", FileUse::kSvf, {"!", "//"}, IsSvf},
       {"a VCD file", "open it in a waveform viewer such as GTKWave", FileUse::kNone, {}, IsVcd},
-      {"an ELF file", "icehost run --plugin loads a plug-in", FileUse::kNone, {}, IsElf},
+      {"an ELF file", "load a plug-in with icehost run --plugin", FileUse::kNone, {}, IsElf},
       {"an HTML page", "open it in a browser", FileUse::kNone, {}, IsHtml},
       {"an SVG picture", "open it in a browser", FileUse::kNone, {}, IsSvg},
       {"a file of JSON lines from --json",

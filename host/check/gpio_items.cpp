@@ -21,7 +21,7 @@ using icescript::EqualsUpper;
 constexpr std::string_view kItemKeys[] = {"NRST",     "TRST",    "TCK",   "TMS",  "TDI",  "TDO",
                                           "GPIO_OUT", "GPIO_OE", "PRINT", "REPT", "ENDR", "END"};
 constexpr const char* kEmptyValue =
-    "for an empty value, the plug-in uses the last number before it";
+    "the value is empty: the plug-in reuses the last number it read";
 
 // ---- Values that are legal, but rarely meant
 

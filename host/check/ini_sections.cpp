@@ -28,7 +28,7 @@ bool Holds(const IniKeys& keys, std::string_view name) {
 std::string KeyMeant(std::string_view name, const IniKeys& keys) {
   if (const auto slip = SlipIn(name); !slip.empty()) return std::string(slip);
   if (!name.empty() && name.front() == '[') return "a section header must end with ]";
-  if (Holds(KeysOf("CONTROL"), name)) return fmt::format("{} belongs in the section CONTROL", name);
+  if (Holds(KeysOf("CONTROL"), name)) return fmt::format("{} belongs in the CONTROL section", name);
   if (Holds(KeysOf(""), name)) return fmt::format("{} belongs in the section of a scan", name);
   return DidYouMean(Nearest(name, keys));
 }
@@ -101,7 +101,7 @@ void WarnOfKey(const ScriptLine& line, const IniKeys& keys, std::string_view nam
 void WarnOfLateTag(const ScriptLine& header, std::string_view name, Problems& problems) {
   if (!icescript::IsSectionTag(fmt::format("[{}]", name))) return;
   problems.Warn(header.Start(),
-                "this tag must be the first line with text: the file is run as a JTAG script");
+                "this tag comes after other text: the file is run as a JTAG script");
 }
 
 // ---- Sections

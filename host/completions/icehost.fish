@@ -59,7 +59,7 @@ __icehost_option 'run detect serve' -l timeout -x -d 'Seconds to wait for answer
 __icehost_option 'run detect serve' -l spawn -r -F -d "Start the probe's server with a command"
 __icehost_option 'run detect serve' -l spawn-log -r -F -d 'Write the output of that command'
 __icehost_option 'run detect serve' -l chain -x -d 'IR lengths of all TAPs'
-__icehost_option 'run detect serve' -l tap -x -d 'The TAP of the chain to address, from 1'
+__icehost_option 'run detect serve' -l tap -x -d 'The number of the TAP to address, from 1'
 __icehost_option 'run detect serve' -l ir-length -x -d 'Length of the simulated IR, 2 to 32 (5)'
 __icehost_option 'run detect serve' -l idcode -x -d 'Simulated IDCODE, hexadecimal (1ce51001)'
 __icehost_option 'run detect serve' -l idcode-instruction -x -d 'The instruction of the IDCODE (1)'
@@ -67,7 +67,7 @@ __icehost_option 'run detect serve' -l register -x -d 'A simulated register, IR:
 __icehost_option run -l wire -x -a 'jtag5 2wire cjtag2' -d 'The wire mode at the start'
 
 __icehost_option 'run check' -l strict -d 'Treat warnings as failures'
-__icehost_option run -l force -d 'Run scripts with errors too'
+__icehost_option run -l force -d 'Also run scripts with errors'
 __icehost_option run -l keep-going -d 'Continue after a value that is not as expected'
 __icehost_option run -l repeat -x -d 'How many times to run; 0: until interrupted'
 __icehost_option run -l summary -d 'Print a summary at the end'
@@ -80,12 +80,12 @@ __icehost_option run -l svg -r -F -d 'Write the waveform as a picture'
 __icehost_option 'run serve' -l html -r -F -d 'Write a page for a browser'
 __icehost_option run -l svf -r -F -d 'Write the operations in the Serial Vector Format'
 __icehost_option run -l junit -r -F -d 'Write the results as JUnit XML'
-__icehost_option run -l learn -r -F -d 'Write the script with the values that were read'
+__icehost_option run -l learn -r -F -d 'Write a copy of the script that expects the values read'
 
 __icehost_option detect -l script -x -a 'jtag gpio' -d 'Write the beginning of a script'
 __icehost_option import -l script -x -a 'jtag gpio' -d 'The kind of script to write'
 __icehost_option import -l tck-hz -x -d 'The highest TCK rate of the probe in Hz'
-__icehost_option import -l all -d 'Report every problem, instead of each reason once'
+__icehost_option import -l all -d 'Report every problem, instead of grouping equal ones'
 __icehost_option import -s o -l output -r -F -d 'Write the script to a file'
 
 __icehost_option serve -a '(__icehost_endpoints)'

@@ -39,9 +39,9 @@ std::vector<std::string> RoundTally::Lines(const std::string& script, const Plan
 
 std::string RoundTally::Line(const Expectation& expectation, const Tally& tally) const {
   const bool pins = expectation.of == Expectation::Of::kPins;
-  std::string text = fmt::format("met in {} of {} rounds", tally.met, rounds_);
+  std::string text = fmt::format("expectation met in {} of {} rounds", tally.met, rounds_);
   if (tally.unread > 0) text += fmt::format(", not read in {}", tally.unread);
-  const char* before = pins ? "; pins wrong: " : "; bits wrong: ";
+  const char* before = pins ? "; wrong pins: " : "; wrong bits: ";
   for (std::size_t bit = 0; bit < tally.wrong.size(); ++bit) {
     const long times = tally.wrong[bit];
     if (times == 0) continue;

@@ -49,7 +49,7 @@ class TraceWriter : public Output, public EventListener {
 
 void TraceWriter::OnRound(long round) {
   stream_ << fmt::format("# round {}{}\n", round,
-                         round == 1 ? "; of the later rounds, only those that fail are shown" : "");
+                         round == 1 ? "; later rounds are shown only if they fail" : "");
 }
 
 void TraceWriter::OnScript(const ScriptBegin& script) {

@@ -62,7 +62,7 @@ struct ImportCommand {
   std::optional<double> tck_hz;  // of the probe, for a GPIO script
   std::string output = "-";
   std::size_t size_limit = kDefaultSizeLimit;  // of the file and of the script, in bytes
-  bool all = false;                            // report every problem, not each reason once
+  bool all = false;                            // report every problem, without groups
   bool quiet = false;
 };
 

@@ -149,7 +149,7 @@ std::vector<int> ParseChain(const std::string& text) {
 
 std::size_t ParseTap(const std::string& text) {
   const std::uint64_t tap = Number(text, 10, kMostTaps);
-  if (tap == 0) throw std::invalid_argument("TAPs are counted from 1");
+  if (tap == 0) throw std::invalid_argument("TAP numbers start at 1");
   return tap - 1;
 }
 

@@ -66,10 +66,11 @@ void AddTargetOptions(CLI::App& verb, TargetOptions& target) {
       verb, "--idcode-instruction", "HEX", "The instruction that selects the IDCODE (default 1)",
       [&target](const std::string& text) { target.idcode_instruction = ParseInstruction(text); })
       ->group(kTargetGroup);
-  AddParsed(verb, "--register", "IR:BITS[=HEX]",
-            "Add a register: its instruction (hexadecimal), its length and its reset value\n"
-            "(hexadecimal); repeatable (2:32 always exists, unless 2 selects the IDCODE)",
-            [&target](const std::string& text) { ParseRegister(text, target); })
+  AddParsed(
+      verb, "--register", "IR:BITS[=HEX]",
+      "Add a register: instruction (hexadecimal), length in bits, reset value (hexadecimal);\n"
+      "repeatable; register 2:32 always exists, unless 2 selects the IDCODE",
+      [&target](const std::string& text) { ParseRegister(text, target); })
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
       ->trigger_on_parse()
       ->group(kTargetGroup);
@@ -80,21 +81,21 @@ void AddChain(CLI::App& verb, ProbeOptions& probe, const char* group) {
             "The IR lengths of all TAPs, as detect lists them: the TAP nearest to TDO first",
             [&probe](const std::string& text) { probe.place.ir_lengths = ParseChain(text); })
       ->group(group);
-  AddParsed(verb, "--tap", "N", "The TAP of the chain to address, counted from 1",
+  AddParsed(verb, "--tap", "N", "The number of the TAP to address; the first in --chain is 1",
             [&probe](const std::string& text) { probe.place.tap = ParseTap(text); })
       ->group(group);
 }
 
 void AddSpawn(CLI::App& verb, ProbeOptions& probe) {
   AddParsed(verb, "--spawn", "COMMAND",
-            "A shell command that starts the probe's server; icehost ends it at the end",
+            "A shell command that starts the probe's server; icehost stops it before it exits",
             [&probe](const std::string& command) {
               if (command.empty()) throw std::invalid_argument("expected a command");
               probe.spawned = std::make_shared<SpawnedCommand>(command);
             });
   NamesFile(verb.add_option(
       "--spawn-log", probe.spawn_log,
-      "Write the output of the command; after a failure icehost shows its last lines"));
+      "Write the output of the command; after a failure, icehost prints its last lines"));
 }
 
 void AddProbe(CLI::App& verb, ProbeOptions& probe, const std::string& help,
@@ -260,11 +261,11 @@ CLI::App& AddVerb(CLI::App& app, RunCommand& run) {
   AddProbe(verb, run.probe, ProbeHelp(), kChainGroup);
   verb.add_flag(
       "--strict", run.strict,
-      "Treat warnings as failures: those of check, and a captured IR that no TAP can send;\n"
-      "on pins, also read the chain first: --chain or the script's IR length must match it");
+      "Treat warnings as failures, and fail if a captured IR does not end in 01; on pins and\n"
+      "XVC, read the chain first: it must match --chain or, without it, the IR scans' lengths");
   verb.add_flag(
       "--force", run.force,
-      "Run scripts with errors too, as the plug-in reads them; they still count as failed");
+      "Also run scripts with errors, as the plug-in reads them; they still count as failed");
   verb.add_flag("--keep-going", run.keep_going,
                 "Continue after a value that is not as expected, and fail at the end");
   AddParsed(
@@ -273,9 +274,8 @@ CLI::App& AddVerb(CLI::App& app, RunCommand& run) {
       "unless --keep-going is given; outputs contain the first round and those that fail",
       [&run](const std::string& text) { run.repeat = ParseRounds(text); });
   AddOutputs(verb, &OutputKind::run, kOutputGroup);
-  NamesFile(
-      verb.add_option("--learn", run.learn,
-                      "Write the script, with the values that were read as its expected values"))
+  NamesFile(verb.add_option("--learn", run.learn,
+                            "Write a copy of the script that expects the values that were read"))
       ->group(kOutputGroup);
   verb.add_flag("--summary", run.summary, "Print a summary at the end");
   run.plugin = DefaultPluginPath();
@@ -294,9 +294,9 @@ CLI::App& AddVerb(CLI::App& app, CheckCommand& check) {
       NewVerb(app, "check", "Report every problem in scripts, without using a probe", check.quiet);
   AddScripts(verb, check.scripts, check.size_limit);
   verb.add_flag("--strict", check.strict, "Treat warnings as failures");
-  NamesFile(
-      verb.add_option("--json", check.json,
-                      "Write the problems as JSON lines; - replaces the text on standard output"));
+  NamesFile(verb.add_option(
+      "--json", check.json,
+      "Write the problems as JSON lines; with -, they replace the text on standard output"));
   return verb;
 }
 
@@ -325,7 +325,7 @@ CLI::App& AddVerb(CLI::App& app, ImportCommand& import) {
             [&import](const std::string& text) { import.tck_hz = ParseHertz(text); });
   AddParsed(verb, "--size-limit", "MIB", "Maximum size of the file, and of the script (default 64)",
             [&import](const std::string& text) { import.size_limit = ParseMebibytes(text); });
-  verb.add_flag("--all", import.all, "Report every problem, instead of each reason once");
+  verb.add_flag("--all", import.all, "Report every problem, instead of grouping equal ones");
   NamesFile(verb.add_option("-o,--output", import.output,
                             "Write the script to a file, instead of standard output"));
   verb.final_callback([&import] { CompleteImport(import); });
@@ -342,12 +342,12 @@ CLI::App& AddVerb(CLI::App& app, ServeCommand& serve) {
   AddParsed(verb, "--protocol", "PROTOCOL", ProtocolHelp(),
             [&serve](const std::string& text) { serve.protocol = &ParseProtocol(text); });
   verb.add_flag("-v,--verbose", serve.verbose,
-                "Report when clients connect and leave, and what is wrong with their bytes");
+                "Report when clients connect and leave, and errors in what they send");
   AddParsed(verb, "--idle-limit", "SECONDS",
             "How long a client may be silent before another may replace it (default 60)",
             [&serve](const std::string& text) { serve.idle_limit = ParseSeconds(text); });
   AddOutputs(verb, &OutputKind::serve,
-             "Outputs: what clients do to the pins (FILE - is standard output)");
+             "Outputs that record what clients do (FILE - is standard output)");
   AddProbe(verb, serve.probe, ServedProbeHelp());
   verb.final_callback([&verb, &serve] { CompleteServe(verb, serve); });
   return verb;

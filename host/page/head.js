@@ -75,13 +75,14 @@ function showNotes() {
     if (left > 0) note("warning", `${source.name}: ${left} more problems are not shown`);
   }
   if (rows.length < data.total_rows || data.cut_messages) {
-    const late = data.late_faults > 0 ? ", and later failures" : "";
-    note("warning", `Cut: the first ${rows.length} of ${data.total_rows} operations${late}`);
+    const late = data.late_faults > 0 ? " and later failures" : "";
+    note("warning",
+      `The page shows the first ${rows.length} of ${data.total_rows} operations${late}`);
   }
-  if (data.cut_faults) note("warning", "Cut: some later failures are not shown");
+  if (data.cut_faults) note("warning", "Some later failures are not shown");
   if (steps.length < data.total_steps) {
     note("warning",
-      `Cut: the waveform shows the first ${steps.length} of ${data.total_steps} steps`);
+      `The waveform shows the first ${steps.length} of ${data.total_steps} steps`);
   }
   if (data.total_steps === 0) {
     note("", "No waveform: the probe showed no pins, or nothing drove them");

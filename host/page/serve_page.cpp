@@ -27,7 +27,9 @@ std::string ShownBits(const Bits& bits) {
 
 std::string NameOf(const TapScan& scan) {
   std::string name = fmt::format("{} scan{}", Column(scan), scan.continued ? ", continued" : "");
-  if (!scan.updated) name += fmt::format(", cut short by {}", scan.reset ? "a reset" : "the end");
+  if (!scan.updated) {
+    name += fmt::format(", cut short {}", scan.reset ? "by a reset" : "when the client left");
+  }
   return name;
 }
 

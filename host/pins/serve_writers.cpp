@@ -10,7 +10,7 @@ namespace {
 std::string PartText(const TapScan& scan) {
   std::string text = scan.continued ? " (continued)" : "";
   if (scan.updated) return text;
-  return text + (scan.reset ? " (cut short by a reset)" : " (cut short by the end)");
+  return text + (scan.reset ? " (cut short by a reset)" : " (cut short when the client left)");
 }
 
 // Writes one line for each event, which begins with the number of its first step. In "1042 DR 32

@@ -120,7 +120,7 @@ void OpenocdProbe::ChooseTap() {
   if (tap_.empty() && taps.size() == 1) tap_ = taps.front();
   if (tap_.empty()) {
     throw IoError(
-        fmt::format("OpenOCD has several TAPs, name one in --probe: {}", fmt::join(taps, ", ")));
+        fmt::format("OpenOCD has several TAPs: name one in --probe ({})", fmt::join(taps, ", ")));
   }
   RefuseUnknownTap(taps, tap_);
 }
@@ -202,8 +202,7 @@ std::vector<OpenocdTap> ParseScanChain(const std::string& answer) {
 
 void RefuseUnknownTap(const std::vector<std::string>& taps, const std::string& tap) {
   if (std::find(taps.begin(), taps.end(), tap) != taps.end()) return;
-  throw IoError(
-      fmt::format("OpenOCD has no TAP \"{}\", its TAPs are: {}", tap, fmt::join(taps, ", ")));
+  throw IoError(fmt::format("OpenOCD has no TAP \"{}\": expected {}", tap, fmt::join(taps, ", ")));
 }
 
 std::vector<std::string> WordsOf(const std::string& text) {

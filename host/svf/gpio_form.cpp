@@ -52,7 +52,7 @@ class GpioForm : public SvfForm {
   void RunTest(const SvfRunTest& run) override;
   void Trst(SvfTrst mode) override;
   void Frequency(std::optional<double> hz) override;
-  void Pio() override { Refuse("a GPIO script has only NRST and the pins of JTAG"); }
+  void Pio() override { Refuse("a GPIO script can drive only NRST and the JTAG pins"); }
   void End() override;
 
  private:
@@ -207,7 +207,7 @@ std::optional<long> GpioForm::CyclesOf(const SvfRunTest& run) {
   cycles = std::ceil(cycles * (1 - kRounding));
   if (run.seconds > 0) {
     if (!hz.has_value()) {
-      Refuse("a wait in seconds needs a TCK rate: a FREQUENCY before it, or --tck-hz N");
+      Refuse("a wait in seconds needs a TCK rate: put FREQUENCY before it, or use --tck-hz N");
       return std::nullopt;
     }
     cycles = std::max(cycles, std::ceil(run.seconds * *hz * (1 - kRounding)));
@@ -217,7 +217,7 @@ std::optional<long> GpioForm::CyclesOf(const SvfRunTest& run) {
     return std::nullopt;
   }
   if (run.most_seconds.has_value() && hz.has_value() && cycles > *run.most_seconds * *hz + 1) {
-    Refuse(fmt::format("{} TCK cycles take longer than the maximum at {} Hz", cycles, *hz));
+    Refuse(fmt::format("at {} Hz, {} TCK cycles take longer than the maximum", *hz, cycles));
     return std::nullopt;
   }
   return static_cast<long>(cycles);

@@ -46,7 +46,7 @@ class JtagForm : public SvfForm {
   void RunTest(const SvfRunTest& run) override;
   void Trst(SvfTrst mode) override;
   void Frequency(std::optional<double> hz) override;
-  void Pio() override { Refuse("a JTAG script has only the pins of the TAP"); }
+  void Pio() override { Refuse("a JTAG script can drive only the pins of the TAP"); }
   void End() override;
 
  private:
@@ -245,7 +245,7 @@ void JtagForm::End() {
   if (bare_.has_value()) {
     problems_.Warn(*bare_,
                    "no SIR precedes this scan, so its register depends on what ran before: icehost "
-                   "resets the TAP, a debug server might not");
+                   "resets the TAP first, but a debug server might not");
   }
   if (wait_.has_value()) {
     problems_.Note(

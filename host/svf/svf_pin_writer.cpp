@@ -19,13 +19,13 @@ constexpr const char* kIdle = "IDLE";
 constexpr const char* kTwoWire = "SVF has no 2-wire interface: a player scans over 5 wires";
 constexpr const char* kReleased = "SVF cannot release pins: a player drives them";
 constexpr const char* kEmptyScan =
-    "SVF has no scan of 0 bits: a player neither captures nor updates there";
+    "SVF has no scan of 0 bits: a player skips its capture and its update";
 constexpr const char* kCutScan = "a scan was cut short: it is not in the file";
 constexpr const char* kLongScan = "a scan has more than 1048576 bits: it is not in the file";
 static_assert(kMostScanBits == 1048576);
-constexpr const char* kPause = "a scan went through a Pause state: a player does not";
+constexpr const char* kPause = "a scan went through a Pause state, but a player does not";
 constexpr const char* kNoIdle =
-    "scans followed each other without Run-Test/Idle: a player goes through Run-Test/Idle";
+    "scans followed each other without Run-Test/Idle, but a player goes through it";
 
 bool IsShift(std::optional<TapState> state) {
   return state == TapState::kShiftDr || state == TapState::kShiftIr;
@@ -158,7 +158,7 @@ void SvfPinWriter::OnNewState(TapState from, TapState to) {
     case TapState::kCaptureIr:
       if (std::exchange(updated_, false)) {
         BeginStatement();
-        Lose(kNoIdle, "from the scan above to the next without Run-Test/Idle");
+        Lose(kNoIdle, "the next scan follows without Run-Test/Idle");
       }
       begin_ = current_;
       paused_ = false;
@@ -221,7 +221,7 @@ void SvfPinWriter::WriteScan(const char* end) {
   if (!held_.has_value()) return;
   const Held held = *std::exchange(held_, std::nullopt);
   Locate(held.begin, held.last_line);
-  if (held.paused) Lose(kPause, fmt::format("through Pause-{}", Column(held.scan.ir)));
+  if (held.paused) Lose(kPause, fmt::format("scan through Pause-{}", Column(held.scan.ir)));
   const char*& end_in_force = held.scan.ir ? end_ir_ : end_dr_;
   if (std::strcmp(std::exchange(end_in_force, end), end) != 0) {
     Statement(fmt::format("END{} {}", Column(held.scan.ir), end));
@@ -251,7 +251,7 @@ void SvfPinWriter::OnTapReset(bool by_trst, StepRange /*steps*/) {
   if (held) WriteScan(held_->scan.ir ? "IRPAUSE" : "DRPAUSE");
   BeginStatement();
   if (updated && !held) {
-    Lose(kNoIdle, "from the scan above to the reset without Run-Test/Idle");
+    Lose(kNoIdle, "a reset follows without Run-Test/Idle");
   }
   Statement("STATE RESET");
 }

@@ -44,7 +44,7 @@ void SvfWriter::Begin() {
 
 void SvfWriter::OnRound(long round) {
   Comment("Round " + std::to_string(round) +
-          (round == 1 ? ". Of the later rounds, only those that fail are shown." : "."));
+          (round == 1 ? ". Later rounds are shown only if they fail." : "."));
 }
 
 Bits SvfWriter::MaskOf(const CallSource& source, bool ir, std::size_t bits) {

@@ -212,7 +212,7 @@ void Socket::FailClosed(const std::string& who) const {
 }
 
 void Socket::FailOutOfStep() const {
-  throw IoError(fmt::format("{}: the server sent an answer that was not asked for", name_));
+  throw IoError(fmt::format("{}: the server sent an unexpected answer", name_));
 }
 
 std::string Socket::Advice() const {

@@ -163,7 +163,7 @@ bool Guard::IsGroupGone() {
 }
 
 [[noreturn]] void FailToStart() {
-  throw IoError(fmt::format("cannot start the command of --spawn: {}", std::strerror(errno)));
+  throw IoError(fmt::format("cannot start the --spawn command: {}", std::strerror(errno)));
 }
 
 // Returns -1 if reading would wait, or would take data from another reader.

@@ -50,7 +50,7 @@ const std::vector<OutputKind>& OutputKinds() {
        kLines,
        {"Write a line for every host call to standard error, or to a file with --trace=FILE",
         MakeTrace},
-       {"Write a line for every scan, reset and client to standard error, or with --trace=FILE",
+       {"Write a line for each scan, reset and client to standard error, or to --trace=FILE",
         MakeServeTrace}},
       {"--json",
        /*file_may_lack=*/false,

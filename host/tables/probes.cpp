@@ -139,7 +139,7 @@ Chain ReadOpenocd(const ProbeOptions& options) {
 std::size_t OnlyTap(const Chain& chain, const ProbeOptions& options) {
   const Texts names = TapsOf(chain);
   if (options.tap.empty() && names.size() > 1) {
-    throw Unsupported(fmt::format("no script: OpenOCD has several TAPs, name one in --probe: {}",
+    throw Unsupported(fmt::format("no script: OpenOCD has several TAPs: name one in --probe ({})",
                                   fmt::join(names, ", ")));
   }
   if (options.tap.empty()) return 0;

@@ -284,7 +284,7 @@ TEST(Detect, WritesNoJtagScriptOfALongChain) {
     std::string refused;
   } kChains[] = {
       {64, 288, ""},
-      {65, 130, "no JTAG script: more than 64 TAPs"},
+      {65, 130, "no JTAG script: the chain has more than 64 TAPs"},
       {64, 289, "no JTAG script: the IR has 289 bits, but a script allows at most 288"},
   };
   for (const auto& test : kChains) {

@@ -325,9 +325,9 @@ def check_long():
     begun = time.monotonic()
     open_page()
     expect("opens in 10 s", time.monotonic() - begun < 10, True)
-    expect("notes", [note for note in texts("#notes li") if note.startswith("Cut")],
-           ["Cut: the first 100001 of 150004 operations, and later failures",
-            "Cut: the waveform shows the first 100000 of 120002 steps"])
+    expect("notes", [note for note in texts("#notes li") if note.startswith("The ")],
+           ["The page shows the first 100001 of 150004 operations and later failures",
+            "The waveform shows the first 100000 of 120002 steps"])
     expect("the end", table()[-1][2:], ["read", "", "0x20 TDO", "0x01/0x01", "NOT MET"])
     expect("elements", len(texts(".item")) < 500, True)
     expect("past the waveform", (texts("#detail dd")[-2], texts("#readout")),
@@ -358,7 +358,7 @@ def check_served():
         ["2", "", "reset pins", "TRST=0 NRST=1", ""],
         ["3", "", "TAP reset", "by TRST", ""],
         ["4", "", "reset pins", "TRST=1 NRST=1", ""],
-        ["5", "", "DR scan, cut short by the end", "DR 2: 0x03", "DR 0x01"]])
+        ["5", "", "DR scan, cut short when the client left", "DR 2: 0x03", "DR 0x01"]])
     expect("clients", [re.sub(" from.*|, .*", "", text) for text in texts(".note")],
            ["client 1 connected", f"client 1 left: bytes {len(scan) + 20}"])
     click("#row-list .row > :nth-child(4)", "DR 4: 0x07")

@@ -137,7 +137,8 @@ TEST(Serve, IsToldInLines) {
 {"scan":"DR","bits":8,"in":"0x00","out":"0x01","updated":true,"step":52,"end_step":73}
 )"},
       {kReset + Walk("0" + kDr) + Edges("0", "1"),
-       "9 TAP reset (TMS)\n11 idle 1 cycle\n17 DR 1 bits 0x01 -> 0x01 (cut short by the end)\n",
+       "9 TAP reset (TMS)\n11 idle 1 cycle\n17 DR 1 bits 0x01 -> 0x01 (cut short when the client "
+       "left)\n",
        R"({"reset":"TMS","step":9,"end_step":10}
 {"idle":1,"step":11,"end_step":16}
 {"scan":"DR","bits":1,"in":"0x01","out":"0x01","updated":false,"step":17,"end_step":22}
@@ -148,9 +149,9 @@ TEST(Serve, IsToldInLines) {
        R"(9 TAP reset (TMS)
 11 idle 2 cycles
 16 idle 1 cycle
-21 DR 2 bits 0x01 -> 0x01 (cut short by the end)
+21 DR 2 bits 0x01 -> 0x01 (cut short when the client left)
 29 DR 2 bits 0x03 -> 0x00 (continued)
-41 IR 0 bits (cut short by the end)
+41 IR 0 bits (cut short when the client left)
 44 TRST=0 NRST=1
 44 TAP reset (TRST)
 45 TRST=1 NRST=1

@@ -214,7 +214,7 @@ def check_signals():
     expect("no call", ", failed 0\noperations 0," in read("no_call"), True)
     ends_by(signal.SIGINT, "run", "-q", "--repeat", "0", "--summary", "--json", "r.json", SCRIPT,
             err="rounds")
-    said = (r"icehost: interrupted \(round \d+\)\n\S+ met in (\d+) of \1 rounds\n"
+    said = (r"icehost: interrupted \(round \d+\)\n\S+ expectation met in (\d+) of \1 rounds\n"
             r"rounds \1, failed 0\noperations .*\n")
     expect(read("rounds"), bool(re.fullmatch(said, read("rounds"))), True)
     expect("rounds kept", read("r.json").count('"round"'), 2)

@@ -58,9 +58,9 @@ TEST(Svf, SaysWhatTheTapDoes) {
   const auto loss = [](const char* what) {
     return std::string("icehost: warning: --svf: ") + what + "\n";
   };
-  const std::string paused = loss("a scan went through a Pause state: a player does not");
+  const std::string paused = loss("a scan went through a Pause state, but a player does not");
   const std::string no_idle =
-      loss("scans followed each other without Run-Test/Idle: a player goes through Run-Test/Idle");
+      loss("scans followed each other without Run-Test/Idle, but a player goes through it");
   const struct {
     const char* edges;
     std::string told;
@@ -79,15 +79,15 @@ TEST(Svf, SaysWhatTheTapDoes) {
        "ENDDR DRPAUSE;\nSDR 2 TDI (1);\nSTATE RESET;\nSTATE IDLE;\nENDIR IRPAUSE;\nSIR 2 TDI "
        "(1);\nSTATE RESET;\nSTATE IDLE;\n"},
       {"0100 i1 1100 01 10", no_idle,
-       "SDR 2 TDI (1);\n! from the scan above to the next without Run-Test/Idle\nSDR 2 TDI (0);\n"},
+       "SDR 2 TDI (1);\n! the next scan follows without Run-Test/Idle\nSDR 2 TDI (0);\n"},
       {"0100 i1 1 {NRST=0} 111", no_idle,
-       "SDR 2 TDI (1);\n! NRST low\n! from the scan above to the reset without "
+       "SDR 2 TDI (1);\n! NRST low\n! a reset follows without "
        "Run-Test/Idle\nSTATE RESET;\n"},
       {"0100 i1 010 i1 10 100 1 10", paused,
-       "! through Pause-DR\nSDR 4 TDI (5);\nSDR 1 TDI (0);\n"},
+       "! scan through Pause-DR\nSDR 4 TDI (5);\nSDR 1 TDI (0);\n"},
       // Actions that SVF cannot express.
       {"010 1 10 100 i1 10",
-       loss("SVF has no scan of 0 bits: a player neither captures nor updates there"),
+       loss("SVF has no scan of 0 bits: a player skips its capture and its update"),
        "! scan of 0 DR bits: left out\nSDR 2 TDI (1);\n"},
       {"0100 i0 {TRST=0}{TRST=1} 0", loss("a scan was cut short: it is not in the file"),
        "! scan of 2 DR bits: cut short, left out\nTRST ON;\nTRST OFF;\nSTATE IDLE;\n"},

@@ -155,7 +155,7 @@ def check_xvc():
             client.shutdown(socket.SHUT_WR)
         expect(why, b"".join(iter(lambda one=client: one.recv(99), b"")), answers)
         wanted += [f"icehost: client {number} connected from ADDRESS"]
-        wanted += [f"icehost: client {number} is disconnected: {why}"] if why else []
+        wanted += [f"icehost: client {number} was disconnected: {why}"] if why else []
         wanted += [f"icehost: client {number} left: bytes {len(request)}"]
     status, said = serve.end()
     expect("verbose", (status, said.splitlines()), (0, wanted))
@@ -198,7 +198,7 @@ def check_lost():
         ("killed", ones, "close", IDCODE * 50, f"({ended}|connection lost)"),
         ("garbage", lambda got: b"x" * got.count(b"R"), None, IDCODE,
          "expected a TDO level, got the byte 120"),
-        ("out of step", lambda got: ones(got) + b"1", None, IDCODE, "not asked for"),
+        ("out of step", lambda got: ones(got) + b"1", None, IDCODE, "unexpected answer"),
         ("hangs", lambda _: b"", None, IDCODE, "no answer within 300 ms"),
         ("signal", lambda _: b"", signal.SIGTERM, IDCODE, cut_off),
         ("interrupt", lambda _: b"", signal.SIGINT, IDCODE, cut_off),
@@ -238,7 +238,7 @@ def check_signal():
         (signal.SIGTERM, lambda _: b"", ["--trace=t"], 3,
          "the last 86 of 86 steps were not recorded"),
         (signal.SIGINT, lambda _: b"", [], 3,
-         "the last bytes of client 1 were possibly not played"),
+         "the last bytes of client 1 may not have been played"),
     ]:
         upstream = Upstream(answer)
         serve = Serve("--probe", upstream.name, *outputs)

@@ -173,7 +173,7 @@ TEST(Servers, EndARunAsTheyShould) {
   const std::string skipped = ": # reset TAP is skipped: this probe cannot reset the TAP";
   const std::string pins = "tests/scripts/reported_pins.gpio";
   const std::string nrst = "NRST, which this probe does not report (mask 0x21)";
-  const std::string step = "SERVER: the server sent an answer that was not asked for";
+  const std::string step = "SERVER: the server sent an unexpected answer";
   const std::string silence = "SERVER: no answer within 200 ms";
   const std::string closed = "SERVER: the server closed the connection";
   const std::string is_busy = " (is another client connected?)";
@@ -309,7 +309,7 @@ TEST(Servers, EndARunAsTheyShould) {
       {Openocd({"1 2 a"}), openocd, reset, 3, no_answer + "1 \"jtag names\", got \"1 2 a\""},
       {Openocd({"1 0"}), openocd, reset, 3, "OpenOCD has no TAP"},
       {Openocd({"1 0 a b"}), openocd, reset, 3,
-       "OpenOCD has several TAPs, name one in --probe: a, b"},
+       "OpenOCD has several TAPs: name one in --probe (a, b)"},
       {Openocd({"1 1 unknown"}), openocd, reset, 3, "OpenOCD: jtag names: unknown"},
       {Openocd({"1 0 a", "2 0 header\n 0 b Y 0x0 0x0 5 0x1 0x3"}), openocd, reset, 3,
        "OpenOCD does not report the IR length of a"},

@@ -39,7 +39,7 @@ detect 0 -q --script --probe "$probe:a.tap"
 holds err.txt ''
 "$icehost" run -q --strict --probe "$probe:a.tap" "$scratch/out.txt" || fail "the script does not pass"
 detect 3 --probe "$probe:b.tap"
-holds err.txt 'icehost: OpenOCD has no TAP "b.tap", its TAPs are: a.tap'
+holds err.txt 'icehost: OpenOCD has no TAP "b.tap": expected a.tap'
 # The target is gone: IDCODEs that OpenOCD read when it started must not be reported.
 stop TERM "$server"
 detect 3 --probe "$probe"
@@ -86,7 +86,7 @@ played() {
 }
 played openocd.txt --probe "$probe:b.tap"
 detect 3 --probe "$probe:x.tap"
-holds err.txt 'icehost: OpenOCD has no TAP "x.tap", its TAPs are: a.tap, b.tap, c.tap'
+holds err.txt 'icehost: OpenOCD has no TAP "x.tap": expected a.tap, b.tap, c.tap'
 stop_openocd
 detect 0 --probe "$pins"
 [ "$declared" = "$(idcodes)" ] || fail "OpenOCD and the pins have different IDCODEs"

@@ -43,7 +43,7 @@ summary "$probe" '^operations 1, TCK cycles unknown, bits shifted 37, reads 1,'
 summary sim '^operations 1, TCK cycles 5[0-9], bits shifted 37, reads 1,'
 "$icehost" run --probe "$probe:nope" examples/reset.ini 2>"$scratch/run.log" &&
   fail "a TAP that OpenOCD does not have"
-holds run.log 'icehost: OpenOCD has no TAP "nope", its TAPs are: sim.tap'
+holds run.log 'icehost: OpenOCD has no TAP "nope": expected sim.tap'
 refused "$probe" examples/two_wire.ini \
   "5: link_config failed: OpenOCD cannot select the 2-wire interface"
 refused "$probe" examples/read_idcode.gpio \
