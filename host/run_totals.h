@@ -61,7 +61,7 @@ class RunTotals {
   std::size_t ended_ = 0;   // scripts, in the current round
   long round_ = 0;          // the current one
   long played_rounds_ = 0;  // those played to their ends
-  long failed_rounds_ = 0;  // of these
+  long failed_rounds_ = 0;  // of the rounds played
   ValueCounts values_;      // of all scripts that ended or were left out, in all rounds
   std::string summary_;     // the results of the expectations
 };
