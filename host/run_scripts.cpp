@@ -20,7 +20,7 @@ namespace {
 // Returns why a script with these problems is not played; empty if it is played.
 std::string WhyNot(const Problems& problems, const RunCommand& command) {
   if (problems.HasErrors() && !command.force) {
-    return "has errors, so no script is run (--force runs it as the plug-in reads it)";
+    return "has errors, so no script is run (--force runs scripts with errors, too)";
   }
   if (problems.Warnings() > 0 && command.strict) {
     return "has warnings and --strict is given, so no script is run";

@@ -87,8 +87,8 @@ PageHead RunTotals::Head(ExitStatus status) const {
                    status == kAllWell, HeadEntries(command_.probe, Counts(), console_.Seconds())};
   head.entries.emplace_back("Plug-in", command_.plugin);
   if (Repeats()) {
-    head.entries.emplace_back("Repeated",
-                              RoundCounts() + "; this page shows the first and those that failed");
+    head.entries.emplace_back(
+        "Repeated", RoundCounts() + "; this page shows the first round and the failed rounds");
   } else {
     head.planned = ExpectedOperations();
   }

@@ -137,7 +137,7 @@ std::string Serving::Fault(const std::string& why) const {
     return fmt::format("{}: the last {} of {} steps were not recorded", why, missing, Steps());
   }
   if (!server_.has_value() || !server_->OwesAPart()) return "";
-  return fmt::format("{}: the last bytes of client {} may not have been played", why,
+  return fmt::format("{}: the last bytes of client {} may not have reached the probe", why,
                      client_.number);
 }
 

@@ -166,9 +166,10 @@ class SectionFinder {
     WarnOfLateTag(line, name_, problems_);
     Named& named = named_[name_];
     if (named.header.has_value()) {
-      problems_.Warn(*header_, name_ == "CONTROL"
-                                   ? "this continues the CONTROL above: both are one operation"
-                                   : "this continues the section of the same name above");
+      problems_.Warn(*header_,
+                     name_ == "CONTROL"
+                         ? "this continues the [CONTROL] section above: both are one operation"
+                         : "this continues the section of the same name above");
     } else {
       named.header = header_;
     }

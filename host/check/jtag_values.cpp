@@ -238,7 +238,7 @@ void CheckReset(const ScriptLine& reset, Problems& problems) {
     denied = denied || icescript::EqualsUpper(value, no);
   }
   if (denied) {
-    problems.Warn(reset.Start(), "this resets the target: RESET does so with any value");
+    problems.Warn(reset.Start(), "this resets the target, whatever the value of RESET is");
   }
 }
 

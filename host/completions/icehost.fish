@@ -62,7 +62,7 @@ __icehost_option 'run detect serve' -l chain -x -d 'IR lengths of all TAPs'
 __icehost_option 'run detect serve' -l tap -x -d 'The number of the TAP to address, from 1'
 __icehost_option 'run detect serve' -l ir-length -x -d 'Length of the simulated IR, 2 to 32 (5)'
 __icehost_option 'run detect serve' -l idcode -x -d 'Simulated IDCODE, hexadecimal (1ce51001)'
-__icehost_option 'run detect serve' -l idcode-instruction -x -d 'The instruction of the IDCODE (1)'
+__icehost_option 'run detect serve' -l idcode-instruction -x -d 'The IDCODE instruction (1)'
 __icehost_option 'run detect serve' -l register -x -d 'A simulated register, IR:BITS[=HEX]'
 __icehost_option run -l wire -x -a 'jtag5 2wire cjtag2' -d 'The wire mode at the start'
 
@@ -85,7 +85,7 @@ __icehost_option run -l learn -r -F -d 'Write a copy of the script that expects 
 __icehost_option detect -l script -x -a 'jtag gpio' -d 'Write the beginning of a script'
 __icehost_option import -l script -x -a 'jtag gpio' -d 'The kind of script to write'
 __icehost_option import -l tck-hz -x -d 'The highest TCK rate of the probe in Hz'
-__icehost_option import -l all -d 'Report every problem, instead of grouping equal ones'
+__icehost_option import -l all -d 'Report every problem, instead of grouping identical ones'
 __icehost_option import -s o -l output -r -F -d 'Write the script to a file'
 
 __icehost_option serve -a '(__icehost_endpoints)'

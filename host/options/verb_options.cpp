@@ -241,8 +241,8 @@ void CompleteServe(const CLI::App& verb, ServeCommand& serve) {
   if (serve.verbose && serve.quiet)
     throw CLI::ValidationError("--verbose", "cannot be combined with --quiet");
   if (!kind.ShowsPins()) {
-    throw CLI::ValidationError("--probe", std::string("serve sets single pins, but ") + kind.title +
-                                              " accepts only whole scans");
+    throw CLI::ValidationError("--probe", std::string("serve sets individual pins, but ") +
+                                              kind.title + " accepts only whole scans");
   }
   CompletePlace(verb, serve.probe);
   RefuseLoneTap(serve.probe);
@@ -271,7 +271,7 @@ CLI::App& AddVerb(CLI::App& app, RunCommand& run) {
   AddParsed(
       verb, "--repeat", "N",
       "Run all scripts N times (0: until interrupted); stop after the first round that fails,\n"
-      "unless --keep-going is given; outputs contain the first round and those that fail",
+      "unless --keep-going is given; outputs contain the first round and the failed rounds",
       [&run](const std::string& text) { run.repeat = ParseRounds(text); });
   AddOutputs(verb, &OutputKind::run, kOutputGroup);
   NamesFile(verb.add_option("--learn", run.learn,
@@ -317,7 +317,7 @@ CLI::App& AddVerb(CLI::App& app, ImportCommand& import) {
       NewVerb(app, "import", "Convert a Serial Vector Format (SVF) file to a script", import.quiet);
   verb.add_option("FILE", import.file, "SVF file; - is standard input")->type_name("")->required();
   AddParsed(verb, "--script", "KIND",
-            "jtag (the default), or gpio, which can express every file but needs a probe with pins",
+            "jtag (the default), or gpio, which can represent any file but needs a probe with pins",
             [&import](const std::string& text) { import.script = ParseScriptKind(text); });
   AddParsed(verb, "--tck-hz", "N",
             "The highest TCK rate of the probe in Hz, for the waits of a GPIO script\n"
@@ -325,7 +325,7 @@ CLI::App& AddVerb(CLI::App& app, ImportCommand& import) {
             [&import](const std::string& text) { import.tck_hz = ParseHertz(text); });
   AddParsed(verb, "--size-limit", "MIB", "Maximum size of the file, and of the script (default 64)",
             [&import](const std::string& text) { import.size_limit = ParseMebibytes(text); });
-  verb.add_flag("--all", import.all, "Report every problem, instead of grouping equal ones");
+  verb.add_flag("--all", import.all, "Report every problem, instead of grouping identical ones");
   NamesFile(verb.add_option("-o,--output", import.output,
                             "Write the script to a file, instead of standard output"));
   verb.final_callback([&import] { CompleteImport(import); });

@@ -179,7 +179,7 @@ void OpenocdProbe::Flush() {
 }
 
 int OpenocdProbe::Gpio(int /*out_value*/, std::uint32_t& /*data*/, int /*oe_mask*/, int /*flags*/) {
-  throw Unsupported("OpenOCD cannot drive single pins: GPIO scripts do not run on it");
+  throw Unsupported("OpenOCD cannot drive individual pins: GPIO scripts do not run on it");
 }
 
 // A row is "N NAME ENABLED IDCODE EXPECTED IRLEN IRCAP IRMASK". Each further EXPECTED has a line of

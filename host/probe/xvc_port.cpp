@@ -121,7 +121,7 @@ void XvcPort::CheckStep(std::size_t came) const {
 }
 
 int XvcProbe::Gpio(int /*out_value*/, std::uint32_t& /*data*/, int /*oe_mask*/, int /*flags*/) {
-  throw Unsupported("XVC cannot drive single pins: GPIO scripts do not run on it");
+  throw Unsupported("XVC cannot drive individual pins: GPIO scripts do not run on it");
 }
 
 }  // namespace icehost

@@ -267,7 +267,7 @@ void JtagForm::EndWithoutScan() {
 void JtagForm::Section(int line, const SvfShift& ir, const SvfShift& dr) {
   on_line_ = line == last_line_ ? on_line_ + 1 : 1;
   last_line_ = line;
-  if (ir.tdi.empty()) Comment("no IR scan: the instruction stays");
+  if (ir.tdi.empty()) Comment("no IR scan: the previous instruction stays loaded");
   Write(fmt::format("[LINE_{}{}]\nIR={},{}\nDR={},{},{}\n", line,
                     on_line_ > 1 ? fmt::format("_{}", on_line_) : "", ir.tdi.size(),
                     ByteList(ir.tdi), dr.Compares() ? 'R' : 'W', dr.tdi.size(), ByteList(dr.tdi)));

@@ -238,7 +238,7 @@ def check_signal():
         (signal.SIGTERM, lambda _: b"", ["--trace=t"], 3,
          "the last 86 of 86 steps were not recorded"),
         (signal.SIGINT, lambda _: b"", [], 3,
-         "the last bytes of client 1 may not have been played"),
+         "the last bytes of client 1 may not have reached the probe"),
     ]:
         upstream = Upstream(answer)
         serve = Serve("--probe", upstream.name, *outputs)

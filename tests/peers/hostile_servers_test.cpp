@@ -265,7 +265,7 @@ TEST(Servers, EndARunAsTheyShould) {
       {Xvc("xvcServer_v1.0:1073741824\n"), xvc, idcode + " " + scratch + " " + tap_reset, 0, ""},
       {Xvc("xvcServer_v1.0:3\n"), xvc, idcode + " " + scratch + " " + tap_reset, 0, ""},
       {Xvc(info), xvc, reset, 1, "XVC has no reset lines: NRST and TRST cannot be driven"},
-      {Xvc(info), xvc, walk, 1, "XVC cannot drive single pins: GPIO scripts do not run on it"},
+      {Xvc(info), xvc, walk, 1, "XVC cannot drive individual pins: GPIO scripts do not run on it"},
       {Xvc("xvcServer_v1.0:\n"), xvc, idcode, 3, no_info + "\"xvcServer_v1.0:\""},
       {Xvc("xvcServer_v1.0:0\n"), xvc, idcode, 3, no_info + "\"xvcServer_v1.0:0\""},
       {Xvc("xvcServer_v1.0:1\n"), xvc, idcode, 3, no_info + "\"xvcServer_v1.0:1\""},

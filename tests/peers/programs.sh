@@ -47,7 +47,7 @@ holds run.log 'icehost: OpenOCD has no TAP "nope": expected sim.tap'
 refused "$probe" examples/two_wire.ini \
   "5: link_config failed: OpenOCD cannot select the 2-wire interface"
 refused "$probe" examples/read_idcode.gpio \
-  "4: link_gpio_operator failed: OpenOCD cannot drive single pins: GPIO scripts do not run on it"
+  "4: link_gpio_operator failed: OpenOCD cannot drive individual pins: GPIO scripts do not run on it"
 stop_openocd
 
 bitbang="remote-bitbang:127.0.0.1:$port"
@@ -122,7 +122,7 @@ serve --protocol xvc --probe "remote-bitbang:127.0.0.1:$port"
 refused "xvc:127.0.0.1:$port" examples/reset.ini \
   "9: link_reset failed: XVC has no reset lines: NRST and TRST cannot be driven"
 refused "xvc:127.0.0.1:$port" examples/read_idcode.gpio \
-  "4: link_gpio_operator failed: XVC cannot drive single pins: GPIO scripts do not run on it"
+  "4: link_gpio_operator failed: XVC cannot drive individual pins: GPIO scripts do not run on it"
 "$icehost" detect --probe "xvc:127.0.0.1:$port" >"$scratch/run.txt" || fail "detect over XVC"
 sed -i "s/xvc:[^ ]*/the simulated probe/" "$scratch/run.txt"
 holds run.txt "$("$icehost" detect)"
