@@ -80,8 +80,8 @@ std::optional<std::string_view> AfterExpect(std::string_view text) {
   return text.substr(at + FirstWord(text.substr(at)).size());
 }
 
-// Returns whether a text begins with levels. Text may follow NAME=LEVEL. It may not follow a
-// number, which could then count something else.
+// Returns whether a text begins with levels. Other text may follow NAME=LEVEL, but not a
+// number, which may be a count, as in "3 reads".
 bool BeginsWithLevels(std::string_view text) {
   text = text.substr(std::min(text.find_first_not_of(" \t:="), text.size()));
   return ReadLevels(text).has_value() || NamedLevels(text.substr(0, text.find_first_of(" \t,;.")));

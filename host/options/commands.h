@@ -20,7 +20,7 @@ enum ExitStatus : int {
   kAllWell = 0,
   kScriptFailed = 1,  // or a script has errors, or the chain of TAPs is not sound
   kBadUsage = 2,
-  kNotOpened = 3,  // the plug-in, the endpoint or an output file; or the connection was lost
+  kNotOpened = 3,  // could not open the plug-in, endpoint or an output; or lost the connection
   kInterrupted = 130,
 };
 

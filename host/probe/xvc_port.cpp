@@ -21,7 +21,7 @@ constexpr std::uint32_t kMostInfo = 1U << 30U;
 // Longer than any scan. Limits what is buffered for a server that shifts more at once.
 constexpr std::size_t kMostBitsAtOnce = 1U << 16U;
 
-// Returns how many bytes both vectors of a shift may have; nothing if the answer is not valid.
+// Returns the most bytes that TMS and TDI may have together; nothing if the answer is not valid.
 std::optional<std::uint32_t> VectorBytes(const std::string& info) {
   const std::size_t end = info.find('\n');
   if (end == std::string::npos || info.compare(0, kXvcInfo.size(), kXvcInfo) != 0) return {};

@@ -62,7 +62,7 @@ class SvfPinWriter : public SvfWriter, public StepRecorder, private TapListener 
     CallSource source;
     const std::string* path;
   };
-  // A comment that belongs to a step which is still to be recorded.
+  // A comment for a step that was not recorded yet.
   struct Note {
     std::size_t step;  // the comment comes before this step
     CallSource source;
