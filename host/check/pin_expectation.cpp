@@ -199,7 +199,7 @@ void WarnOfPinExpectation(const ScriptLine& line, Problems& problems) {
   std::string_view meant = FindMeant(comment);
   if (const std::string_view expect = FindExpect(comment); meant.empty() && !expect.empty()) {
     const std::string_view text = LevelsIn(expect);
-    // Text with more than a number may be a sentence.
+    // A number followed by other text may begin a sentence.
     const bool number = !text.empty() && text[0] >= '0' && text[0] <= '9' &&
                         text.find_first_of(" \t") == std::string_view::npos;
     if (number) meant = expect;

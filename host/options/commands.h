@@ -34,7 +34,7 @@ struct RunCommand {
   std::vector<std::string> scripts;
   std::string plugin;
   ProbeOptions probe;
-  int wire_mode = 0;        // at the start; a CDI_ANSWER_
+  int wire_mode = 0;        // a CDI_ANSWER_ value, at the start
   bool strict = false;      // warnings are failures
   bool force = false;       // run scripts with errors, too
   bool keep_going = false;  // after values that are not as expected

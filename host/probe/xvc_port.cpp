@@ -16,9 +16,9 @@ namespace {
 
 // Longer than any valid answer to getinfo.
 constexpr std::size_t kLongestInfo = 64;
-// The bytes of both vectors for the largest number of bits that 4 bytes can express.
+// The bytes of both vectors together for the largest number of bits that 4 bytes can express.
 constexpr std::uint32_t kMostInfo = 1U << 30U;
-// Longer than any scan. Limits what is buffered for a server that shifts more at once.
+// Longer than any scan. Limits what is buffered if the server allows longer shifts.
 constexpr std::size_t kMostBitsAtOnce = 1U << 16U;
 
 // Returns the most bytes that TMS and TDI may have together; nothing if the answer is not valid.

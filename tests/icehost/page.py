@@ -388,7 +388,7 @@ def check_narrow():
 
 
 def check_console():
-    """No page reported an error before this one uses the network."""
+    """No page has reported an error. The browser does not let a page use the network."""
     expect("console", browser.get_log("browser"), [])
     blocked = browser.execute_async_script(
         "const done = arguments[0]; addEventListener('securitypolicyviolation',"

@@ -330,7 +330,7 @@ TEST(Servers, EndARunAsTheyShould) {
       {OpenocdScan({"3 0 +5"}), openocd, dr_only, 3, no_scan + "\"+5\""},
       {OpenocdScan({"3 0 -0"}), openocd, dr_only, 3, no_scan + "\"-0\""},
       {OpenocdScan({std::string("3 0 5\0", 6)}), openocd, dr_only, 3, no_scan + "\"5 \""},
-      // One answer is sent twice (\032 ends it), which is noticed before the next one and at the end.
+      // One answer is sent twice (\032 ends it). This is noticed before the next and at the end.
       {OpenocdScan({"3 0 05\0323 0 05", "4 0 06"}), openocd, dr_only, 3, step},
       {OpenocdScan({"3 0 05", "4 0 06\0324 0 06", "5 0"}), openocd, dr_only, 3, step},
       // All answers at once, and one too many after the last command.

@@ -13,7 +13,7 @@
 #include "tests/plugin/fake_host.h"
 
 namespace {
-// The number of allocations before the only one that fails; none fails if negative.
+// How many allocations succeed before the only one that fails; none fails if negative.
 int allocations_left = -1;
 }  // namespace
 
