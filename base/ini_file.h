@@ -15,7 +15,7 @@ namespace icescript {
 class LineReader;
 
 constexpr int ERROR_MSG_SIZE = 1024;
-// The size of the line buffer, with the NUL. A line with this many bytes or more ends the reading.
+// The size of the line buffer with its NUL. A line with this many bytes or more ends the reading.
 constexpr int INI_LINE_BUFFER = 2048;
 
 // Results of CIniFile::ReadGpioFile.

@@ -7,7 +7,7 @@
 
 namespace icescript {
 
-// The size in bytes of the buffer of a PrintLine, with the terminating NUL.
+// The size of a PrintLine's buffer in bytes, including the terminating NUL.
 constexpr int PRINT_LINE_BUFFER = 256;
 
 // Drops every leading `ch`. A text that contains nothing else becomes empty.
@@ -16,7 +16,7 @@ inline std::string_view TrimLeft(std::string_view text, char ch) {
   return text;
 }
 
-// Drops every trailing `ch` except the first byte of the text: three spaces become one. This is
+// Drops every trailing `ch`, but keeps the first byte of the text: three spaces become one. This is
 // deliberate, and visible to users: the section header "[]" has the name "]".
 inline std::string_view TrimRight(std::string_view text, char ch) {
   while (text.size() > 1 && text.back() == ch) text.remove_suffix(1);

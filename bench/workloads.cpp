@@ -59,7 +59,7 @@ void WriteDeep(std::ostream& script, int size) {
   script << "END\n";
 }
 
-// Reads the IDCODE pin by pin, in 81 lines: to Test-Logic-Reset, to Shift-DR, 32 bits.
+// Reads the IDCODE through the pins, in 81 lines: resets the TAP, enters Shift-DR, reads 32 bits.
 void WriteIdcodes(std::ostream& script, int size) {
   script << kGpioStart;
   for (int i = 0; i < size; ++i) {

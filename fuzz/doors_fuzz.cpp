@@ -223,8 +223,8 @@ void BeXvcClient(std::string_view bytes) {
   probe.Flush();
 }
 
-// A chain with any answers. An answer is a byte with a number, and so many bits; 255 adds zeros up
-// to 4096 bits. The bits from TDI come out after them. Each answer serves two readings.
+// A chain that gives any answers. An answer is a byte, the number of bits, and then these bits;
+// 255 adds zeros up to 4096 bits. The bits from TDI follow. Each answer serves two readings.
 class AnsweringPort : public icehost::PinPort {
  public:
   explicit AnsweringPort(std::string_view bytes) : bytes_(bytes) { BeginAnswer(); }

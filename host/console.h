@@ -33,10 +33,10 @@ class Console {
   void Show(const char* message);
   // Flushes the messages; throws as Show does.
   void Flush();
-  // Shows a line of icehost's own on standard error.
+  // Shows one of icehost's own messages on standard error.
   void Say(const std::string& line);
-  // If `holds`, Show and Say keep their texts from now on; if not, they show them. Drops kept
-  // texts.
+  // If `holds` is true, Show and Say keep their texts from now on; otherwise they show them. Drops
+  // the texts kept so far.
   void Hold(bool holds);
   // Shows the kept texts, and everything from now on; throws as Show does.
   void Release();

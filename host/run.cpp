@@ -323,7 +323,7 @@ ExitStatus Runner::EndOutputs(ExitStatus status) {
   const auto with_loss = [](ExitStatus one) { return one == kAllWell ? StatusOfLoss() : one; };
   const bool lost = !failures.empty() || (status == kAllWell && !CompleteStandardStreams());
   if (lost) status = with_loss(status);
-  // A run that fails leaves the script that was learned before it.
+  // If the run fails, the file keeps the script that an earlier run has learned.
   if (learned_ != nullptr && status == kAllWell) {
     if (const std::string why = WriteLearned(); !why.empty()) {
       Conclude(why, Severity::kError);

@@ -19,7 +19,7 @@ namespace icehost {
 namespace {
 
 constexpr const char* kOutOfMemory = "out of memory";
-// How long the port may work after a signal. The rest of the first second is for the files.
+// How long the port may work after a signal. The rest of the first second is left for the files.
 constexpr std::chrono::milliseconds kLastBytes{400};
 
 std::unique_ptr<PinPort> OpenServed(const ProbeOptions& probe) {

@@ -11,8 +11,8 @@
 namespace icehost {
 namespace {
 
-// Is shifted in first and searched for in the output. No chain answers with it, because it begins
-// like an IDCODE with the manufacturer that the standard forbids.
+// The reader shifts this in first and searches the output for it. A chain cannot answer with it,
+// because it begins like an IDCODE with the manufacturer that the standard forbids.
 constexpr std::uint64_t kMarker = 0x9C3A'51E7'2B64'D0FF;
 constexpr std::size_t kMarkerBits = 64;
 // Tried first, because most chains are short and a simulator may need a millisecond for each bit.
@@ -23,7 +23,7 @@ constexpr std::size_t kLongestIrEach = 64;
 // The number of combinations of IR lengths that are reported if several fit.
 constexpr std::size_t kWaysShown = 4;
 
-// Returns repeated markers, so that equal bits after the chain cannot have passed through it.
+// Returns repeated markers: if TDO stays at one level after them, its bits did not come from TDI.
 Bits Markers(std::size_t bits) {
   Bits markers = BitsOfNumber(kMarker, kMarkerBits);
   while (markers.size() < bits) markers.push_back(markers[markers.size() - kMarkerBits]);

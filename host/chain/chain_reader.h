@@ -20,8 +20,8 @@ Chain ReadChain(PinPort& port);
 // Throws what OpenocdRpc::Ask throws, and IoError if OpenOCD cannot examine the chain.
 Chain ReadOpenocdChain(OpenocdRpc& rpc);
 
-// Returns the chain that OpenOCD describes: `said` contains its messages during the examination, in
-// lines, and `table` its answer to kAskScanChain after that.
+// Returns the chain that OpenOCD describes. `said` contains the lines that OpenOCD printed while it
+// examined the chain, and `table` contains its later answer to kAskScanChain.
 Chain OpenocdChain(const std::string& said, const std::string& table);
 
 }  // namespace icehost

@@ -81,8 +81,8 @@ std::size_t Script::IrBits() const {
   return static_cast<std::size_t>(bits);
 }
 
-// All TAPs delay what is shifted in, also those that the scan does not address. The probe decides
-// what it shifts into those, so that the first bits out are unknown.
+// Every TAP delays the bits, even if the scan does not address it. The probe decides what it shifts
+// into such TAPs, so the first bits out are unknown.
 std::string Script::BypassSection() const {
   const std::size_t taps = chain_.taps.size();
   const Bits pattern = BitsOfNumber(kPattern, kPatternBits);

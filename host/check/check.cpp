@@ -25,7 +25,7 @@ void ReportCutLines(const ScriptText& script, Problems& problems) {
   }
 }
 
-// The plug-in's GPIO reader is the one that refuses a script without text.
+// A script without text counts, because the plug-in's GPIO reader is the one that refuses it.
 bool IsGpioScript(const ScriptText& script) {
   return !script.HasText() || icescript::IsSectionTag((*script.WithText(script.begin())).text);
 }

@@ -41,8 +41,8 @@ class GpioPins {
     }
   }
 
-  // Ends the block that began at line `rept`. In the block's next run, an enable early in the block
-  // follows levels late in the block, which then reach the pin.
+  // Ends the block that began at line `rept`. If the block runs again, an enable early in it lets
+  // levels that were set late in it reach the pin.
   void CloseBlock(int rept) {
     int enabled = 0;
     for (unsigned pin = 0; pin < kPinKeys; ++pin) {
@@ -267,7 +267,7 @@ void GpioLines::Finish(bool cut) {
     block_problems_.Error(block.rept,
                           "syntax error: rept & endr not match. (this REPT has no ENDR)");
   }
-  // After a refused REPT or ENDR, its partner is alone. That is not a second fault.
+  // If a REPT or ENDR was refused, its partner has no match. That is not a second fault.
   if (!refused_block_) problems_.Add(std::move(block_problems_));
   if (!cut) pins_.Finish();
 }

@@ -58,12 +58,12 @@ class GpioLine {
   // Explains why the plug-in's parser refused the item `field`, a part of the line's text: what is
   // allowed, and what was probably meant.
   std::string WhyRefused(std::string_view field);
-  // Reports traps in the line, for which the plug-in's parser has returned `flags` (GPIO_FLAG_
-  // bits). Returns the pins that the line sets by name (GPIO_PIN_ bits).
+  // Reports traps in the line. `flags` are the GPIO_FLAG_ bits that the plug-in's parser returned
+  // for it. Returns the pins that the line sets by name (GPIO_PIN_ bits).
   int Check(int flags, Problems& problems);
 
  private:
-  // A recent line without a trap: a long script consists of few different lines.
+  // A recent line without a trap. Long scripts repeat a few different lines.
   struct Clean {
     std::string_view text;
     int flags = 0;

@@ -14,7 +14,7 @@
 namespace icehost {
 namespace {
 
-// Longer words are not similar to any other.
+// Longer words never count as similar.
 constexpr std::size_t kLongest = 32;
 
 // Maps letters that look alike to the same letter.

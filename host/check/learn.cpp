@@ -73,7 +73,7 @@ NumberForm FormOf(const Texts& numbers) {
 
 // Returns the bytes as a list in this form, with as many blanks after commas as `fields` have.
 std::string ListOf(std::string_view bytes, NumberForm form, const Texts& fields) {
-  // IR and DR may have more zeros, but not what a script expects.
+  // A byte of IR or DR may have more than two digits, but a byte of an expectation may not.
   form.digits = std::min<std::size_t>(form.digits, 2);
   std::string comma = ",";
   if (fields.size() > 1)

@@ -17,7 +17,7 @@ struct Learned {
 };
 
 // Returns the script with the values that were read as its expectations. Replaces each expectation
-// that was not met, but keeps its mask, and adds one to each operation that reads and has none.
+// that was not met, but keeps its mask, and adds one to each operation that reads but has none.
 // Writes a new value in the form of the old one, or of the bytes of the section. Leaves out pins
 // that changed between runs of a line. Changes nothing else.
 Learned Learn(const ScriptText& script, const Plan& plan, const Captures& captures);

@@ -80,8 +80,8 @@ std::optional<std::string_view> AfterExpect(std::string_view text) {
   return text.substr(at + FirstWord(text.substr(at)).size());
 }
 
-// Returns whether a text begins with levels. Text may follow NAME=LEVEL. It may not follow a
-// number, which could then count something else.
+// Returns whether a text begins with levels. Other text may follow NAME=LEVEL, but not a
+// number, which may be a count, as in "3 reads".
 bool BeginsWithLevels(std::string_view text) {
   text = text.substr(std::min(text.find_first_not_of(" \t:="), text.size()));
   return ReadLevels(text).has_value() || NamedLevels(text.substr(0, text.find_first_of(" \t,;.")));
@@ -199,7 +199,7 @@ void WarnOfPinExpectation(const ScriptLine& line, Problems& problems) {
   std::string_view meant = FindMeant(comment);
   if (const std::string_view expect = FindExpect(comment); meant.empty() && !expect.empty()) {
     const std::string_view text = LevelsIn(expect);
-    // Text with more than a number may be a sentence.
+    // A number followed by other text may begin a sentence.
     const bool number = !text.empty() && text[0] >= '0' && text[0] <= '9' &&
                         text.find_first_of(" \t") == std::string_view::npos;
     if (number) meant = expect;

@@ -34,8 +34,8 @@ struct Expectation {
   Of of;
   Place place;        // of the expected value
   std::string value;  // bytes, least significant first
-  std::string mask;   // as many bytes; bits that are 1 are compared
-  bool masked;        // the script contains the mask
+  std::string mask;   // as long as `value`; bits that are 1 are compared
+  bool masked;        // true if the script contains the mask
 };
 
 // The most bits of a captured IR that a script can compare: probes return no more.
@@ -60,8 +60,8 @@ long SaturatedProduct(long one, long other);
 
 // The value that an operation has read, in one run of it or in all runs.
 struct Capture {
-  std::string value;   // the first one read; bytes, least significant first
-  std::string steady;  // as many bytes; a bit is 1 if it was reported and never changed
+  std::string value;   // the first value read; bytes, least significant first
+  std::string steady;  // as long as `value`; a bit is 1 if it was reported and never changed
 };
 
 // The values read. A key is the operation's index in the plan and the part of it that was read.

@@ -11,7 +11,7 @@
 namespace icehost {
 namespace {
 
-// The part of a long line that is shown, and the part of that before the column.
+// How much of a long line is shown before the column, and how much in all.
 constexpr std::size_t kShownBefore = 60;
 constexpr std::size_t kShown = 100;
 constexpr std::size_t kMoreLinesShown = 3;

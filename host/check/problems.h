@@ -34,16 +34,16 @@ struct Problem {
   std::vector<int> more_lines{};  // the lowest lines, each once; one more than is shown
 };
 
-// Selects the problems of a text that are kept.
+// Selects which problems of a text are kept.
 struct Keeping {
   bool grouped = false;  // joins problems with the same severity and text
-  std::size_t most = std::numeric_limits<std::size_t>::max();  // problems of each severity
+  std::size_t most = std::numeric_limits<std::size_t>::max();  // the limit for each severity
 };
 constexpr Keeping kKeepEach{false, 100000};
 constexpr Keeping kKeepReasons{true, 50};
 
 struct ReportStyle {
-  bool errors_only = false;  // and warnings that are always shown
+  bool errors_only = false;  // hides all but errors and warnings with `always`
   bool colour = false;
 };
 

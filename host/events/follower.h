@@ -17,9 +17,9 @@ namespace icehost {
 // stores them.
 //
 // The call after the last line of a REPT block either repeats the block or leaves it, and its
-// arguments do not show which. But each line has a data word of its own, and the plug-in passes its
+// arguments do not show which. But each line has its own data word, and the plug-in passes its
 // address. The follower notes the address of a block's first line when the block is entered. If
-// the call after a block's last line has a noted address, the script has gone back to that line;
+// the call after a block's last line passes a noted address, the script has gone back to that line;
 // otherwise it has gone on to the next one.
 class Follower {
  public:

@@ -26,7 +26,7 @@ class Output {
   virtual void Begin() {}
   // Called after all scripts or clients; only EventListener::OnRunEnd may follow.
   virtual void End(const PageHead& /*head*/) {}
-  // Returns the new warnings about things that were played but are missing in the file.
+  // Returns the new warnings about things that were played but are missing from the file.
   virtual std::vector<std::string> TakeLosses() { return {}; }
 };
 

@@ -20,7 +20,7 @@ class RoundTally {
 
  private:
   struct Tally {
-    long met = 0;  // rounds
+    long met = 0;  // the number of rounds in which the expectation was met
     long unread = 0;
     std::vector<long> wrong;  // how often each bit was wrong
   };

@@ -91,7 +91,7 @@ void RefuseUnknownOption(const CLI::App& app) {
   }
 }
 
-// CLI11 would take the next word as the value, or none if the value is optional.
+// For "--option=", CLI11 would use the next word as the value, or no value if it is optional.
 void RefuseEmptyValues(const Texts& words) {
   for (const std::string& word : words) {
     if (word == "--") return;

@@ -20,7 +20,7 @@ enum ExitStatus : int {
   kAllWell = 0,
   kScriptFailed = 1,  // or a script has errors, or the chain of TAPs is not sound
   kBadUsage = 2,
-  kNotOpened = 3,  // the plug-in, the endpoint or an output file; or the connection was lost
+  kNotOpened = 3,  // could not open the plug-in, endpoint or an output; or lost the connection
   kInterrupted = 130,
 };
 
@@ -34,7 +34,7 @@ struct RunCommand {
   std::vector<std::string> scripts;
   std::string plugin;
   ProbeOptions probe;
-  int wire_mode = 0;        // at the start; a CDI_ANSWER_
+  int wire_mode = 0;        // a CDI_ANSWER_ value, at the start
   bool strict = false;      // warnings are failures
   bool force = false;       // run scripts with errors, too
   bool keep_going = false;  // after values that are not as expected

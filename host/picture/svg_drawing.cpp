@@ -280,7 +280,7 @@ void Drawing::DrawLane(const Lane& lane, int y) {
     texts += fmt::format("<text x=\"{}\" y=\"{}\">{}</text>\n", (X(piece.begin) + X(piece.end)) / 2,
                          y + kBaseline - 1, XmlText(*label));
   }
-  // The texts lie over the shapes, but the pointer must find the titles of the shapes.
+  // The texts cover the shapes, but must not hide the titles of the shapes from the pointer.
   Print("</g>\n<g {} text-anchor=\"middle\" pointer-events=\"none\">\n{}</g>\n", kInk, texts);
 }
 

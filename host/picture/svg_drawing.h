@@ -19,7 +19,7 @@ constexpr std::size_t kMostSvgSteps = 2000;
 
 // Steps that have one meaning. Like scripts, all texts here may contain any bytes.
 struct SvgSegment {
-  StepRange steps;  // not empty; may go on beyond the steps that are kept
+  StepRange steps;  // not empty; may extend beyond the steps that are kept
   std::string title;
   std::vector<std::string> labels;  // the first one that fits is drawn
   // The range of GPIO script lines that the segment shows, which DrawSvg adds to the texts; else 0.

@@ -38,7 +38,7 @@ BitbangPort::BitbangPort(Socket socket, Manner manner)
   socket_.AdviseOnLoss("is another client connected?");
 }
 
-// After an error it does not wait again: the server had its time for the answers.
+// After an error this does not wait again, because the server had its time for the answers.
 BitbangPort::~BitbangPort() {
   const auto patience = IsInterrupted() ? kLastAnswers : std::chrono::milliseconds(0);
   try {

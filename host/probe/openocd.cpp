@@ -19,7 +19,7 @@ constexpr char kEndOfText = '\x1a';
 constexpr std::size_t kLongestAnswer = 1 << 16;
 constexpr int kLongestIr = 64;
 
-// Commands built into OpenOCD fail with a negative number, and only log the reason.
+// If a built-in command of OpenOCD fails, it returns a negative number and only logs the reason.
 bool IsOwnError(std::string_view code) {
   return !code.empty() && code.front() == '-' &&
          NumberIn(std::string(code.substr(1)), 10).has_value();

@@ -10,7 +10,7 @@
 namespace icehost {
 
 // Levels and enables are GPIO_PIN_ bits (entry/icescript.h). Pins that are not enabled float high.
-// Every function may throw IoError and Interrupted, and Unsupported if the pins cannot do it.
+// Every function may throw IoError and Interrupted, and Unsupported if the pins cannot do that.
 class PinPort {
  public:
   virtual ~PinPort() = default;

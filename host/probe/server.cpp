@@ -21,7 +21,7 @@ using Clock = std::chrono::steady_clock;
 constexpr std::size_t kReadAtOnce = 4096;
 // How often the port is checked while nobody uses it.
 constexpr std::chrono::seconds kLookAtPort{1};
-// How long a new client waits at most while the current one sends without a pause.
+// The longest time that a new client waits while the current one sends without a pause.
 constexpr std::chrono::seconds kNewcomerWaits{1};
 // How long received bytes are still played after a signal. The port may answer them later.
 constexpr std::chrono::milliseconds kLastWork{200};

@@ -16,12 +16,12 @@ namespace {
 
 // Longer than any valid answer to getinfo.
 constexpr std::size_t kLongestInfo = 64;
-// The bytes of both vectors for the largest number of bits that 4 bytes can express.
+// The bytes of both vectors together for the largest number of bits that 4 bytes can express.
 constexpr std::uint32_t kMostInfo = 1U << 30U;
-// Longer than any scan. Limits what is buffered for a server that shifts more at once.
+// Longer than any scan. Limits what is buffered if the server allows longer shifts.
 constexpr std::size_t kMostBitsAtOnce = 1U << 16U;
 
-// Returns how many bytes both vectors of a shift may have; nothing if the answer is not valid.
+// Returns the most bytes that TMS and TDI may have together; nothing if the answer is not valid.
 std::optional<std::uint32_t> VectorBytes(const std::string& info) {
   const std::size_t end = info.find('\n');
   if (end == std::string::npos || info.compare(0, kXvcInfo.size(), kXvcInfo) != 0) return {};

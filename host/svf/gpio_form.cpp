@@ -117,7 +117,7 @@ void GpioForm::Clock(bool tms, bool tdi, Expected tdo, long times) {
   if (!trst_low_) tap_ = NextTapState(tap_, tms);
 }
 
-// The file does not say what a path of STATE shifts. The script shifts zeros.
+// The file does not specify the bits that a path of STATE shifts. The script shifts zeros.
 void GpioForm::Clock(bool tms) {
   const bool shifts = tap_ == TapState::kShiftDr || tap_ == TapState::kShiftIr;
   Clock(tms, tdi_ && !shifts, std::nullopt, 1);

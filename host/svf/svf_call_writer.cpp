@@ -39,7 +39,7 @@ void SvfCallWriter::OnCall(const CallEvent& call) {
   }
 }
 
-// A call that fails because of the values that it read was scanned nevertheless.
+// A scan that fails because of the values that it read was still played.
 void SvfCallWriter::OnScan(const CallEvent& call, const Scan& scan) {
   const Bits ir = SentBits(scan.ir);
   const Bits dr = SentBits(scan.dr);

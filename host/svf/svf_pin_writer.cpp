@@ -62,7 +62,7 @@ class SvfPinWriter : public SvfWriter, public StepRecorder, private TapListener 
     CallSource source;
     const std::string* path;
   };
-  // A comment that belongs to a step which is still to be recorded.
+  // A comment for a step that was not recorded yet.
   struct Note {
     std::size_t step;  // the comment comes before this step
     CallSource source;
@@ -98,7 +98,7 @@ class SvfPinWriter : public SvfWriter, public StepRecorder, private TapListener 
   void NoteTdoRead();
 
   TapDecoder decoder_{{this}};
-  std::size_t step_ = 0;  // the next to be recorded
+  std::size_t step_ = 0;  // the step that will be recorded next
   int reset_levels_ = GPIO_PIN_NRST | GPIO_PIN_TRST;
   std::deque<std::string> paths_;  // of all scripts so far
   std::deque<Note> notes_;

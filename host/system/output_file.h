@@ -47,8 +47,8 @@ class OutputFile {
   // If a write has failed or the file is marked as incomplete, throws Interrupted after a signal,
   // and otherwise IoError, but only once.
   void ThrowIfCut();
-  // Writes the buffered text and closes the file. Throws IoError if the file is incomplete and
-  // ThrowIfCut has not thrown it before.
+  // Writes the buffered text and closes the file. Throws IoError if the file is incomplete,
+  // unless ThrowIfCut has already thrown it.
   void Close();
   // Closes a file that cannot be completed. Only the part that Rest names remains.
   void Abandon();
@@ -85,7 +85,7 @@ class OutputFile {
   bool begun_ = false;
   bool incomplete_ = false;
   bool reported_ = false;
-  std::unique_ptr<char[]> room_;  // of the buffer; allocated first, so that a failure opens no file
+  std::unique_ptr<char[]> room_;  // for buffer_; allocated first: if this throws, no file is opened
   int fd_;
   Buffer buffer_;
   std::ostream stream_;

@@ -46,9 +46,9 @@ class Socket {
   bool HasEnded();
   // Adds `advice` to the error message if the connection is lost before anything was received.
   void AdviseOnLoss(std::string advice) { advice_ = std::move(advice); }
-  // Throws IoError: `who`, the other side, has closed the connection.
+  // Throws an IoError that says that `who`, the other side, has closed the connection.
   [[noreturn]] void FailClosed(const std::string& who) const;
-  // Throws IoError: the other side has sent bytes that were not asked for.
+  // Throws an IoError that says that the other side has sent bytes that were not asked for.
   [[noreturn]] void FailOutOfStep() const;
   // Must be the last call; a signal does not end it. Sends as many of `bytes` as the system accepts
   // without waiting. Then receives and drops `answers` bytes for at most `patience`, because a

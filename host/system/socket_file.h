@@ -14,8 +14,8 @@ namespace icehost {
 class SocketFile {
  public:
   // Removes the file of a server that has ended, but no other file. Then calls `bind`, which must
-  // create the new file. Locks the folder against other icehost processes meanwhile, and waits for
-  // the lock at most `timeout`. Throws asio::system_error, or Interrupted.
+  // create the new file. Meanwhile locks the folder against other icehost processes, and waits at
+  // most `timeout` for the lock. Throws asio::system_error, or Interrupted.
   SocketFile(const std::string& path, std::chrono::milliseconds timeout,
              const std::function<void()>& bind);
   // Removes the file, unless another server has replaced it. The socket must still be open.

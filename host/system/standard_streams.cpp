@@ -50,7 +50,7 @@ std::ostream& StandardError() {
 void OccupyStandardDescriptors() {
   for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
     if (fcntl(fd, F_GETFD) != -1 || errno != EBADF) continue;
-    // The lowest free number is this one. The wrong direction makes every use an error.
+    // open returns the lowest free number: this one. The wrong direction makes every use an error.
     [[maybe_unused]] const int opened = open("/dev/null", fd == 0 ? O_WRONLY : O_RDONLY);
   }
 }

@@ -50,7 +50,7 @@ bool Decode(std::string_view text, std::size_t size, char32_t& code) {
   return code >= least[size - 1] && code <= 0x10FFFF && (code < 0xD800 || code > 0xDFFF);
 }
 
-// Most texts are: they need no more than quotes.
+// Returns whether a text needs only quotes to be JSON, as most texts do.
 bool IsPlainJson(std::string_view text) {
   return std::all_of(text.begin(), text.end(),
                      [](char ch) { return ch >= ' ' && ch < '\x7f' && ch != '"' && ch != '\\'; });

@@ -183,7 +183,7 @@ void Outputs::Guard(const Writer& writer, std::vector<std::string>& failures, co
   } catch (const IoError& error) {
     failures.emplace_back(error.what());
   } catch (const Interrupted&) {
-    // It is cut, and closing the file reports that.
+    // The file is incomplete, and closing it reports that.
   }
 }
 

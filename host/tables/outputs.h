@@ -66,13 +66,13 @@ class Outputs {
   OutputFile& Add(const std::string& option, const std::string& path, OutputFile::Rest rest);
   // Begins the outputs and empties their files, but not the files of Add and --spawn-log.
   void Begin();
-  // Throws if standard output accepts no more text, because a run should not go on unseen.
+  // Throws if standard output accepts no more text, so that a run does not continue unseen.
   void ThrowIfCut() const {
     if (standard_output_ != nullptr) standard_output_->ThrowIfCut();
   }
   // Writes the buffered text. Throws as OutputFile::ThrowIfCut does.
   void Flush();
-  // Returns the new warnings about things that were played but are missing in an output. Complete
+  // Returns the new warnings about things that were played but are missing from an output. Complete
   // may add more.
   std::vector<std::string> TakeLosses();
   // Marks all files as incomplete, because memory ran out for an event that any of them may lack.
@@ -108,7 +108,7 @@ class Outputs {
   FileUses uses_;
   std::vector<std::unique_ptr<OutputFile>> files_;
   std::vector<Writer> writers_;
-  std::size_t begun_ = 0;                  // how many of the files Begin empties
+  std::size_t begun_ = 0;                  // the number of files that Begin empties
   OutputFile* standard_output_ = nullptr;  // null if it is not one of the files
 };
 

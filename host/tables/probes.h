@@ -64,7 +64,7 @@ struct ProbeOptions {
   ChainPlace place;                         // of the TAP that scripts address
   bool measures_place = false;              // `place` must still be read from the chain
 
-  // Returns whether there are, or may be, TAPs beside the one that scripts address.
+  // Returns whether there are, or may be, TAPs other than the one that scripts address.
   bool ChoosesTap() const { return measures_place || place.ir_lengths.size() > 1; }
   // Returns the name of the probe for messages.
   std::string Name() const;

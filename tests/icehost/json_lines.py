@@ -29,7 +29,7 @@ def kinds_of(value):
 
 
 def check_lines(what, lines):
-    """Each line has exactly one kind, and none with another key or without its first key."""
+    """Each line has one kind, but would have none with a further key or without its first key."""
     for line in lines:
         if line in seen:
             continue

@@ -28,7 +28,7 @@ LOW = "[ZEVA_ICE_GPIO]\nSTART\nGPIO_OE=1\nREPT=3\nPRINT=GPIO_IN # expect NRST=1\
 
 
 def cases_of(path, status):
-    """Checks what every file must have. Returns each case with its result and its message."""
+    """Checks what every file must contain. Returns each case with its result and its message."""
     expect(path, output("xmllint", "--noout", "--schema", f"{SOURCE}/tests/icehost/junit.xsd", path),
            f"{path} validates\n")
     xml = JUnitXml.fromfile(path)
@@ -84,7 +84,7 @@ def check_results():
 
 
 def check_faults():
-    """Whatever goes wrong, at least one case contains it."""
+    """Whatever goes wrong, at least one case reports it."""
     whole = "(script)"
     skipped = ("Skipped", "not reached")
     lost = "--probe remote-bitbang:unix:sock --spawn "

@@ -117,7 +117,7 @@ for verb, options in OPTIONS.items():
                                              if probe in PROBE_HELP[verb]}
         elif value:
             OFFERED[f"{verb} -q {name} "] = VALUES[value]
-# Typed keys, of which a tab completes a word, and the words of the resulting line.
+# The typed keys (a tab completes a word), and the words of the resulting line.
 TYPED = {
     "run tw\t": ["run", "two words.ini"],
     "run 'tw\t": ["run", "two words.ini"],

@@ -317,7 +317,7 @@ def check_mouse_and_keyboard():
 
 
 def check_long():
-    """More steps and operations than a page contains. The last read is not as expected."""
+    """A run has more steps and operations than a page contains. Its last read has a wrong bit."""
     repeated = "TCK=1\nPRINT=GPIO_IN\nTCK=0,TMS=0\nTDI=1\nTDI=0\n"
     script = (f"[ZEVA_ICE_GPIO]\nSTART\nGPIO_OE=0x1F\nREPT=30000\n{repeated}ENDR\n"
               "PRINT=GPIO_IN # expect NRST=1\nEND\n")
@@ -388,7 +388,7 @@ def check_narrow():
 
 
 def check_console():
-    """No page reported an error before this one uses the network."""
+    """No page has reported an error. The browser does not let a page use the network."""
     expect("console", browser.get_log("browser"), [])
     blocked = browser.execute_async_script(
         "const done = arguments[0]; addEventListener('securitypolicyviolation',"

@@ -113,7 +113,7 @@ class Picture:
         return in_sight(self.calls, self.width)
 
     def ruler(self):
-        """Draws marks 1, 2 or 5 times a power of ten apart, which is at least 90 pixels."""
+        """Draws marks that are 1, 2 or 5 times a power of ten, and at least 90 pixels, apart."""
         powers = (digit * 10 ** power for power in range(7) for digit in (1, 2, 5))
         apart = next(steps for steps in powers if steps * self.scale >= 90)
         end = min(len(self.steps), math.ceil(self.start + self.room / self.scale) + 1)

@@ -12,7 +12,7 @@
 
 namespace {
 
-// Notes every write. TDO is low in the first read, high in the second, and so on in turn.
+// Records every write. TDO is low in the first read, high in the second, and so on in turn.
 class NotingPort : public icehost::PinPort {
  public:
   void Write(int levels, int enables) override {

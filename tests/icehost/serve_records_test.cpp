@@ -24,7 +24,7 @@ std::string Walk(const std::string& tms) {
   return Edges(tms, std::string(tms.size(), '0'));
 }
 
-// Returns the bytes of a scan from Run-Test/Idle and back, which shifts `tdi`, first bit first.
+// Returns the bytes of a scan of `tdi`, first bit first, that begins and ends in Run-Test/Idle.
 std::string Scan(const std::string& way, const std::string& tdi) {
   const std::string last_leaves = std::string(tdi.size() - 1, '0') + '1';
   return Walk(way) + Edges(last_leaves, tdi) + Walk("10");

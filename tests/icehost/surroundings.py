@@ -311,7 +311,7 @@ def check_spawned_and_signals():
 
 
 def check_taken_port():
-    """A run uses only the server of its spawned command: not another one, and not itself."""
+    """A run connects only to the server of its spawned command, not to another one or itself."""
     server = Serve(endpoint="unix:sim")
     process = start_spawning(f"run {SCRIPT}", "touch started")
     expect("taken", (process.communicate(timeout=20)[1], os.path.exists("started")),

@@ -49,7 +49,7 @@ PICTURES = [
     ("--ir-length 2 -", scan("A", 2) + scan("A<&>B\x01", 4)),
     ("--ir-length 2 -", scan("A" * 99, 2)),
     *(("--ir-length 2 -", scan("\u00e9" * letters, 2)) for letters in (16, 17)),
-    # Lines of the script share a segment that has room for their numbers.
+    # Lines of the script are joined until their segment has room for their numbers.
     ("-", gpio("\n" * 1000 + loop(5, "TCK=1\nTDI=1\nTCK=0\n") + "\nTDI=0\n" * 6)),
     # Values that were read, and values that were not as expected.
     ("examples/reset_pulse.gpio", ""),

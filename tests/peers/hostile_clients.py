@@ -106,7 +106,7 @@ def check_loss_between_scripts():
 
 
 def check_recording():
-    """Files grow with each scan, and are complete at the end. A second client is sent away."""
+    """Files grow with each scan, and are complete at the end. A second client is refused."""
     serve = Serve("--trace=t", "--json", "j", "--vcd", "v", "--idcode", "2badc001")
     one = serve.client()
     answers = ask(one, IDCODE)
@@ -136,8 +136,8 @@ def check_recording():
 
 
 def check_xvc():
-    """A client that sends an invalid XVC command is answered up to there and sent away. A command
-    that it did not finish does not affect the next client."""
+    """serve answers XVC commands up to an invalid one, and then disconnects the client. A command
+    that the client did not finish does not affect the next client."""
     serve = Serve("-v", "--protocol", "xvc")
     info = b"xvcServer_v1.0:4096\n"
     lengths = "expected a shift of 1 to 16384 bits, got"
@@ -181,7 +181,7 @@ def check_next():
             serve.process.send_signal(signal.SIGCONT)
             expect("the next", ask(following, b"R"), "1")
             following.close()
-    # A client that sends without a pause stays, and the next is sent away.
+    # A client that sends without a pause stays connected, and the next one is refused.
     flooding = serve.client()
     threading.Thread(target=flood_until_closed, args=(flooding,), daemon=True).start()
     expect("a second client", serve.client().recv(1), b"")

@@ -123,7 +123,7 @@ Server XvcAnswers(const std::vector<std::string>& answers) {
   };
 }
 
-// Answers the commands to OpenOCD with `answers`, in order, and then no more.
+// Answers the commands to OpenOCD with `answers`, in order, and then stops answering.
 Server Openocd(const std::vector<std::string>& answers) {
   return [answers](tcp::socket& client) {
     for (const std::string& answer : answers) {
@@ -135,7 +135,7 @@ Server Openocd(const std::vector<std::string>& answers) {
   };
 }
 
-// The same, after the answers to the two commands with which a run begins.
+// Does the same, after answering the two commands with which a run begins.
 Server OpenocdScan(std::vector<std::string> answers, const std::string& ir_length = "5") {
   answers.insert(answers.begin(),
                  {"1 0 a", "2 0 header\n 0 a Y 0x0 0x0 " + ir_length + " 0x1 0x3"});
@@ -330,7 +330,7 @@ TEST(Servers, EndARunAsTheyShould) {
       {OpenocdScan({"3 0 +5"}), openocd, dr_only, 3, no_scan + "\"+5\""},
       {OpenocdScan({"3 0 -0"}), openocd, dr_only, 3, no_scan + "\"-0\""},
       {OpenocdScan({std::string("3 0 5\0", 6)}), openocd, dr_only, 3, no_scan + "\"5 \""},
-      // An answer twice (\032 ends it). The second is noticed before the next one and at the end.
+      // One answer is sent twice (\032 ends it). This is noticed before the next and at the end.
       {OpenocdScan({"3 0 05\0323 0 05", "4 0 06"}), openocd, dr_only, 3, step},
       {OpenocdScan({"3 0 05", "4 0 06\0324 0 06", "5 0"}), openocd, dr_only, 3, step},
       // All answers at once, and one too many after the last command.

@@ -10,7 +10,7 @@ sys.path.append(sys.path[0] + "/..")
 from lib import Serve, expect, output, run_checks, waveform, write
 
 STABLE = ["RESET", "IDLE", "DRPAUSE", "IRPAUSE"]
-# The mark at the beginning of each part of a file. No part shifts the same bits.
+# The mark at the beginning of each part of a file. No part shifts these bits.
 MARK = "ENDIR IDLE; ENDDR IDLE; HIR 0; TIR 0; HDR 0; TDR 0; STATE IDLE; SDR 13 TDI (1555);"
 PARTS = {
     **{f"from {here} to {there}": f"STATE {here}; STATE {there};"

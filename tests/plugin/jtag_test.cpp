@@ -113,7 +113,7 @@ TEST(JtagScript, ConvertsItsNumbers) {
   for (const auto& test : kCases) {
     EXPECT_EQ(Inserts(std::string("[A]\n") + test.values), test.insert) << test.values;
   }
-  // A register of n bits keeps n of the listed bytes.
+  // A register of n bits keeps the first n of the listed bytes.
   icescript::JtagScr scr(nullptr, [](const char*) { return 0; });
   EXPECT_STREQ(scr.errorMessage, "No scr file specified.\n");
   const std::unique_ptr<icescript::JtagOperatorData> record(

@@ -13,7 +13,7 @@
 #include "tests/plugin/fake_host.h"
 
 namespace {
-// The number of allocations before the only one that fails; none fails if negative.
+// How many allocations succeed before the only one that fails; none fails if negative.
 int allocations_left = -1;
 }  // namespace
 
@@ -84,7 +84,7 @@ std::string Transcript(const std::string& script) {
   return transcript;
 }
 
-// Of a cut GPIO script nothing runs. A cut JTAG script runs up to the cut, and the section at the
+// A cut GPIO script does not run. A cut JTAG script runs up to the cut, and the section at the
 // cut may become a scan with fewer bits or bytes.
 TEST(EveryExample, RunsNothingElseWhenCut) {
   for (const std::string& script : Examples()) {
