@@ -45,7 +45,6 @@ class Runner {
   ExitStatus PlayAll(std::vector<Script> scripts);
 
  private:
-  bool Repeats() const { return command_.repeat != 1; }
   ExitStatus PlayRounds();
   void BeginRound();
   // Plays a round. A failed script ends it; with --keep-going, only if it did not run to its end.
@@ -173,7 +172,7 @@ ExitStatus Runner::PlayRounds() {
 
 void Runner::BeginRound() {
   totals_.BeginRound();
-  if (!Repeats()) return;
+  if (!command_.Repeats()) return;
   events_.BeginRound(totals_.Round());
   console_.ShowRounds(totals_.RoundText());
 }
@@ -203,7 +202,7 @@ void Runner::TellEnd(bool ran) {
 
 void Runner::BeginScript(Script& script) {
   ScriptBegin begin = BeginOf(script, totals_.BeginScript());
-  if (!Repeats()) script.problems = {};
+  if (!command_.Repeats()) script.problems = {};
   events_.BeginScript(std::move(begin));
 }
 
@@ -243,7 +242,7 @@ bool Runner::Play(Script& script) {
   if (script.plan.resets_tap) RequestReset(script);
   const MemoryFile copy(script.text->Content());
   // A long script is not kept in memory twice, unless its text is needed again.
-  if (command_.learn.empty() && !Repeats()) script.text.reset();
+  if (command_.learn.empty() && !command_.Repeats()) script.text.reset();
   in_plugin_ = &script;
   const bool ran = RunPlugin(copy.Path());
   in_plugin_ = nullptr;

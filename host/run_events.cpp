@@ -17,9 +17,8 @@ RunEvents::RunEvents(Outputs& outputs, Console& console, const RunCommand& comma
       log_(outputs.listeners, outputs.recorders),
       listeners_(outputs.listeners),
       recorders_(outputs.recorders) {
-  const bool repeats = command.repeat != 1;
-  if (repeats && !listeners_.empty()) listeners_ = {&log_};
-  if (repeats && !recorders_.empty()) recorders_ = {&log_};
+  if (command.Repeats() && !listeners_.empty()) listeners_ = {&log_};
+  if (command.Repeats() && !recorders_.empty()) recorders_ = {&log_};
 }
 
 void RunEvents::BeginRun(RunBegin run) {

@@ -43,7 +43,7 @@ void RunTotals::EndScript(const Follower& follower) {
 
 void RunTotals::Summarize(const Follower& follower, ExitStatus status) {
   Script& script = scripts_[ended_ - 1];
-  if (Repeats()) {
+  if (command_.Repeats()) {
     if (status != kInterrupted) script.rounds.Add(follower);
   } else if (command_.summary) {
     for (const std::string& line : follower.Summary(script.name)) summary_ += line + '\n';
@@ -76,7 +76,7 @@ RunEnd RunTotals::EndOf(ExitStatus status, RunTime at) {
                 {},
                 failed_rounds_,
                 at};
-  if (Repeats()) end.rounds = played_rounds_;
+  if (command_.Repeats()) end.rounds = played_rounds_;
   return end;
 }
 
@@ -86,7 +86,7 @@ PageHead RunTotals::Head(ExitStatus status) const {
   PageHead head = {fmt::format("{}", fmt::join(scripts, ", ")), ResultText(status),
                    status == kAllWell, HeadEntries(command_.probe, Counts(), console_.Seconds())};
   head.entries.emplace_back("Plug-in", command_.plugin);
-  if (Repeats()) {
+  if (command_.Repeats()) {
     head.entries.emplace_back(
         "Repeated", RoundCounts() + "; this page shows the first round and the failed rounds");
   } else {
@@ -107,9 +107,9 @@ long RunTotals::ExpectedOperations() const {
 }
 
 std::string RunTotals::Text() const {
-  if (!command_.summary && !(Repeats() && command_.keep_going)) return "";
+  if (!command_.summary && !(command_.Repeats() && command_.keep_going)) return "";
   std::string text = summary_;
-  if (Repeats()) {
+  if (command_.Repeats()) {
     for (const Script& script : scripts_) {
       for (const std::string& line : script.rounds.Lines(script.name, script.plan)) {
         text += line + '\n';

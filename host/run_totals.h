@@ -47,7 +47,6 @@ class RunTotals {
   RunEnd EndOf(ExitStatus status, RunTime at);
 
  private:
-  bool Repeats() const { return command_.repeat != 1; }
   // Counts the values of the scripts that did not begin in this round.
   void CountUnplayed();
   std::string RoundCounts() const;

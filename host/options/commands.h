@@ -44,6 +44,8 @@ struct RunCommand {
   bool summary = false;
   std::size_t size_limit = kDefaultSizeLimit;  // of a script, in bytes
   bool quiet = false;
+
+  bool Repeats() const { return repeat != 1; }
 };
 
 struct CheckCommand {

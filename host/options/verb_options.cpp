@@ -201,7 +201,7 @@ void CompleteRun(const CLI::App& verb, RunCommand& run) {
   if (!run.learn.empty() && run.scripts.size() > 1) {
     throw CLI::ValidationError("--learn", "accepts only one script");
   }
-  if (!run.learn.empty() && run.repeat != 1) {
+  if (!run.learn.empty() && run.Repeats()) {
     throw CLI::ValidationError("--learn", "cannot be combined with --repeat");
   }
   CompletePlace(verb, run.probe);
