@@ -85,7 +85,7 @@ void Console::Hold(bool holds) {
 void Console::Release() {
   if (!std::exchange(holds_, false)) return;
   if (held_bytes_ > kMostHeldBytes) {
-    Say("icehost: too many messages: those of this round so far are not shown");
+    Say("icehost: too many messages in this round: the first ones are not shown");
   }
   for (const Held& held : std::exchange(held_, {})) {
     if (held.message) {

@@ -93,7 +93,7 @@ std::string Import::OtherForm() const {
   for (const char* const rate : {"", " --tck-hz N"}) {
     if (*rate != '\0') import.tck_hz = 1;
     if (ImportSvf(import, svf_, nullptr, [](std::size_t) {}).HasErrors()) continue;
-    return fmt::format("; icehost import --script gpio{} can express it", rate);
+    return fmt::format("; icehost import --script gpio{} can convert it", rate);
   }
   return "";
 }

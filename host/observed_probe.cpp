@@ -158,7 +158,9 @@ void ObservedProbe::FindPlace() {
 // Reading the chain resets the TAPs and loads BYPASS.
 void ObservedProbe::ReadPlace() {
   if (scan_.ir.bits <= 0 && played_pins_) {
-    throw Unsupported("reading the chain would reset the TAP: load an instruction first");
+    throw Unsupported(
+        "this scan loads no instruction, but icehost must first read the chain, which resets the "
+        "TAP: load an instruction first");
   }
   if (recording_ != nullptr) recording_->BeginOperation("reading of the chain", {});
   const Chain chain = ReadChain(pins_->Port());

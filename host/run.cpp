@@ -265,9 +265,9 @@ ExitStatus Runner::LearnFrom(const Script& script) {
   Learned learned = Learn(*script.text, script.plan, follower_.Read());
   const bool writable = !CheckScript(ScriptText(script.name, learned.script)).problems.HasErrors();
   if (!writable || follower_.Unread() > 0) {
-    events_.Say(fmt::format("{} was not learned: {}", script.path,
+    events_.Say(fmt::format("nothing learned from {}: {}", script.path,
                             writable ? "this probe does not report every expected value"
-                                     : "a line would be too long with the values that were read"));
+                                     : "the values that were read make a line too long"));
     return kScriptFailed;
   }
   learned_script_ = std::move(learned.script);

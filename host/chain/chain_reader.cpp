@@ -127,7 +127,7 @@ std::optional<Bits> ChainReader::ReadTwice(From from, TapState shift, const Bits
   if (first == second) return first;
   const auto differs = std::mismatch(first.begin(), first.end(), second.begin()).first;
   Fail(
-      fmt::format("the signals are not stable: two readings of {} differ, first in bit {} (TDO "
+      fmt::format("the signals are not stable: two readings of {} first differ in bit {} (TDO "
                   "floats, TCK is too fast, or ground is missing)",
                   what, differs - first.begin()));
   return std::nullopt;
@@ -144,7 +144,7 @@ bool ChainReader::ReadIdcodes() {
     const auto end = LengthBetween(in, out);
     if (!end.has_value()) continue;
     TakeTaps(out, *end, *end);
-    if (*end == 0) Fail("no TAP: TDI comes out of TDO at once (they are connected)");
+    if (*end == 0) Fail("no TAP: TDO repeats TDI without delay (they are connected)");
     return !chain_.taps.empty();
   }
   ExplainEndless(out);
@@ -157,7 +157,7 @@ void ChainReader::TakeTaps(const Bits& out, std::size_t begin_below, std::size_t
     ChainTap tap;
     const std::size_t bits = out[at] ? kIdcodeBits : 1;
     if (at + bits > end) {
-      Fail(fmt::format("the last {} bits of the chain are not a whole IDCODE", end - at));
+      Fail(fmt::format("the last {} bits of the chain are not a complete IDCODE", end - at));
       return;
     }
     if (out[at]) tap.idcode = static_cast<std::uint32_t>(NumberOfBits(Slice(out, at, at + bits)));
@@ -176,16 +176,16 @@ void ChainReader::ExplainEndless(const Bits& out) {
             : "nothing answers: TDO is all zeros (it is shorted to ground, or the target is "
               "held in reset or not powered)");
   } else if (tail > kMarkerBits) {
-    Fail(
-        fmt::format("the chain is broken: after the TAPs that answer, TDO is all {} (TDI is not "
-                    "connected, or the chain is open there)",
-                    out.back() ? "ones" : "zeros"));
+    Fail(fmt::format(
+        "the chain is broken: after the bits of the TAPs that answer, TDO is all {} (TDI is not "
+        "connected, or the chain is interrupted)",
+        out.back() ? "ones" : "zeros"));
     // The last IDCODE may end with bits of this value.
     TakeTaps(out, out.size() - tail, out.size());
   } else {
     Fail(
-        fmt::format("the chain has no end: the pattern on TDI does not come out within {} bits (it "
-                    "has more than {} TAPs, or is broken)",
+        fmt::format("the chain has no end: the pattern on TDI does not appear on TDO within {} "
+                    "bits (the chain has more than {} TAPs, or is broken)",
                     out.size() - kMarkerBits, kMostTaps));
   }
 }
@@ -198,10 +198,10 @@ bool ChainReader::ReadIrs() {
   if (!out.has_value()) return false;
   const auto length = LengthBetween(in, *out);
   if (!length.has_value()) {
-    return Fail(fmt::format(
-        "the IR has no end: the pattern on TDI does not come out within {} bits (the IR is longer, "
-        "or the chain is broken)",
-        most));
+    return Fail(
+        fmt::format("the IR has no end: the pattern on TDI does not appear on TDO within {} bits "
+                    "(the IR is longer, or the chain is broken)",
+                    most));
   }
   chain_.ir_bits = static_cast<int>(*length);
   TakeIr(Slice(*out, 0, *length));

@@ -20,7 +20,7 @@ constexpr char kJtagHead[] =
 [CONTROL]
 CDI=5
 
-# All ones is BYPASS (IEEE 1149.1): the pattern comes out one bit later for each TAP.
+# An IR of all ones selects BYPASS (IEEE 1149.1), in which each TAP delays the pattern by one bit.
 )";
 
 // Shifted through BYPASS: the bits are not all equal, and different in reverse order.
@@ -106,8 +106,8 @@ std::string Script::IdcodeSection(std::size_t i) const {
   };
   const std::uint32_t idcode = *chain_.taps[i].idcode;
   const std::string text = fmt::format(
-      "\n# {}: IDCODE 0x{:08x} of any version. Put its IDCODE instruction into IR bits {} to {},\n"
-      "# which contain BYPASS, and remove the # from the lines below.\n"
+      "\n# {}: IDCODE 0x{:08x}. To compare it without its version, replace BYPASS in IR\n"
+      "# bits {} to {} with this TAP's IDCODE instruction, and remove the # from the lines below.\n"
       "#[READ_IDCODE_{}]\n",
       TapTitle(chain_, i), idcode, first, first + *chain_.taps[i].ir_bits - 1, i + 1);
   return text + Scan("#", Bits(IrBits(), true), Bits(before + kIdcodeBits + after),
@@ -145,7 +145,7 @@ std::string Script::Text() const {
 
 // A script cannot avoid resetting the target, because START pulls every pin low.
 constexpr char kGpioHead[] =
-    R"(# Written by icehost detect: resets the TAPs and reads their answers, one line per TCK edge.
+    R"(# Written by icehost detect. This script resets the TAPs and reads their answers.
 # START drives every pin low, so NRST resets the target.
 [ORVEX_ICE_GPIO]
 START

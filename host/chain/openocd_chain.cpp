@@ -122,7 +122,7 @@ Chain OpenocdChain(const std::string& said, const std::string& table) {
   chain.faults = examination.complaints;
   for (const OpenocdTap& row : ParseScanChain(table)) {
     if (!row.enabled) {
-      chain.notes.push_back(row.name + " is declared, but disabled: it is not in the chain");
+      chain.notes.push_back(row.name + " is declared but disabled, so it is not in the chain");
       continue;
     }
     chain.taps.push_back(TapOf(row, examination));

@@ -49,7 +49,7 @@ ChainPlace ConfirmPlace(const Chain& chain, const ChainPlace& place) {
   if (lengths.size() != chain.taps.size() || sum != chain.ir_bits ||
       !BeginsEach(chain.captured_ir, lengths)) {
     throw Unsupported(
-        fmt::format("the chain does not match --chain: it has {} with an IR of {} bits",
+        fmt::format("the chain does not match --chain: it has {} with {} IR bits in total",
                     CountedTaps(chain.taps.size()), *chain.ir_bits));
   }
   return place;

@@ -63,7 +63,7 @@ void WarnOfNearTag(const ScriptText& script, Problems& problems) {
   const std::string tag = Nearest(Letters(name), {"ORVEX_ICE_GPIO", "ZEVA_ICE_GPIO"});
   if (tag.empty()) return;
   problems.Warn(first.Start(),
-                fmt::format("this is not exactly [{}]: the file is run as a JTAG script{}", tag,
+                fmt::format("this is not exactly [{}], so the file is run as a JTAG script{}", tag,
                             InParentheses(WhyNotTag(first.text, tag))));
 }
 

@@ -23,7 +23,7 @@ void CheckJtag(const ScriptText& script, CheckResult& result);
 
 // The text of the problem at ScriptText::CutAt().
 constexpr const char* kCutScript =
-    "this line is longer than 2047 bytes: the plug-in reads neither it nor any line after it";
+    "this line is longer than 2047 bytes: the plug-in ignores it and all lines after it";
 
 }  // namespace icehost
 

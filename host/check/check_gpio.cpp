@@ -57,10 +57,11 @@ class GpioPins {
   // Reports the levels that reach no pin up to the end of the script.
   void Finish() {
     for (const Idle& idle : idle_) {
-      problems_.Warn(idle.place,
-                     fmt::format("this level has no effect: GPIO_OE does not enable {}, "
-                                 "here or on a later line",
-                                 PinNames(idle.pins)));
+      problems_.Warn(
+          idle.place,
+          fmt::format(
+              "this level has no effect: GPIO_OE does not enable {} on this line or a later one",
+              PinNames(idle.pins)));
     }
   }
 
@@ -202,10 +203,9 @@ void GpioLines::CheckWords(GpioLine& line, const Element& element) {
     problems_.Error(line.PlaceOf(kOut),
                     "GPIO_OUT is negative: the plug-in refuses it without a message");
   } else if (rises(element.out_value, state_.out_value)) {
-    problems_.Warn(
-        line.PlaceOf(kOut),
-        "GPIO_OUT has bits beyond the six pins (0x01 to 0x20): these bits stay set until a pin "
-        "is cleared");
+    problems_.Warn(line.PlaceOf(kOut),
+                   "GPIO_OUT has bits beyond the six pins (0x01 to 0x20): these bits stay set "
+                   "until a pin is set to 0");
   }
   if (element.oe_mask < 0 && element.oe_mask != state_.oe_mask) {
     problems_.Error(line.PlaceOf(kOe), ",inifile.error (GPIO_OE is negative)");

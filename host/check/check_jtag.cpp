@@ -127,8 +127,9 @@ class JtagOperations {
 
   // Reports that IR or DR is missing in a section, or empty.
   void ReportMissing(const IniSection& section, std::size_t key, const std::string& message) {
-    const std::string reason = fmt::format("{} has no {}: neither it nor any section after it runs",
-                                           NameOf(section), KeysOf(section.name)[key]);
+    const std::string reason =
+        fmt::format("{} has no {}: the plug-in skips it and all sections after it", NameOf(section),
+                    KeysOf(section.name)[key]);
     problems_.Error(section.first, message.empty() ? reason : message + InParentheses(reason));
     if (section.lines[key] == 0) return;
     problems_.Error(script_.Line(section.lines[key]).Start(), "the value is empty");

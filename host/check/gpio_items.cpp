@@ -52,7 +52,7 @@ void CheckValue(const ScriptLine& line, const NamedItem& item, Problems& problem
   if (digits.size() < 8 && IsDigits(digits, item.Base())) return;  // the usual case
   const Place place = line.Of(item.key);
   if (!item.has_equals) {
-    problems.Warn(place, "without \"=\", this is set to 0");
+    problems.Warn(place, "without \"=\", the plug-in sets this to 0");
   } else if (item.value.empty()) {
     problems.Warn(place, kEmptyValue);
   } else if (!IsNumber(item.value, item.Base())) {
@@ -68,8 +68,9 @@ void CheckValue(const ScriptLine& line, const NamedItem& item, Problems& problem
 void CheckAgain(const ScriptLine& line, const NamedItem& item, unsigned set, Problems& problems) {
   if (item.which > kOe || set == 0) return;
   if ((set >> item.which & 1U) != 0) {
-    problems.Warn(line.Of(item.key),
-                  fmt::format("a line is one operation: only the last {} takes effect", item.key));
+    problems.Warn(
+        line.Of(item.key),
+        fmt::format("a line is one operation, so only the last {} takes effect", item.key));
   } else if (item.which == kOut && (set & GPIO_PIN_ALL) != 0) {
     problems.Warn(line.Of(item.key), "GPIO_OUT replaces the levels set before it on this line");
   }

@@ -102,7 +102,7 @@ std::size_t FindForeignComment(std::string_view text) {
 }
 
 std::string_view SlipIn(std::string_view text) {
-  if (text.substr(0, 3) == "\xEF\xBB\xBF") return "there is a byte-order mark before it";
+  if (text.substr(0, 3) == "\xEF\xBB\xBF") return "the text begins with a byte-order mark";
   if (FindForeignComment(text) != std::string_view::npos) return "comments start with #";
   if (!text.empty() && (text.front() == '\t' || text.back() == '\t')) return kTabIsText;
   return {};

@@ -29,7 +29,7 @@ std::string KeyMeant(std::string_view name, const IniKeys& keys) {
   if (const auto slip = SlipIn(name); !slip.empty()) return std::string(slip);
   if (!name.empty() && name.front() == '[') return "a section header must end with ]";
   if (Holds(KeysOf("CONTROL"), name)) return fmt::format("{} belongs in the CONTROL section", name);
-  if (Holds(KeysOf(""), name)) return fmt::format("{} belongs in the section of a scan", name);
+  if (Holds(KeysOf(""), name)) return fmt::format("{} belongs in a scan section", name);
   return DidYouMean(Nearest(name, keys));
 }
 
@@ -83,7 +83,7 @@ void WarnOfKey(const ScriptLine& line, const IniKeys& keys, std::string_view nam
     problems.Error(line.Start(),
                    Holds(keys, "IR")
                        ? "unknown key, so nothing is compared: " + DidYouMean(meant)
-                       : "CONTROL reads no value: this belongs in the section of a scan");
+                       : "[CONTROL] does not read a value: move this key to a scan section");
   } else if (Holds(keys, bare)) {
     problems.Warn(line.Of(name.substr(name.find_first_of(" \t"))),
                   fmt::format("this blank is part of the key: remove it if you mean \"{}\"", bare));
@@ -101,7 +101,7 @@ void WarnOfKey(const ScriptLine& line, const IniKeys& keys, std::string_view nam
 void WarnOfLateTag(const ScriptLine& header, std::string_view name, Problems& problems) {
   if (!icescript::IsSectionTag(fmt::format("[{}]", name))) return;
   problems.Warn(header.Start(),
-                "this tag comes after other text: the file is run as a JTAG script");
+                "this tag comes after other text, so the file is run as a JTAG script");
 }
 
 // ---- Sections
@@ -166,10 +166,11 @@ class SectionFinder {
     WarnOfLateTag(line, name_, problems_);
     Named& named = named_[name_];
     if (named.header.has_value()) {
-      problems_.Warn(*header_,
-                     name_ == "CONTROL"
-                         ? "this continues the [CONTROL] section above: both are one operation"
-                         : "this continues the section of the same name above");
+      problems_.Warn(
+          *header_,
+          name_ == "CONTROL"
+              ? "this continues the [CONTROL] section above: together they are one operation"
+              : "this continues the section of the same name above");
     } else {
       named.header = header_;
     }

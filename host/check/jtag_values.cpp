@@ -111,11 +111,11 @@ void CheckBytes(const Fields& fields, std::size_t first, int bits, Problems& pro
                     ByteOf(text), InParentheses(BytesMeant(text))));
   }
   if (listed > held) {
-    problems.Warn(fields.Of(first + held), fmt::format("more bytes than {} bits need", bits));
+    problems.Warn(fields.Of(first + held), fmt::format("too many bytes for {} bits", bits));
   } else if (listed < held && listed > 0) {
-    problems.Warn(
-        fields.Of(first - 1),
-        fmt::format("{} bits need {} bytes, found {}: the rest is 0", bits, held, listed));
+    problems.Warn(fields.Of(first - 1),
+                  fmt::format("{} bits need {} bytes, found {}: the missing bytes are 0", bits,
+                              held, listed));
   } else if (listed == held && bits % 8 != 0 &&
              ByteOf(TrimSpaces(fields.text.back())) >> bits % 8 != 0) {
     problems.Warn(fields.Of(fields.text.size() - 1),
@@ -169,7 +169,7 @@ std::optional<std::string> ReadBytes(const ScriptLine& line, int bits, Problems&
       return std::nullopt;
     }
     if (bytes.size() == held) {
-      problems.Error(line.Of(field), fmt::format("more bytes than {} bits need", bits));
+      problems.Error(line.Of(field), fmt::format("too many bytes for {} bits", bits));
       return std::nullopt;
     }
     bytes += static_cast<char>(ByteOf(field));

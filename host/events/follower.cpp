@@ -42,11 +42,11 @@ std::string MaskText(const Expectation& expectation) {
 }
 
 std::string CapturedText(const Expectation& expectation, const Capture& captured) {
-  if (captured.value.empty()) return "nothing, since this probe does not report it";
+  if (captured.value.empty()) return "nothing (this probe does not report the value)";
   std::string text = ByteText(captured.value);
   const int unreported = expectation.mask[0] & ~captured.steady[0];
   if (expectation.of == Expectation::Of::kPins && unreported != 0) {
-    text += fmt::format(" without {}, which this probe does not report", PinNames(unreported));
+    text += fmt::format(" (this probe does not report {})", PinNames(unreported));
   }
   return text;
 }

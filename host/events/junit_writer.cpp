@@ -269,7 +269,7 @@ void JUnitWriter::OnScriptEnd(const ScriptEnd& end) {
 
 void JUnitWriter::ExplainFailure(int status) {
   if (status == 0 || std::any_of(suites_.begin(), suites_.end(), HasFault)) return;
-  const std::string why = fmt::format("icehost ends with status {}", status);
+  const std::string why = fmt::format("icehost exited with status {}", status);
   AddFault(suites_.front().whole, true, errors_.empty() ? why : errors_.front(),
            fmt::format("{}", fmt::join(errors_, "\n")));
 }

@@ -68,8 +68,8 @@ void AddTargetOptions(CLI::App& verb, TargetOptions& target) {
       ->group(kTargetGroup);
   AddParsed(
       verb, "--register", "IR:BITS[=HEX]",
-      "Add a register: instruction (hexadecimal), length in bits, reset value (hexadecimal);\n"
-      "repeatable; register 2:32 always exists, unless 2 selects the IDCODE",
+      "Add a register of BITS bits, with a hexadecimal instruction and reset value; repeatable;\n"
+      "the register 2:32 exists by default, unless the instruction 2 selects the IDCODE",
       [&target](const std::string& text) { ParseRegister(text, target); })
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
       ->trigger_on_parse()
@@ -88,14 +88,14 @@ void AddChain(CLI::App& verb, ProbeOptions& probe, const char* group) {
 
 void AddSpawn(CLI::App& verb, ProbeOptions& probe) {
   AddParsed(verb, "--spawn", "COMMAND",
-            "A shell command that starts the probe's server; icehost stops it before it exits",
+            "A shell command that starts the probe's server, which icehost stops before exiting",
             [&probe](const std::string& command) {
               if (command.empty()) throw std::invalid_argument("expected a command");
               probe.spawned = std::make_shared<SpawnedCommand>(command);
             });
   NamesFile(verb.add_option(
       "--spawn-log", probe.spawn_log,
-      "Write the output of the command; after a failure, icehost prints its last lines"));
+      "Write the output of the command; after a failure, icehost also prints the last lines"));
 }
 
 void AddProbe(CLI::App& verb, ProbeOptions& probe, const std::string& help,
@@ -231,7 +231,8 @@ void CompleteDetect(const CLI::App& verb, DetectCommand& detect) {
 
 void CompleteImport(const ImportCommand& import) {
   if (import.tck_hz.has_value() && import.script == ScriptKind::kJtag) {
-    throw CLI::ValidationError("--tck-hz", "requires --script gpio: a JTAG script cannot wait");
+    throw CLI::ValidationError("--tck-hz",
+                               "requires --script gpio, because a JTAG script cannot wait");
   }
 }
 
@@ -254,15 +255,15 @@ void CompleteServe(const CLI::App& verb, ServeCommand& serve) {
 CLI::App& AddVerb(CLI::App& app, RunCommand& run) {
   constexpr char kChainGroup[] = "Chain of TAPs (not for OpenOCD)";
   constexpr char kOutputGroup[] =
-      "Outputs (FILE - is standard output, without the plug-in's messages)";
+      "Outputs (FILE - is standard output, which then omits the plug-in's messages)";
   CLI::App& verb =
       NewVerb(app, "run", "Run scripts in order and stop at the first that fails", run.quiet);
   AddScripts(verb, run.scripts, run.size_limit);
   AddProbe(verb, run.probe, ProbeHelp(), kChainGroup);
   verb.add_flag(
       "--strict", run.strict,
-      "Treat warnings as failures, and fail if a captured IR does not end in 01; on pins and\n"
-      "XVC, read the chain first: it must match --chain or, without it, the IR scans' lengths");
+      "Treat warnings as failures, and fail if a captured IR does not end in 01; except with\n"
+      "OpenOCD, also fail if the chain differs from --chain or from the IR lengths in the script");
   verb.add_flag(
       "--force", run.force,
       "Also run scripts with errors, as the plug-in reads them; they still count as failed");
@@ -316,9 +317,10 @@ CLI::App& AddVerb(CLI::App& app, ImportCommand& import) {
   CLI::App& verb =
       NewVerb(app, "import", "Convert a Serial Vector Format (SVF) file to a script", import.quiet);
   verb.add_option("FILE", import.file, "SVF file; - is standard input")->type_name("")->required();
-  AddParsed(verb, "--script", "KIND",
-            "jtag (the default), or gpio, which can represent any file but needs a probe with pins",
-            [&import](const std::string& text) { import.script = ParseScriptKind(text); });
+  AddParsed(
+      verb, "--script", "KIND",
+      "jtag (the default) or gpio (for any file, but needs a probe that drives individual pins)",
+      [&import](const std::string& text) { import.script = ParseScriptKind(text); });
   AddParsed(verb, "--tck-hz", "N",
             "The highest TCK rate of the probe in Hz, for the waits of a GPIO script\n"
             "(default: FREQUENCY of the file)",
@@ -342,7 +344,7 @@ CLI::App& AddVerb(CLI::App& app, ServeCommand& serve) {
   AddParsed(verb, "--protocol", "PROTOCOL", ProtocolHelp(),
             [&serve](const std::string& text) { serve.protocol = &ParseProtocol(text); });
   verb.add_flag("-v,--verbose", serve.verbose,
-                "Report when clients connect and leave, and errors in what they send");
+                "Report when clients connect and leave, and errors in the data that they send");
   AddParsed(verb, "--idle-limit", "SECONDS",
             "How long a client may be silent before another may replace it (default 60)",
             [&serve](const std::string& text) { serve.idle_limit = ParseSeconds(text); });

@@ -85,6 +85,6 @@ function showNotes() {
       `The waveform shows the first ${steps.length} of ${data.total_steps} steps`);
   }
   if (data.total_steps === 0) {
-    note("", "No waveform: the probe showed no pins, or nothing drove them");
+    note("", "No waveform: the probe gives no access to pins, or no pin was driven");
   }
 }

@@ -25,7 +25,8 @@ constexpr double kMostIdleCycles = 16;
 constexpr double kMostIdleSeconds = 1e-5;
 
 constexpr const char* kWait =
-    "a JTAG script cannot wait: at most 16 TCK cycles and 10 us between two scans can be left out";
+    "a JTAG script cannot wait: only waits of up to 16 TCK cycles and 10 us between two scans can "
+    "be left out";
 
 constexpr const char* kEndState = "in a JTAG script, every scan begins and ends in Run-Test/Idle";
 
@@ -115,7 +116,7 @@ void JtagForm::ReportGap() {
     place.reset();
   };
   if (wait_.has_value() && !scanned_) {
-    problems_.Note(*wait_, "left out: it comes before the first scan");
+    problems_.Note(*wait_, "left out: this wait comes before the first scan");
     wait_.reset();
   }
   report(wait_, kWait);
@@ -199,7 +200,7 @@ void JtagForm::RunTest(const SvfRunTest& run) {
   }
   Idle(in_reset ? 0 : run.cycles, run.seconds);
   if (is_either(TapState::kTestLogicReset)) return Reset();
-  LeaveOut("a wait in Run-Test/Idle");
+  LeaveOut("a JTAG script cannot wait");
 }
 
 void JtagForm::Trst(SvfTrst mode) {
@@ -249,12 +250,13 @@ void JtagForm::End() {
   }
   if (wait_.has_value()) {
     problems_.Note(
-        *wait_, "left out: no scan follows, so whatever the last scan started gets no TCK cycles");
+        *wait_,
+        "left out: no scan follows, so an operation that the last scan started gets no TCK cycles");
   }
   if (reset_.has_value()) {
     problems_.Warn(*reset_,
-                   "left out: a JTAG script cannot reset the TAP after its scans; the last "
-                   "instruction stays");
+                   "left out: a JTAG script cannot reset the TAP after its scans, so the last "
+                   "instruction stays loaded");
   }
 }
 

@@ -76,8 +76,8 @@ void SvfWriter::CommentOnPlace(const std::string& path, const CallSource& source
 void SvfWriter::CommentOnUnmet(const CallEvent& call) {
   for (const Comparison& one : call.comparisons) {
     if (one.fault.empty()) continue;
-    Comment(
-        fmt::format("line {} expects {} of {}, mask {}", one.line, one.expected, one.of, one.mask));
+    Comment(fmt::format("line {0} expects {2} {1}, mask {3}", one.line, one.expected, one.of,
+                        one.mask));
   }
 }
 

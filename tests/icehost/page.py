@@ -91,7 +91,7 @@ def check_head_and_failure():
     expect("told once", [text.split(": ")[1] for text in texts(".mark.error")], ["TCK is 1 \u00d72"])
     show("-", script="[CONTROL]\nCDI=5\n")
     expect("without pins", (texts("#notes li"), js("return document.querySelector('#wave').hidden")),
-           (["No waveform: the probe showed no pins, or nothing drove them"], True))
+           (["No waveform: the probe gives no access to pins, or no pin was driven"], True))
     server = Serve()
     address = f"127.0.0.1:{server.port}"
     show("--probe", f"remote-bitbang:{address}", "examples/read_idcode.ini")

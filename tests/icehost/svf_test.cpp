@@ -59,8 +59,8 @@ TEST(Svf, SaysWhatTheTapDoes) {
     return std::string("icehost: warning: --svf: ") + what + "\n";
   };
   const std::string paused = loss("a scan went through a Pause state, but a player does not");
-  const std::string no_idle =
-      loss("scans followed each other without Run-Test/Idle, but a player goes through it");
+  const std::string no_idle = loss(
+      "scans followed each other without Run-Test/Idle between them, but a player goes through it");
   const struct {
     const char* edges;
     std::string told;

@@ -34,7 +34,7 @@ holds out.txt "1 TAP on $probe
 $arm
        IR 5 bits (declared in OpenOCD, not measured)
        expected 0x4ba00477 or 0x3ba00477
-b.tap is declared, but disabled: it is not in the chain"
+b.tap is declared but disabled, so it is not in the chain"
 detect 0 -q --script --probe "$probe:a.tap"
 holds err.txt ''
 "$icehost" run -q --strict --probe "$probe:a.tap" "$scratch/out.txt" || fail "the script does not pass"
