@@ -1,8 +1,8 @@
-# Completion of icehost's command line for bash. File names are left to readline, which knows how to
-# quote them; where none may stand, its own completion is switched off.
+# Completion of icehost's command line for bash. Readline completes file names, because it knows how
+# to quote them. Where a file name is not allowed, readline's completion is switched off.
 
-# Sets `words` to what stands before the cursor as the shell takes it: COMP_WORDS is cut at ":" and
-# "=" as well.
+# Sets `words` to the words before the cursor, as the shell splits them. COMP_WORDS is also split at
+# ":" and "=".
 _icehost_words() {
   local rest=${COMP_LINE:0:COMP_POINT} piece
   words=()
@@ -16,8 +16,8 @@ _icehost_words() {
   done
 }
 
-# Offers those of the texts that begin with `cur`; `option` stands before them. Readline replaces
-# only `tail`, the end of the word.
+# Offers the texts that begin with `cur`, each after `option`. Readline replaces only the end of the
+# word, `tail`.
 _icehost_offer() {
   local kept=$option$cur text
   kept=${kept%"$tail"}
@@ -31,7 +31,7 @@ _icehost_offer() {
   return 0
 }
 
-# Offers values of an option; fails where it takes none.
+# Offers values of an option. Fails if the option has no value.
 _icehost_value() {
   case $1 in
     --json | --vcd | --svg | --html | --svf | --junit | --learn | --plugin | -o | --output | \
@@ -51,7 +51,7 @@ _icehost_value() {
   esac
 }
 
-# Offers what stands where there is no option.
+# Offers arguments that are not options.
 _icehost_operand() {
   case $verb in
     run | check | import) ;;

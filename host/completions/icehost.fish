@@ -1,6 +1,6 @@
 # Completion of icehost's command line for fish.
 
-# Whether the verb is one of these; `none`: there is none yet.
+# Succeeds if the verb is one of these. `none` means that there is no verb yet.
 function __icehost_in
     for word in (commandline -opc)[2..]
         string match -q -- '-*' $word; and continue
@@ -10,7 +10,7 @@ function __icehost_in
     contains none $argv
 end
 
-# Paths behind the prefix that the word under the cursor begins with; fails where it does not.
+# Offers paths after the prefix. Fails if the word under the cursor does not begin with it.
 function __icehost_paths_behind -a prefix
     set -l word (string replace -r -- '^--\w+=' '' (commandline -ct))
     string match -q -- "$prefix*" $word; or return
@@ -40,7 +40,7 @@ function __icehost_verbs
         serve 'Serve a target over remote_bitbang or XVC until interrupted'
 end
 
-# An option of these verbs: __icehost_option "VERB..." ARGUMENT...
+# Adds an option of these verbs: __icehost_option "VERB..." ARGUMENT...
 function __icehost_option
     complete -c icehost -n "__icehost_in $argv[1]" $argv[2..]
 end
@@ -73,7 +73,7 @@ __icehost_option run -l repeat -x -d 'How many times to run; 0: until interrupte
 __icehost_option run -l summary -d 'Print a summary at the end'
 __icehost_option run -l plugin -r -F -d 'The plug-in to load'
 
-__icehost_option 'run serve' -l trace -F -a - -d 'Write a line for every event'
+__icehost_option 'run serve' -l trace -F -a - -d 'Trace every event'
 __icehost_option 'run check serve' -l json -r -F -d 'Write JSON lines'
 __icehost_option 'run serve' -l vcd -r -F -d 'Write the waveform'
 __icehost_option run -l svg -r -F -d 'Write the waveform as a picture'
