@@ -91,7 +91,8 @@ int ParseWireMode(const std::string& text) {
 }
 
 std::chrono::milliseconds ParseSeconds(const std::string& text) {
-  const double seconds = Decimal(text, 86400, "expected seconds, greater than 0 and up to 86400");
+  const double seconds =
+      Decimal(text, 86400, "expected a number of seconds above 0 and up to 86400");
   return std::chrono::milliseconds(std::max(static_cast<long>(seconds * 1000), 1L));
 }
 

@@ -96,7 +96,7 @@ std::string OpenocdRpc::ReceiveAnswer(const std::string& command) {
     if (bytes.empty()) socket_.FailClosed("OpenOCD");
     received_ += bytes;
     if (received_.size() > kLongestAnswer) {
-      throw IoError(fmt::format("{}: the answer to \"{}\" has no end", socket_.Name(), command));
+      throw IoError(fmt::format("{}: the answer to \"{}\" does not end", socket_.Name(), command));
     }
   }
   std::string answer = received_.substr(0, end);

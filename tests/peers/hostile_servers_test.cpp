@@ -304,7 +304,7 @@ TEST(Servers, EndARunAsTheyShould) {
       {close_at_once, openocd, reset, 3, gone},
       {reset_connection, openocd, reset, 3, "SERVER: connection lost: Connection reset by peer"},
       {kSilent, openocd, reset, 3, silence},
-      {flood_when_asked, openocd, reset, 3, "SERVER: the answer to \"jtag names\" has no end"},
+      {flood_when_asked, openocd, reset, 3, "SERVER: the answer to \"jtag names\" does not end"},
       {Openocd({"what"}), openocd, reset, 3, no_answer + "1 \"jtag names\", got \"what\""},
       {Openocd({"1 2 a"}), openocd, reset, 3, no_answer + "1 \"jtag names\", got \"1 2 a\""},
       {Openocd({"1 0"}), openocd, reset, 3, "OpenOCD has no TAP"},
