@@ -118,7 +118,7 @@ class GpioPins {
   Problems& problems_;
   int levels_ = 0;
   int enables_ = GPIO_PIN_ALL;       // the pins that are enabled now
-  bool tdo_reported_ = false;        // since the script last began to drive TDO
+  bool tdo_reported_ = false;        // whether TDO was reported since it was last enabled
   std::array<int, 6> enabled_at_{};  // the last line that enables each pin
   std::vector<Idle> idle_;
 };
@@ -142,7 +142,7 @@ class GpioLines {
   struct Block {
     Place rept;
     int times;
-    long operations = 0;  // counted so far, for one pass through the block
+    long operations = 0;  // the number so far in one pass through the block
   };
 
   void Refuse(GpioLine& line, std::string_view item);

@@ -125,7 +125,7 @@ bool IsDigits(std::string_view text, int base) {
 }
 
 std::string CutNumber(std::string_view text, int base) {
-  if (text.size() < 8) return {};  // fits in an int
+  if (text.size() < 8) return {};  // short enough to fit in an int
   std::string_view digits = text.substr(std::min(text.find_first_not_of(" \t"), text.size()));
   if (digits.substr(0, 1) == "+") digits.remove_prefix(1);
   if (base == 16 && digits.substr(0, 2) == "0x") digits.remove_prefix(2);

@@ -264,7 +264,7 @@ class Learner {
 
   const ScriptText& script_;
   const Plan& plan_;
-  std::map<std::size_t, Change> edits_;  // by their offsets in the script
+  std::map<std::size_t, Change> edits_;  // the changes by their offsets in the script
   Problems stale_;
 };
 

@@ -30,7 +30,7 @@ constexpr long kMostDescribed = 10;
 // The reasons why a case failed.
 struct Fault {
   bool error;           // false for an unexpected value or a failed call
-  std::string message;  // of the first fault
+  std::string message;  // the message of the first fault
   std::string text;     // a line for each of the first faults, with its place
   long count = 0;
 };
@@ -169,7 +169,7 @@ class JUnitWriter : public Output, public EventListener {
   std::ostream& stream_;
   RunBegin run_;
   std::vector<Suite> suites_;
-  Suite* suite_ = nullptr;  // of the current script
+  Suite* suite_ = nullptr;  // the suite of the current script
   std::string round_;       // the text before each fault in a repeated run
   bool has_fault_ = false;  // the current script has a fault in this round
   // The errors of the current script, or of the run, that have no case.

@@ -15,8 +15,8 @@
 namespace icehost {
 namespace {
 
-constexpr long kMostPasses = 1000000000;  // of one REPT block
-constexpr double kMostCycles = 1e18;      // in two nested blocks
+constexpr long kMostPasses = 1000000000;  // the limit for one REPT block
+constexpr double kMostCycles = 1e18;      // the limit for two nested blocks
 constexpr std::size_t kBlockSize = std::string_view("REPT=2\nENDR\n").size();
 // The relative error that rounding may cause when a time is converted to TCK cycles.
 constexpr double kRounding = 1e-12;
@@ -69,7 +69,7 @@ class GpioForm : public SvfForm {
   void NoteFrequency();
 
   std::optional<double> tck_hz_;
-  std::optional<double> file_hz_;  // from FREQUENCY
+  std::optional<double> file_hz_;  // the rate of the last FREQUENCY
   Place hz_at_{};
   bool hz_used_ = false;  // a wait has used file_hz_
   TapState ir_end_ = TapState::kRunTestIdle;

@@ -93,7 +93,7 @@ class Importer {
 
  private:
   using Handler = void (Importer::*)(const SvfStatement&);
-  // The bits of a header or trailer, which are shifted before or after those of a scan.
+  // The bits of a header or trailer, which are shifted before or after a scan's own bits.
   struct Frame {
     SvfRegister remembered;
     SvfShift shift;

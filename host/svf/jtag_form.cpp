@@ -70,7 +70,7 @@ class JtagForm : public SvfForm {
   void LeaveOut(const char* why);
 
   int last_line_ = 0;             // the line of the last section
-  long on_line_ = 0;              // sections for that line so far
+  long on_line_ = 0;              // the number of sections for that line so far
   std::optional<IrScan> new_ir_;  // an IR scan that is not in a section yet
   bool has_ir_ = false;           // a section has loaded the current instruction
   bool scanned_ = false;

@@ -41,7 +41,7 @@ std::optional<unsigned> DigitOf(char ch) {
 
 // The digits of a value, without leading zeros.
 struct Digits {
-  SvfCursor first;  // at the most significant digit
+  SvfCursor first;  // the position of the most significant digit
   std::size_t count = 0;
 };
 

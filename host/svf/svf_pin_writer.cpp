@@ -100,7 +100,7 @@ class SvfPinWriter : public SvfWriter, public StepRecorder, private TapListener 
   TapDecoder decoder_{{this}};
   std::size_t step_ = 0;  // the number of the next step
   int reset_levels_ = GPIO_PIN_NRST | GPIO_PIN_TRST;
-  std::deque<std::string> paths_;  // of all scripts so far
+  std::deque<std::string> paths_;  // the paths of all scripts so far
   std::deque<Note> notes_;
   Operation current_{0, {}, nullptr};
   long located_ = 0;  // the operation whose place was written last
@@ -229,7 +229,7 @@ void SvfPinWriter::WriteScan(const char* end) {
   ScanStatement(held.scan);
 }
 
-// Writes the place of an operation as a comment, unless the last such comment was the same.
+// Writes the place of an operation, unless the last such comment was for the same operation.
 void SvfPinWriter::Locate(const Operation& operation, int last_line) {
   if (std::exchange(located_, operation.number) != operation.number) {
     CommentOnPlace(*operation.path, operation.source, last_line);
