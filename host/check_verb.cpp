@@ -22,7 +22,7 @@ std::string Counted(long count, const char* what) {
   return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s");
 }
 
-// Checks the scripts of a command line and writes the problems as text, as JSON lines, or as both.
+// Checks the scripts of a command line and writes the problems as text, JSON lines, or both.
 class CheckReport {
  public:
   explicit CheckReport(const CheckCommand& command);
@@ -30,7 +30,6 @@ class CheckReport {
   ExitStatus WriteAll();
 
  private:
-  // Returns the status of one script.
   ExitStatus WriteOne(const std::string& path);
   ExitStatus Refuse(const std::string& why, ExitStatus status);
   void WriteSummary();
@@ -40,15 +39,15 @@ class CheckReport {
   ReportStyle style_;
   OutputFile standard_output_;
   std::optional<OutputFile> file_;
-  std::ostream* text_;            // null if JSON lines replace it
+  std::ostream* text_;            // null if the JSON lines go to standard output
   std::ostream* json_ = nullptr;  // null without --json; docs/json.md describes the lines
-  // Counts over all scripts that could be read:
+  // Totals for the scripts that could be read:
   long errors_ = 0;
   long warnings_ = 0;
   long scripts_ = 0;
 };
 
-// With --strict a warning is a failure, so it is shown even with --quiet.
+// With --strict, warnings are failures, so they are shown even with --quiet.
 CheckReport::CheckReport(const CheckCommand& command)
     : command_(command),
       style_{command.quiet && !command.strict, WantsColour(STDOUT_FILENO)},
@@ -105,7 +104,7 @@ ExitStatus CheckReport::Refuse(const std::string& why, ExitStatus status) {
   return status;
 }
 
-// The text counts only the problems that it shows. It has no summary if there are none.
+// The text summary counts only the problems shown. It is omitted if no problems are shown.
 void CheckReport::WriteSummary() {
   if (json_ != nullptr) {
     *json_ << fmt::format("{{\"errors\":{},\"warnings\":{},\"scripts\":{}}}\n", errors_, warnings_,

@@ -16,10 +16,10 @@
 namespace icehost {
 namespace {
 
-// The most bytes of the messages of a round that are kept.
+// The maximum total size, in bytes, of the messages kept for one round.
 constexpr std::size_t kMostHeldBytes = 64U << 20U;
 
-// Returns the time as "12 s", "12 min" or "12 h".
+// Formats a time as "12 s", "12 min" or "12 h".
 std::string Duration(double seconds) {
   if (seconds < 100) return fmt::format("{:.0f} s", seconds);
   if (seconds < 6000) return fmt::format("{:.0f} min", seconds / 60);

@@ -19,7 +19,7 @@ void Write(const std::string& text) {
 
 void WriteScript(const DetectCommand& command, const Chain& chain) {
   if (command.script == ScriptKind::kGpio) return Write(GpioScriptOf(chain));
-  std::optional<std::size_t> tap;  // nothing: the whole chain
+  std::optional<std::size_t> tap;  // no value means the whole chain
   const auto only_tap = command.probe.kind->only_tap;
   if (only_tap != nullptr) tap = only_tap(chain, command.probe);
   Write(JtagScriptOf(chain, tap));

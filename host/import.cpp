@@ -19,8 +19,8 @@
 namespace icehost {
 namespace {
 
-// One import. The text is read twice: first to see whether it can be imported at all, then to write
-// the script, which may be too large for the memory.
+// Imports one SVF file in two passes, because the script may be too large to keep in memory. The
+// first pass checks the text, and the second pass writes the script.
 class Import {
  public:
   explicit Import(const ImportCommand& command)
@@ -85,7 +85,7 @@ Problems Import::FindProblems() {
   return problems;
 }
 
-// Returns a hint if a file that cannot become a JTAG script can become a GPIO script; else nothing.
+// Returns a hint if only a GPIO script can express the file, and an empty text otherwise.
 std::string Import::OtherForm() const {
   SvfImport import = Options();
   if (import.gpio) return "";

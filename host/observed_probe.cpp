@@ -14,7 +14,7 @@
 namespace icehost {
 namespace {
 
-// Returns the bytes of a register, but none beyond the end of the array.
+// Returns the bytes of a register. If `bits` is too large, stops at the end of the array.
 std::string RegisterBytes(const std::uint8_t* bytes, int bits) {
   const int count = std::clamp((bits + 7) / 8, 0, static_cast<int>(JTAG_DR_MAX_BYTES));
   return {reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(count)};
@@ -110,7 +110,7 @@ int ObservedProbe::Insert(int ir_bits, const std::uint8_t* ir, int dr_bits,
   const Rescue::Scope working(rescue_, Rescue::State::kWorking);
   ++counts_.operations;
   ++counts_.reads;
-  const int extra = wire_mode_ == CDI_ANSWER_2WIRE ? 8 : 0;  // not shifted through the TAP
+  const int extra = wire_mode_ == CDI_ANSWER_2WIRE ? 8 : 0;  // bits not shifted through the TAP
   counts_.bits += std::max(ir_bits - extra, 0) + std::max(dr_bits - extra, 0);
   scan_ = {{ir_bits, RegisterBytes(ir, ir_bits), {}},
            {dr_bits, RegisterBytes(dr, dr_bits), {}},
@@ -147,7 +147,7 @@ int ObservedProbe::Execute(std::uint8_t* capture) {
   return result;
 }
 
-// Called before each scan. Before the first one, finds or confirms the TAP's place and reports it.
+// Before the first scan, finds or confirms the place of the TAP in the chain and reports it.
 void ObservedProbe::FindPlace() {
   if (found_place_ || pins_ == nullptr) return;
   if (measures_place_ || (confirms_chain_ && wire_mode_ == CDI_ANSWER_JTAG5)) ReadPlace();
@@ -155,7 +155,7 @@ void ObservedProbe::FindPlace() {
   if (place_.ir_lengths.size() > 1) events_.SetPlace(place_, measures_place_);
 }
 
-// Reading the chain resets the TAPs and loads BYPASS.
+// Reading the chain resets the TAPs, so an instruction that a GPIO script loaded would be lost.
 void ObservedProbe::ReadPlace() {
   if (scan_.ir.bits <= 0 && played_pins_) {
     throw Unsupported(
@@ -173,7 +173,7 @@ void ObservedProbe::ReadPlace() {
 void ObservedProbe::KeepCaptured(const std::uint8_t* capture) {
   const int extra = wire_mode_ == CDI_ANSWER_2WIRE ? 1 : 0;
   const int ir_bits = scan_.ir.bits - 8 * extra;
-  // A length above what two wires allow is limited to the size of the arrays.
+  // Over two wires, a scan may be longer than the array, so its length is limited here.
   const int dr_bits = std::min(scan_.dr.bits, 8 * static_cast<int>(JTAG_DR_MAX_BYTES)) - 8 * extra;
   if (probe_->CapturesIr() && ir_bits <= 8 * kDrCaptureByte) {
     scan_.ir.out = RegisterBytes(capture, ir_bits);

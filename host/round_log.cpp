@@ -9,15 +9,15 @@
 namespace icehost {
 namespace {
 
-// The most bytes of a round that are kept. Most rounds need a few kilobytes.
+// The maximum number of bytes kept for a round. Most rounds need only a few kilobytes.
 constexpr std::size_t kMostKeptBytes = 64U << 20U;
-// The most rounds that are passed on after the first one. More could fill a disk overnight.
+// The most rounds that the outputs receive after the first. More could fill a disk overnight.
 constexpr int kMostFailedRounds = 1000;
-// The approximate size of a step, and of any other event, including its place in the list.
+// The approximate memory, in bytes, for keeping a step and for keeping any other event.
 constexpr std::size_t kStepBytes = 96;
 constexpr std::size_t kEventBytes = 160;
 
-// A call with copies of everything that it points to outside the plan of its script.
+// A copy of a call and of the scan that it points to. Pointers into the script's plan stay valid.
 struct KeptCall {
   explicit KeptCall(const CallEvent& original) : call(original) {
     if (auto* const insert = std::get_if<InsertCall>(&call.call)) {
@@ -63,7 +63,7 @@ void RoundLog::BeginRound(long round) {
   round_ = round;
 }
 
-// Removes each event from the list before passing it on: a Rescue may continue with the rest.
+// Removes each event from the list before passing it on, so that a Rescue can pass on the rest.
 void RoundLog::PassOn(RunTime now) {
   if (!open_ && failed_rounds_ == kMostFailedRounds) return;
   const bool last = !open_ && ++failed_rounds_ == kMostFailedRounds;

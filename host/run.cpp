@@ -1,4 +1,3 @@
-// The run verb.
 #include <fmt/format.h>
 #include <unistd.h>
 
@@ -34,20 +33,20 @@ namespace {
 // Plays scripts one after the other. There is only one Runner at a time.
 class Runner {
  public:
-  // Loads the plug-in, and opens the outputs and the probe. Throws IoError if one cannot be opened,
-  // and BadUsage if an output is also another file of the run.
+  // Loads the plug-in and opens the outputs and the probe. Throws IoError if any of them cannot be
+  // opened, and BadUsage if an output is the same file as another file of the run.
   explicit Runner(const RunCommand& command);
   ~Runner();
   Runner(const Runner&) = delete;
   Runner& operator=(const Runner&) = delete;
 
-  // Plays the scripts, prints why the run failed if it did, and completes the outputs.
+  // Plays the scripts, prints the reason for any failure, and completes the outputs.
   ExitStatus PlayAll(std::vector<Script> scripts);
 
  private:
   ExitStatus PlayRounds();
   void BeginRound();
-  // Plays a round. A failed script ends it; with --keep-going, only if it did not run to its end.
+  // Plays a round. It ends at a script that fails or, with --keep-going, does not run to its end.
   ExitStatus PlayEach();
   ExitStatus PlayOne(Script& script);
   void EndScript(ExitStatus status);
@@ -58,30 +57,30 @@ class Runner {
   bool RunPlugin(const std::string& path);
   ExitStatus Judge(const Script& script, bool ran);
   ExitStatus LearnFrom(const Script& script);
-  // Returns why the learned script is not complete, or an empty text.
+  // Returns why the learned script could not be written completely, or an empty text.
   std::string WriteLearned();
   // Returns an empty text if the script did not fail.
   std::string WhyFailed(const Script& script) const;
   ExitStatus Complete(ExitStatus status);
   ExitStatus EndOutputs(ExitStatus status);
   void Conclude(const std::string& what, Severity severity);
-  // Reports why the run ends now, and ends the current script.
+  // Reports why the run stops early, and ends the current script.
   void BreakOff(const std::string& why);
   // Called instead of Complete if the main thread is stuck.
   void Abandon();
-  // Called when the process ends. Completes the run as failed if the plug-in is ending the process.
+  // Called when the process exits. If the plug-in caused the exit, completes the run as failed.
   static void OnExit();
   ExitStatus EndWithPlugin() noexcept;
 
   static int Show(const char* message);
   void BeginScript(Script& script);
 
-  static Runner* running;  // the callbacks get no handle
+  static Runner* running;  // for the callbacks, which receive no context
 
   const RunCommand& command_;
   Plugin plugin_;
   Outputs outputs_;
-  OutputFile* learned_;  // one of the files of outputs_, or null
+  OutputFile* learned_;  // owned by outputs_; null without --learn
   std::string learned_script_;
   Console console_;
   RunEvents events_;
@@ -90,8 +89,8 @@ class Runner {
   std::vector<Script> scripts_;
   RunTotals totals_;
   Script* in_plugin_ = nullptr;  // the script that the plug-in runs now
-  bool ran_ = false;             // the plug-in ran the current script to its end
-  Rescue rescue_;                // the last member, because it uses the others
+  bool ran_ = false;             // whether the plug-in ran the current script to its end
+  Rescue rescue_;                // must be the last member, because it uses the others
 };
 
 Follower::Mode ModeOf(const RunCommand& command) {
@@ -139,7 +138,7 @@ ExitStatus Runner::PlayAll(std::vector<Script> scripts) {
     status = kInterrupted;
     BreakOff(error.what());
   } catch (const IoError& error) {
-    // Standard output can also be lost while another error is reported.
+    // If standard output fails while an interrupt is being reported, the interrupt still counts.
     status = IsInterrupted() ? kInterrupted : kNotOpened;
     BreakOff(error.what());
   } catch (const std::bad_alloc&) {
@@ -238,10 +237,10 @@ void Runner::RequestReset(const Script& script) {
 }
 
 bool Runner::Play(Script& script) {
-  ThrowIfInterrupted();  // no other check ends an endless run without calls
+  ThrowIfInterrupted();  // the only check for signals if the plug-in makes no calls
   if (script.plan.resets_tap) RequestReset(script);
   const MemoryFile copy(script.text->Content());
-  // A long script is not kept in memory twice, unless its text is needed again.
+  // Frees the text, which may be long, unless it is needed again.
   if (command_.learn.empty() && !command_.Repeats()) script.text.reset();
   in_plugin_ = &script;
   const bool ran = RunPlugin(copy.Path());
@@ -284,7 +283,7 @@ std::string Runner::WhyFailed(const Script& script) const {
     return fmt::format("failed: {} of {} values {} not as expected", follower_.Unmet(),
                        follower_.Compared(), follower_.Unmet() == 1 ? "was" : "were");
   }
-  // Another plug-in may do less than the script says.
+  // A plug-in set with --plugin may skip parts of the script.
   if (command_.learn.empty() && follower_.Unread() > 0) {
     return fmt::format("failed: {} of {} expected values {} not read", follower_.Unread(),
                        script.plan.expectations.size(), follower_.Unread() == 1 ? "was" : "were");
@@ -314,7 +313,7 @@ ExitStatus Runner::Complete(ExitStatus status) {
   return EndOutputs(status);
 }
 
-// The exit status in the outputs also reflects whether they could be written.
+// The exit status in the outputs also reflects failures to write the outputs themselves.
 ExitStatus Runner::EndOutputs(ExitStatus status) {
   const std::vector<std::string> failures = outputs_.End(totals_.Head(status));
   for (const std::string& loss : outputs_.TakeLosses()) Conclude(loss, Severity::kWarning);
@@ -322,7 +321,7 @@ ExitStatus Runner::EndOutputs(ExitStatus status) {
   const auto with_loss = [](ExitStatus one) { return one == kAllWell ? StatusOfLoss() : one; };
   const bool lost = !failures.empty() || (status == kAllWell && !CompleteStandardStreams());
   if (lost) status = with_loss(status);
-  // If the run fails, the file keeps the script that an earlier run has learned.
+  // If the run fails, the file keeps the script that an earlier run learned.
   if (learned_ != nullptr && status == kAllWell) {
     if (const std::string why = WriteLearned(); !why.empty()) {
       Conclude(why, Severity::kError);

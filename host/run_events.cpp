@@ -87,7 +87,7 @@ void RunEvents::Abandon(const std::string& why) {
 void RunEvents::BeginCall(const char* function, const CallSource& source, bool begins_operation) {
   source_ = source;
   if (!listeners_.empty()) call_at_ = Now();
-  // Before anything is played, the user sees what the plug-in printed while it read the script.
+  // Text that the plug-in printed while parsing the script must appear before the first operation.
   if (std::exchange(parsing_, false)) PassCaptured();
   if (begins_operation) console_.CountOperation();
   outputs_.ThrowIfCut();

@@ -17,7 +17,7 @@
 namespace icehost {
 namespace {
 
-// Returns why a script with these problems is not played; empty if it is played.
+// Returns why a script with these problems is not played, or an empty text if it is played.
 std::string WhyNot(const Problems& problems, const RunCommand& command) {
   if (problems.HasErrors() && !command.force) {
     return "has errors, so no script is run (--force runs scripts with errors, too)";
@@ -96,7 +96,7 @@ void ReportUnplayed(const RunCommand& command, const std::vector<Script>& script
                [](const OutputRequest& one) { return one.kind->reports_unplayed; });
   if (requests.empty()) return;
   ProbeOptions probe = command.probe;
-  probe.spawn_log.clear();  // an unplayed run does not write it
+  probe.spawn_log.clear();  // a run that plays nothing does not write this log
   try {
     Outputs outputs(requests, &OutputKind::run, probe, FileUses(command.scripts, command.plugin));
     outputs.Begin();

@@ -19,7 +19,7 @@ namespace icehost {
 namespace {
 
 constexpr const char* kOutOfMemory = "out of memory";
-// How long the port may work after a signal. The rest of the first second is left for the files.
+// The time that the port gets after a signal, which leaves enough time to complete the files.
 constexpr std::chrono::milliseconds kLastBytes{400};
 
 std::unique_ptr<PinPort> OpenServed(const ProbeOptions& probe) {
@@ -44,7 +44,7 @@ class Serving : private Server::Observer {
   std::string Fault(const std::string& why) const;
   PinPort& Begin();
   std::size_t Steps() const { return recording_.has_value() ? recording_->Steps() : 0; }
-  // Reports the end and its reason, `error`, to the listeners. Sets `error` if memory runs out.
+  // Reports to the listeners that serving ended and why (`error`). Sets `error` if memory runs out.
   PageHead End(std::string& error);
   PageHead Head(const std::string& error) const;
   void EndClient();
@@ -60,13 +60,13 @@ class Serving : private Server::Observer {
   Outputs outputs_;
   TapDecoder decoder_;
   std::unique_ptr<PinPort> port_;
-  std::optional<RecordingPort> recording_;  // wraps port_ if there is an output
+  std::optional<RecordingPort> recording_;  // wraps port_ if there are outputs
   Listener listener_;
   std::unique_ptr<Session> session_;
   std::optional<Server> server_;
-  ServedClient client_;  // the current or last one
+  ServedClient client_;  // the current or most recent client
   bool has_client_ = false;
-  std::size_t scans_before_ = 0;  // before the client connected
+  std::size_t scans_before_ = 0;  // the number of scans before the client connected
   std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
 };
 
@@ -110,7 +110,7 @@ PinPort& Serving::Begin() {
   return recording_.emplace(*port_, recorders);
 }
 
-// Returns why serving ended; empty if a signal ended it and nothing was lost.
+// Returns why serving ended, or an empty text if a signal ended it and nothing was lost.
 std::string Serving::Serve() try {
   AllowAfterSignal(kLastBytes);
   PinPort& port = Begin();
@@ -128,8 +128,7 @@ std::string Serving::Serve() try {
   return kOutOfMemory;
 }
 
-// After a signal, only missing data is a fault: the signal may have ended the server of the port as
-// well.
+// A signal may also have ended the port's server, so after a signal, only lost data is a fault.
 std::string Serving::Fault(const std::string& why) const {
   if (!IsInterrupted()) return why;
   const std::size_t missing = recording_.has_value() ? recording_->Unrecorded() : 0;

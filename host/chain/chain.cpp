@@ -7,10 +7,10 @@
 namespace icehost {
 namespace {
 
-// The standard reserves this code, so that a marker after the chain cannot be an IDCODE.
+// No manufacturer has this code, so a marker that follows the IDCODEs cannot look like an IDCODE.
 constexpr unsigned kCodeOfNobody = 0x7F;
 
-// Returns why a register is not a valid IDCODE; empty if it may be one.
+// Returns why a value is not a valid IDCODE, or an empty text if it may be valid.
 std::string WhyNoIdcode(std::uint32_t idcode) {
   if ((idcode & 1) == 0) return "bit 0 of an IDCODE must be 1";
   if (ManufacturerOf(idcode).code == kCodeOfNobody) return "manufacturer code 0x7f is reserved";

@@ -11,34 +11,33 @@
 namespace icehost {
 namespace {
 
-// The reader shifts this in first and searches the output for it. A chain cannot answer with it,
-// because it begins like an IDCODE with the manufacturer that the standard forbids.
+// The reader shifts in this marker first and then searches the output for it. No TAP can produce
+// it, because its first bits are an IDCODE with a reserved manufacturer code.
 constexpr std::uint64_t kMarker = 0x9C3A'51E7'2B64'D0FF;
 constexpr std::size_t kMarkerBits = 64;
-// Tried first, because most chains are short and a simulator may need a millisecond for each bit.
+// The number of TAPs to try first. Most chains are short, and a simulator may need 1 ms per bit.
 constexpr int kFewTaps = 4;
-// The longest IR to search for, in bits: of a TAP alone, and of each TAP in a chain.
+// The maximum length of the IRs, in bits: in total, or for each TAP if that allows more.
 constexpr std::size_t kLongestIr = 256;
 constexpr std::size_t kLongestIrEach = 64;
-// The number of combinations of IR lengths that are reported if several fit.
+// The maximum number of combinations of IR lengths that a report shows.
 constexpr std::size_t kWaysShown = 4;
 
-// Returns repeated markers: if TDO stays at one level after them, its bits did not come from TDI.
+// Returns repeated markers. Their level keeps changing, so a constant TDO cannot be an echo of TDI.
 Bits Markers(std::size_t bits) {
   Bits markers = BitsOfNumber(kMarker, kMarkerBits);
   while (markers.size() < bits) markers.push_back(markers[markers.size() - kMarkerBits]);
   return markers;
 }
 
-// Returns the marker, followed by this many ones.
+// Returns the marker followed by this many ones.
 Bits MarkedBits(std::size_t ones) {
   Bits bits = BitsOfNumber(kMarker, kMarkerBits);
   bits.insert(bits.end(), ones, true);
   return bits;
 }
 
-// Returns the number of bits between TDI and TDO: the index in `out` where `in` begins. Returns
-// nothing if `out` does not contain the whole marker.
+// Returns how many bits `out` lags behind `in`, or nothing if the whole marker is not in `out`.
 std::optional<std::size_t> LengthBetween(const Bits& in, const Bits& out) {
   for (std::size_t at = 0; at + kMarkerBits <= out.size(); ++at) {
     const auto echo = out.begin() + static_cast<std::ptrdiff_t>(at);
@@ -47,22 +46,21 @@ std::optional<std::size_t> LengthBetween(const Bits& in, const Bits& out) {
   return std::nullopt;
 }
 
-// Returns the number of equal bits at the end.
+// Returns the number of equal bits at the end of `bits`.
 std::size_t TailOf(const Bits& bits) {
   const auto other = std::find(bits.rbegin(), bits.rend(), !bits.back());
   return static_cast<std::size_t>(other - bits.rbegin());
 }
 
-// Returns the lengths that the IRs of `taps` TAPs may have, the TAP nearest to TDO first.
-// `captured` is all their captured IRs, each of which begins with 1 and 0 by IEEE 1149.1. Returns
-// every possible combination, but at most `most`.
+// Returns up to `most` combinations of IR lengths that fit the `captured` bits of `taps` TAPs, the
+// TAP nearest to TDO first. In IEEE 1149.1, each captured IR begins with 1 and 0.
 std::vector<std::vector<int>> IrLengths(const Bits& captured, std::size_t taps, std::size_t most) {
   std::vector<int> beginnings;
   for (std::size_t i = 0; i + 1 < captured.size(); ++i) {
     if (captured[i] && !captured[i + 1]) beginnings.push_back(static_cast<int>(i));
   }
   if (taps == 0 || beginnings.size() < taps || beginnings.front() != 0) return {};
-  // Tries each choice of beginnings for the TAPs after the first one.
+  // Tries every choice of positions at which the IRs after the first IR may begin.
   Bits chosen(beginnings.size() - 1);
   std::fill_n(chosen.begin(), taps - 1, true);
   std::vector<std::vector<int>> ways;
@@ -94,7 +92,7 @@ class ChainReader {
  private:
   enum class From { kReset, kHere };
 
-  // Each returns whether the next one can be called.
+  // Each step returns whether the next step is possible.
   bool ReadIdcodes();
   bool ReadIrs();
   bool CountBypasses();
@@ -133,7 +131,7 @@ std::optional<Bits> ChainReader::ReadTwice(From from, TapState shift, const Bits
   return std::nullopt;
 }
 
-// After a reset, each TAP answers with its IDCODE, whose bit 0 is 1, or with a 0 from BYPASS.
+// After a reset, each TAP shifts out its IDCODE, which begins with a 1, or a single 0 from BYPASS.
 bool ChainReader::ReadIdcodes() {
   Bits out;
   for (const int taps : {kFewTaps, kMostTaps}) {
@@ -151,7 +149,7 @@ bool ChainReader::ReadIdcodes() {
   return false;
 }
 
-// Adds the TAPs whose answers begin before bit `begin_below`. An answer beyond `end` is a fault.
+// Adds the TAPs whose answers begin before bit `begin_below`. An answer must not extend past `end`.
 void ChainReader::TakeTaps(const Bits& out, std::size_t begin_below, std::size_t end) {
   for (std::size_t at = 0; at < begin_below && chain_.taps.size() < kMostTaps;) {
     ChainTap tap;
@@ -180,7 +178,7 @@ void ChainReader::ExplainEndless(const Bits& out) {
         "the chain is broken: after the bits of the TAPs that answer, TDO is all {} (TDI is not "
         "connected, or the chain is interrupted)",
         out.back() ? "ones" : "zeros"));
-    // The last IDCODE may end with bits of this value.
+    // The tail may begin inside the last IDCODE.
     TakeTaps(out, out.size() - tail, out.size());
   } else {
     Fail(
@@ -190,7 +188,7 @@ void ChainReader::ExplainEndless(const Bits& out) {
   }
 }
 
-// The ones after the marker stay in the IRs, which selects BYPASS in every TAP.
+// The ones that follow the marker remain in the IRs and select BYPASS in every TAP.
 bool ChainReader::ReadIrs() {
   const std::size_t most = std::max(kLongestIr, kLongestIrEach * chain_.taps.size());
   const Bits in = MarkedBits(most);

@@ -19,7 +19,7 @@ std::string DescribeIdcode(std::uint32_t idcode, std::string name) {
       idcode >> 12 & 0xFFFF, idcode >> 1 & 0x7FF, bank, code, name.empty() ? "" : ": ", name);
 }
 
-// Returns what was read from the TAP after a reset.
+// Describes the register that was read from the TAP after a reset.
 std::string AnswerOf(const ChainTap& tap) {
   if (!tap.answered) return "nothing was read";
   if (!tap.idcode.has_value()) return "no IDCODE";

@@ -11,7 +11,7 @@ namespace icehost {
 namespace {
 
 constexpr std::size_t kLongestScriptIr = std::size_t{8} * JTAG_IR_MAX_BYTES;
-// The top four bits, the version, may differ between chips of one design.
+// The top four bits are the version, which may differ between chips of one design.
 constexpr std::uint32_t kIdcodeWithoutVersion = 0x0FFFFFFF;
 
 constexpr char kJtagHead[] =
@@ -23,7 +23,7 @@ CDI=5
 # An IR of all ones selects BYPASS (IEEE 1149.1), in which each TAP delays the pattern by one bit.
 )";
 
-// Shifted through BYPASS: the bits are not all equal, and different in reverse order.
+// The pattern to shift through BYPASS. It contains both levels, and differs when reversed.
 constexpr std::uint64_t kPattern = 0x5AC3'0F71;
 constexpr int kPatternBits = 32;
 
@@ -31,7 +31,7 @@ std::string Field(const Bits& bits) {
   return fmt::format("{},{}", bits.size(), ByteList(bits));
 }
 
-// Returns `bits` with this many zeros before and after them.
+// Returns `bits` with `before` zeros before them and `after` zeros after them.
 Bits Between(std::size_t before, Bits bits, std::size_t after) {
   bits.insert(bits.begin(), before, false);
   bits.insert(bits.end(), after, false);
@@ -40,10 +40,10 @@ Bits Between(std::size_t before, Bits bits, std::size_t after) {
 
 struct Expected {
   Bits value;
-  Bits mask;  // empty: all bits count
+  Bits mask;  // empty if all bits are compared
 };
 
-// Returns the lines of a section below its header, each beginning with `comment`.
+// Returns the lines of a section after its header. Each line begins with `comment`.
 std::string Scan(const std::string& comment, const Bits& ir, const Bits& dr,
                  const Expected& expected) {
   std::string lines = fmt::format("{0}IR={1}\n{0}DR=R,{2}\n{0}TDO={3}\n", comment, Field(ir),
@@ -54,7 +54,7 @@ std::string Scan(const std::string& comment, const Bits& ir, const Bits& dr,
   return lines;
 }
 
-// A JTAG script for a chain, or for one TAP of it.
+// A JTAG script for a whole chain or for one of its TAPs.
 class Script {
  public:
   Script(const Chain& chain, std::optional<std::size_t> only) : chain_(chain), only_(only) {}
@@ -81,8 +81,8 @@ std::size_t Script::IrBits() const {
   return static_cast<std::size_t>(bits);
 }
 
-// Every TAP delays the bits, even if the scan does not address it. The probe decides what it shifts
-// into such TAPs, so the first bits out are unknown.
+// Every TAP delays the pattern by one bit, even if the scan addresses only one TAP. The probe
+// chooses the bits for the other TAPs, so the first bits out are unknown.
 std::string Script::BypassSection() const {
   const std::size_t taps = chain_.taps.size();
   const Bits pattern = BitsOfNumber(kPattern, kPatternBits);
@@ -91,7 +91,7 @@ std::string Script::BypassSection() const {
                              {Between(taps, pattern, 0), mask});
 }
 
-// Users only have to fill in the instruction: the other TAPs stay in BYPASS.
+// The other TAPs stay in BYPASS, so users only have to fill in the instruction.
 std::string Script::IdcodeSection(std::size_t i) const {
   std::size_t before = 0;
   std::size_t after = 0;
@@ -114,7 +114,7 @@ std::string Script::IdcodeSection(std::size_t i) const {
                      {place(idcode), place(kIdcodeWithoutVersion)});
 }
 
-// With these options, a script addresses one TAP as if it were alone.
+// Returns a comment on the options that let a script address one TAP as if it were alone.
 std::string Script::OptionsComment() const {
   std::vector<int> lengths;
   for (const ChainTap& tap : chain_.taps) lengths.push_back(*tap.ir_bits);
@@ -173,7 +173,7 @@ ENDR
 END
 )";
 
-// Returns lines that read one bit of TDO, and that expect `level` if it is given.
+// Returns lines that read one bit of TDO and, if `level` is given, expect this level.
 std::string ReadBit(const std::string& name, std::optional<bool> level) {
   const std::string read =
       level.has_value() ? fmt::format("PRINT=GPIO_IN               # expect TDO={:d}", *level)

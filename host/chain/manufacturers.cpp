@@ -3,7 +3,7 @@
 namespace icehost {
 namespace {
 
-// Manufacturers of chips that have a TAP, by bank and code of JEP106.
+// Manufacturers of chips with a TAP, by their bank and code in JEP106.
 constexpr struct {
   unsigned bank;
   unsigned code;

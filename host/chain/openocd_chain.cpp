@@ -12,7 +12,7 @@
 namespace icehost {
 namespace {
 
-// OpenOCD reports each TAP at debug level 2, and too much else at level 3.
+// OpenOCD reports each TAP at debug level 2, and too many other things at level 3.
 constexpr char kExamine[] =
     "set icehost_level [lindex [debug_level] end]; debug_level 2; "
     "set icehost_failed [catch {capture {jtag arp_init}} icehost_said]; "
@@ -29,11 +29,11 @@ struct Answer {
 
 // OpenOCD's messages while it examines a chain.
 struct Examination {
-  std::map<std::string, std::optional<Answer>> answers;  // by TAP name; nothing if it has no IDCODE
+  std::map<std::string, std::optional<Answer>> answers;  // by TAP name; no value means no IDCODE
   std::vector<std::string> complaints;
 };
 
-// Returns NAME from "... (mfg: 0x23b (NAME), part: ..."; empty if NAME is "<invalid>".
+// Returns NAME from "... (mfg: 0x23b (NAME), part: ...", or an empty text for "<invalid>".
 std::string ManufacturerIn(const std::string& line) {
   const std::size_t begin = line.find(" (", line.find("(mfg: 0x") + 1);
   const std::size_t end = line.find("), part: ");
@@ -42,7 +42,7 @@ std::string ManufacturerIn(const std::string& line) {
   return name.empty() || name.front() == '<' ? "" : name;
 }
 
-// Reads "JTAG tap: NAME tap/device found: 0x... (mfg: ..."; returns false for any other line.
+// Reads "JTAG tap: NAME tap/device found: 0x... (mfg: ...". Returns false for any other line.
 bool TakeFound(const std::string& line, const std::vector<std::string>& words,
                Examination& examination) {
   if (words.size() < 6 || words[0] != "JTAG" || words[3] != "tap/device") return false;
@@ -53,7 +53,7 @@ bool TakeFound(const std::string& line, const std::vector<std::string>& words,
   return true;
 }
 
-// Reads "TAP NAME does not have valid IDCODE (idcode=0x...)", which means BYPASS.
+// Reads "TAP NAME does not have valid IDCODE (idcode=0x...)", printed for a TAP in BYPASS.
 bool TakeWithout(const std::vector<std::string>& words, Examination& examination) {
   if (words.size() < 7 || words[0] != "TAP" || words[6] != "IDCODE") return false;
   examination.answers.emplace(words[1], std::nullopt);
@@ -90,7 +90,7 @@ ChainTap TapOf(const OpenocdTap& row, const Examination& examination) {
   return tap;
 }
 
-// Returns whether an IDCODE is expected. OpenOCD writes "0x*" if it ignores the version.
+// Returns whether an IDCODE is expected. OpenOCD writes "*" in place of a version that it ignores.
 bool IsExpected(std::uint32_t idcode, const std::vector<std::string>& expected) {
   const std::string read = fmt::format("0x{:08x}", idcode);
   return std::any_of(expected.begin(), expected.end(), [&read](const std::string& one) {
@@ -99,7 +99,7 @@ bool IsExpected(std::uint32_t idcode, const std::vector<std::string>& expected) 
   });
 }
 
-// Adds the faults of one TAP, also those that OpenOCD may accept.
+// Adds the faults of one TAP, including those that OpenOCD may accept.
 void JudgeTap(const ChainTap& tap, const std::vector<std::string>& expected,
               const std::string& title, std::vector<std::string>& faults) {
   if (*tap.ir_bits < kLeastIrBits) faults.push_back(title + ": an IR must have at least 2 bits");

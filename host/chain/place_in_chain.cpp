@@ -13,7 +13,7 @@ void RefuseUnsound(const Chain& chain) {
   if (!chain.faults.empty()) throw Unsupported(chain.faults.front());
 }
 
-// Returns whether each captured IR has the 01 of IEEE 1149.1 in its lowest bits.
+// Returns whether the lowest bits of each captured IR are 01, as IEEE 1149.1 requires.
 bool BeginsEach(const Bits& captured, const std::vector<int>& lengths) {
   std::size_t at = 0;
   for (const int length : lengths) {

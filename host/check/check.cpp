@@ -12,7 +12,7 @@
 namespace icehost {
 namespace {
 
-// Reports text after a NUL, at which the plug-in's readers end the line.
+// Reports text after a NUL byte, which ends the line for the plug-in.
 void ReportCutLines(const ScriptText& script, Problems& problems) {
   if (script.Content().find('\0') == std::string::npos) return;
   for (const ScriptLine line : script) {
@@ -25,13 +25,12 @@ void ReportCutLines(const ScriptText& script, Problems& problems) {
   }
 }
 
-// A script without text counts, because the plug-in's GPIO reader is the one that refuses it.
+// A script without text counts as a GPIO script, because the plug-in's GPIO reader refuses it.
 bool IsGpioScript(const ScriptText& script) {
   return !script.HasText() || icescript::IsSectionTag((*script.WithText(script.begin())).text);
 }
 
-// Returns the letters of a line in upper case: they stay the same if a bracket is lost, or if there
-// is a blank or a byte-order mark.
+// Returns only the letters and underscores of a text, in upper case.
 std::string Letters(std::string_view text) {
   std::string letters;
   for (const char ch : text) {
@@ -41,7 +40,7 @@ std::string Letters(std::string_view text) {
   return letters;
 }
 
-// Returns why a line with the letters of the tag, or similar ones, is not the tag.
+// Explains why a line that resembles the tag is not the tag. Returns an empty text if unknown.
 std::string WhyNotTag(std::string_view text, const std::string& tag) {
   if (const auto slip = SlipIn(text); !slip.empty()) return std::string(slip);
   if (text.front() != '[' || text.find(']') == std::string_view::npos) {
@@ -58,7 +57,7 @@ void WarnOfNearTag(const ScriptText& script, Problems& problems) {
   const ScriptLine first = *script.WithText(script.begin());
   const std::string_view name =
       first.text.substr(0, std::min(FindForeignComment(first.text), first.text.find(']')));
-  // Even a tag with many additional brackets and blanks is shorter.
+  // Even a tag with many extra brackets and blanks is shorter than this.
   if (name.size() > 40) return;
   const std::string tag = Nearest(Letters(name), {"ORVEX_ICE_GPIO", "ZEVA_ICE_GPIO"});
   if (tag.empty()) return;
@@ -67,7 +66,7 @@ void WarnOfNearTag(const ScriptText& script, Problems& problems) {
                             InParentheses(WhyNotTag(first.text, tag))));
 }
 
-// If a script with errors is a file that run does not play, reports only what kind of file it is.
+// If a script with errors is actually a file of another kind, reports only which kind it is.
 void ReportWrongKind(const ScriptText& script, Problems& problems) {
   if (!problems.HasErrors()) return;
   const auto wrong = FindWrongKind(script.Content(), FileUse::kScript);

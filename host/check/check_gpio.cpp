@@ -1,4 +1,3 @@
-// Checks GPIO scripts.
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -23,15 +22,14 @@ namespace {
 using icescript::GpioLineParser;
 using Element = icescript::CIniFile::gpio_element;
 
-// Finds levels that have no effect, and levels on TDO, which the target should drive. Reads the
-// lines of a script one by one.
+// Finds levels that have no effect, and levels on TDO, which the target should drive.
 class GpioPins {
  public:
   explicit GpioPins(Problems& problems) : problems_(problems) {}
 
-  // `named` are the pins that the line sets by name (GPIO_PIN_ bits).
+  // Reads one line. `named` contains the pins that the line sets by name, as GPIO_PIN_ bits.
   void Take(GpioLine& line, const Element& element, int named) {
-    if (element.out_value < 0 || element.oe_mask < 0) return;  // CheckWords reports these
+    if (element.out_value < 0 || element.oe_mask < 0) return;  // CheckWords reports negative values
     if ((element.flags & GPIO_FLAG_WRITE_OE) != 0) Enable(line, element.oe_mask);
     const int changed = (element.out_value ^ levels_) & GPIO_PIN_ALL;
     levels_ = element.out_value;
@@ -41,8 +39,8 @@ class GpioPins {
     }
   }
 
-  // Ends the block that began at line `rept`. If the block runs again, an enable early in it lets
-  // levels that were set late in it reach the pin.
+  // Ends the block that began at line `rept`. Levels set late in a block may reach their pins when
+  // the block repeats and enables these pins.
   void CloseBlock(int rept) {
     int enabled = 0;
     for (unsigned pin = 0; pin < kPinKeys; ++pin) {
@@ -54,7 +52,7 @@ class GpioPins {
     idle_.erase(std::remove_if(idle_.begin(), idle_.end(), reaches), idle_.end());
   }
 
-  // Reports the levels that reach no pin up to the end of the script.
+  // Reports the levels that have not reached a pin by the end of the script.
   void Finish() {
     for (const Idle& idle : idle_) {
       problems_.Warn(
@@ -66,7 +64,7 @@ class GpioPins {
   }
 
  private:
-  // Levels that reach no pin, unless a later line enables one of these pins.
+  // Levels that have not reached their pins so far. A later line may still enable one of the pins.
   struct Idle {
     Place place;
     int pins;
@@ -82,8 +80,8 @@ class GpioPins {
     idle_.erase(std::remove_if(idle_.begin(), idle_.end(), reaches), idle_.end());
   }
 
-  // A word sets all pins, even if its author means only some. The levels that it raises are idle
-  // only if none of the levels that it changes reaches a pin.
+  // GPIO_OUT sets all pins, although its author may mean only some of them. The levels that it
+  // raises count as idle only if it changes no enabled pin.
   void SetIdle(GpioLine& line, int named, int changed) {
     int known = 0;
     for (const Idle& idle : idle_) known |= idle.pins;
@@ -97,8 +95,8 @@ class GpioPins {
     }
   }
 
-  // Reports TDO once for as long as it is driven. Every script begins with TDO driven, which is
-  // harmless for most of them.
+  // Warns only once while TDO is driven. The initial state, in which every script drives TDO,
+  // causes no warning, because it is harmless in most scripts.
   void CheckTdo(GpioLine& line, int flags, int named, int changed) {
     const bool by_name = (named & GPIO_PIN_TDO) != 0;
     tdo_reported_ = true;
@@ -121,13 +119,13 @@ class GpioPins {
   Problems& problems_;
   int levels_ = 0;
   int enables_ = GPIO_PIN_ALL;       // the pins that are enabled now
-  bool tdo_reported_ = false;        // since TDO has been driven
+  bool tdo_reported_ = false;        // whether TDO was reported since it was last enabled
   std::array<int, 6> enabled_at_{};  // the last line that enables each pin
   std::vector<Idle> idle_;
 };
 
-// Reads START and the lines after it one by one, as the plug-in's parser does. Reports a refused
-// line, and checks the lines after it as if that line were not there.
+// Reads START and the lines after it in order, as the plug-in's parser does. Reports each line that
+// the parser refuses, and then ignores it.
 class GpioLines {
  public:
   explicit GpioLines(CheckResult& result)
@@ -135,7 +133,7 @@ class GpioLines {
 
   void TakeStart(const ScriptLine& line) { AddOperation(line); }
   void Take(const ScriptLine& line);
-  // Ends the script. If `cut`, the plug-in stops reading here, and missing lines are not a fault.
+  // Ends the script. If `cut`, the plug-in reads no further, so missing lines are not a fault.
   void Finish(bool cut);
 
   bool Ended() const { return (state_.flags & GPIO_FLAG_END) != 0; }
@@ -145,7 +143,7 @@ class GpioLines {
   struct Block {
     Place rept;
     int times;
-    long operations = 0;  // of one run of the block so far
+    long operations = 0;  // the number so far in one pass through the block
   };
 
   void Refuse(GpioLine& line, std::string_view item);
@@ -194,7 +192,7 @@ void GpioLines::Refuse(GpioLine& line, std::string_view item) {
   refused_block_ = refused_block_ || line.NamesBlock();
 }
 
-// Reports a word on the line that sets it, because the lines after it keep its value.
+// Reports a wrong GPIO_OUT or GPIO_OE only on the line that sets it, since later lines keep it.
 void GpioLines::CheckWords(GpioLine& line, const Element& element) {
   const auto rises = [](int word, int before) {
     return word > GPIO_PIN_ALL && (word & ~GPIO_PIN_ALL) != (before & ~GPIO_PIN_ALL);
@@ -267,12 +265,12 @@ void GpioLines::Finish(bool cut) {
     block_problems_.Error(block.rept,
                           "syntax error: rept & endr not match. (this REPT has no ENDR)");
   }
-  // If a REPT or ENDR was refused, its partner has no match. That is not a second fault.
+  // If a REPT or ENDR was refused, its partner has no match, which is not a second fault.
   if (!refused_block_) problems_.Add(std::move(block_problems_));
   if (!cut) pins_.Finish();
 }
 
-// Returns whether the line below the section tag is START; if not, reports it.
+// Returns whether the line below the section tag is START. Reports any other line.
 bool CheckStart(const ScriptLine& line, Problems& problems) {
   if (icescript::EqualsUpper(line.text, "START")) return true;
   const std::string_view slip = SlipIn(line.text);
@@ -284,7 +282,7 @@ bool CheckStart(const ScriptLine& line, Problems& problems) {
   return false;
 }
 
-// Reports expectations up to START, after END, and on lines with only a comment.
+// Reports expectations on lines up to START, on lines after END, and on lines with only a comment.
 void ReportLoneExpectations(const ScriptText& script, int start, int last, Problems& problems) {
   if (!MentionsExpectation(script.Content())) return;
   for (const ScriptLine line : script) {
@@ -293,7 +291,7 @@ void ReportLoneExpectations(const ScriptText& script, int start, int last, Probl
   }
 }
 
-// Reports that END is missing; `last` is the place of the last line with text.
+// Reports that END is missing. `last` is the place of the last line with text.
 void ReportNoEnd(const ScriptText& script, Place last, const GpioLines& lines, Problems& problems) {
   constexpr const char* kNoEnd = "Syntax error, no end found";
   if (const auto cut = script.CutAt()) {
@@ -309,9 +307,9 @@ void ReportNoEnd(const ScriptText& script, Place last, const GpioLines& lines, P
 void CheckGpio(const ScriptText& script, CheckResult& result) {
   Problems& problems = result.problems;
   GpioLines lines(result);
-  Place last{1, 1};  // of the last line with text
+  Place last{1, 1};  // the last line with text
   auto at = script.WithText(script.begin());
-  if (at != script.end()) {  // the section tag
+  if (at != script.end()) {  // skips the section tag
     last = (*at).Start();
     at = script.WithText(++at);
   }

@@ -1,4 +1,3 @@
-// Checks JTAG scripts.
 #include <fmt/format.h>
 
 #include <memory>
@@ -30,7 +29,7 @@ class JtagOperations {
       : script_(script), problems_(result.problems), plan_(result.plan) {}
 
   void Take(const IniSection& section) {
-    // Each section has its own store: a lookup in a common one would walk through all sections.
+    // Each section gets its own store, because a shared store would make each lookup slower.
     CIniFile ini;
     Fill(ini, section);
     if (section.name == "CONTROL") {
@@ -52,7 +51,7 @@ class JtagOperations {
   }
 
   void TakeControl(CIniFile& ini, const IniSection& section) {
-    JtagScr scr(nullptr, nullptr);  // reads no file, so it prints nothing
+    JtagScr scr(nullptr, nullptr);  // reads no file and prints nothing
     const std::unique_ptr<icescript::JtagOperatorData> record(scr.ParsingControl(ini, 0));
     const bool reset = record != nullptr && record->operatorType == icescript::JTAG_OP_RESET;
     if (record == nullptr) {
@@ -125,7 +124,7 @@ class JtagOperations {
     return section.name.empty() ? "the unnamed section" : fmt::format("section {}", section.name);
   }
 
-  // Reports that IR or DR is missing in a section, or empty.
+  // Reports that IR or DR is missing or empty in a section.
   void ReportMissing(const IniSection& section, std::size_t key, const std::string& message) {
     const std::string reason =
         fmt::format("{} has no {}: the plug-in skips it and all sections after it", NameOf(section),
@@ -139,8 +138,8 @@ class JtagOperations {
   Problems& problems_;
   Plan& plan_;
   bool two_wires_ = false;  // the script has selected two wires
-  bool stopped_ = false;    // the plug-in runs no later sections
-  std::string message_;     // of the last failed lookup; the plug-in has one store for all sections
+  bool stopped_ = false;    // the plug-in runs no more sections
+  std::string message_;     // the message of the last failed lookup, in any section
 };
 
 }  // namespace

@@ -19,8 +19,8 @@ struct FileKind {
   const char* name;
   const char* advice;
   FileUse use;
-  Words comments;  // the signs that begin a comment; a line feed ends it
-  // Returns whether a text, without blanks and comments before it, is of this kind.
+  Words comments;  // the texts that begin a comment, which ends at a line feed
+  // Returns whether a text is of this kind. Blanks and comments before it have been removed.
   bool (*is)(std::string_view text);
 };
 
@@ -28,8 +28,7 @@ ScriptLine FirstLine(std::string_view text) {
   return {1, text.substr(0, text.find('\n'))};
 }
 
-// Returns whether a text begins with one of the words, in upper or lower case, and then a character
-// of `after`.
+// Returns whether a text begins with one of the words and a character of `after`, ignoring case.
 bool BeginsWith(std::string_view text, const Words& upper_words, std::string_view after) {
   return std::any_of(upper_words.begin(), upper_words.end(), [=](std::string_view word) {
     return icescript::EqualsUpper(text.substr(0, word.size()), word) && text.size() > word.size() &&
@@ -45,7 +44,7 @@ bool IsJtagScriptText(std::string_view text) {
   return FirstLine(text).IsHeader() && !IsGpioScriptText(text);
 }
 
-// A first line with "=" belongs to a JTAG script.
+// A first line that contains "=" must come from a JTAG script.
 bool IsSvf(std::string_view text) {
   return BeginsWith(text,
                     {"ENDDR", "ENDIR", "FREQUENCY", "HDR", "HIR", "PIO", "PIOMAP", "RUNTEST", "SDR",
@@ -98,7 +97,7 @@ const std::vector<FileKind>& FileKinds() {
   return kinds;
 }
 
-// Returns the text from its first word on, after blanks and comments.
+// Returns the text after the blanks and comments at its beginning.
 std::string_view SkipComments(std::string_view text, const Words& comments) {
   for (;;) {
     text.remove_prefix(std::min(text.find_first_not_of(kWhitespace), text.size()));
@@ -110,7 +109,7 @@ std::string_view SkipComments(std::string_view text, const Words& comments) {
   }
 }
 
-// Returns the place that follows this text.
+// Returns the place directly after a text that begins at line 1, column 1.
 Place PlaceAfter(std::string_view text) {
   const auto lines = std::count(text.begin(), text.end(), '\n');
   const std::size_t line = text.rfind('\n') + 1;  // 0 if there is no line feed

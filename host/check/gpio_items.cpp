@@ -23,9 +23,9 @@ constexpr std::string_view kItemKeys[] = {"NRST",     "TRST",    "TCK",   "TMS",
 constexpr const char* kEmptyValue =
     "the value is empty: the plug-in reuses the last number it read";
 
-// ---- Values that are legal, but rarely meant
+// ---- Values that are legal but rarely intended
 
-// Returns whether the reader converts the whole text: decimal, or hexadecimal after "0x".
+// Returns whether the whole text is a number in this base. A text in base 16 begins with "0x".
 bool IsNumber(std::string_view text, int base) {
   text = text.substr(0, text.find_last_not_of(" \t") + 1);
   if (base == 16) {
@@ -37,7 +37,7 @@ bool IsNumber(std::string_view text, int base) {
   return IsDigits(text, base);
 }
 
-// Returns a hint at the number that a wrong value was probably meant to be.
+// Returns a hint about the number that a wrong value was probably meant to be.
 std::string NumberMeant(const NamedItem& item) {
   if (const auto slip = SlipIn(item.value); !slip.empty()) return std::string(slip);
   if (item.IsPin()) return fmt::format("{} must be 0 or 1", item.key);
@@ -64,7 +64,7 @@ void CheckValue(const ScriptLine& line, const NamedItem& item, Problems& problem
   }
 }
 
-// Reports an item that replaces earlier items of the line, which have set the keys `set`.
+// Reports an item that replaces earlier items of the line. `set` has a bit for each key set so far.
 void CheckAgain(const ScriptLine& line, const NamedItem& item, unsigned set, Problems& problems) {
   if (item.which > kOe || set == 0) return;
   if ((set >> item.which & 1U) != 0) {
@@ -78,7 +78,7 @@ void CheckAgain(const ScriptLine& line, const NamedItem& item, unsigned set, Pro
 
 // ---- Items that the plug-in refuses
 
-// Returns the item that an unknown one was probably meant to be.
+// Returns the item that an unknown item was probably meant to be.
 std::string ItemMeant(const NamedItem& item) {
   if (!item.has_equals) {
     const Words with_value(kItemKeys, kItemKeys + kEndr);

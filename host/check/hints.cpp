@@ -14,10 +14,10 @@
 namespace icehost {
 namespace {
 
-// Longer words never count as similar.
+// Words longer than this never count as similar.
 constexpr std::size_t kLongest = 32;
 
-// Maps letters that look alike to the same letter.
+// Maps characters that look alike, such as 0 and O, to the same letter.
 char Shape(char ch) {
   switch (const char upper = icescript::UpperCase(ch)) {
     case '0':
@@ -30,7 +30,7 @@ char Shape(char ch) {
   }
 }
 
-// Returns how many slips turn one word into the other. Neither may be longer than kLongest.
+// Returns how many typing mistakes separate two words of at most kLongest bytes each.
 std::size_t Slips(std::string_view a, std::string_view b) {
   std::array<std::array<std::size_t, kLongest + 1>, 3> rows{};
   for (std::size_t j = 0; j <= b.size(); ++j) rows[0][j] = j;
@@ -50,7 +50,7 @@ std::size_t Slips(std::string_view a, std::string_view b) {
   return rows[a.size() % 3][b.size()];
 }
 
-// Returns how many slips are allowed in a word of this size.
+// Returns how many typing mistakes are allowed in a word of this size.
 std::size_t Forgiven(std::size_t size) {
   return size < 6 ? 1 : 2;
 }
@@ -125,7 +125,7 @@ bool IsDigits(std::string_view text, int base) {
 }
 
 std::string CutNumber(std::string_view text, int base) {
-  if (text.size() < 8) return {};  // the usual case
+  if (text.size() < 8) return {};  // short enough to fit in an int
   std::string_view digits = text.substr(std::min(text.find_first_not_of(" \t"), text.size()));
   if (digits.substr(0, 1) == "+") digits.remove_prefix(1);
   if (base == 16 && digits.substr(0, 2) == "0x") digits.remove_prefix(2);

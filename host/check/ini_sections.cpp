@@ -24,7 +24,7 @@ bool Holds(const IniKeys& keys, std::string_view name) {
   return std::find(keys.begin(), keys.end(), name) != keys.end();
 }
 
-// Returns a hint at the key that an unknown one, without its blanks, was probably meant to be.
+// Returns a hint about the key that was probably meant. `name` is an unknown key without blanks.
 std::string KeyMeant(std::string_view name, const IniKeys& keys) {
   if (const auto slip = SlipIn(name); !slip.empty()) return std::string(slip);
   if (!name.empty() && name.front() == '[') return "a section header must end with ]";
@@ -41,8 +41,7 @@ std::string Core(std::string_view text) {
   return core;
 }
 
-// Returns the key of an expectation that an unknown name was probably meant to be, or an empty
-// text. Only icehost knows these keys.
+// Returns the key of an expectation that `name` was probably meant to be, or an empty text.
 std::string ExpectationKeyMeant(std::string_view name) {
   const IniKeys& all = KeysOf("");
   std::string core = Core(name);
@@ -50,7 +49,6 @@ std::string ExpectationKeyMeant(std::string_view name) {
   return Nearest(core, IniKeys(all.begin() + kKeysRead, all.end()));
 }
 
-// Returns the text without spaces and tabs, as its author probably meant it.
 std::string WithoutBlanks(std::string_view text) {
   std::string bare(text);
   bare.erase(
@@ -59,7 +57,7 @@ std::string WithoutBlanks(std::string_view text) {
   return bare;
 }
 
-// Explains why a line is neither a header nor a value; `keys` are those of its section.
+// Explains why a line is neither a header nor a value. `keys` are the keys of its section.
 std::string WhyNotIniLine(std::string_view text, const IniKeys& keys) {
   if (const auto slip = SlipIn(text); !slip.empty()) return std::string(slip);
   if (EqualsUpper(text, "START") || EqualsUpper(text, "END")) {
@@ -75,7 +73,7 @@ std::string WhyNotIniLine(std::string_view text, const IniKeys& keys) {
                        : DidYouMean(meant);
 }
 
-// Reports a key that has no meaning in a section with these keys.
+// Reports a key, `name`, that is not among the `keys` of its section.
 void WarnOfKey(const ScriptLine& line, const IniKeys& keys, std::string_view name,
                Problems& problems) {
   const std::string bare = WithoutBlanks(name);
@@ -97,7 +95,7 @@ void WarnOfKey(const ScriptLine& line, const IniKeys& keys, std::string_view nam
   }
 }
 
-// Warns of a GPIO script's tag as the header of a section: it counts only on the first line.
+// Warns if a section header is the tag of a GPIO script, which counts only on the first line.
 void WarnOfLateTag(const ScriptLine& header, std::string_view name, Problems& problems) {
   if (!icescript::IsSectionTag(fmt::format("[{}]", name))) return;
   problems.Warn(header.Start(),
@@ -116,7 +114,6 @@ class SectionFinder {
  public:
   explicit SectionFinder(Problems& problems) : problems_(problems) {}
 
-  // Reads a line with text.
   void Take(const ScriptLine& line) {
     WarnOfTab(line, problems_);
     const std::size_t equals = line.text.find('=');
@@ -131,7 +128,7 @@ class SectionFinder {
     }
   }
 
-  // Returns the sections; `cut` means that a line of the script is too long.
+  // Returns the sections. `cut` means that the script has a line that is too long.
   std::vector<IniSection> Finish(bool cut) {
     if (cut) CutLast();
     for (const auto& [name, named] : named_) {
@@ -144,7 +141,7 @@ class SectionFinder {
 
  private:
   struct Named {
-    int section = -1;  // its index in sections_, once it has a value
+    int section = -1;  // the index in sections_, once the section has a value
     std::optional<Place> header;
   };
 
@@ -207,7 +204,7 @@ class SectionFinder {
   Problems& problems_;
   std::vector<IniSection> sections_;
   std::unordered_map<std::string_view, Named> named_;
-  std::set<std::pair<int, std::string_view>> other_keys_;  // with the index of the section
+  std::set<std::pair<int, std::string_view>> other_keys_;  // each with the index of its section
   std::string_view name_;
   std::optional<Place> header_;
 };

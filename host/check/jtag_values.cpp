@@ -19,12 +19,12 @@ using icescript::CString;
 
 // ---- The fields of a value
 
-// Returns a field without the spaces at its ends. Tabs are text.
+// Returns a field without spaces at its ends. Tabs count as text.
 std::string_view TrimSpaces(std::string_view field) {
   return icescript::TrimRight(icescript::TrimLeft(field, ' '), ' ');
 }
 
-// One value, split as the parser does it. `line` must outlive the fields.
+// A value, split into fields in the same way as by the parser. `line` must outlive the object.
 struct Fields {
   explicit Fields(const ScriptLine& at) : line(at), value(ValueOf(at)) {
     if (value.find(',') == std::string_view::npos) return;
@@ -33,7 +33,6 @@ struct Fields {
     }
   }
 
-  // Returns the place of field `i`.
   Place Of(std::size_t i) const {
     const std::size_t blanks = text[i].find_first_not_of(' ');
     return line.Of(text[i].substr(blanks != std::string_view::npos ? blanks : 0));
@@ -67,8 +66,7 @@ std::size_t BytesOf(int bits) {
 
 // ---- IR and DR
 
-// Returns a hint at the bytes that a wrong one was probably meant to be: those of a longer number,
-// the least significant first.
+// Returns a hint about a wrong byte. Splits a long number into bytes, least significant byte first.
 std::string BytesMeant(std::string_view text) {
   if (const auto slip = SlipIn(text); !slip.empty()) return std::string(slip);
   std::string_view digits = HexDigits(text);
@@ -83,7 +81,7 @@ std::string BytesMeant(std::string_view text) {
   return DidYouMean(bytes);
 }
 
-// Checks the length in field `length_at`, read as `bits`. Returns false if it shifts nothing.
+// Checks the length in field `length_at`, which is read as `bits`. Returns whether it is positive.
 bool CheckLength(const Fields& fields, std::size_t length_at, int bits, Problems& problems) {
   const std::string_view text = TrimSpaces(fields.text[length_at]);
   if (bits < 0 && text == fmt::to_string(bits)) {
@@ -98,7 +96,7 @@ bool CheckLength(const Fields& fields, std::size_t length_at, int bits, Problems
   return bits > 0;
 }
 
-// Checks the bytes from field `first` on against a length of `bits`.
+// Checks the bytes in field `first` and later fields against a length of `bits`.
 void CheckBytes(const Fields& fields, std::size_t first, int bits, Problems& problems) {
   const std::size_t listed = fields.text.size() - first;
   const std::size_t held = BytesOf(bits);
@@ -137,14 +135,13 @@ void CheckFlag(const Fields& dr, Problems& problems) {
   }
 }
 
-// Returns whether the parser refuses a register of this length, or with this many bytes.
+// Returns whether the parser refuses a register because of its length or its number of bytes.
 bool IsTooLong(const Fields& fields, std::size_t length_at) {
   const int bits = icescript::ParseNumber(TrimSpaces(fields.text[length_at]), 10);
   const std::size_t listed = fields.text.size() - length_at - 1;
   return bits > 8 * JTAG_DR_MAX_BYTES || (bits > JTAG_DR_MAX_BYTES && listed > JTAG_DR_MAX_BYTES);
 }
 
-// Reports why the parser refuses a value.
 void ExplainRefusal(const Fields& fields, std::size_t length_at, const char* form,
                     Problems& problems) {
   const Place place = fields.line.Of(fields.value);
@@ -157,8 +154,7 @@ void ExplainRefusal(const Fields& fields, std::size_t length_at, const char* for
 
 // ---- Expectations
 
-// Returns the bytes of a value, as many as `bits` bits need. If the value is anything else, reports
-// it and returns nothing.
+// Reads exactly the bytes that `bits` bits need. Reports any other value and returns nothing.
 std::optional<std::string> ReadBytes(const ScriptLine& line, int bits, Problems& problems) {
   const std::size_t held = BytesOf(bits);
   std::string bytes;
@@ -180,14 +176,13 @@ std::optional<std::string> ReadBytes(const ScriptLine& line, int bits, Problems&
   return std::nullopt;
 }
 
-// Returns a mask of all bits of a register.
 std::string WholeMask(int bits) {
   std::string mask(BytesOf(bits), '\xFF');
   if (bits % 8 != 0) mask.back() = static_cast<char>((1 << bits % 8) - 1);
   return mask;
 }
 
-// Returns whether a register of `bits` bits can be compared; if not, reports it.
+// Returns whether a register of `bits` bits can be compared. If not, reports why.
 bool CanCompare(const ScriptLine& line, ScanKey value_key, int bits, Problems& problems) {
   if (bits <= 0) {
     problems.Error(line.Start(), "no bits are shifted, so there is no value to compare");
@@ -208,7 +203,7 @@ std::optional<std::string> ReadValue(const ScriptLine& line, int bits, Problems&
   return std::nullopt;
 }
 
-// Bits of the mask beyond the register are removed.
+// Clears the bits of the mask that are beyond the end of the register.
 std::optional<std::string> ReadMask(const ScriptLine& line, int bits, Problems& problems) {
   std::optional<std::string> mask = ReadBytes(line, bits, problems);
   if (!mask.has_value()) return std::nullopt;
@@ -220,7 +215,6 @@ std::optional<std::string> ReadMask(const ScriptLine& line, int bits, Problems& 
 
 // ---- CONTROL
 
-// Returns a number without its leading zeros.
 std::string_view WithoutZeros(std::string_view number) {
   return number.substr(std::min(number.find_first_not_of('0'), number.size()));
 }
@@ -255,7 +249,7 @@ std::unique_ptr<icescript::JtagOperatorData> CheckScan(const IniSection& section
                                                        Problems& problems) {
   const Fields ir_fields(ir);
   const Fields dr_fields(dr);
-  icescript::JtagScr scr(nullptr, nullptr);  // reads no file, so it prints nothing
+  icescript::JtagScr scr(nullptr, nullptr);  // reads no file and prints nothing
   std::unique_ptr<icescript::JtagOperatorData> record(
       scr.ParseJtagOperatorData(CString(ir_fields.value), CString(dr_fields.value)));
   if (record == nullptr) {

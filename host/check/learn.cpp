@@ -23,7 +23,7 @@ namespace {
 using Of = Expectation::Of;
 using Texts = std::vector<std::string_view>;
 
-// In a comment, digits without "0x" are a register's value only if there are this many.
+// A number without "0x" in a comment counts only if it has at least this many digits.
 constexpr std::size_t kFewestBareDigits = 4;
 
 Texts SplitAtCommas(std::string_view text) {
@@ -37,8 +37,7 @@ std::string_view WithoutPrefix(std::string_view number) {
   return number.substr(prefixed ? 2 : 0);
 }
 
-// How an author writes hexadecimal numbers: the prefix, "0x" or nothing; the least number of
-// digits; the case of the letters.
+// The style of an author's hexadecimal numbers. `prefix` may be empty, and `digits` is a minimum.
 struct NumberForm {
   std::string prefix = "0x";
   std::size_t digits = 2;
@@ -50,8 +49,8 @@ struct NumberForm {
   }
 };
 
-// Returns the form of these numbers, which may have blanks around them. If some have a prefix,
-// those without one do not count: most of them are zeros.
+// Returns the form of these numbers. If any number has a prefix, ignores the numbers without a
+// prefix, most of which are zeros.
 NumberForm FormOf(const Texts& numbers) {
   NumberForm form;
   std::size_t digits = 0;
@@ -71,7 +70,7 @@ NumberForm FormOf(const Texts& numbers) {
   return form;
 }
 
-// Returns the bytes as a list in this form, with as many blanks after commas as `fields` have.
+// Returns a list of the bytes in this form, with the same blanks after commas as `fields`.
 std::string ListOf(std::string_view bytes, NumberForm form, const Texts& fields) {
   // A byte of IR or DR may have more than two digits, but a byte of an expectation may not.
   form.digits = std::min<std::size_t>(form.digits, 2);
@@ -85,7 +84,7 @@ std::string ListOf(std::string_view bytes, NumberForm form, const Texts& fields)
   return list;
 }
 
-// Returns "NAME=LEVEL, ..." with the levels in `value`, and without pins that do not count.
+// Returns "NAME=LEVEL,..." with the levels from `value`, but only for the pins in `counted`.
 std::string WithLevels(std::string_view text, int value, int counted) {
   std::string levels;
   for (const std::string_view field : SplitAtCommas(text)) {
@@ -99,13 +98,13 @@ std::string WithLevels(std::string_view text, int value, int counted) {
   return levels;
 }
 
-// Returns a word of levels in the form of `text`.
+// Returns `word` as a number in the form of `text`, which is decimal or hexadecimal.
 std::string WordLike(std::string_view text, int word) {
   if (WithoutPrefix(text).size() == text.size()) return fmt::format("{}", word);
   return FormOf({text}).Text(static_cast<unsigned>(word));
 }
 
-// Returns "VALUE" or "VALUE/MASK" in the form of `text`, with these levels and this mask.
+// Returns "VALUE" or "VALUE/MASK" in the form of `text`. `counted` is the mask.
 std::string WithWord(std::string_view text, int value, int counted) {
   const std::size_t slash = std::min(text.find('/'), text.size());
   const std::string_view old = TrimWhitespace(text.substr(0, slash));
@@ -121,9 +120,9 @@ std::string WithWord(std::string_view text, int value, int counted) {
 
 // ---- Comments
 
-// Returns whether a word of a comment is the value of this register as a number.
+// Returns whether a word of a comment is the register value `value`, written as a number.
 bool IsValue(std::string_view word, std::string_view value) {
-  word.remove_prefix(word.rfind('=') + 1);  // as in "id=0x1"
+  word.remove_prefix(word.rfind('=') + 1);  // for words such as "id=0x1"
   std::string digits(WithoutPrefix(word));
   if (digits.size() == word.size() && digits.size() < kFewestBareDigits) return false;
   digits.erase(std::remove(digits.begin(), digits.end(), '_'), digits.end());
@@ -136,7 +135,7 @@ bool IsValue(std::string_view word, std::string_view value) {
   return !digits.empty() && significant(digits) == significant(std::string_view(number).substr(2));
 }
 
-// Calls `function` with each word of a comment: letters, digits, "_" and "=".
+// Calls `function` with each word of a comment. Words consist of letters, digits, "_" and "=".
 template <class Function>
 void ForEachWord(std::string_view comment, Function function) {
   const auto belongs = [](unsigned char ch) {
@@ -201,13 +200,13 @@ class Learner {
     });
   }
 
-  // Adds a line TDO= below that of DR, with the same indentation.
+  // Adds a TDO= line below the DR line, with the same indentation.
   void Insert(const JtagOperation& operation, std::string_view value) {
     const ScriptLine line = script_.Line(operation.line);
     const bool returns = !line.raw.empty() && line.raw.back() == '\r';
     const std::string_view indentation =
         line.raw.substr(0, static_cast<std::size_t>(line.text.data() - line.raw.data()));
-    // In DR, R or W and the length come before the bytes; in IR, only the length.
+    // In DR, two fields precede the bytes: R or W, and the length. In IR, only the length does.
     Texts fields = SplitAtCommas(ValueOf(line));
     fields.erase(fields.begin(),
                  fields.begin() + std::min<std::ptrdiff_t>(2, fields.end() - fields.begin()));
@@ -217,7 +216,7 @@ class Learner {
                ir.end());
     const std::string learned =
         fmt::format("\n{}TDO={}", indentation, ListOf(value, FormOf(all), fields));
-    // Inserts before a carriage return, which then ends the new line.
+    // Inserts the text before a carriage return, which then ends the new line.
     Edit(line.raw.substr(line.raw.size() - (returns ? 1 : 0), 0), (returns ? "\r" : "") + learned);
   }
 
@@ -265,7 +264,7 @@ class Learner {
 
   const ScriptText& script_;
   const Plan& plan_;
-  std::map<std::size_t, Change> edits_;  // by their offsets in the content
+  std::map<std::size_t, Change> edits_;  // the changes by their offsets in the script
   Problems stale_;
 };
 

@@ -18,7 +18,7 @@ constexpr std::string_view kWord = "expect";
 constexpr const char* kForm =
     "expected PIN=LEVEL,... (each pin once, level 0 or 1), VALUE or VALUE/MASK (up to 0x3f)";
 
-// The levels of pins, and a mask of the pins that count.
+// The levels of the pins, and a mask of the pins to compare.
 struct Levels {
   int value = 0;
   int mask = 0;
@@ -31,7 +31,7 @@ std::string_view FirstWord(std::string_view text) {
   return text.substr(0, static_cast<std::size_t>(end - text.begin()));
 }
 
-// Reads the levels of all pins as a number, in decimal, or in hexadecimal after "0x".
+// Reads the levels of all pins from one number, which is decimal, or hexadecimal after "0x".
 std::optional<int> PinWord(std::string_view text) {
   const bool hex = text.substr(0, 2) == "0x";
   const std::string_view digits = text.substr(hex ? 2 : 0);
@@ -51,7 +51,7 @@ std::optional<Levels> WordLevels(std::string_view text) {
   return Levels{*value, *mask};
 }
 
-// Reads "NAME=LEVEL, ...", where no pin may occur twice.
+// Reads "NAME=LEVEL, ...". Each pin may occur only once.
 std::optional<Levels> NamedLevels(std::string_view text) {
   Levels levels;
   for (icescript::FieldCursor items(text, ','); items.HasNext();) {
@@ -69,7 +69,7 @@ std::optional<Levels> ReadLevels(std::string_view text) {
   return text.find('=') != std::string_view::npos ? NamedLevels(text) : WordLevels(text);
 }
 
-// Returns the text after the first word that contains "expect", in upper or lower case.
+// Returns the text after the first word that contains "expect", ignoring case.
 std::optional<std::string_view> AfterExpect(std::string_view text) {
   const auto* const found =
       std::search(text.begin(), text.end(), kWord.begin(), kWord.end(), [](char ch, char letter) {
@@ -80,8 +80,7 @@ std::optional<std::string_view> AfterExpect(std::string_view text) {
   return text.substr(at + FirstWord(text.substr(at)).size());
 }
 
-// Returns whether a text begins with levels. Other text may follow NAME=LEVEL, but not a
-// number, which may be a count, as in "3 reads".
+// Returns whether a text begins with levels. A number before other text ("3 reads") is a count.
 bool BeginsWithLevels(std::string_view text) {
   text = text.substr(std::min(text.find_first_not_of(" \t:="), text.size()));
   return ReadLevels(text).has_value() || NamedLevels(text.substr(0, text.find_first_of(" \t,;.")));
@@ -189,7 +188,7 @@ void ReportVainExpectation(const ScriptLine& line, Problems& problems) {
   if (const std::string_view meant = FindMeant(comment); !meant.empty()) {
     problems.Error(line.Of(meant), kNoRead);
   } else if (const std::string_view expect = FindExpect(comment);
-             expect.find('=') != std::string_view::npos) {  // only a warning: it may be a sentence
+             expect.find('=') != std::string_view::npos) {  // may be a sentence, so only warn
     problems.WarnAlways(line.Of(expect), kNoRead);
   }
 }

@@ -11,7 +11,7 @@
 namespace icehost {
 namespace {
 
-// How much of a long line is shown before the column, and how much in all.
+// The maximum number of bytes of a line that are shown before the column, and in total.
 constexpr std::size_t kShownBefore = 60;
 constexpr std::size_t kShown = 100;
 constexpr std::size_t kMoreLinesShown = 3;
@@ -43,7 +43,6 @@ bool IsBefore(Place a, Place b) {
   return std::tie(a.line, a.column) < std::tie(b.line, b.column);
 }
 
-// Adds a place to a problem with several places.
 void AddPlace(Problem& problem, Place place) {
   if (IsBefore(place, problem.place)) std::swap(place, problem.place);
   ++problem.more;
@@ -66,7 +65,7 @@ constexpr bool IsContinuation(char byte) {
   return (byte & 0xC0) == 0x80;
 }
 
-// A UTF-8 character takes one column, whatever its number of bytes.
+// Returns blanks as wide as `shown`. A UTF-8 character is one column wide, whatever its size.
 std::string BlanksBelow(const std::string& shown) {
   std::string blanks;
   for (const char ch : shown) {
@@ -75,12 +74,12 @@ std::string BlanksBelow(const std::string& shown) {
   return blanks;
 }
 
-// Finds lines of a text in a single walk through it.
+// Finds the lines of a text in a single pass.
 class LineFinder {
  public:
   explicit LineFinder(std::string_view text) : rest_(text) {}
 
-  // Returns the line with this number, which must not be lower than in the call before.
+  // Returns a line. Its number must not be lower than in the previous call.
   std::string_view Find(int number) {
     for (; number_ < number; ++number_) {
       line_ = rest_.substr(0, rest_.find('\n'));
@@ -90,17 +89,17 @@ class LineFinder {
   }
 
  private:
-  std::string_view line_;  // the line with the number `number_`
-  std::string_view rest_;  // the lines after it
+  std::string_view line_;  // line `number_` of the text
+  std::string_view rest_;  // the text after `line_`
   int number_ = 0;
 };
 
-// Returns the line, and below it a caret at the column.
+// Returns the part of the line around the column, with a caret below the column.
 std::string Source(std::string_view raw, std::size_t column, const fmt::text_style& caret_style) {
   const std::size_t at = std::min(column - 1, raw.size());
   std::size_t first = at - std::min(at, kShownBefore);
   std::size_t end = std::min(raw.size(), first + kShown);
-  // Does not cut a character in two.
+  // The cuts must not be inside a UTF-8 character.
   while (first > 0 && first < at && IsContinuation(raw[first])) ++first;
   while (end > at && end < raw.size() && IsContinuation(raw[end])) --end;
   const std::string before = Printable(raw.substr(first, at - first));

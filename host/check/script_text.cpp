@@ -13,15 +13,15 @@
 namespace icehost {
 namespace {
 
-// The beginning of a line is kept if its number is a multiple of this.
+// Only the offset of every kStride-th line is kept.
 constexpr int kStride = 16;
 
-// The line reader needs room for a terminating NUL.
+// The plug-in's line buffer also needs room for a terminating NUL.
 bool IsTooLong(std::string_view raw) {
   return raw.size() >= icescript::INI_LINE_BUFFER;
 }
 
-// Cuts and trims a line as the plug-in's line reader and the readers that use it do.
+// Cuts and trims a line as the plug-in does.
 std::string_view TextOf(std::string_view raw) {
   const std::string_view cut = raw.substr(0, std::min(raw.find('#'), raw.find('\0')));
   return icescript::TrimBlanks(icescript::TrimRight(cut, ' '));
@@ -32,7 +32,7 @@ bool IsIniLine(const ScriptLine& line) {
   return line.IsHeader() || line.text.find('=') != std::string_view::npos;
 }
 
-// A GPIO script also begins like a header. In any script, a line or two may be wrong.
+// A binary file contains a NUL, does not begin with a header or tag, and has mostly wrong lines.
 bool IsBinary(std::string_view content) {
   if (content.find('\0') == std::string_view::npos) return false;
   std::size_t lines = 0;

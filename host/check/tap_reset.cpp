@@ -9,7 +9,7 @@
 namespace icehost {
 namespace {
 
-// Calls `take` with each comment, without its "#" and blanks, and with an iterator at its line.
+// Calls `take` with the text of each comment, trimmed and without "#", and an iterator to its line.
 template <class Take>
 void ForEachComment(const ScriptText& script, Take take) {
   for (auto at = script.begin(); at != script.end(); ++at) {

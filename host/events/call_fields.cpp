@@ -9,7 +9,7 @@
 namespace icehost {
 namespace {
 
-// Appends the bits as "A|B", those without a name in hexadecimal; "0" if no bit is set.
+// Appends the bits as "A|B|0x40", with unnamed bits in hexadecimal, or "0" if no bit is set.
 template <std::size_t n>
 void AppendBits(int value, const char* const (&names)[n], std::string& text) {
   const std::size_t begin = text.size();

@@ -13,12 +13,12 @@
 namespace icehost {
 namespace {
 
-// The most wrong bits, or ranges of wrong bits, that a message names.
+// The maximum number of wrong bits, or of ranges of wrong bits, that a message names.
 constexpr std::size_t kMostNamed = 4;
-// The most values that FirstUnread returns.
+// The maximum number of values that FirstUnread returns.
 constexpr std::size_t kMostUnread = 1000;
 
-// Returns the numbers of the captured bits that are not as expected; bit 0 is least significant.
+// Returns the numbers of the wrong bits. Bit 0 is the least significant bit.
 std::vector<std::size_t> WrongBits(const Expectation& expectation, const Capture& captured) {
   std::vector<std::size_t> bits;
   const std::size_t bytes = std::min(captured.value.size(), expectation.value.size());
@@ -77,7 +77,7 @@ std::string RangesText(const std::vector<std::size_t>& bits) {
   return fmt::format("bits {}{} are wrong", fmt::join(ranges, ", "), more);
 }
 
-// Returns a colon and the wrong bits of the captured value; empty if there are none.
+// Returns a colon and a description of the wrong bits, or an empty text if there are none.
 std::string WrongText(const std::vector<std::size_t>& bits, const std::string& value, bool pins) {
   if (bits.empty()) return "";
   return ": " +

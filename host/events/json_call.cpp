@@ -24,7 +24,7 @@ void AppendFlagNames(int flags, std::string& line) {
   line += ']';
 }
 
-// Appends the name as the value of the last key, and the number under a key of its own.
+// Appends the name as the value of the last key, and the number under a separate key.
 void AppendNamed(const Field& field, std::string& line) {
   const char* const name = NameOf(field);
   if (name != nullptr) {
@@ -36,7 +36,7 @@ void AppendNamed(const Field& field, std::string& line) {
   AppendNumber(field.number, line);
 }
 
-// Nothing needs escaping: the names are constants, and the bytes are digits.
+// No text needs escaping, because the names are constants and the bytes are digits.
 void AppendFields(const std::vector<Field>& fields, std::string& line) {
   for (const Field& field : fields) {
     line.append(",\"").append(field.name) += "\":";

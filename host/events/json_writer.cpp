@@ -18,7 +18,7 @@
 namespace icehost {
 namespace {
 
-// The most bytes that are kept of a message of the plug-in until its line feed.
+// The maximum number of bytes kept of a plug-in message while its line feed is missing.
 constexpr std::size_t kMostPendingBytes = 64U << 10U;
 
 const char* SeverityText(Severity severity) {
@@ -52,15 +52,14 @@ std::string ValuesText(const ValueCounts& values) {
                      values.unmet, values.unread);
 }
 
-// Returns where the first piece of a long text ends, which is never inside a character.
+// Returns the end of the first piece of a long text. It is never inside a UTF-8 character.
 std::size_t PieceEnd(std::string_view text) {
   std::size_t end = kMostPendingBytes;
   while (end > kMostPendingBytes - 4 && (text[end] & 0xC0) == 0x80) --end;
   return end;
 }
 
-// Writes one object per line, in ASCII. Its first key names its kind; docs/json.md describes the
-// lines.
+// Writes one object in ASCII per line. The first key names the kind of object (see docs/json.md).
 class JsonWriter : public Output, public EventListener {
  public:
   // `stream` must outlive the writer.
@@ -78,7 +77,7 @@ class JsonWriter : public Output, public EventListener {
 
  private:
   void WriteMessage(std::string_view text);
-  // Writes the first pieces of a long text, and returns the rest, which is the last piece.
+  // Writes all pieces of a long text except the last piece, which it returns.
   std::string_view WritePieces(std::string_view text);
   void WriteProblem(const SourceMark& mark);
   void WriteUnread(const Expectation& expected);
@@ -89,8 +88,8 @@ class JsonWriter : public Output, public EventListener {
   std::vector<RunScript> scripts_;
   std::size_t script_ = 0;  // the index of the script that began last
   bool in_script_ = false;
-  std::string line_;     // a member to reuse its memory
-  std::string message_;  // of the plug-in, without a line feed so far
+  std::string line_;     // a member so that its memory is reused
+  std::string message_;  // the plug-in's unfinished line so far
 };
 
 void JsonWriter::OnRunBegin(const RunBegin& run) {

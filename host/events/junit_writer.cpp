@@ -22,15 +22,15 @@
 namespace icehost {
 namespace {
 
-// The most bytes that are kept of the messages of a script, and of its warnings.
+// The maximum number of bytes kept of a script's messages, and also of its warnings.
 constexpr std::size_t kMostTextBytes = 1U << 20U;
-// The most faults of a case that are described.
+// The maximum number of faults described for one case.
 constexpr long kMostDescribed = 10;
 
-// Why a case failed.
+// The reasons why a case failed.
 struct Fault {
-  bool error;           // false: a value was not as expected, or a call returned a failure
-  std::string message;  // of the first fault
+  bool error;           // false for an unexpected value or a failed call
+  std::string message;  // the message of the first fault
   std::string text;     // a line for each of the first faults, with its place
   long count = 0;
 };
@@ -43,7 +43,6 @@ struct Case {
   std::optional<Fault> fault{};
 };
 
-// A text of limited length.
 struct LimitedText {
   std::string text;
   std::size_t lost = 0;
@@ -58,9 +57,9 @@ struct LimitedText {
 // The results of a script.
 struct Suite {
   RunScript script;
-  std::vector<Case> cases{};  // its sections, or its lines that expect something
-  std::unordered_map<int, std::size_t> case_of_line{};  // for a GPIO script: indices of `cases`
-  Case whole{"(script)", 1};                            // everything that belongs to no other case
+  std::vector<Case> cases{};                            // sections, or lines with an expectation
+  std::unordered_map<int, std::size_t> case_of_line{};  // for a GPIO script: indexes into `cases`
+  Case whole{"(script)", 1};                            // used for faults outside all other cases
   RunTime begun_at{0};
   RunTime time{0};
   LimitedText output{};
@@ -100,7 +99,6 @@ bool HasFault(const Suite& suite) {
                      [](const Case& one) { return one.fault.has_value(); });
 }
 
-// Returns the cases that the file shows.
 std::vector<const Case*> ShownCases(const Suite& suite) {
   std::vector<const Case*> cases;
   for (const Case& one : suite.cases) cases.push_back(&one);
@@ -131,7 +129,7 @@ std::string AttributesOf(const Counts& counts) {
                      counts.failures, counts.errors, counts.skipped, SecondsText(counts.time));
 }
 
-// Applies XmlText to each line, and keeps the line feeds.
+// Applies XmlText to each line and keeps the line feeds.
 std::string XmlLines(std::string_view text) {
   std::string lines;
   for (std::size_t end = 0; (end = text.find('\n')) != std::string_view::npos;) {
@@ -141,7 +139,7 @@ std::string XmlLines(std::string_view text) {
   return lines + XmlText(text);
 }
 
-// Collects the results, and writes all of them at the end of the run.
+// Collects the results and writes them at the end of the run.
 class JUnitWriter : public Output, public EventListener {
  public:
   // `stream` must outlive the writer.
@@ -157,9 +155,9 @@ class JUnitWriter : public Output, public EventListener {
 
  private:
   Suite& Current() { return suite_ != nullptr ? *suite_ : suites_.front(); }
-  // Returns the case that a call belongs to, or null.
+  // Returns the case for calls from `source`, or null.
   Case* CaseOf(const CallSource& source);
-  // Adds the time since the last call to the case of that call.
+  // Adds the time since the last call to that call's case.
   void CountTime(RunTime now);
   void AddFault(Case& one, bool error, const std::string& message, const std::string& text);
   // Makes sure that at least one case fails if the exit status is not 0.
@@ -171,10 +169,10 @@ class JUnitWriter : public Output, public EventListener {
   std::ostream& stream_;
   RunBegin run_;
   std::vector<Suite> suites_;
-  Suite* suite_ = nullptr;  // of the current script
+  Suite* suite_ = nullptr;  // the suite of the current script
   std::string round_;       // the text before each fault in a repeated run
-  bool has_fault_ = false;  // in this script, in this round
-  // The errors of the current script, or of the run, that belong to no case.
+  bool has_fault_ = false;  // the current script has a fault in this round
+  // The errors of the current script, or of the run, that have no case.
   std::vector<std::string> errors_;
   Case* timed_ = nullptr;  // the case of the last call
   RunTime timed_from_{0};
@@ -222,7 +220,7 @@ void JUnitWriter::OnCall(const CallEvent& call) {
   CountTime(call.at);
   timed_ = CaseOf(call.source);
   if (timed_ == nullptr) return;
-  // A case is reached when the last call of its operation was made.
+  // A case counts as reached when the last call of its operation is made.
   if (!AsksForInterface(call) && call.As<InsertCall>() == nullptr) timed_->reached = true;
   if (call.result >= 0) return;
   failed_call_ = timed_;

@@ -28,8 +28,7 @@ void Append(const Comparison& comparison, std::string& line) {
                       comparison.mask, comparison.fault.empty() ? "met" : "NOT MET");
 }
 
-// Writes one line per host call, such as "id.ini:11 [READ_ID] link_reset(kind=TARGET) = 0". Leaves
-// out messages.
+// Writes lines such as "id.ini:11 [READ_ID] link_reset(kind=TARGET) = 0", but no messages.
 class TraceWriter : public Output, public EventListener {
  public:
   // `stream` must outlive the writer.
@@ -44,7 +43,7 @@ class TraceWriter : public Output, public EventListener {
  private:
   std::ostream& stream_;
   std::string path_;
-  std::string line_;  // a member to reuse its memory
+  std::string line_;  // a member so that its memory is reused
 };
 
 void TraceWriter::OnRound(long round) {

@@ -1,4 +1,4 @@
-// Writes an SVF file as a GPIO script, with a line for each TCK edge.
+// Converts an SVF file into a GPIO script with a line for each TCK edge.
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -15,12 +15,12 @@
 namespace icehost {
 namespace {
 
-constexpr long kMostPasses = 1000000000;  // of a REPT block
-constexpr double kMostCycles = 1e18;      // in one block inside another
+constexpr long kMostPasses = 1000000000;  // the limit for one REPT block
+constexpr double kMostCycles = 1e18;      // the limit for two nested blocks
 constexpr std::size_t kBlockSize = std::string_view("REPT=2\nENDR\n").size();
-// The relative error that rounding may add to a time in TCK cycles.
+// The relative error that rounding may cause when a time is converted to TCK cycles.
 constexpr double kRounding = 1e-12;
-// In a long scan, a comment counts the bits about this often.
+// The approximate number of bits between the comments that count the bits of a long scan.
 constexpr std::size_t kBitsPerMark = 64;
 
 constexpr char kGpioHead[] = R"(# Imported by icehost from {}.
@@ -37,7 +37,7 @@ TCK=1
 ENDR
 )";
 
-// The level that TDO must have; nothing if it is not compared.
+// The level that TDO must have, or nothing if TDO is not compared.
 using Expected = std::optional<bool>;
 
 class GpioForm : public SvfForm {
@@ -69,9 +69,9 @@ class GpioForm : public SvfForm {
   void NoteFrequency();
 
   std::optional<double> tck_hz_;
-  std::optional<double> file_hz_;  // from FREQUENCY
+  std::optional<double> file_hz_;  // the rate of the last FREQUENCY
   Place hz_at_{};
-  bool hz_used_ = false;  // a wait has used it
+  bool hz_used_ = false;  // a wait has used file_hz_
   TapState ir_end_ = TapState::kRunTestIdle;
   TapState dr_end_ = TapState::kRunTestIdle;
   // The state that the script has reached:
@@ -89,7 +89,7 @@ void GpioForm::WriteLine(const std::string& more) {
   Write(fmt::format("# line {}: {}{}\n", At().line, Keyword(), more));
 }
 
-// Writes the lines of one or more TCK cycles. `again` is `first` without levels that stay the same.
+// Writes the lines of `times` TCK cycles. `again` is `first` without the levels of TMS and TDI.
 void GpioForm::Repeat(const std::string& first, const std::string& again, long times) {
   const bool is_long = times > kMostPasses;
   if (is_long) {
@@ -104,8 +104,8 @@ void GpioForm::Repeat(const std::string& first, const std::string& again, long t
   if (times == 2) Write(again);
 }
 
-// Sets TMS and TDI and reads TDO while TCK is low: the target reads TMS and TDI on the rising edge,
-// and changes TDO on the falling edge.
+// Sets TMS and TDI and reads TDO while TCK is low, because the target reads TMS and TDI on the
+// rising edge and changes TDO on the falling edge.
 void GpioForm::Clock(bool tms, bool tdi, Expected tdo, long times) {
   std::string low = "TCK=0";
   if (std::exchange(tms_, tms) != tms) low += tms ? ",TMS=1" : ",TMS=0";
@@ -117,7 +117,7 @@ void GpioForm::Clock(bool tms, bool tdi, Expected tdo, long times) {
   if (!trst_low_) tap_ = NextTapState(tap_, tms);
 }
 
-// The file does not specify the bits that a path of STATE shifts. The script shifts zeros.
+// SVF does not define the bits that are shifted along a path of STATE. The script shifts zeros.
 void GpioForm::Clock(bool tms) {
   const bool shifts = tap_ == TapState::kShiftDr || tap_ == TapState::kShiftIr;
   Clock(tms, tdi_ && !shifts, std::nullopt, 1);
@@ -149,7 +149,7 @@ void GpioForm::Follow(const std::vector<TapState>& path) {
   }
 }
 
-// Notes that the TAP cannot leave Test-Logic-Reset, if the file asks for that while TRST is on.
+// Adds a note if the file asks for a state that the TAP cannot reach while TRST is on.
 void GpioForm::NoteReset(TapState state) {
   if (state == TapState::kTestLogicReset) return;
   problems_.Note(At(), "TRST is on: the TAP stays in Test-Logic-Reset");
@@ -160,7 +160,7 @@ void GpioForm::State(const std::vector<TapState>& path) {
   const TapState last = path.back();
   if (trst_low_) return NoteReset(last);
   if (path.size() > 1 || last == TapState::kTestLogicReset) return Follow(path);
-  // From a Pause state to the same one, the TAP goes through Update and Capture.
+  // A path from a Pause state to itself goes through Update and Capture.
   if (last != tap_) return MoveTo(last);
   Clock(last != TapState::kRunTestIdle);
   if (last == TapState::kRunTestIdle) return;
@@ -197,8 +197,8 @@ void GpioForm::Shift(const SvfShift& shift) {
   Clock(true, shift.tdi[last], expected(last), 1);
 }
 
-// Returns how many TCK cycles the wait takes. If the wait is impossible, reports it and returns
-// nothing. FREQUENCY is the highest rate in the file, so a faster probe needs more cycles.
+// Returns the number of TCK cycles for a wait. If the wait is impossible, reports why and returns
+// nothing. FREQUENCY is a maximum, so a faster probe needs more cycles.
 std::optional<long> GpioForm::CyclesOf(const SvfRunTest& run) {
   const auto hz = tck_hz_.has_value() ? tck_hz_ : file_hz_;
   hz_used_ = true;
@@ -236,7 +236,7 @@ void GpioForm::RunTest(const SvfRunTest& run) {
   MoveTo(run.end);
 }
 
-// TMS is high while TRST changes, as IEEE 1149.1 asks.
+// TMS should be high while TRST changes (IEEE 1149.1).
 void GpioForm::Trst(SvfTrst mode) {
   if (mode == SvfTrst::kAbsent) return;
   if (mode == SvfTrst::kZ) {
@@ -256,7 +256,7 @@ void GpioForm::Frequency(std::optional<double> hz) {
   hz_used_ = false;
 }
 
-// Notes how the script treats the FREQUENCY in force.
+// Adds a note about how the script treats the last FREQUENCY.
 void GpioForm::NoteFrequency() {
   if (!file_hz_.has_value()) return;
   if (!hz_used_) {

@@ -20,7 +20,7 @@ constexpr const char* kRunTestForm =
     "expected RUNTEST [state] [count TCK] [time SEC [MAXIMUM time SEC]] [ENDSTATE state]";
 constexpr const char* kStableState = "expected a stable state: IDLE, RESET, DRPAUSE or IRPAUSE";
 
-// Walks over the words of one statement.
+// Reads the words of one statement in order.
 class Words {
  public:
   explicit Words(const SvfStatement& statement) : statement_(statement) {}
@@ -32,7 +32,7 @@ class Words {
     if (is) Skip();
     return is;
   }
-  // Return the next word as a number, or as a state.
+  // These return the next word as a number or as a state, without skipping it.
   std::optional<double> Number() const {
     return AtEnd() ? std::nullopt : SvfNumber(statement_.words[at_]);
   }
@@ -53,7 +53,7 @@ class Words {
     Skip();
     return true;
   }
-  // Returns the next word, or the keyword if there is none.
+  // Returns the next word, or the keyword if no word is left.
   const SvfToken& Next() const { return AtEnd() ? statement_.keyword : statement_.words[at_]; }
 
  private:
@@ -61,8 +61,7 @@ class Words {
   std::size_t at_ = 0;
 };
 
-// Reads a number with its unit, TCK or SEC, and all words up to ENDSTATE. Returns the error at the
-// next word, or null.
+// Reads the count and the times of a RUNTEST. Returns null, or why the next word is wrong.
 const char* TakeStay(Words& words, SvfRunTest& run) {
   auto number = words.TakeNumber();
   if (!number.has_value()) return kRunTestForm;
@@ -82,19 +81,19 @@ const char* TakeStay(Words& words, SvfRunTest& run) {
   return words.Take("SEC") ? nullptr : kRunTestForm;
 }
 
-// Reads statements, keeps what they set for later ones, and passes their effects to a form.
+// Reads statements, remembers settings for later statements, and passes the effects to a form.
 class Importer {
  public:
   Importer(SvfForm& form, std::size_t most, Problems& problems)
       : form_(form), most_(most), problems_(problems) {}
 
   void Take(const SvfStatement& statement);
-  // Returns whether to stop reading.
+  // Returns whether reading should stop.
   bool IsFull() const { return form_.Size() > most_ || problems_.IsFull(); }
 
  private:
   using Handler = void (Importer::*)(const SvfStatement&);
-  // The bits that are shifted before or after those of a scan.
+  // The bits of a header or trailer, which are shifted before or after a scan's own bits.
   struct Frame {
     SvfRegister remembered;
     SvfShift shift;
@@ -131,7 +130,7 @@ class Importer {
   Problems& problems_;
   Column ir_;
   Column dr_;
-  // The states of the last RUNTEST, which a RUNTEST without states uses again.
+  // The states of the last RUNTEST, which also apply to a later RUNTEST without states.
   TapState run_state_ = TapState::kRunTestIdle;
   TapState run_end_ = TapState::kRunTestIdle;
 };
@@ -176,7 +175,7 @@ void Importer::TakeFrame(Frame& frame, const SvfStatement& statement) {
   if (shift.has_value()) frame.shift = std::move(*shift);
 }
 
-// A whole scan consists of its header, its own bits and its trailer.
+// A whole scan consists of the header, the statement's own bits and the trailer.
 void Importer::TakeScan(Column& column, bool ir, const SvfStatement& statement) {
   const auto own = TakeRegister(column.scan, statement);
   if (!own.has_value()) return;

@@ -1,4 +1,4 @@
-// Writes an SVF file as a JTAG script, with a section for each pair of an IR scan and a DR scan.
+// Converts an SVF file into a JTAG script with a section for each pair of IR scan and DR scan.
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -19,8 +19,8 @@ namespace {
 constexpr std::size_t kMostBits = std::size_t{8} * JTAG_DR_MAX_BYTES;
 static_assert(JTAG_IR_MAX_BYTES == JTAG_DR_MAX_BYTES);
 
-// A JTAG script cannot wait. Shorter waits may be left out, because a probe spends this much time
-// between two scans anyway.
+// A JTAG script cannot wait. Waits up to these limits may be left out, because a probe takes that
+// long between two scans anyway.
 constexpr double kMostIdleCycles = 16;
 constexpr double kMostIdleSeconds = 1e-5;
 
@@ -62,7 +62,7 @@ class JtagForm : public SvfForm {
   void EndScan(TapState end);
   void WriteIr();
   void EndWithoutScan();
-  // A register whose shift is empty is not scanned.
+  // Writes a section. An empty `ir` or `dr` means that this register is not scanned.
   void Section(int line, const SvfShift& ir, const SvfShift& dr);
   void Expect(const char* value_key, const char* mask_key, const SvfShift& shift);
   void Idle(double cycles, double seconds);
@@ -71,11 +71,11 @@ class JtagForm : public SvfForm {
   void LeaveOut(const char* why);
 
   int last_line_ = 0;             // the line of the last section
-  long on_line_ = 0;              // sections for that line so far
+  long on_line_ = 0;              // the number of sections for that line so far
   std::optional<IrScan> new_ir_;  // an IR scan that is not in a section yet
-  bool has_ir_ = false;           // a section has loaded the instruction that is in force
+  bool has_ir_ = false;           // a section has loaded the current instruction
   bool scanned_ = false;
-  bool resets_ = false;  // before the first scan
+  bool resets_ = false;  // the file resets the TAP before its first scan
   bool trst_on_ = false;
   std::optional<double> hz_;
   TapState ir_end_ = TapState::kRunTestIdle;
@@ -85,10 +85,9 @@ class JtagForm : public SvfForm {
   double idle_seconds_ = 0;
   std::optional<Place> wait_;   // the statement that made the wait too long
   std::optional<Place> reset_;  // the statement that reset the TAP
-  std::optional<Place>
-      pause_;  // the scan, if the TAP is still in the Pause state in which it ended
+  std::optional<Place> pause_;  // the last scan, if the TAP has been in Pause since then
 
-  std::optional<Place> bare_;  // the first DR scan without an instruction
+  std::optional<Place> bare_;  // the first DR scan for which no instruction was loaded
 };
 
 void JtagForm::Begin(const std::string& name) {
@@ -109,7 +108,7 @@ void JtagForm::Scan(bool ir, const SvfShift& shift) {
   new_ir_ = {At().line, shift};
 }
 
-// Reports what has happened since the last scan and would change what the target sees.
+// Reports events since the last scan if a JTAG script cannot express them.
 void JtagForm::ReportGap() {
   const auto report = [this](std::optional<Place>& place, const char* why) {
     if (place.has_value()) problems_.Error(*place, why);
@@ -125,7 +124,7 @@ void JtagForm::ReportGap() {
   idle_cycles_ = idle_seconds_ = 0;
 }
 
-// Returns whether a script can contain the scan; if not, reports why.
+// Returns whether a script can contain the scan. If not, reports why.
 bool JtagForm::CanScan(const SvfShift& shift) {
   if (trst_on_) {
     Refuse("TRST is on and keeps the TAP in Test-Logic-Reset");
@@ -150,7 +149,7 @@ void JtagForm::ScanDr(const SvfShift& shift) {
   Section(line, {}, shift);
 }
 
-// Writes an instruction that no DR scan follows.
+// Writes the last instruction if no DR scan followed it.
 void JtagForm::WriteIr() {
   if (!new_ir_.has_value()) return;
   Comment("no DR scan: only the instruction is loaded");
@@ -166,7 +165,7 @@ void JtagForm::EndState(bool ir, TapState state) {
   LeaveOut("every scan of a script ends in Run-Test/Idle");
 }
 
-// A Pause state makes no difference if the TAP goes on to Run-Test/Idle.
+// A scan that ends in Pause is an error only if the TAP does not go on to Run-Test/Idle.
 void JtagForm::EndScan(TapState end) {
   if (end == TapState::kTestLogicReset) {
     reset_ = At();
@@ -215,11 +214,11 @@ void JtagForm::Frequency(std::optional<double> hz) {
   LeaveOut("the probe sets its own TCK rate");
 }
 
-// The TAP goes to Run-Test/Idle or is reset. Adds up the time since the last scan.
+// Called when the TAP goes to Run-Test/Idle or is reset. Adds to the time since the last scan.
 void JtagForm::Idle(double cycles, double seconds) {
   pause_.reset();
   idle_cycles_ += cycles;
-  // If the file limits the rate of TCK, cycles take time, too.
+  // If FREQUENCY limits the TCK rate, the cycles need a minimum time, too.
   idle_seconds_ += std::max(seconds, hz_.has_value() ? cycles / *hz_ : 0);
   const bool is_long = idle_cycles_ > kMostIdleCycles || idle_seconds_ > kMostIdleSeconds;
   if (is_long && !wait_.has_value()) wait_ = At();
@@ -239,7 +238,7 @@ void JtagForm::LeaveOut(const char* why) {
 
 void JtagForm::End() {
   WriteIr();
-  // The register was not updated, and a reset by TRST does not update it.
+  // In Pause, the register is not updated yet, and a reset by TRST does not update it.
   if (pause_.has_value()) problems_.Error(*pause_, kEndState);
   if (problems_.HasErrors()) return;
   if (!scanned_) EndWithoutScan();
@@ -260,7 +259,7 @@ void JtagForm::End() {
   }
 }
 
-// A section that shifts nothing also resets the TAP.
+// If the file only resets the TAP, a section that shifts nothing is enough.
 void JtagForm::EndWithoutScan() {
   if (resets_) return Section(At().line, {}, {});
   problems_.Error({1, 1}, "the file contains no scan (SIR or SDR)");

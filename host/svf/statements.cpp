@@ -13,7 +13,7 @@ namespace {
 
 using Kind = SvfToken::Kind;
 
-// In the order of TapState.
+// The names are in the order of TapState.
 constexpr const char* kStateNames[kTapStates] = {
     "RESET",    "IDLE",     "DRSELECT",  "DRCAPTURE", "DRSHIFT", "DREXIT1", "DRPAUSE", "DREXIT2",
     "DRUPDATE", "IRSELECT", "IRCAPTURE", "IRSHIFT",   "IREXIT1", "IRPAUSE", "IREXIT2", "IRUPDATE",
@@ -23,7 +23,7 @@ bool IsComment(std::string_view text) {
   return text.substr(0, 1) == "!" || text.substr(0, 2) == "//";
 }
 
-// DOS ends a text file with Control-Z.
+// Control-Z (0x1A) counts as a blank, because DOS ends text files with it.
 bool IsBlank(char ch) {
   return ch == ' ' || (ch >= '\t' && ch <= '\r') || ch == '\x1A';
 }
@@ -41,11 +41,11 @@ std::optional<unsigned> DigitOf(char ch) {
 
 // The digits of a value, without leading zeros.
 struct Digits {
-  SvfCursor first;  // at the most significant digit
+  SvfCursor first;  // the position of the most significant digit
   std::size_t count = 0;
 };
 
-// Finds the digits of a value. If there are none, or anything else, reports it and returns nothing.
+// Finds the digits of a value. If it is empty or not hexadecimal, reports that and returns nothing.
 std::optional<Digits> DigitsOf(const SvfToken& value, Problems& problems) {
   SvfCursor cursor(value.text, value.place);
   cursor.SkipBlanks();
@@ -68,8 +68,7 @@ std::optional<Digits> DigitsOf(const SvfToken& value, Problems& problems) {
   return digits;
 }
 
-// Returns the bits of a value. If the value is not hexadecimal, or has a 1 beyond the length,
-// reports it and returns nothing.
+// Returns the bits of a value. If it is malformed or too long, reports that and returns nothing.
 std::optional<Bits> BitsOf(const SvfToken& value, std::size_t length, Problems& problems) {
   auto digits = DigitsOf(value, problems);
   if (!digits.has_value()) return std::nullopt;
@@ -92,7 +91,7 @@ std::optional<Bits> BitsOf(const SvfToken& value, std::size_t length, Problems& 
   return bits;
 }
 
-// Reads the first word, a number of bits up to `most`.
+// Reads the first word, which must be a length of at most `most` bits.
 std::optional<std::size_t> LengthOf(const SvfStatement& statement, std::size_t most,
                                     Problems& problems) {
   if (statement.words.empty()) {
@@ -117,7 +116,7 @@ enum Parameter : std::size_t { kTdi, kTdo, kMask, kSmask, kParameters };
 constexpr const char* kParameterNames[kParameters] = {"TDI", "TDO", "MASK", "SMASK"};
 using Values = std::optional<Bits>[kParameters];
 
-// Reads the parameters after the length. If one is wrong, reports it and returns false.
+// Reads the parameters after the length. If a parameter is wrong, reports it and returns false.
 bool ReadValues(const SvfStatement& statement, std::size_t length, Values& values,
                 Problems& problems) {
   const auto& words = statement.words;
@@ -164,7 +163,7 @@ void SvfCursor::SkipBlanks() {
   }
 }
 
-// A byte-order mark, which some editors write, is not part of the text.
+// Skips a byte-order mark, which some editors write.
 SvfReader::SvfReader(std::string_view text) : size_(text.size()), cursor_(text, {1, 1}) {
   constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
   if (text.substr(0, kByteOrderMark.size()) != kByteOrderMark) return;
@@ -184,7 +183,7 @@ SvfToken SvfReader::NextToken(Problems& problems) {
   return {Kind::kWord, text.substr(0, text.size() - cursor_.Rest().size()), place};
 }
 
-// A semicolon also ends a value that is not closed, so that the statements after it are read.
+// A semicolon ends even a value without ")", so that later statements are read.
 SvfToken SvfReader::Value(Problems& problems) {
   const Place open = cursor_.At();
   cursor_.Step();

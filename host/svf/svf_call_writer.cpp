@@ -5,7 +5,7 @@
 namespace icehost {
 namespace {
 
-// Returns the bits that a scan sends to a register; bits beyond its bytes are 0.
+// Returns the bits that a scan shifts into a register. Missing bytes count as 0.
 Bits SentBits(const ScanRegister& one) {
   return BitsOfBytes(one.in, static_cast<std::size_t>(std::max(one.bits, 0)));
 }
@@ -39,7 +39,7 @@ void SvfCallWriter::OnCall(const CallEvent& call) {
   }
 }
 
-// A scan that fails because of the values that it read was still played.
+// A scan is written even if the values that it read made it fail.
 void SvfCallWriter::OnScan(const CallEvent& call, const Scan& scan) {
   const Bits ir = SentBits(scan.ir);
   const Bits dr = SentBits(scan.dr);

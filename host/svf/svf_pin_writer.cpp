@@ -58,11 +58,11 @@ class SvfPinWriter : public SvfWriter, public StepRecorder, private TapListener 
 
  private:
   struct Operation {
-    long number;  // from 1
+    long number;  // the first is 1
     CallSource source;
     const std::string* path;
   };
-  // A comment for a step that was not recorded yet.
+  // A comment on a step that has not been recorded yet.
   struct Note {
     std::size_t step;  // the comment comes before this step
     CallSource source;
@@ -70,11 +70,11 @@ class SvfPinWriter : public SvfWriter, public StepRecorder, private TapListener 
     const char* warning;
     std::string text;
   };
-  // A scan that is not written until the TAP leaves Update, because that decides its end state.
+  // A scan that is not written yet, because its end state is known only when the TAP leaves Update.
   struct Held {
     SvfScan scan;
     Operation begin;
-    int last_line;  // in a GPIO script; else 0
+    int last_line;  // the scan's last line in a GPIO script, or 0
     bool paused;
   };
 
@@ -98,24 +98,24 @@ class SvfPinWriter : public SvfWriter, public StepRecorder, private TapListener 
   void NoteTdoRead();
 
   TapDecoder decoder_{{this}};
-  std::size_t step_ = 0;  // the step that will be recorded next
+  std::size_t step_ = 0;  // the number of the next step
   int reset_levels_ = GPIO_PIN_NRST | GPIO_PIN_TRST;
-  std::deque<std::string> paths_;  // of all scripts so far
+  std::deque<std::string> paths_;  // the paths of all scripts so far
   std::deque<Note> notes_;
   Operation current_{0, {}, nullptr};
-  long located_ = 0;  // the operation of the last comment on a place
-  int released_ = 0;  // GPIO_PIN_ bits
+  long located_ = 0;  // the operation whose place was written last
+  int released_ = 0;  // the released pins, as GPIO_PIN_ bits
   bool two_wire_ = false;
 
-  // Since the last Capture:
+  // Since the last Capture state:
   Operation begin_{0, {}, nullptr};
   bool paused_ = false;
-  std::size_t shifted_ = 0;  // the number of bits
+  std::size_t shifted_ = 0;  // the number of bits shifted so far
   bool shifts_ = false;      // the last edge shifted a bit that the target drove
-  Bits read_;                // whether the script has read each bit
+  Bits read_;                // for each bit, whether the script has read it
   std::optional<Held> held_;
-  bool updated_ = false;        // by a scan, without Run-Test/Idle since then
-  const char* end_dr_ = kIdle;  // the ENDDR in force
+  bool updated_ = false;        // a scan has ended, but Run-Test/Idle has not followed
+  const char* end_dr_ = kIdle;  // the state of the last ENDDR
   const char* end_ir_ = kIdle;
 };
 
@@ -195,8 +195,8 @@ void SvfPinWriter::LoseScan(const TapScan& scan) {
   }
 }
 
-// Returns the scan of the addressed TAP only, if the bits for the other TAPs are those of BYPASS;
-// else the whole scan. The mask is empty if no bit is compared.
+// If the bits for the other TAPs only keep them in BYPASS, returns the scan of the addressed TAP
+// alone. Otherwise returns the whole scan. The mask is empty if no bit is compared.
 SvfScan SvfPinWriter::ScanOf(const TapScan& scan) const {
   if (begin_.source.section == nullptr) {
     Bits mask = read_;
@@ -229,14 +229,14 @@ void SvfPinWriter::WriteScan(const char* end) {
   ScanStatement(held.scan);
 }
 
-// Writes a comment on the place, unless the last one was for the same operation.
+// Writes the place of an operation, unless the last such comment was for the same operation.
 void SvfPinWriter::Locate(const Operation& operation, int last_line) {
   if (std::exchange(located_, operation.number) != operation.number) {
     CommentOnPlace(*operation.path, operation.source, last_line);
   }
 }
 
-// Begins a statement of the current operation that is not part of a scan.
+// Begins a statement other than a scan, for the current operation.
 void SvfPinWriter::BeginStatement() {
   WriteScan(kIdle);
   Locate(current_, 0);
@@ -245,8 +245,8 @@ void SvfPinWriter::BeginStatement() {
 void SvfPinWriter::OnTapReset(bool by_trst, StepRange /*steps*/) {
   const bool updated = std::exchange(updated_, false);
   if (by_trst) return;  // OnResetPins writes "TRST ON"
-  // The script does not go through Run-Test/Idle, so the scan ends in Pause, which changes nothing.
-  // OpenOCD 0.12 cannot play a scan that ends in RESET.
+  // The script does not go through Run-Test/Idle, and OpenOCD 0.12 cannot play a scan that ends in
+  // RESET. So the last scan ends in Pause, which has no effect.
   const bool held = held_.has_value();
   if (held) WriteScan(held_->scan.ir ? "IRPAUSE" : "DRPAUSE");
   BeginStatement();
@@ -278,7 +278,7 @@ void SvfPinWriter::OnCall(const CallEvent& call) {
   CommentOnUnmet(call);
 }
 
-// Each scan asks for the current interface.
+// Each scan asks for the interface, so only a change to two wires is noted.
 void SvfPinWriter::OnInterface(const CallEvent& call) {
   const bool two_wire = call.result == CDI_ANSWER_2WIRE || call.result == CDI_ANSWER_CJTAG2;
   if (std::exchange(two_wire_, two_wire) == two_wire || !two_wire) return;
@@ -299,9 +299,8 @@ void SvfPinWriter::AddNote(const CallEvent& call, const char* warning, std::stri
   Advance();
 }
 
-// Notes that the script reads the bit that is on TDO now. A bit is on TDO from the falling edge of
-// TCK before the edge that shifts it to the falling edge after it. All steps before the read have
-// been recorded.
+// Notes that the script reads the bit that is on TDO now. A bit is on TDO between two falling edges
+// of TCK, around the rising edge that shifts it. All earlier steps have been recorded.
 void SvfPinWriter::NoteTdoRead() {
   const PinStep& now = decoder_.Last();
   const bool high = (now.wires & GPIO_PIN_TCK) != 0;

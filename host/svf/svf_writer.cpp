@@ -15,7 +15,7 @@ constexpr std::size_t kDigitsOnLine = 64;
 constexpr std::size_t kLongestComment = 200;
 constexpr std::size_t kLongestPath = 100;
 
-// Returns the bits in hexadecimal digits, with the bit that is shifted first at the right end.
+// Returns the bits as hexadecimal digits. The bit that is shifted first is at the right end.
 std::string Hex(const Bits& bits) {
   std::string text = BitText(bits);
   text.erase(0, text.size() - (bits.size() + 3) / 4);
@@ -23,7 +23,7 @@ std::string Hex(const Bits& bits) {
   return text;
 }
 
-// Writes "TDI (0123)", on several lines if it is long.
+// Writes a value such as "TDI (0123)", on several lines if it is long.
 void WriteValue(const char* name, const Bits& bits, std::ostream& stream) {
   const std::string digits = Hex(bits);
   const bool is_long = digits.size() > kDigitsOnLine;
@@ -81,7 +81,7 @@ void SvfWriter::CommentOnUnmet(const CallEvent& call) {
   }
 }
 
-// Sets the bits for the other TAPs of the chain, which a player shifts around those of a scan.
+// Writes the bits for the other TAPs, which a player shifts before and after those of each scan.
 void SvfWriter::FrameStatements(bool framed) {
   const auto write = [&](const char* name, std::size_t bits, bool fill) {
     if (!framed) bits = 0;

@@ -34,8 +34,8 @@ std::string DescribeAddress(const ProbeOptions& options) {
                      options.tap.empty() ? "" : ", ", options.tap, DescribePlace(options.place));
 }
 
-// Starts the server and returns the first connection to it, because it may accept only one. Refuses
-// an endpoint with another server, on which the scripts would run instead.
+// Starts the server and returns the first connection, because the server may accept only one.
+// Throws if another server already uses the endpoint, since the scripts would then run there.
 Socket ConnectToSpawned(const ProbeOptions& options) {
   const std::string name = options.endpoint.Name();
   if (Socket::IsTaken(options.endpoint, options.timeout)) {
@@ -108,7 +108,7 @@ ProbeKind RemoteBitbang() {
   return row;
 }
 
-// A colon after the port begins the TAP. An IPv6 address, which contains colons, is in brackets.
+// Reads HOST:PORT[:TAP]. An IPv6 address, which contains colons, must be in brackets.
 void ParseServerAndTap(const std::string& address, ProbeOptions& options) {
   const auto after = [&address](char mark, std::size_t from) {
     return std::min(address.find(mark, std::min(from, address.size())), address.size());

@@ -15,7 +15,7 @@ std::unique_ptr<Session> OpenSession(PinPort& port) {
   return std::make_unique<Kind>(port);
 }
 
-// Returns the names of all rows, with `mark` after the first one.
+// Returns the names of all protocols, with `mark` after the first name.
 std::string ProtocolNames(const std::string& mark) {
   std::string names;
   for (const ProtocolKind& kind : ProtocolKinds()) {
