@@ -38,7 +38,6 @@ function showMatchCount() {
   for (const id of ["match-previous", "match-next"]) tool(id).disabled = matches.length === 0;
 }
 
-// Searches the current items of the lists.
 function findMatches() {
   if (search === null) return;
   search.find();
@@ -61,7 +60,7 @@ function clearSearch() {
   showOperations();
 }
 
-// Shows the next or previous failure from the selected operation. The first follows the last.
+// Shows the next or previous failure. The last failure is followed by the first.
 function stepFailure(way) {
   const at = pickedRow === null ? -1 : pickedRow.index;
   const next = way > 0 ? badRows.find((row) => row.index > at)
