@@ -120,7 +120,7 @@ class DataLane {
   }
 }
 
-// Returns {begin, end, name, shift} for each scan. `shift` is the step at which shifting begins.
+// Returns {begin, end, name, shift} for each scan that shifts bits, beginning at step `shift`.
 function passes(taps) {
   const found = [];
   for (const {begin, end, tap} of taps) {

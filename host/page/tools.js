@@ -2,7 +2,7 @@
 const tool = (id) => document.getElementById(id);
 let search = null;
 
-// Returns the items of failed operations, with their titles, errors and messages.
+// Returns the errors, the items of failed operations, and the titles above them.
 function failedItems(items) {
   const kept = items.filter((item) => item.kind === "title" || item.kind === "error" ||
     item.row?.verdict >= NOT_MET);

@@ -70,7 +70,7 @@ class Wave extends WaveView {
     this.context.fillRect(Math.round(this.x(step + 0.5)), 0, 1, this.height);
   }
 
-  // Draws marks at a distance of 1, 2 or 5 times a power of ten.
+  // Draws marks that are 1, 2 or 5 times a power of ten steps apart.
   drawRuler() {
     const {context, colour} = this;
     const least = 90 / this.scale;

@@ -56,7 +56,8 @@ Socket Socket::Connect(const Endpoint& endpoint, Timeout timeout,
     if (again == nullptr) socket.Fail("cannot connect", error);
     again();
   }
-  // Without this TCP option, each short write would wait until the previous one is acknowledged.
+  // Without this option, each short write would wait until the previous one is acknowledged. The
+  // error is ignored, because a UNIX socket has no such option.
   asio::error_code ignored;
   socket.socket_.set_option(tcp::no_delay(true), ignored);
   return socket;
