@@ -25,7 +25,7 @@ using Texts = std::vector<std::string>;
 
 constexpr const char* kHelp = "help";
 
-// Returns the first word that is not an option. Options before the verb have no values.
+// The verb is the first word that is not an option, because no option before it has a value.
 Texts::iterator FindVerb(Texts& words) {
   return std::find_if(words.begin(), words.end(), [](const std::string& word) {
     return word.empty() || word.front() != '-' || word == "--";
@@ -45,9 +45,9 @@ void AppendOptions(const CLI::App& app, Texts& options) {
   }
 }
 
-// Returns " (did you mean check?)" if a known word is similar; else an empty text.
+// Returns a text such as " (did you mean check?)", or an empty text if no known word is similar.
 std::string Hint(const std::string& word, const Texts& known) {
-  // A single letter is similar to any other.
+  // All options of one letter are similar to each other, so a hint would not help.
   if (word.size() > 1 && word[0] == '-' && word[1] != '-') return "";
   return InParentheses(DidYouMean(Nearest(word, Words(known.begin(), known.end()))));
 }
@@ -91,7 +91,7 @@ void RefuseUnknownOption(const CLI::App& app) {
   }
 }
 
-// For "--option=", CLI11 would use the next word as the value, or no value if it is optional.
+// For "--option=", CLI11 would read the value from the next word, or omit an optional value.
 void RefuseEmptyValues(const Texts& words) {
   for (const std::string& word : words) {
     if (word == "--") return;
@@ -100,8 +100,8 @@ void RefuseEmptyValues(const Texts& words) {
   }
 }
 
-// Parses as app.parse does, but accepts "help VERB" for "VERB --help", and names an unknown verb or
-// option before it complains about anything that is missing. Throws CLI::ParseError.
+// Works like app.parse, but accepts "help VERB" for "VERB --help". Reports unknown verbs and
+// options before missing arguments. Throws CLI::ParseError.
 void ParseWords(CLI::App& app, Texts words) {
   PutOptionForHelp(words);
   RefuseUnknownVerb(app, words);
@@ -141,7 +141,7 @@ std::variant<Command, ExitStatus> ParseCommandLine(int argc, char** argv) {
   try {
     ParseWords(app, {argv + 1, argv + argc});
   } catch (const CLI::ParseError& error) {
-    std::ostringstream complaint;  // may quote the command line
+    std::ostringstream complaint;  // may quote unprintable characters of the command line
     const int status = app.exit(error, std::cout, complaint);
     StandardError() << PrintableLines(complaint.str());
     return status == 0 ? kAllWell : kBadUsage;

@@ -22,7 +22,7 @@ bool TakePrefix(std::string& text, const std::string& prefix) {
   return true;
 }
 
-// Returns the whole text as a number in base 10 or 16, up to `most`.
+// Parses the whole text as a number from 0 to `most`, in base 10 or 16.
 std::uint64_t Number(const std::string& text, int base, std::uint64_t most) {
   const bool starts_well = !text.empty() && std::isxdigit(static_cast<unsigned char>(text[0])) != 0;
   std::size_t end = 0;
@@ -30,7 +30,7 @@ std::uint64_t Number(const std::string& text, int base, std::uint64_t most) {
   try {
     if (starts_well) value = std::stoull(text, &end, base);
   } catch (const std::exception&) {
-    end = 0;  // no digits, or too many
+    end = 0;  // the text has no valid digit, or too many digits
   }
   if (end == 0 || end != text.size() || value > most) {
     throw std::invalid_argument(
@@ -40,7 +40,7 @@ std::uint64_t Number(const std::string& text, int base, std::uint64_t most) {
   return value;
 }
 
-// Returns the whole text as a decimal number, more than 0 and up to `most`.
+// Parses the whole text as a decimal number that is greater than 0 and at most `most`.
 double Decimal(const std::string& text, double most, const char* expected) {
   std::istringstream stream(text);
   double value = 0;
@@ -50,7 +50,7 @@ double Decimal(const std::string& text, double most, const char* expected) {
   return value;
 }
 
-// Returns hexadecimal digits, the most significant first, as a register of `length` bits.
+// Converts hexadecimal digits, with or without 0x, to a register of `length` bits.
 Bits HexBits(std::string digits, int length) {
   TakePrefix(digits, "0x");
   if (digits.find_first_not_of("0123456789abcdefABCDEF") != std::string::npos) {

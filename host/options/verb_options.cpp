@@ -22,7 +22,7 @@ CLI::App& NewVerb(CLI::App& app, const char* name, const char* description, bool
   return verb;
 }
 
-// Calls `judge` and turns its std::invalid_argument into a usage error of `option`.
+// Calls `judge`. If it throws std::invalid_argument, throws a usage error for `option` instead.
 void Refuse(const std::string& option, const std::function<void()>& judge) {
   try {
     judge();
@@ -31,7 +31,7 @@ void Refuse(const std::string& option, const std::function<void()>& judge) {
   }
 }
 
-// Adds an option whose value `parse` reads; `parse` may throw as option_values.h says.
+// Adds an option whose value is passed to `parse`, which may throw std::invalid_argument.
 CLI::Option* AddParsed(CLI::App& verb, const std::string& name, const std::string& form,
                        const std::string& help, const std::function<void(std::string)>& parse) {
   const auto parse_value = [parse, name](const std::string& value) {
@@ -40,7 +40,7 @@ CLI::Option* AddParsed(CLI::App& verb, const std::string& name, const std::strin
   return verb.add_option_function<std::string>(name, parse_value, help)->type_name(form);
 }
 
-// Makes `option` name a file to write. An empty name comes from a shell variable that is not set.
+// Refuses an empty file name, which usually comes from a shell variable that is not set.
 CLI::Option* NamesFile(CLI::Option* option) {
   return option->type_name("FILE")->check(
       [](const std::string& path) { return path.empty() ? "expected a file name" : ""; });
@@ -120,7 +120,7 @@ void AddOutputs(CLI::App& verb, OutputKind::Verb OutputKind::*which, const char*
   }
 }
 
-// The functions below are called at the end, when all options are known.
+// The functions below run after all options have been parsed.
 
 OutputRequests RequestsOf(const CLI::App& verb) {
   OutputRequests requests;
@@ -128,7 +128,7 @@ OutputRequests RequestsOf(const CLI::App& verb) {
     const CLI::Option* const option = verb.get_option_no_throw(kind.option);
     if (option == nullptr || option->empty()) continue;
     std::optional<std::string> path = option->as<std::string>();
-    if (kind.file_may_lack && path == "true") path.reset();  // CLI11 stores "true" for no value
+    if (kind.file_may_lack && path == "true") path.reset();  // "true" means that no file was given
     requests.push_back({&kind, std::move(path)});
   }
   return requests;
@@ -163,7 +163,7 @@ void RefuseUnfitProbe(const CLI::App& verb, const ProbeOptions& probe) {
   }
 }
 
-// Checks that --chain and --tap fit each other and the probe, and completes the place.
+// Checks --chain and --tap against each other and the probe, and applies them to `probe`.
 void CompletePlace(const CLI::App& verb, ProbeOptions& probe) {
   const std::vector<int>& lengths = probe.place.ir_lengths;
   const bool chosen = verb.get_option("--tap")->count() > 0;
@@ -191,7 +191,7 @@ void CompletePlace(const CLI::App& verb, ProbeOptions& probe) {
   probe.target.ir_length = length;
 }
 
-// Refuses --tap without --chain if the verb does not measure the chain.
+// Verbs that do not measure the chain call this function to refuse --tap without --chain.
 void RefuseLoneTap(const ProbeOptions& probe) {
   if (probe.measures_place) throw CLI::ValidationError("--tap", "requires --chain");
 }
@@ -206,13 +206,13 @@ void CompleteRun(const CLI::App& verb, RunCommand& run) {
   }
   CompletePlace(verb, run.probe);
   RefuseUnfitProbe(verb, run.probe);
-  // Any other text on standard output would spoil an output that is meant for a program.
+  // If an output is written to standard output, messages must not be mixed with it.
   run.quiet |= run.learn == "-" ||
                std::any_of(run.outputs.begin(), run.outputs.end(),
                            [](const OutputRequest& output) { return output.path == "-"; });
 }
 
-// The text is empty if no kind is given.
+// The text is empty if --script has no value.
 ScriptKind ParseScriptKind(const std::string& text) {
   if (text.empty() || text == "jtag") return ScriptKind::kJtag;
   if (text == "gpio") return ScriptKind::kGpio;

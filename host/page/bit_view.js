@@ -6,8 +6,7 @@ const BASES = [
   ["binary", inBinary],
 ];
 
-// Adds a line to a block: its bytes from the highest to the lowest, each in two halves. `digit`
-// returns {text, style, title} for a bit.
+// Adds a line of bits to a block, highest first. `digit` returns {text, style, title} for a bit.
 function renderBits(block, name, first, end, digit) {
   const line = block.appendChild(make("div", "bits"));
   line.append(make("span", "kind", name));
@@ -116,7 +115,7 @@ function renderRegister(register) {
   const wrong = wrongText(register);
   if (wrong !== "") summary.append(": ", make("strong", "bad", wrong));
   const blocks = element.appendChild(make("div", "blocks"));
-  // The text and the values contain the same information.
+  // Screen readers skip the blocks, because the text and the values contain the same information.
   blocks.setAttribute("aria-hidden", "true");
   for (let first = BLOCK * Math.ceil(register.bits / BLOCK - 1); first >= 0; first -= BLOCK) {
     blocks.append(renderBlock(register, first));
@@ -127,7 +126,7 @@ function renderRegister(register) {
   return element;
 }
 
-// Adds the registers of a row, those with wrong bits first. Scrolls to the lowest of these bits.
+// Adds the registers of a row, first those with wrong bits. Scrolls to the lowest wrong bit.
 function showRegisters(detail, row) {
   const registers = registersOf(row);
   const rank = ({wrong}) => wrong === 0n ? 1 : 0;

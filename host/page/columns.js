@@ -1,4 +1,4 @@
-// Fits the widths of columns to their contents, in characters.
+// Fits the widths of columns, in characters, to the contents of the columns.
 const COLUMNS = ["No.", "Line", "Operation", "Sent", "Received", "Expected", "Result"];
 
 function longest(texts) {
@@ -12,7 +12,7 @@ function cellTexts(row) {
     row.received, row.expected, VERDICTS[row.verdict]];
 }
 
-// Returns the length of the longest text in each column of the operations; 0 for empty columns.
+// Returns the width that each column of the operations needs, or 0 for an empty column.
 function columnNeeds() {
   const needs = COLUMNS.map(() => 0);
   for (const row of rows) {

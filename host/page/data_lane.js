@@ -1,10 +1,10 @@
-// The lane of the waveform with the values that were shifted and read: a box for each register of a
-// scan, and a mark at each step at which a script read the pins.
+// The data lane of the waveform. It has a box for each register of a scan, and a mark for each step
+// at which a script read the pins.
 class DataLane {
   static REACH = 6;   // pixels between the middle of a mark and any text
   static RADIUS = 3;  // radius of a mark
   static DENSE = 8;   // marks that are closer together become ticks
-  static APART = 3;   // crosses that are closer together become one
+  static APART = 3;   // crosses that are closer together are drawn as one
 
   constructor(taps) {
     this.boxes = scanBoxes(taps);
@@ -50,7 +50,7 @@ class DataLane {
     }
   }
 
-  // Returns the beginning and end of the space between the boxes next to a read.
+  // Returns the beginning and end of the space between the boxes on both sides of a read.
   roomAround(read) {
     const {wave, boxes} = this;
     const next = wave.firstEndingAfter(boxes, read.end);
@@ -75,8 +75,7 @@ class DataLane {
     context.stroke();
   }
 
-  // Draws the longest text that fits to the right of the mark, or else to the left. Returns the
-  // position at which the next text can begin.
+  // Draws the longest text that fits beside the mark. Returns where the next text can begin.
   drawReadText(read, x, begin, end, y) {
     const {context, colour, character} = this.wave;
     const reach = DataLane.REACH;
@@ -121,7 +120,7 @@ class DataLane {
   }
 }
 
-// Returns {begin, end, name, shift} for each time that the TAP shifts a register.
+// Returns {begin, end, name, shift} for each scan that shifts bits, beginning at step `shift`.
 function passes(taps) {
   const found = [];
   for (const {begin, end, tap} of taps) {
@@ -136,7 +135,7 @@ function passes(taps) {
   return found.filter(({shift}) => shift !== null);
 }
 
-// Returns {begin, end, name, row, wrong} for each shift of an operation with a known value.
+// Returns {begin, end, name, row, wrong} for each scan whose row contains the value that was sent.
 function scanBoxes(taps) {
   const boxes = [];
   for (const {begin, end, name, shift} of passes(taps)) {
@@ -148,7 +147,7 @@ function scanBoxes(taps) {
 }
 
 // Returns {begin, end, row} for each step that was read. If several rows read the same step, `row`
-// is the first that is not as expected, or else the last.
+// is the first one that is not as expected, or else the last one.
 function pinReads() {
   const reads = [];
   for (const row of rows) {
@@ -177,7 +176,7 @@ function textsOfBox(box) {
   return box.texts;
 }
 
-// Returns the texts for a read, longest first. The shortest is the level of TDO if it is compared.
+// Returns the texts for a read, longest first. The last text is the level of TDO if it is compared.
 function textsOfRead(read) {
   const {row} = read;
   if (read.texts !== undefined) return read.texts;

@@ -40,7 +40,7 @@ class Divider {
     this.tell();
   }
 
-  // Fits the script to its contents again.
+  // Restores the default width, which fits the script.
   reset() {
     this.area.style.removeProperty("--split");
     this.tell();

@@ -4,12 +4,12 @@ function counted(count, what) {
   return `${count} ${what}${count === 1 ? "" : "s"}`;
 }
 
-// Returns the number of values of a row that were not as expected. Each has its own error.
+// Returns how many values of a row were not as expected. Each of them has its own error.
 function faultsOf(row) {
   return Math.max(1, row.errors.length);
 }
 
-// Returns the line of the first error, which contains the expectation, or else that of the row.
+// Returns the line of the expectation that failed first, or else the line of the row.
 function faultLine(row) {
   return row.errors[0]?.line ?? row.line;
 }
@@ -29,7 +29,7 @@ function summaryTexts() {
   return texts;
 }
 
-// Calls `onFault` with the first failed row when the reader clicks the link.
+// Adds a link to the first failed row. A click on the link calls `onFault` with this row.
 function showSummary(onFault) {
   const summary = document.getElementById("summary");
   summary.append(summaryTexts().join(", "));
@@ -65,7 +65,7 @@ function showHead() {
 function showNotes() {
   const notes = document.getElementById("notes");
   const note = (style, text) => notes.append(make("li", style, text));
-  // The summary already contains this.
+  // Returns whether the summary already contains this failure.
   const said = (text) => badRows.length > 0 && / failed(: .*not as expected.*)?$/.test(text);
   const plain = entries.filter((entry) => entry.kind === "error" && entry.line === 0
     && !said(entry.text));

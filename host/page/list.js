@@ -1,10 +1,10 @@
 // A list of lines of equal height. The document contains only the visible lines of a long list.
 class List {
-  static SHORT = 1500;  // longest list with all lines in the document, for the browser's search
-  static MARGIN = 30;   // extra lines above and below
+  static SHORT = 1500;  // longest list with all its lines in the document, for the browser's search
+  static MARGIN = 30;   // extra lines above and below the visible lines
 
-  // `render` makes the element of an item. An item that can be selected has a `key`; items with the
-  // same key are selected together. `element` can already contain a line of headings.
+  // `render` returns the element for an item. An item that can be selected has a `key`. Items with
+  // the same key are selected together. `element` may already contain a line of headings.
   constructor(element, render) {
     this.element = element;
     this.headings = element.firstElementChild;
@@ -13,9 +13,9 @@ class List {
     this.inner = element.appendChild(document.createElement("div"));
     this.inner.setAttribute("role", "rowgroup");
     this.items = [];
-    this.shown = new Map();  // index to element
+    this.shown = new Map();  // from index to element
     this.picked = null;
-    this.decorate = null;  // if set, changes an element, given its index, before it is shown
+    this.decorate = null;  // optional; called with each element and its index before it is shown
     element.addEventListener("scroll", () => this.show());
     new ResizeObserver(() => this.show()).observe(element);
   }
@@ -27,7 +27,7 @@ class List {
     this.refresh();
   }
 
-  // Makes all elements again.
+  // Renders all visible lines again.
   refresh() {
     this.shown.clear();
     this.inner.replaceChildren();
@@ -108,7 +108,7 @@ class List {
     this.show();
   }
 
-  // Returns the item that a key selects next, or null if the key selects none.
+  // Returns the item that a key selects next, or null if the key selects no item.
   neighbour(key) {
     const page = Math.max(1, Math.floor(this.room() / this.height) - 1);
     const ways = {ArrowDown: 1, ArrowUp: -1, PageDown: page, PageUp: -page,

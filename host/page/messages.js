@@ -1,4 +1,4 @@
-// Hides the messages of operations, which repeat their rows, until the reader asks for them.
+// Hides the messages of operations, which only repeat the rows, until the reader asks for them.
 class Messages {
   // `onChange` must update the list.
   constructor(button, list, onChange) {
@@ -6,7 +6,7 @@ class Messages {
     this.list = list;
     this.onChange = onChange;
     this.all = false;
-    this.others = new Set();  // indexes of rows that differ from `all`
+    this.others = new Set();  // indexes of the rows whose state is not `all`
     button.hidden = !rows.some((row) => row.messages > 0);
     button.onclick = () => this.toggleAll();
     list.element.addEventListener("click", (event) => {
@@ -21,7 +21,7 @@ class Messages {
     return this.all !== this.others.has(row.index);
   }
 
-  // Returns whether an entry of the log is a hidden message. Matches of the search are not hidden.
+  // Returns whether a log entry is a hidden message. Messages that the search finds are not hidden.
   hides(entry) {
     return entry.kind === "message" && entry.row?.messages > 0 && !this.isOpen(entry.row)
       && !search?.finds(entry.text);

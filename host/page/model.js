@@ -1,11 +1,10 @@
-// Reads the recorded data from the page. Any text in it can contain any characters.
-//
-// The type of an entry in data.log gives its meaning:
+// Reads the recorded data from the page. Texts in the data may contain any characters. An entry of
+// data.log has one of these types:
 //   a number   the next source begins
 //   an array   an operation: [number, line, begin step, end step, name, sent, received, expected,
 //              wrong, verdict]; the verdict is an index into VERDICTS
-//   a string   a message of the operation before it, or a part of one
-//   an object  an error: {line, text}; line 0 means that there is none
+//   a string   a message of the previous operation, or a part of a message
+//   an object  an error: {line, text}; the line is 0 if the error has no line
 const data = JSON.parse(document.getElementById("data").textContent);
 
 const VERDICTS = ["ok", "met", "NOT MET", "FAILED"];
@@ -13,13 +12,13 @@ const VERDICT_STYLES = ["done", "met", "bad", "bad"];
 const NOT_MET = 2;
 const UNKNOWN_TAP = 16;
 
-// Replaces invisible characters, and those that change the direction of the text, by their codes.
+// Replaces characters that are invisible or change the direction of the text with their codes.
 function visible(text) {
   return text.replace(/[\0-\x08\x0a-\x1f\x7f-\x9f\u200b-\u200f\u2028-\u202e\u2060-\u2069\ufeff]/g,
     (ch) => "\\u" + ch.charCodeAt(0).toString(16).padStart(4, "0"));
 }
 
-// Each step has two bytes, low byte first: the levels of data.pins, and the TAP state above them.
+// Each step has two bytes, low byte first. The TAP state is in the bits above the pin levels.
 function decodeSteps(text) {
   const bytes = atob(text);
   const steps = new Uint16Array(bytes.length / 2);
@@ -37,7 +36,7 @@ function tapName(tap) {
   return tap === UNKNOWN_TAP ? "TAP unknown" : data.taps[tap];
 }
 
-// Returns {begin, end, tap} for each run of steps with the same TAP state.
+// Returns {begin, end, tap} for each series of steps with the same TAP state.
 function tapSegments(steps) {
   const segments = [];
   for (let i = 0; i < steps.length; ++i) {
@@ -55,7 +54,7 @@ function makeRow(entry, source, index) {
     messages: 0, errors: []};
 }
 
-// Returns the log as {rows, entries}. Entries are {kind, row, ...}; each line of a message is one.
+// Returns the log as {rows, entries}. Each line of a message becomes an entry of its own.
 function readLog(log) {
   const rows = [];
   const entries = [];
@@ -107,9 +106,8 @@ function rowsByLine(rows) {
 const steps = decodeSteps(data.steps);
 const {rows, entries} = readLog(data.log);
 const lineRows = rowsByLine(rows);
-// The rows that failed.
 const badRows = rows.filter((row) => row.verdict >= NOT_MET);
-// The rows in the waveform, in order.
+// The rows that the waveform shows, in order of their steps.
 const drawnRows = rows.filter((row) => row.end > row.begin && row.begin < steps.length);
 
 // Returns the row in progress at a step, or null.
@@ -126,7 +124,7 @@ function rowAtStep(step) {
 }
 
 // Returns the line whose rows are shown for a line: the line itself if it has rows, or else the
-// next line of its section with rows, or else the previous one. Returns 0 if there is none.
+// next or, failing that, the previous line with rows in its section. Returns 0 if there is none.
 function lineInCharge(source, line) {
   const of = lineRows[source];
   const text = data.sources[source].lines;

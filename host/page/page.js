@@ -1,4 +1,4 @@
-// Connects the parts of the page: an item that is selected in one is also shown in the others.
+// Connects the parts of the page: an item selected in one part is also shown in the others.
 const sourceList = new List(document.getElementById("source-list"), renderSourceItem);
 const rowList = new List(document.getElementById("row-list"), renderRowItem);
 let wave = null;
@@ -6,11 +6,11 @@ let wrapping = null;
 let pickedLine = null;  // {source, line}
 let pickedRow = null;
 
-// Selects a row and a line everywhere. The line can be another line that leads to the row.
+// Selects a row and a line everywhere. The line may differ from the line of the row.
 function pick(row, line, from) {
   pickedRow = row;
   pickedLine = line;
-  showDetail(line, row);  // first, because it makes the list of rows smaller
+  showDetail(line, row);  // must be first, because it makes the list of rows smaller
   sourceList.pick(line === null ? null : `${line.source}:${line.line}`);
   rowList.pick(row === null ? null : row.index);
   if (wave !== null && from === "wave") wave.row = row;
@@ -24,7 +24,7 @@ function pickRow(row, from) {
   pick(row, row.line === 0 ? null : {source: row.source, line: row.line}, from);
 }
 
-// Selects the first row of a line, or the next one if the line is selected again.
+// Selects the first row of a line, or the next row of the line if the line is selected again.
 function pickLine(source, line, from) {
   const of = lineRows[source].get(lineInCharge(source, line)) ?? [];
   const again = pickedLine?.source === source && pickedLine.line === line;

@@ -10,7 +10,7 @@
 namespace icehost {
 namespace {
 
-// With these limits, a browser opens the page in about a second, with a few hundred megabytes.
+// With these limits, a browser needs about a second and a few hundred megabytes for the page.
 constexpr std::size_t kMostSteps = 100000;
 constexpr long kMostRows = 100000;
 constexpr std::size_t kMostLogBytes = 64U << 20U;
@@ -18,12 +18,12 @@ constexpr long kMostMessageLines = 400000;
 constexpr long kMostLines = 100000;
 constexpr std::size_t kMostSourceBytes = 32U << 20U;
 constexpr long kMostMarks = 10000;
-// Failed rows and errors after these limits.
+// The number of failed rows and errors that are added after these limits are reached.
 constexpr int kMostLateFaults = 1000;
 
 constexpr int kUnknownTap = kTapStates;
 
-// Only "<" can end the text of a script element in HTML.
+// Returns JSON in which no "<" can end the script element of the page.
 std::string PageText(std::string_view text) {
   std::string json = JsonText(text);
   for (std::size_t at = 0; (at = json.find('<', at)) != std::string::npos;) {
@@ -32,7 +32,7 @@ std::string PageText(std::string_view text) {
   return json;
 }
 
-// RFC 4648. Each number has two bytes, low byte first.
+// Encodes each number as two bytes, low byte first (RFC 4648).
 std::string Base64(const std::vector<std::uint16_t>& numbers) {
   constexpr char kDigits[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
   std::string text;

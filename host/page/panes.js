@@ -1,7 +1,6 @@
-// The items of the two lists, and their elements.
+// Makes the items of the two lists, and the elements that show the items.
 const narrow = matchMedia("screen and (max-width: 900px)");
-// page.js sets this.
-let messages = null;
+let messages = null;  // page.js sets this variable
 
 function make(name, style, text) {
   const element = document.createElement(name);
@@ -18,12 +17,11 @@ function cells(element, values) {
   return element;
 }
 
-// Returns a line with one cell.
 function textLine(style, text) {
   return cells(make("div", style), [["", text]]);
 }
 
-// Makes long numbers shrink at their left end.
+// Lets a narrow cell cut off the left ends of long numbers.
 function foldNumbers(cell) {
   const parts = cell.textContent.split(/(?<=0x)([0-9a-f]{8,})/);
   if (parts.length === 1) return;
@@ -220,12 +218,12 @@ function rowDetails(row) {
   const taken = row.end > row.begin ? `${row.begin} to ${row.end} us${left}`
     : `none, at ${row.begin} us${left}`;
   return [[`No. ${row.number}`, `${row.name}: ${VERDICTS[row.verdict]}`], ...rowRests(row),
-    // The registers below show which bits are wrong.
+    // Errors are left out if the registers below show the wrong bits.
     ...(row.wrong === "" ? row.errors.map((error) => ["error", errorText(error)]) : []),
     ...(steps.length > 0 ? [["steps", taken]] : [])];
 }
 
-// Shows the complete texts of a line and a row, which the lists cut. Either can be null.
+// Shows the complete texts of a line and a row, which the lists may cut off. Both may be null.
 function showDetail(line, row) {
   const detail = document.getElementById("detail");
   detail.replaceChildren();

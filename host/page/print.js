@@ -1,10 +1,9 @@
-// The printed page: all lines, all operations, and the waveform in bands. They are added when the
-// browser prints, because the lists on the screen contain only the visible lines.
+// A complete copy of the page for printing. The lists on the screen contain only visible lines.
 class Paper {
   static COLUMNS = 118;    // characters
-  static LEAST = 8;        // characters of a column
-  static MOST_KEPT = 3000; // rows kept whole at page breaks: each slows the browser down
-  static WIDTH = 700;      // of a band, in pixels
+  static LEAST = 8;        // minimum width of a column, in characters
+  static MOST_KEPT = 3000; // rows that no page break divides; more rows would be slow
+  static WIDTH = 700;      // width of a band, in pixels
   static LEAST_SCALE = 3;  // pixels per step
   static COLOURS = {bg: "#fff", fg: "#000", dim: "#555", edge: "#777", bad: "#000",
     "bad-soft": "#ccc", pick: "#fff", wave: "#000", block: "#f4f4f4", shift: "#ddd", grid: "#ddd",
@@ -19,7 +18,7 @@ class Paper {
     if (wave !== null) this.addBands();
   }
 
-  // Returns the lines of a row without the columns that have a width of 0.
+  // Returns the printed lines of a row. Leaves out columns with a width of 0.
   layOut(texts, widths) {
     const columns = texts.map((text, column) => ({text, width: widths[column], column}))
       .filter(({width}) => width > 0);
@@ -31,7 +30,7 @@ class Paper {
     }).join("  ").trimEnd());
   }
 
-  // Joins plain rows of one line, because browsers lay out a long text much faster than elements.
+  // Joins rows with one line and no style, because browsers lay out text much faster than elements.
   addText(name, head, items) {
     const table = document.createElement("table");
     if (head !== "") table.createTHead().insertRow().append(make("th", "", head));
@@ -103,7 +102,7 @@ class Paper {
     const colour = {...wave.colour, ...Paper.COLOURS};
     for (let from = 0; from < steps.length; from += room / scale) {
       const context = new SvgContext(Paper.WIDTH, height);
-      // The waveform of the screen with another context and position.
+      // A band is the waveform of the screen with another context and position.
       const band = Object.assign(Object.create(wave), {context, colour, height, from, scale,
         width: Paper.WIDTH, lane: Wave.MOST_LANE, cursor: null, hover: null, row: null,
         drawPlace() {}, onMove() {}});

@@ -6,7 +6,7 @@ const KINDS = ["sent", "expected", "received"];
 const VALUE = new RegExp("(?:^|, )(?:([ID]R) )?(?:(\\d+): )?(0x[0-9a-f]+)(?:/(0x[0-9a-f]+))?" +
   "(?: [A-Z0][A-Z|]*)?", "g");
 
-// Returns a map from registers to {bits, bytes, value, mask}.
+// Returns a map from the names of registers to {bits, bytes, value, mask}.
 function valuesOf(text) {
   const values = new Map();
   for (const [, name = "pins", bits, digits, mask] of text.matchAll(VALUE)) {
@@ -25,15 +25,14 @@ function bitLength(number) {
   return number === 0n ? 0 : number.toString(2).length;
 }
 
-// On two wires, an extra byte is sent before the register, but not received.
+// Over two wires, an extra byte is sent before the register. No such byte is received.
 function extraBits(sent, received) {
   if (sent === undefined || received === undefined) return 0;
   return 8 * Math.max(0, sent.bytes - received.bytes);
 }
 
-// Returns {name, bits, total, extra, values, mask, wrong}. `bits` of the `total` bits are known.
-// `extra` is the value of the bits sent before them, or null. `values` has a number for each kind.
-// `mask` has a one for each bit that is compared, and `wrong` for each that is not as expected.
+// Of the `total` bits of the result, the first `bits` are known. `extra` is the value of bits that
+// were sent before them, or null. `mask` has a one for each bit that is compared.
 function makeRegister(name, {sent, expected, received}, wrong) {
   const extra = extraBits(sent, received);
   const total = name === "pins" ? data.pins.length
@@ -60,7 +59,7 @@ function bitAt(number, bit) {
   return Number(number >> BigInt(bit) & 1n);
 }
 
-// Returns the numbers of the bits of a mask that are ones, lowest first.
+// Returns the numbers of the bits that are ones in a mask, lowest first.
 function onesOf(mask) {
   return [...mask.toString(2)].reverse().flatMap((digit, bit) => digit === "1" ? [bit] : []);
 }

@@ -60,7 +60,7 @@ std::string Received(const std::vector<Field>& outputs) {
   return text;
 }
 
-// Returns whether a mask, written as "0x" and digits, selects all bits.
+// Returns whether a mask such as "0xff" selects all bits.
 bool CountsAll(const std::string& mask) {
   return mask.find_first_not_of('f', 2) == std::string::npos;
 }
@@ -75,7 +75,7 @@ std::string Expected(const CallEvent& call) {
   return text;
 }
 
-// Returns a number for each value with wrong bits, in which these bits are ones.
+// Returns a hexadecimal mask of the wrong bits for each value that has wrong bits.
 std::string Wrong(const CallEvent& call) {
   std::string text;
   for (const Comparison& one : call.comparisons) {
@@ -96,7 +96,7 @@ Verdict VerdictOf(const CallEvent& call) {
   return call.comparisons.empty() ? Verdict::kDone : Verdict::kMet;
 }
 
-// Returns the name of the operation of a line in a GPIO script.
+// Returns the name of a GPIO operation with these flags.
 std::string PinName(int flags) {
   if ((flags & GPIO_FLAG_START) != 0) return "START";
   if ((flags & GPIO_FLAG_END) != 0) return "END";
@@ -112,7 +112,7 @@ std::string NameOfOperation(const CallEvent& call) {
   return pins != nullptr ? PinName(pins->flags) : FunctionOf(call.call);
 }
 
-// Writes the calls of an operation as one row, followed by the reasons why it failed.
+// Writes a row for each operation, followed by the reasons if the operation failed.
 class RunPage : public Output, public EventListener, public StepRecorder {
  public:
   explicit RunPage(std::ostream& stream) : stream_(stream) {}
@@ -136,10 +136,10 @@ class RunPage : public Output, public EventListener, public StepRecorder {
   };
   std::ostream& stream_;
   PageWriter writer_;
-  std::string round_;            // of a repeated run; appended to the names of scripts
+  std::string round_;            // ends the names of scripts in a repeated run
   long operation_ = 0;           // the number of the next operation
-  std::optional<PageRow> scan_;  // inserted, not yet executed
-  std::vector<Error> errors_;    // of the current call
+  std::optional<PageRow> scan_;  // a scan that was inserted, but not executed yet
+  std::vector<Error> errors_;    // the errors of the current call
 };
 
 void RunPage::OnScript(const ScriptBegin& script) {
@@ -147,8 +147,8 @@ void RunPage::OnScript(const ScriptBegin& script) {
   operation_ = 0;
 }
 
-// A scan is one row, although it is queried, inserted and executed. If it is never executed, the
-// row is that of the insert call.
+// A scan is queried, inserted and executed, but only its execute call gets a row. If the script
+// ends before this call, OnScriptEnd adds the row of the insert call.
 void RunPage::OnCall(const CallEvent& call) {
   if (AsksForInterface(call)) return;
   scan_.reset();

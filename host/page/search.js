@@ -1,19 +1,18 @@
-// Finds a text in the lines of lists, even if they are not in the document.
+// Finds a text in lists, even in lines that are not in the document.
 
-// Returns the text of an item that the search compares: the shown text without numbers and results.
-// The text of an operation is stored, because there are many.
+// Returns the searchable text of an item. This is the shown text without numbers and results.
 function searchText(item) {
   const {kind, row} = item;
   if (kind === "row") {
     row.searched ??= [row.name, row.sent, row.received, row.expected].map(visible).join("\n");
     return row.searched;
   }
-  if (kind === "piece" || kind === "value") return "";  // part of the text of its line or row
+  if (kind === "piece" || kind === "value") return "";  // the text of its line or row contains it
   const text = kind === "line" ? data.sources[item.source].lines[item.line - 1] : item.text;
   return visible(text ?? "");
 }
 
-// Returns the elements of an item that contain this text.
+// Returns the elements of an item that contain its searchable text.
 function searchElements(element) {
   if (element.matches(".row")) return [...element.children].slice(2, -1);
   return element.matches(".line") ? element.querySelectorAll(".text") : [element];
@@ -41,10 +40,10 @@ class Search {
     this.lists = lists;
     this.onShow = onShow;
     this.pattern = null;
-    this.one = null;  // the same, but finds one match
-    this.matches = [];  // indexes of items, counted through all lists
+    this.one = null;  // the same pattern without the flag g, for test()
+    this.matches = [];  // indexes of items, counted across all lists
     this.current = -1;  // an index into `matches`
-    this.texts = new Map();  // from each list to the texts of its items, made when needed
+    this.texts = new Map();  // from a list to its items and their texts
     for (const list of lists) {
       list.decorate = (element, index) => this.decorate(list, element, index);
     }
@@ -57,7 +56,7 @@ class Search {
     return this.texts.get(list).texts;
   }
 
-  // Sets the text to find. Case is ignored. An empty text has no matches.
+  // Sets the text to find, ignoring case. An empty text has no matches.
   look(text) {
     const escaped = text.replace(/[.*+?^${}()|[\]\\]/g, "\\$&");
     this.pattern = text === "" ? null : new RegExp(escaped, "gi");
@@ -81,7 +80,7 @@ class Search {
     for (const list of this.lists) list.refresh();
   }
 
-  // Shows the next or previous match. The first follows the last.
+  // Shows the next or previous match. The last match is followed by the first.
   step(way) {
     const count = this.matches.length;
     if (count === 0) return;
@@ -93,7 +92,7 @@ class Search {
     }
   }
 
-  // Returns the list and the index of the current match.
+  // Returns the list that contains the current match, and the index of the match in this list.
   place() {
     let index = this.matches[this.current] ?? -1;
     for (const list of this.lists) {

@@ -1,4 +1,4 @@
-// Writes the events at a served target as a page.
+// Writes the events of a served target as a page.
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -13,8 +13,7 @@
 namespace icehost {
 namespace {
 
-// The page shows only the first bits of a longer scan. A client that checks a chain may shift
-// thousands.
+// The most bits that the page shows of a scan. A client that checks a chain may shift thousands.
 constexpr std::size_t kMostBits = 1024;
 
 const char* Column(const TapScan& scan) {
@@ -33,8 +32,7 @@ std::string NameOf(const TapScan& scan) {
   return name;
 }
 
-// Writes a row for each scan, reset and stay in Run-Test/Idle, in the order in which they end.
-// Messages between the rows say when clients connect and leave.
+// Writes a row for each scan, reset and idle period, and messages when clients connect and leave.
 class ServePage : public Output, public ServeListener, public StepRecorder {
  public:
   explicit ServePage(std::ostream& stream) : stream_(stream) {}
@@ -83,7 +81,7 @@ class ServePage : public Output, public ServeListener, public StepRecorder {
 
   std::ostream& stream_;
   PageWriter writer_;
-  long number_ = 0;  // of the next row
+  long number_ = 0;  // the number of the next row
 };
 
 }  // namespace

@@ -5,7 +5,7 @@ class SvgContext {
   constructor(width, height) {
     this.picture = this.make("svg", {viewBox: `0 0 ${width} ${height}`});
     this.parent = this.picture;
-    this.colour = null;  // of the rectangles in `path`
+    this.colour = null;  // the colour of the rectangles in `path`
     this.path = "";
     this.bounds = null;
   }
@@ -23,7 +23,7 @@ class SvgContext {
   }
 
   measureText(text) {
-    return {width: 6.63 * text.length};  // for a font of 11 pixels
+    return {width: 6.63 * text.length};  // at a font size of 11 pixels
   }
 
   fillRect(x, y, width, height) {
@@ -71,7 +71,7 @@ class SvgContext {
       d: this.outline}));
   }
 
-  // Sets the area for clip(), which ends at restore().
+  // Sets the area for clip(). The clipping ends with restore().
   rect(x, y, width, height) {
     this.bounds = {x, y, width, height, viewBox: `${x} ${y} ${width} ${height}`};
   }

@@ -2,7 +2,7 @@
 const tool = (id) => document.getElementById(id);
 let search = null;
 
-// Returns the items of failed operations, with their titles, errors and messages.
+// Returns the errors, the items of failed operations, and the titles above them.
 function failedItems(items) {
   const kept = items.filter((item) => item.kind === "title" || item.kind === "error" ||
     item.row?.verdict >= NOT_MET);
@@ -38,7 +38,6 @@ function showMatchCount() {
   for (const id of ["match-previous", "match-next"]) tool(id).disabled = matches.length === 0;
 }
 
-// Searches the current items of the lists.
 function findMatches() {
   if (search === null) return;
   search.find();
@@ -61,7 +60,7 @@ function clearSearch() {
   showOperations();
 }
 
-// Shows the next or previous failure from the selected operation. The first follows the last.
+// Shows the next or previous failure. The last failure is followed by the first.
 function stepFailure(way) {
   const at = pickedRow === null ? -1 : pickedRow.index;
   const next = way > 0 ? badRows.find((row) => row.index > at)

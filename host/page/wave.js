@@ -1,8 +1,8 @@
 // The waveform on a canvas: a ruler, the operations, their data, the TAP states and the pins.
 class Wave extends WaveView {
-  static RULER = 22;  // pixels, as are the next two
-  static MOST_LANE = 24;
-  static HIGH = 14;   // height of a signal
+  static RULER = 22;      // height of the ruler, in pixels
+  static MOST_LANE = 24;  // maximum height of a lane
+  static HIGH = 14;       // height of a signal
 
   // `onMove` is called when the visible part or the cursor may have changed.
   constructor(canvas, onPick, onMove) {
@@ -14,7 +14,7 @@ class Wave extends WaveView {
     this.readColours();
   }
 
-  // Makes the lanes lower if there is little room.
+  // Reduces the height of the lanes if there is little room.
   resize() {
     const room = this.canvas.clientHeight - Wave.RULER - 6;
     this.lane = Math.min(Wave.MOST_LANE, Math.floor(room / (data.pins.length + 3)));
@@ -70,7 +70,7 @@ class Wave extends WaveView {
     this.context.fillRect(Math.round(this.x(step + 0.5)), 0, 1, this.height);
   }
 
-  // Draws marks that are 1, 2 or 5 times a power of ten apart.
+  // Draws marks that are 1, 2 or 5 times a power of ten steps apart.
   drawRuler() {
     const {context, colour} = this;
     const least = 90 / this.scale;
@@ -88,8 +88,8 @@ class Wave extends WaveView {
     }
   }
 
-  // Draws the blocks of a lane, but only the first within each pixel. `style` returns {fill, texts,
-  // inset}: the texts, longest first, leave `inset` pixels free at the end of the block.
+  // Draws the blocks of a lane, but only the first block in each pixel. `style` returns
+  // {fill, texts, inset}. The longest text comes first. `inset` pixels at the end remain free.
   drawBlocks(segments, y, style) {
     const {context, colour} = this;
     const [first, end] = this.sight();
@@ -158,8 +158,8 @@ class Wave extends WaveView {
     this.drawBlocks(this.taps, y, style);
   }
 
-  // Returns {any, all} for each column of pixels: the pins that are high in any step of it, and in
-  // all steps. A column that begins with a change has both levels.
+  // Returns {any, all} for each column of pixels: the pins that are high in any step of the column,
+  // and in all its steps. A pin that changes at the beginning of a column has both levels.
   columns() {
     const count = Math.min(this.room(), Math.ceil(this.x(steps.length)) - Wave.LABELS);
     const columns = [];

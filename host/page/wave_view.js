@@ -1,10 +1,9 @@
-// The visible part of the waveform, the cursor, and the keys and pointers that move them. Positions
-// are steps, and are fractions if a pixel is less than one step.
+// Moves the visible part and the cursor of the waveform. Positions are steps and can be fractions.
 class WaveView {
   static LABELS = 64;  // pixels to the left of the waveform
   static MOST_SCALE = 60;
 
-  // `onPick` is called with the step that was clicked. A subclass draws.
+  // `onPick` is called with the step that was clicked. A subclass must define draw().
   constructor(canvas, onPick) {
     this.canvas = canvas;
     this.context = canvas.getContext("2d");
@@ -56,8 +55,8 @@ class WaveView {
     this.zoom(factor, seen ? x : WaveView.LABELS + this.room() / 2);
   }
 
-  // Shows a row wide enough to be seen, with the cursor at its beginning. For a row that only reads
-  // and has no steps, shows the step whose levels it read. Null selects no row.
+  // Makes a row visible, and moves the cursor to its beginning. For a row without steps, shows the
+  // step that the row read. Null selects no row.
   showRow(row) {
     this.row = row;
     if (row === null) return this.redraw();
@@ -74,7 +73,7 @@ class WaveView {
     this.show(inSight ? this.from : place + length / 2 - room / this.scale / 2, this.scale);
   }
 
-  // Makes a row, or the step that it reads if it has no steps, fill most of the width.
+  // Makes a row fill most of the width. For a row without steps, shows the step that the row read.
   zoomToRow(row) {
     if (row === null || row.end === 0 || row.begin > steps.length) return;
     const begin = Math.min(row.begin, row.end - 1);
@@ -98,7 +97,7 @@ class WaveView {
     return this.from + (x - WaveView.LABELS) / this.scale;
   }
 
-  // Returns the first visible step, and the step after the last.
+  // Returns the first visible step, and the step after the last visible step.
   sight() {
     const end = Math.min(steps.length, Math.ceil(this.stepAt(this.width)) + 1);
     return [Math.max(0, Math.floor(this.from)), end];
@@ -178,7 +177,7 @@ class WaveView {
     event.preventDefault();
   }
 
-  // Draws only once for all changes before the next frame.
+  // Draws once per frame, even if there are several changes before the next frame.
   redraw() {
     this.frame ??= requestAnimationFrame(() => {
       this.frame = null;

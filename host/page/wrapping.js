@@ -1,5 +1,5 @@
-// Returns the end of the part of a text that begins at `from` and fits into `most` columns.
-// Characters of scripts such as Chinese need two columns.
+// Returns the end of the piece of a text that begins at `from` and fits into `most` columns. Some
+// characters, such as Chinese ones, need two columns.
 function endOf(text, from, most) {
   let column = 0;
   let at = from;
@@ -11,7 +11,7 @@ function endOf(text, from, most) {
   return at;
 }
 
-// Splits a text into one or more pieces, if possible after a blank.
+// Splits a text into pieces of at most `most` columns, after blanks if possible.
 function piecesOf(text, most) {
   const whole = visible(text);
   const pieces = [];
@@ -52,7 +52,7 @@ class Wrapping {
     this.list.revealPicked();
   }
 
-  // Returns the number of columns for the text of a line.
+  // Returns how many columns the text of a line can have.
   room() {
     const text = this.list.element.querySelector(".line .text");
     if (text === null || text.clientWidth === 0) return this.most;

@@ -13,20 +13,20 @@ namespace {
 
 constexpr std::size_t kMostBands = 25;
 
-// In pixels:
+// The following constants are in pixels.
 constexpr int kNamesWidth = 56;
-constexpr int kRightMargin = 28;  // has room for the value read in the last step
+constexpr int kRightMargin = 28;  // room for the value that is read in the last step
 constexpr int kTextMargin = 3;
-constexpr int kReach = 6;  // from the middle of a mark to its label, and to other labels
+constexpr int kReach = 6;  // from the middle of a mark to any label
 constexpr int kTop = 8;
 constexpr int kBandGap = 16;
 constexpr int kRulerHeight = 16;
 constexpr int kRowHeight = 22;
-constexpr int kShapeHeight = 14;  // of a segment, and between the levels of a pin
+constexpr int kShapeHeight = 14;  // height of a segment, and distance between the levels of a pin
 constexpr int kNoteHeight = 16;
 constexpr int kNameX = 6;
-constexpr int kSlant = 2;      // of the ends of a segment
-constexpr int kBaseline = 11;  // of the text of a row, from its top
+constexpr int kSlant = 2;      // width of the pointed end of a segment
+constexpr int kBaseline = 11;  // from the top of a row to the baseline of its text
 constexpr int kMarkRadius = 3;
 
 constexpr char kPage[] = R"(class="page" fill="#ffffff")";
@@ -46,8 +46,8 @@ constexpr char kDarkStyle[] = R"(<style>
 </style>
 )";
 
-// In a scan, a state of the TAP takes two steps or more, which have room for three characters. In a
-// GPIO script, a step needs room for its line number, and in a short one also for the value read.
+// In a scan, a TAP state takes at least two steps, which have room for three characters. In a GPIO
+// script, a step needs room for its line number and, in a short script, for the value it reads.
 struct StepSize {
   int width;
   std::size_t in_band;
@@ -73,7 +73,7 @@ std::size_t RoundUp(std::size_t number, std::size_t multiple) {
   return (number + multiple - 1) / multiple * multiple;
 }
 
-// At font size 10 a character takes 6.02 pixels; one that is not ASCII may take twice as many.
+// At font size 10, an ASCII character is 6.02 pixels wide. Other characters may be twice as wide.
 int TextWidth(const std::string& text) {
   long hundredths = 0;
   for (const char ch : text) {
@@ -83,11 +83,10 @@ int TextWidth(const std::string& text) {
   return static_cast<int>((hundredths + 99) / 100);
 }
 
-// Cuts the steps into bands of equal width, one below the other. Positions are in pixels from the
-// left edge of the picture.
+// Divides the steps into bands of equal width, one below the other. Positions are in pixels.
 class Scale {
  public:
-  // All bands are about equally full, and every band but the last ends at a tick.
+  // All bands are about equally full, and all bands except the last end at a tick.
   explicit Scale(const SvgRun& run)
       : size_(SizeFor(run)),
         steps_(std::min(run.steps.size(), kMostBands * size_.in_band)),
@@ -99,14 +98,14 @@ class Scale {
   }
 
   std::size_t Steps() const { return steps_; }          // the number of steps that are drawn
-  std::size_t TickSteps() const { return size_.tick; }  // from one tick of the ruler to the next
-  std::size_t Bands() const { return bands_; }          // at least one
+  std::size_t TickSteps() const { return size_.tick; }  // steps from one tick to the next
+  std::size_t Bands() const { return bands_; }          // always at least one
   int Width() const { return X(0, band_steps_) + kRightMargin; }
 
   StepRange Band(std::size_t band) const {
     return {band * band_steps_, std::min((band + 1) * band_steps_, steps_)};
   }
-  // Returns the position where a step of this band begins and the previous step ends.
+  // Returns the position of the left end of a step in this band.
   int X(std::size_t band, std::size_t step) const {
     return kNamesWidth + static_cast<int>(step - band * band_steps_) * size_.width;
   }
@@ -128,7 +127,7 @@ std::string Numbers(const SvgSegment& lines) {
              : fmt::format("{}-{}", lines.lowest_line, lines.highest_line);
 }
 
-// Joins lines of a script until their numbers fit, and adds the numbers to the texts.
+// Joins lines of a script until there is room for their numbers, and adds the numbers as labels.
 std::vector<SvgSegment> JoinLines(const std::vector<SvgSegment>& operations, const Scale& scale) {
   std::vector<SvgSegment> joined;
   for (const SvgSegment& next : operations) {
@@ -171,7 +170,7 @@ std::string NoteOf(const SvgRun& run, const Scale& scale) {
 
 class Drawing {
  public:
-  // Both must outlive this object.
+  // `run` and `stream` must outlive this object.
   Drawing(const SvgRun& run, std::ostream& stream);
   void Draw();
 
@@ -197,9 +196,8 @@ class Drawing {
   const std::vector<Lane> lanes_;
   std::vector<const char*> rows_;  // the names of the rows
   int band_height_;
-  // The band that is being drawn, and its steps.
-  std::size_t band_ = 0;
-  StepRange steps_;
+  std::size_t band_ = 0;  // the band that is being drawn
+  StepRange steps_;       // the steps of this band
 };
 
 Drawing::Drawing(const SvgRun& run, std::ostream& stream)
@@ -247,7 +245,7 @@ void Drawing::DrawBand(int y) {
   DrawReads(y + kShapeHeight / 2);
 }
 
-// Draws the names of the rows, and a vertical line at each tick, with its time above.
+// Draws the names of the rows, and a vertical line at each tick with the time above the line.
 void Drawing::DrawRuler(int y) {
   std::string lines;
   std::string times;
@@ -280,11 +278,11 @@ void Drawing::DrawLane(const Lane& lane, int y) {
     texts += fmt::format("<text x=\"{}\" y=\"{}\">{}</text>\n", (X(piece.begin) + X(piece.end)) / 2,
                          y + kBaseline - 1, XmlText(*label));
   }
-  // The texts cover the shapes, but must not hide the titles of the shapes from the pointer.
+  // The texts ignore the pointer, so that the titles of the shapes below appear as tooltips.
   Print("</g>\n<g {} text-anchor=\"middle\" pointer-events=\"none\">\n{}</g>\n", kInk, texts);
 }
 
-// Draws a segment with pointed ends, or with upright ends where the band cuts it.
+// Draws a segment with pointed ends. If it continues in another band, the end there is straight.
 void Drawing::DrawShape(const SvgSegment& segment, StepRange piece, int y) {
   const int left = X(piece.begin);
   const int right = X(piece.end);
@@ -322,7 +320,7 @@ void Drawing::DrawReads(int y) {
   }
 }
 
-// Draws a dot if the values are as expected, else a cross.
+// Draws a dot if the values are as expected, or else a cross.
 void Drawing::DrawMark(const SvgRead& read, int x, int y) {
   std::string title = XmlText(read.title);
   if (read.times > 1) title += fmt::format(", one of {} reads here", read.times);
@@ -335,8 +333,8 @@ void Drawing::DrawMark(const SvgRead& read, int x, int y) {
   }
 }
 
-// Draws the first label that fits between `begin` and `end`, to the right of its mark at `x` or
-// else to the left. Returns where the next label may begin.
+// Draws the first label that fits between `begin` and `end`, to the right of the mark at `x` if
+// possible. Returns where the next label may begin.
 int Drawing::DrawLabel(const SvgRead& read, int x, int begin, int end, int y) {
   for (const std::string& label : read.labels) {
     const int width = TextWidth(label);
@@ -350,7 +348,7 @@ int Drawing::DrawLabel(const SvgRead& read, int x, int begin, int end, int y) {
   return x + kReach;
 }
 
-// Returns the part of `steps` that is in this band; it may be empty.
+// Returns the part of `steps` in this band, which may be empty.
 StepRange Drawing::Piece(StepRange steps) const {
   const std::size_t begin = std::clamp(steps.begin, steps_.begin, steps_.end);
   return {begin, std::clamp(steps.end, begin, steps_.end)};

@@ -18,7 +18,7 @@
 namespace icehost {
 namespace {
 
-// In the order of TapState. DR and IR states share names: the states around them show which it is.
+// In the order of TapState. DR and IR states share names, but "Sel" appears twice before IR states.
 constexpr const char* kShortTapNames[kTapStates] = {
     "TLR", "RTI", "Sel", "Cap", "Sh",  "Ex1", "Pau", "Ex2",
     "Upd", "Sel", "Cap", "Sh",  "Ex1", "Pau", "Ex2", "Upd",
@@ -38,7 +38,7 @@ std::string PlaceOf(const std::string& script, const CallSource& source) {
   return place + ": ";
 }
 
-// Returns descriptions of a scan: first a long one, then a short one.
+// Returns a long description of a scan, followed by a short description.
 std::vector<std::string> ScanTexts(const Scan& scan) {
   const auto captured = [](const ScanRegister& one) {
     const std::string bytes = one.out.value_or("");
@@ -69,7 +69,7 @@ SvgSegment OperationOf(const CallEvent& call, const std::string& script) {
   return operation;
 }
 
-// Returns "IR expected 0x01, captured 0x00 (mask 0x01); DR ..."; empty if all is as expected.
+// Returns "IR expected 0x01, captured 0x00 (mask 0x01); DR ...", or "" if all is as expected.
 std::string Unmet(const std::vector<Comparison>& comparisons) {
   std::string text;
   for (const Comparison& comparison : comparisons) {
@@ -82,7 +82,7 @@ std::string Unmet(const std::vector<Comparison>& comparisons) {
   return text;
 }
 
-// Returns the pins that a call read, or what a scan captured if it is not as expected.
+// Returns the pins that a call read, or the values that a scan captured if they are unexpected.
 std::optional<SvgRead> ReadOf(const CallEvent& call, const std::string& script) {
   const std::string unmet = Unmet(call.comparisons);
   const auto* const gpio = call.As<GpioCall>();
@@ -97,7 +97,7 @@ std::optional<SvgRead> ReadOf(const CallEvent& call, const std::string& script) 
   return read;
 }
 
-// Keeps the first steps of a run, as many as a picture shows, and the calls in them.
+// Keeps the steps of a run that fit in the picture, and the calls in these steps.
 class SvgWriter : public Output, public StepRecorder, public EventListener {
  public:
   explicit SvgWriter(std::ostream& stream) : stream_(stream) {}
@@ -114,7 +114,7 @@ class SvgWriter : public Output, public StepRecorder, public EventListener {
 
   std::ostream& stream_;
   SvgRun run_;
-  std::string round_;   // ends the name of a script in a repeated run
+  std::string round_;   // ends the names of scripts in a repeated run
   std::string script_;  // the path of the current script
   bool script_begins_ = false;
 };
@@ -135,7 +135,7 @@ void SvgWriter::OnScript(const ScriptBegin& script) {
 }
 
 void SvgWriter::OnCall(const CallEvent& call) {
-  // A call without a step may read the last step that is kept.
+  // A call that begins at this limit may have no steps, but read the last step that is kept.
   if (call.steps.begin > kMostSvgSteps) return;
   if (call.steps.begin < call.steps.end) KeepOperation(OperationOf(call, script_));
   if (std::optional<SvgRead> read = ReadOf(call, script_)) KeepRead(std::move(*read));
@@ -155,8 +155,8 @@ void SvgWriter::KeepOperation(SvgSegment operation) {
   run_.operations.push_back(std::move(operation));
 }
 
-// Keeps one read of each step, so that a loop that only reads needs no more memory: the first one
-// that is not as expected, or else the last one.
+// Keeps only one read of each step, so that a loop of reads needs no extra memory. This is the
+// first read that is not as expected or, if all are as expected, the last read.
 void SvgWriter::KeepRead(SvgRead read) {
   std::vector<SvgRead>& reads = run_.reads;
   if (!reads.empty() && reads.back().step == read.step) {

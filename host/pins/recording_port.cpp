@@ -7,7 +7,7 @@
 namespace icehost {
 namespace {
 
-// Limits what is kept while nothing is read.
+// The maximum number of pending writes. It limits the memory that is needed between two reads.
 constexpr std::size_t kSettleAt = 1024;
 
 }  // namespace

@@ -13,11 +13,10 @@ std::string PartText(const TapScan& scan) {
   return text + (scan.reset ? " (cut short by a reset)" : " (cut short when the client left)");
 }
 
-// Writes one line for each event, which begins with the number of its first step. In "1042 DR 32
-// bits 0x00000000 -> 0x1ce51001" the first value was shifted in, the second one out.
+// Writes a line for each event, beginning with the number of its first step. In "1042 DR 32 bits
+// 0x00000000 -> 0x1ce51001", the first value was shifted in and the second value was shifted out.
 class ServeTrace : public Output, public ServeListener {
  public:
-  // `stream` must outlive the trace.
   explicit ServeTrace(std::ostream& stream) : stream_(stream) {}
   void OnScan(const TapScan& scan) override {
     std::string line = fmt::format("{} {} {} bits", scan.steps.begin, scan.ir ? "IR" : "DR",
@@ -59,13 +58,10 @@ std::string Place(StepRange steps) {
                      steps.begin, steps.end);
 }
 
-// Writes one object per line, in ASCII. Its first key names its kind: "schema", "client", "scan",
-// "reset", "idle", "pins", "error" or "end". docs/json.md describes them.
+// Writes one JSON object per line, in ASCII. docs/json.md describes the objects.
 class ServeJson : public Output, public ServeListener {
  public:
-  // `stream` must outlive the writer.
   explicit ServeJson(std::ostream& stream) : stream_(stream) {}
-  // Writes the line that names the format.
   void Begin() override { stream_ << "{\"schema\":\"icehost-serve\",\"version\":1}\n"; }
   void OnScan(const TapScan& scan) override {
     std::string line = fmt::format(R"({{"scan":"{}","bits":{},)", scan.ir ? "IR" : "DR",

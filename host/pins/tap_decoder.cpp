@@ -82,7 +82,6 @@ void TapDecoder::Shift(int wires) {
   scan_->out.push_back((last_.wires & GPIO_PIN_TDO) != 0);
 }
 
-// The idle cycles before the change are reported first.
 void TapDecoder::OnResetPins(int levels) {
   EndIdle(step_);
   Tell(&TapListener::OnResetPins, levels, StepRange{step_, step_ + 1});

@@ -15,7 +15,7 @@
 namespace icehost {
 namespace {
 
-constexpr char kFirstId = '!';  // of the first pin; the others follow
+constexpr char kFirstId = '!';  // the id of the first pin; the other pins have the next characters
 constexpr char kTapId = 't';
 constexpr char kOperationId = 'o';
 
@@ -25,14 +25,13 @@ std::string LowerCase(std::string text) {
   return text;
 }
 
-// Writes each step at once, so that the stream contains a complete file at any time. A step counts
-// as 1 us. The state of the TAP and the operation are string variables, which GTKWave shows; sigrok
-// skips them with a warning.
+// Writes each step at once, so that the file is always complete. A step counts as 1 us. GTKWave
+// shows the string variables for the TAP state and the operation. sigrok skips them with a warning.
 class VcdWriter : public Output, public StepRecorder {
  public:
   // `stream` must outlive the writer.
   explicit VcdWriter(std::ostream& stream);
-  // Replaces characters that a name in this format cannot contain with "_".
+  // Replaces each character that is not allowed in a name with "_".
   void BeginOperation(const std::string& name, const CallSource& source) override;
   void Record(const PinStep& step) override;
   // Writes the time at which the last step ends.
@@ -42,7 +41,7 @@ class VcdWriter : public Output, public StepRecorder {
   std::ostream& stream_;
   std::size_t time_ = 0;
   std::optional<PinStep> last_;
-  std::string operation_;  // begins with the next step; empty if none begins
+  std::string operation_;  // the operation that begins with the next step, or empty
 };
 
 VcdWriter::VcdWriter(std::ostream& stream) : stream_(stream) {
@@ -58,7 +57,7 @@ VcdWriter::VcdWriter(std::ostream& stream) : stream_(stream) {
 void VcdWriter::BeginOperation(const std::string& name, const CallSource& /*source*/) {
   operation_ = name;
   for (char& ch : operation_) {
-    // GTKWave reads a backslash as the beginning of a C escape.
+    // GTKWave would interpret a backslash as the start of an escape sequence.
     if (std::isgraph(static_cast<unsigned char>(ch)) == 0 || ch == '\\') ch = '_';
   }
 }

@@ -15,9 +15,9 @@ namespace icehost {
 namespace {
 
 constexpr std::size_t kSendAt = 4096;
-// With more, both sides could fill their buffers, and each would wait for the other to read.
+// With more unread answers, both sides could fill their buffers and wait for each other forever.
 constexpr std::size_t kAnswersUnderWay = 2048;
-// How long answers may still arrive after a signal has ended the wait for them.
+// How long the destructor waits for the remaining answers after a signal.
 constexpr std::chrono::milliseconds kLastAnswers{100};
 
 char PinByte(int levels) {
@@ -38,13 +38,13 @@ BitbangPort::BitbangPort(Socket socket, Manner manner)
   socket_.AdviseOnLoss("is another client connected?");
 }
 
-// After an error this does not wait again, because the server had its time for the answers.
+// Waits for answers only after a signal. After an error, the server has already had time to answer.
 BitbangPort::~BitbangPort() {
   const auto patience = IsInterrupted() ? kLastAnswers : std::chrono::milliseconds(0);
   try {
     socket_.TakeLeave(unsent_ + 'Q', unanswered_, patience);
   } catch (const std::bad_alloc&) {
-    // The quit byte is not sent, but the server sees the end of the connection.
+    // Without the quit byte, the server still notices the end of the connection.
   }
 }
 
@@ -62,7 +62,7 @@ void BitbangPort::Write(int levels, int enables) {
   if (trst_falls && manner_ == Manner::kProbe) ClockTapReset();
 }
 
-// Resets the TAP by TMS, because several servers ignore the reset bytes and so do not drive TRST.
+// Resets the TAP with TMS, because several servers ignore the byte that asserts TRST.
 void BitbangPort::ClockTapReset() {
   for (int i = 0; i < kTapResetEdges; ++i) {
     PutChanged(PinByte(GPIO_PIN_TMS), pin_byte_);
@@ -120,7 +120,7 @@ void BitbangPort::SendBuffered() {
 void BitbangPort::TakeAnswers() {
   SendBuffered();
   while (unanswered_ > 0) {
-    // One byte more than was asked for shows whether there are surplus answers.
+    // The limit is one byte above the expected number, to detect surplus answers.
     const std::string answers = socket_.Receive(unanswered_ + 1);
     if (answers.empty()) socket_.FailClosed("the server");
     CheckStep(answers.size());

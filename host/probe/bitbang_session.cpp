@@ -25,7 +25,7 @@ void BitbangSession::SetPins(int bits) {
   port_.Write(levels_, enables_);
 }
 
-// A 1 asserts a reset, which drives its line low.
+// A bit that is 1 asserts a reset line by driving it low.
 void BitbangSession::SetResets(int bits) {
   levels_ |= kResetPins;
   levels_ &= ~(((bits & 2) != 0 ? GPIO_PIN_TRST : 0) | ((bits & 1) != 0 ? GPIO_PIN_NRST : 0));

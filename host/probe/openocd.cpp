@@ -15,17 +15,17 @@ namespace icehost {
 namespace {
 
 constexpr char kEndOfText = '\x1a';
-// Longer than any answer to the commands used here.
+// The limit is larger than any answer to a command of icehost.
 constexpr std::size_t kLongestAnswer = 1 << 16;
 constexpr int kLongestIr = 64;
 
-// If a built-in command of OpenOCD fails, it returns a negative number and only logs the reason.
+// A built-in command that fails returns a negative code. OpenOCD writes the reason only to its log.
 bool IsOwnError(std::string_view code) {
   return !code.empty() && code.front() == '-' &&
          NumberIn(std::string(code.substr(1)), 10).has_value();
 }
 
-// Returns the drscan command for these bits, in fields of 8 bits; the last one has 1 to 8 bits.
+// Returns a drscan command that shifts `bits` in fields of 8 bits. The last field may be shorter.
 std::string DrscanCommand(const std::string& tap, const Bits& bits) {
   std::string command = "drscan " + tap;
   std::size_t left = bits.size();
@@ -37,7 +37,7 @@ std::string DrscanCommand(const std::string& tap, const Bits& bits) {
   return command;
 }
 
-// Returns the `length` bits of the answer to drscan; throws IoError if the answer is invalid.
+// Returns the `length` bits of an answer to drscan. Throws IoError if the answer is invalid.
 Bits ParseDrscanAnswer(const std::string& answer, std::size_t length) {
   const std::vector<std::string> fields = WordsOf(answer);
   Bits bits;
@@ -57,8 +57,8 @@ Bits ParseDrscanAnswer(const std::string& answer, std::size_t length) {
 
 }  // namespace
 
-// The answer begins with the command's number, which reveals a surplus answer, and with a code that
-// is 0 if the command succeeded. After another code, the result is the reason of the failure.
+// The answer begins with the command's number, which reveals surplus answers, and a code. If the
+// code is not 0, the command has failed, and the rest of the answer is the reason.
 std::string OpenocdRpc::Ask(const std::string& command) {
   ThrowIfEarly({});
   const std::string number = fmt::format("{} ", ++commands_);
@@ -83,7 +83,7 @@ void OpenocdRpc::ExpectNoMore() {
   ThrowIfEarly(Socket::kStragglers);
 }
 
-// The numbers of commands are predictable, so an answer that arrives too early could look right.
+// Command numbers are predictable, so an answer that arrives too early could look like a valid one.
 void OpenocdRpc::ThrowIfEarly(std::chrono::milliseconds patience) {
   if (received_.empty() && socket_.Pending(patience) == 0) return;
   socket_.FailOutOfStep();
@@ -143,7 +143,7 @@ int OpenocdProbe::Reset(int /*kind*/) {
     rpc_.Ask("adapter assert srst");
     rpc_.Ask("adapter deassert srst");
   } catch (const Unsupported& error) {
-    // By default, OpenOCD assumes that the adapter has no such line.
+    // By default, OpenOCD assumes that the adapter has no srst line.
     throw Unsupported(
         fmt::format("{} (its configuration needs a reset_config with srst)", error.what()));
   }
@@ -172,7 +172,7 @@ int OpenocdProbe::Execute(std::uint8_t* capture) {
   return 0;
 }
 
-// The answer to an empty command shows that OpenOCD is still there.
+// The answer to an empty command shows that OpenOCD is still running.
 void OpenocdProbe::Flush() {
   rpc_.Ask("");
   rpc_.ExpectNoMore();
@@ -182,8 +182,8 @@ int OpenocdProbe::Gpio(int /*out_value*/, std::uint32_t& /*data*/, int /*oe_mask
   throw Unsupported("OpenOCD cannot drive individual pins: GPIO scripts do not run on it");
 }
 
-// A row is "N NAME ENABLED IDCODE EXPECTED IRLEN IRCAP IRMASK". Each further EXPECTED has a line of
-// its own.
+// A row is "N NAME ENABLED IDCODE EXPECTED IRLEN IRCAP IRMASK". Each further EXPECTED value is
+// on a line of its own.
 std::vector<OpenocdTap> ParseScanChain(const std::string& answer) {
   std::vector<OpenocdTap> taps;
   std::istringstream table(answer);

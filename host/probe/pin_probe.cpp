@@ -12,8 +12,7 @@ namespace {
 
 constexpr int kIrCaptureBits = 8 * kDrCaptureByte;
 
-// Returns why these bits cannot be a captured IR, or an empty text. By IEEE 1149.1 the first two
-// are 1 and 0. The others depend on the design, so they do not show the IR's length.
+// Returns why these bits cannot be a captured IR, or "". IEEE 1149.1 fixes only the first two bits.
 std::string WhyNoIr(const Bits& captured) {
   if (captured.size() < 2 || (captured[0] && !captured[1])) return "";
   const auto ones = std::count(captured.begin(), captured.end(), true);
@@ -35,8 +34,8 @@ void TapWalker::Write(int levels, int enables) {
   tap_.Update(WireLevels(levels, enables));
 }
 
-// Makes one TCK cycle. Sets TMS and TDI and samples TDO while TCK is low: the target reads TMS and
-// TDI on the rising edge, and changes TDO on the falling edge.
+// Makes one TCK cycle. Sets TMS and TDI and samples TDO while TCK is low, because the target reads
+// TMS and TDI on the rising edge and changes TDO on the falling edge.
 void TapWalker::ClockTck(bool tms, bool tdi, bool sample) {
   const int levels = kResetPins | (tms ? GPIO_PIN_TMS : 0) | (tdi ? GPIO_PIN_TDI : 0);
   Write(levels, kDrivenPins);
@@ -85,7 +84,7 @@ int PinProbe::Reset(int kind) {
 }
 
 int PinProbe::Insert(int ir_bits, const std::uint8_t* ir, int dr_bits, const std::uint8_t* dr) {
-  // The check of a script does not know whether an earlier script has selected two wires.
+  // The check before a run cannot find this if an earlier script has selected two wires.
   if (wire_mode_ == CDI_ANSWER_2WIRE && std::max(ir_bits, dr_bits) - 8 > kMostTwoWireBits) {
     throw Unsupported(
         "a register has at most 256 bits over two wires: the plug-in lost the 33rd byte");
@@ -103,7 +102,7 @@ int PinProbe::Execute(std::uint8_t* capture) {
   if (!ir_.empty()) walker_.Scan(TapState::kShiftIr, chain_.ir_in);
   others_in_bypass_ = others_in_bypass_ || !ir_.empty();
   if (!dr_.empty()) walker_.Scan(TapState::kShiftDr, chain_.dr_in);
-  // Collects both at once, because a wait across a network costs more than a scan.
+  // Collects IR and DR together, because waiting for the network takes longer than a scan.
   const Bits out = port_.CollectTdo();
   chain_.ir_out = Slice(out, 0, chain_.ir_in.size());
   chain_.dr_out = Slice(out, chain_.ir_in.size(), out.size());
@@ -117,7 +116,7 @@ int PinProbe::Execute(std::uint8_t* capture) {
   return 0;
 }
 
-// Throws Unsupported if the scan does not fit the addressed TAP, or would change the others.
+// Throws Unsupported if the scan does not fit the addressed TAP, or would change other TAPs.
 void PinProbe::RefuseUnfitScan() const {
   if (place_.ir_lengths.empty()) return;
   const auto length = static_cast<std::size_t>(place_.ir_lengths[place_.tap]);
@@ -145,7 +144,7 @@ bool PinProbe::ResetTapBeforeScan() {
   return true;
 }
 
-// Returns what is wrong with the captured IR of a TAP, or an empty text.
+// Returns why the captured IR looks wrong, or an empty text.
 std::string PinProbe::DoubtOf(const Bits& captured_ir) const {
   const auto shifted = static_cast<int>(ir_.size());
   const int length = port_.IrLength().value_or(shifted);
@@ -165,7 +164,7 @@ std::string PinProbe::DoubtOf(const Bits& captured_ir) const {
 
 int PinProbe::Gpio(int out_value, std::uint32_t& data, int oe_mask, int flags) {
   others_in_bypass_ = false;
-  // GPIO_FLAG_START comes with all pins enabled and low, which must be written.
+  // GPIO_FLAG_START implies a write, which enables all pins and sets them low.
   const bool start = (flags & GPIO_FLAG_START) != 0;
   const bool write_out = start || (flags & GPIO_FLAG_WRITE_OUT) != 0;
   const bool write_oe = start || (flags & GPIO_FLAG_WRITE_OE) != 0;
@@ -176,8 +175,7 @@ int PinProbe::Gpio(int out_value, std::uint32_t& data, int oe_mask, int flags) {
   return 0;
 }
 
-// Returns the bits of one register. Over two wires, the first byte is for the interface and is not
-// shifted through the TAP.
+// Returns the bits of a register. Over two wires, skips the first byte, which the interface uses.
 Bits PinProbe::ScanBits(int bits, const std::uint8_t* data) const {
   const int extra = wire_mode_ == CDI_ANSWER_2WIRE ? 8 : 0;
   return BitsOfBytes(data, extra, std::min(bits, 8 * JTAG_DR_MAX_BYTES));

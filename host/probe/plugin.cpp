@@ -31,7 +31,7 @@ Plugin::~Plugin() {
 }
 
 bool Plugin::Run(Probe& probe, const std::string& script, PrintCallback print) const {
-  std::string path = script;  // ImplementScr takes a char*, but does not write to it
+  std::string path = script;  // ImplementScr needs a char*, but does not write to it
   try {
     return entry_(&probe, path.data(), print) == 0;
   } catch (const Interrupted&) {
@@ -53,7 +53,7 @@ std::string DefaultPluginPath() {
   std::error_code ignored;
   constexpr const char* kProgram = "/proc/self/exe";
   const fs::path program = fs::read_symlink(kProgram, ignored);
-  if (program.empty()) return kProgram;  // dlopen will fail and name it
+  if (program.empty()) return kProgram;  // dlopen will fail, and its error will name this path
   const fs::path folder = program.parent_path();
   const fs::path installed = (folder / ICEHOST_PLUGIN_FOLDER / kName).lexically_normal();
   const fs::path built = folder / kName;

@@ -17,17 +17,17 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// Limits what is buffered: the answers to this many bytes are sent before more are read.
+// The server sends the answers to this many bytes before it reads more, to limit its buffers.
 constexpr std::size_t kReadAtOnce = 4096;
-// How often the port is checked while nobody uses it.
+// The interval between checks of a port that nobody uses.
 constexpr std::chrono::seconds kLookAtPort{1};
-// The longest time that a new client waits while the current one sends without a pause.
+// The longest time that a new client waits while the current client sends without a pause.
 constexpr std::chrono::seconds kNewcomerWaits{1};
-// How long received bytes are still played after a signal. The port may answer them later.
+// How long the server continues to play received bytes after a signal.
 constexpr std::chrono::milliseconds kLastWork{200};
 
-// Makes TCP notice within two minutes that a client's machine is gone. A UNIX socket, whose other
-// end cannot vanish, supports none of these options.
+// Makes TCP notice within two minutes that a client's machine is gone. The calls fail for a UNIX
+// socket, which does not need them.
 void SetTcpOptions(int fd) {
   constexpr struct {
     int level, name, value;
@@ -41,7 +41,7 @@ void SetTcpOptions(int fd) {
   }
 }
 
-// Completes one operation that need not wait; returns false if there is none.
+// Runs the handler of one finished operation. Returns false if no operation has finished.
 bool EndOperation() {
   EventLoop().restart();
   return EventLoop().poll_one() > 0;
@@ -49,8 +49,8 @@ bool EndOperation() {
 
 }  // namespace
 
-// The port waits on the same loop, so these operations may end while it works. They only record
-// what arrived, for Work.
+// The port waits on the same event loop, so the handlers below may run while the port works. They
+// only record what arrived, and Server::Work does the rest.
 
 struct Server::Arrival {
   std::optional<StreamProtocol::socket> socket;
@@ -68,7 +68,7 @@ struct Server::Client {
                                    client->gone = static_cast<bool>(error);
                                  });
   }
-  // Reads on after the answers were sent.
+  // Sends the answers. Then reads more if `open` is true.
   static void Write(const std::shared_ptr<Client>& client, bool open) {
     const auto read_on = [client, open](const asio::error_code& error, std::size_t /*sent*/) {
       client->gone = error || !open;
@@ -83,7 +83,7 @@ struct Server::Client {
     }
   }
 
-  // The client has closed its end. Bytes that it sent before may still be unread.
+  // Returns whether the client has closed its end. Some of its bytes may still be unread.
   bool HasLeft() {
     pollfd ended = {socket.native_handle(), POLLRDHUP, 0};
     return poll(&ended, 1, 0) > 0;
@@ -91,7 +91,7 @@ struct Server::Client {
 
   StreamProtocol::socket socket;
   std::array<char, kReadAtOnce> bytes{};
-  std::size_t received = 0;  // bytes that were not played yet
+  std::size_t received = 0;  // the number of bytes that were not played yet
   std::string answers;
   bool gone = false;
   Clock::time_point last_heard = Clock::now();
@@ -122,7 +122,7 @@ bool Server::OwesAPart() const {
   return client_ != nullptr && !client_->gone && client_->HasLeft();
 }
 
-// Waits for an event. Skips the check after a signal, which may have ended the port's server, too.
+// Waits for an event. Does not check the port after a signal, which may have ended its server, too.
 void Server::Wait() {
   asio::io_context& loop = EventLoop();
   loop.restart();
@@ -139,8 +139,8 @@ void Server::Accept() {
       });
 }
 
-// Does one thing, during which more may arrive; returns false if there is nothing to do. Decides
-// about a new client only when nothing more arrives from the current one, which may have left.
+// Does one thing, or returns false if there is nothing to do. Decides about a new client only when
+// no event of the current client is left, because the current client may just be leaving.
 bool Server::Work() {
   if (client_ != nullptr && client_->received > 0) {
     Answer();

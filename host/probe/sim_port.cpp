@@ -7,7 +7,7 @@
 namespace icehost {
 namespace {
 
-// The IDCODE of the other TAPs; the index of a TAP is added to its part number.
+// TAPs that scripts do not address have this IDCODE, with the TAP's index added to the part number.
 constexpr std::uint32_t kNeighbourIdcode = 0x1CEC1001;
 
 }  // namespace
@@ -22,7 +22,7 @@ Target::Target(const TargetOptions& options)
 
 void Target::RaiseTck(bool tms, bool tdi) {
   if (state_ == TapState::kCaptureDr) Capture(CapturedDr());
-  // By IEEE 1149.1 the two lowest bits are 01.
+  // By IEEE 1149.1, a captured IR ends in 01.
   if (state_ == TapState::kCaptureIr) Capture(BitsOfNumber(0x01, options_.ir_length));
   if (IsShifting()) {
     shift_[first_] = tdi;
@@ -91,7 +91,7 @@ SimPort::SimPort(const TargetOptions& options, const ChainPlace& place)
   }
 }
 
-// All TAPs sample at the same time: each sees the levels before the edge.
+// All TAPs sample TDI at the same time, so each TAP sees the levels before the edge.
 void SimPort::RaiseTck(bool tms, bool tdi) {
   for (std::size_t i = 0; i < taps_.size(); ++i) {
     const bool last = i + 1 == taps_.size();
@@ -116,7 +116,7 @@ void SimPort::Write(int levels, int enables) {
 }
 
 int SimPort::Read() {
-  // A probe that drives TDO reads its own level.
+  // If the probe drives TDO, it reads its own level.
   const bool target_low = !taps_[0].Tdo().value_or(true) && (enables_ & GPIO_PIN_TDO) == 0;
   return target_low ? wires_ & ~GPIO_PIN_TDO : wires_;
 }

@@ -14,14 +14,14 @@
 namespace icehost {
 namespace {
 
-// Longer than any valid answer to getinfo.
+// The limit is larger than any valid answer to getinfo.
 constexpr std::size_t kLongestInfo = 64;
-// The bytes of both vectors together for the largest number of bits that 4 bytes can express.
+// The command for a shift has a 4-byte bit count, so its two vectors never need more bytes.
 constexpr std::uint32_t kMostInfo = 1U << 30U;
-// Longer than any scan. Limits what is buffered if the server allows longer shifts.
+// Limits the buffers if the server allows longer shifts. No scan is this long.
 constexpr std::size_t kMostBitsAtOnce = 1U << 16U;
 
-// Returns the most bytes that TMS and TDI may have together; nothing if the answer is not valid.
+// Returns the maximum size of TMS and TDI together, or nothing if the answer is invalid.
 std::optional<std::uint32_t> VectorBytes(const std::string& info) {
   const std::size_t end = info.find('\n');
   if (end == std::string::npos || info.compare(0, kXvcInfo.size(), kXvcInfo) != 0) return {};
@@ -107,7 +107,7 @@ void XvcPort::Shift() {
 std::string XvcPort::Receive(std::size_t count) {
   std::string answer;
   while (answer.size() < count) {
-    // One byte more than was asked for shows whether there are surplus bytes.
+    // The limit is one byte above the expected number, to detect surplus bytes.
     const std::string bytes = socket_.Receive(count - answer.size() + 1);
     if (bytes.empty()) socket_.FailClosed("the server");
     answer += bytes;

@@ -13,9 +13,9 @@
 namespace icehost {
 namespace {
 
-// The most bytes of one vector of a shift. Limits what is buffered.
+// The maximum size of TMS and of TDI in one shift, in bytes. It limits the buffers.
 constexpr std::size_t kMostVectorBytes = 2048;
-// How much of an unknown command is shown.
+// The number of bytes of an unknown command that the error message shows.
 constexpr std::size_t kShownBytes = 16;
 
 Bits BitsFrom(std::string_view bytes, std::size_t count) {
@@ -24,11 +24,10 @@ Bits BitsFrom(std::string_view bytes, std::size_t count) {
 
 }  // namespace
 
-// `head` is the size of the name and of the number after it. `play` returns the size of the whole
-// command, or 0 if the command is incomplete or wrong.
 struct XvcSession::Command {
   std::string_view name;
-  std::size_t head;
+  std::size_t head;  // the size of the name and of the number after it
+  // Returns the size of the whole command, or 0 if the command is incomplete or wrong.
   std::size_t (XvcSession::*play)(std::string_view bytes, std::string& answers);
 };
 
@@ -86,7 +85,7 @@ std::size_t XvcSession::Shift(std::string_view bytes, std::string& answers) {
   return head + 2 * vector;
 }
 
-// The last bit needs a falling edge, too, on which the target changes TDO and its registers.
+// Ends with a falling edge, because the target changes TDO and its registers on falling edges.
 void XvcSession::Clock(const Bits& tms, const Bits& tdi) {
   constexpr int kEnabled = GPIO_PIN_TCK | GPIO_PIN_TMS | GPIO_PIN_TDI;
   int levels = 0;

@@ -20,7 +20,7 @@ void FileUses::AddStandardStream(int fd, const char* what) {
   if (fstat(fd, &status) == 0) uses_.push_back({status, what, true});
 }
 
-// Records regular files only: no output can destroy what came from a pipe, socket or terminal.
+// Records only regular files, because an output cannot overwrite a pipe, socket or terminal.
 void FileUses::AddInput(const std::string& path, const char* what) {
   struct stat status = {};
   const int failed = path == "-" ? fstat(STDIN_FILENO, &status) : stat(path.c_str(), &status);

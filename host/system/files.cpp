@@ -29,8 +29,7 @@ constexpr int kLookForSignalsEvery = 100;  // ms
   throw IoError(what);
 }
 
-// Does not use the event loop, which would make the standard input of the user's shell non-blocking
-// even after this process has ended.
+// Avoids the event loop, which would leave standard input non-blocking for the user's shell.
 std::string ReadAll(int fd, const std::string& path, std::size_t limit) {
   std::string content;
   struct stat status = {};
@@ -63,7 +62,7 @@ bool WriteAll(int fd, std::string_view content) {
   return true;
 }
 
-// Tested here, where the reason can be reported: a reader that fails later blames the script.
+// The plug-in would blame the script if it could not open the file, so icehost tests that first.
 bool CanBeOpened(const std::string& path) {
   const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
   if (fd >= 0) close(fd);

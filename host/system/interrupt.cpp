@@ -23,7 +23,7 @@ std::atomic<std::chrono::milliseconds> allowed{};
 std::atomic<bool> interrupted{false};
 std::atomic<Clock::time_point> work_ends{};  // must be set before `interrupted`
 
-// Never destroyed, because threads may use them while the process ends.
+// These objects are never destroyed, because threads may use them while the process ends.
 std::mutex& rescue_lock = *new std::mutex;
 std::function<bool()>& rescue = *new std::function<bool()>;
 
@@ -45,7 +45,7 @@ void EndWithoutMain() {
   std::_Exit(kSignalOffset + SIGINT);
 }
 
-// A signal may arrive twice: programs like timeout send it to the child and to its process group.
+// A signal may arrive twice, because timeout(1) sends it to its child and to the process group.
 void OnSignal(int signal) {
   static Clock::time_point first;
   if (!interrupted) {
@@ -101,7 +101,7 @@ void ThrowIfInterrupted() {
 Rescue::Rescue(State state, std::function<void()> complete) : state_(state) {
   if (state_ == State::kWorking) working_.lock();
   SetRescue([this, complete = std::move(complete)] {
-    // Never unlocked: the main thread must not continue.
+    // The mutex is never unlocked, because the main thread must not continue.
     if (!working_.try_lock()) return false;
     complete();
     return true;

@@ -18,7 +18,7 @@ namespace {
 
 constexpr int kBufferSize = 1 << 16;
 
-// Returns a duplicate, which stays the user's standard output while descriptor 1 is redirected.
+// Returns a duplicate that remains the user's standard output while descriptor 1 is redirected.
 int OpenStandardOutput() {
   const int fd = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
   if (fd < 0) throw IoError(fmt::format("standard output: {}", std::strerror(errno)));
@@ -37,7 +37,7 @@ std::string MissingFile(const std::string& path) {
   }
 }
 
-// Opens an existing file, or creates one and stores its path in `created`.
+// Opens an existing file, or creates a file and stores its path in `created`.
 int Open(const std::string& path, std::string& created) {
   if (path == "-") return OpenStandardOutput();
   int fd = open(path.c_str(), O_WRONLY | O_CLOEXEC);
@@ -96,7 +96,7 @@ struct stat OutputFile::Status() const {
 
 void OutputFile::Begin() {
   begun_ = true;
-  // A pipe or a device cannot be emptied, and need not be.
+  // The result is ignored, because pipes and devices cannot be emptied.
   [[maybe_unused]] const int ignored = IsStandardOutput() ? 0 : ftruncate(fd_, 0);
 }
 

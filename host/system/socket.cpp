@@ -56,8 +56,8 @@ Socket Socket::Connect(const Endpoint& endpoint, Timeout timeout,
     if (again == nullptr) socket.Fail("cannot connect", error);
     again();
   }
-  // Without this, every short write waits for the acknowledgement of the previous one. A UNIX
-  // socket has neither the delay nor the option.
+  // Without this option, each short write would wait until the previous one is acknowledged. The
+  // error is ignored, because a UNIX socket has no such option.
   asio::error_code ignored;
   socket.socket_.set_option(tcp::no_delay(true), ignored);
   return socket;
@@ -93,9 +93,9 @@ asio::error_code Socket::ConnectTo(const StreamProtocol::endpoint& address) {
   return asio::error::connection_refused;
 }
 
-// TCP connects a socket to itself if nobody listens and the client gets the server's port.
+// If no server listens on a local port, TCP may connect a client to itself through this port.
 bool Socket::IsConnectedToItself() const {
-  asio::error_code error;  // the next operation reports it
+  asio::error_code error;  // the next operation reports this error
   const StreamProtocol::endpoint local = socket_.local_endpoint(error);
   return local == socket_.remote_endpoint(error) && !error;
 }
@@ -171,17 +171,16 @@ bool Socket::HasEnded() {
   return got == 0;
 }
 
-// A server that writes each answer separately, with Nagle's algorithm, waits for an
-// acknowledgement, which the system delays by 40 ms. Sent bytes acknowledge as well, so only a wait
-// needs this. The option does not last. A UNIX socket does not have it.
+// Without this, a server that uses Nagle's algorithm waits up to 40 ms between its answers. Sending
+// bytes also acknowledges, so this is needed only before a wait. The system soon resets the option.
 void Socket::AcknowledgeNow() {
   if (std::exchange(acknowledged_, true)) return;
   const int on = 1;
   setsockopt(socket_.native_handle(), IPPROTO_TCP, TCP_QUICKACK, &on, sizeof on);
 }
 
-// Starts an operation and waits until it ends or the time is over. The handler owns the outcome,
-// because an operation that was given up may still end later.
+// Starts an operation, and waits until it ends or the timeout expires. The handler shares ownership
+// of the outcome, because an abandoned operation may end later.
 template <class Result, class Begin>
 std::pair<asio::error_code, Result> Socket::Await(Begin begin) {
   using Outcome = std::pair<asio::error_code, Result>;

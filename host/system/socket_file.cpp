@@ -46,8 +46,8 @@ class FolderLock {
   int fd_;
 };
 
-// Tries a datagram connection, which the system refuses if the socket has no owner any more. A
-// server that still runs does not notice it, even if it does not listen yet.
+// Tries a datagram connection, which the system refuses only if no process owns the socket. A
+// running server does not notice the attempt, and need not listen yet.
 bool HasEnded(const std::string& path) {
   std::error_code ignored;
   if (!std::filesystem::is_socket(std::filesystem::symlink_status(path, ignored))) return false;

@@ -43,7 +43,7 @@ struct Launch {
   const char* command;
   int nothing;  // descriptor of the null device
   int output;
-  bool forgets;  // discards all but the end of the output
+  bool forgets;  // whether the guard discards all but the end of the output
 };
 
 [[noreturn]] void BecomeCommand(const Launch& launch) {
@@ -60,12 +60,12 @@ struct Launch {
   _exit(127);
 }
 
-// The guard is forked from a process with threads, so it may only call functions that a signal
-// handler may call. All its signals are blocked. SIGTERM asks it to end the command.
+// The guard is forked from a process with threads, so it may call only functions that are safe in a
+// signal handler. All its signals are blocked. SIGTERM asks the guard to end the command.
 class Guard {
  public:
   explicit Guard(const Launch& launch) : launch_(launch) {}
-  // Ends with the command's status, or by SIGKILL if processes of the command may be left.
+  // Ends with the command's status, or by SIGKILL if processes of the command may still be running.
   [[noreturn]] void Run(pid_t icehost);
 
  private:
@@ -78,13 +78,13 @@ class Guard {
   bool IsGroupGone();
 
   Launch launch_;
-  pid_t command_ = 0;  // also the id of its process group
+  pid_t command_ = 0;  // the id of the process and of its group
   bool ended_ = false;
   int status_ = 0;
 };
 
 void Guard::Run(pid_t icehost) {
-  // The guard gets SIGTERM when icehost ends. It adopts the orphans of the command, to reap them.
+  // The guard receives SIGTERM when icehost ends. It adopts orphans of the command to reap them.
   prctl(PR_SET_PDEATHSIG, SIGTERM);
   prctl(PR_SET_CHILD_SUBREAPER, 1);
   setpgid(0, 0);
@@ -103,7 +103,7 @@ void Guard::Start() {
   command_ = fork();
   if (command_ == 0) BecomeCommand(launch_);
   if (command_ > 0) {
-    setpgid(command_, command_);  // the command does the same; either may be first
+    setpgid(command_, command_);  // the command does the same, because either may run first
     return;
   }
   constexpr std::string_view kWhy = "cannot fork\n";
@@ -111,7 +111,7 @@ void Guard::Start() {
   _exit(126);
 }
 
-// Icehost's own files and connections must end with icehost, not with the guard.
+// The files and connections of icehost must close when icehost ends, not when the guard ends.
 void Guard::DropDescriptors() const {
   for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) dup2(launch_.nothing, fd);
   const auto output = static_cast<unsigned>(launch_.output);
@@ -166,14 +166,14 @@ bool Guard::IsGroupGone() {
   throw IoError(fmt::format("cannot start the --spawn command: {}", std::strerror(errno)));
 }
 
-// Returns -1 if reading would wait, or would take data from another reader.
+// Returns -1 if a read could wait, or could take data from another reader.
 int OpenToRead(int fd) {
   struct stat status = {};
   if (fstat(fd, &status) != 0 || !S_ISREG(status.st_mode)) return -1;
   return open(fmt::format("/proc/self/fd/{}", fd).c_str(), O_RDONLY | O_CLOEXEC);
 }
 
-// Returns the last lines of a file, indented; of a very long line, only the end.
+// Returns the last lines of a file, indented. Cuts off the beginning of a very long line.
 std::string LastLines(int fd) {
   struct stat status = {};
   std::string text(kShownOutput, '\0');
@@ -204,7 +204,7 @@ void SpawnedCommand::Start() {
   const int output = log_ != nullptr ? log_->Descriptor() : memfd_create("output", MFD_CLOEXEC);
   if (output < 0) FailToStart();
   kept_ = log_ != nullptr ? OpenToRead(output) : output;
-  // The command may open its output again by name, such as /dev/stderr, but must not overwrite it.
+  // O_APPEND prevents the command from overwriting its output if it opens /dev/stderr, for example.
   if (kept_ >= 0) fcntl(output, F_SETFL, O_APPEND);
   const int nothing = open("/dev/null", O_RDWR | O_CLOEXEC);
   if (nothing < 0) FailToStart();
@@ -244,7 +244,7 @@ bool SpawnedCommand::HasEndedWithin(milliseconds patience) {
 
 bool SpawnedCommand::End(bool failed) {
   if (guard_ == 0 && !ended_) return true;
-  // After a signal, icehost waits for the guard, so that no process is left when icehost has ended.
+  // After a signal, icehost must not end before the guard, so that no process is left.
   const Rescue after_a_signal(Rescue::State::kWorking, [] {});
   if (!HasEndedWithin(failed ? kEndsAfterLoss : milliseconds(0))) {
     kill(guard_, SIGTERM);

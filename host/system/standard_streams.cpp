@@ -38,7 +38,7 @@ class Unbuffered : public std::streambuf {
   DescriptorWriter writer_;
 };
 
-// Never destroyed, because threads may use it while the process ends.
+// This object is never destroyed, because threads may use it while the process ends.
 std::ostream& standard_error = *new std::ostream(new Unbuffered(STDERR_FILENO));
 
 }  // namespace
@@ -50,7 +50,7 @@ std::ostream& StandardError() {
 void OccupyStandardDescriptors() {
   for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
     if (fcntl(fd, F_GETFD) != -1 || errno != EBADF) continue;
-    // open returns the lowest free number: this one. The wrong direction makes every use an error.
+    // open returns this descriptor, the lowest free one. Its wrong direction makes every use fail.
     [[maybe_unused]] const int opened = open("/dev/null", fd == 0 ? O_WRONLY : O_RDONLY);
   }
 }
@@ -83,7 +83,7 @@ CapturedOutput::~CapturedOutput() {
 }
 
 std::string CapturedOutput::Take() {
-  // Descriptor 1 shares this offset, so it is the size of the output.
+  // Descriptor 1 shares this offset, which is therefore the size of the output.
   const off_t size = lseek(kept_, 0, SEEK_CUR);
   if (size <= 0) return "";
   std::string text(static_cast<std::size_t>(size), '\0');

@@ -12,7 +12,7 @@ struct Range {
   char32_t last;
 };
 
-// In order: Unicode's control (Cc) and format characters (Cf), line and paragraph separators.
+// Unicode's control (Cc) and format (Cf) characters, and line and paragraph separators, sorted.
 constexpr Range kUnprintable[] = {
     {0x00, 0x08},       {0x0A, 0x1F},       {0x7F, 0x9F},       {0xAD, 0xAD},
     {0x600, 0x605},     {0x61C, 0x61C},     {0x6DD, 0x6DD},     {0x70F, 0x70F},
@@ -29,7 +29,7 @@ bool IsPrintable(char32_t code) {
   return range == std::end(kUnprintable) || code < range->first;
 }
 
-// Returns the number of bytes of a character with this first byte; 0 if there is none.
+// Returns the size of the UTF-8 character that begins with this byte, or 0 if no character does.
 std::size_t SizeOf(unsigned char first) {
   if (first < 0x80) return 1;
   if (first >= 0xC2 && first < 0xE0) return 2;  // 0xC0 and 0xC1 begin only overlong forms
@@ -37,7 +37,7 @@ std::size_t SizeOf(unsigned char first) {
   return first >= 0xF0 && first < 0xF5 ? 4 : 0;
 }
 
-// Reads the character in the first `size` bytes; returns false if they are not UTF-8.
+// Decodes the first `size` bytes as one character. Returns false if they are not valid UTF-8.
 bool Decode(std::string_view text, std::size_t size, char32_t& code) {
   if (size == 0 || text.size() < size) return false;
   const auto first = static_cast<unsigned char>(text[0]);
@@ -50,7 +50,7 @@ bool Decode(std::string_view text, std::size_t size, char32_t& code) {
   return code >= least[size - 1] && code <= 0x10FFFF && (code < 0xD800 || code > 0xDFFF);
 }
 
-// Returns whether a text needs only quotes to be JSON, as most texts do.
+// Returns whether a text needs no escapes in ASCII JSON, which is true of most texts.
 bool IsPlainJson(std::string_view text) {
   return std::all_of(text.begin(), text.end(),
                      [](char ch) { return ch >= ' ' && ch < '\x7f' && ch != '"' && ch != '\\'; });
@@ -61,7 +61,7 @@ struct Replacement {
   std::string_view with;
 };
 
-// XML forbids "]]>", hence ">". U+FFFE and U+FFFF are valid UTF-8, but not characters of XML.
+// ">" is replaced because XML forbids "]]>". XML also forbids U+FFFE and U+FFFF.
 constexpr Replacement kReplacements[] = {
     {"&", "&amp;"},   {"<", "&lt;"},         {">", "&gt;"},
     {"\"", "&quot;"}, {"\xEF\xBF\xBE", "?"}, {"\xEF\xBF\xBF", "?"},
