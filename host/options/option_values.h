@@ -1,5 +1,5 @@
-// Reads the values of options, and refuses values that do not fit together. All functions throw
-// std::invalid_argument, which says what is expected or wrong.
+// Reads the values of options. All functions throw std::invalid_argument for a wrong value; the
+// text of the exception says what is expected or wrong.
 #ifndef ICESCRIPT_HOST_OPTIONS_OPTION_VALUES_H_
 #define ICESCRIPT_HOST_OPTIONS_OPTION_VALUES_H_
 
@@ -15,7 +15,7 @@ namespace icehost {
 
 // Reads "tcp:PORT" (on the loopback address), "tcp:ADDRESS:PORT" or "unix:PATH".
 Endpoint ParseServeEndpoint(const std::string& text);
-// Reads "jtag5", "2wire" or "cjtag2", and returns the CDI_ANSWER_.
+// Reads "jtag5", "2wire" or "cjtag2", and returns its CDI_ANSWER_ value.
 int ParseWireMode(const std::string& text);
 // Reads a number of seconds, more than 0 and up to 86400 (a day).
 std::chrono::milliseconds ParseSeconds(const std::string& text);
@@ -29,7 +29,8 @@ std::size_t ParseMebibytes(const std::string& text);
 std::uint32_t ParseIdcode(const std::string& text);
 // Reads a hexadecimal number of up to 32 bits.
 std::uint64_t ParseInstruction(const std::string& text);
-// Reads "IR:BITS[=HEX]", where IR is a hexadecimal instruction, and adds the register to `target`.
+// Reads "IR:BITS[=HEX]" (a hexadecimal instruction, a length and a reset value), and adds this
+// register to `target`.
 void ParseRegister(const std::string& text, TargetOptions& target);
 
 // Reads "L,L,...", the IR lengths of a chain in bits, each from 2 to 256.

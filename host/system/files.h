@@ -1,4 +1,4 @@
-// Input files, files in memory, and a test whether two files are the same.
+// Reads input files, makes files in memory, and tests whether two files are the same.
 #ifndef ICESCRIPT_HOST_SYSTEM_FILES_H_
 #define ICESCRIPT_HOST_SYSTEM_FILES_H_
 

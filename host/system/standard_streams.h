@@ -8,43 +8,43 @@
 
 namespace icehost {
 
-// Opens each standard descriptor that is closed at the start of the process. Otherwise a file or
-// connection could get its number, and text for the user would go there. Reading or writing such a
-// descriptor fails. Must be called first.
+// Opens each standard descriptor that is closed at the start of the process, so that no file or
+// connection gets its number and then the text for the user. Reading and writing such a descriptor
+// fail. Must be called first.
 void OccupyStandardDescriptors();
 
-// Returns unbuffered standard error. A wait for its reader ends after a signal.
+// Returns unbuffered standard error. A signal ends a wait for its reader.
 std::ostream& StandardError();
 
-// Flushes the streams. Returns false if standard output or standard error did not accept everything
-// that was written since the start.
+// Flushes the streams. Returns whether standard output and standard error have accepted everything
+// since the start of the process.
 bool CompleteStandardStreams();
 
-// Returns whether to use colours on `fd`: if it is a terminal, NO_COLOR is not set or is empty, and
-// TERM is not "dumb", as it is in the buffer of an editor.
+// Returns whether to use colours on `fd`: it must be a terminal, NO_COLOR must be unset or empty,
+// and TERM must not be "dumb", as it is in an editor.
 bool WantsColour(int fd);
 
-// Prints a line on standard error, as Printable returns it and without line feeds at its end.
+// Prints a line on standard error, as Printable returns it. Line feeds at its end are ignored.
 void ComplainLine(std::string line);
-// Does the same, with "icehost: " before the line.
+// The same, with "icehost: " before the line.
 void Complain(const std::string& what);
 
 // Prints that memory has run out, without allocating any.
 void ComplainOfMemory();
 
-// While the object exists, captures text that a library writes to descriptor 1, for example with
-// printf, and User returns the user's standard output. Only one object may exist at a time.
+// Captures the text that a library writes to descriptor 1, for example with printf, while the
+// object exists. User returns the real standard output. Only one object may exist at a time.
 class CapturedOutput {
  public:
   // Throws IoError.
   CapturedOutput();
-  // Restores the user's standard output.
+  // Restores descriptor 1.
   ~CapturedOutput();
   CapturedOutput(const CapturedOutput&) = delete;
   CapturedOutput& operator=(const CapturedOutput&) = delete;
 
   FILE* User() { return user_; }
-  // Returns the text that was written to descriptor 1, and flushed, since the last call.
+  // Returns the text that was written to descriptor 1 and flushed since the last call.
   std::string Take();
 
  private:
