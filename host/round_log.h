@@ -25,9 +25,9 @@ class RoundLog : public EventListener, public StepRecorder {
 
   // Begins a round; the first one is 1.
   void BeginRound(long round);
-  // Passes on all events of the current round, which has failed: those so far and all later ones.
-  // If the round was too long to keep, its calls and steps so far are missing, and a warning says
-  // so. Another warning ends the 1000th of these rounds. `now` is the time of the warnings.
+  // Passes on the events of the current round, which has failed: the events so far and all later
+  // events. If the round was too long to keep, a warning replaces its calls and steps so far.
+  // In the 1000th failed round, a warning says that no more follow. `now` is the warnings' time.
   void PassOn(RunTime now);
 
   void OnScript(const ScriptBegin& script) override;
@@ -42,7 +42,6 @@ class RoundLog : public EventListener, public StepRecorder {
   void Record(const PinStep& step) override;
 
  private:
-  // An event to pass on later.
   struct Kept {
     std::function<void()> pass;
     bool detail;  // a call, message, notice or step

@@ -22,7 +22,7 @@ class RunEvents : public StepRecorder {
   // The arguments must outlive this object.
   RunEvents(Outputs& outputs, Console& console, const RunCommand& command);
 
-  // Begins the run. Sets its start time in `run`.
+  // Begins the run, and sets its start time.
   void BeginRun(RunBegin run);
   // Begins a round of a repeated run; the first one is 1.
   void BeginRound(long round);
@@ -38,13 +38,11 @@ class RunEvents : public StepRecorder {
   // Returns the time since the run began.
   RunTime Now() const;
   bool InScript() const { return in_script_; }
-  // Reports why the run ends. For a Rescue: it does not use the console's standard output, which
-  // the main thread may be using.
+  // Reports why the run ends, but not on standard output, so that a Rescue may call it at any time.
   void Abandon(const std::string& why);
 
-  // Begins a call of the plug-in. `begins_operation` is false if the call only prepares an
-  // operation. Throws IoError if standard output can no longer be written, so that the rest of the
-  // script does not run unseen.
+  // Begins a call of the plug-in, which may only prepare an operation. Throws IoError if standard
+  // output can no longer be written, so that the rest of the script does not run unseen.
   void BeginCall(const char* function, const CallSource& source, bool begins_operation);
   // Ends the current call, and sets its times.
   void EndCall(CallEvent call);
@@ -82,9 +80,7 @@ class RunEvents : public StepRecorder {
   std::string WithRound(const std::string& text) const;
   void Pass(const char* message);
   void PassCaptured();
-  // Reports `what` about a place in the script. A line or column of 0 means there is none.
   void SayAt(Place place, const std::string& what, Severity severity = Severity::kError);
-  // Passes a notice to the outputs, and returns it.
   Notice Tell(Place place, const std::string& what, Severity severity);
 
   Outputs& outputs_;

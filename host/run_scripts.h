@@ -1,4 +1,3 @@
-// Reads the scripts of a run before it begins.
 #ifndef ICESCRIPT_HOST_RUN_SCRIPTS_H_
 #define ICESCRIPT_HOST_RUN_SCRIPTS_H_
 
@@ -37,8 +36,8 @@ RunBegin BeginOf(const RunCommand& command, const std::vector<Script>& scripts);
 // Returns the event that begins a script. The script must outlive the event.
 ScriptBegin BeginOf(const Script& script, std::size_t index);
 
-// Writes those outputs of a run that does not begin that have OutputKind::reports_unplayed. `why`
-// is the reason; it may be empty if a script has a `refusal`. `scripts` is as for BeginOf.
+// Writes the outputs with OutputKind::reports_unplayed for a run that does not begin. `why` is the
+// reason; it may be empty if a script has a `refusal`. `scripts` is empty if they cannot be read.
 void ReportUnplayed(const RunCommand& command, const std::vector<Script>& scripts,
                     const std::string& why, ExitStatus status);
 

@@ -18,7 +18,7 @@ namespace icehost {
 
 class RunTotals {
  public:
-  // The arguments must outlive this object. `scripts` may be filled in until the first round.
+  // The arguments must outlive this object. Scripts may be added until the first round begins.
   RunTotals(const RunCommand& command, std::vector<Script>& scripts, const ObservedProbe& probe,
             const Console& console)
       : command_(command), scripts_(scripts), probe_(probe), console_(console) {}

@@ -1,4 +1,4 @@
-// The verbs. Each one reports why it failed before it returns.
+// The verbs. Each verb reports the reason for a failure before it returns.
 #ifndef ICESCRIPT_HOST_VERBS_H_
 #define ICESCRIPT_HOST_VERBS_H_
 

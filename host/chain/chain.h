@@ -44,8 +44,7 @@ std::string ManufacturerName(Manufacturer manufacturer);
 
 // Adds a fault for each IDCODE that is not valid.
 void JudgeIdcodes(Chain& chain);
-// Returns "TAP 2", followed by the TAP's name in parentheses if it has one; `i` is the index of the
-// TAP. The text is Printable.
+// Returns "TAP 2 (NAME)" for `i` = 1, or "TAP 2" if the TAP has no name. The text is Printable.
 std::string TapTitle(const Chain& chain, std::size_t i);
 // Returns "1 TAP", "2 TAPs" and so on.
 std::string CountedTaps(std::size_t taps);
@@ -53,12 +52,11 @@ std::string CountedTaps(std::size_t taps);
 // Returns the place of the TAP with the index `tap` in a chain that was read. Throws Unsupported if
 // the chain is not sound or has no such TAP, or if an IR length is unknown.
 ChainPlace PlaceIn(const Chain& chain, std::size_t tap);
-// Returns `place`, and throws Unsupported if the TAPs or captured IRs of the chain that was read do
-// not match it. If `place` has no IR lengths, returns a place with the whole chain as one TAP.
+// Returns `place` if the TAPs and captured IRs of the chain that was read match it, and otherwise
+// throws Unsupported. If `place` has no IR lengths, returns a place with the chain as one TAP.
 ChainPlace ConfirmPlace(const Chain& chain, const ChainPlace& place);
 
-// Returns a Printable report for the user with the TAPs and the notes, but without the faults.
-// `where` is the name of the probe.
+// Returns a Printable report of the TAPs and notes, without the faults. `where` names the probe.
 std::string ReportOf(const Chain& chain, const std::string& where);
 
 // Returns a JTAG script that passes on a sound chain. It shifts through BYPASS, whose instruction

@@ -12,8 +12,7 @@ struct CheckResult {
   Plan plan;
 };
 
-// Finds the problems of a script and the operations that run, without touching a probe. Throws
-// Interrupted.
+// Finds the problems of a script and the operations that run. Throws Interrupted.
 CheckResult CheckScript(const ScriptText& script);
 
 // Do the same for scripts that the plug-in runs as GPIO scripts, and as JTAG scripts.

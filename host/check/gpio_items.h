@@ -53,7 +53,7 @@ class GpioLine {
 
   // Returns the place of the last item with this key, or of the line's text if there is none.
   Place PlaceOf(unsigned key);
-  // Returns whether an item has the key REPT or ENDR, or a key that looks like a misspelling.
+  // Returns whether an item has the key REPT or ENDR, correct or misspelt.
   bool NamesBlock();
   // Returns the reason why the plug-in's parser refused the item `field`, a part of the line's
   // text. The reason says what is allowed, and what the author probably meant.

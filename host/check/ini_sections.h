@@ -31,9 +31,8 @@ struct IniSection {
   bool cut = false;  // the line at ScriptText::CutAt() is in this section
 };
 
-// Reads the lines as the plug-in's reader does. Reports problems of single lines and headers, and
-// skips lines that the reader refuses. Returns the sections that have values, in the order of their
-// first values.
+// Reads the lines as the plug-in does, and skips the lines that it refuses. Reports problems of
+// single lines and headers. Returns the sections with values, in the order of their first values.
 std::vector<IniSection> FindSections(const ScriptText& script, Problems& problems);
 
 }  // namespace icehost

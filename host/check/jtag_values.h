@@ -27,8 +27,8 @@ std::unique_ptr<icescript::JtagOperatorData> CheckScan(const IniSection& section
                                                        Problems& problems);
 
 // Reads the values of TDO and MASK, or of IR_TDO and IR_MASK, for a register of `bits` bits;
-// `value_key` is kDrTdo or kIrTdo. Returns nothing if the section has no such value, or if it
-// reports a wrong value.
+// `value_key` is kDrTdo or kIrTdo. Reports wrong values. Returns nothing if the section has no such
+// value, or a wrong one.
 std::optional<Expectation> ReadScanExpectation(const ScriptText& script, const IniSection& section,
                                                ScanKey value_key, int bits, Problems& problems);
 

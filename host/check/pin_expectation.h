@@ -15,8 +15,7 @@ namespace icehost {
 std::string_view TrimWhitespace(std::string_view text);
 // Returns the comment of a line, from its "#" to the end; empty if the line has none.
 std::string_view CommentOf(const ScriptLine& line);
-// Returns the part of a comment from the word "expect" to the next "#" or the end; empty if there
-// is none.
+// Returns the part of a comment from the word "expect" to the next "#" or the end, or nothing.
 std::string_view FindExpect(std::string_view comment);
 // Returns the text after the word "expect".
 std::string_view LevelsIn(std::string_view expect);
@@ -29,8 +28,8 @@ struct PinLevel {
 // Reads "NAME=LEVEL", with or without blanks around its parts. Returns nothing for any other text.
 std::optional<PinLevel> ReadPinLevel(std::string_view item);
 
-// Reads the expectation of a line that reads the pins. Returns nothing if the line has none, or if
-// it reports a wrong expectation.
+// Reads the expectation of a line that reads the pins. Reports a wrong expectation. Returns nothing
+// if the line has no expectation, or a wrong one.
 std::optional<Expectation> ReadPinExpectation(const ScriptLine& line, Problems& problems);
 
 // Returns whether any comment of a script may contain an expectation.

@@ -30,10 +30,10 @@ struct Problem {
   bool always = false;  // even --quiet does not hide this warning
   // For grouped problems:
   long more = 0;                  // the number of places after the first
-  std::vector<int> more_lines{};  // the lowest lines, each once; one more than is shown
+  std::vector<int> more_lines{};  // the lowest of their lines, each once; one more than is shown
 };
 
-// Selects the problems that a Problems keeps.
+// Selects the problems that an object of class Problems keeps.
 struct Keeping {
   bool grouped = false;  // joins problems with the same severity and text
   std::size_t most = std::numeric_limits<std::size_t>::max();  // the limit for each severity
@@ -42,7 +42,7 @@ constexpr Keeping kKeepEach{false, 100000};
 constexpr Keeping kKeepReasons{true, 50};
 
 struct ReportStyle {
-  bool errors_only = false;  // hides all but errors and warnings with `always`
+  bool errors_only = false;  // hides notes, and warnings without `always`
   bool colour = false;
 };
 
@@ -55,7 +55,7 @@ class Problems {
 
   void Error(Place place, std::string text) { Take({place, Severity::kError, std::move(text)}); }
   void Warn(Place place, std::string text) { Take({place, Severity::kWarning, std::move(text)}); }
-  // Warns even with --quiet. For an expectation without effect: a run would pass without checking.
+  // Warns even with --quiet. For use if a script seems to check a value, but does not.
   void WarnAlways(Place place, std::string text) {
     Take({place, Severity::kWarning, std::move(text), true});
   }

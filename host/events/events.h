@@ -51,8 +51,7 @@ struct StepRange {
   std::size_t end = 0;
 };
 
-// One register of a scan. Bytes are least significant first, and fit into the arrays of the
-// interface.
+// One register of a scan. Bytes are least significant first, and fit into the interface's arrays.
 struct ScanRegister {
   int bits = 0;                    // as the plug-in passes it, with the extra byte of two wires
   std::string in;                  // with the extra byte
@@ -190,14 +189,13 @@ class EventListener {
   virtual void OnScript(const ScriptBegin& /*script*/) {}
   // The script that has just begun asks for a TAP reset. Its first scan begins with the reset.
   virtual void OnResetRequest() {}
-  // The scripts address the TAP at this place in a chain of several TAPs. Called before the first
-  // scan.
+  // Called before the first scan if scripts address a TAP in a chain of several TAPs.
   virtual void OnPlace(const ChainPlace& /*place*/) {}
   virtual void OnCall(const CallEvent& call) = 0;
   // The plug-in has printed a message, which may be a part of a line.
   virtual void OnMessage(const char* /*text*/) {}
-  // A notice that explains a failed call comes before its OnCall. A notice about the run may come
-  // outside scripts.
+  // A notice that explains a failed call comes before the OnCall of this call. A notice about the
+  // run may come outside scripts.
   virtual void OnNotice(const Notice& /*notice*/) {}
   virtual void OnScriptEnd(const ScriptEnd& /*end*/) {}
   // Called once, as the last event, however the run ends. Output::End may come before it.

@@ -12,8 +12,7 @@
 
 namespace icehost {
 
-// Follows the plug-in through a script's plan, and compares the values read with the expected
-// values or stores them.
+// Follows the plug-in through the plan of a script, and compares or stores the values read.
 //
 // After the last line of a REPT block, the script either repeats the block or leaves it, and the
 // arguments of the next call do not show which. But each line has its own data word, whose address
@@ -40,13 +39,13 @@ class Follower {
 
   // Begins the next operation of a JTAG script. Returns its place in the script.
   CallSource NextOperation();
-  // The same for a pin operation. `data` is its data word, which identifies its line.
+  // Begins a pin operation in the same way. `data` is its data word, which identifies its line.
   CallSource NextPinOperation(const std::uint32_t& data);
 
   // Compares the values that the scan read with the expected values, and appends the comparisons.
   // Returns whether the call succeeds.
   bool CompareScan(const Scan& scan, std::vector<Comparison>& comparisons);
-  // The same for pins (GPIO_PIN_ bits). `reported` are the pins whose levels the probe reports.
+  // Compares `levels` in the same way. `reported` are the pins that the probe reports.
   bool ComparePins(int levels, int reported, std::vector<Comparison>& comparisons);
 
   // The following functions describe the script so far. In Mode::kLearn, Values counts nothing, and

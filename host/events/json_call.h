@@ -1,4 +1,4 @@
-// Writes host calls as JSON lines. Appends to a string for speed: a run may have millions of calls.
+// Writes host calls as JSON lines. Appends to a string for speed, because runs may be long.
 #ifndef ICESCRIPT_HOST_EVENTS_JSON_CALL_H_
 #define ICESCRIPT_HOST_EVENTS_JSON_CALL_H_
 

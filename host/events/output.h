@@ -25,8 +25,7 @@ class Output {
   virtual void Begin() {}
   // Called after all scripts or clients; only EventListener::OnRunEnd may follow.
   virtual void End(const PageHead& /*head*/) {}
-  // Returns the warnings since the last call. Each says that something was played but is missing
-  // from the file.
+  // Returns the new warnings about actions that were played but are missing from the file.
   virtual std::vector<std::string> TakeLosses() { return {}; }
 };
 

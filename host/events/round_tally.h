@@ -9,8 +9,7 @@
 
 namespace icehost {
 
-// Counts how often the expectations of a script are met in a repeated run. Its size does not grow
-// with the number of rounds.
+// Counts how often a script's expectations are met in any number of rounds, in constant memory.
 class RoundTally {
  public:
   // Adds the results of one round of the script.

@@ -24,10 +24,9 @@ enum ExitStatus : int {
   kInterrupted = 130,
 };
 
-// In the structures, an empty text means that the option was not given. The file "-" is standard
-// input or output.
+// In these structures, an empty text means "not given". The file "-" is standard input or output.
 
-// In bytes: more than any real script has, but little enough for a machine with little memory.
+// In bytes. Real scripts are smaller, and even a small machine has this much memory.
 constexpr std::size_t kDefaultSizeLimit = 64U << 20U;
 
 struct RunCommand {

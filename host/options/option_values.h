@@ -1,5 +1,4 @@
-// Reads the values of options. All functions throw std::invalid_argument for a wrong value; the
-// text of the exception says what is expected or wrong.
+// Reads the values of options. All functions throw std::invalid_argument, which names the fault.
 #ifndef ICESCRIPT_HOST_OPTIONS_OPTION_VALUES_H_
 #define ICESCRIPT_HOST_OPTIONS_OPTION_VALUES_H_
 
@@ -21,7 +20,7 @@ int ParseWireMode(const std::string& text);
 std::chrono::milliseconds ParseSeconds(const std::string& text);
 // Reads a number of TCK cycles per second, more than 0.
 double ParseHertz(const std::string& text);
-// Reads a number of rounds; 0 means without end.
+// Reads a number of rounds; 0 means rounds without end.
 long ParseRounds(const std::string& text);
 // Reads a number of mebibytes, and returns it in bytes.
 std::size_t ParseMebibytes(const std::string& text);
@@ -29,8 +28,7 @@ std::size_t ParseMebibytes(const std::string& text);
 std::uint32_t ParseIdcode(const std::string& text);
 // Reads a hexadecimal number of up to 32 bits.
 std::uint64_t ParseInstruction(const std::string& text);
-// Reads "IR:BITS[=HEX]" (a hexadecimal instruction, a length and a reset value), and adds this
-// register to `target`.
+// Adds a register to `target`: "IR:BITS[=HEX]" with a hexadecimal instruction and reset value.
 void ParseRegister(const std::string& text, TargetOptions& target);
 
 // Reads "L,L,...", the IR lengths of a chain in bits, each from 2 to 256.

@@ -54,7 +54,7 @@ class PageWriter : public StepRecorder {
   std::string Totals() const;
 
   std::string sources_;  // elements of an array, which page/model.js describes
-  std::string log_;      // elements of another array, described there, too
+  std::string log_;      // elements of another array, which page/model.js describes, too
   std::vector<std::uint16_t> steps_;
   long total_steps_ = 0;
   long rows_ = 0;
@@ -67,13 +67,11 @@ class PageWriter : public StepRecorder {
   long marks_ = 0;
 };
 
-// Return the outputs that write the page at the end of a run or of serve. `stream` must outlive
-// them.
+// Return outputs that write the page at the end of a run, or of serve. `stream` must outlive them.
 std::unique_ptr<Output> MakeRunPage(std::ostream& stream);
 std::unique_ptr<Output> MakeServePage(std::ostream& stream);
 
-// Returns page.html with its styles and scripts, as embedded at build time. It contains "@data@"
-// once, in the place of the data.
+// Returns page.html with its styles and scripts, and with "@data@" in place of the data.
 std::string_view PageTemplate();
 
 }  // namespace icehost

@@ -38,8 +38,8 @@ class TapListener {
   // The TAP has stayed in Run-Test/Idle for `cycles` rising TCK edges. Called when it leaves this
   // state, or when a reset line changes.
   virtual void OnIdle(long cycles, StepRange steps) = 0;
-  // NRST or TRST has changed. `levels` are the new levels of both (GPIO_PIN_ bits). They are high
-  // before the first step.
+  // NRST or TRST has changed. `levels` are the new levels of both (GPIO_PIN_ bits). Before the
+  // first step, both are high.
   virtual void OnResetPins(int levels, StepRange steps) = 0;
   // At a rising TCK edge with TRST high, the TAP has moved from `before.tap`, a known state, to
   // `to`, which may be the same state. Called before OnScan, OnTapReset and OnIdle of this edge.
@@ -53,8 +53,7 @@ class TapDecoder : public StepRecorder {
   explicit TapDecoder(std::vector<TapListener*> listeners) : listeners_(std::move(listeners)) {}
 
   void Record(const PinStep& step) override;
-  // Ends and reports the current scan or idle cycles, as when a client leaves. Their continuation
-  // is reported separately.
+  // Ends and reports the current scan or idle cycles. Their continuation is reported separately.
   void End();
   std::size_t Scans() const { return scans_; }
   // Returns the last recorded step; before the first one, a step with all wires high.

@@ -11,12 +11,11 @@ namespace icehost {
 
 // The pins of a remote_bitbang server. The client sends one byte for each operation: '0' to '7' set
 // TCK (4), TMS (2) and TDI (1); 'R' asks for TDO; 'r', 's', 't' and 'u' set TRST and NRST to 00,
-// 01, 10 and 11, where 1 asserts the reset; 'Q' quits. The port buffers writes, and does not wait
-// for each sample.
+// 01, 10 and 11, where 1 asserts the reset; 'Q' quits. The port buffers writes and requests.
 //
-// The protocol has no output enables, cannot drive TDO, and can read no other pin. Because answers
-// have no numbers, a surplus answer would shift all later ones: it causes an IoError. A server that
-// already has a client can only close the connection of a second client.
+// The protocol has no output enables, cannot drive TDO, and can read no other pin. Its answers have
+// no numbers, so a surplus answer would shift all later answers. It therefore causes an IoError. A
+// server that has a client can only close the connection of a second client.
 class BitbangPort : public PinPort {
  public:
   enum class Manner {
@@ -34,7 +33,6 @@ class BitbangPort : public PinPort {
   BitbangPort& operator=(const BitbangPort&) = delete;
 
   void Write(int levels, int enables) override;
-  // Returns the levels that the probe drives, and TDO.
   int Read() override;
   void SampleTdo() override;
   Bits CollectTdo() override;
@@ -57,9 +55,8 @@ class BitbangPort : public PinPort {
   std::size_t unanswered_ = 0;  // samples requested, sent or not
   Bits samples_;
   int levels_ = GPIO_PIN_ALL;
-  // The last byte of each kind, or NUL.
-  char pin_byte_ = '\0';
-  char reset_byte_ = '\0';
+  char pin_byte_ = '\0';    // the last byte for TCK, TMS and TDI, or NUL
+  char reset_byte_ = '\0';  // the last byte for TRST and NRST, or NUL
 };
 
 }  // namespace icehost

@@ -42,8 +42,7 @@ class OpenocdRpc {
 // interface and commands that OpenOCD refuses, and IoError as OpenocdRpc::Ask does.
 class OpenocdProbe : public Probe {
  public:
-  // `tap` is the TAP's name; it may be empty if OpenOCD has only one TAP. Throws IoError if OpenOCD
-  // has no TAP of this name.
+  // `tap` may be empty if OpenOCD has only one TAP. Throws IoError if OpenOCD has no such TAP.
   OpenocdProbe(Socket socket, std::string tap);
 
   int Config(int code, int value) override;

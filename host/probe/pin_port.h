@@ -20,21 +20,18 @@ class PinPort {
   // Returns the present levels of all pins.
   virtual int Read() = 0;
 
-  // Samples TDO between the previous and the next write, for CollectTdo. Need not wait for the
-  // sample.
+  // Requests a sample of TDO between the previous and the next write, for CollectTdo.
   virtual void SampleTdo() = 0;
   // Returns the samples since the last call, the first one first.
   virtual Bits CollectTdo() = 0;
-  // Sends buffered writes, and returns after the receiver has answered. The caller must have
-  // collected all samples.
+  // Sends buffered writes, and waits for an answer. The caller must have collected all samples.
   virtual void Flush() {}
   // Returns the pins (GPIO_PIN_ bits) whose levels Read takes from the wires. For the other pins,
   // Read returns what the probe drives.
   virtual int ReportedPins() const { return GPIO_PIN_ALL; }
   // Returns the length of the target's IR in bits, if the port knows it.
   virtual std::optional<int> IrLength() const { return std::nullopt; }
-  // Throws IoError if it is known, without waiting, that the pins are lost. For use only while no
-  // answer is expected.
+  // Throws IoError if the pins are lost. Does not wait. For use only while no answer is expected.
   virtual void CheckAlive() {}
 };
 

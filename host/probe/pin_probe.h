@@ -55,8 +55,9 @@ class TapWalker {
 
 class PinProbe : public Probe {
  public:
-  // `port` must outlive the probe. `wire_mode` is the CDI_ANSWER_ value at the start. Unless
-  // `two_wire`, selecting the 2-wire interface throws Unsupported. Scripts address `place`.
+  // `port` must outlive the probe. `wire_mode` is the CDI_ANSWER_ value at the start. If `two_wire`
+  // is false, selecting the 2-wire interface throws Unsupported. Scripts address the TAP at
+  // `place`.
   PinProbe(PinPort& port, int wire_mode, bool two_wire, ChainPlace place = {})
       : port_(port),
         two_wire_(two_wire),

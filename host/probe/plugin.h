@@ -11,8 +11,7 @@ namespace icehost {
 
 class Plugin {
  public:
-  // Loads the library at `path`, and binds it to the link_ functions of this process. Throws an
-  // IoError that says why the library cannot be loaded.
+  // Loads the library at `path` for use with this process's link_ functions. Throws IoError.
   explicit Plugin(const std::string& path);
   ~Plugin();
   Plugin(const Plugin&) = delete;

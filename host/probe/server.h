@@ -17,8 +17,7 @@ namespace icehost {
 // second. TCP keep-alive detects clients that vanish.
 class Server {
  public:
-  // Receives the actions of clients in order, and never while the port works. If a function throws,
-  // Run ends with this exception.
+  // Receives the clients' actions in order, but not while the port works. It may throw to end Run.
   class Observer {
    public:
     virtual ~Observer() = default;
@@ -43,8 +42,8 @@ class Server {
   // Interrupted if they take more than a fraction of a second, or than AllowAfterSignal allows.
   // Throws IoError if no more clients can be accepted, or if the port is lost, used or not.
   void Run();
-  // For use after Run has thrown. Returns whether a client has left whose last bytes may not have
-  // been played.
+  // For use after Run has thrown. Returns whether the client has left, but some of its bytes may
+  // not have been played.
   bool OwesAPart() const;
 
  private:

@@ -6,8 +6,8 @@
 
 namespace icehost {
 
-// A protocol of serve: plays the bytes that a client sends on the pins of a port. Each client finds
-// the pins as the previous one left them.
+// A protocol of serve. It plays the bytes of a client on the pins of a port. Each client finds the
+// pins as the previous client left them.
 class Session {
  public:
   virtual ~Session() = default;

@@ -63,7 +63,7 @@ class Target {
   bool held_ = false;
   TapState state_ = TapState::kTestLogicReset;
   std::uint64_t instruction_;
-  Bits shift_;  // a ring, so that an edge replaces only one bit
+  Bits shift_;             // a ring, so that an edge replaces only one bit
   std::size_t first_ = 0;  // the index of the bit that leaves next
   std::optional<bool> tdo_;
 };

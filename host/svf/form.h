@@ -45,7 +45,7 @@ class SvfForm {
   virtual void Scan(bool ir, const SvfShift& shift) = 0;
   // Sets the stable state in which scans of the IR or the DR end from now on.
   virtual void EndState(bool ir, TapState state) = 0;
-  // Goes to one stable state, or along a path that ends in one.
+  // Goes to a stable state, or along a path that ends in a stable state.
   virtual void State(const std::vector<TapState>& path) = 0;
   virtual void RunTest(const SvfRunTest& run) = 0;
   virtual void Trst(SvfTrst mode) = 0;
@@ -62,7 +62,7 @@ class SvfForm {
     size_ += text.size();
     if (script_ != nullptr) *script_ << text;
   }
-  // Return the place of the keyword, and of a word after it by its index.
+  // Return the place of the keyword, and of the word with this index after the keyword.
   Place At() const { return statement_.keyword.place; }
   Place AtWord(std::size_t word) const { return statement_.words[word].place; }
   // Returns the keyword in upper case.

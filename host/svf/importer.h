@@ -21,10 +21,10 @@ struct SvfImport {
 };
 
 // Reads `text`, a file in the Serial Vector Format (SVF), and writes a script with the same effect
-// to `script` unless it is null. The script passes `check`. Returns the problems of the file and
+// to `script` unless that is null. The script passes `check`. Returns the problems of the file and
 // the parts that the script leaves out, sorted by place. Stops when the problems are full. If there
-// are errors, `script` is useless, and has at most about SvfImport::most bytes. Calls `on_progress`
-// with the number of bytes read after each statement. Throws Interrupted.
+// are errors, the text written is useless, and has at most about SvfImport::most bytes. After each
+// statement, calls `on_progress` with the number of bytes read. Throws Interrupted.
 Problems ImportSvf(const SvfImport& import, std::string_view text, std::ostream* script,
                    const std::function<void(std::size_t)>& on_progress);
 

@@ -71,7 +71,7 @@ class SvfReader {
   SvfCursor cursor_;
 };
 
-// Returns whether a token is the word `upper`. The token may be in lower case, but not `upper`.
+// Returns whether a token is the word `upper` in any case; `upper` itself is in upper case.
 bool IsSvfWord(const SvfToken& token, std::string_view upper);
 // Returns the text of a token in quotes, for a message.
 std::string Quoted(const SvfToken& token);

@@ -23,8 +23,7 @@ struct SvfScan {
   bool own = false;  // a scan of one TAP, with headers and trailers for the others of its chain
 };
 
-// The base of both writers below. Writes ASCII in lines of at most 256 characters, the limit of the
-// format.
+// The base of both writers below. Writes ASCII in lines of up to 256 characters, the limit of SVF.
 class SvfWriter : public Output, public EventListener {
  public:
   // `stream` must outlive this object.

@@ -6,15 +6,13 @@
 
 namespace icehost {
 
-// Writes to a descriptor. Waits for a slow reader until a signal arrives. Several threads may use
-// the same object.
+// Writes to a descriptor, for one or more threads. Waits for a slow reader until a signal arrives.
 class DescriptorWriter {
  public:
   // `fd` must stay open while the object is in use.
   explicit DescriptorWriter(int fd);
 
-  // Writes `bytes`, but nothing after a failure. Returns whether these and all earlier bytes were
-  // written.
+  // Returns whether these and all earlier bytes were written. Writes nothing after a failure.
   bool Write(std::string_view bytes);
   // Returns the errno of the first failed write, or 0. It is EINTR if a signal ended a wait.
   int Error() const { return error_; }

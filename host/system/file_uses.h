@@ -14,8 +14,7 @@ namespace icehost {
 // of their paths, so links make no difference.
 class FileUses {
  public:
-  // Registers the files that the command reads: `scripts` ("-" is standard input) and `plugin`,
-  // which may be empty.
+  // Registers the command's inputs: `scripts` ("-" is standard input), and `plugin` if not empty.
   explicit FileUses(const std::vector<std::string>& scripts = {}, const std::string& plugin = "");
 
   // Registers the file that `option` writes. The file must not be begun yet. Throws BadUsage if it

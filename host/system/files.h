@@ -30,9 +30,8 @@ class MemoryFile {
   std::string path_;
 };
 
-// Returns whether both describe the same file, terminal or pipe.
+// Return whether both arguments refer to the same file, terminal or pipe.
 bool IsSameFile(const struct stat& one, const struct stat& other);
-// Returns whether both descriptors refer to the same file, terminal or pipe.
 bool IsSameFile(int fd, int other);
 
 }  // namespace icehost

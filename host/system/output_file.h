@@ -23,8 +23,7 @@ class OutputFile {
   // The part of an incomplete file that is kept: all whole lines, or nothing.
   enum class Rest { kLines, kNothing };
 
-  // Opens the file; "-" is the file to which descriptor 1 refers now. Throws an IoError that says
-  // why the file cannot be opened.
+  // Opens the file. "-" is the file to which descriptor 1 refers now. Throws IoError.
   OutputFile(const std::string& path, Rest rest);
   // Writes the buffered text if the file was begun, and closes the file.
   ~OutputFile();

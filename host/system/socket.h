@@ -27,8 +27,7 @@ class Socket {
   // How long to wait for surplus answers after the last expected answer.
   static constexpr Timeout kStragglers{10};
 
-  // Connects. After each failed attempt calls `again`, which may throw, and tries again. If `again`
-  // is null, tries once.
+  // Connects. Calls `again`, which may throw, after each failed attempt; if it is null, tries once.
   static Socket Connect(const Endpoint& endpoint, Timeout timeout,
                         const std::function<void()>& again = nullptr);
   // Returns whether a server accepts connections at `endpoint`. Makes a connection to find out.
@@ -37,16 +36,14 @@ class Socket {
   Socket(int fd, const std::string& name, Timeout timeout);
 
   void Send(std::string_view bytes);
-  // Waits for at least one byte. Returns up to `limit` bytes; none if the other side has closed the
-  // connection.
+  // Waits for bytes, and returns up to `limit`; none if the other side has closed the connection.
   std::string Receive(std::size_t limit);
   // Returns the number of bytes that have arrived but were not received yet. If there are none,
   // waits up to `patience` for the first.
   std::size_t Pending(std::chrono::milliseconds patience = {});
   // Returns whether the other side has closed the connection and nothing is left to receive.
   bool HasEnded();
-  // Sets a text that is added to the error message if the connection is lost before anything was
-  // received.
+  // Adds `advice` to the error message if the connection is lost before anything was received.
   void AdviseOnLoss(std::string advice) { advice_ = std::move(advice); }
   // Throw an IoError: `who`, the other side, has closed the connection, or has sent surplus bytes.
   [[noreturn]] void FailClosed(const std::string& who) const;
@@ -90,8 +87,7 @@ class Listener {
  public:
   using Acceptor = asio::basic_socket_acceptor<StreamProtocol>;
 
-  // Listens on `endpoint`. For a UNIX socket, `timeout` is that of its SocketFile. Throws IoError
-  // and Interrupted.
+  // Listens on `endpoint`. A SocketFile uses `timeout`. Throws IoError and Interrupted.
   Listener(const Endpoint& endpoint, std::chrono::milliseconds timeout);
 
   // Returns the endpoint for clients, with the real port instead of port 0.

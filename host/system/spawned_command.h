@@ -42,7 +42,7 @@ class SpawnedCommand {
   std::string command_;
   OutputFile* log_ = nullptr;
   int kept_ = -1;    // the descriptor of the output; -1 if the output cannot be read again
-  pid_t guard_ = 0;  // its process id; 0 if it was not started or has ended
+  pid_t guard_ = 0;  // the process id of the guard; 0 if it was not started or has ended
   bool ended_ = false;
   int status_ = 0;  // of the guard, from waitpid
 };

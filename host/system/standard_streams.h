@@ -8,28 +8,27 @@
 
 namespace icehost {
 
-// Opens each standard descriptor that is closed at the start of the process, so that no file or
-// connection gets its number and then the text for the user. Reading and writing such a descriptor
-// fail. Must be called first.
+// Opens each standard descriptor that is closed at the start of the process. Otherwise a file or
+// connection could get its number, and receive the text for the user. Reads and writes of such a
+// descriptor fail. Must be called first.
 void OccupyStandardDescriptors();
 
 // Returns unbuffered standard error. A signal ends a wait for its reader.
 std::ostream& StandardError();
 
-// Flushes the streams. Returns whether standard output and standard error have accepted everything
-// since the start of the process.
+// Flushes standard output and error. Returns whether both accepted everything that was written.
 bool CompleteStandardStreams();
 
 // Returns whether to use colours on `fd`: it must be a terminal, NO_COLOR must be unset or empty,
 // and TERM must not be "dumb", as it is in an editor.
 bool WantsColour(int fd);
 
-// Prints a line on standard error, as Printable returns it. Line feeds at its end are ignored.
+// Prints a line on standard error, as Printable returns it, but without line feeds at its end.
 void ComplainLine(std::string line);
-// The same, with "icehost: " before the line.
+// Prints `what` in the same way, after "icehost: ".
 void Complain(const std::string& what);
 
-// Prints that memory has run out, without allocating any.
+// Prints that memory has run out, without allocating memory.
 void ComplainOfMemory();
 
 // Captures the text that a library writes to descriptor 1, for example with printf, while the

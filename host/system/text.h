@@ -11,7 +11,7 @@ namespace icehost {
 // separator, each control character except tabs, and each format character (invisible, or for the
 // direction of the text). A question mark replaces each byte that is not UTF-8.
 std::string Printable(std::string_view text);
-// The same, but keeps line feeds.
+// Returns the text in the same form, but with its line feeds.
 std::string PrintableLines(std::string_view text);
 
 // Returns the text as a JSON string in quotes, which cannot control a terminal. U+FFFD replaces

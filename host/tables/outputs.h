@@ -62,20 +62,17 @@ class Outputs {
   // if `uses` contains another use of a file. `verb` selects OutputKind::run or OutputKind::serve.
   Outputs(const OutputRequests& requests, OutputKind::Verb OutputKind::*verb,
           const ProbeOptions& probe, FileUses uses);
-  // Opens one more file, which the caller begins and writes. Throws as the constructor does. EndRun
-  // and Complete close the file with the others.
+  // Opens one more file, which the caller begins and writes. Throws as the constructor does.
   OutputFile& Add(const std::string& option, const std::string& path, OutputFile::Rest rest);
   // Empties the files of the outputs, and begins the outputs.
   void Begin();
-  // Throws as OutputFile::ThrowIfCut does if an output goes to standard output, so that a run does
-  // not continue unseen.
+  // If an output goes to standard output, throws as its OutputFile::ThrowIfCut does.
   void ThrowIfCut() const {
     if (standard_output_ != nullptr) standard_output_->ThrowIfCut();
   }
   // Writes the buffered text of all files. Throws as OutputFile::ThrowIfCut does.
   void Flush();
-  // Returns the new warnings from Output::TakeLosses of all outputs. Ending the outputs may add
-  // more.
+  // Returns the new warnings of all outputs (Output::TakeLosses). Ending the outputs may add more.
   std::vector<std::string> TakeLosses();
   // Marks all files as incomplete. For use when memory has run out for an event.
   void MarkIncomplete();
@@ -101,8 +98,7 @@ class Outputs {
     OutputFile* file;  // null: standard error
   };
 
-  // Calls `act`, which completes the file of `writer`. Adds a message to `failures` if the file is
-  // incomplete.
+  // Calls `act`. If the file of `writer` is incomplete then, adds a message to `failures`.
   template <class Act>
   static void Guard(const Writer& writer, std::vector<std::string>& failures, const Act& act);
 

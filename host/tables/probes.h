@@ -42,8 +42,8 @@ struct ProbeKind {
   std::unique_ptr<Probe> (*open_scans)(const ProbeOptions& options) = nullptr;
   // Reads the chain. Throws Unsupported if the probe cannot report it. Never null.
   Chain (*read_chain)(const ProbeOptions& options) = nullptr;
-  // Returns the index of the only TAP that scripts can scan. Throws Unsupported if the options do
-  // not choose a TAP of the chain. Null if scripts can scan the whole chain.
+  // Returns the index of the only TAP that scripts can scan. Throws Unsupported if the chain has
+  // several TAPs and the options name none. Null if scripts can scan the whole chain.
   std::size_t (*only_tap)(const Chain& chain, const ProbeOptions& options) = nullptr;
 
   bool ShowsPins() const { return open_pins != nullptr; }

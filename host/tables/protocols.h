@@ -23,7 +23,6 @@ const std::vector<ProtocolKind>& ProtocolKinds();
 
 // Returns the row with this name. Throws std::invalid_argument, which says what is expected.
 const ProtocolKind& ParseProtocol(const std::string& name);
-// Returns the help text of --protocol.
 std::string ProtocolHelp();
 
 }  // namespace icehost

@@ -13,7 +13,7 @@ constexpr int kMostTaps = 64;
 
 enum class TapColumn { kIr, kDr };
 
-// The place of the TAP that scripts address in its chain, whose other TAPs stay in BYPASS. TAP 0 is
+// The place in its chain of the TAP that scripts address. The other TAPs stay in BYPASS. TAP 0 is
 // the nearest to TDO, so its bits are shifted first, in and out.
 struct ChainPlace {
   std::vector<int> ir_lengths;  // of all TAPs, in bits; if empty, the TAP counts as alone
