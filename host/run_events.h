@@ -41,8 +41,9 @@ class RunEvents : public StepRecorder {
   // Reports why the run ends, but not on standard output, so that a Rescue may call it at any time.
   void Abandon(const std::string& why);
 
-  // Begins a call of the plug-in, which may only prepare an operation. Throws IoError if standard
-  // output can no longer be written, so that the rest of the script does not run unseen.
+  // Begins a call of the plug-in. `begins_operation` is false if the call only prepares an
+  // operation. Throws IoError if standard output can no longer be written, so that the rest of the
+  // script does not run unseen.
   void BeginCall(const char* function, const CallSource& source, bool begins_operation);
   // Ends the current call, and sets its times.
   void EndCall(CallEvent call);

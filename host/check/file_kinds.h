@@ -9,12 +9,12 @@
 
 namespace icehost {
 
-// What icehost uses a kind of file for. kNone: icehost does not read such files.
+// The use that icehost has for a kind of file. kNone: icehost does not read such files.
 enum class FileUse { kScript, kSvf, kNone };
 
-// If the file is of a known kind that is not for the use `wanted`, returns an error at its first
-// word that names the kind and the program to use; otherwise nothing. Looks only at the beginning
-// of the file, so it may mistake a script for another file, but never an SVF file.
+// Returns an error at the first word of a file of a known kind that is not for the use `wanted`.
+// The error names the kind and the program to use. Returns nothing for any other file. Looks only
+// at the beginning of the file, so it may mistake a script for another kind, but never an SVF file.
 std::optional<Problem> FindWrongKind(std::string_view content, FileUse wanted);
 
 }  // namespace icehost

@@ -28,7 +28,7 @@ std::unique_ptr<icescript::JtagOperatorData> CheckScan(const IniSection& section
 
 // Reads the values of TDO and MASK, or of IR_TDO and IR_MASK, for a register of `bits` bits;
 // `value_key` is kDrTdo or kIrTdo. Reports wrong values. Returns nothing if the section has no such
-// value, or a wrong one.
+// value, or if a value is wrong.
 std::optional<Expectation> ReadScanExpectation(const ScriptText& script, const IniSection& section,
                                                ScanKey value_key, int bits, Problems& problems);
 

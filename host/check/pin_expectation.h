@@ -15,7 +15,7 @@ namespace icehost {
 std::string_view TrimWhitespace(std::string_view text);
 // Returns the comment of a line, from its "#" to the end; empty if the line has none.
 std::string_view CommentOf(const ScriptLine& line);
-// Returns the part of a comment from the word "expect" to the next "#" or the end, or nothing.
+// Returns the part of a comment from the word "expect" to the next "#" or the end; may be empty.
 std::string_view FindExpect(std::string_view comment);
 // Returns the text after the word "expect".
 std::string_view LevelsIn(std::string_view expect);
@@ -29,7 +29,7 @@ struct PinLevel {
 std::optional<PinLevel> ReadPinLevel(std::string_view item);
 
 // Reads the expectation of a line that reads the pins. Reports a wrong expectation. Returns nothing
-// if the line has no expectation, or a wrong one.
+// if the line has no expectation, or if the expectation is wrong.
 std::optional<Expectation> ReadPinExpectation(const ScriptLine& line, Problems& problems);
 
 // Returns whether any comment of a script may contain an expectation.

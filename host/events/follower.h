@@ -45,7 +45,7 @@ class Follower {
   // Compares the values that the scan read with the expected values, and appends the comparisons.
   // Returns whether the call succeeds.
   bool CompareScan(const Scan& scan, std::vector<Comparison>& comparisons);
-  // Compares `levels` in the same way. `reported` are the pins that the probe reports.
+  // Compares pins (GPIO_PIN_ bits) in the same way. `reported` are the pins that the probe reports.
   bool ComparePins(int levels, int reported, std::vector<Comparison>& comparisons);
 
   // The following functions describe the script so far. In Mode::kLearn, Values counts nothing, and

@@ -1,4 +1,5 @@
-// Reads the values of options. All functions throw std::invalid_argument, which names the fault.
+// Reads the values of options. All functions throw std::invalid_argument, whose text explains what
+// is wrong.
 #ifndef ICESCRIPT_HOST_OPTIONS_OPTION_VALUES_H_
 #define ICESCRIPT_HOST_OPTIONS_OPTION_VALUES_H_
 

@@ -24,7 +24,8 @@ class PinPort {
   virtual void SampleTdo() = 0;
   // Returns the samples since the last call, the first one first.
   virtual Bits CollectTdo() = 0;
-  // Sends buffered writes, and waits for an answer. The caller must have collected all samples.
+  // Sends buffered writes, and returns after the receiver has answered. The caller must have
+  // collected all samples.
   virtual void Flush() {}
   // Returns the pins (GPIO_PIN_ bits) whose levels Read takes from the wires. For the other pins,
   // Read returns what the probe drives.

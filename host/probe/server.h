@@ -40,7 +40,7 @@ class Server {
 
   // Serves until a signal arrives, and then plays the bytes that clients have sent. Throws
   // Interrupted if they take more than a fraction of a second, or than AllowAfterSignal allows.
-  // Throws IoError if no more clients can be accepted, or if the port is lost, used or not.
+  // Throws IoError if no more clients can be accepted, or if the port is lost, even while unused.
   void Run();
   // For use after Run has thrown. Returns whether the client has left, but some of its bytes may
   // not have been played.

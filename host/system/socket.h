@@ -41,11 +41,12 @@ class Socket {
   // Returns the number of bytes that have arrived but were not received yet. If there are none,
   // waits up to `patience` for the first.
   std::size_t Pending(std::chrono::milliseconds patience = {});
-  // Returns whether the other side has closed the connection and nothing is left to receive.
+  // Returns whether the other side has closed the connection and no bytes are left. Does not wait.
   bool HasEnded();
   // Adds `advice` to the error message if the connection is lost before anything was received.
   void AdviseOnLoss(std::string advice) { advice_ = std::move(advice); }
-  // Throw an IoError: `who`, the other side, has closed the connection, or has sent surplus bytes.
+  // Throw an IoError, which says that `who`, the other side, has closed the connection, or that the
+  // other side has sent surplus bytes.
   [[noreturn]] void FailClosed(const std::string& who) const;
   [[noreturn]] void FailOutOfStep() const;
   // Sends as many of `bytes` as the system accepts without waiting. Then receives and drops
@@ -87,7 +88,8 @@ class Listener {
  public:
   using Acceptor = asio::basic_socket_acceptor<StreamProtocol>;
 
-  // Listens on `endpoint`. A SocketFile uses `timeout`. Throws IoError and Interrupted.
+  // Listens on `endpoint`. For a UNIX socket, passes `timeout` to a SocketFile. Throws IoError and
+  // Interrupted.
   Listener(const Endpoint& endpoint, std::chrono::milliseconds timeout);
 
   // Returns the endpoint for clients, with the real port instead of port 0.

@@ -8,8 +8,9 @@
 namespace icehost {
 
 // Returns the text as valid UTF-8 that cannot control a terminal. A space replaces each line
-// separator, each control character except tabs, and each format character (invisible, or for the
-// direction of the text). A question mark replaces each byte that is not UTF-8.
+// separator, each control character except tabs, and each format character (these are invisible or
+// change the direction of the text). A question mark replaces each byte that is not UTF-8. Every
+// replacement is one column wide.
 std::string Printable(std::string_view text);
 // Returns the text in the same form, but with its line feeds.
 std::string PrintableLines(std::string_view text);
