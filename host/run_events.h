@@ -16,7 +16,7 @@ namespace icehost {
 
 // Passes all events of a run to the outputs, and then to the console. Adds the current script, and
 // the current call if there is one, to each error. In a repeated run, passes on only the first
-// round and the rounds that fail: the first error of a round passes on the whole round.
+// round and the rounds that fail. The first error of a round passes on the whole round.
 class RunEvents : public StepRecorder {
  public:
   // The arguments must outlive this object.

@@ -22,8 +22,8 @@ class BitbangPort : public PinPort {
     // Write throws Unsupported unless all pins except TDO are enabled. When TRST falls, it also
     // resets the TAP by TMS, because some servers ignore the reset bytes.
     kProbe,
-    // Any pins may be enabled. Write sends TCK, TMS and TDI only if one of them is enabled, and
-    // NRST and TRST only if one of these is enabled.
+    // Any pins may be enabled. Write sends nothing for TCK, TMS and TDI while none of them is
+    // enabled, and nothing for NRST and TRST while neither is enabled.
     kProxy,
   };
 

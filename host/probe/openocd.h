@@ -83,7 +83,7 @@ void RefuseUnknownTap(const std::vector<std::string>& taps, const std::string& t
 
 // Returns the words of a text that are separated by whitespace.
 std::vector<std::string> WordsOf(const std::string& text);
-// Returns `word` as a number; nothing unless all of it is an unsigned 32-bit number without a sign.
+// Returns the unsigned 32-bit number in `word`; nothing if `word` contains more, even a sign.
 std::optional<std::uint32_t> NumberIn(const std::string& word, int base);
 
 }  // namespace icehost

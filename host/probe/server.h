@@ -12,7 +12,7 @@
 namespace icehost {
 
 // A server whose clients, one at a time, move the pins of a port. A new client replaces a client
-// that has left or was silent for the idle limit; otherwise the server closes the new connection.
+// that has left or was silent for the idle limit. Otherwise the server closes the new connection.
 // Before it decides, it plays the bytes that have arrived from the first client, for up to a
 // second. TCP keep-alive detects clients that vanish.
 class Server {
