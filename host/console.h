@@ -1,4 +1,3 @@
-// The messages and the progress that the user sees during a run.
 #ifndef ICESCRIPT_HOST_CONSOLE_H_
 #define ICESCRIPT_HOST_CONSOLE_H_
 
@@ -13,13 +12,13 @@
 
 namespace icehost {
 
-// The plug-in's messages go to standard output; icehost's own messages, and the progress of a long
-// run, go to standard error. Every message first erases the line of progress. A Rescue may end the
-// run while the console waits for a reader. While the console exists, it captures standard output.
+// Prints the plug-in's messages on standard output, and icehost's own messages and the progress of
+// a long run on standard error. Every message first erases the line of progress. While the console
+// waits for a reader, the Rescue may end the run.
 class Console {
  public:
   struct Options {
-    bool quiet;  // nothing goes to standard output
+    bool quiet;  // prints nothing on standard output
     bool show_progress;
   };
 
@@ -28,33 +27,31 @@ class Console {
   Console(const Console&) = delete;
   Console& operator=(const Console&) = delete;
 
-  // Shows a message of the plug-in; on a terminal, without its control characters. Throws IoError
-  // if standard output cannot be written.
+  // Shows a message of the plug-in, on a terminal as PrintableLines returns it. Throws IoError if
+  // standard output cannot be written.
   void Show(const char* message);
-  // Flushes the messages; throws as Show does.
+  // Flushes the messages. Throws as Show does.
   void Flush();
   // Shows one of icehost's own messages on standard error.
   void Say(const std::string& line);
-  // If `holds` is true, Show and Say keep their texts from now on; otherwise they show them. Drops
-  // the texts kept so far.
+  // Drops the kept texts. If `holds` is true, Show and Say then keep texts instead of showing them.
   void Hold(bool holds);
-  // Shows the kept texts, and everything from now on; throws as Show does.
+  // Shows the kept texts, and makes Show and Say show later ones. Throws as Show does.
   void Release();
   void SayUnlessQuiet(const std::string& line) {
     if (!quiet_) Say(line);
   }
-  // Sets how many operations the run has if nothing fails; 0, the initial value, means unknown.
+  // Sets the number of operations of a run without failures; 0, the initial value, means unknown.
   void Expect(long operations) { expected_ = operations; }
-  // Sets the text before the progress: how many rounds there were, and how many failed.
+  // Sets the text before the progress, such as RunTotals::RoundText.
   void ShowRounds(const std::string& rounds) { rounds_ = rounds; }
-  // Counts an operation. Draws the progress of a run that takes longer than a second.
+  // Counts an operation, and draws the progress when it is due.
   void CountOperation();
-  // Erases the line of progress.
   void Close() { progress_.Erase(); }
 
-  // Returns what the plug-in itself has written to standard output since the last call.
+  // Returns the text that the plug-in itself has written to descriptor 1 since the last call.
   std::string TakeCaptured() { return output_.Take(); }
-  // The time since the console was made.
+  // Returns the time since the console was created.
   std::chrono::nanoseconds Elapsed() const { return Clock::now() - start_; }
   double Seconds() const { return std::chrono::duration<double>(Elapsed()).count(); }
 

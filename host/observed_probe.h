@@ -1,4 +1,3 @@
-// The probe that the plug-in calls. It passes each call on, and reports it.
 #ifndef ICESCRIPT_HOST_OBSERVED_PROBE_H_
 #define ICESCRIPT_HOST_OBSERVED_PROBE_H_
 
@@ -19,14 +18,15 @@
 
 namespace icehost {
 
-// If the probe throws Unsupported, the call reports the reason and returns -1. A call also returns
-// -1 if the follower does not accept the values read. Each call throws Interrupted after a signal.
+// The probe that the plug-in calls. It passes each call on to the probe of --probe, and reports the
+// call. If that probe throws Unsupported, the call reports the reason and returns -1. A call also
+// returns -1 if the follower rejects the values read. Each call throws Interrupted after a signal.
 class ObservedProbe : public Probe {
  public:
   // Opens the probe, and connects to it if it is across a network. Throws IoError. `wire_mode` is
-  // the CDI_ANSWER_ value at the start. With `record_steps`, `events` receives the steps of the
-  // pins. With `confirms_chain`, the first scan on pins fails if the chain does not match the
-  // options. All references must stay valid.
+  // the CDI_ANSWER_ value at the start. If `record_steps` is true, `events` receives the steps of
+  // the pins. If `confirms_chain` is true, the first scan through pins fails unless the chain
+  // matches the options. The follower, the events and the rescue must outlive this object.
   ObservedProbe(const ProbeOptions& options, int wire_mode, bool record_steps, bool confirms_chain,
                 Follower& follower, RunEvents& events, Rescue& rescue);
 
@@ -36,7 +36,7 @@ class ObservedProbe : public Probe {
   int Execute(std::uint8_t* capture) override;
   int Gpio(int out_value, std::uint32_t& data, int oe_mask, int flags) override;
   void Flush() override { probe_->Flush(); }
-  // If the probe cannot reset the TAP, the next scan fails unless it loads an instruction.
+  // If this returns false, the next scan fails unless it loads an instruction.
   bool ResetTapBeforeScan() override;
   std::optional<long> TckCycles() const override { return probe_->TckCycles(); }
 
@@ -52,7 +52,7 @@ class ObservedProbe : public Probe {
   void FindPlace();
   void ReadPlace();
 
-  std::unique_ptr<PinPort> port_;             // null if the probe shows no pins
+  std::unique_ptr<PinPort> port_;             // null if the probe gives no access to pins
   std::unique_ptr<RecordingPort> recording_;  // null if the steps of the pins are not recorded
   std::unique_ptr<Probe> probe_;
   PinProbe* pins_ = nullptr;  // probe_ if it is a PinProbe, else null
@@ -67,7 +67,7 @@ class ObservedProbe : public Probe {
   Rescue& rescue_;
   CallSource source_;           // of the current operation
   std::size_t begin_step_ = 0;  // of the current call
-  Scan scan_;                   // the current one
+  Scan scan_;                   // the current or last scan
   int wire_mode_ = 0;
   RunCounts counts_;
 };

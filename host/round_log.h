@@ -1,4 +1,3 @@
-// Selects the rounds of a repeated run that the outputs receive.
 #ifndef ICESCRIPT_HOST_ROUND_LOG_H_
 #define ICESCRIPT_HOST_ROUND_LOG_H_
 
@@ -14,21 +13,22 @@
 
 namespace icehost {
 
-// Passes on the first round. Keeps each later round until PassOn is called, and drops it if another
-// one begins first. So the outputs of an endless run receive the first round and up to 1000 rounds
-// that failed. The steps that they receive are numbered without gaps.
+// Passes on the first round of a repeated run at once. Keeps each later round until PassOn is
+// called, and drops it if the next round begins first. So the outputs of an endless run receive the
+// first round and up to 1000 rounds that failed, with steps that are numbered without gaps.
 class RoundLog : public EventListener, public StepRecorder {
  public:
   // The outputs must outlive this object. Objects that a ScriptBegin or a CallSource points to must
-  // stay valid until the next round begins.
+  // exist until the next round begins.
   RoundLog(std::vector<EventListener*> listeners, std::vector<StepRecorder*> recorders)
       : listeners_(std::move(listeners)), recorders_(std::move(recorders)) {}
 
   // Begins a round; the first one is 1.
   void BeginRound(long round);
-  // Passes on the current round, because it has failed: all events so far and all later ones. Adds
-  // a warning if the round was too long to keep, so that its calls and steps so far are missing,
-  // and a warning to the last round that is passed on. `now` is the time of the warnings.
+  // Passes on the events of the current round, which has failed: the events so far and all later
+  // events. If the round was too long to keep, a warning replaces its calls and steps so far. In
+  // the 1000th of these rounds, a warning says that later rounds are not passed on. `now` is the
+  // time of the warnings.
   void PassOn(RunTime now);
 
   void OnScript(const ScriptBegin& script) override;
@@ -43,10 +43,9 @@ class RoundLog : public EventListener, public StepRecorder {
   void Record(const PinStep& step) override;
 
  private:
-  // An event to pass on later. Calls, messages, notices and steps are details.
   struct Kept {
     std::function<void()> pass;
-    bool detail;
+    bool detail;  // a call, message, notice or step
   };
 
   template <class... Parameters, class... Arguments>
@@ -66,12 +65,12 @@ class RoundLog : public EventListener, public StepRecorder {
   long round_ = 0;
   int failed_rounds_ = 0;  // rounds after the first that were passed on
   bool open_ = true;
-  bool cut_ = false;  // this round had too many details to keep
+  bool cut_ = false;  // the current round has too many details to keep
   std::deque<Kept> kept_;
   std::size_t kept_bytes_ = 0;
-  std::size_t steps_ = 0;          // recorded, in all rounds
+  std::size_t steps_ = 0;          // the number recorded, in all rounds
   std::size_t kept_steps_ = 0;     // in kept_
-  std::size_t dropped_steps_ = 0;  // in all rounds
+  std::size_t dropped_steps_ = 0;  // the number dropped, in all rounds
   std::size_t resumed_at_ = 0;     // the first step after the last dropped one
 };
 

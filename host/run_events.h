@@ -1,4 +1,3 @@
-// Passes all events of a run to the outputs and the console.
 #ifndef ICESCRIPT_HOST_RUN_EVENTS_H_
 #define ICESCRIPT_HOST_RUN_EVENTS_H_
 
@@ -15,22 +14,22 @@
 
 namespace icehost {
 
-// Passes each event first to the outputs, then to the console. Messages and errors belong to the
-// current script, and errors also to the current call. In a repeated run, passes on only the first
-// round and the rounds that fail: the first error of a round passes on the whole round.
+// Passes all events of a run to the outputs, and then to the console. Adds the current script, and
+// the current call if there is one, to each error. In a repeated run, passes on only the first
+// round and the rounds that fail. The first error of a round passes on the whole round.
 class RunEvents : public StepRecorder {
  public:
   // The arguments must outlive this object.
   RunEvents(Outputs& outputs, Console& console, const RunCommand& command);
 
-  // Begins the run. Sets its start time in `run`.
+  // Begins the run, and sets its start time.
   void BeginRun(RunBegin run);
   // Begins a round of a repeated run; the first one is 1.
   void BeginRound(long round);
 
   // Begins a script, and sets its time to now.
   void BeginScript(ScriptBegin script);
-  // Reports that the current script asks for a TAP reset, which the probe supports.
+  // Reports that the current script asks for a TAP reset, and that the probe supports it.
   void RequestReset();
   // Reports that scripts address the TAP at `place`, which was read from the chain if `measured`.
   void SetPlace(const ChainPlace& place, bool measured);
@@ -38,37 +37,36 @@ class RunEvents : public StepRecorder {
   void EndScript(ScriptEnd end);
   // Returns the time since the run began.
   RunTime Now() const;
-  // Returns whether a script has begun and not ended.
   bool InScript() const { return in_script_; }
-  // Reports why the run ends. Called if the main thread is stuck, so it does not use the console's
-  // standard output, which the main thread may be using.
+  // Reports why the run ends, but not on standard output, so that a Rescue may call it at any time.
   void Abandon(const std::string& why);
 
-  // Begins a call of the plug-in. `begins_operation` is false for a call that only prepares one.
-  // Throws IoError if standard output cannot be written any more, so that the rest of the script
-  // does not run unseen.
+  // Begins a call of the plug-in. `begins_operation` is false if the call only prepares an
+  // operation. Throws IoError if standard output can no longer be written, so that the rest of the
+  // script does not run unseen.
   void BeginCall(const char* function, const CallSource& source, bool begins_operation);
+  // Ends the current call, and sets its times.
   void EndCall(CallEvent call);
-  // Called when the probe has answered the current call.
+  // Must be called when the probe has answered the current call.
   void LeaveCall();
   // Passes on a message of the plug-in. Throws IoError as BeginCall does.
   void Message(const char* text);
-  // Called after the last call of a script. Passes on the plug-in's own writes to standard output.
-  // Throws IoError as BeginCall does.
+  // Passes on the text that the plug-in itself wrote to standard output. Must be called after the
+  // last call of a script. Throws IoError as BeginCall does.
   void Flush();
 
-  // Reports why the current call failed, or why the script failed if there is no call.
+  // Reports why the current call failed, or why the script failed if there is no current call.
   void Fail(const std::string& why);
-  // Warns, once in each script, that the current scan may not have reached a TAP, and says why.
+  // Warns, once in each script, that the current scan may not have reached a TAP, and explains why.
   // With --strict, throws Unsupported instead.
   void Doubt(const std::string& why);
-  // Warns about a place in the script. A column of 0 means the whole line.
+  // Warns about a place in the script. Column 0 means the whole line.
   void Warn(Place place, const std::string& why);
-  // Reports something about the script or the run.
+  // Reports `what`, which concerns the script or the run.
   void Say(const std::string& what, Severity severity = Severity::kError);
-  // Reports something about the whole run, to the outputs only, after its last script.
+  // Reports `what`, which concerns the whole run, to the outputs only. For use after all scripts.
   void Conclude(const std::string& what, Severity severity);
-  // Reports something that --quiet hides from the console.
+  // Reports `what`, which --quiet hides from the console.
   void Remark(const std::string& what, Severity severity);
 
   void BeginOperation(const std::string& name, const CallSource& source) override;
@@ -83,9 +81,7 @@ class RunEvents : public StepRecorder {
   std::string WithRound(const std::string& text) const;
   void Pass(const char* message);
   void PassCaptured();
-  // Reports something about a place in the script. A line or column of 0 means there is none.
   void SayAt(Place place, const std::string& what, Severity severity = Severity::kError);
-  // Passes a notice to the outputs, and returns it.
   Notice Tell(Place place, const std::string& what, Severity severity);
 
   Outputs& outputs_;
@@ -94,7 +90,7 @@ class RunEvents : public StepRecorder {
   bool times_calls_;  // the probe is across a network
   RoundLog log_;
   long round_ = 0;  // 0 if the run is not repeated
-  // The outputs, or log_ in a repeated run, which passes events on to the outputs.
+  // The outputs, or in a repeated run log_, which passes events on to them.
   std::vector<EventListener*> listeners_;
   std::vector<StepRecorder*> recorders_;
   std::string name_;

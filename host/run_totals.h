@@ -18,32 +18,33 @@ namespace icehost {
 
 class RunTotals {
  public:
-  // All arguments must outlive this object. The scripts may be set later, before the first round.
+  // The arguments must outlive this object. Scripts may be added until the first round begins.
   RunTotals(const RunCommand& command, std::vector<Script>& scripts, const ObservedProbe& probe,
             const Console& console)
       : command_(command), scripts_(scripts), probe_(probe), console_(console) {}
 
   void BeginRound();
-  // A script of the round begins. Returns its index.
+  // Begins the next script of the round, and returns its index.
   std::size_t BeginScript();
-  // The current script ends, with the values that `follower` compared.
+  // Ends the current script, and counts the values that `follower` compared.
   void EndScript(const Follower& follower);
-  // Adds the results of the script's expectations to Text, except those of an interrupted round.
+  // Adds the results of the last script's expectations to Text. In a repeated run, does nothing if
+  // the status is kInterrupted.
   void Summarize(const Follower& follower, ExitStatus status);
-  // The round ends. It is not counted if it was interrupted.
+  // Ends the round. Does not count it as played if the status is kInterrupted.
   void EndRound(ExitStatus status);
 
-  // Returns whether another round is wanted after rounds without failures.
+  // Returns whether fewer rounds have begun than the user asked for.
   bool WantsRound() const { return command_.repeat == 0 || round_ < command_.repeat; }
   long Round() const { return round_; }
-  // Returns how many operations all rounds make, if none fails.
+  // Returns the number of operations of all rounds if none fails; 0 for an endless run.
   long ExpectedOperations() const;
   // Returns the beginning of a progress line: "round 3 of 10, 0 failed, ".
   std::string RoundText() const;
   // Returns the text that is printed at the end.
   std::string Text() const;
   PageHead Head(ExitStatus status) const;
-  // Returns the last event, of a run that ends `at`.
+  // Returns the last event of a run that ends at the time `at`.
   RunEnd EndOf(ExitStatus status, RunTime at);
 
  private:
@@ -56,11 +57,11 @@ class RunTotals {
   std::vector<Script>& scripts_;
   const ObservedProbe& probe_;
   const Console& console_;
-  std::size_t begun_ = 0;   // scripts that began, in any round
-  std::size_t ended_ = 0;   // scripts, in the current round
-  long round_ = 0;          // the current one
-  long played_rounds_ = 0;  // those played to their ends
-  long failed_rounds_ = 0;  // of the rounds played
+  std::size_t begun_ = 0;   // the number of scripts that began in at least one round
+  std::size_t ended_ = 0;   // the number of scripts that ended in the current round
+  long round_ = 0;          // the current round
+  long played_rounds_ = 0;  // the number of rounds played to their ends
+  long failed_rounds_ = 0;  // how many of these failed
   ValueCounts values_;      // of all scripts that ended or were left out, in all rounds
   std::string summary_;     // the results of the expectations
 };

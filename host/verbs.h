@@ -1,4 +1,4 @@
-// The verbs. Each verb reports why it failed before it returns.
+// The verbs. Each verb reports the reason for a failure before it returns.
 #ifndef ICESCRIPT_HOST_VERBS_H_
 #define ICESCRIPT_HOST_VERBS_H_
 
@@ -12,15 +12,15 @@ inline ExitStatus StatusOfLoss() {
   return IsInterrupted() ? kInterrupted : kNotOpened;
 }
 
-// Ends the spawned server of the probe, if there is one, and shows its output after a failure.
-// Returns `status`, or kNotOpened instead of kAllWell if processes may be left.
+// Ends the command of --spawn, if there is one, and shows its output after a failure. Returns
+// `status`, or kNotOpened instead of kAllWell if processes may remain.
 inline ExitStatus EndSpawned(const ProbeOptions& probe, ExitStatus status) {
   const bool failed = status == kScriptFailed || status == kNotOpened;
   if (probe.spawned == nullptr || probe.spawned->End(failed)) return status;
   return status == kAllWell ? kNotOpened : status;
 }
 
-// Runs the scripts. Completes the outputs however the run ends.
+// Runs the scripts. Completes the outputs even if the run fails or a signal ends it.
 ExitStatus Execute(const RunCommand& command);
 // Checks the scripts and writes their problems to standard output, in colour on a terminal unless
 // NO_COLOR is set. Writes nothing for a script without problems. Throws Interrupted.

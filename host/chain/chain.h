@@ -1,4 +1,4 @@
-// The chain of TAPs on a probe, a report on it, and starter scripts for it.
+// The chain of TAPs on a probe, a report about the chain, and scripts to begin with.
 #ifndef ICESCRIPT_HOST_CHAIN_CHAIN_H_
 #define ICESCRIPT_HOST_CHAIN_CHAIN_H_
 
@@ -13,12 +13,12 @@
 namespace icehost {
 
 struct ChainTap {
-  std::string name;                     // empty if it has none
-  std::optional<std::uint32_t> idcode;  // nothing: a reset selects BYPASS
-  std::optional<int> ir_bits;           // nothing: unknown
+  std::string name;                     // empty if the TAP has none
+  std::optional<std::uint32_t> idcode;  // nothing if a reset selects BYPASS
+  std::optional<int> ir_bits;           // nothing if unknown
   // For a chain that was declared before it was read, as in OpenOCD:
-  bool answered = true;      // false: neither an IDCODE nor BYPASS was read
-  std::string manufacturer;  // as OpenOCD names it; may be empty
+  bool answered = true;      // false if neither an IDCODE nor BYPASS was read
+  std::string manufacturer;  // its name in OpenOCD; may be empty
   std::string expected;      // the IDCODEs that were declared; may be empty
 };
 
@@ -33,42 +33,39 @@ struct Chain {
 
 constexpr int kIdcodeBits = 32;
 
-// The manufacturer in an IDCODE, as JEP106 numbers it: a code in a bank, both counted from 1.
+// The number of a manufacturer in an IDCODE: a code in a bank of JEP106, each counted from 1.
 struct Manufacturer {
   unsigned bank;  // 1 to 16
   unsigned code;  // 1 to 126; 0 and 127 are not manufacturers
 };
 Manufacturer ManufacturerOf(std::uint32_t idcode);
-// Returns the name of a manufacturer; empty if icehost does not know it.
+// Returns the name of a manufacturer; empty if it is unknown.
 std::string ManufacturerName(Manufacturer manufacturer);
 
 // Adds a fault for each IDCODE that is not valid.
 void JudgeIdcodes(Chain& chain);
-// Returns "TAP 2", followed by the TAP's name in parentheses if it has one; `i` counts from 0. The
-// text is Printable.
+// Returns "TAP 2 (NAME)" for `i` = 1, or "TAP 2" if the TAP has no name. The text is Printable.
 std::string TapTitle(const Chain& chain, std::size_t i);
 // Returns "1 TAP", "2 TAPs" and so on.
 std::string CountedTaps(std::size_t taps);
 
-// Returns the place of a TAP in a chain that was read; `tap` counts from 0. Throws Unsupported if
+// Returns the place of the TAP with the index `tap` in a chain that was read. Throws Unsupported if
 // the chain is not sound or has no such TAP, or if an IR length is unknown.
 ChainPlace PlaceIn(const Chain& chain, std::size_t tap);
-// Returns `place` if the TAPs and captured IRs of the chain that was read agree with it, and throws
-// Unsupported if not. If `place` has no IR lengths, returns one with the whole chain as one TAP.
+// Returns `place` if the TAPs and captured IRs of the chain that was read match it, and otherwise
+// throws Unsupported. If `place` has no IR lengths, returns a place with the chain as one TAP.
 ChainPlace ConfirmPlace(const Chain& chain, const ChainPlace& place);
 
-// Returns a report for the user, with the TAPs and the notes but not the faults. `where` names the
-// probe. The text is Printable.
+// Returns a Printable report of the TAPs and notes, without the faults. `where` names the probe.
 std::string ReportOf(const Chain& chain, const std::string& where);
 
-// Returns a JTAG script that passes on a sound chain: it shifts through BYPASS, whose instruction
-// is the same in every TAP. For each IDCODE it contains a section that is commented out, because no
-// standard defines the instruction. If the probe can scan only one TAP, `only` is its index;
-// OpenOCD keeps the others in BYPASS. Throws Unsupported if the IR is too long for a script, or if
-// the chain has more than kMostTaps TAPs.
+// Returns a JTAG script that passes on a sound chain. It shifts through BYPASS, whose instruction
+// consists of ones in every TAP. It contains a section for each IDCODE, but as a comment, because
+// no standard defines the instruction. If the probe can scan only one TAP, `only` is its index.
+// Throws Unsupported if the IR is too long for a script, or if there are more than kMostTaps TAPs.
 std::string JtagScriptOf(const Chain& chain, std::optional<std::size_t> only);
 
-// Returns a GPIO script that passes on a sound chain: it resets the TAPs and reads their IDCODEs
+// Returns a GPIO script that passes on a sound chain. It resets the TAPs and reads their IDCODEs
 // bit by bit, but ignores the versions.
 std::string GpioScriptOf(const Chain& chain);
 

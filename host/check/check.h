@@ -1,4 +1,3 @@
-// Checks scripts without touching a probe.
 #ifndef ICESCRIPT_HOST_CHECK_CHECK_H_
 #define ICESCRIPT_HOST_CHECK_CHECK_H_
 
@@ -13,11 +12,10 @@ struct CheckResult {
   Plan plan;
 };
 
-// Finds the problems of a script and the operations that run. Throws Interrupted, as do the next
-// two.
+// Finds the problems of a script and the operations that run. Throws Interrupted.
 CheckResult CheckScript(const ScriptText& script);
 
-// The parts of CheckScript for scripts that the plug-in runs as GPIO and as JTAG scripts.
+// Do the same for scripts that the plug-in runs as GPIO scripts, and as JTAG scripts.
 void CheckGpio(const ScriptText& script, CheckResult& result);
 void CheckJtag(const ScriptText& script, CheckResult& result);
 

@@ -1,4 +1,4 @@
-// Kinds of files that users give to the wrong verb, and the program or verb that reads each.
+// Recognises files that users give to the wrong verb.
 #ifndef ICESCRIPT_HOST_CHECK_FILE_KINDS_H_
 #define ICESCRIPT_HOST_CHECK_FILE_KINDS_H_
 
@@ -9,12 +9,12 @@
 
 namespace icehost {
 
-// How icehost reads a file; kNone if it does not read files of this kind.
+// The use that icehost has for a kind of file. kNone: icehost does not read such files.
 enum class FileUse { kScript, kSvf, kNone };
 
-// If the file is not of the kind `wanted`, returns an error at its first word. The error names the
-// kind and the program to use. Returns nothing if the kind is right or unknown. Looks only at the
-// beginning of the file: never mistakes an SVF file, but may mistake a script.
+// Returns an error at the first word of a file of a known kind that is not for the use `wanted`.
+// The error names the kind and the program to use. Returns nothing for any other file. Looks only
+// at the beginning of the file, so it may mistake a script for another kind, but never an SVF file.
 std::optional<Problem> FindWrongKind(std::string_view content, FileUse wanted);
 
 }  // namespace icehost

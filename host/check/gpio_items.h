@@ -43,8 +43,8 @@ struct NamedItem {
   unsigned which;  // an ItemKey
 };
 
-// A line after START. It is split into items when they are first needed, and only once. Most lines
-// of a long script repeat recent ones, so their items are not needed.
+// A line after START. It is split into items only if they are needed. Most lines of a long script
+// repeat recent lines, so their items are not needed.
 class GpioLine {
  public:
   // Makes `line` the current line.
@@ -53,17 +53,17 @@ class GpioLine {
 
   // Returns the place of the last item with this key, or of the line's text if there is none.
   Place PlaceOf(unsigned key);
-  // Returns whether an item has the key REPT or ENDR, or a similar one.
+  // Returns whether an item has the key REPT or ENDR, correct or misspelt.
   bool NamesBlock();
-  // Explains why the plug-in's parser refused the item `field`, a part of the line's text: what is
-  // allowed, and what was probably meant.
+  // Returns the reason why the plug-in's parser refused the item `field`, a part of the line's
+  // text. The reason says what is allowed, and what the author probably meant.
   std::string WhyRefused(std::string_view field);
-  // Reports traps in the line. `flags` are the GPIO_FLAG_ bits that the plug-in's parser returned
-  // for it. Returns the pins that the line sets by name (GPIO_PIN_ bits).
+  // Reports traps in the line, for which the plug-in's parser returned `flags` (GPIO_FLAG_ bits).
+  // Returns the pins that the line sets by name (GPIO_PIN_ bits).
   int Check(int flags, Problems& problems);
 
  private:
-  // A recent line without a trap. Long scripts repeat a few different lines.
+  // A recent line without a trap.
   struct Clean {
     std::string_view text;
     int flags = 0;

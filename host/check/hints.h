@@ -13,36 +13,35 @@ using Words = std::vector<std::string_view>;
 // Returns "A, B and C", with `last` in place of "and".
 std::string Listed(const Words& words, std::string_view last);
 
-// Returns the candidate that is at most one or two slips away from `word`, in upper or lower case.
-// A slip is a letter that is missing, added or wrong, or two letters that have changed places.
-// Characters that look alike, such as 0 and O, count as equal. Returns "NRST or TRST" if several
+// Returns the candidate from which `word`, in upper or lower case, differs by at most one or two
+// slips. A slip is a missing, added or wrong letter, or two letters in the wrong order. Characters
+// that look alike, such as 0 and O, are equal. Returns a text such as "NRST or TRST" if several
 // candidates are equally similar, and an empty text if none is similar.
 std::string Nearest(std::string_view word, const Words& candidates);
 
-// Returns "KEY=VALUE" if `text` is one of the keys followed by a value, with blanks, a colon or
-// nothing between them. Otherwise returns an empty text.
+// Returns "KEY=VALUE" if `text` is one of the keys and a value with blanks, a colon or nothing
+// between them, and otherwise an empty text.
 std::string WithEquals(std::string_view text, const Words& keys);
 
-// Returns where a comment of another language (";" or "//") begins, or npos.
+// Returns the offset of a comment of another language (";" or "//"), or npos.
 std::size_t FindForeignComment(std::string_view text);
 
 constexpr const char* kTabIsText = "a tab is part of the text here, not a blank";
 
 // Returns a remark if `text` begins with a byte-order mark, contains a comment of another language,
-// or begins or ends with a tab: the plug-in reads all of these as text. Empty otherwise.
+// or begins or ends with a tab, because the plug-in reads these as text. Otherwise returns nothing.
 std::string_view SlipIn(std::string_view text);
 
-// Returns " (remark)", or an empty text if `remark` is empty.
+// Return " (REMARK)" and "did you mean WHAT?", or an empty text if the argument is empty.
 std::string InParentheses(std::string_view remark);
 
-// Returns "did you mean X?", or an empty text if `what` is empty.
 std::string DidYouMean(std::string_view what);
 
-// Returns whether a text consists of at least one digit in this base, 10 or 16, and nothing else.
+// Returns whether a text consists of one or more digits in the base 10 or 16, and nothing else.
 bool IsDigits(std::string_view text, int base);
 
-// Returns a message about a number that is too large for the plug-in, which keeps only its low 32
-// bits. Returns an empty text if the plug-in keeps the number.
+// Returns a message if the number `text` is too large for the plug-in, which keeps only its low 32
+// bits. Otherwise returns an empty text.
 std::string CutNumber(std::string_view text, int base);
 
 }  // namespace icehost

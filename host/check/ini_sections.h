@@ -1,4 +1,4 @@
-// The sections of a JTAG script and the lines of their values, which the INI store does not keep.
+// The sections of a JTAG script and the lines of their values.
 #ifndef ICESCRIPT_HOST_CHECK_INI_SECTIONS_H_
 #define ICESCRIPT_HOST_CHECK_INI_SECTIONS_H_
 
@@ -12,11 +12,12 @@
 
 namespace icehost {
 
-// Returns the keys of a section with this name.
 using IniKeys = Words;
+// Returns the keys that a section with this name may have: first the keys that the plug-in reads,
+// then the keys that only icehost reads.
 const IniKeys& KeysOf(std::string_view section);
 
-// Indexes into KeysOf: first the keys that the plug-in reads, then those that only icehost reads.
+// Indexes into KeysOf.
 enum ControlKey : std::size_t { kReset, kCdi };
 enum ScanKey : std::size_t { kIr, kDr, kDrTdo, kMask, kIrTdo, kIrMask };
 constexpr std::size_t kKeysRead = 2;
@@ -24,15 +25,14 @@ constexpr std::size_t kMostKeys = 6;
 
 struct IniSection {
   std::string_view name;  // part of the script's text
-  Place first;            // of its header, or of its first value if it has none
-  // For each key, the line of its last value; 0 if there is none.
+  Place first;            // of its header, or of its first value if it has no header
+  // The line of the last value of each key; 0 if the key has no value.
   std::array<int, kMostKeys> lines;
-  bool cut = false;  // the line at ScriptText::CutAt() belongs to it
+  bool cut = false;  // the line at ScriptText::CutAt() is in this section
 };
 
-// Reads the lines as the plug-in's reader does. Reports what is wrong with single lines and
-// headers, and skips lines that the reader refuses. Returns the sections that have a value, in the
-// order of their first values, like the plug-in's store.
+// Reads the lines as the plug-in does, and skips the lines that it refuses. Reports problems of
+// single lines and headers. Returns the sections with values, in the order of their first values.
 std::vector<IniSection> FindSections(const ScriptText& script, Problems& problems);
 
 }  // namespace icehost

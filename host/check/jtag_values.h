@@ -1,4 +1,4 @@
-// The values of a section of a JTAG script: in CONTROL, in a scan, and those that a scan expects.
+// The values of a section of a JTAG script.
 #ifndef ICESCRIPT_HOST_CHECK_JTAG_VALUES_H_
 #define ICESCRIPT_HOST_CHECK_JTAG_VALUES_H_
 
@@ -20,15 +20,15 @@ std::string_view ValueOf(const ScriptLine& line);
 void CheckReset(const ScriptLine& reset, Problems& problems);
 void CheckCdi(const ScriptLine& cdi, Problems& problems);
 
-// Reports what is wrong with the values on the lines of IR and DR, which must not be empty. Returns
-// the plug-in's record of the scan, or null if the plug-in refuses it.
+// Reports problems of the values on the lines of IR and DR, which must not be blank. Returns the
+// plug-in's record of the scan, or null if the plug-in refuses the scan.
 std::unique_ptr<icescript::JtagOperatorData> CheckScan(const IniSection& section,
                                                        const ScriptLine& ir, const ScriptLine& dr,
                                                        Problems& problems);
 
 // Reads the values of TDO and MASK, or of IR_TDO and IR_MASK, for a register of `bits` bits;
-// `value_key` is the first of the two keys. Returns nothing if the section has no such value. If a
-// value is wrong, reports it and returns nothing.
+// `value_key` is kDrTdo or kIrTdo. Reports wrong values. Returns nothing if the section has no such
+// value, or if a value is wrong.
 std::optional<Expectation> ReadScanExpectation(const ScriptText& script, const IniSection& section,
                                                ScanKey value_key, int bits, Problems& problems);
 

@@ -1,4 +1,3 @@
-// Makes a script that expects the values that a run of it has read.
 #ifndef ICESCRIPT_HOST_CHECK_LEARN_H_
 #define ICESCRIPT_HOST_CHECK_LEARN_H_
 
@@ -12,14 +11,13 @@ namespace icehost {
 
 struct Learned {
   std::string script;
-  // Warnings about comments that still contain a value which the script no longer expects.
-  Problems stale;
+  Problems stale;  // warnings about comments that contain a value that is no longer expected
 };
 
-// Returns the script with the values that were read as its expectations. Replaces each expectation
-// that was not met, but keeps its mask, and adds one to each operation that reads but has none.
-// Writes a new value in the form of the old one, or of the bytes of the section. Leaves out pins
-// that changed between runs of a line. Changes nothing else.
+// Returns a script that expects the values that a run has read. Replaces the value of each
+// expectation that was not met, but keeps its mask. Adds an expectation to each operation that
+// reads but has none. Writes a new value in the form of the old value, or of the section's bytes.
+// Leaves out pins that changed between runs of a line. Changes nothing else.
 Learned Learn(const ScriptText& script, const Plan& plan, const Captures& captures);
 
 }  // namespace icehost

@@ -15,10 +15,9 @@ namespace icehost {
 std::string_view TrimWhitespace(std::string_view text);
 // Returns the comment of a line, from its "#" to the end; empty if the line has none.
 std::string_view CommentOf(const ScriptLine& line);
-// Returns the part of a comment that begins with the word "expect" and ends before the next "#";
-// empty if there is none.
+// Returns the part of a comment from the word "expect" to the next "#" or the end; may be empty.
 std::string_view FindExpect(std::string_view comment);
-// Returns the levels after the word "expect", as text.
+// Returns the text after the word "expect".
 std::string_view LevelsIn(std::string_view expect);
 
 // The level of one pin in "NAME=LEVEL, ...".
@@ -26,11 +25,11 @@ struct PinLevel {
   unsigned pin;       // the index of its bit
   const char* level;  // points to '0' or '1' in the text
 };
-// Reads "NAME=LEVEL" with blanks around its parts; returns nothing for any other text.
+// Reads "NAME=LEVEL", with or without blanks around its parts. Returns nothing for any other text.
 std::optional<PinLevel> ReadPinLevel(std::string_view item);
 
-// Reads the expectation of a line that reads the pins. Returns nothing if the line has none. If the
-// expectation is wrong, reports it and returns nothing.
+// Reads the expectation of a line that reads the pins. Reports a wrong expectation. Returns nothing
+// if the line has no expectation, or if the expectation is wrong.
 std::optional<Expectation> ReadPinExpectation(const ScriptLine& line, Problems& problems);
 
 // Returns whether any comment of a script may contain an expectation.
@@ -39,7 +38,7 @@ bool MentionsExpectation(std::string_view content);
 // Reports an expectation on a line that reads nothing.
 void ReportVainExpectation(const ScriptLine& line, Problems& problems);
 
-// Warns of a pin expectation in a JTAG script, where TDO and MASK state what is expected.
+// Warns of a pin expectation in a JTAG script, which must use TDO and MASK instead.
 void WarnOfPinExpectation(const ScriptLine& line, Problems& problems);
 
 }  // namespace icehost

@@ -1,4 +1,3 @@
-// Collects and shows the problems of a script or another text.
 #ifndef ICESCRIPT_HOST_CHECK_PROBLEMS_H_
 #define ICESCRIPT_HOST_CHECK_PROBLEMS_H_
 
@@ -19,22 +18,22 @@ struct Place {
   int column;
 };
 
-// An error makes the plug-in refuse or skip something. A warning is about something legal that is
-// almost never intended. A note is useful to know, and never makes anything fail.
+// An error makes the plug-in refuse or skip a part of the script. A warning is about a legal part
+// that is almost never intended. A note is information, and never makes a command fail.
 enum class Severity : std::size_t { kError, kWarning, kNote };
 constexpr std::size_t kSeverities = 3;
 
 struct Problem {
-  Place place;  // the first one if there are several
+  Place place;  // the first place if there are several
   Severity severity;
   std::string text;
   bool always = false;  // even --quiet does not hide this warning
   // For grouped problems:
   long more = 0;                  // the number of places after the first
-  std::vector<int> more_lines{};  // the lowest lines, each once; one more than is shown
+  std::vector<int> more_lines{};  // their lowest lines without repetition, one more than is shown
 };
 
-// Selects which problems of a text are kept.
+// Selects the problems that an object of class Problems keeps.
 struct Keeping {
   bool grouped = false;  // joins problems with the same severity and text
   std::size_t most = std::numeric_limits<std::size_t>::max();  // the limit for each severity
@@ -43,11 +42,11 @@ constexpr Keeping kKeepEach{false, 100000};
 constexpr Keeping kKeepReasons{true, 50};
 
 struct ReportStyle {
-  bool errors_only = false;  // hides all but errors and warnings with `always`
+  bool errors_only = false;  // hides notes, and warnings without `always`
   bool colour = false;
 };
 
-// Collects the problems of one text.
+// Collects and shows the problems of a script or another text.
 class Problems {
  public:
   // Keeps every problem.
@@ -56,30 +55,29 @@ class Problems {
 
   void Error(Place place, std::string text) { Take({place, Severity::kError, std::move(text)}); }
   void Warn(Place place, std::string text) { Take({place, Severity::kWarning, std::move(text)}); }
-  // Warns of an expectation without effect, even with --quiet: a run would pass without it.
+  // Warns even with --quiet. For use if a script seems to check a value, but does not.
   void WarnAlways(Place place, std::string text) {
     Take({place, Severity::kWarning, std::move(text), true});
   }
   void Note(Place place, std::string text) { Take({place, Severity::kNote, std::move(text)}); }
   void Add(Problems more);
 
-  // These also count problems that are not kept.
+  // The following functions also count problems that are not kept.
   bool HasErrors() const { return Errors() > 0; }
   long Errors() const { return CountOf(Severity::kError).found; }
   long Warnings() const { return CountOf(Severity::kWarning).found; }
-  // Returns whether an error was not kept, so that reading may stop. It need not stop for warnings
-  // and notes that were not kept.
+  // Returns whether an error was not kept, so that reading the text may stop.
   bool IsFull() const { return CountOf(Severity::kError).lost; }
   // Sorts the problems by place, as Write and WriteJson expect.
   void Sort();
   const std::vector<Problem>& Found() const { return found_; }
 
   // Writes each problem as "name:line:column: error: text", its line of `content` (the whole text),
-  // a caret below the column, and how many more places the problem has. At the end, reports the
-  // severities that have more problems than were kept. Throws Interrupted, as WriteJson does.
+  // a caret below the column, and the number of other places of the problem. At the end, reports
+  // the severities of which not all problems were kept. Throws Interrupted, as WriteJson does.
   void Write(std::ostream& stream, std::string_view name, std::string_view content,
              ReportStyle style) const;
-  // Writes one JSON object per line, in ASCII; docs/json.md describes it.
+  // Writes each problem as a JSON object on one line, in ASCII, as docs/json.md describes.
   void WriteJson(std::ostream& stream) const;
 
  private:

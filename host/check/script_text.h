@@ -1,4 +1,3 @@
-// The text of a script, line by line.
 #ifndef ICESCRIPT_HOST_CHECK_SCRIPT_TEXT_H_
 #define ICESCRIPT_HOST_CHECK_SCRIPT_TEXT_H_
 
@@ -11,13 +10,13 @@
 
 namespace icehost {
 
-// A line as the readers of the plug-in see it. Its views refer to the ScriptText.
+// A line of a script. Its views refer to the ScriptText.
 struct ScriptLine {
   ScriptLine(int line_number, std::string_view line);
 
   int number;             // from 1
   std::string_view raw;   // as in the file, without its line feed
-  std::string_view text;  // up to a comment or a NUL, without blanks at its ends
+  std::string_view text;  // the part that the plug-in reads: up to a comment or a NUL, trimmed
 
   bool Blank() const { return text.empty(); }
   // Returns whether the reader of JTAG scripts reads the line as the header of a section.
@@ -26,7 +25,6 @@ struct ScriptLine {
   Place Of(std::string_view part) const {
     return {number, static_cast<int>(part.data() - raw.data()) + 1};
   }
-  // Returns the place of the text.
   Place Start() const { return Of(text); }
 };
 
@@ -36,8 +34,8 @@ struct ScriptLine {
 // Interrupted.
 std::string ReadScript(const std::string& path, std::size_t limit);
 
-// The lines that the plug-in reads: those before the first one that is too long for it. Lines are
-// made when they are asked for and not kept, because a script may have millions.
+// The text of a script. Its iterators return the lines that the plug-in reads, up to the first line
+// that is too long. Lines are made on request, because a script may have millions.
 class ScriptText {
  public:
   class Iterator {
@@ -46,7 +44,7 @@ class ScriptText {
     Iterator(std::string_view content, std::size_t at, int number);
 
     ScriptLine operator*() const { return {number_, raw_}; }
-    // Throws Interrupted, so that a signal can end each walk over a long script.
+    // Throws Interrupted, so that a signal can end each iteration over a long script.
     Iterator& operator++();
     bool operator!=(const Iterator& other) const { return at_ != other.at_; }
     // Returns the offset of the line in the content.
@@ -69,12 +67,12 @@ class ScriptText {
 
   Iterator begin() const { return {Read(), 0, 1}; }
   Iterator end() const { return {Read(), read_, 0}; }
-  // Returns the first line with text, at or after `from`.
+  // Returns the first line at or after `from` that has text.
   Iterator WithText(Iterator from) const;
   bool HasText() const { return WithText(begin()) != end(); }
-  // Returns a line by its number. It may be the one that is too long.
+  // Returns a line by its number. It may be the line that is too long.
   ScriptLine Line(int number) const;
-  // Returns where the plug-in stops reading because a line is too long, if there is such a line.
+  // Returns the place at which a line becomes too long for the plug-in; nothing if there is none.
   std::optional<Place> CutAt() const;
 
  private:
@@ -82,9 +80,9 @@ class ScriptText {
 
   std::string name_;
   std::string content_;
-  std::size_t read_ = 0;             // bytes before the line that is too long, if there is one
+  std::size_t read_ = 0;             // the number of bytes before the line that is too long
   int too_long_ = 0;                 // the number of that line, or 0
-  std::vector<std::size_t> starts_;  // the offsets of the first and of every 16th line
+  std::vector<std::size_t> starts_;  // the offsets of the first line and of every 16th line
 };
 
 }  // namespace icehost

@@ -7,8 +7,8 @@
 
 namespace icehost {
 
-// Returns whether the comment is on a line before the first line with text of a JTAG script. Warns
-// of the comment on any other line, and of similar comments.
+// Returns whether the comment is in a JTAG script, before its first line with text. Warns of the
+// comment on any other line, and of similar comments.
 bool FindTapReset(const ScriptText& script, Problems& problems);
 
 // Warns of each "# reset TAP" in a GPIO script.

@@ -1,4 +1,4 @@
-// Names the arguments and results of host calls, for writers of text.
+// The arguments and results of host calls, with their names, for outputs that write text.
 #ifndef ICESCRIPT_HOST_EVENTS_CALL_FIELDS_H_
 #define ICESCRIPT_HOST_EVENTS_CALL_FIELDS_H_
 
@@ -11,7 +11,7 @@
 namespace icehost {
 
 struct Field {
-  // The meaning of `number`. A kBytes field has no number, only `bytes`.
+  // The meaning of `number`. A field of kind kBytes has `bytes` instead.
   enum class Kind { kNumber, kPins, kFlags, kCode, kMode, kReset, kBytes };
 
   const char* name;
@@ -26,19 +26,19 @@ constexpr int kFlags = 5;
 
 struct CallFields {
   std::vector<Field> arguments;
-  std::vector<Field> outputs;  // what the call returns besides its result
+  std::vector<Field> outputs;  // the values that the call returns besides its result
 };
 CallFields FieldsOf(const HostCall& call);
 // Returns the name of the function, such as "link_reset".
 const char* FunctionOf(const HostCall& call);
 
-// Returns the name of a code, a mode or a reset; null if it has none.
+// Returns the name of a code, mode or reset; null if the field has no name.
 const char* NameOf(const Field& field);
-// Appends the value in readable form, with the names of codes and of the bits of pins and flags.
+// Appends the value of a field to `text` in readable form, with the names of codes, pins and flags.
 void AppendText(const Field& field, std::string& text);
-// Returns "IR " or "DR " for the output of that register, else "".
+// Returns "IR " or "DR " for the name of an output of this register, else "".
 const char* RegisterOf(std::string_view output);
-// Returns whether the call asks for the wire mode, which is the first call of every scan.
+// Returns whether the call asks for the wire mode, as the plug-in does before every scan.
 bool AsksForInterface(const CallEvent& call);
 
 }  // namespace icehost

@@ -21,11 +21,12 @@ using RunTime = std::chrono::microseconds;
 
 // The place in the script that a host call comes from.
 struct CallSource {
-  int line = 0;                          // from 1; 0: unknown
-  int operation = -1;                    // of a JTAG script, from 0
-  const std::string* section = nullptr;  // of a JTAG script
-  // For a scan of a JTAG script: whether its section reads, and the masks of the bits that it
-  // compares (bytes, least significant first; null if it compares none).
+  int line = 0;  // from 1; 0: unknown
+  // For a JTAG script:
+  int operation = -1;  // from 0
+  const std::string* section = nullptr;
+  // For a scan: whether its section reads, and the masks of the bits that the section compares
+  // (bytes, least significant first; null if it compares none).
   bool reads = false;
   const std::string* ir_mask = nullptr;
   const std::string* dr_mask = nullptr;
@@ -34,14 +35,14 @@ struct CallSource {
 // A value that was read, and the value that the script expects.
 struct Comparison {
   const char* of;  // the output that was compared: "ir_out", "dr_out" or "data"
-  int line;        // of the expectation
+  int line;        // the place of the expectation
   int column;
   // "0x" and two digits for each byte, the most significant first.
   std::string expected;
   std::string mask;
-  std::string captured;                 // empty if the probe does not report it
-  std::string fault;                    // why it is not met, in words; empty if it is met
-  std::vector<std::size_t> wrong_bits;  // the least significant is bit 0
+  std::string captured;                 // empty if the probe does not report the value
+  std::string fault;                    // says how the values differ; empty if they do not
+  std::vector<std::size_t> wrong_bits;  // the numbers of the bits; 0 is the least significant
 };
 
 // The steps of the pins (PinStep) from `begin` to `end - 1`; empty if the probe shows no pins.
@@ -50,11 +51,10 @@ struct StepRange {
   std::size_t end = 0;
 };
 
-// One register of a scan. Bytes are least significant first, and never more than fit into the
-// arrays of the interface.
+// One register of a scan. Bytes are least significant first, and fit into the interface's arrays.
 struct ScanRegister {
   int bits = 0;                    // as the plug-in passes it, with the extra byte of two wires
-  std::string in;                  // including the extra byte
+  std::string in;                  // with the extra byte
   std::optional<std::string> out;  // without the extra byte; nothing if not captured or reported
 };
 
@@ -62,7 +62,7 @@ struct Scan {
   ScanRegister ir;
   ScanRegister dr;
   int wires = 0;                     // a CDI_ANSWER_ value
-  const ChainScan* chain = nullptr;  // null unless the TAP is in a chain
+  const ChainScan* chain = nullptr;  // null if the TAP is alone, or the probe hides the other TAPs
 };
 
 // The host calls and their outputs: one type for each link_ function (entry/icescript.h).
@@ -95,7 +95,7 @@ struct CallEvent {
   CallSource source;
   StepRange steps;                // of the pins, during the call
   RunTime at{0};                  // when the plug-in made the call
-  std::optional<RunTime> took{};  // until a probe across a network answered
+  std::optional<RunTime> took{};  // how long a probe across a network took to answer
 
   // Returns the call if it is of this type, else null.
   template <class Call>
@@ -112,15 +112,13 @@ struct SourceMark {
   std::string text;
 };
 
-// A script of the run. The plan exists as long as the run; it is null if the script could not be
-// read.
 struct RunScript {
   std::string path;  // as the user wrote it; "-" is standard input
-  const Plan* plan;
+  const Plan* plan;  // exists as long as the run; null if the script could not be read
 };
 
 struct RunBegin {
-  std::vector<std::string> arguments;  // of the command line, as given
+  std::vector<std::string> arguments;  // the whole command line
   std::string probe;                   // a readable description
   std::string version;                 // of icehost
   std::chrono::system_clock::time_point started;
@@ -131,13 +129,13 @@ struct ScriptBegin {
   std::size_t index;  // in RunBegin::scripts
   std::string path;
   std::string name;               // for messages
-  std::string_view content;       // of the file
+  std::string_view content;       // the content of the file
   std::vector<SourceMark> marks;  // the problems that `check` finds
   RunTime at{0};
 };
 
-// Counts of the expected values that were met, not met, and not read. In a REPT block, a value that
-// was wrong once is not met.
+// The numbers of expected values that were met, not met, and not read. A value in a REPT block is
+// not met if it was wrong once.
 struct ValueCounts {
   long met = 0;
   long unmet = 0;
@@ -148,7 +146,7 @@ ValueCounts operator+(const ValueCounts& one, const ValueCounts& other);
 struct ScriptEnd {
   bool ran;  // the script ran without a fault
   ValueCounts values;
-  std::vector<const Expectation*> unread;  // the first ones, in the plan of the script
+  std::vector<const Expectation*> unread;  // the first 1000, in the plan of the script
   RunTime at{0};
 };
 
@@ -156,17 +154,17 @@ struct ScriptEnd {
 struct Notice {
   Severity severity;
   std::string text;
-  std::string name;   // of the script
+  std::string name;   // the name of the script
   Place place;        // in the script; a line or column of 0 means there is none
   CallSource source;  // of the current call
   RunTime at{0};
 };
-// Returns the text, preceded by its place if it has one.
+// Returns the text of a notice, preceded by its place if it has one.
 std::string PlacedText(const Notice& notice);
 
 struct RunCounts {
   long operations = 0;  // pin operations, scans, resets, wire settings
-  long bits = 0;        // shifted through an IR or DR
+  long bits = 0;        // bits shifted through an IR or DR
   long reads = 0;       // pin reads, and scans
 };
 
@@ -176,8 +174,8 @@ struct RunEnd {
   RunCounts counts;
   std::optional<long> tck_cycles;  // nothing if the probe does not report them
   ValueCounts values;              // of all scripts, in all rounds
-  std::size_t begun;               // how many scripts began
-  std::optional<long> rounds;      // in a repeated run: how many were played to their ends
+  std::size_t begun;               // the number of scripts that began
+  std::optional<long> rounds;      // in a repeated run, the number of rounds played to their ends
   long failed_rounds;
   RunTime at{0};
 };
@@ -191,12 +189,13 @@ class EventListener {
   virtual void OnScript(const ScriptBegin& /*script*/) {}
   // The script that has just begun asks for a TAP reset. Its first scan begins with the reset.
   virtual void OnResetRequest() {}
-  // The scripts address the TAP at this place in a chain of several. Called before the first scan.
+  // Called before the first scan if scripts address a TAP in a chain of several TAPs.
   virtual void OnPlace(const ChainPlace& /*place*/) {}
   virtual void OnCall(const CallEvent& call) = 0;
-  // A message of the plug-in, which may be a part of a line.
+  // The plug-in has printed a message, which may be a part of a line.
   virtual void OnMessage(const char* /*text*/) {}
-  // Called before OnCall if it explains a failed call; outside scripts if it concerns the run.
+  // A notice that explains a failed call comes before the OnCall of this call. A notice about the
+  // run may come outside scripts.
   virtual void OnNotice(const Notice& /*notice*/) {}
   virtual void OnScriptEnd(const ScriptEnd& /*end*/) {}
   // Called once, as the last event, however the run ends. Output::End may come before it.

@@ -1,4 +1,3 @@
-// Follows the plug-in through a script's plan.
 #ifndef ICESCRIPT_HOST_EVENTS_FOLLOWER_H_
 #define ICESCRIPT_HOST_EVENTS_FOLLOWER_H_
 
@@ -13,60 +12,60 @@
 
 namespace icehost {
 
-// Keeps track of the current operation, and compares the values read with the expected values or
-// stores them.
+// Follows the plug-in through the plan of a script, and compares or stores the values read.
 //
-// The call after the last line of a REPT block either repeats the block or leaves it, and its
-// arguments do not show which. But each line has its own data word, and the plug-in passes its
-// address. The follower notes the address of a block's first line when the block is entered. If
-// the call after a block's last line passes a noted address, the script has gone back to that line;
-// otherwise it has gone on to the next one.
+// After the last line of a REPT block, the script either repeats the block or leaves it, and the
+// arguments of the next call do not show which. But each line has its own data word, whose address
+// the plug-in passes. When a block begins, the follower notes the address of its first line. If the
+// call after a block passes a noted address, the script has gone back to that line.
 class Follower {
  public:
-  // If a value is not as expected, the call fails (kFail), or the run goes on (kKeepGoing). With
-  // kLearn nothing is compared, and all values are stored.
+  // If a value is not as expected, the call fails (kFail), or the run continues (kKeepGoing).
+  // kLearn stores all values and compares none.
   enum class Mode { kFail, kKeepGoing, kLearn };
 
-  // The comparisons of one expectation.
+  // The results of comparing one expectation.
   struct Tally {
     long compared = 0;
     long unmet = 0;
     Capture captured;         // the first wrong value; the last value if none was wrong
-    std::vector<long> wrong;  // how often each bit was wrong; later bits never were
+    std::vector<long> wrong;  // how often each bit was wrong; omitted bits at the end never were
   };
 
   explicit Follower(Mode mode) : mode_(mode) {}
 
-  // Begins a script. The plan must outlive its run.
+  // Begins a script. The plan must exist until the next Begin.
   void Begin(const Plan& plan);
 
   // Begins the next operation of a JTAG script. Returns its place in the script.
   CallSource NextOperation();
-  // Begins a pin operation. `data` is its data word, which identifies its line.
+  // Begins a pin operation in the same way. `data` is its data word, which identifies its line.
   CallSource NextPinOperation(const std::uint32_t& data);
 
-  // Compares the values that the operation read with the expected values, and appends the
-  // comparisons. Returns whether the call succeeds. A scan has no captured IR if the probe does not
-  // report it.
+  // Compares the values that the scan read with the expected values, and appends the comparisons.
+  // Returns whether the call succeeds.
   bool CompareScan(const Scan& scan, std::vector<Comparison>& comparisons);
-  // Does the same for pins. `reported` are the pins whose levels the probe reports.
+  // Compares pins (GPIO_PIN_ bits) in the same way. `reported` are the pins that the probe reports.
   bool ComparePins(int levels, int reported, std::vector<Comparison>& comparisons);
 
-  // Returns how often a value of this script was not as expected.
+  // The following functions describe the script so far. In Mode::kLearn, Values counts nothing, and
+  // FirstUnread and Summary return nothing.
+
+  // Returns how many comparisons found a wrong value.
   long Unmet() const { return unmet_; }
-  // Returns how often a value of this script was compared.
+  // Returns the number of comparisons.
   long Compared() const;
-  // Returns how many expected values of this script were never read.
+  // Returns the number of expected values that were never read.
   long Unread() const;
-  // Counts the expected values of this script by their results; all counts are 0 in Mode::kLearn.
+  // Counts the expected values by their results.
   ValueCounts Values() const;
-  // Returns the first 1000 expected values that were never read; none in Mode::kLearn.
+  // Returns the first 1000 expected values that were never read.
   std::vector<const Expectation*> FirstUnread() const;
-  // Returns how many operations at the end of this script did not begin.
+  // Returns the number of operations at the end of the plan that did not begin.
   std::size_t Unreached() const;
-  // Returns whether operations began that this script does not have.
+  // Returns whether more operations began than the plan has.
   bool Exceeded() const { return exceeded_; }
-  // Returns a readable line for each expectation of this script; none in Mode::kLearn.
+  // Returns a readable line for each expectation; `script` is the script's name.
   std::vector<std::string> Summary(const std::string& script) const;
   // Returns a tally for each expectation of the plan.
   const std::vector<Tally>& Tallies() const { return tallies_; }

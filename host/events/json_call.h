@@ -1,4 +1,4 @@
-// Writes host calls as JSON lines. Appends to a string for speed: a run may have millions of calls.
+// Writes host calls as JSON lines. Appends to a string for speed, because runs may be long.
 #ifndef ICESCRIPT_HOST_EVENTS_JSON_CALL_H_
 #define ICESCRIPT_HOST_EVENTS_JSON_CALL_H_
 
@@ -10,7 +10,7 @@
 
 namespace icehost {
 
-// Appends the line of a call. `script` is the index of its script.
+// Appends a call to `line`. `script` is the index of its script.
 void AppendCall(const CallEvent& call, std::size_t script, std::string& line);
 
 void AppendNumber(long number, std::string& line);

@@ -1,4 +1,3 @@
-// The base class of the outputs of run and serve.
 #ifndef ICESCRIPT_HOST_EVENTS_OUTPUT_H_
 #define ICESCRIPT_HOST_EVENTS_OUTPUT_H_
 
@@ -17,16 +16,16 @@ struct PageHead {
   long planned = 0;  // the number of operations if nothing fails; 0 if unknown
 };
 
-// A writer derives from this class and from the listeners that it needs: EventListener,
-// ServeListener or StepRecorder.
+// The base class of the outputs of run and serve. An output also derives from the listeners that it
+// needs: EventListener, ServeListener or StepRecorder.
 class Output {
  public:
   virtual ~Output() = default;
-  // The file is empty and ready to be written.
+  // Called when the file is empty and may be written.
   virtual void Begin() {}
   // Called after all scripts or clients; only EventListener::OnRunEnd may follow.
   virtual void End(const PageHead& /*head*/) {}
-  // Returns the new warnings about things that were played but are missing from the file.
+  // Returns the new warnings about actions that were played but are missing from the file.
   virtual std::vector<std::string> TakeLosses() { return {}; }
 };
 

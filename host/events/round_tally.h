@@ -1,4 +1,3 @@
-// Counts how often the expectations of a script are met in a repeated run.
 #ifndef ICESCRIPT_HOST_EVENTS_ROUND_TALLY_H_
 #define ICESCRIPT_HOST_EVENTS_ROUND_TALLY_H_
 
@@ -10,12 +9,12 @@
 
 namespace icehost {
 
-// Keeps only counts, so that its memory does not grow with the rounds.
+// Counts how often a script's expectations are met in any number of rounds, in constant memory.
 class RoundTally {
  public:
   // Adds the results of one round of the script.
   void Add(const Follower& follower);
-  // Returns a readable line for each expectation of the plan.
+  // Returns a readable line for each expectation of the plan. `script` is the script's name.
   std::vector<std::string> Lines(const std::string& script, const Plan& plan) const;
 
  private:

@@ -1,4 +1,4 @@
-// The outputs of a run that are text.
+// The outputs of a run that are text. Each writes to `stream`, which must outlive the output.
 #ifndef ICESCRIPT_HOST_EVENTS_RUN_WRITERS_H_
 #define ICESCRIPT_HOST_EVENTS_RUN_WRITERS_H_
 
@@ -13,7 +13,7 @@ namespace icehost {
 std::unique_ptr<Output> MakeTrace(std::ostream& stream);
 // Writes everything that happens as JSON lines, for programs.
 std::unique_ptr<Output> MakeJson(std::ostream& stream);
-// Writes the results of scripts and of their parts as JUnit XML, for CI servers, at the end.
+// Writes the results of the scripts and their parts as JUnit XML for CI servers when the run ends.
 std::unique_ptr<Output> MakeJUnit(std::ostream& stream);
 
 }  // namespace icehost

@@ -1,4 +1,4 @@
-// The command line: a structure for each verb, and the parser that fills it in.
+// The command line: a structure for the options of each verb, and the parser that fills them in.
 #ifndef ICESCRIPT_HOST_OPTIONS_COMMANDS_H_
 #define ICESCRIPT_HOST_OPTIONS_COMMANDS_H_
 
@@ -18,27 +18,27 @@ namespace icehost {
 
 enum ExitStatus : int {
   kAllWell = 0,
-  kScriptFailed = 1,  // or a script has errors, or the chain of TAPs is not sound
+  kScriptFailed = 1,  // or a file has errors, or the chain of TAPs is not sound
   kBadUsage = 2,
-  kNotOpened = 3,  // could not open the plug-in, endpoint or an output; or lost the connection
+  kNotOpened = 3,  // the plug-in, a connection or an output could not be opened, or was lost
   kInterrupted = 130,
 };
 
-// An empty text below means "not given". The file "-" is standard input or output.
+// In these structures, an empty text means "not given". The file "-" is standard input or output.
 
-// In bytes. Larger than any script, and small enough for the memory of a small machine.
+// In bytes. Real scripts are smaller, and even a small machine has this much memory.
 constexpr std::size_t kDefaultSizeLimit = 64U << 20U;
 
 struct RunCommand {
-  std::vector<std::string> arguments;  // the whole command line, as given
+  std::vector<std::string> arguments;  // the whole command line
   std::vector<std::string> scripts;
   std::string plugin;
   ProbeOptions probe;
-  int wire_mode = 0;        // a CDI_ANSWER_ value, at the start
-  bool strict = false;      // warnings are failures
-  bool force = false;       // run scripts with errors, too
-  bool keep_going = false;  // after values that are not as expected
-  long repeat = 1;          // rounds; 0: until a signal arrives
+  int wire_mode = 0;        // the CDI_ANSWER_ value at the start
+  bool strict = false;      // warnings count as failures
+  bool force = false;       // also runs scripts with errors
+  bool keep_going = false;  // continues after values that are not as expected
+  long repeat = 1;          // the number of rounds; 0: rounds repeat until a signal arrives
   OutputRequests outputs;
   std::string learn;
   bool summary = false;
@@ -51,7 +51,7 @@ struct RunCommand {
 struct CheckCommand {
   std::vector<std::string> scripts;
   std::string json;
-  bool strict = false;  // warnings are failures
+  bool strict = false;  // warnings count as failures
   std::size_t size_limit = kDefaultSizeLimit;
   bool quiet = false;
 };
@@ -64,7 +64,7 @@ struct ImportCommand {
   std::optional<double> tck_hz;  // of the probe, for a GPIO script
   std::string output = "-";
   std::size_t size_limit = kDefaultSizeLimit;  // of the file and of the script, in bytes
-  bool all = false;                            // report every problem, without groups
+  bool all = false;                            // reports every problem, without groups
   bool quiet = false;
 };
 
@@ -86,8 +86,8 @@ struct DetectCommand {
 
 using Command = std::variant<RunCommand, CheckCommand, DetectCommand, ImportCommand, ServeCommand>;
 
-// Returns the command. If the command line asks for help or is wrong, prints the help or an error
-// and returns the exit status.
+// Returns the command. If the command line asks for help or is wrong, prints the help or an error,
+// and returns the exit status instead.
 std::variant<Command, ExitStatus> ParseCommandLine(int argc, char** argv);
 
 }  // namespace icehost

@@ -1,5 +1,5 @@
-// Reads the values of options, and refuses values that do not fit together. All functions throw
-// std::invalid_argument, which says what is expected or wrong.
+// Reads the values of options. All functions throw std::invalid_argument, whose text explains what
+// is wrong.
 #ifndef ICESCRIPT_HOST_OPTIONS_OPTION_VALUES_H_
 #define ICESCRIPT_HOST_OPTIONS_OPTION_VALUES_H_
 
@@ -15,13 +15,13 @@ namespace icehost {
 
 // Reads "tcp:PORT" (on the loopback address), "tcp:ADDRESS:PORT" or "unix:PATH".
 Endpoint ParseServeEndpoint(const std::string& text);
-// Reads "jtag5", "2wire" or "cjtag2", and returns the CDI_ANSWER_.
+// Reads "jtag5", "2wire" or "cjtag2", and returns its CDI_ANSWER_ value.
 int ParseWireMode(const std::string& text);
 // Reads a number of seconds, more than 0 and up to 86400 (a day).
 std::chrono::milliseconds ParseSeconds(const std::string& text);
 // Reads a number of TCK cycles per second, more than 0.
 double ParseHertz(const std::string& text);
-// Reads a number of rounds; 0 means without end.
+// Reads a number of rounds; 0 means rounds without end.
 long ParseRounds(const std::string& text);
 // Reads a number of mebibytes, and returns it in bytes.
 std::size_t ParseMebibytes(const std::string& text);
@@ -29,7 +29,7 @@ std::size_t ParseMebibytes(const std::string& text);
 std::uint32_t ParseIdcode(const std::string& text);
 // Reads a hexadecimal number of up to 32 bits.
 std::uint64_t ParseInstruction(const std::string& text);
-// Reads "IR:BITS[=HEX]", where IR is a hexadecimal instruction, and adds the register to `target`.
+// Adds a register to `target`: "IR:BITS[=HEX]" with a hexadecimal instruction and reset value.
 void ParseRegister(const std::string& text, TargetOptions& target);
 
 // Reads "L,L,...", the IR lengths of a chain in bits, each from 2 to 256.

@@ -1,4 +1,3 @@
-// The options of the verbs.
 #ifndef ICESCRIPT_HOST_OPTIONS_VERB_OPTIONS_H_
 #define ICESCRIPT_HOST_OPTIONS_VERB_OPTIONS_H_
 
@@ -8,7 +7,8 @@
 
 namespace icehost {
 
-// Each adds a verb to `app` and returns it. Parsing the command line then fills in the command.
+// Each adds a verb with its options to `app`, and returns the verb. When `app` parses the command
+// line, it fills in the second argument, which must exist until then.
 CLI::App& AddVerb(CLI::App& app, RunCommand& run);
 CLI::App& AddVerb(CLI::App& app, CheckCommand& check);
 CLI::App& AddVerb(CLI::App& app, DetectCommand& detect);

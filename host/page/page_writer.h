@@ -1,5 +1,3 @@
-// Writes a recorded run as one HTML page: a listing of the source, a table of operations and the
-// waveform. Independent of scripts and host calls.
 #ifndef ICESCRIPT_HOST_PAGE_PAGE_WRITER_H_
 #define ICESCRIPT_HOST_PAGE_PAGE_WRITER_H_
 
@@ -16,12 +14,12 @@
 
 namespace icehost {
 
-// An operation, which is a row of the table and a part of the waveform.
+// An operation: a row of the table and a part of the waveform.
 struct PageRow {
   enum class Verdict { kDone, kMet, kNotMet, kFailed };
 
-  long number;  // counted in its source from 0
-  int line;     // counted from 1; 0 if it has none
+  long number;  // from 0, in its source
+  int line;     // from 1; 0 if the operation has no line
   StepRange steps;
   std::string name;
   std::string sent;
@@ -31,18 +29,19 @@ struct PageRow {
   Verdict verdict;
 };
 
-// Collects the page's data as text. It keeps only as much of a long run as a browser shows quickly:
-// the first steps, rows and lines, and later rows that failed. The page says what is missing. Any
-// text can contain any bytes; the page never reads it as markup.
+// Writes recorded steps as one HTML page with a listing of the source, a table of operations and
+// the waveform. Of a long run, it keeps only the part that a browser shows quickly: the first
+// steps, rows and lines, and later rows that failed. The page says what is missing. Texts may
+// contain any bytes, which the page never reads as markup.
 class PageWriter : public StepRecorder {
  public:
-  // Begins a source, to which the following rows belong. Its lines end with a line feed.
+  // Begins a source, whose rows follow. The lines of `content` end with a line feed.
   void AddSource(std::string_view name, std::string_view content,
                  const std::vector<SourceMark>& marks);
   void AddRow(const PageRow& row);
   // Adds a message, or a part of one, to the previous row.
   void AddMessage(std::string_view text);
-  // Adds the reason why a row or the source failed. `line` is 0 if it concerns no line.
+  // Adds the reason why the previous row or the source failed. `line` is 0 if no line caused it.
   void AddError(std::string_view text, int line);
   void Record(const PinStep& step) override;
 
@@ -55,7 +54,7 @@ class PageWriter : public StepRecorder {
   std::string Totals() const;
 
   std::string sources_;  // elements of an array, which page/model.js describes
-  std::string log_;      // elements of another array
+  std::string log_;      // elements of another array, which page/model.js describes, too
   std::vector<std::uint16_t> steps_;
   long total_steps_ = 0;
   long rows_ = 0;
@@ -68,12 +67,11 @@ class PageWriter : public StepRecorder {
   long marks_ = 0;
 };
 
-// Return the outputs for a run and for a served target, which write the page at the end.
+// Return outputs that write the page at the end of a run, or of serve. `stream` must outlive them.
 std::unique_ptr<Output> MakeRunPage(std::ostream& stream);
 std::unique_ptr<Output> MakeServePage(std::ostream& stream);
 
-// Returns the page without its data: page.html with its styles and scripts, embedded at build time.
-// It contains "@data@" once, which the data replaces.
+// Returns page.html with its styles and scripts, and with "@data@" in place of the data.
 std::string_view PageTemplate();
 
 }  // namespace icehost

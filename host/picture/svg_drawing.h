@@ -17,28 +17,29 @@ namespace icehost {
 // The most steps that a picture shows: four printed pages.
 constexpr std::size_t kMostSvgSteps = 2000;
 
-// Steps that have one meaning. Like scripts, all texts here may contain any bytes.
+// A range of steps with a common meaning, such as an operation. All texts here and below may
+// contain any bytes.
 struct SvgSegment {
   StepRange steps;  // not empty; may extend beyond the steps that are kept
   std::string title;
-  std::vector<std::string> labels;  // the first one that fits is drawn
-  // The range of GPIO script lines that the segment shows, which DrawSvg adds to the texts; else 0.
+  std::vector<std::string> labels;  // DrawSvg draws the first that fits
+  // The lines of a GPIO script that the segment shows, which DrawSvg adds to the texts; else 0.
   int lowest_line = 0;
   int highest_line = 0;
 };
 
-// The reads in one step; `times` is their number.
+// All reads in one step.
 struct SvgRead {
   std::size_t step;
   bool met;  // everything read here was as expected
   std::string title;
-  std::vector<std::string> labels;  // the first one that fits is drawn
-  long times;
+  std::vector<std::string> labels;  // DrawSvg draws the first that fits
+  long times;                       // the number of the reads
 };
 
-// The contents of the picture of a run, in the order of its steps.
+// The contents of a picture, in the order of the steps.
 struct SvgRun {
-  std::vector<PinStep> steps;  // the first ones, at most kMostSvgSteps
+  std::vector<PinStep> steps;  // the first steps, at most kMostSvgSteps
   std::size_t total_steps = 0;
   std::vector<SvgSegment> scripts;
   std::vector<SvgSegment> operations;
@@ -46,8 +47,8 @@ struct SvgRun {
   std::vector<SvgRead> reads;  // at most one for each step
 };
 
-// Writes a whole SVG 1.1 document, well-formed whatever the scripts contain. Colours and fonts are
-// attributes, which every viewer knows; a style sheet adds the colours of a dark scheme.
+// Writes a whole SVG 1.1 document, which is always well-formed. Colours and fonts are attributes,
+// which every viewer knows. A style sheet adds the colours of a dark scheme.
 void DrawSvg(const SvgRun& run, std::ostream& stream);
 
 // Returns an output that draws the picture when the run ends. `stream` must outlive it.

@@ -1,4 +1,4 @@
-// Outputs that record pins, and the events of a served target.
+// Outputs that record pins, and the events of serve.
 #ifndef ICESCRIPT_HOST_PINS_PIN_WRITERS_H_
 #define ICESCRIPT_HOST_PINS_PIN_WRITERS_H_
 
@@ -14,28 +14,28 @@ namespace icehost {
 
 struct ServedClient {
   std::size_t number = 0;  // from 1, in the order of the connections
-  std::string peer;        // its endpoint; empty if it has none
-  std::size_t bytes = 0;   // received from it
-  std::size_t scans = 0;   // ended while it was connected
+  std::string peer;        // the client's endpoint; empty if it has none
+  std::size_t bytes = 0;   // how many the client has sent
+  std::size_t scans = 0;   // how many ended while the client was connected
 };
 
-// Receives the events of a served target. Steps are writes to the pins, counted from 0.
+// Receives the events of serve. Steps are writes to the pins, counted from 0.
 class ServeListener : public TapListener {
  public:
   // A client connects, or leaves, before step `step`.
   virtual void OnClient(const ServedClient& client, std::size_t step) = 0;
   virtual void OnClientLeft(const ServedClient& client, std::size_t step) = 0;
-  // Serving has ended. `error` says why; it is empty if a signal ended it and nothing was lost.
+  // Serving has ended. `error` says why, and is empty if a signal ended it and nothing was lost.
   virtual void OnEnd(const std::string& error) = 0;
 };
 
-// Write scans, resets, idle cycles and clients: the first as readable lines, the second as JSON
-// lines for programs. Both outputs are ServeListeners. `stream` must outlive them.
+// Return outputs that write scans, resets, idle cycles and clients as readable lines, and as JSON
+// lines for programs. `stream` must outlive them.
 std::unique_ptr<Output> MakeServeTrace(std::ostream& stream);
 std::unique_ptr<Output> MakeServeJson(std::ostream& stream);
 
-// Writes the pins as a Value Change Dump (IEEE 1364), for GTKWave, PulseView and sigrok-cli. It
-// shows the operations of a run, or the clients of a served target.
+// Returns an output that writes the pins, with the operations of a run or the clients of serve, as
+// a Value Change Dump (IEEE 1364) for waveform viewers. `stream` must outlive it.
 std::unique_ptr<Output> MakeVcd(std::ostream& stream);
 
 }  // namespace icehost

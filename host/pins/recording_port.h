@@ -1,4 +1,3 @@
-// A pin port that wraps another one and passes every step of its pins to recorders.
 #ifndef ICESCRIPT_HOST_PINS_RECORDING_PORT_H_
 #define ICESCRIPT_HOST_PINS_RECORDING_PORT_H_
 
@@ -18,19 +17,20 @@ namespace icehost {
 struct PinStep {
   int wires;                    // the levels on the wires, TDO too (GPIO_PIN_ bits)
   std::optional<TapState> tap;  // nothing until the TAP is first reset
-  bool drives_tdo;              // the probe drives TDO, and reads its own level
+  bool drives_tdo;              // the probe drives TDO, and so reads its own level
 };
 
 class StepRecorder {
  public:
   virtual ~StepRecorder() = default;
-  // The next step is the first of this operation. `source` is valid during the call.
+  // Begins an operation, whose first step follows. `source` is valid during the call.
   virtual void BeginOperation(const std::string& /*name*/, const CallSource& /*source*/) {}
   virtual void Record(const PinStep& step) = 0;
 };
 
-// Samples TDO after every write. Steps reach the recorders in order, but only after the port has
-// answered: at the latest at a Read, a CollectTdo or a Flush.
+// Wraps another port, and passes every step of its pins to recorders. Samples TDO after every
+// write. The recorders receive the steps in order when the port has answered, and at the latest
+// during a Read, CollectTdo or Flush.
 class RecordingPort : public PinPort {
  public:
   // `port` and the recorders must outlive this object.
@@ -45,14 +45,14 @@ class RecordingPort : public PinPort {
   std::optional<int> IrLength() const override { return port_.IrLength(); }
   void CheckAlive() override { port_.CheckAlive(); }
 
-  // Begins an operation. The recorders receive it only if it writes the pins. The objects that
+  // Begins an operation. The recorders receive it when it first writes the pins. The objects that
   // `source` points to must exist until the next Flush.
   void BeginOperation(std::string name, const CallSource& source) {
     next_ = Operation{std::move(name), source};
   }
   // Returns the number of writes so far.
   std::size_t Steps() const { return steps_; }
-  // Returns how many of the last writes the port has not answered yet.
+  // Returns the number of writes that the recorders have not received yet.
   std::size_t Unrecorded() const { return pending_.size(); }
 
  private:

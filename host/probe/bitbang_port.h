@@ -1,4 +1,3 @@
-// The pins of a remote_bitbang server.
 #ifndef ICESCRIPT_HOST_PROBE_BITBANG_PORT_H_
 #define ICESCRIPT_HOST_PROBE_BITBANG_PORT_H_
 
@@ -10,20 +9,20 @@
 
 namespace icehost {
 
-// Each byte is one operation: '0' to '7' set TCK (4), TMS (2) and TDI (1); 'R' asks for TDO; 'r',
-// 's', 't' and 'u' set TRST and NRST to 00, 01, 10 and 11, where 1 asserts the reset; 'Q' quits.
-// Writes are buffered, and samples are requested without waiting for their answers.
+// The pins of a remote_bitbang server. The client sends one byte for each operation: '0' to '7' set
+// TCK (4), TMS (2) and TDI (1); 'R' asks for TDO; 'r', 's', 't' and 'u' set TRST and NRST to 00,
+// 01, 10 and 11, where 1 asserts the reset; 'Q' quits. The port buffers writes and requests.
 //
-// The protocol has no output enables, cannot drive TDO and cannot read another pin. Its answers
-// have no numbers: a surplus answer would shift all later ones, so any byte that was not asked for
-// is an IoError. A server that already has a client can only close the connection of another one.
+// The protocol has no output enables, cannot drive TDO, and can read no other pin. Its answers have
+// no numbers, so a surplus answer would shift all later answers. It therefore causes an IoError. A
+// server that has a client can only close the connection of a second client.
 class BitbangPort : public PinPort {
  public:
   enum class Manner {
-    // Drives all pins from the first write on. When TRST falls, it also resets the TAP by TMS, for
-    // servers that ignore the reset bytes.
+    // Write throws Unsupported unless all pins except TDO are enabled. When TRST falls, it also
+    // resets the TAP by TMS, because some servers ignore the reset bytes.
     kProbe,
-    // Accepts pins that are not enabled. Sends nothing for TCK, TMS and TDI while none of them is
+    // Any pins may be enabled. Write sends nothing for TCK, TMS and TDI while none of them is
     // enabled, and nothing for NRST and TRST while neither is enabled.
     kProxy,
   };
@@ -34,11 +33,10 @@ class BitbangPort : public PinPort {
   BitbangPort& operator=(const BitbangPort&) = delete;
 
   void Write(int levels, int enables) override;
-  // Returns the levels that the probe drives, and TDO.
   int Read() override;
   void SampleTdo() override;
   Bits CollectTdo() override;
-  // Asks for one more sample: its answer shows that the server has processed everything before it.
+  // Asks for one more sample, whose answer shows that the server has processed everything before.
   void Flush() override;
   int ReportedPins() const override { return GPIO_PIN_TDO; }
   void CheckAlive() override;
@@ -57,9 +55,8 @@ class BitbangPort : public PinPort {
   std::size_t unanswered_ = 0;  // samples requested, sent or not
   Bits samples_;
   int levels_ = GPIO_PIN_ALL;
-  // The last byte of each kind that was sent, or NUL.
-  char pin_byte_ = '\0';
-  char reset_byte_ = '\0';
+  char pin_byte_ = '\0';    // the last byte for TCK, TMS and TDI, or NUL
+  char reset_byte_ = '\0';  // the last byte for TRST and NRST, or NUL
 };
 
 }  // namespace icehost

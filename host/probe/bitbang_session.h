@@ -1,4 +1,3 @@
-// The server side of the remote_bitbang protocol.
 #ifndef ICESCRIPT_HOST_PROBE_BITBANG_SESSION_H_
 #define ICESCRIPT_HOST_PROBE_BITBANG_SESSION_H_
 
@@ -11,8 +10,8 @@
 
 namespace icehost {
 
-// Plays the bytes that BitbangPort describes. Skips other bytes, such as those for blinking. A pin
-// is not enabled until a byte has set it.
+// The server side of the remote_bitbang protocol: plays the bytes that BitbangPort describes. Skips
+// other bytes, such as those for blinking. A pin is not enabled until a byte has set its level.
 class BitbangSession : public Session {
  public:
   // `port` must outlive the session.

@@ -21,11 +21,11 @@ class OpenocdRpc {
  public:
   explicit OpenocdRpc(Socket socket) : socket_(std::move(socket)) {}
 
-  // Runs one command, whose braces must be balanced, and returns its result, up to 64 KiB. Throws
-  // Unsupported with OpenOCD's message if OpenOCD refuses it. Throws IoError if the connection is
-  // lost, the answer is invalid, or anything arrived before the command was sent.
+  // Runs one command, whose braces must be balanced, and returns its result of up to 64 KiB. Throws
+  // Unsupported with OpenOCD's message if OpenOCD refuses the command. Throws IoError if the
+  // connection is lost, the answer is invalid, or bytes arrived before the command was sent.
   std::string Ask(const std::string& command);
-  // Throws IoError if anything arrives within a few milliseconds. For use after the last answer.
+  // Throws IoError if more bytes arrive within a few milliseconds. For use after the last answer.
   void ExpectNoMore();
 
  private:
@@ -37,12 +37,12 @@ class OpenocdRpc {
   int commands_ = 0;
 };
 
-// Scans one TAP of OpenOCD's chain; OpenOCD handles the others. Does not capture the IR, which
-// OpenOCD's commands do not return. Throws Unsupported for GPIO scripts, the 2-wire interface and
-// commands that OpenOCD refuses, and IoError for a lost connection or an invalid answer.
+// Scans one TAP of OpenOCD's chain; OpenOCD keeps the other TAPs in BYPASS. Does not capture the
+// IR, because OpenOCD's commands do not return it. Throws Unsupported for GPIO scripts, the 2-wire
+// interface and commands that OpenOCD refuses, and IoError as OpenocdRpc::Ask does.
 class OpenocdProbe : public Probe {
  public:
-  // `tap` may be empty if OpenOCD has only one TAP. Throws IoError if there is no such TAP.
+  // `tap` may be empty if OpenOCD has only one TAP. Throws IoError if OpenOCD has no such TAP.
   OpenocdProbe(Socket socket, std::string tap);
 
   int Config(int code, int value) override;
@@ -67,7 +67,7 @@ class OpenocdProbe : public Probe {
 // The command that asks OpenOCD for the table of its chain.
 constexpr char kAskScanChain[] = "capture {scan_chain}";
 
-// A row of this table.
+// A row of that table.
 struct OpenocdTap {
   std::string name;
   bool enabled;
@@ -81,9 +81,9 @@ std::vector<OpenocdTap> ParseScanChain(const std::string& answer);
 // Throws IoError if `tap` is not one of OpenOCD's `taps`.
 void RefuseUnknownTap(const std::vector<std::string>& taps, const std::string& tap);
 
-// Returns the words of a text, which whitespace separates.
+// Returns the words of a text that are separated by whitespace.
 std::vector<std::string> WordsOf(const std::string& text);
-// Returns the whole word as an unsigned 32-bit number; nothing if it is not one, or has a sign.
+// Returns the unsigned 32-bit number in `word`; nothing if `word` contains more, even a sign.
 std::optional<std::uint32_t> NumberIn(const std::string& word, int base);
 
 }  // namespace icehost

@@ -1,4 +1,4 @@
-// A probe that plays scans on its pins.
+// A probe that performs scans by moving its pins.
 #ifndef ICESCRIPT_HOST_PROBE_PIN_PROBE_H_
 #define ICESCRIPT_HOST_PROBE_PIN_PROBE_H_
 
@@ -16,7 +16,7 @@
 
 namespace icehost {
 
-// Moves the TAPs on the pins by TCK and TMS. Throws what the port throws.
+// Moves the TAPs on the pins by TCK and TMS. Throws the exceptions of the port.
 class TapWalker {
  public:
   // `port` must outlive the walker.
@@ -28,15 +28,15 @@ class TapWalker {
   int Levels() const { return levels_; }
   int Enables() const { return enables_; }
 
-  // Moves the TAP to Run-Test/Idle from any state of the pins, with TRST and NRST high. Resets the
-  // TAP first if its state is unknown.
+  // Sets TRST and NRST high, and moves the TAP to Run-Test/Idle. Resets the TAP first if its state
+  // is unknown.
   void TakeTap();
-  // Makes the next TakeTap reset the TAP, as if its state were unknown.
+  // Makes the next TakeTap reset the TAP.
   void ForgetTap() { tap_.Forget(); }
-  // Moves the TAP to Test-Logic-Reset from any state, by TMS alone: TRST and NRST stay high.
+  // Moves the TAP to Test-Logic-Reset from any state, by TMS alone. TRST and NRST stay high.
   void ResetTap();
-  // Shifts `in`, the first bit first, from a known state through Shift-DR or Shift-IR to
-  // Run-Test/Idle, and leaves TCK low. CollectTdo of the port then returns TDO for each bit.
+  // Moves the TAP from a known state to `shift` (Shift-DR or Shift-IR), shifts `in`, moves the TAP
+  // to Run-Test/Idle, and leaves TCK low. CollectTdo of the port then returns TDO for each bit.
   void Scan(TapState shift, const Bits& in);
 
   std::size_t Steps() const { return steps_; }
@@ -55,8 +55,9 @@ class TapWalker {
 
 class PinProbe : public Probe {
  public:
-  // `port` must outlive the probe. `wire_mode` is the CDI_ANSWER_ at the start. If `two_wire` is
-  // false, selecting the 2-wire interface throws Unsupported. Scripts address the TAP at `place`.
+  // `port` must outlive the probe. `wire_mode` is the CDI_ANSWER_ value at the start. If `two_wire`
+  // is false, selecting the 2-wire interface throws Unsupported. Scripts address the TAP at
+  // `place`.
   PinProbe(PinPort& port, int wire_mode, bool two_wire, ChainPlace place = {})
       : port_(port),
         two_wire_(two_wire),
@@ -94,7 +95,7 @@ class PinProbe : public Probe {
   TapWalker walker_;
   ChainPlace place_;
   ChainScan chain_;                // of the last scan
-  bool others_in_bypass_ = false;  // an IR scan since the last reset has put them there
+  bool others_in_bypass_ = false;  // an IR scan since the last reset has put the other TAPs there
 };
 
 }  // namespace icehost

@@ -1,4 +1,4 @@
-// The loaded plug-in.
+// Loads the plug-in and runs scripts with it.
 #ifndef ICESCRIPT_HOST_PROBE_PLUGIN_H_
 #define ICESCRIPT_HOST_PROBE_PLUGIN_H_
 
@@ -11,15 +11,15 @@ namespace icehost {
 
 class Plugin {
  public:
-  // Loads the library at `path` and binds it to the link_ functions of this process. Throws
-  // IoError, which says why it cannot be loaded.
+  // Loads the library at `path` for use with this process's link_ functions. Throws IoError.
   explicit Plugin(const std::string& path);
   ~Plugin();
   Plugin(const Plugin&) = delete;
   Plugin& operator=(const Plugin&) = delete;
 
-  // Runs one script on `probe`. Returns whether the plug-in reports success. Lets Interrupted,
-  // IoError and std::bad_alloc pass; turns any other exception into PluginThrew.
+  // Runs the script at the path `script` on `probe`, and calls `print` with each message. Returns
+  // whether the plug-in reports success. Lets Interrupted, IoError and std::bad_alloc pass, and
+  // turns any other exception into PluginThrew.
   bool Run(Probe& probe, const std::string& script, PrintCallback print) const;
 
  private:
@@ -27,8 +27,8 @@ class Plugin {
   decltype(&ImplementScr) entry_;
 };
 
-// Returns the path of the plug-in in this program's folder, if there is one there, and otherwise
-// the path at which it is installed.
+// Returns the path of the plug-in in this program's folder if it exists, and otherwise the path at
+// which the plug-in is installed.
 std::string DefaultPluginPath();
 
 }  // namespace icehost

@@ -1,4 +1,3 @@
-// A debug probe as the plug-in sees it.
 #ifndef ICESCRIPT_HOST_PROBE_PROBE_H_
 #define ICESCRIPT_HOST_PROBE_PROBE_H_
 
@@ -12,13 +11,13 @@
 
 namespace icehost {
 
-// The byte at which Execute stores the captured DR. The captured IR is in the bytes before it. Over
-// two wires the DR begins one byte later.
+// The index of the byte from which Execute stores the captured DR. Over two wires, the DR begins
+// one byte later. The bytes before this index contain the captured IR.
 constexpr int kDrCaptureByte = 2;
 
-// The LinkHandle that icehost passes to the plug-in points to a Probe. Config, Reset, Insert,
-// Execute and Gpio have the arguments and results of the link_ functions in entry/icescript.h. They
-// and Flush may throw IoError and Interrupted, and Unsupported for what the probe cannot do.
+// A debug probe. The LinkHandle that icehost passes to the plug-in points to it. Config, Reset,
+// Insert, Execute and Gpio have the arguments and results of the link_ functions in
+// entry/icescript.h. They and Flush may throw IoError, Interrupted and Unsupported.
 class Probe {
  public:
   virtual ~Probe() = default;
@@ -28,7 +27,7 @@ class Probe {
   virtual int Insert(int ir_bits, const std::uint8_t* ir, int dr_bits, const std::uint8_t* dr) = 0;
   virtual int Execute(std::uint8_t* capture) = 0;
   virtual int Gpio(int out_value, std::uint32_t& data, int oe_mask, int flags) = 0;
-  // Ends a script: sends what is buffered, and returns after the receiver has answered.
+  // Ends a script: sends buffered operations, and returns after the receiver has answered.
   virtual void Flush() = 0;
   // Makes the next scan begin with a TAP reset. Returns false if the probe cannot do this.
   virtual bool ResetTapBeforeScan() { return false; }
@@ -40,8 +39,8 @@ class Probe {
   virtual bool CapturesIr() const { return true; }
   // Returns why the last scan may not have reached a TAP; empty if nothing suggests that.
   virtual std::string Doubt() const { return ""; }
-  // Returns the last scan as the whole chain saw it. Returns null if the TAP is alone, or if the
-  // probe hides the other TAPs.
+  // Returns the bits of the last scan in the whole chain. Returns null if the TAP is alone, or if
+  // the probe hides the other TAPs.
   virtual const ChainScan* WholeChain() const { return nullptr; }
   // Returns the number of writes to the pins so far; 0 if the probe shows no pins.
   virtual std::size_t Steps() const { return 0; }

@@ -1,4 +1,3 @@
-// A server whose clients move the pins of a port.
 #ifndef ICESCRIPT_HOST_PROBE_SERVER_H_
 #define ICESCRIPT_HOST_PROBE_SERVER_H_
 
@@ -12,27 +11,26 @@
 
 namespace icehost {
 
-// Serves one client at a time. A new client replaces a client that has left or was silent for the
-// idle limit; otherwise the server closes the new connection. Before it decides, it plays the bytes
-// that have arrived from the first client, for up to a second. TCP keep-alive detects clients that
-// vanish. Each client finds the pins as the previous one left them.
+// A server whose clients, one at a time, move the pins of a port. A new client replaces a client
+// that has left or was silent for the idle limit. Otherwise the server closes the new connection.
+// Before it decides, it plays the bytes that have arrived from the first client, for up to a
+// second. TCP keep-alive detects clients that vanish.
 class Server {
  public:
-  // Receives the actions of clients, in order and never while the port works. An exception ends
-  // Run.
+  // Receives the clients' actions in order, but not while the port works. It may throw to end Run.
   class Observer {
    public:
     virtual ~Observer() = default;
-    // A client was accepted; `peer` is its address, or empty if it has none.
+    // A client was accepted. `peer` is its address, and empty if it has none.
     virtual void OnClient(const std::string& peer) = 0;
-    // `count` bytes have arrived from the client.
+    // `count` bytes have arrived from the client, and are played next.
     virtual void OnBytes(std::size_t count) = 0;
-    // The bytes were played, but not answered yet.
+    // The bytes were played, but their answers were not sent yet.
     virtual void OnDone() = 0;
-    // The client's bytes are wrong, as `why` explains. The client is then disconnected.
+    // The bytes are invalid, as `why` explains, so the client will be disconnected.
     virtual void OnFault(const std::string& why) = 0;
     virtual void OnClientLeft() = 0;
-    // A second client is rejected, or replaces a silent one; `why` says which.
+    // A second client was refused or replaces a silent one, as `why` explains.
     virtual void OnRefusal(const std::string& why) = 0;
   };
 
@@ -40,12 +38,12 @@ class Server {
   Server(Listener& listener, PinPort& port, Session& session, std::chrono::milliseconds idle_limit,
          Observer& observer);
 
-  // Serves until a signal arrives, and plays what clients have sent by then. Throws Interrupted if
-  // that takes more than a fraction of a second, or more than AllowAfterSignal allows. Throws
-  // IoError if no more clients can be accepted, or if the port throws it. Notices within a second
-  // that an unused port is lost.
+  // Serves until a signal arrives, and then plays the bytes that clients have sent. Throws
+  // Interrupted if they take more than a fraction of a second, or than AllowAfterSignal allows.
+  // Throws IoError if no more clients can be accepted, or if the port is lost, even while unused.
   void Run();
-  // For use after Run has thrown. Returns whether the client left before all its bytes were played.
+  // For use after Run has thrown. Returns whether the client has left, but some of its bytes may
+  // not have been played.
   bool OwesAPart() const;
 
  private:

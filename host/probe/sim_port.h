@@ -1,4 +1,4 @@
-// The pins of the simulated probe, and the simulated target.
+// The simulated target, and the pins of the simulated probe.
 #ifndef ICESCRIPT_HOST_PROBE_SIM_PORT_H_
 #define ICESCRIPT_HOST_PROBE_SIM_PORT_H_
 
@@ -17,39 +17,37 @@
 
 namespace icehost {
 
-// The target also has a 32-bit register with this instruction, unless the IDCODE or a register in
-// the options uses the instruction.
+// This instruction selects one more 32-bit register of the target, unless the IDCODE or a register
+// in the options uses the instruction.
 constexpr std::uint64_t kScratchInstruction = 0x02;
 
 struct TargetOptions {
-  // In bits. Instructions other than those below select BYPASS.
-  int ir_length = 5;
+  int ir_length = 5;  // in bits; instructions without a register select BYPASS
   std::uint64_t idcode_instruction = 0x01;
-  std::uint32_t idcode = 0x1CE51001;  // its manufacturer code belongs to nobody
-  // The data registers that scripts may write and read, by instruction, with their reset values. A
+  std::uint32_t idcode = 0x1CE51001;  // no manufacturer has the code in this IDCODE
+  // The reset values of the data registers that scripts may write and read, by instruction. A
   // register with the instruction of the IDCODE replaces the IDCODE.
   std::map<std::uint64_t, Bits> registers;
   bool has_scratch = true;
 };
 
-// A TAP of IEEE 1149.1 with its registers.
+// A simulated TAP of IEEE 1149.1 with its registers.
 class Target {
  public:
   explicit Target(const TargetOptions& options);
 
-  // The edges of TCK. On the rising edge the TAP samples TMS and TDI; on the falling edge it
-  // changes TDO and updates its registers.
+  // Perform an edge of TCK. On the rising edge, the TAP samples TMS and TDI. On the falling edge,
+  // it changes TDO and updates its registers.
   void RaiseTck(bool tms, bool tdi);
   void LowerTck();
-  // TRST is low: the TAP goes to Test-Logic-Reset.
+  // Moves the TAP to Test-Logic-Reset, as a low TRST does.
   void ResetTap();
-  // If `hold`, NRST is low: the registers get their reset values and keep them. The TAP controller
-  // keeps its state.
+  // If `hold` is true (NRST is low), the registers take their reset values, and keep them until a
+  // call with false. The TAP controller keeps its state.
   void HoldRegisters(bool hold);
 
   int IrLength() const { return options_.ir_length; }
-  // Returns the level of TDO; nothing outside Shift-IR and Shift-DR, where the target does not
-  // drive it.
+  // Returns the level of TDO; nothing outside Shift-IR and Shift-DR, where TDO is not driven.
   std::optional<bool> Tdo() const { return tdo_; }
 
  private:
@@ -57,7 +55,7 @@ class Target {
   Bits CapturedDr() const;
   void UpdateDr();
   void Capture(Bits bits);
-  // Returns the shift register; its first bit is the one next to TDO.
+  // Returns the shift register, from the bit next to TDO on.
   Bits Shifted() const;
 
   TargetOptions options_;
@@ -65,8 +63,7 @@ class Target {
   bool held_ = false;
   TapState state_ = TapState::kTestLogicReset;
   std::uint64_t instruction_;
-  // A ring, so that an edge moves no bits: the incoming bit replaces the outgoing one.
-  Bits shift_;
+  Bits shift_;             // a ring, so that an edge replaces only one bit
   std::size_t first_ = 0;  // the index of the bit that leaves next
   std::optional<bool> tdo_;
 };

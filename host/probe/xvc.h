@@ -6,8 +6,8 @@
 
 namespace icehost {
 
-// A client sends the next command only after the answer to the previous one. N is decimal. Other
-// numbers have 4 bytes, the lowest first. The lowest bit of the first byte is shifted first.
+// A client sends a command only after the answer to the previous one. N is decimal. Other numbers
+// have 4 bytes, the lowest first. The lowest bit of the first byte is shifted first.
 //
 // | Command                     | Answer                                                     |
 // |-----------------------------|------------------------------------------------------------|

@@ -1,4 +1,3 @@
-// A probe on an XVC server.
 #ifndef ICESCRIPT_HOST_PROBE_XVC_PORT_H_
 #define ICESCRIPT_HOST_PROBE_XVC_PORT_H_
 
@@ -16,11 +15,11 @@
 
 namespace icehost {
 
-// The pins of an XVC server (see xvc.h), which shifts whole TCK cycles, for a TapWalker. Each
-// rising edge of TCK is a cycle with the TMS and TDI of that write. SampleTdo asks for TDO in the
-// cycle of the next rising edge. Cycles are buffered until they fill a shift, or until CollectTdo
-// or Flush. Write throws Unsupported if NRST or TRST is low, and Read always does: the protocol has
-// no such commands. Surplus bytes and answers of the wrong length cause an IoError.
+// The pins of an XVC server (see xvc.h) for a TapWalker. The server shifts whole TCK cycles. Each
+// write that raises TCK becomes a cycle with the TMS and TDI of this write. SampleTdo asks for TDO
+// in the next cycle. Cycles are buffered until they fill a shift, or until CollectTdo or Flush. The
+// protocol has no reset pins and cannot read the pins, so Write throws Unsupported if NRST or TRST
+// is low, and Read always does. Surplus bytes and answers of the wrong length cause an IoError.
 class XvcPort : public PinPort {
  public:
   // Asks the server for its version and for the largest size of a shift. Throws IoError.
@@ -30,7 +29,7 @@ class XvcPort : public PinPort {
   int Read() override;
   void SampleTdo() override { sample_next_ = true; }
   Bits CollectTdo() override;
-  // Also sends getinfo. Throws IoError unless the answer is the same as in the constructor.
+  // Also sends getinfo, and throws IoError unless the answer is the same as in the constructor.
   void Flush() override;
 
  private:
@@ -41,10 +40,10 @@ class XvcPort : public PinPort {
 
   Socket socket_;
   std::string info_;       // the server's answer to getinfo
-  std::size_t most_bits_;  // the largest size of a shift
+  std::size_t most_bits_;  // the largest size of a shift, in bits
   int levels_ = GPIO_PIN_ALL;
   bool sample_next_ = false;
-  // The cycles that were not sent yet; `sampled_` marks those that ask for TDO.
+  // The cycles that were not sent yet; `sampled_` marks the cycles that ask for TDO.
   Bits tms_;
   Bits tdi_;
   Bits sampled_;

@@ -1,4 +1,3 @@
-// The server side of the XVC protocol.
 #ifndef ICESCRIPT_HOST_PROBE_XVC_SESSION_H_
 #define ICESCRIPT_HOST_PROBE_XVC_SESSION_H_
 
@@ -12,8 +11,8 @@
 
 namespace icehost {
 
-// Plays the commands in xvc.h, a shift only after it has arrived completely, and leaves TCK low.
-// Never enables NRST and TRST. Accepts any period of TCK, and ignores it.
+// The server side of the XVC protocol: plays the commands in xvc.h. Plays a shift when it has
+// arrived completely, and leaves TCK low. Never enables NRST and TRST. Ignores the period of TCK.
 class XvcSession : public Session {
  public:
   // `port` must outlive the session.

@@ -16,11 +16,11 @@
 
 namespace icehost {
 
-// A RUNTEST: go to `state`, stay there for at least this many TCK cycles and seconds but at most
-// `most_seconds`, and then go to `end`.
+// A RUNTEST: the TAP goes to `state`, stays there for at least `cycles` TCK cycles and `seconds`,
+// but at most for `most_seconds`, and then goes to `end`.
 struct SvfRunTest {
-  TapState state;  // a stable state, as is `end`
-  TapState end;
+  TapState state;  // a stable state
+  TapState end;    // a stable state
   double cycles;
   double seconds;
   std::optional<double> most_seconds;
@@ -28,12 +28,12 @@ struct SvfRunTest {
 
 enum class SvfTrst { kOn, kOff, kZ, kAbsent };
 
-// Writes a script for the statements of a file, and reports what the script cannot express. The
-// statements are valid SVF, except that the paths of STATE may be wrong. The script contains no
-// text of the file.
+// Writes a script for the statements of a file, and reports the statements that the script cannot
+// express. The statements are valid SVF, except that the paths of STATE may be wrong. The script
+// contains no text of the file.
 class SvfForm {
  public:
-  // If `script` is null, only checks. The arguments must outlive the form.
+  // If `script` is null, writes nothing. The arguments must outlive the form.
   SvfForm(Problems& problems, std::ostream* script) : problems_(problems), script_(script) {}
   virtual ~SvfForm() = default;
 
@@ -45,7 +45,7 @@ class SvfForm {
   virtual void Scan(bool ir, const SvfShift& shift) = 0;
   // Sets the stable state in which scans of the IR or the DR end from now on.
   virtual void EndState(bool ir, TapState state) = 0;
-  // Goes to one stable state, or along a path that ends in one.
+  // Goes to a stable state, or along a path that ends in a stable state.
   virtual void State(const std::vector<TapState>& path) = 0;
   virtual void RunTest(const SvfRunTest& run) = 0;
   virtual void Trst(SvfTrst mode) = 0;
@@ -62,7 +62,7 @@ class SvfForm {
     size_ += text.size();
     if (script_ != nullptr) *script_ << text;
   }
-  // Return the place of the keyword, or of the word after it with this index.
+  // Return the place of the keyword, and of the word with this index after the keyword.
   Place At() const { return statement_.keyword.place; }
   Place AtWord(std::size_t word) const { return statement_.words[word].place; }
   // Returns the keyword in upper case.
@@ -77,9 +77,11 @@ class SvfForm {
   SvfStatement statement_{};
 };
 
-// Writes a section for each IR scan and the DR scan after it, named after its line in the file.
+// Returns a form that writes a section for each IR scan and the DR scan after it. The name of the
+// section contains the line of the scan in the file.
 std::unique_ptr<SvfForm> MakeJtagForm(Problems& problems, std::ostream* script);
-// Writes each TCK edge. `tck_hz` is the probe's highest TCK rate; without it, FREQUENCY applies.
+// Returns a form that writes a GPIO script with each TCK edge. `tck_hz` is the highest TCK rate of
+// the probe; without it, FREQUENCY applies.
 std::unique_ptr<SvfForm> MakeGpioForm(Problems& problems, std::ostream* script,
                                       std::optional<double> tck_hz);
 

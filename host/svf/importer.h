@@ -1,4 +1,3 @@
-// Makes a script from a Serial Vector Format (SVF) file.
 #ifndef ICESCRIPT_HOST_SVF_IMPORTER_H_
 #define ICESCRIPT_HOST_SVF_IMPORTER_H_
 
@@ -14,18 +13,18 @@
 namespace icehost {
 
 struct SvfImport {
-  std::string name;  // of the file, for a comment
+  std::string name;  // the name of the file, for a comment
   bool gpio = false;
-  std::optional<double> tck_hz;  // of the probe, for a GPIO script
-  std::size_t most = 0;          // of bytes in the script; a scan may have four times as many bits
+  std::optional<double> tck_hz;  // the highest TCK rate of the probe, for a GPIO script
+  std::size_t most = 0;          // the most bytes of the script; a scan may have 4 * `most` bits
   Keeping keeping = kKeepReasons;
 };
 
-// Reads the file. Returns its problems and the parts that the script leaves out, sorted by place.
-// Stops reading when the problems are full. Unless `script` is null, writes a script to it
-// that has the same effect as the file and passes `check`. If there are errors, the text written
-// is useless, and has at most about SvfImport::most bytes. Calls `on_progress` with the
-// number of bytes read after each statement. Throws Interrupted.
+// Reads `text`, a file in the Serial Vector Format (SVF), and writes a script with the same effect
+// to `script` unless that is null. The script passes `check`. Returns the problems of the file and
+// the parts that the script leaves out, sorted by place. Stops when the problems are full. If there
+// are errors, the text written is useless, and has at most about SvfImport::most bytes. After each
+// statement, calls `on_progress` with the number of bytes read. Throws Interrupted.
 Problems ImportSvf(const SvfImport& import, std::string_view text, std::ostream* script,
                    const std::function<void(std::size_t)>& on_progress);
 

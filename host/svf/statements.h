@@ -14,24 +14,24 @@
 
 namespace icehost {
 
-// The most words that are kept of a statement. Limits the memory for one that does not end.
+// The most words that are kept of a statement. This limits the memory for an endless statement.
 constexpr std::size_t kMostWords = 1024;
 
 struct SvfToken {
   enum class Kind { kWord, kValue, kSemicolon, kEnd };
 
   Kind kind;
-  std::string_view text;  // of a value: everything between the parentheses, with comments
-  Place place;            // of the text
+  std::string_view text;  // for a value, everything between the parentheses, with comments
+  Place place;            // the place of the text
 };
 
 struct SvfStatement {
   SvfToken keyword;
   std::vector<SvfToken> words;  // words and values between the keyword and the semicolon
-  bool is_long;                 // it has more than kMostWords words; the rest is not kept
+  bool is_long;                 // true if the words after the first kMostWords were dropped
 };
 
-// Walks over a text and keeps track of the place.
+// Walks over a text, and keeps track of the place.
 class SvfCursor {
  public:
   // The text must outlive the cursor.
@@ -51,14 +51,15 @@ class SvfCursor {
   Place place_;
 };
 
-// Words end at blanks, parentheses, semicolons and comments. A value may span several lines.
+// Splits a text into statements. Words end at blanks, parentheses, semicolons and comments. A value
+// may span several lines.
 class SvfReader {
  public:
   // The text must outlive the reader and its statements.
   explicit SvfReader(std::string_view text);
 
-  // Returns the next statement, or nothing at the end. Reports a value without its closing
-  // parenthesis, and warns if the last statement has no semicolon.
+  // Returns the next statement; nothing at the end. Reports a value without a closing parenthesis,
+  // and warns if the last statement has no semicolon.
   std::optional<SvfStatement> Next(Problems& problems);
   std::size_t BytesRead() const { return size_ - cursor_.Rest().size(); }
 
@@ -70,36 +71,36 @@ class SvfReader {
   SvfCursor cursor_;
 };
 
-// Returns whether a token is this word, in upper or lower case; `upper` is in upper case.
+// Returns whether a token is the word `upper` in any case; `upper` itself is in upper case.
 bool IsSvfWord(const SvfToken& token, std::string_view upper);
-// Returns the word in quotes, for a message.
+// Returns the text of a token in quotes, for a message.
 std::string Quoted(const SvfToken& token);
-// Returns the number, or nothing if the token is negative or not a number.
+// Returns the number that a token contains; nothing if it is negative or not a number.
 std::optional<double> SvfNumber(const SvfToken& token);
-// Returns the state with this name, in upper or lower case, or nothing.
+// Returns the state that a token names, in upper or lower case; nothing if there is none.
 std::optional<TapState> SvfState(const SvfToken& token);
 // Returns the name of a state in SVF, such as "DRSHIFT".
 const char* SvfStateName(TapState state);
-// Returns whether the TAP can stay in a state, without shifting, while TMS stays at one level.
+// Returns whether the TAP can stay in a state without shifting.
 bool IsStable(TapState state);
 
-// The bits that one scan shifts, the first bit first. All members have the same length.
+// The bits that a scan shifts, the first bit first. All members have the same length.
 struct SvfShift {
   Bits tdi;
   Bits tdo;
   Bits mask;  // bits that are 1 are compared
 
   bool Compares() const;
-  // Appends `more`, which is shifted later.
+  // Appends the bits of `more`, which are shifted later.
   void Append(const SvfShift& more);
 };
 
-// The register of one keyword, such as SDR. It remembers TDI and MASK of the last statement, for
-// the next one with the same length.
+// The parameters of one keyword, such as SDR. It remembers TDI and MASK of the last statement for
+// the next statement with the same length.
 class SvfRegister {
  public:
-  // Reads LENGTH [TDI (..)] [TDO (..)] [MASK (..)] [SMASK (..)]. If the statement is wrong, or
-  // longer than `most` bits, reports it and returns nothing.
+  // Reads LENGTH [TDI (..)] [TDO (..)] [MASK (..)] [SMASK (..)]. If the statement is wrong or has
+  // more than `most` bits, reports this and returns nothing.
   std::optional<SvfShift> Take(const SvfStatement& statement, std::size_t most, Problems& problems);
 
  private:

@@ -1,4 +1,4 @@
-// Writes a run as a file in the Serial Vector Format, SVF (ASSET InterTech, revision E).
+// Writes a run in the Serial Vector Format, SVF (ASSET InterTech, revision E).
 #ifndef ICESCRIPT_HOST_SVF_SVF_WRITER_H_
 #define ICESCRIPT_HOST_SVF_SVF_WRITER_H_
 
@@ -18,13 +18,12 @@ namespace icehost {
 struct SvfScan {
   bool ir;
   Bits tdi;          // the first bit first, as in all members
-  Bits tdo;          // the bits that came back
-  Bits mask;         // as long as tdo, or empty; bits that are 1 are compared
-  bool own = false;  // of one TAP: headers and trailers are for the other TAPs of its chain
+  Bits tdo;          // the captured bits
+  Bits mask;         // as long as `tdo`, or empty; bits that are 1 are compared
+  bool own = false;  // a scan of one TAP, with headers and trailers for the others of its chain
 };
 
-// The statements and comments that both writers use. Writes ASCII in lines of at most 256
-// characters, the limit of the format.
+// The base of both writers below. Writes ASCII in lines of up to 256 characters, the limit of SVF.
 class SvfWriter : public Output, public EventListener {
  public:
   // `stream` must outlive this object.
@@ -39,21 +38,21 @@ class SvfWriter : public Output, public EventListener {
   static constexpr const char* kNoNrst =
       "SVF has no statement for NRST: a player does not reset the target";
 
-  // Returns the bits that a player compares in a scan of a JTAG script: the script's mask if it
-  // expects a value; otherwise all bits of a DR that the script reads, or the first two bits of an
-  // IR, which IEEE 1149.1 defines. Empty if nothing is compared.
+  // Returns the mask of `bits` bits for a scan of a JTAG script: the script's mask if it expects a
+  // value; otherwise ones for all bits of a DR that the script reads, or for the first two bits of
+  // an IR, which IEEE 1149.1 defines. Empty if nothing is compared.
   static Bits MaskOf(const CallSource& source, bool ir, std::size_t bits);
 
   void Comment(const std::string& text);
-  // Writes a comment on the place of the next statements; `last_line` is 0 for a single line.
+  // Writes a comment with the place of the next statements. `last_line` is 0 for a single line.
   void CommentOnPlace(const std::string& path, const CallSource& source, int last_line);
-  // Writes a comment on each value that a call has read and that is not as expected.
+  // Writes a comment on each value that `call` has read and that is not as expected.
   void CommentOnUnmet(const CallEvent& call);
   void Statement(const std::string& text) { stream_ << text << ";\n"; }
   void ScanStatement(const SvfScan& scan);
   const ChainPlace& Place() const { return place_; }
-  // Writes a comment on something that was played but that SVF cannot express. Adds `warning` to
-  // the losses, but only once.
+  // Writes a comment on an action that was played but that SVF cannot express. Adds `warning` to
+  // the losses unless it was added before.
   void Lose(const char* warning, const std::string& comment);
 
  private:
@@ -61,17 +60,17 @@ class SvfWriter : public Output, public EventListener {
 
   std::ostream& stream_;
   ChainPlace place_;
-  bool framed_ = false;              // headers and trailers are in force
+  bool framed_ = false;              // headers and trailers are in effect
   std::set<std::string> lost_;       // all warnings so far
   std::vector<std::string> losses_;  // warnings for the next TakeLosses
 };
 
-// Writes what happens to the TAP, in JTAG and in GPIO scripts. In a scan of a GPIO script, a bit is
-// compared if the script has read it on TDO while the target drove TDO.
+// Returns an output that writes the actions of the TAP. Its scans of a GPIO script compare the bits
+// that the script has read on TDO while the target drove TDO.
 std::unique_ptr<Output> MakeSvfPinWriter(std::ostream& stream);
 
-// Writes the scans of JTAG scripts for a probe that shows no pins. They are scans of one TAP,
-// whatever else is in its chain, and do not compare the captured IR.
+// Returns an output that writes the scans of JTAG scripts on a probe that shows no pins. They are
+// scans of one TAP, without the rest of its chain, and do not compare the captured IR.
 std::unique_ptr<Output> MakeSvfCallWriter(std::ostream& stream);
 
 }  // namespace icehost

@@ -1,4 +1,3 @@
-// Writes to a descriptor whose reader may be slow, or may not read at all.
 #ifndef ICESCRIPT_HOST_SYSTEM_DESCRIPTOR_WRITER_H_
 #define ICESCRIPT_HOST_SYSTEM_DESCRIPTOR_WRITER_H_
 
@@ -7,7 +6,7 @@
 
 namespace icehost {
 
-// Waits for a slow reader until a signal ends the wait. Several threads may use an object.
+// Writes to a descriptor, for one or more threads. Waits for a slow reader until a signal arrives.
 class DescriptorWriter {
  public:
   // `fd` must stay open while the object is in use.
@@ -15,7 +14,7 @@ class DescriptorWriter {
 
   // Returns whether these and all earlier bytes were written. Writes nothing after a failure.
   bool Write(std::string_view bytes);
-  // Returns the errno of the first failed write, or 0. EINTR: a signal ended a wait.
+  // Returns the errno of the first failed write, or 0. It is EINTR if a signal ended a wait.
   int Error() const { return error_; }
 
  private:

@@ -1,4 +1,3 @@
-// An address to connect to or to listen on.
 #ifndef ICESCRIPT_HOST_SYSTEM_ENDPOINT_H_
 #define ICESCRIPT_HOST_SYSTEM_ENDPOINT_H_
 
@@ -7,7 +6,7 @@
 
 namespace icehost {
 
-// A TCP host and port, or the path of a UNIX socket.
+// An address to connect to or to listen on: a TCP host and port, or the path of a UNIX socket.
 struct Endpoint {
   std::string host;
   std::string port;  // empty for a UNIX socket
@@ -18,7 +17,7 @@ struct Endpoint {
   std::string Name() const;
 };
 
-// Parses the form of Name. Throws std::invalid_argument, which says what is expected.
+// Parses a text in the form of Name. Throws std::invalid_argument, which says what is expected.
 Endpoint ParseEndpoint(std::string_view text);
 
 }  // namespace icehost

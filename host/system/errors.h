@@ -19,14 +19,13 @@ class IoError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-// The system has no descriptor or memory left, which is not a fault of the file in the message. The
-// run ends with kNotOpened.
+// The system has no descriptor or memory left for a file. The run ends with kNotOpened.
 class OutOfResources : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-// The probe cannot do what the script asks for. The call fails, and the plug-in ends the script.
+// The probe does not support a call. The call fails, and the plug-in ends the script.
 class Unsupported : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
@@ -38,7 +37,7 @@ class PluginThrew : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-// The user pressed Ctrl-C, or another signal ends the program. The run ends with kInterrupted.
+// A signal, such as Ctrl-C, ends the program. The run ends with kInterrupted.
 class Interrupted : public std::runtime_error {
  public:
   Interrupted() : std::runtime_error("interrupted") {}

@@ -1,4 +1,3 @@
-// Detects outputs that would overwrite another file of the same command.
 #ifndef ICESCRIPT_HOST_SYSTEM_FILE_USES_H_
 #define ICESCRIPT_HOST_SYSTEM_FILE_USES_H_
 
@@ -11,14 +10,15 @@
 
 namespace icehost {
 
-// Compares the files and not their paths, so links make no difference.
+// Detects outputs that would overwrite another file of the same command. Compares the files instead
+// of their paths, so links make no difference.
 class FileUses {
  public:
-  // The command reads `scripts` ("-" is standard input) and `plugin`, which may be empty.
+  // Registers the command's inputs: `scripts` ("-" is standard input), and `plugin` if not empty.
   explicit FileUses(const std::vector<std::string>& scripts = {}, const std::string& plugin = "");
 
-  // Registers the file that an option writes. The file must be open and not begun. Throws BadUsage
-  // if it has another use. Terminals and devices such as /dev/null may have several uses.
+  // Registers the file that `option` writes. The file must not be begun yet. Throws BadUsage if it
+  // has another use, unless it is a terminal or a device such as /dev/null.
   void AddOutput(const OutputFile& file, const std::string& option);
 
  private:

@@ -1,4 +1,4 @@
-// Input files, files in memory, and a test whether two files are the same.
+// Reads input files, makes files in memory, and tests whether two files are the same.
 #ifndef ICESCRIPT_HOST_SYSTEM_FILES_H_
 #define ICESCRIPT_HOST_SYSTEM_FILES_H_
 
@@ -30,9 +30,8 @@ class MemoryFile {
   std::string path_;
 };
 
-// Returns whether both describe the same file, terminal or pipe.
+// Return whether both arguments refer to the same file, terminal or pipe.
 bool IsSameFile(const struct stat& one, const struct stat& other);
-// Returns whether both descriptors refer to the same file, terminal or pipe.
 bool IsSameFile(int fd, int other);
 
 }  // namespace icehost

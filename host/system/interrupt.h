@@ -10,38 +10,38 @@
 namespace icehost {
 
 // Makes the first SIGINT, SIGTERM or SIGHUP set a flag, so that the program can end by itself. A
-// second signal, at least half a second later, ends it at once. Signals ignored at the start of the
-// process stay ignored. A separate thread receives the signals, so they interrupt no system call.
-// SIGPIPE and SIGXFSZ are ignored: the writes that cause them fail with an error instead. Must be
-// called once, before other threads start. Throws IoError.
+// second signal, at least half a second later, ends the program at once. Signals ignored at the
+// start of the process stay ignored. A separate thread receives the signals, so they interrupt no
+// system call. Also ignores SIGPIPE and SIGXFSZ, so that the writes that cause them fail with an
+// error instead. Must be called once, before other threads start. Throws IoError.
 void CatchInterrupts();
 
-// Allows work to continue for `time` after a signal: ThrowIfInterrupted throws only after this
+// Allows work to continue for `time` after a signal: ThrowIfInterrupted does not throw during this
 // time, and a Rescue waits this much longer.
 void AllowAfterSignal(std::chrono::milliseconds time);
 
 // Returns whether a signal has arrived.
 bool IsInterrupted();
-// Throws Interrupted if a signal has arrived and the time allowed after it is over.
+// Throws Interrupted if a signal has arrived and the time allowed after it has passed.
 void ThrowIfInterrupted();
 
-// Ends the program after a signal if the main thread does not look for signals, because it is in
-// the plug-in or waits for a reader of its output. Half a second after the signal, and once the
-// state is kAway, another thread calls `complete` and ends the process with status 130; the main
-// thread can no longer return to work. Without a Rescue, the process just ends. Only the Rescue
-// created last has an effect.
+// Ends the program after a signal if the main thread does not check for signals, because it is in
+// the plug-in or waits for a reader of its output. Half a second after the signal, as soon as the
+// state is kAway, another thread calls `complete` and ends the process with status 130. The main
+// thread can then no longer enter kWorking. Without a Rescue, the process ends without this call.
+// Only the Rescue created last has an effect.
 class Rescue {
  public:
   enum class State { kAway, kWorking };
 
-  // Everything that `complete` uses must outlive the object.
+  // Everything that `complete` uses must outlive the Rescue.
   Rescue(State state, std::function<void()> complete);
   ~Rescue();
   Rescue(const Rescue&) = delete;
   Rescue& operator=(const Rescue&) = delete;
 
-  // Sets the state of the main thread while the scope exists; scopes may be nested. While the
-  // thread is away, it must not touch anything that `complete` uses.
+  // Sets the state of the main thread while the scope exists. Scopes may be nested. In kAway, the
+  // main thread must not touch anything that `complete` uses.
   class Scope {
    public:
     Scope(Rescue& rescue, State state) : rescue_(rescue), before_(rescue.state_) {
@@ -63,12 +63,12 @@ class Rescue {
   std::mutex working_;  // locked by the main thread while it works
 };
 
-// Returns the loop for every wait of the main thread; a signal stops it. Callers restart it, call
-// IsInterrupted and run it, in this order, so as not to miss a signal. It is never destroyed,
-// because that would wait for a host name look-up that was given up.
+// Returns the loop for every wait of the main thread. A signal stops the loop: to miss no signal,
+// callers restart it, call IsInterrupted and run it, in this order. The loop is never destroyed,
+// because its destructor would wait for an abandoned look-up of a host name.
 asio::io_context& EventLoop();
-// Waits until an operation that was started on the loop ends. Returns false if the deadline or the
-// end of the time allowed after a signal comes first.
+// Waits until an operation on the loop ends. Returns false if the deadline, or the end of the time
+// allowed after a signal, comes first.
 bool AwaitOperation(std::chrono::steady_clock::time_point deadline);
 
 }  // namespace icehost

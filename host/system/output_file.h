@@ -1,4 +1,3 @@
-// A file that icehost writes.
 #ifndef ICESCRIPT_HOST_SYSTEM_OUTPUT_FILE_H_
 #define ICESCRIPT_HOST_SYSTEM_OUTPUT_FILE_H_
 
@@ -15,17 +14,16 @@
 
 namespace icehost {
 
-// Writes to the file in place, so that a run can be followed and the file keeps its links, owner
-// and mode. Before Begin nothing changes: a file that is never begun keeps its content, or is
-// removed if it did not exist. After Begin, the file always contains everything that was flushed.
-// Nothing is ever removed from standard output, whose path is "-".
+// A file that icehost writes, or standard output ("-"). Writes to an existing file in place, so
+// that other programs can follow it and the file keeps its links, owner and mode. A file that is
+// never begun keeps its content, or is removed if it did not exist. After Begin, the file contains
+// everything that was flushed. Nothing is ever removed from standard output.
 class OutputFile {
  public:
-  // The part that is kept of a file that cannot be completed: all whole lines, or nothing.
+  // The part of an incomplete file that is kept: all whole lines, or nothing.
   enum class Rest { kLines, kNothing };
 
-  // Opens the file, or throws IoError, which says why it cannot be opened. "-" is the file to which
-  // descriptor 1 refers now.
+  // Opens the file. "-" is the file to which descriptor 1 refers now. Throws IoError.
   OutputFile(const std::string& path, Rest rest);
   // Writes the buffered text if the file was begun, and closes the file.
   ~OutputFile();
@@ -35,32 +33,30 @@ class OutputFile {
   // Empties the file. Must be called before anything is written.
   void Begin();
   std::ostream& Stream() { return stream_; }
-  // Returns the path as the user wrote it.
   const std::string& Path() const { return path_; }
   bool IsStandardOutput() const { return path_ == "-"; }
-  // Returns the descriptor, for another process to write to.
+  // Returns the descriptor, to which another process may write.
   int Descriptor() const { return fd_; }
   // Throws IoError.
   struct stat Status() const;
-  // Notes that memory ran out for part of the content: Close then fails, if the file was begun.
+  // Marks the file, if begun, as incomplete, because memory ran out for a part of its content.
   void MarkIncomplete() { incomplete_ = begun_; }
   // If a write has failed or the file is marked as incomplete, throws Interrupted after a signal,
-  // and otherwise IoError, but only once.
+  // and otherwise IoError. Throws IoError only once.
   void ThrowIfCut();
-  // Writes the buffered text and closes the file. Throws IoError if the file is incomplete,
-  // unless ThrowIfCut has already thrown it.
+  // Writes the buffered text and closes the file. Throws IoError if the file is incomplete, unless
+  // ThrowIfCut has thrown it before.
   void Close();
-  // Closes a file that cannot be completed. Only the part that Rest names remains.
+  // Closes a file that cannot be completed, and keeps only the part that Rest names.
   void Abandon();
-  // Writes a whole file: begins it, writes `text` and closes it. Throws IoError, or Interrupted if
-  // a signal arrives while nobody reads the text.
+  // Begins the file, writes `text` and closes the file. Throws IoError, or Interrupted if a signal
+  // arrives during a wait for the reader.
   void WriteWhole(std::string_view text);
 
  private:
   class Buffer : public std::streambuf {
    public:
     Buffer(int fd, char* room);
-    // Returns the errno of the first failed write, or 0.
     int Error() const { return writer_.Error(); }
     bool Write();
 
@@ -85,7 +81,7 @@ class OutputFile {
   bool begun_ = false;
   bool incomplete_ = false;
   bool reported_ = false;
-  std::unique_ptr<char[]> room_;  // for buffer_; allocated first: if this throws, no file is opened
+  std::unique_ptr<char[]> room_;  // for buffer_; allocated before the file is opened
   int fd_;
   Buffer buffer_;
   std::ostream stream_;

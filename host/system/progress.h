@@ -1,4 +1,3 @@
-// A line on standard error that shows the progress of long work.
 #ifndef ICESCRIPT_HOST_SYSTEM_PROGRESS_H_
 #define ICESCRIPT_HOST_SYSTEM_PROGRESS_H_
 
@@ -7,16 +6,16 @@
 
 namespace icehost {
 
-// Appears when the work has taken a second, and is redrawn at most five times a second.
+// A line on standard error that shows the progress of long work. It appears when the work has taken
+// a second, and is redrawn at most five times a second.
 class Progress {
  public:
-  // Without `show`, nothing is ever drawn.
+  // If `show` is false, IsDue always returns false.
   explicit Progress(bool show) : show_(show) {}
   ~Progress() { Erase(); }
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
 
-  // Returns whether it is time to draw.
   bool IsDue() const { return show_ && Clock::now() >= next_; }
   // Draws `line` in place of the previous one.
   void Draw(const std::string& line);

@@ -19,42 +19,41 @@ namespace icehost {
 
 using StreamProtocol = asio::generic::stream_protocol;
 
-// A connection, for the main thread only. A wait throws IoError after the time-out, and Interrupted
-// after a signal. The text of an IoError names the endpoint and the reason.
+// A connection, for the main thread only. Functions that wait throw IoError after the time-out, and
+// Interrupted after a signal. The text of an IoError contains the endpoint and the reason.
 class Socket {
  public:
   using Timeout = std::chrono::milliseconds;
-  // How long surplus answers may still arrive after the last expected one.
+  // How long to wait for surplus answers after the last expected answer.
   static constexpr Timeout kStragglers{10};
 
-  // Connects. After each failed attempt calls `again`, which may throw; without it, tries once.
+  // Connects. Calls `again`, which may throw, after each failed attempt; if it is null, tries once.
   static Socket Connect(const Endpoint& endpoint, Timeout timeout,
                         const std::function<void()>& again = nullptr);
   // Returns whether a server accepts connections at `endpoint`. Makes a connection to find out.
   static bool IsTaken(const Endpoint& endpoint, Timeout timeout);
-  // Takes over `fd`, which must be a connected UNIX socket.
+  // Takes ownership of `fd`, a connected UNIX socket. `name` is its name in messages.
   Socket(int fd, const std::string& name, Timeout timeout);
 
   void Send(std::string_view bytes);
-  // Waits for at least one byte. Returns the bytes that have arrived, at most `limit`; none if the
-  // other side has closed the connection.
+  // Waits for bytes, and returns up to `limit`; none if the other side has closed the connection.
   std::string Receive(std::size_t limit);
-  // Returns the number of bytes that have arrived and were not received yet. If there are none,
-  // waits for some, at most `patience`.
+  // Returns the number of bytes that have arrived but were not received yet. If there are none,
+  // waits up to `patience` for the first.
   std::size_t Pending(std::chrono::milliseconds patience = {});
-  // Returns whether the other side has closed and nothing is left to receive. Does not wait.
+  // Returns whether the other side has closed the connection and no bytes are left. Does not wait.
   bool HasEnded();
   // Adds `advice` to the error message if the connection is lost before anything was received.
   void AdviseOnLoss(std::string advice) { advice_ = std::move(advice); }
-  // Throws an IoError that says that `who`, the other side, has closed the connection.
+  // Throw an IoError, which says that `who`, the other side, has closed the connection, or that the
+  // other side has sent surplus bytes.
   [[noreturn]] void FailClosed(const std::string& who) const;
-  // Throws an IoError that says that the other side has sent bytes that were not asked for.
   [[noreturn]] void FailOutOfStep() const;
-  // Must be the last call; a signal does not end it. Sends as many of `bytes` as the system accepts
-  // without waiting. Then receives and drops `answers` bytes for at most `patience`, because a
-  // server that writes to a closed connection may miss the bytes, or die.
+  // Sends as many of `bytes` as the system accepts without waiting. Then receives and drops
+  // `answers` bytes for up to `patience`, even after a signal, because a server that writes to a
+  // closed connection may miss the bytes or crash. Must be the last call.
   void TakeLeave(std::string_view bytes, std::size_t answers, std::chrono::milliseconds patience);
-  // Returns the endpoint as the user named it.
+  // Returns the name of the endpoint for messages.
   const std::string& Name() const { return name_; }
 
  private:
@@ -75,24 +74,25 @@ class Socket {
   StreamProtocol::socket socket_;
   std::string name_;
   Timeout timeout_;
-  bool acknowledged_ = true;  // all bytes received were acknowledged
+  bool acknowledged_ = true;  // all received bytes were acknowledged
   bool received_ = false;     // at least one byte was received
   std::string advice_;
 };
 
-// Sends as many of `bytes` as the system accepts without waiting, and removes them; this saves a
-// turn of the event loop. If the system accepts none now, returns no error.
+// Sends as many of `bytes` as the system accepts without waiting, and removes them from `bytes`. It
+// is not an error if the system accepts none at the moment.
 asio::error_code SendAtOnce(StreamProtocol::socket& socket, std::string_view& bytes);
 
-// A socket that listens on the event loop.
+// A listening socket on the event loop.
 class Listener {
  public:
   using Acceptor = asio::basic_socket_acceptor<StreamProtocol>;
 
-  // Listens on `endpoint`; for a UNIX socket, with a SocketFile. Throws IoError, or Interrupted.
+  // Listens on `endpoint`. For a UNIX socket, passes `timeout` to a SocketFile. Throws IoError and
+  // Interrupted.
   Listener(const Endpoint& endpoint, std::chrono::milliseconds timeout);
 
-  // Returns the endpoint as a client names it, with the real port instead of port 0.
+  // Returns the endpoint for clients, with the real port instead of port 0.
   std::string Name() const;
   Acceptor& GetAcceptor() { return acceptor_; }
 
@@ -102,8 +102,8 @@ class Listener {
   std::optional<SocketFile> file_;  // must be removed before the socket is closed
 };
 
-// Returns the other end of a TCP connection in the form of Endpoint::Name. Returns an empty text
-// for a UNIX socket, whose other end has no name, and for a lost connection.
+// Returns the other end of a TCP connection in the form of Endpoint::Name, and an empty text for a
+// UNIX socket, whose other end has no name, or a lost connection.
 std::string PeerName(const StreamProtocol::socket& socket);
 
 }  // namespace icehost

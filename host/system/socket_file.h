@@ -1,4 +1,3 @@
-// The file of a UNIX socket that listens.
 #ifndef ICESCRIPT_HOST_SYSTEM_SOCKET_FILE_H_
 #define ICESCRIPT_HOST_SYSTEM_SOCKET_FILE_H_
 
@@ -10,12 +9,12 @@
 
 namespace icehost {
 
-// The file exists as long as the object, unless somebody else removes it.
+// The file of a listening UNIX socket. It exists as long as the object, unless somebody removes it.
 class SocketFile {
  public:
   // Removes the file of a server that has ended, but no other file. Then calls `bind`, which must
-  // create the new file. Meanwhile locks the folder against other icehost processes, and waits at
-  // most `timeout` for the lock. Throws asio::system_error, or Interrupted.
+  // create the new file. Locks the folder against other icehost processes during this time, and
+  // waits up to `timeout` for the lock. Throws asio::system_error and Interrupted.
   SocketFile(const std::string& path, std::chrono::milliseconds timeout,
              const std::function<void()>& bind);
   // Removes the file, unless another server has replaced it. The socket must still be open.

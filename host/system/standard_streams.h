@@ -9,42 +9,41 @@
 namespace icehost {
 
 // Opens each standard descriptor that is closed at the start of the process. Otherwise a file or
-// connection could get its number, and text for the user would go there. Reading or writing such a
-// descriptor fails. Must be called first.
+// connection could get its number, and receive the text for the user. Reads and writes of such a
+// descriptor fail. Must be called first.
 void OccupyStandardDescriptors();
 
-// Returns unbuffered standard error. A wait for its reader ends after a signal.
+// Returns unbuffered standard error. A signal ends a wait for its reader.
 std::ostream& StandardError();
 
-// Flushes the streams. Returns false if standard output or standard error did not accept everything
-// that was written since the start.
+// Flushes standard output and error. Returns whether both accepted everything that was written.
 bool CompleteStandardStreams();
 
-// Returns whether to use colours on `fd`: if it is a terminal, NO_COLOR is not set or is empty, and
-// TERM is not "dumb", as it is in the buffer of an editor.
+// Returns whether to use colours on `fd`: it must be a terminal, NO_COLOR must be unset or empty,
+// and TERM must not be "dumb", as it is in an editor.
 bool WantsColour(int fd);
 
-// Prints a line on standard error, as Printable returns it and without line feeds at its end.
+// Prints a line on standard error, as Printable returns it, but without line feeds at its end.
 void ComplainLine(std::string line);
-// Does the same, with "icehost: " before the line.
+// Prints `what` in the same way, after "icehost: ".
 void Complain(const std::string& what);
 
-// Prints that memory has run out, without allocating any.
+// Prints that memory has run out, without allocating memory.
 void ComplainOfMemory();
 
-// While the object exists, captures text that a library writes to descriptor 1, for example with
-// printf, and User returns the user's standard output. Only one object may exist at a time.
+// Captures the text that a library writes to descriptor 1, for example with printf, while the
+// object exists. User returns the real standard output. Only one object may exist at a time.
 class CapturedOutput {
  public:
   // Throws IoError.
   CapturedOutput();
-  // Restores the user's standard output.
+  // Restores descriptor 1.
   ~CapturedOutput();
   CapturedOutput(const CapturedOutput&) = delete;
   CapturedOutput& operator=(const CapturedOutput&) = delete;
 
   FILE* User() { return user_; }
-  // Returns the text that was written to descriptor 1, and flushed, since the last call.
+  // Returns the text that was written to descriptor 1 and flushed since the last call.
   std::string Take();
 
  private:

@@ -22,7 +22,7 @@ namespace icehost {
 using MakeOutput = std::unique_ptr<Output> (*)(std::ostream& stream);
 
 struct OutputKind {
-  // The output of one verb. All members are null if the verb does not have the output.
+  // The output of one verb. All members are null if the verb cannot write the output.
   struct Verb {
     const char* help = nullptr;
     MakeOutput make = nullptr;
@@ -30,14 +30,13 @@ struct OutputKind {
   };
 
   const char* option;
-  bool file_may_lack;  // without a file, the output goes to standard error
+  bool file_may_lack;  // the option may lack a file; the output then goes to standard error
   bool needs_pins;
   OutputFile::Rest rest;
   Verb run, serve;
-  bool reports_unplayed = false;  // the output is also written if a run does not begin
+  bool reports_unplayed = false;  // the output is written even if a run does not begin
 };
 
-// Returns all rows.
 const std::vector<OutputKind>& OutputKinds();
 
 // An output that the user asked for.
@@ -47,45 +46,43 @@ struct OutputRequest {
 };
 using OutputRequests = std::vector<OutputRequest>;
 
-// Returns whether any output goes to standard error.
+// Returns whether at least one output goes to standard error.
 bool UseStandardError(const OutputRequests& requests);
 
-// Returns the entries at the head of a page: the probe, what was done (`counts`), when it began
-// (`seconds` ago), and the version of icehost.
+// Returns the entries at the head of a page: the probe, `counts` of the work done, the time when it
+// began (`seconds` ago), and the version of icehost.
 std::vector<std::pair<std::string, std::string>> HeadEntries(const ProbeOptions& probe,
                                                              const std::string& counts,
                                                              double seconds);
 
 class Outputs {
  public:
-  // Opens all files, also for --spawn-log, and changes none. Throws IoError if a file cannot be
-  // opened or an output needs pins that the probe lacks, and BadUsage if a file has another use.
+  // Opens the files of the outputs and of --spawn-log, and changes none of them. Throws IoError if
+  // a file cannot be opened, or if an output needs pins and the probe shows none. Throws BadUsage
+  // if `uses` contains another use of a file. `verb` selects OutputKind::run or OutputKind::serve.
   Outputs(const OutputRequests& requests, OutputKind::Verb OutputKind::*verb,
           const ProbeOptions& probe, FileUses uses);
-  // Adds a file that the caller begins and writes. Complete closes it with the others.
+  // Opens one more file, which the caller begins and writes. Throws as the constructor does.
   OutputFile& Add(const std::string& option, const std::string& path, OutputFile::Rest rest);
-  // Begins the outputs and empties their files, but not the files of Add and --spawn-log.
+  // Empties the files of the outputs, and begins the outputs.
   void Begin();
-  // Throws if standard output accepts no more text, so that a run does not continue unseen.
+  // If an output goes to standard output, throws as its OutputFile::ThrowIfCut does.
   void ThrowIfCut() const {
     if (standard_output_ != nullptr) standard_output_->ThrowIfCut();
   }
-  // Writes the buffered text. Throws as OutputFile::ThrowIfCut does.
+  // Writes the buffered text of all files. Throws as OutputFile::ThrowIfCut does.
   void Flush();
-  // Returns the new warnings about things that were played but are missing from an output. Complete
-  // may add more.
+  // Returns the new warnings of all outputs (Output::TakeLosses). Ending the outputs may add more.
   std::vector<std::string> TakeLosses();
-  // Marks all files as incomplete, because memory ran out for an event that any of them may lack.
+  // Marks all files as incomplete. For use when memory has run out for an event.
   void MarkIncomplete();
-  // Ends the outputs, and writes the buffered text. Returns a message for each file that is not
-  // complete.
+  // Ends the outputs, and writes the buffered text. Returns a message for each incomplete file.
   std::vector<std::string> End(const PageHead& head);
-  // Passes the end of the run to the outputs, the last row of the table first, and closes the
-  // files. Returns a message for each incomplete file that End has not named. As soon as a file
-  // turns out to be incomplete, the remaining outputs get `if_lost` instead of `end`.
+  // Passes the end of the run to the outputs in the reverse order of the requests, and closes all
+  // files. Once a file turns out to be incomplete, the remaining outputs receive `if_lost` instead
+  // of `end`. Returns a message for each incomplete file that End has not reported.
   std::vector<std::string> EndRun(const RunEnd& end, const RunEnd& if_lost);
-  // Ends the outputs of serve and closes the files. Returns a message for each that is not
-  // complete.
+  // Ends the outputs of serve, and closes all files. Returns a message for each incomplete file.
   std::vector<std::string> Complete(const PageHead& head);
 
   bool Any() const { return !writers_.empty(); }
@@ -101,7 +98,7 @@ class Outputs {
     OutputFile* file;  // null: standard error
   };
 
-  // Lets `act` complete one file. Adds a text to `failures` if the file is incomplete.
+  // Calls `act`. If the file of `writer` is incomplete then, adds a message to `failures`.
   template <class Act>
   static void Guard(const Writer& writer, std::vector<std::string>& failures, const Act& act);
 

@@ -20,51 +20,51 @@ namespace icehost {
 
 struct ProbeOptions;
 
-// A row, which sets the members that differ from the defaults below. Functions that use a probe
-// across a network connect to it, and throw IoError.
+// A row of the table. Each function that opens a probe, or reads its chain, connects to the probe
+// if it is across a network, and throws IoError.
 struct ProbeKind {
   using OpenPins = std::unique_ptr<PinPort> (*)(const ProbeOptions& options);
 
   const char* name = "";               // the value of --probe, up to the colon before an address
-  std::vector<std::string> addresses;  // the forms of its address; empty: it has none
+  std::vector<std::string> addresses;  // the forms of its address; empty if it has none
   const char* title = "";              // its name in messages
-  bool has_target = false;             // has the options of the simulated target
-  bool two_wire = false;               // has the 2-wire interface
-  // Reads the address. Throws std::invalid_argument, which says what is expected.
+  bool has_target = false;             // it has the options of the simulated target
+  bool two_wire = false;               // it supports the 2-wire interface
+  // Reads the address into `options`. Throws std::invalid_argument, which says what is expected.
   void (*parse)(const std::string& address, ProbeOptions& options) = nullptr;
   // Describes the probe for the head of a page. Never null.
   std::string (*describe)(const ProbeOptions& options) = nullptr;
   // Opens the pins for scripts. Null if the probe shows no pins.
   OpenPins open_pins = nullptr;
-  // Opens the pins for serve, where only the client drives them. Null: use open_pins.
+  // Opens the pins for serve, where only the client drives them. Null: serve uses open_pins.
   OpenPins open_served = nullptr;
-  // Opens a probe that shows no pins.
+  // Opens a probe that shows no pins; null if the probe shows pins.
   std::unique_ptr<Probe> (*open_scans)(const ProbeOptions& options) = nullptr;
-  // Reads the chain; never null. Throws Unsupported if the probe cannot report its chain.
+  // Reads the chain. Throws Unsupported if the probe cannot report it. Never null.
   Chain (*read_chain)(const ProbeOptions& options) = nullptr;
-  // Returns the index of the only TAP that scripts scan. Throws Unsupported if the options do not
-  // choose one. Null if scripts scan the whole chain.
+  // Returns the index of the only TAP that scripts can scan. Throws Unsupported if the chain has
+  // several TAPs and the options name none. Null if scripts can scan the whole chain.
   std::size_t (*only_tap)(const Chain& chain, const ProbeOptions& options) = nullptr;
 
   bool ShowsPins() const { return open_pins != nullptr; }
 };
 
-// Returns all rows. The first is the default.
+// Returns the rows of the table. The first one is the default.
 const std::vector<ProbeKind>& ProbeKinds();
 
 // The probe that a verb works on.
 struct ProbeOptions {
   const ProbeKind* kind = &ProbeKinds().front();
   Endpoint endpoint;
-  std::string tap;                          // the name of its TAP; empty: it has only one
+  std::string tap;                          // the name of the TAP in OpenOCD; may be empty
   std::chrono::milliseconds timeout{5000};  // the longest wait for an answer
-  std::shared_ptr<SpawnedCommand> spawned;  // starts its server before the connection; may be null
+  std::shared_ptr<SpawnedCommand> spawned;  // the command of --spawn; may be null
   std::string spawn_log;                    // the file for the command's output; may be empty
   TargetOptions target;                     // of the simulated probe
   ChainPlace place;                         // of the TAP that scripts address
-  bool measures_place = false;              // `place` must still be read from the chain
+  bool measures_place = false;              // `place` must be read from the chain
 
-  // Returns whether there are, or may be, TAPs other than the one that scripts address.
+  // Returns whether the chain has, or may have, several TAPs.
   bool ChoosesTap() const { return measures_place || place.ir_lengths.size() > 1; }
   // Returns the name of the probe for messages.
   std::string Name() const;
@@ -72,7 +72,7 @@ struct ProbeOptions {
 
 // Reads the value of --probe. Throws std::invalid_argument, which says what is expected.
 void ParseProbe(const std::string& text, ProbeOptions& options);
-// Return the help text of --probe: for most verbs, and for serve.
+// Return the help texts of --probe for most verbs, and for serve.
 std::string ProbeHelp();
 std::string ServedProbeHelp();
 

@@ -13,17 +13,16 @@ namespace icehost {
 
 struct ProtocolKind {
   const char* name;   // the value of --protocol
-  const char* title;  // its name in messages
+  const char* title;  // the name of the protocol in messages
   // Returns a session that plays on `port`, which must outlive it.
   std::unique_ptr<Session> (*open)(PinPort& port);
 };
 
-// Returns all rows. The first is the default.
+// Returns the rows of the table. The first one is the default.
 const std::vector<ProtocolKind>& ProtocolKinds();
 
 // Returns the row with this name. Throws std::invalid_argument, which says what is expected.
 const ProtocolKind& ParseProtocol(const std::string& name);
-// Returns the help text of --protocol.
 std::string ProtocolHelp();
 
 }  // namespace icehost

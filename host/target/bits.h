@@ -1,5 +1,4 @@
-// Bits of a register or scan, in the order in which they are shifted: the lowest bit first. In
-// bytes, bit 0 of byte 0 is the first.
+// The bits of a register or scan, and their forms as numbers, bytes and text.
 #ifndef ICESCRIPT_HOST_TARGET_BITS_H_
 #define ICESCRIPT_HOST_TARGET_BITS_H_
 
@@ -11,11 +10,12 @@
 
 namespace icehost {
 
+// Bits in the order in which they are shifted, the lowest first. Bit 0 of byte 0 is the first.
 using Bits = std::vector<bool>;
 
 // Returns the `length` lowest bits of a number; bits above the 64th are 0.
 Bits BitsOfNumber(std::uint64_t number, int length);
-// Returns the first 64 bits as a number; the first bit is bit 0.
+// Returns the first 64 bits as a number, whose bit 0 is the first bit.
 std::uint64_t NumberOfBits(const Bits& bits);
 
 // Returns bits `first` to `end - 1`.
@@ -31,12 +31,12 @@ void StoreBits(const Bits& bits, int limit, std::uint8_t* bytes);
 // Returns the bits as bytes; unused bits of the last byte are 0.
 std::vector<std::uint8_t> BytesOfBits(const Bits& bits);
 
-// Returns bytes, least significant first, as one number: "0x" and two digits for each byte.
+// Returns `bytes`, least significant first, as one number: "0x" and two digits for each byte.
 std::string ByteText(const std::uint8_t* bytes, std::size_t count);
 std::string ByteText(std::string_view bytes);
-// Does the same for bits; the last bit is the most significant.
+// Returns bits in the form of ByteText; the last bit is the most significant.
 std::string BitText(const Bits& bits);
-// Returns bytes as a script lists them, such as "0x01,0x02"; "0x00" if there are no bits.
+// Return bytes as a script lists them, such as "0x01,0x02", or "0x00" if there are no bits.
 std::string ByteList(const Bits& bits);
 std::string ByteList(std::string_view bytes);
 

@@ -1,4 +1,3 @@
-// The place of a TAP in its chain.
 #ifndef ICESCRIPT_HOST_TARGET_CHAIN_PLACE_H_
 #define ICESCRIPT_HOST_TARGET_CHAIN_PLACE_H_
 
@@ -14,17 +13,17 @@ constexpr int kMostTaps = 64;
 
 enum class TapColumn { kIr, kDr };
 
-// The TAP that scripts address; the others of its chain stay in BYPASS. TAP 0 is the nearest to
-// TDO: its bits are shifted first, in and out.
+// The place in its chain of the TAP that scripts address. The other TAPs stay in BYPASS. TAP 0 is
+// the nearest to TDO, so its bits are shifted first, in and out.
 struct ChainPlace {
   std::vector<int> ir_lengths;  // of all TAPs, in bits; if empty, the TAP counts as alone
-  std::size_t tap = 0;          // its index, from 0
+  std::size_t tap = 0;          // the index of the TAP, from 0
 
   // Return the number of bits that a scan shifts before and after those of this TAP.
   std::size_t Before(TapColumn column) const;
   std::size_t After(TapColumn column) const;
-  // Returns the bits to shift through the whole chain, so that this TAP gets `own`. The other TAPs
-  // get ones in an IR scan (the instruction BYPASS) and zeros in a DR scan.
+  // Returns the bits to shift through the whole chain so that this TAP receives `own`. The other
+  // TAPs receive ones in an IR scan (the instruction BYPASS) and zeros in a DR scan.
   Bits Whole(TapColumn column, const Bits& own) const;
   // Returns this TAP's bits of `whole`, which must have at least Before + After bits.
   Bits Own(TapColumn column, const Bits& whole) const;

@@ -32,7 +32,7 @@ constexpr int kTapStates = 16;
 // Returns the name of the state in the standard, such as "Shift-DR".
 const char* TapStateName(TapState state);
 
-// After this many TCK edges with TMS high, the TAP is in Test-Logic-Reset, whatever its state was.
+// After this many rising TCK edges with TMS high, the TAP is in Test-Logic-Reset from any state.
 constexpr int kTapResetEdges = 5;
 
 // Returns the state after a rising TCK edge with this level of TMS.
@@ -41,15 +41,15 @@ TapState NextTapState(TapState state, bool tms);
 // Returns the level of TMS for the first edge of the shortest path between two different states.
 bool TmsTowards(TapState from, TapState to);
 
-// Follows the state of a TAP by the levels of the wires.
+// Derives the state of a TAP from the levels of the wires.
 class TapTracker {
  public:
-  // Records the new levels of the wires (GPIO_PIN_ bits). All are high before the first call.
+  // Records the new levels of the wires (GPIO_PIN_ bits). Before the first call, all are high.
   void Update(int wires);
 
   // Makes the state unknown, as it is at the beginning.
   void Forget();
-  // Returns the state, or nothing until TRST is low or TMS is high for five TCK edges in a row.
+  // Returns the state; nothing until TRST was low, or TMS high for five rising TCK edges in a row.
   std::optional<TapState> State() const { return state_; }
   // Returns the number of rising edges of TCK so far.
   long TckCycles() const { return tck_cycles_; }

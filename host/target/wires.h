@@ -11,15 +11,15 @@ constexpr const char* kPinNames[] = {"NRST", "TRST", "TCK", "TMS", "TDI", "TDO"}
 constexpr int kPinCount = 6;
 
 constexpr int kResetPins = GPIO_PIN_NRST | GPIO_PIN_TRST;
-// The pins that a probe drives in a scan; the target drives TDO.
+// The pins that a probe drives in a scan.
 constexpr int kDrivenPins = GPIO_PIN_ALL & ~GPIO_PIN_TDO;
 
-// Returns the levels of the wires: pins that are not in `enables` float high (GPIO_PIN_ bits).
+// Returns the levels of the wires (GPIO_PIN_ bits). Pins that are not in `enables` float high.
 constexpr int WireLevels(int levels, int enables) {
   return (levels | ~enables) & GPIO_PIN_ALL;
 }
 
-// The longest register, in bits, that a scan over two wires can carry. The interface adds a byte,
+// The longest register, in bits, that can be scanned over two wires. The interface adds a byte,
 // which displaces the 33rd byte of a longer register.
 constexpr int kMostTwoWireBits = 256;
 
