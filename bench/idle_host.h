@@ -6,7 +6,8 @@
 
 #pragma GCC visibility push(default)
 
-// A LinkHandle points to one of these: the result of every pin operation, 0 or -1 (failure).
+// A LinkHandle points to one of these variables. Its value, 0 or -1 (failure), is the result of
+// every pin operation.
 extern int idle_runs;
 extern int idle_stops;
 

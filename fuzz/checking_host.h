@@ -13,9 +13,9 @@
 // Runs one script once, and aborts the process if the plug-in breaks a promise.
 //
 // The first byte of the answers is the number of the message at which the callback throws (0: none;
-// 255: no callback). Each call takes the next byte as its result: 0x7E throws, 0x7F is INT_MAX,
-// 0x80 is INT_MIN, others are sign-extended. The byte of a pin read or the bytes of a capture
-// follow the result. After the end of the answers every byte is 0.
+// 255: no callback). The next byte is always the result of the next call: 0x7E throws, 0x7F is
+// INT_MAX, 0x80 is INT_MIN, and any other byte is sign-extended. After the result come the byte of
+// a pin read or the bytes of a capture. After the end of the answers every byte is 0.
 class CheckingHost {
  public:
   explicit CheckingHost(std::string_view answers);
@@ -35,7 +35,7 @@ class CheckingHost {
   struct Thrown {
     const CheckingHost* by;
   };
-  // An array of link_jtag_insert, and a copy of its bytes at that call.
+  // An array passed to link_jtag_insert, and a copy of its bytes at that time.
   struct Register {
     const unsigned char* bytes;
     std::array<unsigned char, JTAG_DR_MAX_BYTES> copy;
@@ -44,7 +44,7 @@ class CheckingHost {
   std::uint8_t NextByte();
   int NextResult();
   [[noreturn]] void Throw();
-  // Begins a call: checks that a call may still follow, and that the scan is at `scan`.
+  // Checks that another call may follow, and that the scan has made this progress.
   void Begin(Scan scan) const;
   int End(int result, bool failed);
   Register CheckRegister(int bits, const unsigned char* bytes) const;

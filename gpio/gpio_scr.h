@@ -23,8 +23,8 @@ struct GpioOperatorData {
   bool holds_pins;            // REPT: whether its block contains a pin operation, at any depth
 };
 
-// Reads a GPIO script when constructed, reports its errors to the callback, and sets `status`. Owns
-// the list. Exceptions from the callback and the standard library pass through without leaks.
+// The constructor reads a GPIO script, reports errors to the callback, and sets `status`. The list
+// is owned by the object. Exceptions from the callback and the library pass through without leaks.
 class GpioScr {
  public:
   // A null `path` sets `error` and prints nothing. `callback` must not be null.
@@ -36,11 +36,11 @@ class GpioScr {
   // Appends the operations of the script to the list. Returns the value for `status`.
   int ParseScr(char* path);
   // Returns a new node, which this object owns and which is not yet in the list. A REPT becomes the
-  // innermost open one. An ENDR is paired with the innermost open REPT; if none is open, sets and
+  // innermost open REPT. An ENDR is paired with the innermost open REPT. If none is open, sets and
   // prints `error` and returns null.
   GpioOperatorData* ParseGpioOperatorData(int out_value, int oe_mask, int flags, int kind,
                                           int repeat_count);
-  // Makes `node`, a REPT, the innermost open one.
+  // Makes `node`, which must be a REPT, the innermost open REPT.
   void RepeatNodePush(GpioOperatorData* node);
   // Closes the innermost open REPT and returns it, or null if none is open.
   GpioOperatorData* RepeatNodePop();
