@@ -1,4 +1,3 @@
-// The string class of the script readers and parsers.
 #ifndef ICESCRIPT_BASE_CSTRING_H_
 #define ICESCRIPT_BASE_CSTRING_H_
 
@@ -9,7 +8,7 @@
 namespace icescript {
 
 // A string of any bytes, NUL included. Some operations do not do what their names suggest, and the
-// readers and parsers depend on exactly this behaviour:
+// script readers and parsers depend on exactly this behaviour:
 //  - operator+ appends in place;
 //  - TrimLeft can leave an empty text, but TrimRight always keeps the first byte;
 //  - GetBuffer returns a separate copy that only ReleaseBuffer frees. The destructor does not free

@@ -1,4 +1,3 @@
-// The parser for the lines of a GPIO script after START.
 #ifndef ICESCRIPT_BASE_GPIO_LINE_PARSER_H_
 #define ICESCRIPT_BASE_GPIO_LINE_PARSER_H_
 
@@ -17,8 +16,8 @@ struct GpioItem {
   std::string_view value;
 };
 
-// Turns each line into one table element. One parser must read the whole file, because an item with
-// an empty value gets the number of the last item with a value, even from an earlier line.
+// Turns each line after START into one table element. One parser must read the whole file, because
+// an item with an empty value gets the number of the last item with a value, even in another line.
 class GpioLineParser {
  public:
   enum class Result { kLine, kEnd, kSyntaxError, kBadWord };

@@ -65,7 +65,6 @@ class CIniFile {
   // ---- The INI store. A "key" is a section. Names are compared byte by byte up to a NUL,
   // case-sensitive and untrimmed. Every lookup is a linear search.
 
-  // Returns the number of sections.
   int GetNumKeys() const { return static_cast<int>(keys.size()); }
   // Returns the name of section keyID, or an empty text if there is no such section.
   CString GetKeyName(int keyID) const;

@@ -1,4 +1,3 @@
-// Functions on text that the script readers share: trimming, upper case, and the section tag.
 #ifndef ICESCRIPT_BASE_TEXT_H_
 #define ICESCRIPT_BASE_TEXT_H_
 

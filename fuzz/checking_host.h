@@ -31,7 +31,6 @@ class CheckingHost {
  private:
   // The progress of a scan, whose calls are query, insert and execute in this order.
   enum class Scan { kNone, kQueried, kInserted };
-  // The exception that the host throws.
   struct Thrown {
     const CheckingHost* by;
   };

@@ -23,8 +23,8 @@ struct GpioOperatorData {
   bool holds_pins;            // REPT: whether its block contains a pin operation, at any depth
 };
 
-// The constructor reads a GPIO script, reports errors to the callback, and sets `status`. The list
-// is owned by the object. Exceptions from the callback and the library pass through without leaks.
+// The constructor reads a GPIO script, reports errors to the callback, and sets `status`. It owns
+// the list. An exception from the callback or the standard library causes no leak.
 class GpioScr {
  public:
   // A null `path` sets `error` and prints nothing. `callback` must not be null.

@@ -31,8 +31,8 @@ struct JtagOperatorData {
 // The constructor reads a JTAG script. Each section of the file becomes one operation. If ReadFile
 // rejects the file, the list is empty. If a section lacks IR or DR, the list ends before it. The
 // callback gets a message about these two problems. Any other wrong section is left out, and
-// reported on standard output. The object owns the list. Exceptions from the callback and the
-// standard library pass through without leaks.
+// reported on standard output. The object owns the list. An exception from the callback or the
+// standard library causes no leak.
 class JtagScr {
  public:
   // A null `path` sets errorMessage. `callback` must not be null.
@@ -44,8 +44,7 @@ class JtagScr {
   // Appends the operations of the script to the list. Returns 0, or -1 if anything is wrong.
   int ParseScr(char* path);
 
-  // These functions return a new record, which the caller owns, or null if the section has a wrong
-  // value.
+  // Each returns a new record, which the caller owns, or null if a value of the section is wrong.
   JtagOperatorData* ParsingControl(CIniFile& ini, int sectionIndex);
   JtagOperatorData* ParseJtagOperatorData(CString ir, CString dr);
   JtagOperatorData* ParseJtagOperatorData(int cdi);

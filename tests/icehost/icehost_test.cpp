@@ -102,7 +102,7 @@ void BeInterruptedAtWork() {
   std::this_thread::sleep_for(std::chrono::seconds(10));
 }
 
-// A Rescue completes the outputs only when the main thread does not work on them.
+// A Rescue completes the outputs only when the main thread is not working on them.
 TEST(Rescue, WaitsForTheMainThread) {
   testing::FLAGS_gtest_death_test_style = "threadsafe";
   EXPECT_EXIT(BeInterruptedAtWork(), testing::ExitedWithCode(130), "worked, completed");
