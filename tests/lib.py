@@ -22,7 +22,7 @@ for entry in os.listdir(SOURCE):
     os.symlink(os.path.join(SOURCE, entry), os.path.join(FOLDER.name, entry))
 os.chdir(FOLDER.name)
 os.environ["HOME"] = FOLDER.name
-# A shell starts background processes with SIGINT ignored.
+# Restores the handler, because a shell starts background processes with SIGINT ignored.
 signal.signal(signal.SIGINT, signal.default_int_handler)
 
 # Bytes of a remote_bitbang client: two for each TCK cycle.
@@ -116,7 +116,7 @@ class Serve:
                 pass
 
     def end(self, signal_number=signal.SIGTERM):
-        """Ends the server by a signal, if any, and returns its status and its later messages."""
+        """Ends the server by a signal, if any. Returns its status and its later messages."""
         if signal_number:
             self.process.send_signal(signal_number)
         begun = time.monotonic()

@@ -29,7 +29,7 @@ def kinds_of(value):
 
 
 def check_lines(what, lines):
-    """Each line has one kind, but would have none with a further key or without its first key."""
+    """Each line has one kind, but none if a key is added or the first key is removed."""
     for line in lines:
         if line in seen:
             continue
@@ -106,7 +106,7 @@ def check_times():
 
 
 def check_manual():
-    """Checks the lines about check and serve. Those about a run are shown without their times."""
+    """Checks the lines of check and serve. The manual shows those of a run without their times."""
     lines = re.findall(r"^\{.*", read("docs/json.md").split("## A check")[1], re.MULTILINE)
     check_lines("the manual", lines)
 

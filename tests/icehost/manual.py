@@ -1,5 +1,5 @@
 #!/usr/bin/python3 -B
-"""Compares the manual page and the completions of the shells with the help of icehost.
+"""Compares the manual page and the completions of three shells with the help of icehost.
 
 usage: manual.py ICEHOST SOURCE_FOLDER. The page is in the folder of icehost.
 """
@@ -63,7 +63,7 @@ def check_page():
          re.findall(r"(?:status:|;) (\d+) ", HELP))
     expect("version", "icehost " + re.findall(r"icescript (\d\S+)", page)[-1] + "\n",
          output(ICEHOST, "--version"))
-    # The pages that it refers to need not be installed.
+    # The pages that this page refers to need not be installed.
     lint = output("mandoc", "-T", "lint", "-W", "style", PAGE).splitlines()
     expect("mandoc", [line for line in lint if not re.search("manual not found|mandoc.db", line)], [])
     expect("groff", output("groff", "-mdoc", "-Tutf8", "-ww", "-z", PAGE), "")
@@ -75,8 +75,8 @@ def check_page():
         failures.append(f"the commands in EXAMPLES failed: {told}")
 
 
-# Each shell runs in a terminal, with a function `icehost` that prints its arguments. In bash and
-# zsh a key inserts all completions; in fish a command prints them.
+# Each shell runs in a terminal and has a function `icehost` that prints its arguments. In bash and
+# zsh, a key inserts all completions. In fish, a command prints them.
 ALL = "\x18a"
 PRINT_WORDS = "icehost() { printf '<%s>' \"$@\"; echo E''ND; }; PS1='RE''ADY '; icehost"
 SHELLS = {

@@ -42,7 +42,7 @@ def settle():
 
 
 def open_page(fragment="", wrapped=False):
-    """Unless `wrapped` is set, lines of the script are not wrapped."""
+    """Opens the page. Lines of the script are wrapped only if `wrapped` is set."""
     browser.get("about:blank")
     browser.get(f"file://{PAGE}{fragment}")
     if not wrapped:

@@ -46,7 +46,7 @@ def printed():
 
 
 def check_printed():
-    """Paper has the whole script, operations and waveform, whatever the screen shows."""
+    """A printed page has the whole script, operations and waveform, whatever the screen shows."""
     runs = ((["examples/read_idcode.gpio"], ""), (["--keep-going", "-"], LONG),
             ([*FAILING, "examples/scratch_register.ini", "examples/read_idcode.ini"], ""))
     screens = ((1280, "light"), (700, "dark"), (400, "light"))
@@ -156,7 +156,7 @@ def check_wrapping():
 
 
 def check_messages():
-    """Messages are shown for one operation or for all, also with keys."""
+    """Clicks and keys show the messages of one operation or of all operations."""
     show("examples/scratch_register.ini")
     first = "Execute ORVEX_JTAG Script."
     counts = []

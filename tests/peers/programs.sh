@@ -29,7 +29,7 @@ icehost: $2 failed"
 scans=(tests/scripts/idcode.ini examples/scratch_register.ini examples/reset.ini)
 same_as_simulated "$probe" "${scans[@]}"
 same_as_simulated "$probe:sim.tap" tests/scripts/idcode.ini
-# Without pins a page is possible, unlike a waveform, and shows the scans.
+# A probe without pins allows no waveform, but a page, which shows the scans.
 "$icehost" run -q --probe "$probe" --html - tests/scripts/idcode.ini \
   >"$scratch/page.html" || fail "a page of OpenOCD"
 grep -q '"DR 0x2badc001"' "$scratch/page.html" && grep -q '"total_steps":0,' "$scratch/page.html" ||
@@ -60,7 +60,8 @@ printf '[ORVEX_ICE_GPIO]\nSTART\nGPIO_OE=0x1F\nPRINT=GPIO_IN\nEND\n' |
   "$icehost" run -q --probe "$bitbang" --learn - - >"$scratch/run.txt"
 grep -qE '^PRINT=GPIO_IN  # expect 0x[02]0/0x20$' "$scratch/run.txt" || fail "pins on $bitbang"
 
-# edges VCD: prints all changes as TIME NAME VALUE, sorted, whatever codes and order the file has.
+# edges VCD: prints all changes as TIME NAME VALUE, sorted, whatever the codes and order in the
+# file.
 edges() {
   awk '$1 == "$var" { name[$4] = $5 }
     /^#/ { time = substr($1, 2) }
@@ -99,7 +100,7 @@ same_in_gtkwave "$scratch/run.vcd"
 
 stop TERM "$server"
 
-# With both protocols the same scripts make the same calls, and the same scans at the server.
+# With both protocols, a script makes the same calls, and the same scans at the server.
 for protocol in remote-bitbang xvc; do
   serve --protocol "$protocol" --trace="$scratch/served.txt" --vcd "$scratch/$protocol.vcd"
   for script in examples/{read_idcode,scratch_register,two_wire}.ini \
@@ -150,7 +151,7 @@ serve_socket
 stop INT "$server"
 [ ! -e "$scratch/socket" ] || fail "the socket file is left"
 
-# A client that is silent for too long is disconnected when another one connects.
+# A client that is silent for too long is disconnected when another client connects.
 serve --idle-limit 0.01
 exec 4<>"/dev/tcp/127.0.0.1/$port"
 printf 'R' >&4

@@ -1,5 +1,5 @@
 #!/usr/bin/python3 -B
-"""OpenOCD plays an SVF file, and icehost runs the GPIO script that it imports: both do the same.
+"""OpenOCD plays an SVF file, and icehost runs the GPIO script imported from it, to the same effect.
 
 usage: svf_players.py ICEHOST SOURCE_FOLDER
 """
@@ -58,7 +58,7 @@ def played(vcd):
 
 
 def write_svf(text):
-    """Writes one statement per line, because OpenOCD reads only one."""
+    """Writes one statement per line, because OpenOCD reads only the first of a line."""
     write("all.svf", text.replace(";", ";\n"))
 
 
