@@ -1,4 +1,3 @@
-// A host for fuzzing: it answers calls as the input says, and checks the promises of icescript.h.
 #ifndef ICESCRIPT_FUZZ_CHECKING_HOST_H_
 #define ICESCRIPT_FUZZ_CHECKING_HOST_H_
 
@@ -10,8 +9,7 @@
 
 #include "entry/icescript.h"
 
-// Runs one script once, and aborts the process if the plug-in breaks a promise.
-//
+// Runs one script once, and aborts the process if the plug-in breaks a promise of icescript.h.
 // The first byte of the answers is the number of the message at which the callback throws (0: none;
 // 255: no callback). The next byte is always the result of the next call: 0x7E throws, 0x7F is
 // INT_MAX, 0x80 is INT_MIN, and any other byte is sign-extended. After the result come the byte of

@@ -72,7 +72,6 @@ def read(path):
 
 
 def records_of(lines):
-    """Returns the objects in JSON lines."""
     return [json.loads(line) for line in lines.splitlines()]
 
 

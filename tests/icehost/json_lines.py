@@ -1,8 +1,5 @@
 #!/usr/bin/python3 -B
-"""Compares the JSON lines of icehost with their schema and their manual.
-
-usage: json_lines.py ICEHOST SOURCE_FOLDER
-"""
+"""Compares the JSON lines of icehost with their schema and their manual."""
 import glob
 import json
 import re

@@ -1,8 +1,5 @@
 #!/usr/bin/python3 -B
-"""Tests the output of --junit with a schema and with a parser of CI results.
-
-usage: junit.py ICEHOST SOURCE_FOLDER
-"""
+"""Tests the output of --junit with a schema and with a parser of CI results."""
 import os
 import re
 import signal

@@ -1,8 +1,5 @@
 #!/usr/bin/python3 -B
-"""Compares the manual page and the completions of three shells with the help of icehost.
-
-usage: manual.py ICEHOST SOURCE_FOLDER. The page is in the folder of icehost.
-"""
+"""Compares the manual page and the completions of three shells with the help of icehost."""
 import os
 import re
 import sys

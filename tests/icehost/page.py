@@ -1,8 +1,5 @@
 #!/usr/bin/python3 -B
-"""Tests the page that icehost writes with --html in a browser.
-
-usage: page.py ICEHOST SOURCE_FOLDER
-"""
+"""Tests the page that icehost writes with --html in a browser."""
 import json
 import os
 import re
@@ -131,7 +128,6 @@ def check_hostile():
 
 
 def click_wave(canvas, step):
-    """Clicks a step in the waveform."""
     x = js("return wave.x(arguments[0] + 0.5) - wave.width / 2", step)
     ActionChains(browser).move_to_element_with_offset(canvas, x, 0).click().perform()
     settle()

@@ -29,7 +29,6 @@ js = browser.execute_script
 
 
 def run(*arguments, script=""):
-    """Runs scripts and returns the exit status."""
     command = [ICEHOST, "run", "-q", "--html", PAGE, *arguments]
     return subprocess.run(command, input=script.encode(), capture_output=True,
                           check=False).returncode

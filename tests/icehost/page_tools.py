@@ -54,8 +54,7 @@ def check_bits():
     pattern = int("9e3779b97f4a7c15f39cc0605cedc834" * 6, 16)
     full = (1 << 672) - 1
     few = full & ~(1 << 300) & ~(0xff << 48)
-    # The number of bits, (sent, expected, received), mask, wrong bits, and the text about these
-    # bits.
+    # Bits, (sent, expected, received), mask, wrong bits, and the text about the wrong bits.
     cases = [
         (32, (0, 0x1ce51001, 0x39ca2003), 0x0fffffff, told["wrong_bits"],
          "bits 1, 12-13, 16-19, 21, 24, 26 are wrong"),
@@ -193,8 +192,7 @@ def check_failures():
     def place():
         return texts("#failures")[0], js("return [pickedRow?.index, document.querySelector("
                                          "'#row-list .picked.row > :last-child')?.textContent]")
-    # Each action, and the failure that the page then shows: None for an operation without a
-    # failure.
+    # Actions, and the failure that is then shown (None for an operation without a failure).
     for deed, number in (
             (lambda: None, 1), (lambda: press("n"), 2), (lambda: press("n"), 3),
             (lambda: press("p"), 2), (lambda: press("p", "p"), 600), (lambda: press("n"), 1),

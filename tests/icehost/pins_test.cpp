@@ -1,4 +1,3 @@
-// The sessions of icehost serve, and the recording of pins.
 #include <gtest/gtest.h>
 
 #include <sstream>

@@ -1,8 +1,5 @@
 #!/usr/bin/python3 -B
-"""icehost with closed descriptors, full disks, system limits, signals and spawned commands.
-
-usage: surroundings.py ICEHOST SOURCE_FOLDER
-"""
+"""icehost with closed descriptors, full disks, system limits, signals and spawned commands."""
 import glob
 import json
 import os

@@ -1,8 +1,5 @@
 #!/usr/bin/python3 -B
-"""Checks that pictures of --svg agree with the waveform, and that their texts have room.
-
-usage: svg.py ICEHOST SOURCE_FOLDER
-"""
+"""Checks that pictures of --svg agree with the waveform, and that their texts have room."""
 import os
 import re
 import shlex
@@ -35,8 +32,7 @@ READS = "PRINT=GPIO_IN  # expect NRST=0\n"
 # The arguments, and a script for standard input. The golden file contains the lanes and marks of
 # each band, the number of equal bands in a row, and the note after the last band.
 PICTURES = [
-    # Steps are as wide as possible, and bands equally wide. The cases: no step, one step, a full
-    # band, and one step more.
+    # Steps are as wide as possible, and all bands are equally wide, even if there are few steps.
     ("-", "[CONTROL]\nCDI=5\n"),
     ("-", gpio("")),
     ("-", gpio(loop(39))),
@@ -66,9 +62,8 @@ PICTURES = [
 
 
 class Picture:
-    """The contents of an SVG file. `bands` contains the lanes and marks of each band as text. The
-    `levels` of each pin and the `states` of the TAP have one entry per step. `texts` contains texts
-    and marks as (y, left, right, text)."""
+    """The contents of an SVG file: `bands` with lanes and marks as text, the `levels` of each pin and
+    the TAP `states` at each step, and all texts and marks as (y, left, right, text)."""
 
     def __init__(self, name):
         root = xml.etree.ElementTree.parse(name).getroot()

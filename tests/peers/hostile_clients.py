@@ -1,8 +1,5 @@
 #!/usr/bin/python3 -B
-"""icehost serve with odd, broken or hostile clients and upstream servers.
-
-usage: hostile_clients.py ICEHOST SOURCE_FOLDER
-"""
+"""icehost serve with odd, broken or hostile clients and upstream servers."""
 import fcntl
 import os
 import re

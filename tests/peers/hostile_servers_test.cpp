@@ -1,4 +1,3 @@
-// icehost with odd, broken or hostile servers.
 #include <gtest/gtest.h>
 
 #include <algorithm>

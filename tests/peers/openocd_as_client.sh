@@ -1,6 +1,5 @@
 #!/usr/bin/env bash
-# OpenOCD is a client of icehost serve. The server serves the simulated target or another server,
-# and records the client's actions. usage: openocd_as_client.sh ICEHOST SOURCE_FOLDER
+# OpenOCD is a client of icehost serve, which serves the simulated target or another server.
 source "$(dirname "${BASH_SOURCE[0]}")/../lib.sh"
 
 # record NAME OPTION...: starts a server that writes its records to files with this name.

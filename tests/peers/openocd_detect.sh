@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# icehost detect reports the chain known to OpenOCD: openocd_detect.sh ICEHOST SOURCE_FOLDER
+# icehost detect reports the chain known to OpenOCD.
 source "$(dirname "${BASH_SOURCE[0]}")/../lib.sh"
 
 # begin TAP...: starts a target, and OpenOCD with these TAPs declared.
@@ -14,8 +14,7 @@ end() {
   wait "$server"
 }
 
-# detect STATUS OPTION...: runs detect, which must end with STATUS and writes to out.txt and
-# err.txt.
+# detect STATUS OPTION...: runs detect, with its output in out.txt and err.txt; expects STATUS.
 detect() {
   local wanted=$1 status=0
   shift

@@ -1,6 +1,5 @@
 #!/usr/bin/env bash
 # OpenOCD plays the files of run --svf on the simulated target, and icehost imports them again.
-# usage: openocd_svf.sh ICEHOST SOURCE_FOLDER
 source "$(dirname "${BASH_SOURCE[0]}")/../lib.sh"
 
 # target OPTION...: replaces the target with a new one.

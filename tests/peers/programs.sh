@@ -1,7 +1,6 @@
 #!/usr/bin/env bash
 # icehost with other programs: OpenOCD as client and as probe, openFPGALoader as client, sigrok-cli
-# and GTKWave's converters on the waveform, an XML parser on the picture.
-# usage: programs.sh ICEHOST SOURCE_FOLDER
+# and GTKWave's converters on the waveform, and an XML parser on the picture.
 source "$(dirname "${BASH_SOURCE[0]}")/../lib.sh"
 
 serve --idcode 0x2BADC001
@@ -60,8 +59,7 @@ printf '[ORVEX_ICE_GPIO]\nSTART\nGPIO_OE=0x1F\nPRINT=GPIO_IN\nEND\n' |
   "$icehost" run -q --probe "$bitbang" --learn - - >"$scratch/run.txt"
 grep -qE '^PRINT=GPIO_IN  # expect 0x[02]0/0x20$' "$scratch/run.txt" || fail "pins on $bitbang"
 
-# edges VCD: prints all changes as TIME NAME VALUE, sorted, whatever the codes and order in the
-# file.
+# edges VCD: prints all changes as TIME NAME VALUE, sorted, independent of codes in the file.
 edges() {
   awk '$1 == "$var" { name[$4] = $5 }
     /^#/ { time = substr($1, 2) }

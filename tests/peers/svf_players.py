@@ -1,8 +1,5 @@
 #!/usr/bin/python3 -B
-"""OpenOCD plays an SVF file, and icehost runs the GPIO script imported from it, to the same effect.
-
-usage: svf_players.py ICEHOST SOURCE_FOLDER
-"""
+"""OpenOCD plays an SVF file, and icehost runs the GPIO script imported from it, to the same effect."""
 import subprocess
 import sys
 

@@ -1,4 +1,3 @@
-// The built plug-in runs scripts of hostile size and content.
 #include <gtest/gtest.h>
 
 #include <cerrno>
