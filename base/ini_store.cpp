@@ -11,13 +11,11 @@
 namespace icescript {
 namespace {
 
-// Returns the position of `name` in `names`, or -1. A name stored by SetValue may contain a NUL.
-// Only the part before the NUL counts. These parts are unique, so the search begins with the newest
-// name.
+// Returns the position of `name` in `names`, or -1. Only the part of a stored name before its first
+// NUL counts. These parts are unique, so the search begins with the newest name.
 int FindName(const std::vector<CString>& names, std::string_view name) {
   // Compares the last byte first, because names in long scripts are usually numbered. If the
-  // candidate is shorter, its NUL is compared instead, so that no branch depends on the lengths,
-  // which are hard to predict.
+  // candidate is shorter, its NUL is compared, so that no branch depends on the random lengths.
   const std::size_t tell = name.empty() ? 0 : name.size() - 1;
   const char last = name.empty() ? '\0' : name.back();
   const auto found = std::find_if(names.rbegin(), names.rend(), [=](const CString& candidate) {
@@ -61,8 +59,8 @@ int CIniFile::FindSection(std::string_view name) const {
   return -1;
 }
 
-// In the lookups below, a negative index becomes a size_t beyond any section. Lookups use
-// at() because a failed allocation may leave more names than objects.
+// In the lookups below, a negative index becomes a size_t beyond any section. Lookups use at()
+// because a failed allocation may leave more names than objects.
 
 CString CIniFile::GetKeyName(int keyID) const {
   const auto index = static_cast<std::size_t>(keyID);

@@ -12,7 +12,7 @@ bool IsSpace(char ch) {
   return ch == ' ' || (ch >= '\t' && ch <= '\r');
 }
 
-// Returns the value of a digit, or 36, which is too large for any base, for another character.
+// Returns the value of a digit. Any other character has the value 36, too large for any base.
 int DigitOf(char ch) {
   if (ch >= '0' && ch <= '9') return ch - '0';
   const char upper = UpperCase(ch);

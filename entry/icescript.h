@@ -114,7 +114,7 @@ int link_config(LinkHandle handle, int code, int value);
 
 /*
  * Pulses the target's NRST. kind is LINK_RESET_TARGET. The wire mode does not change. The host
- * decides how long the pulse is and whether TRST or the TAP state changes. Negative means failure.
+ * chooses the pulse's length and its effect on TRST and the TAP. A negative result means failure.
  */
 int link_reset(LinkHandle handle, int kind);
 
@@ -139,7 +139,7 @@ int link_jtag_insert(LinkHandle handle, int ir_bits, unsigned char* ir, int dr_b
                      unsigned char* dr);
 
 /*
- * Runs the scan of the last link_jtag_insert and stores the captured bits. Nonzero means failure.
+ * Runs the last inserted scan and stores the captured bits. A nonzero result means failure.
  *
  * capture points to JTAG_CAPTURE_BYTES bytes, which are zero when the call begins. The plug-in
  * reads the captured DR bits from byte 2 on, or from byte 3 on after the answer CDI_ANSWER_2WIRE,

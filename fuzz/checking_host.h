@@ -9,11 +9,11 @@
 
 #include "entry/icescript.h"
 
-// Runs one script once, and aborts the process if the plug-in breaks a promise of icescript.h.
-// The first byte of the answers is the number of the message at which the callback throws (0: none;
-// 255: no callback). The next byte is always the result of the next call: 0x7E throws, 0x7F is
-// INT_MAX, 0x80 is INT_MIN, and any other byte is sign-extended. After the result come the byte of
-// a pin read or the bytes of a capture. After the end of the answers every byte is 0.
+// A host that runs one script once, and aborts the process if the plug-in breaks a promise. The
+// first byte of the answers is the number of the message at which the callback throws (0: none;
+// 255: no callback). The result of each call is the next byte: 0x7E throws, 0x7F is INT_MAX, 0x80
+// is INT_MIN, and any other byte is sign-extended. The byte of a pin read, or the bytes of a
+// capture, follow the result. After the end of the answers every byte is 0.
 class CheckingHost {
  public:
   explicit CheckingHost(std::string_view answers);

@@ -1,7 +1,8 @@
 // Fuzzes the code of icehost that reads data from others. The first byte of an input selects the
-// code, and the rest is the data: 's' and 'x' from a remote_bitbang or XVC client; 'b', 'y' and 'o'
-// from a remote_bitbang server, an XVC server or OpenOCD; 'c' a script to check, 'v' an SVF file to
-// import, 'd' the bits from a chain of TAPs, 'e' OpenOCD's description of a chain.
+// code, and the rest is the data: 's' from a remote_bitbang client, 'x' from an XVC client, 'b'
+// from a remote_bitbang server, 'y' from an XVC server, 'o' from OpenOCD, 'c' a script to check,
+// 'v' an SVF file to import, 'd' the bits from a chain of TAPs, 'e' OpenOCD's description of a
+// chain.
 #include <algorithm>
 #include <array>
 #include <asio/local/connect_pair.hpp>
@@ -112,7 +113,7 @@ std::size_t OpenocdAnswers(std::string_view questions, std::string_view answers)
   return size;
 }
 
-// Returns the size of a line, or of the bytes of a shift, plus one byte if the first is 255.
+// Returns the size of the answer: a line, or the bytes of a shift, plus one if the first is 255.
 std::size_t XvcAnswers(std::string_view question, std::string_view answers) {
   const std::size_t name = icehost::kXvcShift.size();
   if (question.substr(0, name) != icehost::kXvcShift) return UpTo('\n', answers);
@@ -146,7 +147,7 @@ void Scan(icehost::Probe& probe) {
   probe.Reset(LINK_RESET_TARGET);
 }
 
-// Serves the bytes with recorders, for two clients: one leaves in the middle, the other at the end.
+// Serves the bytes with recorders, as if one client left in the middle and another at the end.
 // Returns the answers, which must be the same as without recorders.
 template <class Session>
 std::string ServeRecorded(std::string_view bytes) {
@@ -223,8 +224,9 @@ void BeXvcClient(std::string_view bytes) {
   probe.Flush();
 }
 
-// A chain that gives any answers. An answer is a byte with the number of bits, then these bits (for
-// 255, with zeros up to 4096 bits), then the bits from TDI. Each answer serves two readings.
+// A chain that gives arbitrary answers. An answer is a byte with the number of bits, then these
+// bits (for 255, with zeros up to 4096 bits), then the bits from TDI. Each answer serves two
+// readings.
 class AnsweringPort : public icehost::PinPort {
  public:
   explicit AnsweringPort(std::string_view bytes) : bytes_(bytes) { BeginAnswer(); }

@@ -23,8 +23,8 @@ struct GpioOperatorData {
   bool holds_pins;            // REPT: whether its block contains a pin operation, at any depth
 };
 
-// The constructor reads a GPIO script, reports errors to the callback, and sets `status`. It owns
-// the list. An exception from the callback or the standard library causes no leak.
+// Reads a GPIO script when constructed, reports its errors to the callback, and sets `status`. Owns
+// the list. Exceptions from the callback and the standard library pass through without leaks.
 class GpioScr {
  public:
   // A null `path` sets `error` and prints nothing. `callback` must not be null.

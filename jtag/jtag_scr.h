@@ -31,8 +31,8 @@ struct JtagOperatorData {
 // The constructor reads a JTAG script. Each section of the file becomes one operation. If ReadFile
 // rejects the file, the list is empty. If a section lacks IR or DR, the list ends before it. The
 // callback gets a message about these two problems. Any other wrong section is left out, and
-// reported on standard output. The object owns the list. An exception from the callback or the
-// standard library causes no leak.
+// reported on standard output. The object owns the list. Exceptions from the callback and the
+// standard library pass through without leaks.
 class JtagScr {
  public:
   // A null `path` sets errorMessage. `callback` must not be null.
