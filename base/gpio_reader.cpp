@@ -1,4 +1,3 @@
-// The GPIO script reader of CIniFile.
 #include <cstdint>
 #include <cstdio>
 #include <string_view>

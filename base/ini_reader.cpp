@@ -1,4 +1,3 @@
-// The INI reader of CIniFile.
 #include <cstdio>
 #include <string_view>
 

@@ -1,4 +1,3 @@
-// The INI store of CIniFile.
 #include <algorithm>
 #include <cstdio>
 #include <cstring>

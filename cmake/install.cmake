@@ -22,7 +22,7 @@ install(FILES ${PROJECT_BINARY_DIR}/icescriptConfig.cmake
               ${PROJECT_BINARY_DIR}/icescriptConfigVersion.cmake DESTINATION ${package_folder})
 
 set(pc_folder ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
-# The prefix /usr never moves, so its path is absolute, and servers may have it built in.
+# The prefix /usr never moves. Its path is absolute, because servers may have it built in.
 string(REGEX REPLACE "[^/]+" ".." pc_prefix ${pc_folder})
 set(pc_prefix "\${pcfiledir}/${pc_prefix}")
 if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")

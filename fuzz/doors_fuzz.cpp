@@ -224,9 +224,8 @@ void BeXvcClient(std::string_view bytes) {
   probe.Flush();
 }
 
-// A chain that gives arbitrary answers. An answer is a byte with the number of bits, then these
-// bits (for 255, with zeros up to 4096 bits), then the bits from TDI. Each answer serves two
-// readings.
+// A chain that gives any answers. An answer is a byte with the number of bits, then these bits (for
+// 255, with zeros up to 4096 bits), then the bits from TDI. Each answer serves two readings.
 class AnsweringPort : public icehost::PinPort {
  public:
   explicit AnsweringPort(std::string_view bytes) : bytes_(bytes) { BeginAnswer(); }

@@ -16,7 +16,7 @@ import time
 ICEHOST = os.path.abspath(sys.argv[1])
 SOURCE = os.path.abspath(sys.argv[2])
 os.environ["PATH"] = f"{os.path.dirname(ICEHOST)}:{os.environ['PATH']}"
-SANITIZED = "sanitize" in ICEHOST  # a sanitizer needs more memory and opens files
+SANITIZED = "sanitize" in ICEHOST  # a sanitizer needs more memory and opens files itself
 FOLDER = tempfile.TemporaryDirectory()
 for entry in os.listdir(SOURCE):
     os.symlink(os.path.join(SOURCE, entry), os.path.join(FOLDER.name, entry))

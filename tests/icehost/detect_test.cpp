@@ -27,7 +27,7 @@ struct TapKind {
   int ir_bits;
   std::optional<std::uint32_t> idcode;
   std::uint64_t captured_ir = 1;
-  std::size_t bypass_bits = 1;  // another number in a broken TAP
+  std::size_t bypass_bits = 1;  // a broken TAP has another number
 };
 
 // A TAP of IEEE 1149.1 with BYPASS and, if it has an IDCODE, with instruction 1 for the IDCODE. It
@@ -322,7 +322,7 @@ TEST(Detect, TakesOpenocdsWord) {
        "a.tap1ce51001/5 b.tap-/4; c.tap is declared, but disabled: it is not in the chain"},
       {"TAP a.tap does not have valid IDCODE (idcode=0x0)\n", head + one,
        "a.tap-/5; !TAP 1 (a.tap): no IDCODE, expected 0x1ce51001"},
-      // The IDCODE in the table is out of date.
+      // Here the IDCODE in the table is out of date.
       {"JTAG scan chain interrogation failed: all ones\n", head + one,
        "a.tap-/5; !OpenOCD: JTAG scan chain interrogation failed: all ones; !TAP 1 (a.tap): "
        "OpenOCD read nothing"},

@@ -1,4 +1,3 @@
-// The expectations that icehost run --learn writes.
 #include <gtest/gtest.h>
 
 #include <map>

@@ -26,7 +26,7 @@ def kinds_of(value):
 
 
 def check_lines(what, lines):
-    """Each line has one kind, but none if a key is added or the first key is removed."""
+    """Each line has one kind, and no kind if a key is added or the first key is removed."""
     for line in lines:
         if line in seen:
             continue
@@ -89,7 +89,7 @@ def check_runs():
 
 
 def check_times():
-    """The times of calls never decrease. Calls have a duration only across a network."""
+    """The times of calls never decrease. Calls have a duration only over a network."""
     server = Serve()
     for probe in ("sim", f"remote-bitbang:127.0.0.1:{server.port}"):
         calls = [value for value in run("run", "--probe", probe, "--repeat", "2", "--keep-going", "-",
@@ -103,7 +103,7 @@ def check_times():
 
 
 def check_manual():
-    """Checks the lines of check and serve. The manual shows those of a run without their times."""
+    """Checks the lines of check and serve. The manual shows the lines of a run without times."""
     lines = re.findall(r"^\{.*", read("docs/json.md").split("## A check")[1], re.MULTILINE)
     check_lines("the manual", lines)
 

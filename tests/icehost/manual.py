@@ -42,7 +42,7 @@ def check_page():
     parts = re.split(r"^ {0,3}(\S.*)\n", page, flags=re.M)
     sections = dict(zip(parts[1::2], parts[2::2]))
     heads = {name: re.findall(r"^     (\S.*)$", text, re.M) for name, text in sections.items()}
-    # The text of an option with a short name begins on the same line.
+    # If the name of an option is short, its text begins on the same line.
     options = {name: sorted(head.split("  ")[0] for head in lines if head[0] == "-")
                for name, lines in heads.items()}
     expect("global options", options["DESCRIPTION"], heads_of(GLOBAL))

@@ -101,13 +101,13 @@ def check_head_and_failure():
 
 
 def check_problems():
-    """The problems of check follow their lines. Without --force, icehost writes no page."""
+    """Problems of check follow their lines. A page of a script with errors needs --force."""
     os.unlink(PAGE)
     expect("with errors", run("tests/scripts/bad.ini"), 1)
     expect("a page of nothing", os.path.exists(PAGE), False)
     show("--force", "tests/scripts/bad.ini", "examples/reset.ini")
     expect("the rest", texts("#entries dd")[-1], "examples/reset.ini")
-    # The problem of an empty script is after its end.
+    # The page shows the problem of an empty script after the end of the script.
     for script in ("tests/scripts/bad.ini", "tests/golden/empty.txt"):
         records = records_of(output(ICEHOST, "check", "-q", "--json", "-", script))
         show("--force", script)
@@ -342,7 +342,7 @@ def check_interrupted():
 
 
 def check_served():
-    """A client of serve scans through Pause-DR, pulses TRST, and begins a scan but leaves."""
+    """A client of serve scans through Pause-DR, pulses TRST, and leaves during another scan."""
     scan = RESET + b"04" + TO_SHIFT_DR + b"05" * 3 + BACK[2:]
     server = Serve("--html", PAGE)
     server.play(scan + b"2626" + b"tr" + b"04" + TO_SHIFT_DR + b"1515RQ")

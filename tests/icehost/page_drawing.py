@@ -13,7 +13,7 @@ LABELS, RULER, LANE, HIGH = 64, 22, 24, 14  # pixels
 NOT_MET = 2
 UNKNOWN_TAP = 16
 
-# Draws again, and returns the calls.
+# Draws the page again, and returns the calls.
 RECORD = """
 const {context} = wave, calls = [];
 for (const name of ["save", "beginPath", "rect", "clip", "restore", "fillRect", "fillText", "arc",
@@ -49,7 +49,7 @@ def drawn(calls, colours, width):
 
 
 def in_sight(calls, width):
-    """Returns the calls with rounded numbers, without those that are clipped."""
+    """Returns the calls that are not clipped, with rounded numbers."""
     kept, clipped = [], False
     for name, *values in calls:
         clipped = (clipped or name == "clip") and name != "restore"
@@ -128,7 +128,7 @@ class Picture:
         taken = None
         for begin, end, colour, texts, *free in blocks:
             x = self.x(begin)
-            right = x + (self.x(end) - x)  # rounded in the same way as in the page
+            right = x + (self.x(end) - x)  # rounded as in the page
             left = math.floor(x)
             if right <= LABELS or (right - x < 1 and left == taken):
                 continue
@@ -195,7 +195,7 @@ class Picture:
     def reads(self):
         """Draws a ring, a dot or a cross at each step that was read, with the longest text that
         fits. Dense reads have ticks and fewer crosses."""
-        shown = {}  # for each step, the first row that is not met, or else the last
+        shown = {}  # for each step, the first row that is not met, or else the last row
         for row in self.rows:
             if row[6].startswith("0x") and 0 < row[3] <= len(self.steps):
                 if shown.get(row[3] - 1, [None])[-1] != NOT_MET:

@@ -103,7 +103,7 @@ TEST(Serve, IsToldInLines) {
 {"pins":{"TRST":1,"NRST":1},"step":1,"end_step":2}
 {"scan":"DR","bits":36,"in":"0x0fffffffff","out":"0x0f1ce51001","updated":true,"step":7,"end_step":84}
 )"},
-      // A scan from Capture-DR to Update-DR without Shift-DR.
+      // This scan goes from Capture-DR to Update-DR without Shift-DR.
       {"tr" + Walk("010110"), "0 TRST=0 NRST=1\n0 TAP reset (TRST)\n1 TRST=1 NRST=1\n7 DR 0 bits\n",
        R"({"pins":{"TRST":0,"NRST":1},"step":0,"end_step":1}
 {"reset":"TRST","step":0,"end_step":1}

@@ -274,7 +274,7 @@ def start_spawning(options, command, **how):
 
 
 def check_spawned():
-    """A spawned command ends when icehost ends. If icehost fails, it reports the command's state."""
+    """A spawned command ends with icehost. If icehost fails, it reports the command's state."""
     for status, seconds, options, command, said in SPAWNED:
         begun = time.monotonic()
         process = start_spawning(options, command)

@@ -37,7 +37,7 @@ PICTURES = [
     ("-", gpio("")),
     ("-", gpio(loop(39))),
     ("-", gpio(loop(40))),
-    # A picture says so if it shows only the first steps.
+    # If a picture shows only the first steps, it says so.
     ("-", gpio(loop(999))),
     ("-", gpio(loop(1000))),
     ("examples/reset.ini -", gpio(loop(1787))),
@@ -62,8 +62,8 @@ PICTURES = [
 
 
 class Picture:
-    """The contents of an SVG file: `bands` with lanes and marks as text, the `levels` of each pin and
-    the TAP `states` at each step, and all texts and marks as (y, left, right, text)."""
+    """The contents of an SVG file: `bands` with lanes and marks as text, the `levels` of each pin
+    and the TAP `states` at each step, and all texts and marks as (y, left, right, text)."""
 
     def __init__(self, name):
         root = xml.etree.ElementTree.parse(name).getroot()

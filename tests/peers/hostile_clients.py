@@ -35,7 +35,7 @@ def flood_until_closed(client):
 
 
 def ask(client, request):
-    """Sends a request and returns the answers to all of it."""
+    """Sends a request and returns all answers to it."""
     client.sendall(request)
     wanted, answers = request.count(b"R"), b""
     while len(answers) < wanted and (got := client.recv(65536)):
@@ -227,7 +227,7 @@ def late(got):
 
 
 def check_signal():
-    """After a signal no bytes of a client are lost without a report. The upstream server gets Q."""
+    """After a signal, serve passes on all bytes or reports the loss, and sends a Q upstream."""
     for number, answer, outputs, status, wanted in [
         (signal.SIGTERM, ones, ["--trace=t"], 0, ""),
         (signal.SIGINT, late, ["--trace=t"], 0, ""),

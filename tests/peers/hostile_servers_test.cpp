@@ -93,7 +93,7 @@ Server Once(const std::string& answer) {
 }
 
 // Answers the command getinfo: with `info`. Answers other commands as a server of the simulated
-// target does, but adds `after`. Closes if a shift has more bytes than `info` allows.
+// target does, and adds `after`. Closes if a shift has more bytes than `info` allows.
 Server Xvc(const std::string& info, const std::string& after = "") {
   return [=](tcp::socket& client) {
     const std::size_t most = std::strtoul(&info[info.find(':') + 1], nullptr, 10);
@@ -134,7 +134,7 @@ Server Openocd(const std::vector<std::string>& answers) {
   };
 }
 
-// Answers the two commands with which a run begins, and then does the same.
+// Answers the two commands with which a run begins, and the next commands with `answers`.
 Server OpenocdScan(std::vector<std::string> answers, const std::string& ir_length = "5") {
   answers.insert(answers.begin(),
                  {"1 0 a", "2 0 header\n 0 a Y 0x0 0x0 " + ir_length + " 0x1 0x3"});
@@ -360,8 +360,8 @@ TEST(Servers, NeedNotAccept) {
   EXPECT_EQ(outcome.output, "icehost: " + name + ": cannot connect: Connection timed out\n");
 }
 
-// A server may answer only after it has read everything. If too many answers are then under way for
-// the buffers, each side waits for the other forever.
+// A server may read everything before it answers. If the buffers are too small for the answers, each
+// side then waits for the other forever.
 TEST(Servers, HaveFewAnswersUnderWay) {
   std::size_t most = 0;
   const LocalServer late([&](tcp::socket& client) {

@@ -33,7 +33,7 @@ for script in examples/read_idcode.ini examples/scratch_register.ini examples/tw
   grep -q 'svf file programmed successfully' "$scratch/openocd.log" || fail "no success of $script"
 done
 
-# The values that the script read make the player fail on another target, except for masked bits.
+# The player fails on a target with other values than the script read, unless they are masked.
 written "$scratch/ini.svf" examples/read_idcode.ini
 written "$scratch/gpio.svf" examples/read_idcode.gpio
 target --idcode 2ce51001

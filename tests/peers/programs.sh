@@ -28,7 +28,7 @@ icehost: $2 failed"
 scans=(tests/scripts/idcode.ini examples/scratch_register.ini examples/reset.ini)
 same_as_simulated "$probe" "${scans[@]}"
 same_as_simulated "$probe:sim.tap" tests/scripts/idcode.ini
-# A probe without pins allows no waveform, but a page, which shows the scans.
+# With a probe without pins, a page shows the scans, but a waveform is impossible.
 "$icehost" run -q --probe "$probe" --html - tests/scripts/idcode.ini \
   >"$scratch/page.html" || fail "a page of OpenOCD"
 grep -q '"DR 0x2badc001"' "$scratch/page.html" && grep -q '"total_steps":0,' "$scratch/page.html" ||
@@ -59,7 +59,7 @@ printf '[ORVEX_ICE_GPIO]\nSTART\nGPIO_OE=0x1F\nPRINT=GPIO_IN\nEND\n' |
   "$icehost" run -q --probe "$bitbang" --learn - - >"$scratch/run.txt"
 grep -qE '^PRINT=GPIO_IN  # expect 0x[02]0/0x20$' "$scratch/run.txt" || fail "pins on $bitbang"
 
-# edges VCD: prints all changes as TIME NAME VALUE, sorted, independent of codes in the file.
+# edges VCD: prints all changes as TIME NAME VALUE, sorted, whatever codes the file uses.
 edges() {
   awk '$1 == "$var" { name[$4] = $5 }
     /^#/ { time = substr($1, 2) }

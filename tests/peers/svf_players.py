@@ -1,5 +1,5 @@
 #!/usr/bin/python3 -B
-"""OpenOCD plays an SVF file, and icehost runs the GPIO script imported from it, to the same effect."""
+"""OpenOCD plays an SVF file, and icehost runs the script imported from it, with the same effect."""
 import subprocess
 import sys
 

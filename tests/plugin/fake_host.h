@@ -18,7 +18,7 @@
 //   gpio OUT OE FLAGS               in hexadecimal
 class FakeHost {
  public:
-  // The results for each kind of call. The key is the first word above, or "query" for
+  // The results for each kind of call. The key is the first word, or "query" for
   // LINK_CONFIG_GET_CDI. The n-th call gets the n-th result, or 0 if there is none.
   std::map<std::string, std::vector<int>> results;
   // The call whose result is `answer`: its number among all calls, from 0, or negative for none.

@@ -37,7 +37,7 @@ TEST(GpioScript, TurnsLinesIntoOperations) {
        "gpio 3f 3f 01\ngpio 3e 3f 01\ngpio 3c 3f 01\ngpio 38 3f 01\ngpio 30 3f 01\ngpio 20 3f 01\n"
        "gpio 00 3f 01\ngpio 00 3f 10\n"},
       {"NRST=1, TMS=1 ,TMS=0\r\n\n tdi = 1 \nEND", "gpio 01 3f 01\ngpio 11 3f 01\ngpio 11 3f 10\n"},
-      // A word without "=" is its own value, which as a number is 0.
+      // A word without "=" is its own value, and counts as the number 0.
       {"GPIO_OUT=0x3f\nNRST\nGPIO_OUT\nEND",
        "gpio 3f 3f 01\ngpio 3e 3f 01\ngpio 00 3f 01\ngpio 00 3f 10\n"},
       // Clearing any pin also clears the bits above the pins.
@@ -122,7 +122,7 @@ TEST(GpioScript, IsToldByItsHead) {
   const std::string no_end = "\"Syntax error, no end found\"\n= -1\n";
   const std::string no_start = "\"Syntax error: no start found.\"\n= -1\n";
   const std::string ran = kBanner + "gpio 00 3f 08\ngpio 00 3f 10\n" + kEnd;
-  const std::string no_gpio = "\"Execute ORVEX_JTAG Script.\\n";  // after an empty message
+  const std::string no_gpio = "\"Execute ORVEX_JTAG Script.\\n";  // follows an empty message
   const struct {
     const char* text;
     std::string transcript;
