@@ -1,8 +1,7 @@
-// Fuzzes the code of icehost that reads data from others. The first byte of an input selects the
-// code, and the rest is the data: 's' from a remote_bitbang client, 'x' from an XVC client, 'b'
-// from a remote_bitbang server, 'y' from an XVC server, 'o' from OpenOCD, 'c' a script to check,
-// 'v' an SVF file to import, 'd' the bits from a chain of TAPs, 'e' OpenOCD's description of a
-// chain.
+// Fuzzes the code that reads data from others. The first byte of an input selects the code, and the
+// rest is the data: 's' from a remote_bitbang client, 'x' from an XVC client, 'b' from a
+// remote_bitbang server, 'y' from an XVC server, 'o' from OpenOCD, 'c' a script to check, 'v' an
+// SVF file to import, 'd' the bits from a chain of TAPs, 'e' OpenOCD's description of a chain.
 #include <algorithm>
 #include <array>
 #include <asio/local/connect_pair.hpp>

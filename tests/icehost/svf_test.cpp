@@ -22,8 +22,8 @@ std::string Lines(const std::string& text, const std::string& first = "") {
 }
 
 // Returns a GPIO script with TCK cycles from Test-Logic-Reset on. 0 and 1 are cycles with this TMS,
-// and i is a 0 with TDI high. r before a cycle reads the pins while TCK is low, and h after a cycle
-// reads them while TCK is high. {LINE} is any other line. Blanks are ignored.
+// and i is a 0 with TDI high. r reads the pins while TCK is low in the next cycle, and h reads them
+// while TCK is high after a cycle. {LINE} is any other line. Blanks are ignored.
 std::string Walk(const std::string& edges) {
   std::string script = "[ZEVA_ICE_GPIO]\nSTART\nGPIO_OE=0x1f\nNRST=1\nTRST=1\n";
   bool read_low = false;

@@ -92,7 +92,7 @@ class Shell:
         return result
 
     def run(self, command, expected):
-        """Returns the status, or None if there is none, and the output, or None if it is expected."""
+        """Returns the status, or None without one, and the output, or None if it is as expected."""
         os.write(self.commands, command.encode() + b"\0")
         ended = re.compile(rf"{self.sentinel} (\d+)\n")
         end = self.wait_for(lambda: ended.search(self.output))

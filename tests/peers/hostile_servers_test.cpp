@@ -360,8 +360,8 @@ TEST(Servers, NeedNotAccept) {
   EXPECT_EQ(outcome.output, "icehost: " + name + ": cannot connect: Connection timed out\n");
 }
 
-// A server may read everything before it answers. If the buffers are too small for the answers, each
-// side then waits for the other forever.
+// A server may read everything before it answers. If the buffers are too small for the answers,
+// each side then waits for the other forever.
 TEST(Servers, HaveFewAnswersUnderWay) {
   std::size_t most = 0;
   const LocalServer late([&](tcp::socket& client) {
