@@ -94,7 +94,7 @@ enum {
 
 enum {
   JTAG_IR_MAX_BYTES = 36, /* size of the IR array of link_jtag_insert */
-  JTAG_DR_MAX_BYTES = 36, /* size of its DR array */
+  JTAG_DR_MAX_BYTES = 36, /* size of the DR array of link_jtag_insert */
   JTAG_CAPTURE_BYTES = 32 /* guaranteed size of the capture buffer of link_jtag_execute */
 };
 
@@ -108,7 +108,7 @@ enum {
  *   LINK_CONFIG_CDI_MODE  CDI_MODE_2WIRE   negative
  *   LINK_CONFIG_GET_CDI   0                (never: the result is a CDI_ANSWER_ value)
  *
- * The plug-in makes this query before every scan.
+ * The plug-in queries the wire mode before every scan.
  */
 int link_config(LinkHandle handle, int code, int value);
 
@@ -129,11 +129,11 @@ int link_reset(LinkHandle handle, int kind);
  * length, without the extra byte described below, is 0 or less.
  *
  * After the answer CDI_ANSWER_2WIRE each register has an extra byte at its least significant end,
- * and its length includes this byte (-1 bit becomes 7). The byte is 0x00 in the IR. In the DR it is
- * the read flag, 0x01 for a read and 0x00 for a write. This mode is for registers of up to 32
- * bytes, 264 bits with the extra byte. In a longer register, the 33rd byte of the script is lost,
- * and each later byte is one place too low. Its length can be up to 296 bits, but do not read more
- * than the 36 bytes of the array.
+ * and its length includes this byte (a length of -1 becomes 7). The byte is 0x00 in the IR. In the
+ * DR it is the read flag, 0x01 for a read and 0x00 for a write. This mode is for registers of up to
+ * 32 bytes, 264 bits with the extra byte. In a longer register, the 33rd byte of the script is
+ * lost, and each later byte is one place too low. The length can then be up to 296 bits, but the
+ * arrays end after 36 bytes: do not read beyond them.
  */
 int link_jtag_insert(LinkHandle handle, int ir_bits, unsigned char* ir, int dr_bits,
                      unsigned char* dr);
