@@ -8,8 +8,8 @@
 
 namespace icescript {
 
-// Reads the lines of a file once, from beginning to end, in blocks. The lines are the same as those
-// of CIniFile::getline.
+// Reads the lines of a file once, from beginning to end, in blocks. Finds the same lines as
+// CIniFile::getline.
 class LineReader {
  public:
   explicit LineReader(const std::string& path);

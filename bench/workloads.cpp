@@ -59,7 +59,7 @@ void WriteDeep(std::ostream& script, int size) {
   script << "END\n";
 }
 
-// Each IDCODE takes 81 lines: they reset the TAP, enter Shift-DR, and read 32 bits.
+// Each reading of an IDCODE has 81 lines, which reset the TAP, enter Shift-DR, and read 32 bits.
 void WriteIdcodes(std::ostream& script, int size) {
   script << kGpioStart;
   for (int i = 0; i < size; ++i) {

@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr int kMaxCalls = 1000;  // after these every call fails, so that a huge REPT ends
+constexpr int kMaxCalls = 1000;  // further calls fail, so that a huge REPT ends
 constexpr int kNoCallback = 255;
 constexpr std::uint8_t kThrow = 0x7E;
 constexpr std::size_t kMessageSize = 1024;

@@ -94,7 +94,7 @@ std::size_t UpTo(char end, std::string_view bytes) {
   return std::min(bytes.find(end), bytes.size() - 1) + 1;
 }
 
-// Returns the size of the answers to all R. Each is a byte, or two if the first is not ASCII.
+// Returns the total size of the answers: one byte for each R, or two if the first is not ASCII.
 std::size_t BitbangAnswers(std::string_view questions, std::string_view answers) {
   std::size_t size = 0;
   for (auto left = std::count(questions.begin(), questions.end(), 'R'); left > 0; --left) {
@@ -267,7 +267,7 @@ class AnsweringPort : public icehost::PinPort {
   bool tdi_ = false;
 };
 
-// Writes the report of a chain and, if the chain has no faults, its scripts without problems.
+// Checks the report of a chain and, if the chain has no faults, checks its scripts.
 void TellChain(const icehost::Chain& chain, std::optional<std::size_t> only) {
   Check(!chain.taps.empty() || !chain.faults.empty(), "no TAP is a fault");
   Check(chain.taps.size() <= icehost::kMostTaps || only.has_value(), "a chain has an end");

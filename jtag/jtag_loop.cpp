@@ -61,7 +61,7 @@ struct Bytes {
   const std::uint8_t* array;
   int size;   // number of bytes in the array
   int first;  // index of the register's least significant byte
-  int count;  // number of bytes in the register; none if zero or negative
+  int count;  // number of bytes in the register; zero or less means none
 };
 
 // Prints one register, most significant byte first, without bytes beyond the end of the array.

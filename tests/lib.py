@@ -115,7 +115,7 @@ class Serve:
                 pass
 
     def end(self, signal_number=signal.SIGTERM):
-        """Ends the server by a signal, if any. Returns its status and its later messages."""
+        """Sends a signal, if any, and waits for the end. Returns the status and later messages."""
         if signal_number:
             self.process.send_signal(signal_number)
         begun = time.monotonic()

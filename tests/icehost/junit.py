@@ -45,7 +45,7 @@ def cases_of(path, status):
 
 
 def run(arguments, status, *cases, script=None):
-    """Checks the status and the cases of a run. A case may have a kind and a message prefix."""
+    """Checks the status and the cases of a run: (suite, name[, kind, prefix of the message])."""
     write("before.xml", "<testsuites/>\n")
     os.replace("before.xml", "j.xml")
     if script is not None:

@@ -92,8 +92,8 @@ Server Once(const std::string& answer) {
   };
 }
 
-// Answers the command getinfo: with `info`. Answers other commands as a server of the simulated
-// target does, and adds `after`. Closes if a shift has more bytes than `info` allows.
+// Answers the command getinfo: with `info`, and other commands like a server of the simulated
+// target, followed by `after`. Closes the connection if a shift has more bytes than `info` allows.
 Server Xvc(const std::string& info, const std::string& after = "") {
   return [=](tcp::socket& client) {
     const std::size_t most = std::strtoul(&info[info.find(':') + 1], nullptr, 10);

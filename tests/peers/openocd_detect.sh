@@ -22,7 +22,7 @@ detect() {
   [ "$status" = "$wanted" ] || fail "detect $* ended with $status"
 }
 
-# said OPTION... PATTERN: checks with grep and its options that a line of err.txt matches.
+# said OPTION... PATTERN: checks that grep with these options finds a line in err.txt.
 said() { grep -q "$@" "$scratch/err.txt" || fail "no line $*"; }
 
 # The name of the manufacturer comes from OpenOCD. detect does not change OpenOCD's state.
