@@ -28,8 +28,8 @@ CString& CString::operator+(const char* s) {
   return *this;
 }
 
-// In the functions below a negative int becomes a size_t that is larger than any length. As a
-// position std::string rejects it; as a count it means "the rest".
+// In the functions below, a negative int becomes a size_t larger than any length. std::string
+// rejects such a position, and takes such a count as "the rest".
 
 char CString::GetAt(int i) const {
   return text.at(static_cast<std::size_t>(i));

@@ -1,4 +1,3 @@
-// The string class of the script readers and parsers.
 #ifndef ICESCRIPT_BASE_CSTRING_H_
 #define ICESCRIPT_BASE_CSTRING_H_
 
@@ -9,11 +8,11 @@
 namespace icescript {
 
 // A string of any bytes, NUL included. Some operations do not do what their names suggest, and the
-// readers and parsers depend on exactly this behaviour:
+// script readers and parsers depend on exactly this behaviour:
 //  - operator+ appends in place;
-//  - TrimLeft removes every leading `ch`, TrimRight every trailing `ch` except the first byte;
-//  - GetBuffer returns a separate copy that only ReleaseBuffer frees: the destructor does not, and
-//    copies of the object share the pointer.
+//  - TrimLeft can leave an empty text, but TrimRight always keeps the first byte;
+//  - GetBuffer returns a separate copy that only ReleaseBuffer frees. The destructor does not free
+//    the copy, and copies of the object share the pointer to it.
 //
 // Positions and lengths count bytes. A null `const char*` or `char*` is the same as an empty text.
 // Any operation may throw std::length_error or std::bad_alloc, as std::string does. Only the
@@ -32,14 +31,13 @@ class CString {
 
   CString& operator=(char* s);
   CString& operator=(std::string s);
-  // Appends to this object and returns it.
   CString& operator+(const char* s);
 
-  // Compare byte by byte, case-sensitive.
+  // These operators compare bytes, so they are case-sensitive.
   bool operator==(const char* s) const { return text == std::string_view(NotNull(s)); }
   bool operator!=(const char* s) const { return !(*this == s); }
 
-  // Does not check the position: the caller ensures 0 <= i < length.
+  // The position is not checked; the caller ensures 0 <= i < length.
   char& operator[](int i) { return text[static_cast<std::size_t>(i)]; }
 
   int GetLength() const { return static_cast<int>(text.size()); }
@@ -65,8 +63,8 @@ class CString {
   // Sets the text to "JTAG" followed by n in decimal. Ignores the first argument.
   void Format(CString fmt, int n);
 
-  // Returns a new block of at least n + 1 bytes: the whole text, a NUL, and zeros. The caller frees
-  // it with ReleaseBuffer of this object or of a copy. An earlier block is not freed.
+  // Returns a new block of at least n + 1 bytes that contains the whole text, a NUL, and zeros. The
+  // caller frees it with ReleaseBuffer of this object or of a copy. Does not free an earlier block.
   char* GetBuffer(int n);
   char* GetBuffer() { return GetBuffer(GetLength()); }
   // Frees the block of the last GetBuffer. Must not be called twice for one block.

@@ -1,4 +1,3 @@
-// The fields between the separators of a text.
 #ifndef ICESCRIPT_BASE_FIELD_CURSOR_H_
 #define ICESCRIPT_BASE_FIELD_CURSOR_H_
 
@@ -6,8 +5,8 @@
 
 namespace icescript {
 
-// Iterates over the fields without copying them. A text has one field more than it has separators:
-// an empty text has one empty field, and a separator at the end has an empty field after it.
+// Iterates over the fields between the separators of a text without copying them. An empty text has
+// one empty field. A separator at the end of the text has an empty field after it.
 class FieldCursor {
  public:
   // The text must outlive the cursor.
@@ -15,9 +14,9 @@ class FieldCursor {
 
   bool HasNext() const { return has_next_; }
 
-  // Returns the next field, with its blanks. Call it only if HasNext().
+  // Returns the next field, including its blanks. Call this function only if HasNext() is true.
   std::string_view Next() {
-    std::size_t size = 0;  // a loop is faster than string_view::find: fields are short
+    std::size_t size = 0;  // a loop is faster than find, because fields are short
     while (size < rest_.size() && rest_[size] != separator_) ++size;
     const std::string_view field(rest_.data(), size);
     has_next_ = size < rest_.size();

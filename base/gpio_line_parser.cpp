@@ -10,8 +10,8 @@
 namespace icescript {
 namespace {
 
-// Returns a word of up to eight characters, in upper case, as one number that a switch can test, or
-// 0 for a longer word. Lines contain no NUL, so that different words give different numbers.
+// Returns a word of up to eight characters, in upper case, as a number for a switch, or 0 for a
+// longer word. Lines contain no NUL, so different words give different numbers.
 constexpr std::uint64_t Word(std::string_view text) {
   std::uint64_t word = 0;
   if (text.size() > sizeof word) return word;
@@ -19,8 +19,8 @@ constexpr std::uint64_t Word(std::string_view text) {
   return word;
 }
 
-// Returns the number that `value`, which is not empty, begins with: hexadecimal after "0x" (not
-// "0X"), else decimal. The first two tests handle most values: a single digit, or a word.
+// Returns the number at the beginning of `value`, which must not be empty. The number is
+// hexadecimal after "0x" (but not "0X"), else decimal. The first two tests cover most values.
 int ItemNumber(std::string_view value) {
   const char first = value.front();
   if (value.size() == 1 && first >= '0' && first <= '9') return first - '0';
@@ -90,7 +90,7 @@ GpioLineParser::Result GpioLineParser::SetPin(int bit) {
   } else {
     element_.out_value &= GPIO_PIN_ALL & ~bit;  // clears the bits above the pins as well
   }
-  // Deliberate: releasing the reset drops the flags that the line has set before.
+  // NRST=1 deliberately drops the flags that earlier items of the line have set.
   if (bit == GPIO_PIN_NRST && number_ == 1) element_.flags = 0;
   element_.flags |= GPIO_FLAG_WRITE_OUT;
   return Result::kLine;

@@ -1,4 +1,3 @@
-// The parser for the lines of a GPIO script after START.
 #ifndef ICESCRIPT_BASE_GPIO_LINE_PARSER_H_
 #define ICESCRIPT_BASE_GPIO_LINE_PARSER_H_
 
@@ -8,7 +7,7 @@
 
 namespace icescript {
 
-// One item of a line: KEY=VALUE, or a single word, which is then both key and value. Both are
+// One item of a line: KEY=VALUE, or a single word that is both key and value. Key and value are
 // trimmed views of the text.
 struct GpioItem {
   explicit GpioItem(std::string_view text);
@@ -17,19 +16,19 @@ struct GpioItem {
   std::string_view value;
 };
 
-// Turns each line into one table element. One parser must read the whole file: an item with an
-// empty value gets the number of the last item that had a value, even from an earlier line.
+// Turns each line after START into one table element. One parser must read the whole file, because
+// an item with an empty value gets the number of the last item with a value, even in another line.
 class GpioLineParser {
  public:
   enum class Result { kLine, kEnd, kSyntaxError, kBadWord };
 
-  // Parses a line, which starts with the pin state of `previous`. If the result is kLine, or kEnd
-  // (the line has END), Element() is the element of the line. If it is kSyntaxError, or kBadWord
-  // (GPIO_OUT or GPIO_OE is -1), BadItem() is the wrong item.
+  // Parses a line that starts with the pin state of `previous`. After kLine, or after kEnd for a
+  // line with END, Element() is the element of the line. After kSyntaxError, or after kBadWord for
+  // a GPIO_OUT or GPIO_OE of -1, BadItem() is the wrong item.
   Result Parse(std::string_view line, const CIniFile::gpio_element& previous);
 
   const CIniFile::gpio_element& Element() const { return element_; }
-  // The text between the commas, with its blanks; a view of the parsed line.
+  // The item between its commas, including its blanks, as a view of the parsed line.
   std::string_view BadItem() const { return item_; }
 
  private:
@@ -40,7 +39,7 @@ class GpioLineParser {
   Result SetBlock(int kind, int repeat_count);
 
   CIniFile::gpio_element element_{};
-  bool alone_ = false;  // the line has one item
+  bool alone_ = false;  // whether the line has only one item
   std::string_view item_;
   int number_ = -1;  // the number of the last item that had a value
 };

@@ -1,4 +1,3 @@
-// The GPIO script reader of CIniFile.
 #include <cstdint>
 #include <cstdio>
 #include <string_view>
@@ -12,7 +11,6 @@
 namespace icescript {
 namespace {
 
-// Iterates over the lines of a file that are not blank.
 class LineCursor {
  public:
   explicit LineCursor(LineReader& lines) : lines_(lines) {}
@@ -28,13 +26,13 @@ class LineCursor {
   }
 
   std::string_view Text() const { return text_; }
-  // The number of the line in the file, from 1.
+  // The number of the line in the file, counted from 1.
   int Number() const { return static_cast<int>(number_); }
 
  private:
   LineReader& lines_;
   std::string_view text_;
-  std::uint32_t number_ = 0;  // unsigned: a file may have more lines than INT_MAX
+  std::uint32_t number_ = 0;  // unsigned because a file may have more than INT_MAX lines
 };
 
 }  // namespace

@@ -15,7 +15,7 @@ namespace icescript {
 class LineReader;
 
 constexpr int ERROR_MSG_SIZE = 1024;
-// The size of the line buffer with its NUL. A line with this many bytes or more ends the reading.
+// The size of the line buffer, including the NUL. A line of this size or more ends the reading.
 constexpr int INI_LINE_BUFFER = 2048;
 
 // Results of CIniFile::ReadGpioFile.
@@ -36,15 +36,15 @@ constexpr int GPIO_FIELD_FLAGS = 2;
 constexpr int GPIO_FIELD_KIND = 3;
 constexpr int GPIO_FIELD_REPEAT_COUNT = 4;
 
-// Made to read one file once, on one thread. Contains the INI store (sections and their values,
-// both in order of first assignment) and the table of GPIO lines. Texts are passed by value.
+// A CIniFile reads one file once, on one thread. It contains the INI store (sections and their
+// values, both in order of first assignment) and the table of GPIO lines.
 //
 // A function that fails returns -1, false or an empty text. GetValue, GetGpioValue and the readers
-// then also write a message, cut at 1023 bytes, to error_msg. Nothing clears error_msg. Exceptions
-// are thrown only if there is not enough memory.
+// then also write a message, cut at 1023 bytes, to error_msg. Nothing clears error_msg. Functions
+// throw only if memory runs out.
 class CIniFile {
  public:
-  // One line of a GPIO script: the pin state after it, and its operation.
+  // One line of a GPIO script: the pin state after the line, and its operation.
   struct gpio_element {
     int out_value;     // output levels, GPIO_PIN_ bits
     int oe_mask;       // output enables, GPIO_PIN_ bits
@@ -59,13 +59,12 @@ class CIniFile {
   virtual ~CIniFile() = default;
 
   void SetPath(CString file_path) { path = std::move(file_path); }
-  // Deliberately does nothing: a second reading adds to the first.
+  // Deliberately does nothing, so a second reading adds to the first.
   void Reset() {}
 
   // ---- The INI store. A "key" is a section. Names are compared byte by byte up to a NUL,
   // case-sensitive and untrimmed. Every lookup is a linear search.
 
-  // Returns the number of sections.
   int GetNumKeys() const { return static_cast<int>(keys.size()); }
   // Returns the name of section keyID, or an empty text if there is no such section.
   CString GetKeyName(int keyID) const;
@@ -75,26 +74,26 @@ class CIniFile {
   int GetNumValues(CString keyname) const;
   // Returns the index of a value in section keyID, or -1 if there is no such section or value.
   int FindValue(int keyID, CString valuename) const;
-  // Return the text of a value, or an empty text and a message if section or value is missing.
+  // Return the text of a value, or an empty text and a message if there is no such value.
   CString GetValue(CString keyname, CString valuename);
   CString GetValue(int keyID, CString valuename);
-  // Stores a value and returns true. If section or value is missing, adds it if `create` is true;
-  // otherwise stores nothing and returns false.
+  // Stores a value and returns true. If the section or the value does not exist yet and `create` is
+  // false, stores nothing and returns false.
   bool SetValue(CString keyname, CString valuename, CString value, bool create);
 
   // ---- Readers
 
-  // Reads the file as INI text into the store. Returns false if it cannot be opened, or at the
-  // first line that is neither header nor value; earlier values stay in the store. A line of
-  // INI_LINE_BUFFER bytes or more ends the reading like the end of the file.
+  // Reads the file as INI text into the store. Returns false if the file cannot be opened, or at
+  // the first line that is neither a header nor a value; earlier values stay in the store. A line
+  // of INI_LINE_BUFFER bytes or more ends the reading, as the end of the file does.
   bool ReadFile();
 
   // Reads the file as a GPIO script into the table of lines, and returns a GPIO_READ_ status.
-  // There is no message for GPIO_READ_NOT_GPIO. Lines before a failure stay in the table.
+  // Writes no message for GPIO_READ_NOT_GPIO. Lines before a failure stay in the table.
   int ReadGpioFile();
   // Returns the number of lines in the table.
   unsigned long GetGpioNum() const { return gpio_elements.size(); }
-  // Returns field `field` (GPIO_FIELD_) of line `index`, or -1 and a message if there is none.
+  // Returns field `field` (GPIO_FIELD_) of line `index`, or -1 and a message if it does not exist.
   int GetGpioValue(int index, int field) {
     const auto at = static_cast<std::size_t>(index);  // a negative index is beyond any table
     if (at >= gpio_elements.size()) return RefuseGpioValue("internal error: fail to get valule.");
@@ -120,17 +119,17 @@ class CIniFile {
   static std::istream& getline(std::istream& is, CString& str);
 
   // Splits `str` at every `separator` and returns a new array of `count` fields, which the caller
-  // frees with delete[]. Without a separator in `str` returns null and sets `count` to 1.
+  // frees with delete[]. If `str` has no separator, returns null and sets `count` to 1.
   static CString* SplitString(CString str, char separator, int& count);
 
  private:
-  // One section. If it has values, `values` has one empty entry more than `value_names`.
+  // One section. If it has values, `values` has one entry more than `value_names`: an empty one.
   struct key {
     std::vector<CString> values;
     std::vector<CString> value_names;
   };
 
-  // Returns the index of the section whose name is `name` up to its first NUL, or -1.
+  // Returns the index of the section, or -1. The names of sections end at their first NUL.
   int FindSection(std::string_view name) const;
   // Returns whether `lines` has opened its file, and writes a message if it has not.
   bool IsReadable(const LineReader& lines);
@@ -140,8 +139,8 @@ class CIniFile {
   std::vector<gpio_element> gpio_elements;
   std::vector<key> keys;
   std::vector<CString> key_names;  // key_names[i] names keys[i]
-  // key_tails[i] is the end of key_names[i] as one number: a lookup compares several of them at a
-  // time. It may have one entry more than key_names after a failed allocation.
+  // key_tails[i] is the end of key_names[i] as one number, so that a lookup compares several at a
+  // time. After a failed allocation it may have one entry more than key_names.
   std::vector<wchar_t> key_tails;
 
  public:

@@ -1,4 +1,3 @@
-// The INI reader of CIniFile.
 #include <cstdio>
 #include <string_view>
 
@@ -12,7 +11,7 @@ namespace icescript {
 bool CIniFile::ReadFile() {
   LineReader lines(path.Text());
   if (!IsReadable(lines)) return false;
-  CString section;  // values before the first header belong to the section named ""
+  CString section;  // values before the first header are in the section ""
   while (lines.Next()) {
     const std::string_view line = TrimBlanks(lines.Text());
     if (line.empty()) continue;

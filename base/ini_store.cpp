@@ -1,4 +1,3 @@
-// The INI store of CIniFile.
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
@@ -11,13 +10,11 @@
 namespace icescript {
 namespace {
 
-// Returns the position of `name` in `names`, or -1. A name in `names` may contain a NUL (through
-// SetValue): only the part before it counts, as in a C string. These parts are unique, so the
-// search may begin with the newest name.
+// Returns the position of `name` in `names`, or -1. Only the part of a stored name before its first
+// NUL counts. These parts are unique, so the search begins with the newest name.
 int FindName(const std::vector<CString>& names, std::string_view name) {
-  // Most names differ in the last byte, because names in long scripts tend to be numbered. If the
-  // candidate is shorter, its NUL is compared instead: no branch depends on the lengths, which may
-  // follow no pattern.
+  // Compares the last byte first, because names in long scripts are usually numbered. If the
+  // candidate is shorter, its NUL is compared, so that no branch depends on the random lengths.
   const std::size_t tell = name.empty() ? 0 : name.size() - 1;
   const char last = name.empty() ? '\0' : name.back();
   const auto found = std::find_if(names.rbegin(), names.rend(), [=](const CString& candidate) {
@@ -29,8 +26,8 @@ int FindName(const std::vector<CString>& names, std::string_view name) {
   return static_cast<int>(names.rend() - found) - 1;
 }
 
-// Returns the last four bytes of a name as one number, padded with zeros. Most names differ in
-// them, because names in long scripts tend to be numbered.
+// Returns the last four bytes of a name as one number, padded with zeros. Most names in long
+// scripts are numbered, so they differ there.
 wchar_t TailOf(std::string_view name) {
   wchar_t tail = 0;
   static_assert(sizeof tail == 4);
@@ -50,7 +47,7 @@ int CIniFile::FindSection(std::string_view name) const {
     return key_tails[index] == tail && key_names[index].Text().c_str() == name;
   };
   const std::size_t size = key_names.size();
-  // Usually it is the newest section: values are stored section by section.
+  // This is usually the newest section, because values are stored section by section.
   if (size > 0 && is_at(size - 1)) return static_cast<int>(size) - 1;
   const wchar_t* const begin = key_tails.data();
   for (const wchar_t* at = begin; size > 0; ++at) {
@@ -61,8 +58,8 @@ int CIniFile::FindSection(std::string_view name) const {
   return -1;
 }
 
-// In the lookups below a negative index becomes a size_t beyond any section. at() is used where a
-// failed allocation may have left a list of names longer than the list of their objects.
+// In the lookups below, a negative index becomes a size_t beyond any section. Lookups use at()
+// because a failed allocation may leave more names than objects.
 
 CString CIniFile::GetKeyName(int keyID) const {
   const auto index = static_cast<std::size_t>(keyID);

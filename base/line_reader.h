@@ -1,4 +1,3 @@
-// The reader for the lines of a script.
 #ifndef ICESCRIPT_BASE_LINE_READER_H_
 #define ICESCRIPT_BASE_LINE_READER_H_
 
@@ -9,8 +8,8 @@
 
 namespace icescript {
 
-// Reads the lines of a file once, from beginning to end, in blocks. The lines are the same as those
-// of CIniFile::getline.
+// Reads the lines of a file once, from beginning to end, in blocks. Finds the same lines as
+// CIniFile::getline.
 class LineReader {
  public:
   explicit LineReader(const std::string& path);
@@ -21,7 +20,7 @@ class LineReader {
   bool IsOpen() const { return file_ >= 0; }
 
   // Goes to the next line. Returns false at the end of the file, at a line of INI_LINE_BUFFER bytes
-  // or more, or if reading fails, and in every call after that.
+  // or more, if reading fails, and in every later call.
   bool Next();
   // The current line without its comment and trailing spaces; valid until the next call of Next.
   std::string_view Text() const { return text_; }

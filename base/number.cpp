@@ -12,7 +12,7 @@ bool IsSpace(char ch) {
   return ch == ' ' || (ch >= '\t' && ch <= '\r');
 }
 
-// Returns the value of a digit, or 36, too large for any base, for another character.
+// Returns the value of a digit. Any other character has the value 36, too large for any base.
 int DigitOf(char ch) {
   if (ch >= '0' && ch <= '9') return ch - '0';
   const char upper = UpperCase(ch);
@@ -23,7 +23,7 @@ bool IsHexPrefix(std::string_view text) {
   return text.size() >= 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X');
 }
 
-// Returns the number if the text has only digits, at most 7 (which always fit an int), else -1.
+// Returns the number if the text consists of 1 to 7 digits, which always fit an int; else -1.
 int PlainNumber(std::string_view text, int base) {
   if (text.empty() || text.size() > 7) return -1;
   int number = 0;

@@ -1,4 +1,3 @@
-// A buffer for composing one message.
 #ifndef ICESCRIPT_BASE_PRINT_LINE_H_
 #define ICESCRIPT_BASE_PRINT_LINE_H_
 
@@ -12,7 +11,7 @@
 
 namespace icescript {
 
-// Has room for PRINT_LINE_BUFFER - 1 bytes. A piece that does not fit is left out.
+// Composes a message of at most PRINT_LINE_BUFFER - 1 bytes. Skips a piece that does not fit.
 class PrintLine {
  public:
   PrintLine& operator<<(std::string_view piece) {
@@ -20,7 +19,6 @@ class PrintLine {
     return *this;
   }
 
-  // Appends the number in decimal.
   PrintLine& operator<<(int number) {
     const auto [end, error] = std::to_chars(text_ + size_, std::end(text_) - 1, number);
     if (error == std::errc()) size_ = static_cast<std::size_t>(end - text_);
@@ -41,7 +39,7 @@ class PrintLine {
     return *this << std::string_view(digits, sizeof digits);
   }
 
-  // Returns the text; it is valid until the line changes.
+  // Returns the text, which is valid until the line changes.
   const char* Text() {
     text_[size_] = '\0';
     return text_;

@@ -1,4 +1,3 @@
-// Functions on text that the script readers share: trimming, upper case, and the section tag.
 #ifndef ICESCRIPT_BASE_TEXT_H_
 #define ICESCRIPT_BASE_TEXT_H_
 
@@ -16,15 +15,15 @@ inline std::string_view TrimLeft(std::string_view text, char ch) {
   return text;
 }
 
-// Drops every trailing `ch`, but keeps the first byte of the text: three spaces become one. This is
-// deliberate, and visible to users: the section header "[]" has the name "]".
+// Drops every trailing `ch` but keeps the first byte of the text, so three spaces become one. This
+// is deliberate, and visible to users: the section header "[]" has the name "]".
 inline std::string_view TrimRight(std::string_view text, char ch) {
   while (text.size() > 1 && text.back() == ch) text.remove_suffix(1);
   return text;
 }
 
-// Trims a script line, or a key or value of a GPIO line: first carriage returns at both ends, then
-// spaces at both ends. Tabs are text.
+// Trims a script line, or a key or value of a GPIO line. Drops carriage returns at both ends, then
+// spaces at both ends, but no tabs.
 inline std::string_view TrimBlanks(std::string_view text) {
   // The usual case: both ends are above ' ', so there is nothing to trim.
   if (!text.empty() && text.front() > ' ' && text.back() > ' ') return text;
@@ -37,7 +36,7 @@ constexpr char UpperCase(char ch) {
   return ch >= 'a' && ch <= 'z' ? static_cast<char>(ch - 'a' + 'A') : ch;
 }
 
-// Returns the hexadecimal digit, in lower case, of a number below 16.
+// Returns the hexadecimal digit of a number below 16, in lower case.
 inline char HexDigit(std::uint32_t number) {
   return "0123456789abcdef"[number];
 }

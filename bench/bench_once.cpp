@@ -1,6 +1,6 @@
 // `bench_once NAME SIZE` runs one workload once, for valgrind to measure. `bench_once FILE` runs a
-// script on a host that does nothing. Without arguments it lists the workloads as
-// NAME|UNIT|UNITS PER 1 OF SIZE|SIZE.
+// script on a host that does nothing. Without arguments, bench_once lists the workloads as
+// NAME|UNIT|UNITS AT SIZE 1|SIZE.
 #include <iostream>
 #include <string>
 

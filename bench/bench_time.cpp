@@ -9,7 +9,7 @@ void Time(benchmark::State& state) {
   const Workload& workload = Workloads()[static_cast<std::size_t>(state.range(0))];
   const int size = static_cast<int>(state.range(1));
   const ScriptFile script(workload, size);
-  RunWorkload(workload, script.Path(), size);  // loads the module, which is not timed
+  RunWorkload(workload, script.Path(), size);  // loads the module before the timing
   while (state.KeepRunning()) RunWorkload(workload, script.Path(), size);
 
   using benchmark::Counter;

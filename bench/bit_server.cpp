@@ -1,6 +1,6 @@
-// A simple remote_bitbang server of the simulated target: it writes each answer separately. usage:
-// bit_server nagle|nodelay. It prints its port, serves one client after the other, and prints the
-// round trips of each: how often the client sent something after an answer.
+// A simple remote_bitbang server of the simulated target that writes each answer separately. usage:
+// bit_server nagle|nodelay. It prints its port and serves one client after another. For each client
+// it prints the round trips: how often the client sent something after an answer.
 #include <asio.hpp>
 #include <cstdio>
 #include <string>

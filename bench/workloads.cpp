@@ -59,7 +59,7 @@ void WriteDeep(std::ostream& script, int size) {
   script << "END\n";
 }
 
-// Reads the IDCODE through the pins, in 81 lines: resets the TAP, enters Shift-DR, reads 32 bits.
+// Each reading of an IDCODE has 81 lines, which reset the TAP, enter Shift-DR, and read 32 bits.
 void WriteIdcodes(std::ostream& script, int size) {
   script << kGpioStart;
   for (int i = 0; i < size; ++i) {
@@ -92,7 +92,7 @@ void WriteLongScans(std::ostream& script, int size) {
   }
 }
 
-// Section names are random: 4 to 11 letters.
+// Section names have 4 to 11 random letters.
 void WriteFreeNames(std::ostream& script, int size) {
   std::uint32_t seed = 1;
   const auto below = [&seed](std::uint32_t limit) {
@@ -118,7 +118,7 @@ int Implement(int& handle, const std::string& path) {
     if (module == nullptr) throw std::runtime_error(dlerror());
     return reinterpret_cast<decltype(&ImplementScr)>(dlsym(module, "ImplementScr"));
   }();
-  std::string name = path;  // ImplementScr has a char* argument but does not write to it
+  std::string name = path;  // ImplementScr takes a char* but does not write to it
   return entry(&handle, name.data(), DropMessage);
 }
 
@@ -134,7 +134,7 @@ void RunOften(const std::string& path, int size) {
   for (int i = 0; i < size; ++i) RunScript(path, 1);
 }
 
-// A JTAG script is read twice: first as a GPIO script, which it is not, then as a JTAG script.
+// The plug-in reads a JTAG script twice, because it first tries to read a GPIO script.
 void ReadTwiceOften(const std::string& path, int size) {
   char text[4096];
   for (int i = 0; i < 2 * size; ++i) {

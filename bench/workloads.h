@@ -1,4 +1,4 @@
-// The workloads to measure: scripts for the built plug-in, and minimal code to compare it with.
+// The workloads to measure: scripts for the plug-in, and minimal code for comparison.
 #ifndef ICESCRIPT_BENCH_WORKLOADS_H_
 #define ICESCRIPT_BENCH_WORKLOADS_H_
 
@@ -17,7 +17,7 @@ struct Workload {
 
 const std::vector<Workload>& Workloads();
 
-// A file with the script of a workload of this size. The destructor removes the file.
+// A temporary file with the script of a workload. The destructor removes it.
 class ScriptFile {
  public:
   ScriptFile(const Workload& workload, int size);
@@ -31,7 +31,7 @@ class ScriptFile {
   std::string path_;
 };
 
-// Runs a workload once. callgrind counts instructions inside this function, by its name.
+// Runs a workload once. callgrind finds this function by its name and counts its instructions.
 extern "C" void RunWorkload(const Workload& workload, const std::string& path, int size);
 
 // Runs the script at `path` once on the idle host. Returns the result of the plug-in, 0 or -1.

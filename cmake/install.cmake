@@ -1,5 +1,5 @@
-# The files to install. The plug-in is installed in its own folder, because programs load it by its
-# path and do not link it. icehost finds it by a relative path, so all of it may be moved together.
+# The files to install. The plug-in has its own folder, because programs load it by its path and do
+# not link it. icehost finds it by a relative path, so the installed files can be moved together.
 include(CMakePackageConfigHelpers)
 
 set(ICESCRIPT_ZSH_FOLDER ${CMAKE_INSTALL_DATADIR}/zsh/site-functions CACHE STRING
@@ -22,7 +22,7 @@ install(FILES ${PROJECT_BINARY_DIR}/icescriptConfig.cmake
               ${PROJECT_BINARY_DIR}/icescriptConfigVersion.cmake DESTINATION ${package_folder})
 
 set(pc_folder ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
-# A prefix of /usr never moves: there the path is absolute, and servers may have it built in.
+# The prefix /usr never moves. Its path is absolute, because servers may have it built in.
 string(REGEX REPLACE "[^/]+" ".." pc_prefix ${pc_folder})
 set(pc_prefix "\${pcfiledir}/${pc_prefix}")
 if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")

@@ -4,15 +4,15 @@ set -euo pipefail
 readonly HOST_FUNCTIONS="link_config link_gpio_operator link_jtag_execute link_jtag_insert link_reset"
 status=0
 
-# expect FILE WHAT WANTED FOUND
+# expect FILE WHAT WANTED FOUND: fails the check unless both values are equal.
 expect() {
   [ "$3" = "$4" ] && return
   printf '%s: %s: wanted "%s", found "%s"\n' "$1" "$2" "$3" "$4"
   status=1
 }
 
-# names CONDITION: prints the names of the symbols that match it, on one line. The awk fields are 5
-# binding, 7 section, 8 name. A symbol from a library has a version after an "@".
+# names CONDITION: prints on one line the names of the matching symbols. awk field 5 is the binding,
+# 7 the section and 8 the name. The name of a symbol from a library has a version after "@".
 names() { awk '$1 ~ /^[0-9]+:$/ && $8 != "" && '"$1"' { print $8 }' <<<"$symbols" | sort | xargs; }
 # flags TYPE: prints the flags of each segment of this type, one per line.
 flags() { awk -v type="$1" '$1 == type { $1=$2=$3=$4=$5=$6=$NF=""; gsub(" ", ""); print }' \
@@ -24,7 +24,7 @@ check() {
   symbols=$(readelf -W --dyn-syms "$file")
   segments=$(readelf -W --program-headers "$file")
   dynamic=$(readelf -W --dynamic "$file")
-  # Variables that a program copies from its libraries have a version, too: they do not count.
+  # A name with a version is a variable that the program copies from a library, not an export.
   expect "$file" "exports" "$2" "$(names '$7 != "UND" && $8 !~ /@/')"
   expect "$file" "bound when loaded" "BIND_NOW" "$(grep -o 'BIND_NOW' <<<"$dynamic" | head -n 1)"
   expect "$file" "text relocations" "" "$(grep -o 'TEXTREL' <<<"$dynamic" || true)"

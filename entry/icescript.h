@@ -1,34 +1,35 @@
 /*
  * icescript: the interface between the script-execution plug-in, libicescript.so, and the debug
- * server (the host) that loads it. It compiles as C11 or later and as C++11 or later.
+ * server (the host) that loads it. This header compiles as C11 or later and as C++11 or later.
  *
  * These conventions apply to everything below:
  *
  *  1. Loading. The plug-in exports ImplementScr, which the host finds with dlsym. It imports the
  *     five link_ functions by name. The host process must export them (link an executable with
- *     -rdynamic or an export list). All are bound at loading: dlopen fails if one is missing.
+ *     -rdynamic or an export list). Loading binds all five, so dlopen fails if one is missing.
  *  2. Threads. The plug-in makes every call on the thread that called ImplementScr, one call at a
- *     time, in script order. It starts no thread and takes no lock, and its counter of pin reads is
- *     an unprotected global variable: never run two scripts at the same time.
+ *     time, in script order. It starts no thread and takes no lock. Never run two scripts at the
+ *     same time, because the counter of pin reads is an unprotected global variable.
  *  3. Pointers. A pointer from the plug-in is valid until the host function that received it
  *     returns. The arrays of link_jtag_insert stay valid until the next link_jtag_execute returns.
- *     The plug-in keeps no pointer of the host after ImplementScr returns.
+ *     The plug-in keeps no pointer from the host after ImplementScr returns.
  *  4. Bits. Scan data is an array of bytes, least significant byte first. Byte 0 contains bits 0 to
  *     7, and bit 0 is shifted first. n bits take (n + 7) / 8 bytes.
  *  5. Results. The comment on each link_ function says which results mean failure. The functions
- *     differ in this on purpose. A failed call is not retried and ends the script: a GPIO script
- *     with a message, a JTAG script without one, so the host has to report the reason.
+ *     differ in this on purpose. A failed call ends the script and is never retried. The plug-in
+ *     prints a message if a GPIO script fails. If a JTAG script fails, it prints nothing, so the
+ *     host must report the reason.
  *  6. Exceptions. The plug-in neither throws exceptions of its own nor swallows any. An exception
  *     from a host function, the callback or the standard library (out of memory) passes through
  *     ImplementScr to the host after everything that the call allocated has been freed. This needs
  *     a single unwinder in the process, normally the shared libgcc_s. If the host has a private
  *     static one (g++ -static-libgcc -static-libstdc++ with an export list), any exception that
  *     reaches the plug-in aborts the process. With -rdynamic the plug-in uses the host's unwinder.
- *  7. Messages are text for the user: NUL-terminated, at most 1023 bytes, in English except for
- *     what they quote from the script and its path. A message may lack a line break, contain only a
- *     part of a line, or be empty. Print each message unchanged and add nothing.
+ *  7. Messages. A message is NUL-terminated text for the user, at most 1023 bytes long. It is in
+ *     English, except for quoted parts of the script and the script's path. A message may lack a
+ *     line break, be only a part of a line, or be empty. Print it unchanged and add nothing.
  *  8. Stability. Names, arguments, codes, bounds and the meaning of results do not change within
- *     version 1.x: a host built with this header works with every later plug-in of 1.x.
+ *     version 1.x, so a host built with this header works with every later plug-in of 1.x.
  */
 #ifndef ICESCRIPT_ENTRY_ICESCRIPT_H_
 #define ICESCRIPT_ENTRY_ICESCRIPT_H_
@@ -40,12 +41,12 @@ extern "C" {
 #endif
 #pragma GCC visibility push(default)
 
-/* The host's own handle. It is passed unchanged to every link_ function and never dereferenced. */
+/* The host's own handle. The plug-in passes it to each link_ function and never dereferences it. */
 typedef void* LinkHandle;
 
 /*
- * Prints one message. The plug-in ignores the result. The callback gets no handle: the host keeps
- * its data in a static or thread-local variable. It runs on the thread that called ImplementScr.
+ * Prints one message. The plug-in ignores the result. The callback gets no handle, so its data must
+ * be static or thread-local. It runs on the thread that called ImplementScr.
  */
 typedef int (*PrintCallback)(const char* message);
 
@@ -53,7 +54,7 @@ typedef int (*PrintCallback)(const char* message);
 
 enum {
   LINK_CONFIG_CDI_MODE = 3, /* link_config: set the wire mode to a CDI_MODE_ value */
-  LINK_CONFIG_GET_CDI = 22  /* link_config: query the wire mode; the result is a CDI_ANSWER_ */
+  LINK_CONFIG_GET_CDI = 22  /* link_config: query the wire mode; returns a CDI_ANSWER_ value */
 };
 
 enum {
@@ -61,8 +62,8 @@ enum {
   CDI_MODE_2WIRE = 1  /* 2-wire interface */
 };
 
-/* Results of LINK_CONFIG_GET_CDI, with their names in messages. Any other result, also a negative
- * one, has the name "jtag5". */
+/* Results of LINK_CONFIG_GET_CDI and their names in messages. Any other result, even a negative
+ * number, is named "jtag5". */
 enum {
   CDI_ANSWER_JTAG5 = 0, /* "jtag5" */
   CDI_ANSWER_2WIRE = 1, /* "zeva-j2": each register has an extra byte, see link_jtag_insert */
@@ -93,7 +94,7 @@ enum {
 
 enum {
   JTAG_IR_MAX_BYTES = 36, /* size of the IR array of link_jtag_insert */
-  JTAG_DR_MAX_BYTES = 36, /* size of its DR array */
+  JTAG_DR_MAX_BYTES = 36, /* size of the DR array of link_jtag_insert */
   JTAG_CAPTURE_BYTES = 32 /* guaranteed size of the capture buffer of link_jtag_execute */
 };
 
@@ -107,62 +108,60 @@ enum {
  *   LINK_CONFIG_CDI_MODE  CDI_MODE_2WIRE   negative
  *   LINK_CONFIG_GET_CDI   0                (never: the result is a CDI_ANSWER_ value)
  *
- * The plug-in makes the query before every scan.
+ * The plug-in queries the wire mode before every scan.
  */
 int link_config(LinkHandle handle, int code, int value);
 
 /*
  * Pulses the target's NRST. kind is LINK_RESET_TARGET. The wire mode does not change. The host
- * decides how long the pulse is, and whether TRST and the state of the TAP change with it. Failure
- * if the result is negative.
+ * chooses the pulse's length and its effect on TRST and the TAP. A negative result means failure.
  */
 int link_reset(LinkHandle handle, int kind);
 
 /*
- * Receives one scan: ir_bits bits for an IR scan, then dr_bits bits for a DR scan (IEEE 1149.1:
- * through Shift-IR, then through Shift-DR). Failure if the result is not zero; the plug-in then
- * does not call link_jtag_execute.
+ * Receives one scan: ir_bits bits for Shift-IR, then dr_bits bits for Shift-DR (IEEE 1149.1). If
+ * the result is not zero, the call has failed, and the plug-in does not call link_jtag_execute.
  *
  * ir and dr point to arrays of JTAG_IR_MAX_BYTES and JTAG_DR_MAX_BYTES bytes and are never null.
- * Bytes that the script does not list are zero. The host must not change the arrays: after
- * link_jtag_execute the plug-in prints them as the values shifted in. The lengths are those of the
- * script, at most 288. They are zero or negative if the script says so; the host does not scan a
- * register whose length, without the extra byte, is 0 or less.
+ * Bytes that the script does not list are zero. The host must not change the arrays, because after
+ * link_jtag_execute the plug-in prints them as the values shifted in. The lengths come from the
+ * script and are at most 288. They may be zero or negative. The host does not scan a register whose
+ * length, without the extra byte described below, is 0 or less.
  *
  * After the answer CDI_ANSWER_2WIRE each register has an extra byte at its least significant end,
- * and its length includes this byte (-1 bit becomes 7): 0x00 in the IR, the read flag (0x01 read,
- * 0x00 write) in the DR. This mode is for registers of up to 32 bytes, 264 bits with the extra one.
- * The plug-in also passes longer registers, but loses the 33rd byte of the script, and each later
- * byte is one place too low. 296 bits are then possible: do not read beyond the array's 36 bytes.
+ * and its length includes this byte (a length of -1 becomes 7). The byte is 0x00 in the IR. In the
+ * DR it is the read flag, 0x01 for a read and 0x00 for a write. This mode is for registers of up to
+ * 32 bytes, 264 bits with the extra byte. In a longer register, the 33rd byte of the script is
+ * lost, and each later byte is one place too low. The length can then be up to 296 bits, but the
+ * arrays end after 36 bytes: do not read beyond them.
  */
 int link_jtag_insert(LinkHandle handle, int ir_bits, unsigned char* ir, int dr_bits,
                      unsigned char* dr);
 
 /*
- * Runs the scan of the last link_jtag_insert and stores the captured bits. Failure if the result is
- * not zero.
+ * Runs the last inserted scan and stores the captured bits. A nonzero result means failure.
  *
- * capture points to JTAG_CAPTURE_BYTES bytes, all zero at the call. The plug-in reads the captured
- * DR bits from byte 2 on, or from byte 3 on after the answer CDI_ANSWER_2WIRE, and reads no other
- * byte. It does not mask them: the host must leave the bits above the last one zero. It prints the
- * captured bits after a read, and after a write if the answer was CDI_ANSWER_JTAG5.
- * (In this version the buffer has room for the longest DR: 36 bytes from byte 3 on.)
+ * capture points to JTAG_CAPTURE_BYTES bytes, which are zero when the call begins. The plug-in
+ * reads the captured DR bits from byte 2 on, or from byte 3 on after the answer CDI_ANSWER_2WIRE,
+ * and reads no other byte. It does not mask them, so the host must leave the bits above the last DR
+ * bit zero. The plug-in prints the captured bits after a read, and also after a write if the answer
+ * was CDI_ANSWER_JTAG5. (This version has room for the longest DR: 36 bytes from byte 3 on.)
  */
 int link_jtag_execute(LinkHandle handle, unsigned char* capture);
 
 /*
- * Executes one pin operation. Failure if the result is negative.
+ * Executes one pin operation. A negative result means failure.
  *
- * out_value and oe_mask contain the script's whole state in every operation. GPIO_FLAG_START comes
- * with the state in which a script starts: all pins enabled, all levels low. After it, the host
- * writes each of the two to the pins only if its flag is set.
+ * In every operation, out_value and oe_mask contain the whole pin state of the script. The first
+ * operation, with GPIO_FLAG_START, contains the initial state: all pins enabled, all levels low. In
+ * later operations the host writes out_value or oe_mask to the pins only if the flag for it is set.
  *
  *   out_value  output levels, GPIO_PIN_ bits; GPIO_OUT in a script may set higher bits, too
- *   data       the operation's own word, never null. With GPIO_FLAG_READ_IN the host stores the
- *              levels that it reads here, with 0 above GPIO_PIN_ALL: the plug-in prints all 32
- *              bits. The word is 0 before the first run of the operation. In a repeat block it
- *              still contains the value of the previous run. The plug-in reports a 0 after a read
- *              as a failed read, and the script goes on.
+ *   data       the operation's own word, never null. With GPIO_FLAG_READ_IN the host stores the pin
+ *              levels here. The bits above GPIO_PIN_ALL must be 0 because the plug-in prints all 32
+ *              bits. The word is 0 before the operation first runs. When a repeat block runs it
+ *              again, the word still contains the previous value. If it is 0 after a read, the
+ *              plug-in reports a failed read, and the script goes on.
  *   oe_mask    output enables, GPIO_PIN_ bits
  *   flags      GPIO_FLAG_ bits
  */
@@ -177,16 +176,16 @@ int link_gpio_operator(LinkHandle handle, int out_value, uint32_t* data, int oe_
  *   path      NUL-terminated, not modified; null is a failure
  *   callback  receives every message; if null, messages are dropped and nothing else changes
  *
- * Returns 0 or -1. It returns -1 if path is null, if the file cannot be opened, if anything in a
- * GPIO script is wrong (then nothing of it has run), or if a host call failed.
+ * Returns -1 if path is null, if the file cannot be opened, if anything in a GPIO script is wrong
+ * (the script then has not run at all), or if a host call failed. Returns 0 otherwise.
  *
  * A wrong JTAG script still runs as far as the plug-in understands it, and the result is 0 if all
- * calls succeed. These problems are reported to the user only:
- *  - a line that is neither a section header nor KEY=VALUE: a message, and nothing runs;
- *  - a section without IR or DR, or with an empty one: a message (which may be empty), and neither
- *    this section nor any section after it runs;
- *  - a section that is wrong in another way: "<section> syntax error" on the standard output of the
- *    process, not through the callback, and the sections after it run.
+ * calls succeed. The plug-in reports these problems only to the user:
+ *  - a line that is neither a section header nor KEY=VALUE: it prints a message and runs nothing;
+ *  - a section without IR or DR, or with an empty one: it prints a message (which may be empty) and
+ *    runs neither this section nor any later section;
+ *  - a section that is wrong in another way: it prints "<section> syntax error" to the standard
+ *    output of the process, not through the callback, and still runs the later sections.
  */
 int ImplementScr(LinkHandle handle, char* path, PrintCallback callback);
 

@@ -1,4 +1,3 @@
-// ImplementScr, the function that the plug-in exports.
 #include "entry/icescript.h"
 #include "gpio/gpio_loop.h"
 #include "jtag/jtag_loop.h"

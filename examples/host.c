@@ -8,12 +8,12 @@
 #include <icescript.h>
 #include <stdio.h>
 
-/* What the handle points to. */
+/* The handle points to this structure. */
 struct Probe {
   int wire_mode; /* a CDI_ANSWER_ value */
   int ir_bits, dr_bits;
   const unsigned char *ir, *dr; /* valid until link_jtag_execute returns */
-  unsigned instruction;         /* of the chip, kept if a scan has no IR */
+  unsigned instruction;         /* stays the same if a scan has no IR */
   uint32_t scratch;
   int levels, enables; /* GPIO_PIN_ bits */
 };
@@ -23,7 +23,7 @@ enum { CAPTURE_START = 2, CAPTURE_BITS = 8 * (JTAG_CAPTURE_BYTES - CAPTURE_START
 /* A failed call ends a JTAG script without a message, so the host must print the reason. */
 static int Refuse(const char* why) {
   fprintf(stderr, "host: %s\n", why);
-  return -1; /* means failure for all five */
+  return -1; /* means failure in all five functions */
 }
 
 int link_config(LinkHandle handle, int code, int value) {

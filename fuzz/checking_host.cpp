@@ -8,13 +8,13 @@
 
 namespace {
 
-constexpr int kMaxCalls = 1000;  // then every call fails, so that a huge REPT ends
+constexpr int kMaxCalls = 1000;  // further calls fail, so that a huge REPT ends
 constexpr int kNoCallback = 255;
 constexpr std::uint8_t kThrow = 0x7E;
 constexpr std::size_t kMessageSize = 1024;
 constexpr int kCapturedBytes = 3 + JTAG_DR_MAX_BYTES;
 
-CheckingHost* running = nullptr;  // the callback gets no handle
+CheckingHost* running = nullptr;  // global because the callback gets no handle
 
 void Check(bool kept, const char* promise) {
   if (kept) return;
@@ -182,7 +182,7 @@ int CheckingHost::Gpio(int out_value, std::uint32_t* data, int oe_mask, int flag
   gpio_flags_ = flags;
   const int result = NextResult();
   if ((flags & GPIO_FLAG_READ_IN) != 0) {
-    // After 1 this host does not write the word.
+    // If the byte is 1, this host does not write the word.
     if (const std::uint32_t byte = NextByte(); byte != 1) *data = byte * 0x01010101U;
     gpio_data_[data] = *data;
   }

@@ -1,4 +1,3 @@
-// A host for fuzzing: it answers calls as the input says, and checks the promises of icescript.h.
 #ifndef ICESCRIPT_FUZZ_CHECKING_HOST_H_
 #define ICESCRIPT_FUZZ_CHECKING_HOST_H_
 
@@ -10,12 +9,11 @@
 
 #include "entry/icescript.h"
 
-// Runs one script once, and aborts the process if the plug-in breaks a promise.
-//
-// The first byte of the answers is the number of the message at which the callback throws (0: none;
-// 255: no callback). Each call takes the next byte as its result: 0x7E throws, 0x7F is INT_MAX,
-// 0x80 is INT_MIN, others are sign-extended. The byte of a pin read or the bytes of a capture
-// follow the result. After the end of the answers every byte is 0.
+// A host that runs one script once, and aborts the process if the plug-in breaks a promise. The
+// first byte of the answers is the number of the message at which the callback throws (0: none;
+// 255: no callback). The result of each call is the next byte: 0x7E throws, 0x7F is INT_MAX, 0x80
+// is INT_MIN, and any other byte is sign-extended. The byte of a pin read, or the bytes of a
+// capture, follow the result. After the end of the answers every byte is 0.
 class CheckingHost {
  public:
   explicit CheckingHost(std::string_view answers);
@@ -31,11 +29,10 @@ class CheckingHost {
  private:
   // The progress of a scan, whose calls are query, insert and execute in this order.
   enum class Scan { kNone, kQueried, kInserted };
-  // The exception that the host throws.
   struct Thrown {
     const CheckingHost* by;
   };
-  // An array of link_jtag_insert, and a copy of its bytes at that call.
+  // An array passed to link_jtag_insert, and a copy of its bytes at that time.
   struct Register {
     const unsigned char* bytes;
     std::array<unsigned char, JTAG_DR_MAX_BYTES> copy;
@@ -44,7 +41,7 @@ class CheckingHost {
   std::uint8_t NextByte();
   int NextResult();
   [[noreturn]] void Throw();
-  // Begins a call: checks that a call may still follow, and that the scan is at `scan`.
+  // Checks that another call may follow, and that the scan has made this progress.
   void Begin(Scan scan) const;
   int End(int result, bool failed);
   Register CheckRegister(int bits, const unsigned char* bytes) const;

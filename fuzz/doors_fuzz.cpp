@@ -1,7 +1,7 @@
-// Fuzzes the places where icehost reads data from others. The first byte of an input selects the
-// place, and the rest is the data: 's' and 'x' from a remote_bitbang or XVC client, 'b', 'y' and
-// 'o' from a remote_bitbang server, an XVC server or OpenOCD, 'c' a script to check, 'v' an SVF
-// file to import, 'd' the bits from a chain of TAPs, 'e' the description of a chain from OpenOCD.
+// Fuzzes the code that reads data from others. The first byte of an input selects the code, and the
+// rest is the data: 's' from a remote_bitbang client, 'x' from an XVC client, 'b' from a
+// remote_bitbang server, 'y' from an XVC server, 'o' from OpenOCD, 'c' a script to check, 'v' an
+// SVF file to import, 'd' the bits from a chain of TAPs, 'e' OpenOCD's description of a chain.
 #include <algorithm>
 #include <array>
 #include <asio/local/connect_pair.hpp>
@@ -52,7 +52,7 @@ void Check(bool kept, const char* promise) {
 using asio::local::stream_protocol;
 
 // A server on the event loop of its client. It answers every question with the next part of its
-// answers, whatever they contain, and closes the connection after the last.
+// answers, whatever they contain. After the last part it closes the connection.
 class Peer : public std::enable_shared_from_this<Peer> {
  public:
   // Returns how many bytes of `answers` to send for these questions.
@@ -94,7 +94,7 @@ std::size_t UpTo(char end, std::string_view bytes) {
   return std::min(bytes.find(end), bytes.size() - 1) + 1;
 }
 
-// Returns the size of the answers to each R: a byte, or two if the first is not ASCII.
+// Returns the total size of the answers: one byte for each R, or two if the first is not ASCII.
 std::size_t BitbangAnswers(std::string_view questions, std::string_view answers) {
   std::size_t size = 0;
   for (auto left = std::count(questions.begin(), questions.end(), 'R'); left > 0; --left) {
@@ -103,7 +103,7 @@ std::size_t BitbangAnswers(std::string_view questions, std::string_view answers)
   return std::min(size, answers.size());
 }
 
-// Returns the size of the answers to each command: the text up to its end mark.
+// Returns the size of the answers to all commands. An answer is the text up to its end mark.
 std::size_t OpenocdAnswers(std::string_view questions, std::string_view answers) {
   std::size_t size = 0;
   for (auto left = std::count(questions.begin(), questions.end(), '\x1a'); left > 0; --left) {
@@ -112,7 +112,7 @@ std::size_t OpenocdAnswers(std::string_view questions, std::string_view answers)
   return size;
 }
 
-// Returns the size of a line, or of the bytes of a shift (one too many if the first is 255).
+// Returns the size of the answer: a line, or the bytes of a shift, plus one if the first is 255.
 std::size_t XvcAnswers(std::string_view question, std::string_view answers) {
   const std::size_t name = icehost::kXvcShift.size();
   if (question.substr(0, name) != icehost::kXvcShift) return UpTo('\n', answers);
@@ -132,7 +132,7 @@ class StepCounter : public icehost::StepRecorder {
   std::size_t steps = 0;
 };
 
-// Scans registers of several lengths, then drives and reads pins and resets, as a script does.
+// Scans registers of several lengths, drives and reads pins, and resets, as a script does.
 void Scan(icehost::Probe& probe) {
   std::uint8_t ir[JTAG_IR_MAX_BYTES] = {2};
   std::uint8_t dr[JTAG_DR_MAX_BYTES] = {1, 2, 3, 4, 5};
@@ -146,7 +146,7 @@ void Scan(icehost::Probe& probe) {
   probe.Reset(LINK_RESET_TARGET);
 }
 
-// Serves the bytes to recorders that see one client leave in the middle and another at the end.
+// Serves the bytes with recorders, as if one client left in the middle and another at the end.
 // Returns the answers, which must be the same as without recorders.
 template <class Session>
 std::string ServeRecorded(std::string_view bytes) {
@@ -223,8 +223,8 @@ void BeXvcClient(std::string_view bytes) {
   probe.Flush();
 }
 
-// A chain that gives any answers. An answer is a byte, the number of bits, and then these bits;
-// 255 adds zeros up to 4096 bits. The bits from TDI follow. Each answer serves two readings.
+// A chain that gives any answers. An answer is a byte with the number of bits, then these bits (for
+// 255, with zeros up to 4096 bits), then the bits from TDI. Each answer serves two readings.
 class AnsweringPort : public icehost::PinPort {
  public:
   explicit AnsweringPort(std::string_view bytes) : bytes_(bytes) { BeginAnswer(); }
@@ -267,7 +267,7 @@ class AnsweringPort : public icehost::PinPort {
   bool tdi_ = false;
 };
 
-// Writes the report of a chain and, if it has no faults, its scripts, which must be right.
+// Checks the report of a chain and, if the chain has no faults, checks its scripts.
 void TellChain(const icehost::Chain& chain, std::optional<std::size_t> only) {
   Check(!chain.taps.empty() || !chain.faults.empty(), "no TAP is a fault");
   Check(chain.taps.size() <= icehost::kMostTaps || only.has_value(), "a chain has an end");
@@ -297,7 +297,7 @@ void DetectOnOpenocd(std::string_view bytes) {
       0);
 }
 
-// Returns captures that differ from the expectations, and some for lines that only read.
+// Returns captures that differ from the expectations, and captures for some lines that only read.
 icehost::Captures Read(const icehost::ScriptText& script, const icehost::Plan& plan) {
   using Of = icehost::Expectation::Of;
   icehost::Captures captures;
@@ -317,7 +317,7 @@ icehost::Captures Read(const icehost::ScriptText& script, const icehost::Plan& p
   return captures;
 }
 
-// Returns whether no line has become too long.
+// Returns whether all lines are short enough.
 bool IsWhole(const icehost::ScriptText& script) {
   return !script.CutAt().has_value();
 }

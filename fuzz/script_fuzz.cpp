@@ -1,5 +1,5 @@
 // Fuzzes ImplementScr. An input is a script, a separator and the answers of the host. In an input
-// without separator, such as an example, every answer is 0.
+// without a separator, such as an example, every answer is 0.
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::string_view kSeparator = "\n%%\n";
 
-// A file in memory that all runs share: the plug-in needs a path.
+// A file in memory that all runs share, because the plug-in needs a path.
 class ScriptFile {
  public:
   ScriptFile() : path_("/proc/self/fd/" + std::to_string(file_)) {}

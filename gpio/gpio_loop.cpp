@@ -5,7 +5,7 @@
 namespace icescript {
 namespace {
 
-// Unsigned, because an int would overflow after INT_MAX reads. Messages show it as an int.
+// This is unsigned because an int would overflow after INT_MAX reads. Messages show it as an int.
 std::uint32_t gpio_read_counter = 0;
 
 void ReportRead(PrintCallback print, std::uint32_t data) {
@@ -19,9 +19,9 @@ void ReportRead(PrintCallback print, std::uint32_t data) {
   print(line.Text());
 }
 
-// Returns the node to execute after a REPT: the first one in the block if it is to run again, else
-// the one after the block, and resets the count for the next time. Skips a block without pin
-// operations: it could run for years, and the host could not stop it, since it is never called.
+// Returns the node to execute after a REPT: the first node in the block if the block runs again,
+// else the node after the block, and then restores the count. Skips a block without pin operations,
+// because it could run for years without a call in which the host can stop it.
 GpioOperatorData* NextAfterRept(GpioOperatorData* rept) {
   if (!rept->holds_pins) return rept->partner->next;
   if (rept->repeat_count > 0) {

@@ -4,8 +4,8 @@
 
 namespace icescript {
 
-// The delegated constructor completes the object before parsing starts: if the callback or an
-// allocation then throws, the destructor runs and frees the stack.
+// The delegated constructor completes the object before parsing starts, so that the destructor
+// frees the stack if the callback or an allocation throws.
 GpioScr::GpioScr(char* path, PrintCallback callback) : GpioScr(callback) {
   status = ParseScr(path);
 }
@@ -58,7 +58,7 @@ int GpioScr::AppendElements(CIniFile& ini) {
   return 0;
 }
 
-// Returns -1 and reports an error if a REPT is open, else 0. Several open REPT give one message.
+// Returns 0 if no REPT is open. Otherwise prints one error for all open REPT and returns -1.
 int GpioScr::RefuseOpenRepeat() {
   if (RepeatNodePop() == nullptr) return 0;
   error = "syntax error: rept & endr not match.";
@@ -95,7 +95,7 @@ bool GpioScr::CloseBlock(GpioOperatorData* endr) {
   return true;
 }
 
-// Marks the innermost open block as one with pin operations. CloseBlock marks the blocks around it.
+// Marks the innermost open block as containing pin operations. CloseBlock marks the outer blocks.
 void GpioScr::MarkOpenBlock() {
   if (repeat_stack != nullptr) repeat_stack->node->holds_pins = true;
 }

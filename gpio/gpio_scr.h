@@ -36,11 +36,11 @@ class GpioScr {
   // Appends the operations of the script to the list. Returns the value for `status`.
   int ParseScr(char* path);
   // Returns a new node, which this object owns and which is not yet in the list. A REPT becomes the
-  // innermost open one. An ENDR is paired with the innermost open REPT; if none is open, sets and
+  // innermost open REPT. An ENDR is paired with the innermost open REPT. If none is open, sets and
   // prints `error` and returns null.
   GpioOperatorData* ParseGpioOperatorData(int out_value, int oe_mask, int flags, int kind,
                                           int repeat_count);
-  // Makes `node`, a REPT, the innermost open one.
+  // Makes `node`, which must be a REPT, the innermost open REPT.
   void RepeatNodePush(GpioOperatorData* node);
   // Closes the innermost open REPT and returns it, or null if none is open.
   GpioOperatorData* RepeatNodePop();

@@ -9,8 +9,8 @@
 namespace icescript {
 namespace {
 
-// Twice the guaranteed size: a host that captures the longest DR (36 bytes from byte 3 on) stays
-// within the buffer.
+// Twice the guaranteed size, so that a host that captures the longest DR (36 bytes from byte 3 on)
+// stays within the buffer.
 constexpr int kCaptureStorage = 64;
 static_assert(kCaptureStorage >= JTAG_CAPTURE_BYTES && kCaptureStorage >= 3 + JTAG_DR_MAX_BYTES);
 
@@ -32,13 +32,13 @@ Interface InterfaceOf(int answer) {
   }
 }
 
-// Returns 0 or less for a negative length: the register then has no bytes.
+// For a negative length, returns 0 or less, which means that the register has no bytes.
 int ByteCount(int bits) {
   return (bits + 7) / 8;
 }
 
-// Moves bytes 0 to 31 up by one to make room for the extra byte of the 2-wire interface. The
-// interface is for at most 32 bytes: byte 32 is overwritten, and bytes 33 to 35 do not move.
+// Moves bytes 0 to 31 up by one to make room for the extra byte of the 2-wire interface. This
+// interface is for at most 32 bytes, so byte 32 is overwritten, and bytes 33 to 35 do not move.
 void InsertByte(std::uint8_t* data, std::uint8_t byte) {
   std::memmove(data + 1, data, 32);
   data[0] = byte;
@@ -61,7 +61,7 @@ struct Bytes {
   const std::uint8_t* array;
   int size;   // number of bytes in the array
   int first;  // index of the register's least significant byte
-  int count;  // number of bytes in the register; none if zero or negative
+  int count;  // number of bytes in the register; zero or less means none
 };
 
 // Prints one register, most significant byte first, without bytes beyond the end of the array.
@@ -97,7 +97,7 @@ bool RunScan(LinkHandle handle, PrintCallback print, int number, JtagOperatorDat
             {scan.irData, JTAG_IR_MAX_BYTES, wires.dump_offset, ir_bytes});
   PrintDump(print, "\tDR ", scan.drBitLength, " bits in  value 0x",
             {scan.drData, JTAG_DR_MAX_BYTES, wires.dump_offset, dr_bytes});
-  // Depends on the answer, not on its name: an unknown answer has the name "jtag5", too, but then
+  // This depends on the answer, not on its name. An unknown answer is also named "jtag5", but then
   // only reads print the captured value.
   if (answer == CDI_ANSWER_JTAG5 || scan.readFlag != 0) {
     PrintDump(print, "\tDR ", scan.drBitLength, " bits out value 0x",

@@ -1,4 +1,3 @@
-// The loop that executes a JTAG script.
 #ifndef ICESCRIPT_JTAG_JTAG_LOOP_H_
 #define ICESCRIPT_JTAG_JTAG_LOOP_H_
 
@@ -7,10 +6,9 @@
 namespace icescript {
 
 // Executes the operations of the list with the host's link functions. Prints a line for every
-// operation that succeeds, and the registers of a scan in hexadecimal. Returns false at the first
-// call that fails, without a message, or true at the end of the list.
-//
-// `first` may be null. Run a list only once: scans over the 2-wire interface change its records.
+// operation that succeeds, and the registers of a scan in hexadecimal. Returns true at the end of
+// the list, or false, without a message, at the first call that fails. `first` may be null. Run a
+// list only once, because scans over the 2-wire interface change it.
 bool RunJtagOperators(LinkHandle handle, PrintCallback print, JtagOperatorData* first);
 
 }  // namespace icescript

@@ -29,8 +29,8 @@ std::uint8_t ParseByte(std::string_view text) {
   return static_cast<std::uint8_t>(ParseNumber(text, 16));
 }
 
-// Stores the listed bytes, at most `bitLength` of them (deliberately as many bytes as the register
-// has bits). Returns false if these bytes or `bitLength` bits do not fit into the array.
+// Stores the listed bytes, but at most `bitLength` of them: the limit is deliberately the number of
+// bits, not of bytes. Returns false if these bytes or `bitLength` bits do not fit into the array.
 bool StoreBytes(FieldCursor fields, int bitLength, std::uint8_t* data) {
   if (bitLength > 8 * kMaxBytes) return false;
   for (int stored = 0; stored < bitLength && fields.HasNext(); ++stored) {
@@ -42,8 +42,8 @@ bool StoreBytes(FieldCursor fields, int bitLength, std::uint8_t* data) {
 
 }  // namespace
 
-// The delegated constructor completes the object before parsing starts: if the callback or an
-// allocation then throws, the destructor runs and frees the list.
+// The delegated constructor completes the object before parsing starts, so that the destructor
+// frees the list if the callback or an allocation throws.
 JtagScr::JtagScr(char* path, PrintCallback callback) : JtagScr(callback) {
   ParseScr(path);
 }
@@ -68,7 +68,7 @@ int JtagScr::ParseScr(char* path) {
   }
   int status = 0;
   const int sections = ini.GetNumKeys();
-  const int control = ini.FindKey("CONTROL");  // names are unique: there is at most one
+  const int control = ini.FindKey("CONTROL");  // at most one, because names are unique
   for (int i = 0; i < sections; ++i) {
     JtagOperatorData* record = nullptr;
     if (i == control) {
@@ -77,8 +77,8 @@ int JtagScr::ParseScr(char* path) {
       CString ir = ini.GetValue(i, "IR");
       CString dr = ir != "" ? ini.GetValue(i, "DR") : CString();
       if (dr == "") {
-        // This is the message of the last lookup that failed, perhaps an earlier one: if the value
-        // exists but is empty, no lookup has failed here. The message may be empty.
+        // If the value exists but is empty, no lookup has failed here. The message is then that of
+        // an earlier lookup, or empty.
         printCallback(ini.error_msg);
         return -1;
       }
@@ -87,7 +87,7 @@ int JtagScr::ParseScr(char* path) {
     if (record != nullptr) {
       Append(record);
     } else {
-      // Flushed, so that the order of lines is right if standard output is a file.
+      // Flushing keeps the lines in order if standard output is a file.
       std::printf("%s syntax error\n", ini.GetKeyName(i).Text().c_str());
       std::fflush(stdout);
       status = -1;
@@ -109,7 +109,7 @@ JtagOperatorData* JtagScr::ParsingControl(CIniFile& ini, int sectionIndex) {
 }
 
 JtagOperatorData* JtagScr::ParseJtagOperatorData(CString ir, CString dr) {
-  // IR is a length and bytes, DR a flag, a length and bytes. Each must have at least two fields.
+  // IR is a length and bytes. DR is a flag, a length and bytes. Each needs at least two fields.
   FieldCursor irFields(ir.Text(), ',');
   FieldCursor drFields(dr.Text(), ',');
   const std::string_view irLength = NextField(irFields);

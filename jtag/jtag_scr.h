@@ -16,8 +16,8 @@ constexpr std::int32_t JTAG_OP_CDI_2WIRE = 2;
 constexpr std::int32_t JTAG_OP_CDI_JTAG5 = 3;
 
 // One operation: a node of the list. Only a scan uses the fields before operatorType. Byte 0 of an
-// array is the first byte listed in the script and the least significant. When a scan runs over the
-// 2-wire interface, its lengths grow by 8.
+// array is the first byte listed in the script, which is the least significant. When a scan runs
+// over the 2-wire interface, its lengths grow by 8.
 struct JtagOperatorData {
   std::int32_t irBitLength;  // after parsing at most 8 * JTAG_IR_MAX_BYTES; may be negative
   std::uint8_t irData[JTAG_IR_MAX_BYTES];
@@ -28,11 +28,11 @@ struct JtagOperatorData {
   JtagOperatorData* next;     // null at the tail
 };
 
-// The constructor reads a JTAG script: each section of the file becomes one operation. To the
-// callback, it reports a file that ReadFile rejects (the list is then empty) and a section without
-// IR or DR (the list then ends before it). On standard output, it reports any other wrong section,
-// which it leaves out. The object owns the list. Exceptions from the callback and the standard
-// library pass through without leaks.
+// The constructor reads a JTAG script. Each section of the file becomes one operation. If ReadFile
+// rejects the file, the list is empty. If a section lacks IR or DR, the list ends before it. The
+// callback gets a message about these two problems. Any other wrong section is left out, and
+// reported on standard output. The object owns the list. Exceptions from the callback and the
+// standard library pass through without leaks.
 class JtagScr {
  public:
   // A null `path` sets errorMessage. `callback` must not be null.
@@ -44,8 +44,7 @@ class JtagScr {
   // Appends the operations of the script to the list. Returns 0, or -1 if anything is wrong.
   int ParseScr(char* path);
 
-  // Each returns a new record, which the caller owns, or null if the text of the section or the
-  // value of CDI is wrong.
+  // Each returns a new record, which the caller owns, or null if a value of the section is wrong.
   JtagOperatorData* ParsingControl(CIniFile& ini, int sectionIndex);
   JtagOperatorData* ParseJtagOperatorData(CString ir, CString dr);
   JtagOperatorData* ParseJtagOperatorData(int cdi);

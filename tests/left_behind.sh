@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# Finds files and processes that the tests of a build left behind. FOLDER is the TMPDIR of the tests
-# and of nothing else: every file in it and every process with this TMPDIR is theirs. `clear` runs
-# before the tests, and removes what an interrupted run left. `check` runs after the tests, does the
-# same, and fails if there was anything.
+# Finds files and processes that the tests of a build left behind. FOLDER is the TMPDIR of these
+# tests only, so every file in it and every process with this TMPDIR comes from them. `clear` runs
+# before the tests and removes the remains of an interrupted run. `check` runs after the tests, also
+# removes any remains, and fails if there were any.
 # usage: left_behind.sh clear|check FOLDER
 set -uo pipefail
 folder=$2

@@ -16,13 +16,13 @@ import time
 ICEHOST = os.path.abspath(sys.argv[1])
 SOURCE = os.path.abspath(sys.argv[2])
 os.environ["PATH"] = f"{os.path.dirname(ICEHOST)}:{os.environ['PATH']}"
-SANITIZED = "sanitize" in ICEHOST  # a sanitizer needs more memory and opens files
+SANITIZED = "sanitize" in ICEHOST  # a sanitizer needs more memory and opens files itself
 FOLDER = tempfile.TemporaryDirectory()
 for entry in os.listdir(SOURCE):
     os.symlink(os.path.join(SOURCE, entry), os.path.join(FOLDER.name, entry))
 os.chdir(FOLDER.name)
 os.environ["HOME"] = FOLDER.name
-# A shell starts background processes with SIGINT ignored.
+# Restores the handler, because a shell starts background processes with SIGINT ignored.
 signal.signal(signal.SIGINT, signal.default_int_handler)
 
 # Bytes of a remote_bitbang client: two for each TCK cycle.
@@ -72,7 +72,6 @@ def read(path):
 
 
 def records_of(lines):
-    """Returns the objects in JSON lines."""
     return [json.loads(line) for line in lines.splitlines()]
 
 
@@ -116,7 +115,7 @@ class Serve:
                 pass
 
     def end(self, signal_number=signal.SIGTERM):
-        """Ends the server by a signal, if any, and returns its status and its later messages."""
+        """Sends a signal, if any, and waits for the end. Returns the status and later messages."""
         if signal_number:
             self.process.send_signal(signal_number)
         begun = time.monotonic()

@@ -1,5 +1,5 @@
-# Functions that the shell tests share. A test that has the arguments ICEHOST and SOURCE_FOLDER
-# sources this file and then runs in the source folder. `scratch` is a temporary folder.
+# Functions that the shell tests share. A test with the arguments ICEHOST and SOURCE_FOLDER sources
+# this file and then runs in the source folder. `scratch` is a temporary folder.
 set -euo pipefail
 icehost=$(realpath "$1")
 cd "$2"
@@ -46,7 +46,7 @@ stop() {
   wait "$2" || fail "serve ended with $?"
 }
 
-# with_openocd COMMAND...: replaces the shell by OpenOCD, which connects to the server at `port`.
+# with_openocd COMMAND...: replaces the shell with OpenOCD, which connects to the server at `port`.
 with_openocd() {
   local commands=() command
   for command; do commands+=(-c "$command"); done
@@ -55,7 +55,7 @@ with_openocd() {
     -c 'gdb_port disabled; telnet_port disabled' "${commands[@]}" >"$scratch/openocd.log" 2>&1
 }
 
-# start_openocd COMMAND...: starts it in the background, and sets `openocd` (its PID) and `probe`.
+# start_openocd COMMAND...: starts OpenOCD in the background; sets `openocd` (its PID) and `probe`.
 start_openocd() {
   : >"$scratch/openocd.log"
   with_openocd 'tcl_port 0' "$@" &

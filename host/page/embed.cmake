@@ -1,5 +1,5 @@
-# Writes the C++ file OUTPUT, which contains FOLDER/page.html. Each "@FILE@" in the page is replaced
-# by that file of the folder.
+# Writes the C++ file OUTPUT, which contains FOLDER/page.html. Replaces each "@FILE@" in the page
+# with the contents of that file of the folder.
 file(READ ${FOLDER}/page.html page)
 foreach(part page.css tools.css register.css print.css
              model.js register.js list.js search.js bit_view.js panes.js head.js columns.js
@@ -8,7 +8,7 @@ foreach(part page.css tools.css register.css print.css
   file(READ ${FOLDER}/${part} text)
   string(REPLACE "@${part}@" "${text}" page "${page}")
 endforeach()
-# These are bytes, because compilers limit the length of a string literal.
+# The page becomes an array of bytes, because compilers limit the length of a string literal.
 string(HEX "${page}" bytes)
 string(REGEX REPLACE "(..)" "0x\\1," bytes "${bytes}")
 file(WRITE ${OUTPUT} "#include \"host/page/page_writer.h\"

@@ -1,4 +1,3 @@
-// icehost detect on chains with and without faults.
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -28,11 +27,11 @@ struct TapKind {
   int ir_bits;
   std::optional<std::uint32_t> idcode;
   std::uint64_t captured_ir = 1;
-  std::size_t bypass_bits = 1;  // another number in a broken TAP
+  std::size_t bypass_bits = 1;  // a broken TAP has another number
 };
 
-// A TAP of IEEE 1149.1 with BYPASS and, if it has an IDCODE, instruction 1 for it. It starts in
-// Shift-DR, where an earlier user may have left it.
+// A TAP of IEEE 1149.1 with BYPASS and, if it has an IDCODE, with instruction 1 for the IDCODE. It
+// starts in Shift-DR, where an earlier user may have left it.
 class ChainedTap {
  public:
   explicit ChainedTap(const TapKind& kind) : kind_(kind) {}
@@ -76,10 +75,10 @@ class ChainedTap {
 
 class ChainPort : public icehost::PinPort {
  public:
-  // Returns the level to read instead of `tdo`; samples are numbered from 0.
+  // Returns the level to read instead of `tdo`. Samples are numbered from 0.
   using Fault = std::function<bool(bool tdo, int sample)>;
 
-  // The first TAP is the nearest to TDO. If `tdi` has a value, TDI is stuck at this level.
+  // The first TAP is nearest to TDO. If `tdi` has a value, TDI is stuck at this level.
   explicit ChainPort(const std::vector<TapKind>& taps, Fault fault = nullptr,
                      std::optional<bool> tdi = std::nullopt)
       : taps_(taps.begin(), taps.end()), fault_(std::move(fault)), tdi_(tdi) {}
@@ -141,12 +140,12 @@ constexpr std::nullopt_t kNone = std::nullopt;
 constexpr std::uint32_t kOne = 0x1CE51001;
 constexpr std::uint32_t kArm = 0x4BA00477;
 
-// Returns the fault without the advice to the user, in parentheses at the end.
+// Returns the fault without the advice to the user, which is in parentheses at the end.
 std::string WithoutAdvice(const std::string& fault) {
   return fault.substr(0, fault.back() == ')' ? fault.rfind(" (") : fault.size());
 }
 
-// Returns IDCODEs with IR lengths, and everything else: "1ce51001/5 -/?; 12 bits; note; !fault".
+// Returns the chain in one line, such as "1ce51001/5 -/?; 12 bits; note; !fault".
 std::string Told(const Chain& chain) {
   std::ostringstream text;
   for (const icehost::ChainTap& tap : chain.taps) {
@@ -164,7 +163,7 @@ std::string Told(const Chain& chain) {
 const ChainPort::Fault kStuckLow = [](bool, int) { return false; };
 const ChainPort::Fault kStuckHigh = [](bool, int) { return true; };
 const ChainPort::Fault kInverted = [](bool tdo, int) { return !tdo; };
-// After so many samples TDO is high.
+// After this many samples TDO is high.
 ChainPort::Fault LostAfter(int samples) {
   return [=](bool tdo, int sample) { return tdo || sample >= samples; };
 }
@@ -175,7 +174,7 @@ bool Floats(bool /*tdo*/, int sample) {
   return (static_cast<unsigned>(sample) * 2654435761U >> 13 & 1) != 0;
 }
 
-// Samples in one reading of the IDCODEs and of the IRs of up to four TAPs. There are two of each.
+// The samples in a reading of the IDCODEs, and of the IRs, of up to four TAPs. Both are read twice.
 constexpr int kOfIdcodes = 4 * 32 + 64;
 constexpr int kOfIrs = 256 + 64;
 
@@ -302,7 +301,7 @@ TEST(Detect, WritesNoJtagScriptOfALongChain) {
   }
 }
 
-// Messages of OpenOCD 0.12, and the table that it prints.
+// Tests messages of OpenOCD 0.12 with the table that it prints.
 TEST(Detect, TakesOpenocdsWord) {
   const std::string head =
       "   TapName             Enabled  IdCode     Expected   IrLen IrCap IrMask\n"
@@ -324,7 +323,7 @@ TEST(Detect, TakesOpenocdsWord) {
        "a.tap1ce51001/5 b.tap-/4; c.tap is declared but disabled, so it is not in the chain"},
       {"TAP a.tap does not have valid IDCODE (idcode=0x0)\n", head + one,
        "a.tap-/5; !TAP 1 (a.tap): no IDCODE, expected 0x1ce51001"},
-      // The IDCODE in the table is out of date.
+      // Here the IDCODE in the table is out of date.
       {"JTAG scan chain interrogation failed: all ones\n", head + one,
        "a.tap-/5; !OpenOCD: JTAG scan chain interrogation failed: all ones; !TAP 1 (a.tap): "
        "OpenOCD read nothing"},
@@ -376,7 +375,7 @@ TEST(Detect, NamesManufacturers) {
   }
 }
 
-// OpenOCD has its own table of manufacturers.
+// Compares the names with those in OpenOCD's own table.
 TEST(Detect, NamesManufacturersAsOpenocdDoes) {
   std::map<std::string, std::string> names;  // by IDCODE
   std::vector<Taps> chains;
@@ -414,19 +413,19 @@ TEST(Detect, NamesManufacturersAsOpenocdDoes) {
   EXPECT_TRUE(names.empty()) << names.begin()->second;
 }
 
-// The scripts pass on the chain that they were made for, also with the instructions filled in, and
+// The scripts pass on the chain that they were made for, even with the instructions filled in, and
 // fail on other chains.
 TEST(Detect, WritesScriptsThatPass) {
   const Taps chain = {{5, kOne}, {4, kNone}, {8, kArm}};
   const Taps older = {{5, kOne}, {4, kNone}, {8, kArm & 0x0FFFFFFF}};  // another version
   const Taps other = {{5, kOne}, {4, kNone}, {8, kArm + 0x1000}};
   const Taps shorter = {{5, kOne}, {12, kArm}};
-  // The instruction IDCODE is 1. The other TAPs of the 17 bits have BYPASS.
+  // Fills in instruction 1 (IDCODE) for one TAP of the 17 bits, and BYPASS for the others.
   const std::string fill =
       "sed -e 's/^#\\([A-Z[]\\)/\\1/' "
       "-e '/^.READ_IDCODE_1/,/^DR/s/IR=17,.*/IR=17,0xe1,0xff,0x01/' "
       "-e '/^.READ_IDCODE_3/,/^DR/s/IR=17,.*/IR=17,0xff,0x03,0x00/'";
-  // Runs a command in which % is replaced by the option for a probe with this chain.
+  // Runs a command after replacing % with the option for a probe with this chain.
   const auto run_on = [](const Taps& taps, std::string command) {
     ChainPort port(taps);
     const LocalServer server([&port](asio::ip::tcp::socket& client) { Serve(port, client); });

@@ -1,4 +1,3 @@
-// The expectations that icehost run --learn writes.
 #include <gtest/gtest.h>
 
 #include <map>
@@ -16,8 +15,7 @@ std::string Idcode(const std::string& lines) {
   return "[ID]\nIR=5,1\nDR=R,32,0,0,0,0\n" + lines;
 }
 
-// The learned script passes. New values are written like the old ones, and everything else stays as
-// it is.
+// The learned script passes. New values have the form of the old values, and nothing else changes.
 TEST(Expectations, AreLearned) {
   const struct {
     std::string script;

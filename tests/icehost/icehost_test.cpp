@@ -1,4 +1,4 @@
-// Runs icehost as a user does, and checks exit status and output.
+// Runs icehost as a user does, and checks its exit status and its output.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -19,7 +19,7 @@ namespace {
 
 const std::string kGolden = ICESCRIPT_SOURCE "/tests/golden/";
 
-// If ICESCRIPT_UPDATE_GOLDEN is set, the tests write the golden files instead of comparing.
+// If ICESCRIPT_UPDATE_GOLDEN is set, the tests write the golden files instead of reading them.
 const bool kUpdate = std::getenv("ICESCRIPT_UPDATE_GOLDEN") != nullptr;
 
 // Runs the commands in tests/golden/commands.txt, and compares their output with golden files.
@@ -102,7 +102,7 @@ void BeInterruptedAtWork() {
   std::this_thread::sleep_for(std::chrono::seconds(10));
 }
 
-// A Rescue completes the outputs only when the main thread does not work on them.
+// A Rescue completes the outputs only when the main thread is not working on them.
 TEST(Rescue, WaitsForTheMainThread) {
   testing::FLAGS_gtest_death_test_style = "threadsafe";
   EXPECT_EXIT(BeInterruptedAtWork(), testing::ExitedWithCode(130), "worked, completed");

@@ -1,8 +1,5 @@
 #!/usr/bin/python3 -B
-"""Compares the JSON lines of icehost with their schema and their manual.
-
-usage: json_lines.py ICEHOST SOURCE_FOLDER
-"""
+"""Compares the JSON lines of icehost with their schema and their manual."""
 import glob
 import json
 import re
@@ -29,7 +26,7 @@ def kinds_of(value):
 
 
 def check_lines(what, lines):
-    """Each line has one kind, but would have none with a further key or without its first key."""
+    """Each line has one kind, and no kind if a key is added or the first key is removed."""
     for line in lines:
         if line in seen:
             continue
@@ -92,7 +89,7 @@ def check_runs():
 
 
 def check_times():
-    """The times of calls never decrease. Calls have a duration only across a network."""
+    """The times of calls never decrease. Calls have a duration only over a network."""
     server = Serve()
     for probe in ("sim", f"remote-bitbang:127.0.0.1:{server.port}"):
         calls = [value for value in run("run", "--probe", probe, "--repeat", "2", "--keep-going", "-",
@@ -106,7 +103,7 @@ def check_times():
 
 
 def check_manual():
-    """Checks the lines about check and serve. Those about a run are shown without their times."""
+    """Checks the lines of check and serve. The manual shows the lines of a run without times."""
     lines = re.findall(r"^\{.*", read("docs/json.md").split("## A check")[1], re.MULTILINE)
     check_lines("the manual", lines)
 

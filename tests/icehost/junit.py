@@ -1,8 +1,5 @@
 #!/usr/bin/python3 -B
-"""Tests the output of --junit with a schema and with a parser of CI results.
-
-usage: junit.py ICEHOST SOURCE_FOLDER
-"""
+"""Tests the output of --junit with a schema and with a parser of CI results."""
 import os
 import re
 import signal
@@ -21,7 +18,7 @@ ID, RESET, PULSE = (f"examples/{name}" for name in (
     "read_idcode.ini", "reset.ini", "reset_pulse.gpio"))
 PLUGIN = os.path.join(os.path.dirname(ICEHOST), "tests", "libfaulty_plugin.so")
 OTHER = "--idcode 39ca2003"
-# The first value is not met, and the second is not reached.
+# The first expectation is not met, so the second section is not reached.
 TWO = "[A]\nIR=5,1\nDR=R,8\nTDO=0\n[B]\nIR=5,1\nDR=R,8\n"
 # The script enables NRST, which is then low, but expects it to be high.
 LOW = "[ZEVA_ICE_GPIO]\nSTART\nGPIO_OE=1\nREPT=3\nPRINT=GPIO_IN # expect NRST=1\nENDR\nEND\n"
@@ -48,7 +45,7 @@ def cases_of(path, status):
 
 
 def run(arguments, status, *cases, script=None):
-    """Checks the status and cases of a run: (suite, name), or also a kind and a message prefix."""
+    """Checks the status and the cases of a run: (suite, name[, kind, prefix of the message])."""
     write("before.xml", "<testsuites/>\n")
     os.replace("before.xml", "j.xml")
     if script is not None:
@@ -124,7 +121,7 @@ def check_faults():
 
 
 def check_texts():
-    """Any bytes may be in a script, and in the messages that quote it."""
+    """A script, and the messages that quote it, may contain any bytes."""
     name = b"[\"'<&>]]>\x01\x1b\x7f\x80\xff\xef\xbf\xbf\xc3\xa9" + b"x" * 1990
     run("--force script", 1, ("script", "\"'<&>]]>   ???\u00e9" + "x" * 1990, "Failure", "["),
         script=b"[" + name + b"]\nIR=5,1\nDR=R,8\nTDO=0\n")

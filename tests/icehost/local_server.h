@@ -8,10 +8,10 @@
 #include <thread>
 #include <utility>
 
-// A server on a port of this machine. It serves one client after the other until it is destroyed.
+// A server on a port of this machine. It serves one client after another until it is destroyed.
 class LocalServer {
  public:
-  // Serves one client. It may end with an asio::system_error, as when the client has left.
+  // Serves one client. It may throw an asio::system_error, for example when the client has left.
   using Session = std::function<void(asio::ip::tcp::socket& client)>;
 
   explicit LocalServer(Session session)

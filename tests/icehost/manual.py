@@ -1,8 +1,5 @@
 #!/usr/bin/python3 -B
-"""Compares the manual page and the completions of the shells with the help of icehost.
-
-usage: manual.py ICEHOST SOURCE_FOLDER. The page is in the folder of icehost.
-"""
+"""Compares the manual page and the completions of three shells with the help of icehost."""
 import os
 import re
 import sys
@@ -45,7 +42,7 @@ def check_page():
     parts = re.split(r"^ {0,3}(\S.*)\n", page, flags=re.M)
     sections = dict(zip(parts[1::2], parts[2::2]))
     heads = {name: re.findall(r"^     (\S.*)$", text, re.M) for name, text in sections.items()}
-    # The text of an option with a short name begins on the same line.
+    # If the name of an option is short, its text begins on the same line.
     options = {name: sorted(head.split("  ")[0] for head in lines if head[0] == "-")
                for name, lines in heads.items()}
     expect("global options", options["DESCRIPTION"], heads_of(GLOBAL))
@@ -63,7 +60,7 @@ def check_page():
          re.findall(r"(?:status:|;) (\d+) ", HELP))
     expect("version", "icehost " + re.findall(r"icescript (\d\S+)", page)[-1] + "\n",
          output(ICEHOST, "--version"))
-    # The pages that it refers to need not be installed.
+    # The pages that this page refers to need not be installed.
     lint = output("mandoc", "-T", "lint", "-W", "style", PAGE).splitlines()
     expect("mandoc", [line for line in lint if not re.search("manual not found|mandoc.db", line)], [])
     expect("groff", output("groff", "-mdoc", "-Tutf8", "-ww", "-z", PAGE), "")
@@ -75,8 +72,8 @@ def check_page():
         failures.append(f"the commands in EXAMPLES failed: {told}")
 
 
-# Each shell runs in a terminal, with a function `icehost` that prints its arguments. In bash and
-# zsh a key inserts all completions; in fish a command prints them.
+# Each shell runs in a terminal and has a function `icehost` that prints its arguments. In bash and
+# zsh, a key inserts all completions. In fish, a command prints them.
 ALL = "\x18a"
 PRINT_WORDS = "icehost() { printf '<%s>' \"$@\"; echo E''ND; }; PS1='RE''ADY '; icehost"
 SHELLS = {

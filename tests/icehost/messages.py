@@ -1,9 +1,7 @@
 #!/usr/bin/python3 -B
-"""Compares the messages of `icehost check` with the tables in a document: each message and each
-hint has a row, and for each row there is a test script that causes the message.
-
-usage: messages.py ICEHOST SOURCE_FOLDER. In a table `<...>` means any text, and a hint in
-parentheses at the end is optional.
+"""Compares the messages of `icehost check` with the tables in a document. Each message and each
+hint must have a row, and each row a test script that causes the message. In a table `<...>` means
+any text, and a hint in parentheses at the end is optional.
 """
 import glob
 import re

@@ -1,8 +1,5 @@
 #!/usr/bin/python3 -B
-"""The page that icehost writes with --html, as a browser shows it.
-
-usage: page.py ICEHOST SOURCE_FOLDER
-"""
+"""Tests the page that icehost writes with --html in a browser."""
 import json
 import os
 import re
@@ -22,7 +19,7 @@ from page_drawing import RECORD, Picture, colours_of, drawn
 from page_tools import check_bits, check_copy, check_failures, check_search
 
 def operations_of(lines):
-    """Returns line, values read and verdict of each operation in the calls."""
+    """Returns the line, the values read and the verdict of each operation."""
     found = []
     for call in lines:
         if call.get("call") in (None, "link_jtag_insert") or call.get("code") == "GET_CDI":
@@ -104,13 +101,13 @@ def check_head_and_failure():
 
 
 def check_problems():
-    """The problems of check follow their lines. Without --force, no page is written."""
+    """Problems of check follow their lines. A page of a script with errors needs --force."""
     os.unlink(PAGE)
     expect("with errors", run("tests/scripts/bad.ini"), 1)
     expect("a page of nothing", os.path.exists(PAGE), False)
     show("--force", "tests/scripts/bad.ini", "examples/reset.ini")
     expect("the rest", texts("#entries dd")[-1], "examples/reset.ini")
-    # The problem of an empty script is after its end.
+    # The page shows the problem of an empty script after the end of the script.
     for script in ("tests/scripts/bad.ini", "tests/golden/empty.txt"):
         records = records_of(output(ICEHOST, "check", "-q", "--json", "-", script))
         show("--force", script)
@@ -131,7 +128,6 @@ def check_hostile():
 
 
 def click_wave(canvas, step):
-    """Clicks a step in the waveform."""
     x = js("return wave.x(arguments[0] + 0.5) - wave.width / 2", step)
     ActionChains(browser).move_to_element_with_offset(canvas, x, 0).click().perform()
     settle()
@@ -143,7 +139,7 @@ def check_picking():
     numbers = {row[2]: int(row[0]) for row in table() if row[2].startswith("[")}
     places = js("return rows.map((row) => [row.begin, row.end])")
     before = view()
-    # Lines of a section without an operation select the operation of the section.
+    # A line without an operation selects the operation of its section.
     for text in ("TDO=0x78,0x56,0x34,0x12", "[READ_AGAIN]", "DR=W,32,0x78,0x56,0x34,0x12"):
         click(".text", text)
         name = {"T": "[READ_BACK]", "[": "[READ_AGAIN]", "D": "[WRITE_SCRATCH]"}[text[0]]
@@ -158,7 +154,7 @@ def check_picking():
     click_wave(canvas, (begin + end) // 2)
     expect("from the waveform", ("[READ_BACK]" in picked()[1], picked()[0]), (True, "11"))
     expect("address", browser.current_url.split("#")[1], "line-11")
-    # Another click on a line of a block selects the next time that it ran.
+    # Another click on a line of a block selects the next run of that line.
     for times in range(2):
         click(".text", "TCK=1                       # the target captures the register, "
               "from then on it shifts")
@@ -182,8 +178,8 @@ def check_picking():
         expect(text, (picked()[0], picked()[1][:1]), (line, row))
 
 
-# Arguments and standard input of the runs for check_moves. In "long", the list does not contain all
-# operations at once. In "short", the canvas has room for more steps than there are.
+# The arguments and standard input of the runs for check_moves. In "long", the list cannot contain
+# all operations at once. In "short", the canvas has room for more steps than there are.
 READ = "PRINT=GPIO_IN"
 PAGES = {
     "long": (["examples/read_idcode.ini", "examples/reset.ini", "-"],
@@ -202,8 +198,8 @@ PAGES = {
 }
 MOVES = "tests/golden/page_moves.txt"
 OUTLINE = "tests/golden/page_outline.txt"
-# The waveform is 1000 pixels wide, and each list has 10 lines. Each function returns whether the
-# default action of the browser was not prevented.
+# The waveform is 1000 pixels wide, and each list has 10 lines. Each function returns false if the
+# page prevents the default action of the browser.
 HELPERS = """
 const canvas = document.getElementById("canvas"), lists = [sourceList.element, rowList.element];
 canvas.style.width = "1064px";
@@ -249,7 +245,7 @@ def compare_golden(path, text):
 
 
 def check_moves():
-    """After each "$ ACTION", the session has its result and the visible state."""
+    """After each "$ ACTION", the session contains the result and the visible state."""
     session = ""
     for line in read(MOVES).splitlines():
         if line[0] == "=":
@@ -270,8 +266,8 @@ def check_moves():
 
 
 def check_outline():
-    """The elements of a page, without values that differ between runs. The page is cut, a line has
-    more errors than are shown with it, and one error is after the end of the script."""
+    """Compares the elements of a page, without values that differ between runs. The page is cut,
+    a line has too many errors to show all, and one error is after the end of the script."""
     arguments, script = PAGES["failing"]
     run(*arguments, script=script)
     page = re.sub(r'("total_\w+":)(\d+)', lambda total: f"{total[1]}{int(total[2]) + 2}", read(PAGE))
@@ -293,7 +289,7 @@ def check_outline():
 
 
 def check_mouse_and_keyboard():
-    """Events that come from the browser."""
+    """Tests events that come from the browser itself."""
     show("examples/scratch_register.ini", "examples/reset.ini")
     canvas = browser.find_element("id", "canvas")
 
@@ -317,7 +313,7 @@ def check_mouse_and_keyboard():
 
 
 def check_long():
-    """A run has more steps and operations than a page contains. Its last read has a wrong bit."""
+    """A run has more steps and operations than a page can have. Its last read has a wrong bit."""
     repeated = "TCK=1\nPRINT=GPIO_IN\nTCK=0,TMS=0\nTDI=1\nTDI=0\n"
     script = (f"[ZEVA_ICE_GPIO]\nSTART\nGPIO_OE=0x1F\nREPT=30000\n{repeated}ENDR\n"
               "PRINT=GPIO_IN # expect NRST=1\nEND\n")
@@ -346,7 +342,7 @@ def check_interrupted():
 
 
 def check_served():
-    """A client of serve does a DR scan with Pause-DR, TRST, and a scan that is cut short."""
+    """A client of serve scans through Pause-DR, pulses TRST, and leaves during another scan."""
     scan = RESET + b"04" + TO_SHIFT_DR + b"05" * 3 + BACK[2:]
     server = Serve("--html", PAGE)
     server.play(scan + b"2626" + b"tr" + b"04" + TO_SHIFT_DR + b"1515RQ")

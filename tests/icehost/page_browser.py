@@ -29,7 +29,6 @@ js = browser.execute_script
 
 
 def run(*arguments, script=""):
-    """Runs scripts and returns the exit status."""
     command = [ICEHOST, "run", "-q", "--html", PAGE, *arguments]
     return subprocess.run(command, input=script.encode(), capture_output=True,
                           check=False).returncode
@@ -42,7 +41,7 @@ def settle():
 
 
 def open_page(fragment="", wrapped=False):
-    """Unless `wrapped` is set, lines of the script are not wrapped."""
+    """Opens the page. Lines of the script are wrapped only if `wrapped` is set."""
     browser.get("about:blank")
     browser.get(f"file://{PAGE}{fragment}")
     if not wrapped:

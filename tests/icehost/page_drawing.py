@@ -1,8 +1,8 @@
-"""Compares what a page draws on its canvas with what it must draw for its data.
+"""Compares the drawing calls of a page with those that its data requires.
 
-Both are lists of calls in order, without calls that have no visible effect:
-(name, x, y, width, height, colour), ("fillText", x, y, text, align, baseline, colour), (name, x, y,
-...) for a part of a path, and (name, colour) for the path.
+Both are lists of the visible calls in order: (name, x, y, width, height, colour),
+("fillText", x, y, text, align, baseline, colour), (name, x, y, ...) for a part of a path, and
+(name, colour) for the path.
 """
 import base64
 import math
@@ -13,7 +13,7 @@ LABELS, RULER, LANE, HIGH = 64, 22, 24, 14  # pixels
 NOT_MET = 2
 UNKNOWN_TAP = 16
 
-# Draws again, and returns the calls.
+# Draws the page again, and returns the calls.
 RECORD = """
 const {context} = wave, calls = [];
 for (const name of ["save", "beginPath", "rect", "clip", "restore", "fillRect", "fillText", "arc",
@@ -28,14 +28,14 @@ return calls"""
 
 
 def colours_of(styles):
-    """Returns the names of the light colours."""
+    """Returns the names of the colours of the light scheme."""
     found = re.findall(r"--([a-z-]+): (#\w+);", styles.partition("@media")[0])
     return {value if len(value) == 7 else "#" + "".join(2 * digit for digit in value[1:]): name
             for name, value in found}
 
 
 def drawn(calls, colours, width):
-    """Returns the visible calls of those that RECORD returned."""
+    """Returns the visible calls among those that RECORD returned."""
     found = []
     for name, values, fill, align, baseline in calls:
         colour = colours.get(fill, fill)
@@ -49,7 +49,7 @@ def drawn(calls, colours, width):
 
 
 def in_sight(calls, width):
-    """Returns the calls with rounded numbers, without those that are clipped."""
+    """Returns the calls that are not clipped, with rounded numbers."""
     kept, clipped = [], False
     for name, *values in calls:
         clipped = (clipped or name == "clip") and name != "restore"
@@ -113,7 +113,7 @@ class Picture:
         return in_sight(self.calls, self.width)
 
     def ruler(self):
-        """Draws marks that are 1, 2 or 5 times a power of ten, and at least 90 pixels, apart."""
+        """Draws marks. Their distance is 1, 2 or 5 times a power of ten and at least 90 pixels."""
         powers = (digit * 10 ** power for power in range(7) for digit in (1, 2, 5))
         apart = next(steps for steps in powers if steps * self.scale >= 90)
         end = min(len(self.steps), math.ceil(self.start + self.room / self.scale) + 1)
@@ -128,7 +128,7 @@ class Picture:
         taken = None
         for begin, end, colour, texts, *free in blocks:
             x = self.x(begin)
-            right = x + (self.x(end) - x)  # rounded in the same way as in the page
+            right = x + (self.x(end) - x)  # rounded as in the page
             left = math.floor(x)
             if right <= LABELS or (right - x < 1 and left == taken):
                 continue
@@ -195,7 +195,7 @@ class Picture:
     def reads(self):
         """Draws a ring, a dot or a cross at each step that was read, with the longest text that
         fits. Dense reads have ticks and fewer crosses."""
-        shown = {}  # for each step, the first row that is not met, or else the last
+        shown = {}  # for each step, the first row that is not met, or else the last row
         for row in self.rows:
             if row[6].startswith("0x") and 0 < row[3] <= len(self.steps):
                 if shown.get(row[3] - 1, [None])[-1] != NOT_MET:
@@ -222,7 +222,7 @@ class Picture:
                                           if row[-1] == NOT_MET]))
 
     def read_text(self, row, x, free, end):
-        """Returns the position at which the next text can begin."""
+        """Draws the text of a read, and returns the position at which the next text can begin."""
         value, expected, wrong = row[6][:4], row[7], int(row[8] or "0", 0)
         mask = int(expected.partition("/")[2] or "0x3f", 0)
         texts = [row[6], value] + [str(int(value, 0) >> 5 & 1)] * (mask >> 5 & 1)
@@ -250,7 +250,7 @@ class Picture:
                                ("moveTo", x - 3, y + 3), ("lineTo", x + 3, y - 3), ("stroke", "bad")]
 
     def levels(self, pin):
-        """Draws in each column of pixels the levels of its steps and of the previous step."""
+        """Draws, in each column of pixels, the levels of its steps and of the previous step."""
         levels, columns, before = [step >> pin & 1 for step in self.steps], [], set()
         for column in range(min(self.room, math.ceil(self.x(len(levels))) - LABELS)):
             first = math.floor(self.start + column / self.scale)

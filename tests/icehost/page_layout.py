@@ -1,8 +1,5 @@
 #!/usr/bin/python3 -B
-"""Checks a page of icehost run --html on screens of several sizes, with keys only, and on paper.
-
-usage: page_layout.py ICEHOST SOURCE_FOLDER
-"""
+"""Checks a page of icehost run --html on screens of several sizes, with keys only, and on paper."""
 import base64
 import re
 import sys
@@ -38,7 +35,6 @@ def cut(selector):
 
 
 def printed():
-    """Returns the lines of the printed page."""
     pdf = browser.execute_cdp_cmd("Page.printToPDF", {"generateTaggedPDF": False})["data"]
     with open("page.pdf", "wb") as file:
         file.write(base64.b64decode(pdf))
@@ -46,7 +42,7 @@ def printed():
 
 
 def check_printed():
-    """Paper has the whole script, operations and waveform, whatever the screen shows."""
+    """A printed page has the whole script, operations and waveform, whatever the screen shows."""
     runs = ((["examples/read_idcode.gpio"], ""), (["--keep-going", "-"], LONG),
             ([*FAILING, "examples/scratch_register.ini", "examples/read_idcode.ini"], ""))
     screens = ((1280, "light"), (700, "dark"), (400, "light"))
@@ -156,7 +152,7 @@ def check_wrapping():
 
 
 def check_messages():
-    """Messages are shown for one operation or for all, also with keys."""
+    """Clicks and keys show the messages of one operation or of all operations."""
     show("examples/scratch_register.ini")
     first = "Execute ORVEX_JTAG Script."
     counts = []
@@ -201,7 +197,6 @@ def check_small_screen():
 
 
 def check_accessibility():
-    """axe-core finds no problems."""
     rules = "['wcag2a', 'wcag2aa', 'wcag21a', 'wcag21aa', 'wcag22aa', 'best-practice']"
     try:
         axe = read(AXE)

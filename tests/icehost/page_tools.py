@@ -40,7 +40,7 @@ def wanted_bits(bits, values, mask, wrong):
             ("x" if kind == "expected" and masked[bit] else str(value >> bit & 1))
             + (masked[bit] or ("wrong" if kind == "received" and bit in wrong else ""))
             for bit in reversed(range(bits))]
-    # Each block of 32 bits with wrong bits has a line for them.
+    # Each block of 32 bits with wrong bits has a line that points at them.
     pointed = [bit for bit in reversed(range(bits)) if any(bit // 32 == one // 32 for one in wrong)]
     if pointed:
         lines["wrong"] = ["^" if bit in wrong else " " for bit in pointed]
@@ -54,7 +54,7 @@ def check_bits():
     pattern = int("9e3779b97f4a7c15f39cc0605cedc834" * 6, 16)
     full = (1 << 672) - 1
     few = full & ~(1 << 300) & ~(0xff << 48)
-    # Bits, (sent, expected, received), mask, wrong bits, the text about them.
+    # Bits, (sent, expected, received), mask, wrong bits, and the text about the wrong bits.
     cases = [
         (32, (0, 0x1ce51001, 0x39ca2003), 0x0fffffff, told["wrong_bits"],
          "bits 1, 12-13, 16-19, 21, 24, 26 are wrong"),
@@ -89,7 +89,7 @@ def check_bits():
                 "(one) => document.querySelector(one).getBoundingClientRect());"
                 "return b.top >= a.top - 1 && b.bottom <= a.bottom + 1"), True)
     set_screen(1280)
-    # On two wires, a byte is sent before each register. Pins have names.
+    # On two wires, a byte is sent before each register. The bits of pin values have names.
     show("examples/two_wire.ini")
     js("pickRow(rows[1])")
     expect("two wires", (texts(".register p"), texts(".register .digits")[::3]),
@@ -138,7 +138,7 @@ MANY = ("[ZEVA_ICE_GPIO]\nSTART\nGPIO_OE=0x1F # (Begin.*)\nREPT=600\nTCK=1\n"
 
 
 def check_search():
-    """The search shows each match in order, and then the first. Most are not in the document."""
+    """The search shows all matches in order, then the first. Most are not yet in the document."""
     run("--keep-going", "examples/read_idcode.ini", "-", script=MANY)
     open_page()
     reads = [f"GPIO_DATA_{number} = 0x000000" for number in range(601)]
@@ -192,7 +192,7 @@ def check_failures():
     def place():
         return texts("#failures")[0], js("return [pickedRow?.index, document.querySelector("
                                          "'#row-list .picked.row > :last-child')?.textContent]")
-    # Actions, and the failure that is shown after each; None: an operation without a failure.
+    # Actions, and the failure that is then shown (None for an operation without a failure).
     for deed, number in (
             (lambda: None, 1), (lambda: press("n"), 2), (lambda: press("n"), 3),
             (lambda: press("p"), 2), (lambda: press("p", "p"), 600), (lambda: press("n"), 1),

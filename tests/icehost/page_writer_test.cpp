@@ -1,5 +1,4 @@
-// Tests the limits of a page for a long run, and how text in it is escaped. tests/icehost/page.py
-// tests pages in a browser.
+// Tests the limits of a page, and the escaping of its text. page.py tests pages in a browser.
 #include "host/page/page_writer.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,3 @@
-// The sessions of icehost serve, and the recording of pins.
 #include <gtest/gtest.h>
 
 #include <sstream>
@@ -12,7 +11,7 @@
 
 namespace {
 
-// Records every write. TDO is low in the first read, high in the second, and so on in turn.
+// Records every write. Reads return TDO low and high in turn, beginning with low.
 class NotingPort : public icehost::PinPort {
  public:
   void Write(int levels, int enables) override {
@@ -34,8 +33,8 @@ struct Played {
   bool open;
 };
 
-// Plays the bytes in one part and in two. Writes are LEVELS/ENABLES: NRST 1, TRST 2, TCK 4, TMS 8,
-// TDI 10. TDO is never driven, and other pins only once a client has set them.
+// Plays the bytes in one part, and split at each byte. A write is LEVELS/ENABLES: NRST is 1, TRST
+// 2, TCK 4, TMS 8, TDI 10. TDO is never driven, and other pins only after a client has set them.
 template <class Session>
 void ExpectPlayed(const std::vector<Played>& sessions) {
   for (const Played& test : sessions) {
@@ -93,17 +92,17 @@ TEST(RecordingPort, GivesEverySampleToItsAsker) {
   NotingPort port;
   NotingRecorder recorder;
   icehost::RecordingPort recording(port, {&recorder});
-  recording.SampleTdo();             // 0, before the first write
-  recording.SampleTdo();             // 1
-  recording.Write(1, GPIO_PIN_ALL);  // 0
+  recording.SampleTdo();             // reads 0, before the first write
+  recording.SampleTdo();             // reads 1
+  recording.Write(1, GPIO_PIN_ALL);  // reads 0
   recording.SampleTdo();
   recording.SampleTdo();
-  recording.Write(2, 0x1f);  // 1
-  recording.Write(4, 0);     // 0, all pins float
+  recording.Write(2, 0x1f);  // reads 1
+  recording.Write(4, 0);     // reads 0; all pins float
   recording.SampleTdo();
   EXPECT_EQ(recording.CollectTdo(), icehost::Bits({false, true, false, false, false}));
   EXPECT_EQ(recording.Read(), GPIO_PIN_TDO);
-  recording.SampleTdo();  // 0, after everything recorded
+  recording.SampleTdo();  // reads 0, after everything recorded
   EXPECT_EQ(recording.CollectTdo(), icehost::Bits({false}));
   EXPECT_EQ(recorder.notes.str(), "1 22 1f ");
   for (int i = 0; i < 3000; ++i) recording.Write(i, GPIO_PIN_ALL);

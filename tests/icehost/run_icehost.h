@@ -1,4 +1,3 @@
-// Functions that run icehost as a user does.
 #ifndef ICESCRIPT_TESTS_RUN_ICEHOST_H_
 #define ICESCRIPT_TESTS_RUN_ICEHOST_H_
 

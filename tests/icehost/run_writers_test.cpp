@@ -12,7 +12,7 @@ namespace {
 
 using Texts = std::vector<std::string>;
 
-// The lines of messages that are made of these pieces; "|" is a call.
+// Returns the JSON text of each message that a run writes for these pieces. "|" is a host call.
 Texts MessageLines(const Texts& pieces) {
   std::ostringstream stream;
   const auto writer = icehost::MakeJson(stream);

@@ -9,7 +9,7 @@
 
 namespace {
 
-// Returns remote_bitbang bytes for TCK cycles: TCK low with these TMS and TDI, then high.
+// Returns remote_bitbang bytes for TCK cycles: TCK low with this TMS and TDI, then TCK high.
 std::string Edges(const std::string& tms, const std::string& tdi) {
   std::string bytes;
   for (std::size_t i = 0; i < tms.size(); ++i) {
@@ -72,12 +72,12 @@ TEST(Serve, IsToldInLines) {
 {"scan":"DR","bits":32,"in":"0x80000000","out":"0x1ce51001","updated":true,"step":15,"end_step":84}
 {"idle":2,"step":85,"end_step":90}
 )"},
-      // The fifth TCK edge with TMS high resets, even with other writes between; later ones do not.
+      // The fifth TCK edge with TMS high resets, even with writes between. Later edges do not.
       {Walk("1111") + "2" + Walk("1") + Walk("1000"), "10 TAP reset (TMS)\n14 idle 2 cycles\n",
        R"({"reset":"TMS","step":10,"end_step":11}
 {"idle":2,"step":14,"end_step":19}
 )"},
-      // Through Pause-DR and back to Shift-DR: one scan.
+      // The path through Pause-DR and back to Shift-DR is part of one scan.
       {kReset + Walk(kDr) + Edges("01", "01") + Walk("0010") + Edges("01", "01") + Walk("10"),
        "9 TAP reset (TMS)\n15 DR 4 bits 0x0a -> 0x01\n", R"({"reset":"TMS","step":9,"end_step":10}
 {"scan":"DR","bits":4,"in":"0x0a","out":"0x01","updated":true,"step":15,"end_step":36}
@@ -94,7 +94,7 @@ TEST(Serve, IsToldInLines) {
 {"pins":{"TRST":1,"NRST":1},"step":7,"end_step":8}
 {"idle":1,"step":7,"end_step":10}
 )"},
-      // After the bits of the register the bits that were shifted in come out.
+      // After the bits of the register, the bits that were shifted in come out.
       {"u" + ("r" + Walk("0") + Scan(kDr, std::string(36, '1'))),
        "0 TRST=0 NRST=0\n0 TAP reset (TRST)\n1 TRST=1 NRST=1\n"
        "7 DR 36 bits 0x0fffffffff -> 0x0f1ce51001\n",
@@ -103,7 +103,7 @@ TEST(Serve, IsToldInLines) {
 {"pins":{"TRST":1,"NRST":1},"step":1,"end_step":2}
 {"scan":"DR","bits":36,"in":"0x0fffffffff","out":"0x0f1ce51001","updated":true,"step":7,"end_step":84}
 )"},
-      // A scan from Capture-DR to Update-DR without Shift-DR.
+      // This scan goes from Capture-DR to Update-DR without Shift-DR.
       {"tr" + Walk("010110"), "0 TRST=0 NRST=1\n0 TAP reset (TRST)\n1 TRST=1 NRST=1\n7 DR 0 bits\n",
        R"({"pins":{"TRST":0,"NRST":1},"step":0,"end_step":1}
 {"reset":"TRST","step":0,"end_step":1}
@@ -122,7 +122,7 @@ TEST(Serve, IsToldInLines) {
 {"reset":"TRST","step":27,"end_step":28}
 {"pins":{"TRST":1,"NRST":1},"step":28,"end_step":29}
 )"},
-      // TRST in Shift-DR, while TCK is low: the next scan reads the IDCODE.
+      // TRST goes low in Shift-DR while TCK is low. The next scan then reads the IDCODE.
       {kReset + Scan(kIr, "01000") + Walk(kDr) + Edges("00", "11") + "0tr" + Walk("0") +
            Scan(kDr, "00000000"),
        "9 TAP reset (TMS)\n17 IR 5 bits 0x02 -> 0x01\n37 DR 2 bits 0x03 -> 0x00 (cut short by a "

@@ -1,8 +1,5 @@
 #!/usr/bin/python3 -B
-"""icehost with closed descriptors, full disks, system limits, signals and spawned commands.
-
-usage: surroundings.py ICEHOST SOURCE_FOLDER
-"""
+"""icehost with closed descriptors, full disks, system limits, signals and spawned commands."""
 import glob
 import json
 import os
@@ -43,7 +40,7 @@ COMMANDS = [
         "reads.gpio", f"--json=- {ENDLESS}", f"--vcd=- {ENDLESS}", f"--trace=- {ENDLESS}")),
     # icehost appends to standard output.
     (0, "", "icehost run --json - --vcd v examples/reset.ini >>appended"),
-    # If the reader of the help closes its pipe, there is no message.
+    # If the reader of the help closes its pipe, icehost prints no message.
     (141, "", "{ sleep 0.2; icehost help; } | true"),
     (3, "", "trap '' PIPE; { sleep 0.2; icehost help; } | true"),
     # A stack of 64 KiB is enough.
@@ -54,7 +51,7 @@ COMMANDS = [
 ]
 
 # The expected status and seconds, the options of icehost, the spawned command, and the expected
-# messages after a failure: on the connection, on the command, and the lines of the command.
+# messages after a failure: about the connection, about the command, and the command's last lines.
 SPAWNED = [
     (0, 0, f"run -q {SCRIPT}", "sleep 0.2; icehost serve unix:sim", []),
     (0, 0, "detect -q --spawn-log log", "cat; echo here; icehost serve unix:sim & wait", []),
@@ -98,7 +95,7 @@ def check_commands():
 
 
 def check_lacks():
-    """If the system lacks something, icehost reports this, and not a fault of the script."""
+    """If the system lacks something, icehost reports that, and not a fault of the script."""
     write("id.svf", SVF)
     for files in range(4, 12):
         for arguments in (f"run -q {SCRIPT}", f"check {SCRIPT}", "import id.svf", "detect"):
@@ -113,7 +110,7 @@ def check_lacks():
 
 
 def check_memory():
-    """If memory runs out, icehost names each output that is not complete."""
+    """If memory runs out, icehost names each incomplete output."""
     write("walk.gpio", "[ZEVA_ICE_GPIO]\nSTART\nGPIO_OE=0x1F\nREPT=9999\nTCK=1\n"
           "TCK=0,PRINT=GPIO_IN\nENDR\nEND\n")
     ends = {"j.json": '{"totals":', "p.svg": "</svg>", "p.html": "</html>"}
@@ -134,7 +131,7 @@ def check_memory():
 
 
 def check_size_limit():
-    """At the limit of the file size a file has only whole lines, or is empty."""
+    """A file that reaches the size limit has only whole lines, or is empty."""
     status = shell("ulimit -f 1; trap '' XFSZ; icehost run -q --trace=t --json j --vcd v --svg s "
                    "--html h examples/read_idcode.gpio examples/*.ini")
     expect("files beyond the limit", status, 3)
@@ -144,7 +141,7 @@ def check_size_limit():
 
 
 def check_old_files():
-    """A run that cannot begin does not change or create a file."""
+    """A run that cannot begin neither changes nor creates a file."""
     write("old", "before\n")
     for cannot in ("--plugin /dev/null", "--probe remote-bitbang:unix:/nowhere", "--svg /nowhere/x",
                    "/nowhere"):
@@ -153,7 +150,7 @@ def check_old_files():
 
 
 def check_shared_files():
-    """An output cannot be the file of another output or of a script; no file changes then."""
+    """An output cannot be the file of another output or of a script, and then no file changes."""
     write("script.ini", read(SCRIPT))
     os.link("script.ini", "hard_link")
     os.symlink("new", "dangling")
@@ -208,7 +205,7 @@ def check_signals():
         expect_whole("e.svg", "e.json")
         cuts = re.findall(">The first 1000 of [0-9]* steps<", read("e.svg"))
         expect("the picture of an interrupted run", len(cuts), 1)
-    # An endless run, also of a script without calls. The interrupted round does not count.
+    # Endless runs, one of them without calls. An interrupted round does not count.
     write("no_call.ini", "[CONTROL]\n")
     ends_by(signal.SIGINT, "run", "-q", "--repeat", "0", "--summary", "no_call.ini", err="no_call")
     expect("no call", ", failed 0\noperations 0," in read("no_call"), True)
@@ -234,7 +231,7 @@ def check_signals():
     names = (i * 7919 % 60000 for i in range(60000))
     write("many.ini", "".join(f"[{name}x]\nIR=5,1\nDR=R,8,0\n" for name in names))
     ends_by(signal.SIGINT, "run", "--json", "m.json", "--html", "m.html", "many.ini")
-    # The signal comes while icehost checks the script, or while the plug-in reads it.
+    # The signal arrives while icehost checks the script, or while the plug-in reads it.
     expect_whole(*glob.glob("m.*"))
     ends_by(signal.SIGINT, "check", *["many.ini"] * 50)
     os.mkfifo("fifo")
@@ -262,7 +259,7 @@ def check_signals():
 
 
 def spawned():
-    """Returns the processes of spawned commands and of their guards that still run."""
+    """Returns the processes of spawned commands and of their guards that are still running."""
     marked = subprocess.run(["grep", "-lsxz", f"SPAWNED={os.getpid()}",
                              *glob.glob("/proc/[0-9]*/environ")],
                             stdout=subprocess.PIPE, check=False)
@@ -277,7 +274,7 @@ def start_spawning(options, command, **how):
 
 
 def check_spawned():
-    """A spawned command ends when icehost ends, and icehost reports its state if icehost fails."""
+    """A spawned command ends with icehost. If icehost fails, it reports the command's state."""
     for status, seconds, options, command, said in SPAWNED:
         begun = time.monotonic()
         process = start_spawning(options, command)
@@ -291,7 +288,7 @@ def check_spawned():
 
 
 def check_spawned_and_signals():
-    """A signal reaches icehost only; then icehost, or the guard, ends the spawned command."""
+    """A signal reaches only icehost. Then icehost, or its guard, ends the spawned command."""
     command = "trap 'echo caught' INT; icehost serve unix:sim & wait; wait"
     for number, status in ((signal.SIGINT, 130), (signal.SIGKILL, -signal.SIGKILL)):
         process = start_spawning(f"run -q --spawn-log log {ENDLESS}", command,
@@ -311,7 +308,7 @@ def check_spawned_and_signals():
 
 
 def check_taken_port():
-    """A run connects only to the server of its spawned command, not to another one or itself."""
+    """A run connects only to the server of its spawned command, not to another or to itself."""
     server = Serve(endpoint="unix:sim")
     process = start_spawning(f"run {SCRIPT}", "touch started")
     expect("taken", (process.communicate(timeout=20)[1], os.path.exists("started")),
@@ -349,7 +346,7 @@ def check_half_a_script():
 
 
 def check_terminal():
-    """On a terminal icehost shows progress and erases it, and prints no control characters."""
+    """On a terminal icehost shows and erases progress, and quotes no control characters."""
     terminal = ["timeout", "-k", "1", "30", "script", "/dev/null", "-qec"]
     write("nested.gpio", "[ZEVA_ICE_GPIO]\nSTART\nGPIO_OE=0x1F\n" + "REPT=2000000000\n" * 3 +
           "TCK=1\n" + "ENDR\n" * 3 + "END\n")

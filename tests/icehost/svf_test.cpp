@@ -8,8 +8,8 @@
 
 namespace {
 
-// Returns the lines that begin with `first`. Without it returns all lines of the file except its
-// first line and the comments with places in the script.
+// Returns the lines that begin with `first`. If it is empty, returns all lines except the first
+// line of the file, comments with places in the script, and messages.
 std::string Lines(const std::string& text, const std::string& first = "") {
   std::istringstream lines(text);
   std::string kept;
@@ -21,9 +21,9 @@ std::string Lines(const std::string& text, const std::string& first = "") {
   return kept;
 }
 
-// Returns a GPIO script with TCK cycles from Test-Logic-Reset on: 0 and 1 are TMS, and i is 0 with
-// TDI high. r before a cycle reads the pins while TCK is low, h after it while TCK is high. {LINE}
-// is any other line. Blanks are ignored.
+// Returns a GPIO script with TCK cycles from Test-Logic-Reset on. 0 and 1 are cycles with this TMS,
+// and i is a 0 with TDI high. r reads the pins while TCK is low in the next cycle, and h reads them
+// while TCK is high after a cycle. {LINE} is any other line. Blanks are ignored.
 std::string Walk(const std::string& edges) {
   std::string script = "[ZEVA_ICE_GPIO]\nSTART\nGPIO_OE=0x1f\nNRST=1\nTRST=1\n";
   bool read_low = false;
@@ -47,8 +47,8 @@ std::string Walk(const std::string& edges) {
   return script + "END";
 }
 
-// The statements and comments for the pins, after the resets that begin each run, and the warnings
-// about what SVF cannot express.
+// Checks the statements and comments after the resets that begin each run, and the warnings about
+// actions that SVF cannot express.
 TEST(Svf, SaysWhatTheTapDoes) {
   const std::string head =
       "ENDIR IDLE;\nENDDR IDLE;\n! NRST low\nTRST ON;\n! NRST high\nTRST OFF;\nSTATE IDLE;\n";
@@ -66,7 +66,7 @@ TEST(Svf, SaysWhatTheTapDoes) {
     std::string told;
     std::string statements;
   } kWalks[] = {
-      // After the reset DR is the IDCODE, 0x..01. TDO and MASK have only the bits that are read.
+      // After the reset the DR is the IDCODE, 0x..01. TDO and MASK have only the bits read.
       {"0100 r0r0r0r1 10", "", "SDR 4 TDI (0) TDO (1) MASK (F);\n"},
       {"0100 0hi0r1 10001", "",
        "SDR 4 TDI (2) TDO (1) MASK (9);\nRUNTEST IDLE 2 TCK ENDSTATE IDLE;\n"},
@@ -74,7 +74,7 @@ TEST(Svf, SaysWhatTheTapDoes) {
       {"0100r0{TCK=0}{PRINT=GPIO_IN}{GPIO_OE=0x3f}{TDO=1}{TCK=1}{GPIO_OE=0x1f} r1 10", "",
        "SDR 3 TDI (0) TDO (3) MASK (5);\n"},
       {"01100 ii001h 10", "", "SIR 5 TDI (03) TDO (01) MASK (10);\n"},
-      // Scans that Run-Test/Idle does not follow.
+      // These scans are not followed by Run-Test/Idle.
       {"0100 i1 1111 01100 i1 1111 0", "",
        "ENDDR DRPAUSE;\nSDR 2 TDI (1);\nSTATE RESET;\nSTATE IDLE;\nENDIR IRPAUSE;\nSIR 2 TDI "
        "(1);\nSTATE RESET;\nSTATE IDLE;\n"},
@@ -85,7 +85,7 @@ TEST(Svf, SaysWhatTheTapDoes) {
        "Run-Test/Idle\nSTATE RESET;\n"},
       {"0100 i1 010 i1 10 100 1 10", paused,
        "! scan through Pause-DR\nSDR 4 TDI (5);\nSDR 1 TDI (0);\n"},
-      // Actions that SVF cannot express.
+      // SVF cannot express these actions.
       {"010 1 10 100 i1 10",
        loss("SVF has no scan of 0 bits: a player skips its capture and its update"),
        "! scan of 0 DR bits: left out\nSDR 2 TDI (1);\n"},

@@ -1,8 +1,5 @@
 #!/usr/bin/python3 -B
-"""Reads pictures of --svg: levels and TAP states are those of the waveform, and texts have room.
-
-usage: svg.py ICEHOST SOURCE_FOLDER
-"""
+"""Checks that pictures of --svg agree with the waveform, and that their texts have room."""
 import os
 import re
 import shlex
@@ -32,15 +29,15 @@ def scan(section, bits, expected=""):
 
 
 READS = "PRINT=GPIO_IN  # expect NRST=0\n"
-# Arguments, and a script for standard input. The golden file contains the lanes and marks of each
-# band, the number of equal bands in a row, and the note after the last band.
+# The arguments, and a script for standard input. The golden file contains the lanes and marks of
+# each band, the number of equal bands in a row, and the note after the last band.
 PICTURES = [
-    # Steps are as wide as possible, and bands equally wide: no step, one, a full band, one more.
+    # Steps are as wide as possible, and all bands are equally wide, even if there are few steps.
     ("-", "[CONTROL]\nCDI=5\n"),
     ("-", gpio("")),
     ("-", gpio(loop(39))),
     ("-", gpio(loop(40))),
-    # A picture that shows only the first steps says so, and a picture that shows all does not.
+    # If a picture shows only the first steps, it says so.
     ("-", gpio(loop(999))),
     ("-", gpio(loop(1000))),
     ("examples/reset.ini -", gpio(loop(1787))),
@@ -57,7 +54,7 @@ PICTURES = [
      gpio(f"NRST=1\n{READS}TMS=1\nTMS=0\nTMS=1\n" + loop(3, READS + "PRINT=GPIO_IN\n"))),
     ("-", gpio("TCK=1\nPRINT=GPIO_IN\nTCK=0\nPRINT=GPIO_IN\nTCK=1\nPRINT=GPIO_IN\n" + loop(17))),
     ("--keep-going --ir-length 2 -", scan("A", 2, "TDO=1\nMASK=1\nIR_TDO=2\n")),
-    # Marks in every band, several files, and scans of many bands.
+    # Marks in every band, several files, and scans across many bands.
     ("--keep-going -", gpio(loop(400, f"TDI=1\n{READS}"))),
     ("examples/reset.ini tests/scripts/walk.gpio examples/reset.ini", ""),
     ("tests/scripts/long_scans.ini --register 0x15:8=5a --ir-length 6 --wire 2wire", ""),
@@ -65,8 +62,8 @@ PICTURES = [
 
 
 class Picture:
-    """The contents of an SVG file: `bands`, each with its lanes and marks as text; `levels` of each
-    pin and `states` of the TAP, one per step; and texts and marks as (y, left, right, text)."""
+    """The contents of an SVG file: `bands` with lanes and marks as text, the `levels` of each pin
+    and the TAP `states` at each step, and all texts and marks as (y, left, right, text)."""
 
     def __init__(self, name):
         root = xml.etree.ElementTree.parse(name).getroot()

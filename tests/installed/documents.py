@@ -1,8 +1,8 @@
 #!/usr/bin/python3 -B
 """Tests the documents: runs or compares every block, and follows every link.
 
-usage: documents.py ICEHOST SOURCE_FOLDER [DOCUMENT...]. The commands use the installed files, of
-which ICEHOST is one (`cmake --install build/dev --prefix PREFIX`; ctest uses build/dev/installed).
+usage: documents.py ICEHOST SOURCE_FOLDER [DOCUMENT...]. The commands use the files installed with
+ICEHOST (`cmake --install build/dev --prefix PREFIX`; ctest uses build/dev/installed).
 CONTRIBUTING.md describes how blocks are marked.
 """
 import glob
@@ -26,7 +26,7 @@ INSTALLED = ("README.md", "CHANGELOG.md", "CONTRIBUTING.md", "docs", "examples")
 MANUALS = "/usr/share/doc/icescript"
 PORTS = ("5555", "6666", "9824")
 SECONDS = 30
-# Users read these in a clone, and the other documents with the installed package.
+# Users read these in a clone of the repository, and the other documents in the installed package.
 OF_A_CLONE = ("README.md", "CONTRIBUTING.md")
 MARKS = {"console": {"exit", "run-by", "hardware"}, "text": {"file", "from"}}
 FENCE = re.compile(r"^( *)(```+)([^`\n]*)\n(.*?)^\1\2 *$", re.MULTILINE | re.DOTALL)
@@ -53,7 +53,7 @@ def write_program(path, line):
 
 
 class Shell:
-    """A bash that runs one command after the other in `folder`."""
+    """A bash that runs one command after another in `folder`."""
 
     LOOP = ('while IFS= read -r -d "" -u 9 command; do eval "$command"; '
             'printf "%s %d\\n" "$SENTINEL" $?; done 9<&"$COMMANDS"')
@@ -82,7 +82,7 @@ class Shell:
         self.process.wait()
 
     def wait_for(self, condition):
-        """Reads output until `condition()` is true, at most SECONDS, and returns its result."""
+        """Reads output until `condition()` is true, for at most SECONDS, and returns its result."""
         end = time.monotonic() + SECONDS
         while not (result := condition()) and time.monotonic() < end:
             if select.select([self.process.stdout], [], [], 0.1)[0]:
@@ -92,7 +92,7 @@ class Shell:
         return result
 
     def run(self, command, expected):
-        """Returns the status, None if there is none, and the output, None if it is as expected."""
+        """Returns the status, or None without one, and the output, or None if it is as expected."""
         os.write(self.commands, command.encode() + b"\0")
         ended = re.compile(rf"{self.sentinel} (\d+)\n")
         end = self.wait_for(lambda: ended.search(self.output))
@@ -119,14 +119,14 @@ def with_line_end(text):
 
 
 def pattern_of(expected):
-    """Returns a pattern in which `...` matches any lines, or within a line any characters."""
+    """Returns a pattern in which `...` matches any lines or, within a line, any characters."""
     return "".join(
         r"(?:.*\n)*" if line == "..." else re.escape(line).replace(re.escape("..."), ".*") + r"\n"
         for line in expected)
 
 
 def commands_of(lines):
-    """Returns the commands of a block, each with its output, or None if it begins with none."""
+    """Returns each command of a block with its output, or None if the block begins with output."""
     commands = []
     for line in lines:
         if commands and commands[-1][0].endswith("\\") and not commands[-1][1]:
@@ -210,7 +210,7 @@ def run_document(document):
 
 
 def anchors_of(text):
-    """Yields the anchors of the headings, with the names that web pages of Markdown give them."""
+    """Yields the anchors of the headings, with the names that they get on web pages."""
     seen = {}
     for heading in re.findall(r"^#+ (.*)$", FENCE.sub("", text), re.MULTILINE):
         name = re.sub(r"[^\w\- ]", "", re.sub(r"\]\([^)]*\)", "]", heading).lower())

@@ -1,8 +1,5 @@
 #!/usr/bin/python3 -B
-"""icehost serve with odd, broken or hostile clients and upstream servers.
-
-usage: hostile_clients.py ICEHOST SOURCE_FOLDER
-"""
+"""icehost serve with odd, broken or hostile clients and upstream servers."""
 import fcntl
 import os
 import re
@@ -38,7 +35,7 @@ def flood_until_closed(client):
 
 
 def ask(client, request):
-    """Sends a request and returns the answers to all of it."""
+    """Sends a request and returns all answers to it."""
     client.sendall(request)
     wanted, answers = request.count(b"R"), b""
     while len(answers) < wanted and (got := client.recv(65536)):
@@ -83,7 +80,7 @@ def check_passing_on():
     expect("answers", ask(first, b"Bbx0tR\n0447Q"), "1")
     expect("after Q", first.recv(1), b"")
     second = serve.client()
-    # The pins are as the first client left them: the levels of 7 are already set.
+    # The first client left the pins at the levels of 7, so the first byte changes nothing.
     expect("answers", ask(second, b"7rsRutR06R"), "111")
     second.close()
     status, said = serve.end()
@@ -97,7 +94,7 @@ def check_passing_on():
 
 
 def check_loss_between_scripts():
-    """A lost connection ends the run, also between scripts and after a script without faults."""
+    """A lost connection ends the run, even between scripts and after a script without faults."""
     upstream = Upstream(lambda got: ones(got) if upstream.came.count(b"R") < 2 else upstream.close())
     scripts = ["tests/scripts/reset_only.ini"] * 4
     said = output("icehost", "run", "-q", "--keep-going", "--probe", upstream.name, *scripts)
@@ -136,8 +133,8 @@ def check_recording():
 
 
 def check_xvc():
-    """serve answers XVC commands up to an invalid one, and then disconnects the client. A command
-    that the client did not finish does not affect the next client."""
+    """serve answers XVC commands up to the first invalid command, and then disconnects the client.
+    An incomplete command does not affect the next client."""
     serve = Serve("-v", "--protocol", "xvc")
     info = b"xvcServer_v1.0:4096\n"
     lengths = "expected a shift of 1 to 16384 bits, got"
@@ -162,13 +159,13 @@ def check_xvc():
 
 
 def break_off(client):
-    """Resets the connection: the other side finds it lost."""
+    """Resets the connection, so that the other side finds it lost."""
     client.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, struct.pack("ii", 1, 0))
     client.close()
 
 
 def check_next():
-    """The next client is served even if serve has not yet read all bytes of one that has left."""
+    """serve accepts the next client even if it has not yet read all bytes of the previous one."""
     serve = Serve()
     for leave in (socket.socket.close, break_off, lambda client: client.sendall(b"Q"),
                   lambda client: client.sendall(b"04" * 50000 + b"Q")):
@@ -181,7 +178,7 @@ def check_next():
             serve.process.send_signal(signal.SIGCONT)
             expect("the next", ask(following, b"R"), "1")
             following.close()
-    # A client that sends without a pause stays connected, and the next one is refused.
+    # A client that sends without a pause stays connected, and the next client is refused.
     flooding = serve.client()
     threading.Thread(target=flood_until_closed, args=(flooding,), daemon=True).start()
     expect("a second client", serve.client().recv(1), b"")
@@ -230,7 +227,7 @@ def late(got):
 
 
 def check_signal():
-    """A signal loses no bytes of a client, or icehost reports it; the upstream server gets a Q."""
+    """After a signal, serve passes on all bytes or reports the loss, and sends a Q upstream."""
     for number, answer, outputs, status, wanted in [
         (signal.SIGTERM, ones, ["--trace=t"], 0, ""),
         (signal.SIGINT, late, ["--trace=t"], 0, ""),
@@ -365,7 +362,7 @@ def check_race():
 
 
 def check_flood():
-    """A client may send any amount of any bytes: memory does not grow, and every R is answered."""
+    """Whatever a client sends, memory does not grow, and serve answers every R."""
     upstream = Serve()
     behind = f"remote-bitbang:127.0.0.1:{upstream.port}"
     floods = [os.urandom(1 << 20).replace(b"Q", b"q"), b"R" * (1 << 19), b"04" * (1 << 19),

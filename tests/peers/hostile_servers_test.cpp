@@ -1,4 +1,3 @@
-// icehost with odd, broken or hostile servers.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -41,7 +40,7 @@ Server Answering(Answer answer) {
 const Server kSilent = Answering([](const std::string&) { return ""; });
 
 // Sends `before`, then serves the simulated target, and sends `after` together with the last
-// sample. It ignores the bytes in `ignored`.
+// sample. Ignores the bytes in `ignored`.
 Server Target(const std::string& before, const std::string& after,
               const std::string& ignored = "") {
   return [=](tcp::socket& client) {
@@ -59,8 +58,8 @@ Server Target(const std::string& before, const std::string& after,
   };
 }
 
-// Answers every sample, and the `last` one twice. The second answer is a separate packet, which
-// Nagle's algorithm delays until the first is acknowledged.
+// Answers every sample once, and sample number `last` twice. The second answer is a separate
+// packet, which Nagle's algorithm delays until the first is acknowledged.
 Server Twice(int last) {
   return [last](tcp::socket& client) mutable {
     for (;;) {
@@ -73,7 +72,7 @@ Server Twice(int last) {
   };
 }
 
-// Answers with these levels of TDO, again and again, whatever happens on the other pins.
+// Answers with these levels of TDO, repeatedly, whatever happens on the other pins.
 Server Tdo(const std::string& levels) {
   return Answering([=, at = std::size_t{0}](const std::string& bytes) mutable {
     std::string answers;
@@ -84,7 +83,7 @@ Server Tdo(const std::string& levels) {
   });
 }
 
-// Sends one answer after the first bytes, and then stays connected without answers.
+// Sends one answer after the first bytes, and then stays connected but sends nothing.
 Server Once(const std::string& answer) {
   return [answer](tcp::socket& client) {
     ReadFrom(client);
@@ -93,8 +92,8 @@ Server Once(const std::string& answer) {
   };
 }
 
-// Answers getinfo: with `info`, and other commands as a server of the simulated target, with
-// `after` at the end of each answer. Closes if a shift has more bytes than `info` allows.
+// Answers the command getinfo: with `info`, and other commands like a server of the simulated
+// target, followed by `after`. Closes the connection if a shift has more bytes than `info` allows.
 Server Xvc(const std::string& info, const std::string& after = "") {
   return [=](tcp::socket& client) {
     const std::size_t most = std::strtoul(&info[info.find(':') + 1], nullptr, 10);
@@ -110,8 +109,8 @@ Server Xvc(const std::string& info, const std::string& after = "") {
   };
 }
 
-// Answers getinfo: correctly and the next commands with `answers`, then closes. The answer "+" is
-// sent without waiting for a command, as a separate packet.
+// Answers getinfo: correctly and the next commands with `answers`, then closes. An answer "+" is
+// sent as a separate packet without waiting for a command.
 Server XvcAnswers(const std::vector<std::string>& answers) {
   return [answers](tcp::socket& client) {
     ReadFrom(client);
@@ -123,7 +122,7 @@ Server XvcAnswers(const std::vector<std::string>& answers) {
   };
 }
 
-// Answers the commands to OpenOCD with `answers`, in order, and then stops answering.
+// Answers the commands to OpenOCD with `answers`, in order, and then sends nothing more.
 Server Openocd(const std::vector<std::string>& answers) {
   return [answers](tcp::socket& client) {
     for (const std::string& answer : answers) {
@@ -135,15 +134,15 @@ Server Openocd(const std::vector<std::string>& answers) {
   };
 }
 
-// Does the same, after answering the two commands with which a run begins.
+// Answers the two commands with which a run begins, and the next commands with `answers`.
 Server OpenocdScan(std::vector<std::string> answers, const std::string& ir_length = "5") {
   answers.insert(answers.begin(),
                  {"1 0 a", "2 0 header\n 0 a Y 0x0 0x0 " + ir_length + " 0x1 0x3"});
   return Openocd(answers);
 }
 
-// Returns the status of a run on the server, and its first message, without the place and with
-// "SERVER" as the name of the server.
+// Returns the status of a run on the server and its first message, without the place and with the
+// name of the server replaced by "SERVER".
 Outcome RunAgainst(const Server& server, const std::string& probe, const std::string& rest,
                    const std::string& timeout) {
   const LocalServer local(server);
@@ -183,7 +182,7 @@ TEST(Servers, EndARunAsTheyShould) {
   const std::string other =
       no_ir + "the IR has another length, or the TAP is one of several in a chain)";
   const std::string no_info = "SERVER: expected xvcServer_v1.0:N with N from 2 to 1073741824, got ";
-  const std::string info = "xvcServer_v1.0:64\n", ones(7, '\xff');  // of a scan
+  const std::string info = "xvcServer_v1.0:64\n", ones(7, '\xff');  // answer to a scan
   const std::string no_answer = "SERVER: expected the answer to command ";
   const std::string no_scan = "OpenOCD's answer to a DR scan is not valid: ";
   const auto close_at_once = [](tcp::socket& client) { ReadFrom(client); };
@@ -261,7 +260,7 @@ TEST(Servers, EndARunAsTheyShould) {
       {Tdo("1"), bitbang, "--learn /dev/null " + pins, 1,
        "nothing learned from " + pins + ": this probe does not report every expected value"},
 
-      // A scan is one shift, or several if the server allows only short ones.
+      // A scan is one shift, or several if the server allows only short shifts.
       {Xvc("xvcServer_v1.0:1073741824\n"), xvc, idcode + " " + scratch + " " + tap_reset, 0, ""},
       {Xvc("xvcServer_v1.0:3\n"), xvc, idcode + " " + scratch + " " + tap_reset, 0, ""},
       {Xvc(info), xvc, reset, 1, "XVC has no reset lines: NRST and TRST cannot be driven"},
@@ -330,10 +329,10 @@ TEST(Servers, EndARunAsTheyShould) {
       {OpenocdScan({"3 0 +5"}), openocd, dr_only, 3, no_scan + "\"+5\""},
       {OpenocdScan({"3 0 -0"}), openocd, dr_only, 3, no_scan + "\"-0\""},
       {OpenocdScan({std::string("3 0 5\0", 6)}), openocd, dr_only, 3, no_scan + "\"5 \""},
-      // One answer is sent twice (\032 ends it). This is noticed before the next and at the end.
+      // A repeated answer (\032 ends each) is noticed before the next command, or at the end.
       {OpenocdScan({"3 0 05\0323 0 05", "4 0 06"}), openocd, dr_only, 3, step},
       {OpenocdScan({"3 0 05", "4 0 06\0324 0 06", "5 0"}), openocd, dr_only, 3, step},
-      // All answers at once, and one too many after the last command.
+      // All answers arrive at once, or one answer too many arrives after the last command.
       {OpenocdScan({"3 0 05\0324 0 06\0325 0"}), openocd, dr_only, 3, step},
       {OpenocdScan({"3 0 05", "4 0 06", "5 0\0326 0"}), openocd, dr_only, 3, step},
       {OpenocdScan({"3 0 05", "4 0 06"}), openocd, dr_only, 3, silence},
@@ -346,7 +345,7 @@ TEST(Servers, EndARunAsTheyShould) {
   }
 }
 
-// Nobody answers the connect: the queue of waiting connections is full.
+// The queue of waiting connections is full, so the server does not answer the connect.
 TEST(Servers, NeedNotAccept) {
   asio::io_context io;
   tcp::acceptor acceptor(io, tcp::v4());
@@ -361,8 +360,8 @@ TEST(Servers, NeedNotAccept) {
   EXPECT_EQ(outcome.output, "icehost: " + name + ": cannot connect: Connection timed out\n");
 }
 
-// A server may answer only after it has read everything that was sent. If more answers are under
-// way than the buffers can store, each side waits for the other for ever.
+// A server may read everything before it answers. If the buffers are too small for the answers,
+// each side then waits for the other forever.
 TEST(Servers, HaveFewAnswersUnderWay) {
   std::size_t most = 0;
   const LocalServer late([&](tcp::socket& client) {
@@ -384,7 +383,7 @@ TEST(Servers, HaveFewAnswersUnderWay) {
   EXPECT_LE(most, 2048U);
 }
 
-// If the limit of open files is too low, icehost reports this reason and no other.
+// If the limit of open files is too low, icehost reports only this reason.
 TEST(Servers, AreOutOfReachWithoutFiles) {
   if (ICESCRIPT_SANITIZED) GTEST_SKIP() << "a sanitizer opens files of its own";
   const LocalServer silent(kSilent);

@@ -1,6 +1,5 @@
 #!/usr/bin/env bash
-# OpenOCD is a client of icehost serve, which serves the simulated target or is a proxy for another
-# server, and records what OpenOCD does. usage: openocd_as_client.sh ICEHOST SOURCE_FOLDER
+# OpenOCD is a client of icehost serve, which serves the simulated target or another server.
 source "$(dirname "${BASH_SOURCE[0]}")/../lib.sh"
 
 # record NAME OPTION...: starts a server that writes its records to files with this name.
@@ -19,11 +18,11 @@ record proxy --probe "remote-bitbang:127.0.0.1:$port"
   'adapter assert trst; adapter deassert trst; exit') || fail "OpenOCD"
 grep -qx 'scratch 12345678' "$scratch/openocd.log" || fail "the scratch register"
 grep -q 'tap/device found: 0x2badc001' "$scratch/openocd.log" || fail "the IDCODE"
-# The proxy ends first: the other server writes its last lines when the proxy has left.
+# The proxy ends first, because the other server writes its last lines when the proxy has left.
 stop TERM "$server"
 stop TERM "$direct"
 
-# OpenOCD looks for up to 20 TAPs: it reads the IDCODE, and then ones up to 672 bits.
+# OpenOCD looks for up to 20 TAPs, so it reads the IDCODE, and then ones up to 672 bits.
 ones=$(printf 'f%.0s' {1..160})
 for name in direct proxy; do
   cut -d' ' -f2- "$scratch/$name.trace" | grep -v '^client\|^ended' >"$scratch/told.txt"

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# icehost detect reports the chain known to OpenOCD: openocd_detect.sh ICEHOST SOURCE_FOLDER
+# icehost detect reports the chain known to OpenOCD.
 source "$(dirname "${BASH_SOURCE[0]}")/../lib.sh"
 
 # begin TAP...: starts a target, and OpenOCD with these TAPs declared.
@@ -14,7 +14,7 @@ end() {
   wait "$server"
 }
 
-# detect STATUS OPTION...: must end with STATUS; writes to out.txt and err.txt.
+# detect STATUS OPTION...: runs detect, with its output in out.txt and err.txt; expects STATUS.
 detect() {
   local wanted=$1 status=0
   shift
@@ -22,10 +22,10 @@ detect() {
   [ "$status" = "$wanted" ] || fail "detect $* ended with $status"
 }
 
-# said OPTION... PATTERN: checks that a line of err.txt matches; the options are those of grep.
+# said OPTION... PATTERN: checks that grep with these options finds a line in err.txt.
 said() { grep -q "$@" "$scratch/err.txt" || fail "no line $*"; }
 
-# The name of the manufacturer comes from OpenOCD, whose state does not change.
+# The name of the manufacturer comes from OpenOCD. detect does not change OpenOCD's state.
 begin 'a tap -irlen 5 -expected-id 0x4ba00477 -expected-id 0x3ba00477' 'b tap -irlen 4 -disable'
 arm='TAP 1 (a.tap): IDCODE 0x4ba00477: version 4, part 0xba00, manufacturer 0x23b (bank 5, code 0x3b: ARM Ltd)'
 detect 0 --probe "$probe"
@@ -40,14 +40,14 @@ holds err.txt ''
 "$icehost" run -q --strict --probe "$probe:a.tap" "$scratch/out.txt" || fail "the script does not pass"
 detect 3 --probe "$probe:b.tap"
 holds err.txt 'icehost: OpenOCD has no TAP "b.tap": expected a.tap'
-# The target is gone: IDCODEs that OpenOCD read when it started must not be reported.
+# If the target is gone, detect must not report the IDCODEs that OpenOCD read when it started.
 stop TERM "$server"
 detect 3 --probe "$probe"
 said '^icehost: OpenOCD cannot examine its chain: Error on socket'
 holds out.txt ''
 end
 
-# The chip is not the expected one: there is no script.
+# If the chip is not the expected one, detect writes no script.
 begin 'a tap -irlen 5 -expected-id 0x4ba01477'
 detect 1 --script jtag --probe "$probe"
 holds out.txt ''
@@ -56,25 +56,25 @@ said -F '       expected 0x4ba01477'
 said '^icehost: OpenOCD: JTAG tap: a.tap UNEXPECTED: 0x4ba00477'
 end
 
-# OpenOCD declares more TAPs than the chain has.
+# OpenOCD may declare more TAPs than the chain has.
 begin 'a tap -irlen 5' 'b tap -irlen 5'
 detect 1 --probe "$probe"
 said '^icehost: TAP 2 (b.tap): 0xffffffff is not a valid IDCODE'
 end
 
-# No TAP is declared: OpenOCD finds the TAP itself.
+# If no TAP is declared, OpenOCD finds the TAP itself.
 begin
 detect 0 -q --script jtag --probe "$probe"
 grep -qx 'IR=5,0x1f' "$scratch/out.txt" || fail "no script"
 
-# In a chain of three, OpenOCD and icehost do the same to the TAP in the middle.
+# In a chain of three TAPs, OpenOCD and icehost do the same to the TAP in the middle.
 serve --chain 4,5,6 --tap 2 --trace="$scratch/chain.txt"
 start_openocd 'jtag newtap a tap -irlen 4' 'jtag newtap b tap -irlen 5' 'jtag newtap c tap -irlen 6' init
 pins=remote-bitbang:127.0.0.1:$port
 detect 0 --probe "$probe"
 idcodes() { grep -o 'IDCODE 0x[0-9a-f]*' "$scratch/out.txt"; }
 declared=$(idcodes)
-# played FILE OPTION...: writes what a run reads from the TAP, and the IR scans of the chain.
+# played FILE OPTION...: writes the values that a run reads, and the IR scans of the chain.
 played() {
   local file=$scratch/$1 before
   shift

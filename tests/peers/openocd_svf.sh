@@ -1,9 +1,8 @@
 #!/usr/bin/env bash
 # OpenOCD plays the files of run --svf on the simulated target, and icehost imports them again.
-# usage: openocd_svf.sh ICEHOST SOURCE_FOLDER
 source "$(dirname "${BASH_SOURCE[0]}")/../lib.sh"
 
-# target OPTION...: replaces the target by a new one.
+# target OPTION...: replaces the target with a new one.
 target() {
   [ -z "${server:-}" ] || stop TERM "$server"
   serve "$@"
@@ -12,7 +11,7 @@ target() {
 tap='jtag newtap sim tap -irlen 5 -expected-id 0x1ce51001 -expected-id 0x1ce51003'
 play() { (with_openocd "$tap" 'tcl_port disabled' init "svf $1" exit); }
 
-# refused FILE KIND: OpenOCD must find another IDCODE than the script read.
+# refused FILE KIND: OpenOCD must fail because the IDCODE differs from the one that the script read.
 refused() {
   play "$1" && fail "OpenOCD accepted the wrong IDCODE of a $2 script"
   grep -q 'tdo check error' "$scratch/openocd.log" || fail "OpenOCD failed for another reason"
@@ -34,7 +33,7 @@ for script in examples/read_idcode.ini examples/scratch_register.ini examples/tw
   grep -q 'svf file programmed successfully' "$scratch/openocd.log" || fail "no success of $script"
 done
 
-# The player finds another target by the values that the script read, but ignores masked bits.
+# The player fails on a target with other values than the script read, unless they are masked.
 written "$scratch/ini.svf" examples/read_idcode.ini
 written "$scratch/gpio.svf" examples/read_idcode.gpio
 target --idcode 2ce51001
@@ -43,7 +42,7 @@ refused "$scratch/gpio.svf" GPIO
 target --idcode 1ce51003
 refused "$scratch/ini.svf" JTAG
 
-# With OpenOCD as the probe the scans are the same, but without the captured IR.
+# With OpenOCD as the probe, the scans are the same, but without the captured IR.
 scans() { grep -oE '^S[DI]R .*' "$1" | sed -E "${2:-}"; }
 target
 start_openocd "$tap"
@@ -65,7 +64,7 @@ verdict() {
 }
 
 # A file and its import, in both forms, have the same scans, and the same verdict on every target.
-# The exception is reset.ini: SVF has no statement for NRST.
+# reset.ini is an exception, because SVF has no statement for NRST.
 for script in examples/*.ini examples/*.gpio; do
   written "$scratch/there.svf" "$script"
   for form in jtag gpio; do

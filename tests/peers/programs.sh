@@ -1,7 +1,6 @@
 #!/usr/bin/env bash
 # icehost with other programs: OpenOCD as client and as probe, openFPGALoader as client, sigrok-cli
-# and GTKWave's converters on the waveform, an XML parser on the picture.
-# usage: programs.sh ICEHOST SOURCE_FOLDER
+# and GTKWave's converters on the waveform, and an XML parser on the picture.
 source "$(dirname "${BASH_SOURCE[0]}")/../lib.sh"
 
 serve --idcode 0x2BADC001
@@ -29,7 +28,7 @@ icehost: $2 failed"
 scans=(tests/scripts/idcode.ini examples/scratch_register.ini examples/reset.ini)
 same_as_simulated "$probe" "${scans[@]}"
 same_as_simulated "$probe:sim.tap" tests/scripts/idcode.ini
-# Without pins a page is possible, unlike a waveform, and shows the scans.
+# With a probe without pins, a page shows the scans, but a waveform is impossible.
 "$icehost" run -q --probe "$probe" --html - tests/scripts/idcode.ini \
   >"$scratch/page.html" || fail "a page of OpenOCD"
 grep -q '"DR 0x2badc001"' "$scratch/page.html" && grep -q '"total_steps":0,' "$scratch/page.html" ||
@@ -60,7 +59,7 @@ printf '[ORVEX_ICE_GPIO]\nSTART\nGPIO_OE=0x1F\nPRINT=GPIO_IN\nEND\n' |
   "$icehost" run -q --probe "$bitbang" --learn - - >"$scratch/run.txt"
 grep -qE '^PRINT=GPIO_IN  # expect 0x[02]0/0x20$' "$scratch/run.txt" || fail "pins on $bitbang"
 
-# edges VCD: prints all changes as TIME NAME VALUE, sorted, whatever codes and order the file has.
+# edges VCD: prints all changes as TIME NAME VALUE, sorted, whatever codes the file uses.
 edges() {
   awk '$1 == "$var" { name[$4] = $5 }
     /^#/ { time = substr($1, 2) }
@@ -99,7 +98,7 @@ same_in_gtkwave "$scratch/run.vcd"
 
 stop TERM "$server"
 
-# With both protocols the same scripts make the same calls, and the same scans at the server.
+# With both protocols, a script makes the same calls, and the same scans at the server.
 for protocol in remote-bitbang xvc; do
   serve --protocol "$protocol" --trace="$scratch/served.txt" --vcd "$scratch/$protocol.vcd"
   for script in examples/{read_idcode,scratch_register,two_wire}.ini \
@@ -150,7 +149,7 @@ serve_socket
 stop INT "$server"
 [ ! -e "$scratch/socket" ] || fail "the socket file is left"
 
-# A client that is silent for too long is disconnected when another one connects.
+# A client that is silent for too long is disconnected when another client connects.
 serve --idle-limit 0.01
 exec 4<>"/dev/tcp/127.0.0.1/$port"
 printf 'R' >&4

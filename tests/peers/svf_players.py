@@ -1,8 +1,5 @@
 #!/usr/bin/python3 -B
-"""OpenOCD plays an SVF file, and icehost runs the GPIO script that it imports: both do the same.
-
-usage: svf_players.py ICEHOST SOURCE_FOLDER
-"""
+"""OpenOCD plays an SVF file, and icehost runs the script imported from it, with the same effect."""
 import subprocess
 import sys
 
@@ -58,7 +55,7 @@ def played(vcd):
 
 
 def write_svf(text):
-    """Writes one statement per line, because OpenOCD reads only one."""
+    """Writes one statement per line, because OpenOCD reads only the first of a line."""
     write("all.svf", text.replace(";", ";\n"))
 
 

@@ -33,7 +33,7 @@ TEST(Entry, NumbersReadsAcrossCalls) {
   EXPECT_EQ(last, "GPIO_DATA_3 = 0x00000003\n");
 }
 
-// Text on standard output must be there even if the host exits without flushing it.
+// Text on standard output must appear even if the host exits without flushing it.
 TEST(Entry, FlushesStandardOutput) {
   TempFile script("[A]\nIR=1\nDR=W,0\n");
   const Module module;

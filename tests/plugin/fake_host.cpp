@@ -8,7 +8,7 @@
 
 namespace {
 
-FakeHost* running = nullptr;  // the callback gets no handle
+FakeHost* running = nullptr;  // global because the callback gets no handle
 
 FakeHost& HostOf(LinkHandle handle) {
   return *static_cast<FakeHost*>(handle);

@@ -11,30 +11,30 @@
 #include "tests/temp_file.h"
 
 // Writes a transcript with one event per line:
-//   "text"                          a message, line breaks and tabs as \n and \t; adjacent messages
-//                                   are joined unless `pieces` is set
+//   "text"                          a message, with \n and \t for line breaks and tabs; joined with
+//                                   adjacent messages unless `pieces` is set
 //   config CODE VALUE               reset KIND              execute
 //   insert BITS:BYTES BITS:BYTES    bytes in hexadecimal, in the order of the array
 //   gpio OUT OE FLAGS               in hexadecimal
 class FakeHost {
  public:
-  // Results for each kind of call, by its first word above, or by "query" for LINK_CONFIG_GET_CDI.
-  // The n-th call gets the n-th result, or 0 if there is none.
+  // The results for each kind of call. The key is the first word, or "query" for
+  // LINK_CONFIG_GET_CDI. The n-th call gets the n-th result, or 0 if there is none.
   std::map<std::string, std::vector<int>> results;
-  // The number of the call whose result is `answer`, from 0 over all kinds; negative for none.
+  // The call whose result is `answer`: its number among all calls, from 0, or negative for none.
   int answered_call = -1;
   int answer = 0;
-  // The values that pin reads store, in order. Further reads store nothing.
+  // The values that pin reads store, in order. Later reads store nothing.
   std::vector<std::uint32_t> pin_reads;
   // Bytes that each execute copies to the start of the capture buffer.
   std::vector<std::uint8_t> capture;
-  // The number of messages before the one that throws an int; negative for none.
+  // The message at which the callback throws an int: its number from 0, or negative for none.
   int throw_after = -1;
   bool pieces = false;
 
-  // Load the plug-in, so that reads are numbered from 0, and run a file with this text, or the file
-  // at `path`, which may be null. Return the transcript. It ends with the text on standard output,
-  // if any, as "stdout TEXT", and with the result as "= N", or "thrown N" for a thrown int.
+  // Load the plug-in, so that reads are numbered from 0. Then run a file with this text, or the
+  // file at `path`, which may be null. Return the transcript, which ends with any text on standard
+  // output as "stdout TEXT" and with the result as "= N", or with "thrown N" for a thrown int.
   std::string RunText(const std::string& script);
   std::string RunFile(const char* path);
 
@@ -52,7 +52,7 @@ class FakeHost {
 // Returns `text` in quotes, with line breaks as \n and tabs as \t.
 std::string Quoted(const std::string& text);
 
-// The built plug-in, loaded. The constructor throws std::runtime_error if it cannot be loaded.
+// The loaded plug-in. The constructor throws std::runtime_error if it cannot load the plug-in.
 class Module {
  public:
   Module();

@@ -1,4 +1,3 @@
-// GPIO scripts: what a host sees when the built plug-in runs whole files.
 #include <gtest/gtest.h>
 
 #include <climits>
@@ -30,7 +29,7 @@ TEST(GpioScript, TurnsLinesIntoOperations) {
     const char* lines;
     const char* operations;
   } kCases[] = {
-      // Every pin. A line starts with the pin state of the previous one.
+      // These lines set every pin. A line starts with the pin state of the previous line.
       {"NRST=1\nTRST=1\nTCK=1\nTMS=1\nTDI=1\nTDO=1\nEND",
        "gpio 01 3f 01\ngpio 03 3f 01\ngpio 07 3f 01\ngpio 0f 3f 01\ngpio 1f 3f 01\ngpio 3f 3f 01\n"
        "gpio 3f 3f 10\n"},
@@ -38,34 +37,33 @@ TEST(GpioScript, TurnsLinesIntoOperations) {
        "gpio 3f 3f 01\ngpio 3e 3f 01\ngpio 3c 3f 01\ngpio 38 3f 01\ngpio 30 3f 01\ngpio 20 3f 01\n"
        "gpio 00 3f 01\ngpio 00 3f 10\n"},
       {"NRST=1, TMS=1 ,TMS=0\r\n\n tdi = 1 \nEND", "gpio 01 3f 01\ngpio 11 3f 01\ngpio 11 3f 10\n"},
-      // A word without "=" is its own value. As a number it is 0.
+      // A word without "=" is its own value, and counts as the number 0.
       {"GPIO_OUT=0x3f\nNRST\nGPIO_OUT\nEND",
        "gpio 3f 3f 01\ngpio 3e 3f 01\ngpio 00 3f 01\ngpio 00 3f 10\n"},
       // Clearing any pin also clears the bits above the pins.
       {"GPIO_OUT=0x40\nTCK=1\nTCK=0\nEND",
        "gpio 40 3f 01\ngpio 44 3f 01\ngpio 00 3f 01\ngpio 00 3f 10\n"},
-      // An empty value is the last number, even from an earlier line.
+      // An empty value means the last number, even if that is from an earlier line.
       {"TCK=1\nTCK=0,TCK=1\nTMS=\nEND",
        "gpio 04 3f 01\ngpio 04 3f 01\ngpio 0c 3f 01\ngpio 0c 3f 10\n"},
       {"TCK=1\nPRINT=GPIO_IN\nTCK=\nEND",
        "gpio 04 3f 01\ngpio 04 3f 02\n\"error: Get GPIO_DATA_0 fail.\"\ngpio 00 3f 01\n"
        "gpio 00 3f 10\n"},
       {"TCK=1\nREPT=\nTMS=1\nENDR\nEND", "gpio 04 3f 01\ngpio 0c 3f 01\ngpio 0c 3f 10\n"},
-      // NRST=1 drops the flags of the items before it on its line; NRST=0 does not.
+      // NRST=1 drops the flags of the items before it on its line, but NRST=0 does not.
       {"GPIO_OE=0x3, NRST=1\nNRST=1, GPIO_OE=0x7\nPRINT=GPIO_IN,NRST=1\nEND",
        "gpio 01 03 01\ngpio 01 07 05\ngpio 01 07 01\ngpio 01 07 10\n"},
       {"GPIO_OE=0, NRST=0\nEND", "gpio 00 00 05\ngpio 00 00 10\n"},
-      // Forms of numbers.
       {"GPIO_OUT=0x100000001\nGPIO_OUT= 12z\nGPIO_OUT=0X10\nGPIO_OUT=-0x10\nGPIO_OUT=0x-5\n"
        "GPIO_OUT=\t+7\nGPIO_OUT=010\nGPIO_OUT=0x\nEND",
        "gpio 01 3f 01\ngpio 0c 3f 01\ngpio 00 3f 01\ngpio 00 3f 01\ngpio 00 3f 01\ngpio 07 3f 01\n"
        "gpio 0a 3f 01\ngpio 00 3f 01\ngpio 00 3f 10\n"},
-      // END may be anywhere in a line and have a value. Everything after it is ignored.
+      // END may be anywhere in a line and have a value. The plug-in ignores everything after it.
       {"TDO=1, END, junk\njunk", "gpio 20 3f 11\n"},
       {"GPIO_OE=1,end=0", "gpio 00 01 14\n"},
       // "#" starts a comment, which may be alone on its line.
       {"# none\n  # none\nTCK=1 # one\nEND", "gpio 04 3f 01\ngpio 04 3f 10\n"},
-      // A block runs as often as its count says, each time that it is reached.
+      // Each time that a block is reached, it runs as often as its count says.
       {"rept=2\nTCK=1\nREPT=3\nTCK=0\nENDR=9\nENDR\nREPT=1\nTMS=1\nENDR\nREPT=5\nENDR\nEND",
        "gpio 04 3f 01\ngpio 00 3f 01\ngpio 00 3f 01\ngpio 00 3f 01\ngpio 04 3f 01\ngpio 00 3f 01\n"
        "gpio 00 3f 01\ngpio 00 3f 01\ngpio 08 3f 01\ngpio 08 3f 10\n"},
@@ -124,7 +122,7 @@ TEST(GpioScript, IsToldByItsHead) {
   const std::string no_end = "\"Syntax error, no end found\"\n= -1\n";
   const std::string no_start = "\"Syntax error: no start found.\"\n= -1\n";
   const std::string ran = kBanner + "gpio 00 3f 08\ngpio 00 3f 10\n" + kEnd;
-  const std::string no_gpio = "\"Execute ORVEX_JTAG Script.\\n";  // after an empty message
+  const std::string no_gpio = "\"Execute ORVEX_JTAG Script.\\n";  // follows an empty message
   const struct {
     const char* text;
     std::string transcript;
@@ -154,7 +152,7 @@ TEST(GpioScript, IsToldByItsHead) {
 TEST(GpioScript, ReportsReads) {
   FakeHost host;
   host.pin_reads = {0x1a, 0, 0xDEADBEEF};
-  // The third run of the block stores a value. The fourth stores nothing and shows it again.
+  // The third run of the block stores a value. The fourth stores nothing and reports it again.
   EXPECT_EQ(host.RunText(kHead + "REPT=4\nPRINT=GPIO_IN\nENDR\nPRINT=GPIO_IN\nEND"),
             kBanner +
                 "gpio 00 3f 08\n"

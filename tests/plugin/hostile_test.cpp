@@ -1,4 +1,3 @@
-// The built plug-in runs scripts of hostile size and content.
 #include <gtest/gtest.h>
 
 #include <cerrno>
@@ -41,17 +40,17 @@ TEST(HostileScript, IsRunOrRefused) {
       {kGpio + Times(1000000, "TCK=1\n") + "END", "gpio 04 3f 10\n\"" + kEnd + "= 0\n"},
       {kGpio + Times(200, "REPT=1\n") + "TMS=1\n" + Times(200, "ENDR\n") + "END",
        "gpio 00 3f 08\ngpio 08 3f 01\ngpio 08 3f 10\n\"" + kEnd + "= 0\n"},
-      // A search through the block at each REPT would take half an hour here.
+      // If the plug-in searched the block at each REPT, this case would take half an hour.
       {kGpio + "REPT=50\n" + Times(100000, "REPT=1\n") + "TMS=1\n" + Times(100001, "ENDR\n") +
            "END",
        Times(50, "gpio 08 3f 01\n") + "gpio 08 3f 10\n\"" + kEnd + "= 0\n"},
       {kGpio + Times(200, "REPT=9\n") + "END", "\"syntax error: rept & endr not match.\"\n= -1\n"},
       {kGpio + std::string("TCK=1\0junk\nEND", 14), "gpio 04 3f 10\n\"" + kEnd + "= 0\n"},
       {kGpio + "\x80\xFF\nEND", "\"Syntax error in line3 : \x80\xFF\"\n= -1\n"},
-      {kGpio + "TCK=1\rEND\r", no_end},  // one line; its number ends at the first "\r"
+      {kGpio + "TCK=1\rEND\r", no_end},  // this is one line, whose number ends at "\r"
       // Sections without values are ignored.
       {Sections(100000, "\n"), "Script.\\n" + kEnd + "= 0\n"},
-      // Lookups are linear: ten times as many names take a hundred times as long.
+      // Lookups are linear, so ten times as many names would take a hundred times as long.
       {Sections(2000, kScan), "DR   0 bits out value 0x\\n" + kEnd + "= 0\n"},
       {"[" + name + "]\nIR=8\nDR=W,0", kEnd + "stdout \"" + name + " syntax error\\n\"\n= 0\n"},
       {"[A]\n" + name + "=1", missing},
@@ -62,7 +61,7 @@ TEST(HostileScript, IsRunOrRefused) {
   };
   for (const auto& test : kCases) {
     FakeHost host;
-    errno = EINTR;  // left by an earlier call of the host: the reader must not retry because of it
+    errno = EINTR;  // from an earlier call of the host; the reader must not retry because of it
     const std::string transcript = host.RunText(test.script);
     EXPECT_EQ(transcript.substr(transcript.size() - std::min(transcript.size(), test.end.size())),
               test.end)

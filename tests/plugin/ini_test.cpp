@@ -1,4 +1,3 @@
-// The INI store, its reader, and SplitString.
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -33,7 +32,7 @@ TEST(IniStore, KeepsTheOrderOfFirstAssignment) {
   EXPECT_TRUE(ini.GetValue("B", "X") == "4" && ini.GetValue(0, "Y") == "3");
 }
 
-// A lookup compares the last four bytes first.
+// A lookup compares the last four bytes of a name first.
 TEST(IniStore, TellsNamesWithTheSameEndApart) {
   CIniFile ini;
   const std::vector<std::string> names = {"SCAN1000", "scan1000", "1000",     "X1000", "",    "A",
@@ -76,7 +75,7 @@ TEST(IniStore, AnswersWhatIsMissing) {
   EXPECT_STREQ(ini.error_msg, kNoValue);
 }
 
-// Returns each section as "[SECTION]", followed by "{NAME=VALUE}" for each of these names in it.
+// Returns each section as "[SECTION]", followed by "{NAME=VALUE}" for each of `names` in it.
 std::string Dump(CIniFile& ini, const std::vector<std::string>& names) {
   std::string dump;
   for (int i = 0; i < ini.GetNumKeys(); ++i) {

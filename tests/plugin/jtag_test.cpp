@@ -1,4 +1,3 @@
-// JTAG scripts: what a host sees when the built plug-in runs whole files.
 #include <gtest/gtest.h>
 
 #include <numeric>
@@ -20,7 +19,7 @@ std::string RunJtag(FakeHost& host, const std::string& script) {
   return transcript.substr(std::min(head.size(), transcript.size()));
 }
 
-// Returns the arguments of a script's insert calls: its numbers as the plug-in reads them.
+// Returns the arguments of the insert calls: the numbers of the script as the plug-in reads them.
 std::string Inserts(const std::string& script) {
   FakeHost host;
   std::istringstream transcript(RunJtag(host, script));
@@ -105,7 +104,7 @@ TEST(JtagScript, ConvertsItsNumbers) {
       {"IR=9223372036854775806,1\nDR=W,-9223372036854775807,1", "-2: 1:01\n"},
       {"IR=24,7ffffffffffffffe,8000000000000000,-8000000000000001\nDR=W,-9999999999999999999",
        "24:feff00 0:\n"},
-      // Any white space may precede a number. The characters next to digits in ASCII end it.
+      // White space may precede a number. ASCII neighbours of digits and letters end the number.
       {"IR=48,\v\r1,1/,1:,1@,1G,1`\nDR=W,40,1g,0X0x1f,0aX1,0x,\t 1",
        "48:010101010101 40:011f0a0001\n"},
       {"IR=3,1,2,3,4\nDR=W,3,1,2,3,4", "3:01 3:01\n"},
@@ -142,7 +141,7 @@ TEST(JtagScript, NeverHandsOverMoreThanARecordHolds) {
     bool runs;
   } kCases[] = {
       {"IR=288" + Fields(36) + "\nDR=W,288" + Fields(36), true},
-      {"IR=8" + Fields(99) + "\nDR=W,0" + Fields(99), true},  // stores 8 bytes and none
+      {"IR=8" + Fields(99) + "\nDR=W,0" + Fields(99), true},  // stores 8 bytes of IR, none of DR
       {"IR=36" + Fields(37) + "\nDR=W,36" + Fields(36), true},
       {"IR=37" + Fields(37) + "\nDR=W,8,1", false},
       {"IR=8,1\nDR=R,288" + Fields(37), false},
@@ -167,7 +166,7 @@ TEST(JtagScript, BoundsTheLongestScan) {
   std::iota(host.capture.begin(), host.capture.end(), std::uint8_t{0x80});
   const std::string scan = "IR=288" + Fields(36) + "\nDR=R,288" + Fields(36) + "\n";
   const std::string transcript = RunJtag(host, "[A]\n" + scan + "[B]\n" + scan);
-  // The bytes of Fields(36) as listed are 01 to 36, in hexadecimal.
+  // Fields(36) lists the bytes 01 to 36, in hexadecimal.
   std::string listed, dump, capture5, capture2;
   char byte[3];
   for (int i = 1; i <= 36; ++i) {
@@ -182,7 +181,7 @@ TEST(JtagScript, BoundsTheLongestScan) {
   EXPECT_NE(transcript.find("insert 288:" + listed + " 288:" + listed + "\n"), std::string::npos);
   EXPECT_NE(transcript.find("DR 288 bits in  value 0x" + dump + "\\n"), std::string::npos);
   EXPECT_NE(transcript.find("DR 288 bits out value 0x" + capture5 + "\\n"), std::string::npos);
-  // With two wires bytes 0 to 31 move up by one, 33 to 35 do not, and the array ends the dump.
+  // With two wires, bytes 0 to 31 move up by one, and bytes 33 to 35 stay. The array ends the dump.
   const std::string moved = listed.substr(0, 64) + listed.substr(66);
   const std::string moved_dump = dump.substr(0, 6) + dump.substr(8);
   EXPECT_NE(transcript.find("insert 296:00" + moved + " 296:01" + moved + "\n"), std::string::npos);
@@ -213,7 +212,7 @@ TEST(JtagScript, ReportsWhatItDoesNotUnderstand) {
       {"[CONTROL]\nX=1", syntax("CONTROL")},
       {"[A%s]\nIR=8\nDR=W,0\n[CONTROL]\nCDI=5", five_wire + syntax("A%s")},
       {"[A]\nIR=8,1\nDR=R", syntax("A")},
-      // For a section without IR or DR the message is that of the last lookup that failed.
+      // For a section without IR or DR, the message is that of the last lookup that failed.
       {"[CONTROL]\nCDI=5\n[A]\nIR=8,1\n[B]\nIR=8,1\nDR=W,0", missing + five_wire + ok},
       {"[CONTROL]\nCDI=5\n[A]\nIR=", missing + five_wire + ok},
       {"[CONTROL]\nRESET=1\n[A]\nIR=", reset + ok},

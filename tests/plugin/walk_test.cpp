@@ -1,5 +1,5 @@
-// Runs the examples cut at every byte, with a failure of every call, and with an exception at every
-// message and every allocation. Only the sanitizers find leaks.
+// Runs the examples cut at every byte, with each call failing, and with an exception at each
+// message and each allocation. Only the sanitizers find leaks.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -13,11 +13,11 @@
 #include "tests/plugin/fake_host.h"
 
 namespace {
-// How many allocations succeed before the only one that fails; none fails if negative.
+// The number of allocations before the one that fails; if it is negative, none fails.
 int allocations_left = -1;
 }  // namespace
 
-// These replace the library's operators in the whole process, also for the array forms.
+// These operators replace the library's in the whole process. The array forms call them, too.
 void* operator new(std::size_t size) {
   void* const block = allocations_left-- == 0 ? nullptr : std::malloc(size > 0 ? size : 1);
   if (block == nullptr) throw std::bad_alloc();
@@ -114,7 +114,7 @@ TEST(EveryExample, StopsAtTheCallThatFails) {
   for (const std::string& script : Examples()) {
     const std::string whole = FakeHost().RunText(script);
     const Texts calls = Calls(whole);
-    std::size_t done = 0;  // the end in `whole` of the call that gets the result
+    std::size_t done = 0;  // where the call that gets the result ends in `whole`
     for (std::size_t i = 0; i < calls.size(); ++i) {
       done = whole.find("\n" + calls[i] + "\n", done) + calls[i].size() + 1;
       for (const int result : {INT_MIN, -1, 0, 1, 2, INT_MAX}) {
@@ -134,7 +134,7 @@ TEST(EveryExample, StopsAtTheCallThatFails) {
   }
 }
 
-// In the two tests below the plug-in stays loaded, and an exception must not affect the next run.
+// In the two tests below, the plug-in stays loaded, and an exception must not affect the next run.
 
 TEST(EveryScript, PassesTheHostsExceptionOn) {
   const Module stays_loaded;
@@ -172,7 +172,7 @@ TEST(EveryScript, PassesOnThatThereIsNoMemory) {
       EXPECT_EQ(thrown, failed) << k << script;
       EXPECT_EQ(Transcript(script), whole) << k;
     }
-    EXPECT_GT(k, 1) << script;  // else the module does not call the operators of this file
+    EXPECT_GT(k, 1) << script;  // otherwise the module does not call the operators of this file
   }
 }
 
