@@ -25,7 +25,7 @@ constexpr const char* kLongScan = "a scan has more than 1048576 bits: it is not 
 static_assert(kMostScanBits == 1048576);
 constexpr const char* kPause = "a scan went through a Pause state, but a player does not";
 constexpr const char* kNoIdle =
-    "scans followed each other without Run-Test/Idle between them, but a player goes through it";
+    "scans followed each other without Run-Test/Idle between them, but a player enters this state";
 
 bool IsShift(std::optional<TapState> state) {
   return state == TapState::kShiftDr || state == TapState::kShiftIr;

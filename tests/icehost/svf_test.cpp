@@ -60,7 +60,8 @@ TEST(Svf, SaysWhatTheTapDoes) {
   };
   const std::string paused = loss("a scan went through a Pause state, but a player does not");
   const std::string no_idle = loss(
-      "scans followed each other without Run-Test/Idle between them, but a player goes through it");
+      "scans followed each other without Run-Test/Idle between them, but a player enters this "
+      "state");
   const struct {
     const char* edges;
     std::string told;
