@@ -263,8 +263,8 @@ CLI::App& AddVerb(CLI::App& app, RunCommand& run) {
   AddProbe(verb, run.probe, ProbeHelp(), kChainGroup);
   verb.add_flag(
       "--strict", run.strict,
-      "Treat warnings as failures; also fail if a captured IR does not end in 01, or if the chain\n"
-      "does not match --chain or the IR lengths in the script (not checked with OpenOCD)");
+      "Treat warnings as failures; also fail if a captured IR does not end in 01, or if\n"
+      "the chain does not match --chain or the IR lengths in the script (except with OpenOCD)");
   verb.add_flag(
       "--force", run.force,
       "Also run scripts with errors, as the plug-in reads them; they still count as failed");
