@@ -159,10 +159,10 @@ void ObservedProbe::FindPlace() {
 void ObservedProbe::ReadPlace() {
   if (scan_.ir.bits <= 0 && played_pins_) {
     throw Unsupported(
-        "this scan loads no instruction, but icehost must first read the chain, which resets the "
-        "TAP: load an instruction first");
+        "this scan must load an instruction, because icehost first reads the chain, which resets "
+        "the TAP");
   }
-  if (recording_ != nullptr) recording_->BeginOperation("reading of the chain", {});
+  if (recording_ != nullptr) recording_->BeginOperation("reading the chain", {});
   const Chain chain = ReadChain(pins_->Port());
   pins_->ResetTapBeforeScan();
   pins_->SetPlace(place_ =

@@ -75,9 +75,10 @@ void RoundLog::PassOn(RunTime now) {
     next.pass();
   }
   if (std::exchange(cut_, false)) {
-    Warn("is too long to keep in memory: the outputs omit its calls and steps so far", now);
+    Warn("is too long to keep in memory: the outputs omit its calls and steps up to this point",
+         now);
   }
-  if (last) Warn("failed; later rounds are not recorded, because too many failed", now);
+  if (last) Warn("failed; later rounds are not recorded, because too many rounds failed", now);
 }
 
 void RoundLog::Warn(const char* what, RunTime now) {

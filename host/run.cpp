@@ -264,9 +264,9 @@ ExitStatus Runner::LearnFrom(const Script& script) {
   Learned learned = Learn(*script.text, script.plan, follower_.Read());
   const bool writable = !CheckScript(ScriptText(script.name, learned.script)).problems.HasErrors();
   if (!writable || follower_.Unread() > 0) {
-    events_.Say(fmt::format("nothing learned from {}: {}", script.path,
+    events_.Say(fmt::format("nothing was learned from {}: {}", script.path,
                             writable ? "this probe does not report every expected value"
-                                     : "the values that were read make a line too long"));
+                                     : "the values that were read would make a line too long"));
     return kScriptFailed;
   }
   learned_script_ = std::move(learned.script);

@@ -23,7 +23,7 @@ std::string WhyNot(const Problems& problems, const RunCommand& command) {
     return "has errors, so no script is run (--force runs scripts with errors, too)";
   }
   if (problems.Warnings() > 0 && command.strict) {
-    return "has warnings and --strict is given, so no script is run";
+    return "has warnings, so no script is run (because of --strict)";
   }
   return "";
 }

@@ -126,13 +126,13 @@ std::string RunTotals::RoundText() const {
 }
 
 std::string RunTotals::RoundCounts() const {
-  return fmt::format("rounds {}, failed {}", played_rounds_, failed_rounds_);
+  return fmt::format("rounds: {}, failed: {}", played_rounds_, failed_rounds_);
 }
 
 std::string RunTotals::Counts() const {
   const RunCounts& counts = probe_.Counts();
   const std::optional<long> cycles = probe_.TckCycles();
-  return fmt::format("operations {}, TCK cycles {}, bits shifted {}, reads {}, {:.3f} s",
+  return fmt::format("operations: {}, TCK cycles: {}, bits shifted: {}, reads: {}, time: {:.3f} s",
                      counts.operations, cycles.has_value() ? std::to_string(*cycles) : "unknown",
                      counts.bits, counts.reads, console_.Seconds());
 }

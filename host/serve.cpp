@@ -95,8 +95,8 @@ PageHead Serving::End(std::string& error) {
 
 PageHead Serving::Head(const std::string& error) const {
   const std::chrono::duration<double> served = std::chrono::steady_clock::now() - start_;
-  const std::string counts = fmt::format("clients {}, scans {}, steps {}, {:.3f} s", client_.number,
-                                         decoder_.Scans(), Steps(), served.count());
+  const std::string counts = fmt::format("clients: {}, scans: {}, steps: {}, time: {:.3f} s",
+                                         client_.number, decoder_.Scans(), Steps(), served.count());
   return {"serve " + listener_.Name(), error.empty() ? "ended" : "aborted", error.empty(),
           HeadEntries(command_.probe, counts, served.count())};
 }
@@ -169,8 +169,8 @@ void Serving::EndClient() {
   client_.scans = decoder_.Scans() - scans_before_;
   for (ServeListener* const one : outputs_.serve_listeners) one->OnClientLeft(client_, Steps());
   if (command_.verbose) {
-    const std::string scans = outputs_.Any() ? fmt::format(", scans {}", client_.scans) : "";
-    Say(fmt::format("client {} left: bytes {}{}", client_.number, client_.bytes, scans));
+    const std::string scans = outputs_.Any() ? fmt::format(", scans: {}", client_.scans) : "";
+    Say(fmt::format("client {} left (bytes: {}{})", client_.number, client_.bytes, scans));
   }
 }
 

@@ -126,7 +126,7 @@ std::optional<Bits> ChainReader::ReadTwice(From from, TapState shift, const Bits
   const auto differs = std::mismatch(first.begin(), first.end(), second.begin()).first;
   Fail(
       fmt::format("the signals are not stable: two readings of {} first differ in bit {} (TDO "
-                  "floats, TCK is too fast, or ground is missing)",
+                  "floats, TCK is too fast, or ground is not connected)",
                   what, differs - first.begin()));
   return std::nullopt;
 }
@@ -142,7 +142,7 @@ bool ChainReader::ReadIdcodes() {
     const auto end = LengthBetween(in, out);
     if (!end.has_value()) continue;
     TakeTaps(out, *end, *end);
-    if (*end == 0) Fail("no TAP: TDO repeats TDI without delay (they are connected)");
+    if (*end == 0) Fail("no TAP: TDO repeats TDI without delay (TDI and TDO are connected)");
     return !chain_.taps.empty();
   }
   ExplainEndless(out);

@@ -124,12 +124,12 @@ std::string Script::OptionsComment() const {
 
 std::string Script::Text() const {
   if (chain_.taps.size() > kMostTaps) {
-    throw Unsupported("no JTAG script: the chain has more than 64 TAPs");
+    throw Unsupported("cannot write a JTAG script: the chain has more than 64 TAPs");
   }
   if (IrBits() > kLongestScriptIr) {
-    throw Unsupported(
-        fmt::format("no JTAG script: the IR has {} bits, but a script allows at most {}", IrBits(),
-                    kLongestScriptIr));
+    throw Unsupported(fmt::format(
+        "cannot write a JTAG script: the IR has {} bits, but a script allows at most {}", IrBits(),
+        kLongestScriptIr));
   }
   std::string text = kJtagHead + BypassSection();
   const auto is_known = [](const ChainTap& tap) { return tap.ir_bits.has_value(); };

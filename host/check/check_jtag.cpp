@@ -104,7 +104,7 @@ class JtagOperations {
     const ScriptLine line = script_.Line(section.lines[key]);
     problems_.Error(
         line.Of(ValueOf(line)),
-        "a register has at most 256 bits over two wires: the plug-in loses the 33rd byte");
+        "a register can have at most 256 bits over two wires: the plug-in loses the 33rd byte");
   }
 
   void Append(JtagOperation operation) {

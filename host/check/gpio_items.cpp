@@ -52,7 +52,7 @@ void CheckValue(const ScriptLine& line, const NamedItem& item, Problems& problem
   if (digits.size() < 8 && IsDigits(digits, item.Base())) return;  // the usual case
   const Place place = line.Of(item.key);
   if (!item.has_equals) {
-    problems.Warn(place, "without \"=\", the plug-in sets this to 0");
+    problems.Warn(place, "without \"=\", the plug-in reads the value as 0");
   } else if (item.value.empty()) {
     problems.Warn(place, kEmptyValue);
   } else if (!IsNumber(item.value, item.Base())) {
@@ -110,14 +110,14 @@ std::string WhyNotPrint(const NamedItem& item) {
 
 // Returns a description of the numbers that a key accepts.
 std::string Range(const NamedItem& item) {
-  if (item.which == kRept) return "REPT must be 1 to 2147483647";
+  if (item.which == kRept) return "REPT must be from 1 to 2147483647";
   const std::string_view key = kItemKeys[item.which];
   return item.IsPin() ? fmt::format("{} must be 0 or 1", key)
-                      : fmt::format("{} must be 0 to 0x3F", key);
+                      : fmt::format("{} must be from 0 to 0x3F", key);
 }
 
 std::string WhyNotNumber(const NamedItem& item) {
-  if (!item.has_equals) return "without \"=\", it is 0; " + Range(item);
+  if (!item.has_equals) return "without \"=\", the value is 0; " + Range(item);
   if (item.value.empty()) return fmt::format("{}; {}", Range(item), kEmptyValue);
   const std::string cut = CutNumber(item.value, item.Base());
   return cut + (cut.empty() ? "" : "; ") + Range(item);

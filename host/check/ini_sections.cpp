@@ -81,7 +81,7 @@ void WarnOfKey(const ScriptLine& line, const IniKeys& keys, std::string_view nam
     problems.Error(line.Start(),
                    Holds(keys, "IR")
                        ? "unknown key, so nothing is compared: " + DidYouMean(meant)
-                       : "[CONTROL] does not read a value: move this key to a scan section");
+                       : "[CONTROL] scans no register: move this key to a scan section");
   } else if (Holds(keys, bare)) {
     problems.Warn(line.Of(name.substr(name.find_first_of(" \t"))),
                   fmt::format("this blank is part of the key: remove it if you mean \"{}\"", bare));

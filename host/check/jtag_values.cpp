@@ -148,7 +148,7 @@ void ExplainRefusal(const Fields& fields, std::size_t length_at, const char* for
   if (fields.text.empty()) {
     problems.Error(place, form);
   } else if (IsTooLong(fields, length_at)) {
-    problems.Error(place, "a register has at most 288 bits (36 bytes)");
+    problems.Error(place, "a register can have at most 288 bits (36 bytes)");
   }
 }
 

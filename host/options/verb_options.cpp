@@ -55,11 +55,12 @@ void AddScripts(CLI::App& verb, std::vector<std::string>& scripts, std::size_t& 
 }
 
 void AddTargetOptions(CLI::App& verb, TargetOptions& target) {
-  verb.add_option("--ir-length", target.ir_length, "Length of its IR in bits, 2 to 32 (default 5)")
+  verb.add_option("--ir-length", target.ir_length,
+                  "The length of the IR in bits, 2 to 32 (default 5)")
       ->check(CLI::Range(2, kLongestSimulatedIr).description(""))
       ->type_name("N")
       ->group(kTargetGroup);
-  AddParsed(verb, "--idcode", "HEX", "Its IDCODE; bit 0 must be 1 (default 1ce51001)",
+  AddParsed(verb, "--idcode", "HEX", "The IDCODE; bit 0 must be 1 (default 1ce51001)",
             [&target](const std::string& text) { target.idcode = ParseIdcode(text); })
       ->group(kTargetGroup);
   AddParsed(
@@ -95,7 +96,7 @@ void AddSpawn(CLI::App& verb, ProbeOptions& probe) {
             });
   NamesFile(verb.add_option(
       "--spawn-log", probe.spawn_log,
-      "Write the output of the command; after a failure, icehost also prints the last lines"));
+      "Write the output of COMMAND to FILE; after a failure, icehost also prints its last lines"));
 }
 
 void AddProbe(CLI::App& verb, ProbeOptions& probe, const std::string& help,
@@ -186,7 +187,7 @@ void CompletePlace(const CLI::App& verb, ProbeOptions& probe) {
     refuse("--ir-length", "differs from the IR length in --chain");
   }
   if (*std::max_element(lengths.begin(), lengths.end()) > kLongestSimulatedIr) {
-    refuse("--chain", "a simulated IR has at most 32 bits");
+    refuse("--chain", "a simulated IR can have at most 32 bits");
   }
   probe.target.ir_length = length;
 }
@@ -255,15 +256,15 @@ void CompleteServe(const CLI::App& verb, ServeCommand& serve) {
 CLI::App& AddVerb(CLI::App& app, RunCommand& run) {
   constexpr char kChainGroup[] = "Chain of TAPs (not for OpenOCD)";
   constexpr char kOutputGroup[] =
-      "Outputs (FILE - is standard output, which then omits the plug-in's messages)";
+      "Outputs (FILE may be - for standard output, which then omits the plug-in's messages)";
   CLI::App& verb =
       NewVerb(app, "run", "Run scripts in order and stop at the first that fails", run.quiet);
   AddScripts(verb, run.scripts, run.size_limit);
   AddProbe(verb, run.probe, ProbeHelp(), kChainGroup);
   verb.add_flag(
       "--strict", run.strict,
-      "Treat warnings as failures, and fail if a captured IR does not end in 01; except with\n"
-      "OpenOCD, also fail if the chain differs from --chain or from the IR lengths in the script");
+      "Treat warnings as failures; also fail if a captured IR does not end in 01, or if\n"
+      "the chain does not match --chain or the IR lengths in the script (except with OpenOCD)");
   verb.add_flag(
       "--force", run.force,
       "Also run scripts with errors, as the plug-in reads them; they still count as failed");
@@ -323,7 +324,7 @@ CLI::App& AddVerb(CLI::App& app, ImportCommand& import) {
       [&import](const std::string& text) { import.script = ParseScriptKind(text); });
   AddParsed(verb, "--tck-hz", "N",
             "The highest TCK rate of the probe in Hz, for the waits of a GPIO script\n"
-            "(default: FREQUENCY of the file)",
+            "(default: the FREQUENCY in the file)",
             [&import](const std::string& text) { import.tck_hz = ParseHertz(text); });
   AddParsed(verb, "--size-limit", "MIB", "Maximum size of the file, and of the script (default 64)",
             [&import](const std::string& text) { import.size_limit = ParseMebibytes(text); });
@@ -343,13 +344,14 @@ CLI::App& AddVerb(CLI::App& app, ServeCommand& serve) {
       ->required();
   AddParsed(verb, "--protocol", "PROTOCOL", ProtocolHelp(),
             [&serve](const std::string& text) { serve.protocol = &ParseProtocol(text); });
-  verb.add_flag("-v,--verbose", serve.verbose,
-                "Report when clients connect and leave, and errors in the data that they send");
+  verb.add_flag(
+      "-v,--verbose", serve.verbose,
+      "Report each client that connects or leaves, and errors in the data that clients send");
   AddParsed(verb, "--idle-limit", "SECONDS",
             "How long a client may be silent before another may replace it (default 60)",
             [&serve](const std::string& text) { serve.idle_limit = ParseSeconds(text); });
   AddOutputs(verb, &OutputKind::serve,
-             "Outputs that record what clients do (FILE - is standard output)");
+             "Outputs that record what clients do (FILE may be - for standard output)");
   AddProbe(verb, serve.probe, ServedProbeHelp());
   verb.final_callback([&verb, &serve] { CompleteServe(verb, serve); });
   return verb;

@@ -60,12 +60,12 @@ class ServePage : public Output, public ServeListener, public StepRecorder {
         "");
   }
   void OnClient(const ServedClient& client, std::size_t step) override {
-    writer_.AddMessage(fmt::format("client {} connected{}{}, {} us\n", client.number,
+    writer_.AddMessage(fmt::format("client {} connected{}{} at {} us\n", client.number,
                                    client.peer.empty() ? "" : " from ", client.peer, step));
   }
   void OnClientLeft(const ServedClient& client, std::size_t step) override {
-    writer_.AddMessage(fmt::format("client {} left: bytes {}, scans {}, {} us\n", client.number,
-                                   client.bytes, client.scans, step));
+    writer_.AddMessage(fmt::format("client {0} left at {3} us (bytes: {1}, scans: {2})\n",
+                                   client.number, client.bytes, client.scans, step));
   }
   void OnEnd(const std::string& error) override {
     if (!error.empty()) writer_.AddError(error, 0);

@@ -41,7 +41,7 @@ class ServeTrace : public Output, public ServeListener {
                            client.peer.empty() ? "" : " from ", client.peer);
   }
   void OnClientLeft(const ServedClient& client, std::size_t step) override {
-    stream_ << fmt::format("{} client {} left: bytes {}, scans {}\n", step, client.number,
+    stream_ << fmt::format("{} client {} left (bytes: {}, scans: {})\n", step, client.number,
                            client.bytes, client.scans);
   }
   void OnEnd(const std::string& error) override {

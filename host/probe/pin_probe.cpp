@@ -87,7 +87,7 @@ int PinProbe::Insert(int ir_bits, const std::uint8_t* ir, int dr_bits, const std
   // The check before a run cannot find this if an earlier script has selected two wires.
   if (wire_mode_ == CDI_ANSWER_2WIRE && std::max(ir_bits, dr_bits) - 8 > kMostTwoWireBits) {
     throw Unsupported(
-        "a register has at most 256 bits over two wires: the plug-in lost the 33rd byte");
+        "a register can have at most 256 bits over two wires: the plug-in lost the 33rd byte");
   }
   ir_ = ScanBits(ir_bits, ir);
   dr_ = ScanBits(dr_bits, dr);

@@ -165,7 +165,7 @@ void Server::Admit() {
   Accept();
   if (client_ != nullptr) {
     if (Clock::now() - client_->last_heard < idle_limit_) {
-      observer_.OnRefusal("a second client was refused: another one is connected");
+      observer_.OnRefusal("a client was refused because another one is connected");
       return;
     }
     observer_.OnRefusal("a silent client was disconnected to accept another one");

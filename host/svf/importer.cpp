@@ -65,7 +65,7 @@ class Words {
 const char* TakeStay(Words& words, SvfRunTest& run) {
   auto number = words.TakeNumber();
   if (!number.has_value()) return kRunTestForm;
-  if (words.Is("SCK")) return "SCK is a clock of the target system, which a probe does not have";
+  if (words.Is("SCK")) return "a probe does not have SCK, a clock of the target system";
   if (words.Take("TCK")) {
     run.cycles = *number;
     number = words.TakeNumber();

@@ -25,8 +25,8 @@ constexpr double kMostIdleCycles = 16;
 constexpr double kMostIdleSeconds = 1e-5;
 
 constexpr const char* kWait =
-    "a JTAG script cannot wait: only waits of up to 16 TCK cycles and 10 us between two scans can "
-    "be left out";
+    "a JTAG script cannot wait, and icehost leaves out only waits of up to 16 TCK cycles and 10 us "
+    "between two scans";
 
 constexpr const char* kEndState = "in a JTAG script, every scan begins and ends in Run-Test/Idle";
 
@@ -130,7 +130,7 @@ bool JtagForm::CanScan(const SvfShift& shift) {
     Refuse("TRST is on and keeps the TAP in Test-Logic-Reset");
   } else if (shift.tdi.size() > kMostBits) {
     Refuse(fmt::format(
-        "a register in a JTAG script has at most {} bits, including headers and trailers",
+        "a register in a JTAG script can have at most {} bits, including headers and trailers",
         kMostBits));
   } else {
     return true;

@@ -19,13 +19,13 @@ constexpr const char* kIdle = "IDLE";
 constexpr const char* kTwoWire = "SVF has no 2-wire interface: a player scans over 5 wires";
 constexpr const char* kReleased = "SVF cannot release pins: a player drives them";
 constexpr const char* kEmptyScan =
-    "SVF has no scan of 0 bits: a player skips its capture and its update";
+    "SVF has no scan of 0 bits: a player skips its capture and update";
 constexpr const char* kCutScan = "a scan was cut short: it is not in the file";
 constexpr const char* kLongScan = "a scan has more than 1048576 bits: it is not in the file";
 static_assert(kMostScanBits == 1048576);
 constexpr const char* kPause = "a scan went through a Pause state, but a player does not";
 constexpr const char* kNoIdle =
-    "scans followed each other without Run-Test/Idle between them, but a player goes through it";
+    "scans followed each other without Run-Test/Idle between them, but a player enters this state";
 
 bool IsShift(std::optional<TapState> state) {
   return state == TapState::kShiftDr || state == TapState::kShiftIr;

@@ -21,7 +21,7 @@ std::string Endpoint::Name() const {
 Endpoint ParseEndpoint(std::string_view text) {
   if (text.substr(0, kUnixPrefix.size()) == kUnixPrefix) {
     const std::string path(text.substr(kUnixPrefix.size()));
-    if (path.empty()) throw std::invalid_argument("unix: needs a path");
+    if (path.empty()) throw std::invalid_argument("expected a path after unix:");
     return {"", "", path};
   }
   const std::size_t colon = text.rfind(':');

@@ -35,7 +35,7 @@ void FileUses::AddOutput(const OutputFile& file, const std::string& option) {
     if ((standard && use.standard) || !IsSameFile(status, use.status)) continue;
     throw BadUsage(fmt::format("{}: {} is also {}", option, file.Path(), use.what));
   }
-  uses_.push_back({status, "the file of " + option, false});
+  uses_.push_back({status, "used by " + option, false});
 }
 
 }  // namespace icehost

@@ -263,7 +263,7 @@ void SpawnedCommand::ShowOutput() const {
   std::string text = "the spawned command ";
   text += ended_ ? fmt::format("ended with status {}", WEXITSTATUS(status_)) : "was still running";
   const std::string lines = kept_ >= 0 ? LastLines(kept_) : "";
-  if (kept_ >= 0) text += lines.empty() ? " and printed nothing" : "; its last output lines:";
+  if (kept_ >= 0) text += lines.empty() ? " and printed nothing" : "; its last lines of output:";
   Complain(text);
   StandardError() << PrintableLines(lines);
 }

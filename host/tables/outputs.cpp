@@ -103,7 +103,7 @@ std::vector<std::pair<std::string, std::string>> HeadEntries(const ProbeOptions&
                                                              const std::string& counts,
                                                              double seconds) {
   return {{"Probe", probe.kind->describe(probe)},
-          {"Done", counts},
+          {"Totals", counts},
           {"Started", TimeText(seconds)},
           {"icehost", ICEHOST_VERSION}};
 }

@@ -139,9 +139,9 @@ Chain ReadOpenocd(const ProbeOptions& options) {
 std::size_t OnlyTap(const Chain& chain, const ProbeOptions& options) {
   const Texts names = TapsOf(chain);
   if (options.tap.empty() && names.size() > 1) {
-    throw Unsupported(
-        fmt::format("no script, because OpenOCD has several TAPs: name one in --probe ({})",
-                    fmt::join(names, ", ")));
+    throw Unsupported(fmt::format(
+        "cannot write a script, because OpenOCD has several TAPs: name one in --probe ({})",
+        fmt::join(names, ", ")));
   }
   if (options.tap.empty()) return 0;
   return static_cast<std::size_t>(std::find(names.begin(), names.end(), options.tap) -

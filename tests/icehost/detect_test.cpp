@@ -284,8 +284,8 @@ TEST(Detect, WritesNoJtagScriptOfALongChain) {
     std::string refused;
   } kChains[] = {
       {64, 288, ""},
-      {65, 130, "no JTAG script: the chain has more than 64 TAPs"},
-      {64, 289, "no JTAG script: the IR has 289 bits, but a script allows at most 288"},
+      {65, 130, "cannot write a JTAG script: the chain has more than 64 TAPs"},
+      {64, 289, "cannot write a JTAG script: the IR has 289 bits, but a script allows at most 288"},
   };
   for (const auto& test : kChains) {
     Chain chain;

@@ -67,8 +67,8 @@ def check_head_and_failure():
     entries = dict(zip(texts("#entries dt"), texts("#entries dd")))
     expect("probe", entries["Probe"],
            "simulated, target with an IR of 5 bits and IDCODE 0x39ca2003")
-    expect("counts", entries["Done"].rsplit(",", 1)[0],
-           "operations 2, TCK cycles 54, bits shifted 37, reads 1")
+    expect("counts", entries["Totals"].rsplit(",", 1)[0],
+           "operations: 2, TCK cycles: 54, bits shifted: 37, reads: 1")
     expect("date", re.sub(r"\d", "9", entries["Started"]), "9999-99-99 99:99:99 UTC")
     expect("plug-in", os.path.basename(entries["Plug-in"]), "libicescript.so")
     expect("version", f"icehost {entries['icehost']}\n", output(ICEHOST, "--version"))
@@ -283,7 +283,7 @@ def check_outline():
                  "document.querySelector('main').outerHTML")
     outline = re.sub(r"(<(?:div|dt|li|section|h1|h2|ul|dl)\b)", r"\n\1", outline)
     outline = re.sub(r"(<summary>.*? \u00b7 )[^<]*", r"\1...", outline)
-    for name in ("Started", "Plug-in", "icehost", "Done"):
+    for name in ("Started", "Plug-in", "icehost", "Totals"):
         outline = re.sub(f"(<dt>{name}</dt><dd>)[^<]*", r"\1...", outline)
     compare_golden(OUTLINE, outline + "\n")
 
@@ -355,8 +355,8 @@ def check_served():
         ["3", "", "TAP reset", "by TRST", ""],
         ["4", "", "reset pins", "TRST=1 NRST=1", ""],
         ["5", "", "DR scan, cut short when the client left", "DR 2: 0x03", "DR 0x01"]])
-    expect("clients", [re.sub(" from.*|, .*", "", text) for text in texts(".note")],
-           ["client 1 connected", f"client 1 left: bytes {len(scan) + 20}"])
+    expect("clients", [re.sub(r" from.*| at \d+ us|, .*", "", text) for text in texts(".note")],
+           ["client 1 connected", f"client 1 left (bytes: {len(scan) + 20}"])
     click("#row-list .row > :nth-child(4)", "DR 4: 0x07")
     begin, end = view()
     expect("in sight", begin <= 16 < end, True)

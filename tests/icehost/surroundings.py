@@ -57,15 +57,15 @@ SPAWNED = [
     (0, 0, "detect -q --spawn-log log", "cat; echo here; icehost serve unix:sim & wait", []),
     (0, 2, f"run -q {SCRIPT}", "(trap '' TERM; sleep 99) & sleep 0.2; icehost serve unix:sim", []),
     (1, 0, f"run -q --plugin {FAULTY} {SCRIPT}", "echo here; icehost serve unix:sim & wait",
-     [f"{SCRIPT}: the plug-in ended the process", "was still running; its last output lines:", "here",
+     [f"{SCRIPT}: the plug-in ended the process", "was still running; its last lines of output:", "here",
       "icehost: serving remote_bitbang on unix:sim"]),
     (3, 0, f"run {SCRIPT}", "seq 12; printf '\\033[2J\\n' >&2; exit 7",
-     ["unix:sim: cannot connect: the spawned server has ended", "ended with status 7; its last output lines:",
+     ["unix:sim: cannot connect: the spawned server has ended", "ended with status 7; its last lines of output:",
       *map(str, range(4, 13)), " [2J"]),
     (3, 2, "detect", "(trap '' TERM; sleep 99) & sleep 0.2; exit 5",
      ["unix:sim: cannot connect: the spawned server has ended", "ended with status 5 and printed nothing"]),
     (3, 0, "serve unix:served --timeout 0.2 --spawn-log log", "echo here; sleep 99",
-     ["unix:sim: no server accepted a connection within 200 ms", "was still running; its last output lines:", "here"]),
+     ["unix:sim: no server accepted a connection within 200 ms", "was still running; its last lines of output:", "here"]),
     (3, 0, "serve -q unix:served", "icehost serve -q unix:sim & sleep 0.4; kill -KILL $!; exit 9",
      ["unix:sim: the server closed the connection (is another client connected?)",
       "ended with status 9 and printed nothing"]),
@@ -208,11 +208,11 @@ def check_signals():
     # Endless runs, one of them without calls. An interrupted round does not count.
     write("no_call.ini", "[CONTROL]\n")
     ends_by(signal.SIGINT, "run", "-q", "--repeat", "0", "--summary", "no_call.ini", err="no_call")
-    expect("no call", ", failed 0\noperations 0," in read("no_call"), True)
+    expect("no call", ", failed: 0\noperations: 0," in read("no_call"), True)
     ends_by(signal.SIGINT, "run", "-q", "--repeat", "0", "--summary", "--json", "r.json", SCRIPT,
             err="rounds")
     said = (r"icehost: interrupted \(round \d+\)\n\S+ expectation met in (\d+) of \1 rounds\n"
-            r"rounds \1, failed 0\noperations .*\n")
+            r"rounds: \1, failed: 0\noperations: .*\n")
     expect(read("rounds"), bool(re.fullmatch(said, read("rounds"))), True)
     expect("rounds kept", read("r.json").count('"round"'), 2)
     expect_whole("r.json")

@@ -60,7 +60,8 @@ TEST(Svf, SaysWhatTheTapDoes) {
   };
   const std::string paused = loss("a scan went through a Pause state, but a player does not");
   const std::string no_idle = loss(
-      "scans followed each other without Run-Test/Idle between them, but a player goes through it");
+      "scans followed each other without Run-Test/Idle between them, but a player enters this "
+      "state");
   const struct {
     const char* edges;
     std::string told;
@@ -87,7 +88,7 @@ TEST(Svf, SaysWhatTheTapDoes) {
        "! scan through Pause-DR\nSDR 4 TDI (5);\nSDR 1 TDI (0);\n"},
       // SVF cannot express these actions.
       {"010 1 10 100 i1 10",
-       loss("SVF has no scan of 0 bits: a player skips its capture and its update"),
+       loss("SVF has no scan of 0 bits: a player skips its capture and update"),
        "! scan of 0 DR bits: left out\nSDR 2 TDI (1);\n"},
       {"0100 i0 {TRST=0}{TRST=1} 0", loss("a scan was cut short: it is not in the file"),
        "! scan of 2 DR bits: cut short, left out\nTRST ON;\nTRST OFF;\nSTATE IDLE;\n"},

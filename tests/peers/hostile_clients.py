@@ -87,9 +87,9 @@ def check_passing_on():
     expect("passed on", (upstream.came.replace(b"Q", b""), status), (b"0tR47rsRutR06R", 0))
     expect("verbose", said.splitlines(), [
         "icehost: client 1 connected from ADDRESS",
-        "icehost: client 1 left: bytes 12",
+        "icehost: client 1 left (bytes: 12)",
         "icehost: client 2 connected from ADDRESS",
-        "icehost: client 2 left: bytes 10",
+        "icehost: client 2 left (bytes: 10)",
     ])
 
 
@@ -119,13 +119,13 @@ def check_recording():
     expect("the next", ask(serve.client(), b"R"), "1")
     status, said = serve.end()
     expect("busy", (status, set(said.splitlines())),
-           (0, {"icehost: a second client was refused: another one is connected"}))
+           (0, {"icehost: a client was refused because another one is connected"}))
     told = re.sub(r"127\.0\.0\.1:\d+", "ADDRESS", read("t")).splitlines()
     expect("trace", told[0], "0 client 1 connected from ADDRESS")
     expect("trace", told[-4:], [
-        "86 client 1 left: bytes 125, scans 1",
+        "86 client 1 left (bytes: 125, scans: 1)",
         "86 client 2 connected from ADDRESS",
-        "86 client 2 left: bytes 1, scans 0",
+        "86 client 2 left (bytes: 1, scans: 0)",
         "# ended",
     ])
     expect("end", records_of(read("j"))[-1], {"end": True})
@@ -153,7 +153,7 @@ def check_xvc():
         expect(why, b"".join(iter(lambda one=client: one.recv(99), b"")), answers)
         wanted += [f"icehost: client {number} connected from ADDRESS"]
         wanted += [f"icehost: client {number} was disconnected: {why}"] if why else []
-        wanted += [f"icehost: client {number} left: bytes {len(request)}"]
+        wanted += [f"icehost: client {number} left (bytes: {len(request)})"]
     status, said = serve.end()
     expect("verbose", (status, said.splitlines()), (0, wanted))
 
@@ -183,7 +183,7 @@ def check_next():
     threading.Thread(target=flood_until_closed, args=(flooding,), daemon=True).start()
     expect("a second client", serve.client().recv(1), b"")
     expect("reported", serve.end(),
-           (0, "icehost: a second client was refused: another one is connected\n"))
+           (0, "icehost: a client was refused because another one is connected\n"))
 
 
 def check_lost():

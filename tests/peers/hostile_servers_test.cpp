@@ -258,7 +258,7 @@ TEST(Servers, EndARunAsTheyShould) {
       {Tdo("0"), bitbang, "--vcd /dev/null " + pins, 1,
        "expected 0x20, captured 0x00" + nrst + ": TDO is 0"},
       {Tdo("1"), bitbang, "--learn /dev/null " + pins, 1,
-       "nothing learned from " + pins + ": this probe does not report every expected value"},
+       "nothing was learned from " + pins + ": this probe does not report every expected value"},
 
       // A scan is one shift, or several if the server allows only short shifts.
       {Xvc("xvcServer_v1.0:1073741824\n"), xvc, idcode + " " + scratch + " " + tap_reset, 0, ""},

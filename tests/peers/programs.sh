@@ -38,8 +38,8 @@ summary() {
   "$icehost" run -q --summary --probe "$1" tests/scripts/idcode.ini 2>"$scratch/run.log"
   grep -qE "$2" "$scratch/run.log" || fail "summary of $1"
 }
-summary "$probe" '^operations 1, TCK cycles unknown, bits shifted 37, reads 1,'
-summary sim '^operations 1, TCK cycles 5[0-9], bits shifted 37, reads 1,'
+summary "$probe" '^operations: 1, TCK cycles: unknown, bits shifted: 37, reads: 1,'
+summary sim '^operations: 1, TCK cycles: 5[0-9], bits shifted: 37, reads: 1,'
 "$icehost" run --probe "$probe:nope" examples/reset.ini 2>"$scratch/run.log" &&
   fail "a TAP that OpenOCD does not have"
 holds run.log 'icehost: OpenOCD has no TAP "nope": expected sim.tap'
