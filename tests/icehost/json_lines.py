@@ -1,5 +1,5 @@
 #!/usr/bin/python3 -B
-"""Compares the JSON lines of icehost with their schema and their manual."""
+"""Compares the JSON lines of icehost with their schema and with the manual."""
 import glob
 import json
 import re

@@ -383,7 +383,7 @@ TEST(Servers, HaveFewAnswersUnderWay) {
   EXPECT_LE(most, 2048U);
 }
 
-// If the limit of open files is too low, icehost reports only this reason.
+// If the limit on open files is too low, icehost reports only this reason.
 TEST(Servers, AreOutOfReachWithoutFiles) {
   if (ICESCRIPT_SANITIZED) GTEST_SKIP() << "a sanitizer opens files of its own";
   const LocalServer silent(kSilent);

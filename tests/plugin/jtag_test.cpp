@@ -181,7 +181,7 @@ TEST(JtagScript, BoundsTheLongestScan) {
   EXPECT_NE(transcript.find("insert 288:" + listed + " 288:" + listed + "\n"), std::string::npos);
   EXPECT_NE(transcript.find("DR 288 bits in  value 0x" + dump + "\\n"), std::string::npos);
   EXPECT_NE(transcript.find("DR 288 bits out value 0x" + capture5 + "\\n"), std::string::npos);
-  // With two wires, bytes 0 to 31 move up by one, and bytes 33 to 35 stay. The array ends the dump.
+  // With two wires, bytes 0 to 31 move up, bytes 33 to 35 stay, and the dump ends with the array.
   const std::string moved = listed.substr(0, 64) + listed.substr(66);
   const std::string moved_dump = dump.substr(0, 6) + dump.substr(8);
   EXPECT_NE(transcript.find("insert 296:00" + moved + " 296:01" + moved + "\n"), std::string::npos);
