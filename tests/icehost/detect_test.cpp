@@ -301,7 +301,7 @@ TEST(Detect, WritesNoJtagScriptOfALongChain) {
   }
 }
 
-// Tests messages of OpenOCD 0.12 with the table that it prints.
+// Tests combinations of messages and of the table that OpenOCD 0.12 prints.
 TEST(Detect, TakesOpenocdsWord) {
   const std::string head =
       "   TapName             Enabled  IdCode     Expected   IrLen IrCap IrMask\n"
