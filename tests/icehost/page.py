@@ -313,7 +313,7 @@ def check_mouse_and_keyboard():
 
 
 def check_long():
-    """A run has more steps and operations than a page can contain. Its last read has a wrong bit."""
+    """A run has more steps and operations than fit into a page. Its last read has a wrong bit."""
     repeated = "TCK=1\nPRINT=GPIO_IN\nTCK=0,TMS=0\nTDI=1\nTDI=0\n"
     script = (f"[ZEVA_ICE_GPIO]\nSTART\nGPIO_OE=0x1F\nREPT=30000\n{repeated}ENDR\n"
               "PRINT=GPIO_IN # expect NRST=1\nEND\n")
