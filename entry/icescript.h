@@ -158,10 +158,10 @@ int link_jtag_execute(LinkHandle handle, unsigned char* capture);
  *
  *   out_value  output levels, GPIO_PIN_ bits; GPIO_OUT in a script may set higher bits, too
  *   data       points to the operation's own word; never null. With GPIO_FLAG_READ_IN the host
- *              stores the pin levels here. The bits above GPIO_PIN_ALL must be 0 because the plug-in
- *              prints all 32 bits. The word is 0 before the operation first runs. When a repeat
- *              block runs the operation again, the word still contains the previous value. If the
- *              word is 0 after a read, the plug-in reports a failed read, and the script continues.
+ *              stores the pin levels here. The bits above GPIO_PIN_ALL must be 0 because the
+ *              plug-in prints all 32 bits. The word is 0 before the operation first runs. When a
+ *              repeat block runs the operation again, the word still contains the old value. If it
+ *              is 0 after a read, the plug-in reports a failed read, and the script continues.
  *   oe_mask    output enables, GPIO_PIN_ bits
  *   flags      GPIO_FLAG_ bits
  */
