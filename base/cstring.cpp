@@ -29,7 +29,7 @@ CString& CString::operator+(const char* s) {
 }
 
 // In the functions below, a negative int becomes a size_t larger than any length. std::string
-// rejects such a position, and takes such a count as "the rest".
+// rejects such a position, and treats such a count as "the rest".
 
 char CString::GetAt(int i) const {
   return text.at(static_cast<std::size_t>(i));

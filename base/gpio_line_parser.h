@@ -16,19 +16,19 @@ struct GpioItem {
   std::string_view value;
 };
 
-// Turns each line after START into one table element. One parser must read the whole file, because
-// an item with an empty value gets the number of the last item with a value, even in another line.
+// Turns each line after START into a gpio_element. One parser must read the whole file, because an
+// item with an empty value gets the number of the last item that had a value, on any line.
 class GpioLineParser {
  public:
   enum class Result { kLine, kEnd, kSyntaxError, kBadWord };
 
-  // Parses a line that starts with the pin state of `previous`. After kLine, or after kEnd for a
-  // line with END, Element() is the element of the line. After kSyntaxError, or after kBadWord for
-  // a GPIO_OUT or GPIO_OE of -1, BadItem() is the wrong item.
+  // Parses a line. `previous` contains the pin state before it. The result is kEnd if the line
+  // contains END, and kBadWord if it sets GPIO_OUT or GPIO_OE to -1. After kLine or kEnd, Element()
+  // is the element of the line. After kSyntaxError or kBadWord, BadItem() is the wrong item.
   Result Parse(std::string_view line, const CIniFile::gpio_element& previous);
 
   const CIniFile::gpio_element& Element() const { return element_; }
-  // The item between its commas, including its blanks, as a view of the parsed line.
+  // The wrong item, including its blanks, as a view of the parsed line.
   std::string_view BadItem() const { return item_; }
 
  private:

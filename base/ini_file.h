@@ -62,8 +62,8 @@ class CIniFile {
   // Deliberately does nothing, so a second reading adds to the first.
   void Reset() {}
 
-  // ---- The INI store. A "key" is a section. Names are compared byte by byte up to a NUL,
-  // case-sensitive and untrimmed. Every lookup is a linear search.
+  // ---- The INI store. A "key" is a section. Names are case-sensitive and not trimmed, and
+  // they end at the first NUL. Every lookup is a linear search.
 
   int GetNumKeys() const { return static_cast<int>(keys.size()); }
   // Returns the name of section keyID, or an empty text if there is no such section.
@@ -74,7 +74,7 @@ class CIniFile {
   int GetNumValues(CString keyname) const;
   // Returns the index of a value in section keyID, or -1 if there is no such section or value.
   int FindValue(int keyID, CString valuename) const;
-  // Return the text of a value, or an empty text and a message if there is no such value.
+  // Return the text of a value. If there is no such value, return "" and set error_msg.
   CString GetValue(CString keyname, CString valuename);
   CString GetValue(int keyID, CString valuename);
   // Stores a value and returns true. If the section or the value does not exist yet and `create` is
@@ -93,7 +93,7 @@ class CIniFile {
   int ReadGpioFile();
   // Returns the number of lines in the table.
   unsigned long GetGpioNum() const { return gpio_elements.size(); }
-  // Returns field `field` (GPIO_FIELD_) of line `index`, or -1 and a message if it does not exist.
+  // Returns a field (GPIO_FIELD_) of a line. If either is missing, returns -1 and sets error_msg.
   int GetGpioValue(int index, int field) {
     const auto at = static_cast<std::size_t>(index);  // a negative index is beyond any table
     if (at >= gpio_elements.size()) return RefuseGpioValue("internal error: fail to get valule.");
@@ -123,7 +123,7 @@ class CIniFile {
   static CString* SplitString(CString str, char separator, int& count);
 
  private:
-  // One section. If it has values, `values` has one entry more than `value_names`: an empty one.
+  // One section. If it has values, `values` ends with an extra entry, which is empty.
   struct key {
     std::vector<CString> values;
     std::vector<CString> value_names;
@@ -139,8 +139,8 @@ class CIniFile {
   std::vector<gpio_element> gpio_elements;
   std::vector<key> keys;
   std::vector<CString> key_names;  // key_names[i] names keys[i]
-  // key_tails[i] is the end of key_names[i] as one number, so that a lookup compares several at a
-  // time. After a failed allocation it may have one entry more than key_names.
+  // key_tails[i] is the end of key_names[i] as a number, so that a lookup can compare several names
+  // at a time. After a failed allocation, key_tails may have one entry more than key_names.
   std::vector<wchar_t> key_tails;
 
  public:

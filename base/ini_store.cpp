@@ -13,8 +13,8 @@ namespace {
 // Returns the position of `name` in `names`, or -1. Only the part of a stored name before its first
 // NUL counts. These parts are unique, so the search begins with the newest name.
 int FindName(const std::vector<CString>& names, std::string_view name) {
-  // Compares the last byte first, because names in long scripts are usually numbered. If the
-  // candidate is shorter, its NUL is compared, so that no branch depends on the random lengths.
+  // Compares the last byte first, because names in long scripts usually end with a number. If the
+  // candidate is shorter, compares its NUL instead of branching on its length.
   const std::size_t tell = name.empty() ? 0 : name.size() - 1;
   const char last = name.empty() ? '\0' : name.back();
   const auto found = std::find_if(names.rbegin(), names.rend(), [=](const CString& candidate) {
@@ -27,7 +27,7 @@ int FindName(const std::vector<CString>& names, std::string_view name) {
 }
 
 // Returns the last four bytes of a name as one number, padded with zeros. Most names in long
-// scripts are numbered, so they differ there.
+// scripts end with a number, so they differ in these bytes.
 wchar_t TailOf(std::string_view name) {
   wchar_t tail = 0;
   static_assert(sizeof tail == 4);
@@ -47,7 +47,7 @@ int CIniFile::FindSection(std::string_view name) const {
     return key_tails[index] == tail && key_names[index].Text().c_str() == name;
   };
   const std::size_t size = key_names.size();
-  // This is usually the newest section, because values are stored section by section.
+  // Tries the newest section first, because values are usually stored section by section.
   if (size > 0 && is_at(size - 1)) return static_cast<int>(size) - 1;
   const wchar_t* const begin = key_tails.data();
   for (const wchar_t* at = begin; size > 0; ++at) {
@@ -59,7 +59,7 @@ int CIniFile::FindSection(std::string_view name) const {
 }
 
 // In the lookups below, a negative index becomes a size_t beyond any section. Lookups use at()
-// because a failed allocation may leave more names than objects.
+// because a failed allocation may leave more names than sections or values.
 
 CString CIniFile::GetKeyName(int keyID) const {
   const auto index = static_cast<std::size_t>(keyID);

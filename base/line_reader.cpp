@@ -20,7 +20,7 @@ std::string_view TextOf(std::string_view line) {
   return TrimRight(line.substr(0, line.find('#')), ' ');
 }
 
-// Replaces each NUL by "#". Both end the text of a line, so one search then finds either of them.
+// Replaces each NUL with "#". Both end the text of a line, so a search for "#" is then enough.
 void CommentNuls(char* at, const char* end) {
   while (at < end) {
     at = static_cast<char*>(std::memchr(at, '\0', static_cast<std::size_t>(end - at)));

@@ -25,7 +25,7 @@ inline std::string_view TrimRight(std::string_view text, char ch) {
 // Trims a script line, or a key or value of a GPIO line. Drops carriage returns at both ends, then
 // spaces at both ends, but no tabs.
 inline std::string_view TrimBlanks(std::string_view text) {
-  // The usual case: both ends are above ' ', so there is nothing to trim.
+  // Usually neither end is a space or a control character, so there is nothing to trim.
   if (!text.empty() && text.front() > ' ' && text.back() > ' ') return text;
   text = TrimRight(TrimLeft(text, '\r'), '\r');
   return TrimRight(TrimLeft(text, ' '), ' ');

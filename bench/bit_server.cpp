@@ -1,6 +1,6 @@
 // A simple remote_bitbang server of the simulated target that writes each answer separately. usage:
 // bit_server nagle|nodelay. It prints its port and serves one client after another. For each client
-// it prints the round trips: how often the client sent something after an answer.
+// it prints the number of round trips: how often the client sent something after an answer.
 #include <asio.hpp>
 #include <cstdio>
 #include <string>

@@ -6,7 +6,7 @@
 
 #pragma GCC visibility push(default)
 
-// A LinkHandle points to one of these, the result of every pin operation: 0, or -1 for failure.
+// Results of all pin operations: 0 (success) and -1 (failure). A LinkHandle points to one of them.
 extern int idle_runs;
 extern int idle_stops;
 

@@ -134,7 +134,7 @@ void RunOften(const std::string& path, int size) {
   for (int i = 0; i < size; ++i) RunScript(path, 1);
 }
 
-// The plug-in reads a JTAG script twice, because it first tries to read a GPIO script.
+// The plug-in reads a JTAG script twice, because it first tries to read it as a GPIO script.
 void ReadTwiceOften(const std::string& path, int size) {
   char text[4096];
   for (int i = 0; i < 2 * size; ++i) {

@@ -22,7 +22,7 @@ install(FILES ${PROJECT_BINARY_DIR}/icescriptConfig.cmake
               ${PROJECT_BINARY_DIR}/icescriptConfigVersion.cmake DESTINATION ${package_folder})
 
 set(pc_folder ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
-# The prefix /usr never moves. Its path is absolute, because servers may have it built in.
+# Files in /usr are never moved. Their paths are absolute, because servers may compile them in.
 string(REGEX REPLACE "[^/]+" ".." pc_prefix ${pc_folder})
 set(pc_prefix "\${pcfiledir}/${pc_prefix}")
 if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")

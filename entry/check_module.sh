@@ -11,7 +11,7 @@ expect() {
   status=1
 }
 
-# names CONDITION: prints on one line the names of the matching symbols. awk field 5 is the binding,
+# names CONDITION: prints the names of the matching symbols on one line. awk field 5 is the binding,
 # 7 the section and 8 the name. The name of a symbol from a library has a version after "@".
 names() { awk '$1 ~ /^[0-9]+:$/ && $8 != "" && '"$1"' { print $8 }' <<<"$symbols" | sort | xargs; }
 # flags TYPE: prints the flags of each segment of this type, one per line.

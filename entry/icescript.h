@@ -17,8 +17,8 @@
  *     7, and bit 0 is shifted first. n bits take (n + 7) / 8 bytes.
  *  5. Results. The comment on each link_ function says which results mean failure. The functions
  *     differ in this on purpose. A failed call ends the script and is never retried. The plug-in
- *     prints a message if a GPIO script fails. If a JTAG script fails, it prints nothing, so the
- *     host must report the reason.
+ *     prints a message if a call of a GPIO script fails. It prints none if a call of a JTAG script
+ *     fails, so the host must report the reason.
  *  6. Exceptions. The plug-in neither throws exceptions of its own nor swallows any. An exception
  *     from a host function, the callback or the standard library (out of memory) passes through
  *     ImplementScr to the host after everything that the call allocated has been freed. This needs
@@ -125,7 +125,7 @@ int link_reset(LinkHandle handle, int kind);
  * ir and dr point to arrays of JTAG_IR_MAX_BYTES and JTAG_DR_MAX_BYTES bytes and are never null.
  * Bytes that the script does not list are zero. The host must not change the arrays, because after
  * link_jtag_execute the plug-in prints them as the values shifted in. The lengths come from the
- * script and are at most 288. They may be zero or negative. The host does not scan a register whose
+ * script and are at most 288. They may be zero or negative. The host must not scan a register whose
  * length, without the extra byte described below, is 0 or less.
  *
  * After the answer CDI_ANSWER_2WIRE each register has an extra byte at its least significant end,
@@ -157,11 +157,11 @@ int link_jtag_execute(LinkHandle handle, unsigned char* capture);
  * later operations the host writes out_value or oe_mask to the pins only if the flag for it is set.
  *
  *   out_value  output levels, GPIO_PIN_ bits; GPIO_OUT in a script may set higher bits, too
- *   data       the operation's own word, never null. With GPIO_FLAG_READ_IN the host stores the pin
- *              levels here. The bits above GPIO_PIN_ALL must be 0 because the plug-in prints all 32
- *              bits. The word is 0 before the operation first runs. When a repeat block runs it
- *              again, the word still contains the previous value. If it is 0 after a read, the
- *              plug-in reports a failed read, and the script goes on.
+ *   data       points to the operation's own word; never null. With GPIO_FLAG_READ_IN the host
+ *              stores the pin levels here. The bits above GPIO_PIN_ALL must be 0 because the
+ *              plug-in prints all 32 bits. The word is 0 before the operation first runs. When a
+ *              repeat block runs the operation again, the word still contains the old value. If it
+ *              is 0 after a read, the plug-in reports a failed read, and the script continues.
  *   oe_mask    output enables, GPIO_PIN_ bits
  *   flags      GPIO_FLAG_ bits
  */
@@ -182,7 +182,7 @@ int link_gpio_operator(LinkHandle handle, int out_value, uint32_t* data, int oe_
  * A wrong JTAG script still runs as far as the plug-in understands it, and the result is 0 if all
  * calls succeed. The plug-in reports these problems only to the user:
  *  - a line that is neither a section header nor KEY=VALUE: it prints a message and runs nothing;
- *  - a section without IR or DR, or with an empty one: it prints a message (which may be empty) and
+ *  - a section in which IR or DR is missing or empty: it prints a message (which may be empty) and
  *    runs neither this section nor any later section;
  *  - a section that is wrong in another way: it prints "<section> syntax error" to the standard
  *    output of the process, not through the callback, and still runs the later sections.

@@ -1,6 +1,6 @@
 /* A host for the icescript plug-in: `host PLUGIN SCRIPT` loads the module PLUGIN and runs SCRIPT.
  * Its five link_ functions simulate a target with an IDCODE (instruction 1) and a scratch register
- * (instruction 2). The functions of a debug server drive its probe.
+ * (instruction 2). In a debug server, these functions drive the probe.
  *
  *   cc -std=c11 -rdynamic -o host host.c
  */
@@ -55,7 +55,7 @@ int link_jtag_insert(LinkHandle handle, int ir_bits, unsigned char* ir, int dr_b
 
 int link_jtag_execute(LinkHandle handle, unsigned char* capture) {
   struct Probe* const probe = handle;
-  /* Over two wires, byte 0 of each register is for the probe. The bits of the chip follow. */
+  /* Over two wires, byte 0 of each register is for the probe. The chip's bits follow. */
   const int first = probe->wire_mode == CDI_ANSWER_2WIRE ? 8 : 0;
   if (probe->ir_bits > first) probe->instruction = probe->ir[first / 8];
   const unsigned instruction = probe->instruction;

@@ -1,4 +1,4 @@
-// Fuzzes the code that reads data from others. The first byte of an input selects the code, and the
+// Fuzzes the code that reads untrusted data. The first byte of an input selects the code, and the
 // rest is the data: 's' from a remote_bitbang client, 'x' from an XVC client, 'b' from a
 // remote_bitbang server, 'y' from an XVC server, 'o' from OpenOCD, 'c' a script to check, 'v' an
 // SVF file to import, 'd' the bits from a chain of TAPs, 'e' OpenOCD's description of a chain.
@@ -51,8 +51,8 @@ void Check(bool kept, const char* promise) {
 
 using asio::local::stream_protocol;
 
-// A server on the event loop of its client. It answers every question with the next part of its
-// answers, whatever they contain. After the last part it closes the connection.
+// A server on the event loop of its client. It answers every question with the next part of
+// `answers`, which may contain anything. After the last part it closes the connection.
 class Peer : public std::enable_shared_from_this<Peer> {
  public:
   // Returns how many bytes of `answers` to send for these questions.
@@ -112,7 +112,7 @@ std::size_t OpenocdAnswers(std::string_view questions, std::string_view answers)
   return size;
 }
 
-// Returns the size of the answer: a line, or the bytes of a shift, plus one if the first is 255.
+// Returns the size of the answer: a line, or the bytes of a shift. A first byte of 255 adds a byte.
 std::size_t XvcAnswers(std::string_view question, std::string_view answers) {
   const std::size_t name = icehost::kXvcShift.size();
   if (question.substr(0, name) != icehost::kXvcShift) return UpTo('\n', answers);
@@ -223,8 +223,9 @@ void BeXvcClient(std::string_view bytes) {
   probe.Flush();
 }
 
-// A chain that gives any answers. An answer is a byte with the number of bits, then these bits (for
-// 255, with zeros up to 4096 bits), then the bits from TDI. Each answer serves two readings.
+// A chain with the answers of the input. Each of them is a byte with the number of bits, and then
+// the bits. If the number is 255, zeros extend the answer to 4096 bits. The bits shifted in from
+// TDI come out after the answer. Each answer is used for two readings.
 class AnsweringPort : public icehost::PinPort {
  public:
   explicit AnsweringPort(std::string_view bytes) : bytes_(bytes) { BeginAnswer(); }
@@ -418,7 +419,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   } catch (const icehost::IoError&) {
     // the connection is lost, or the answers are not valid
   } catch (const icehost::Unsupported&) {
-    // the probe cannot do that
+    // the probe does not support a call
   }
   return 0;
 }

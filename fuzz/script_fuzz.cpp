@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::string_view kSeparator = "\n%%\n";
 
-// A file in memory that all runs share, because the plug-in needs a path.
+// A file in memory, because the plug-in needs a path. All runs share the file.
 class ScriptFile {
  public:
   ScriptFile() : path_("/proc/self/fd/" + std::to_string(file_)) {}

@@ -19,9 +19,9 @@ void ReportRead(PrintCallback print, std::uint32_t data) {
   print(line.Text());
 }
 
-// Returns the node to execute after a REPT: the first node in the block if the block runs again,
-// else the node after the block, and then restores the count. Skips a block without pin operations,
-// because it could run for years without a call in which the host can stop it.
+// Returns the node to execute after a REPT. If the block runs again, this is its first node.
+// Otherwise restores the count and returns the node after the block. Skips a block without pin
+// operations, because it could run for years without a call in which the host can stop it.
 GpioOperatorData* NextAfterRept(GpioOperatorData* rept) {
   if (!rept->holds_pins) return rept->partner->next;
   if (rept->repeat_count > 0) {

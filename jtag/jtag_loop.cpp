@@ -37,8 +37,8 @@ int ByteCount(int bits) {
   return (bits + 7) / 8;
 }
 
-// Moves bytes 0 to 31 up by one to make room for the extra byte of the 2-wire interface. This
-// interface is for at most 32 bytes, so byte 32 is overwritten, and bytes 33 to 35 do not move.
+// Moves bytes 0 to 31 up by one to make room for the extra byte of the 2-wire interface, which is
+// for registers of at most 32 bytes. Byte 32 is overwritten, and bytes 33 to 35 do not move.
 void InsertByte(std::uint8_t* data, std::uint8_t byte) {
   std::memmove(data + 1, data, 32);
   data[0] = byte;
@@ -97,8 +97,7 @@ bool RunScan(LinkHandle handle, PrintCallback print, int number, JtagOperatorDat
             {scan.irData, JTAG_IR_MAX_BYTES, wires.dump_offset, ir_bytes});
   PrintDump(print, "\tDR ", scan.drBitLength, " bits in  value 0x",
             {scan.drData, JTAG_DR_MAX_BYTES, wires.dump_offset, dr_bytes});
-  // This depends on the answer, not on its name. An unknown answer is also named "jtag5", but then
-  // only reads print the captured value.
+  // An unknown answer is also named "jtag5", but then only reads print the captured value.
   if (answer == CDI_ANSWER_JTAG5 || scan.readFlag != 0) {
     PrintDump(print, "\tDR ", scan.drBitLength, " bits out value 0x",
               {capture, kCaptureStorage, wires.capture_offset, dr_bytes});

@@ -87,7 +87,7 @@ int JtagScr::ParseScr(char* path) {
     if (record != nullptr) {
       Append(record);
     } else {
-      // Flushing keeps the lines in order if standard output is a file.
+      // Flushing keeps the line in order with the host's own output if standard output is a file.
       std::printf("%s syntax error\n", ini.GetKeyName(i).Text().c_str());
       std::fflush(stdout);
       status = -1;

@@ -19,9 +19,9 @@ constexpr std::int32_t JTAG_OP_CDI_JTAG5 = 3;
 // array is the first byte listed in the script, which is the least significant. When a scan runs
 // over the 2-wire interface, its lengths grow by 8.
 struct JtagOperatorData {
-  std::int32_t irBitLength;  // after parsing at most 8 * JTAG_IR_MAX_BYTES; may be negative
+  std::int32_t irBitLength;  // at most 8 * JTAG_IR_MAX_BYTES after parsing; may be negative
   std::uint8_t irData[JTAG_IR_MAX_BYTES];
-  std::int32_t drBitLength;  // after parsing at most 8 * JTAG_DR_MAX_BYTES; may be negative
+  std::int32_t drBitLength;  // at most 8 * JTAG_DR_MAX_BYTES after parsing; may be negative
   std::uint8_t drData[JTAG_DR_MAX_BYTES];
   std::int32_t readFlag;      // 1 read, 0 write
   std::int32_t operatorType;  // JTAG_OP_
@@ -44,7 +44,7 @@ class JtagScr {
   // Appends the operations of the script to the list. Returns 0, or -1 if anything is wrong.
   int ParseScr(char* path);
 
-  // Each returns a new record, which the caller owns, or null if a value of the section is wrong.
+  // These return a new record, which the caller owns, or null if a value of the section is wrong.
   JtagOperatorData* ParsingControl(CIniFile& ini, int sectionIndex);
   JtagOperatorData* ParseJtagOperatorData(CString ir, CString dr);
   JtagOperatorData* ParseJtagOperatorData(int cdi);

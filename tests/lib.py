@@ -108,14 +108,14 @@ class Serve:
         return socket.create_connection(("127.0.0.1", self.port), timeout=60)
 
     def play(self, request):
-        """Sends a request that ends in Q as a new client, and waits until the server closes."""
+        """Connects, sends a request that ends in Q, and waits until the server disconnects."""
         with self.client() as client:
             client.sendall(request)
             while client.recv(65536):
                 pass
 
     def end(self, signal_number=signal.SIGTERM):
-        """Sends a signal, if any, and waits for the end. Returns the status and later messages."""
+        """Sends a signal (0: none), waits, and returns the exit status and the unread messages."""
         if signal_number:
             self.process.send_signal(signal_number)
         begun = time.monotonic()

@@ -1,5 +1,5 @@
 # Writes the C++ file OUTPUT, which contains FOLDER/page.html. Replaces each "@FILE@" in the page
-# with the contents of that file of the folder.
+# with the contents of FOLDER/FILE.
 file(READ ${FOLDER}/page.html page)
 foreach(part page.css tools.css register.css print.css
              model.js register.js list.js search.js bit_view.js panes.js head.js columns.js

@@ -174,7 +174,7 @@ bool Floats(bool /*tdo*/, int sample) {
   return (static_cast<unsigned>(sample) * 2654435761U >> 13 & 1) != 0;
 }
 
-// The samples in a reading of the IDCODEs, and of the IRs, of up to four TAPs. Both are read twice.
+// Samples in one reading of the IDCODEs or the IRs of up to four TAPs. Each is read twice.
 constexpr int kOfIdcodes = 4 * 32 + 64;
 constexpr int kOfIrs = 256 + 64;
 
@@ -301,7 +301,7 @@ TEST(Detect, WritesNoJtagScriptOfALongChain) {
   }
 }
 
-// Tests messages of OpenOCD 0.12 with the table that it prints.
+// Tests combinations of messages and of the table that OpenOCD 0.12 prints.
 TEST(Detect, TakesOpenocdsWord) {
   const std::string head =
       "   TapName             Enabled  IdCode     Expected   IrLen IrCap IrMask\n"
@@ -420,7 +420,7 @@ TEST(Detect, WritesScriptsThatPass) {
   const Taps older = {{5, kOne}, {4, kNone}, {8, kArm & 0x0FFFFFFF}};  // another version
   const Taps other = {{5, kOne}, {4, kNone}, {8, kArm + 0x1000}};
   const Taps shorter = {{5, kOne}, {12, kArm}};
-  // Fills in instruction 1 (IDCODE) for one TAP of the 17 bits, and BYPASS for the others.
+  // Fills in the 17 bits of the IRs: instruction 1 (IDCODE) for one TAP, and BYPASS for the others.
   const std::string fill =
       "sed -e 's/^#\\([A-Z[]\\)/\\1/' "
       "-e '/^.READ_IDCODE_1/,/^DR/s/IR=17,.*/IR=17,0xe1,0xff,0x01/' "

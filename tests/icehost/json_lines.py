@@ -1,5 +1,5 @@
 #!/usr/bin/python3 -B
-"""Compares the JSON lines of icehost with their schema and their manual."""
+"""Compares the JSON lines of icehost with their schema and with the manual."""
 import glob
 import json
 import re
@@ -26,7 +26,7 @@ def kinds_of(value):
 
 
 def check_lines(what, lines):
-    """Each line has one kind, and no kind if a key is added or the first key is removed."""
+    """Each line matches one kind, but none after a key is added or the first key is removed."""
     for line in lines:
         if line in seen:
             continue

@@ -101,7 +101,7 @@ def check_head_and_failure():
 
 
 def check_problems():
-    """Problems of check follow their lines. A page of a script with errors needs --force."""
+    """Problems that check finds follow their lines. A page of a faulty script needs --force."""
     os.unlink(PAGE)
     expect("with errors", run("tests/scripts/bad.ini"), 1)
     expect("a page of nothing", os.path.exists(PAGE), False)
@@ -267,7 +267,7 @@ def check_moves():
 
 def check_outline():
     """Compares the elements of a page, without values that differ between runs. The page is cut,
-    a line has too many errors to show all, and one error is after the end of the script."""
+    one line has more errors than are shown, and one error is after the end of the script."""
     arguments, script = PAGES["failing"]
     run(*arguments, script=script)
     page = re.sub(r'("total_\w+":)(\d+)', lambda total: f"{total[1]}{int(total[2]) + 2}", read(PAGE))
@@ -313,7 +313,7 @@ def check_mouse_and_keyboard():
 
 
 def check_long():
-    """A run has more steps and operations than a page can have. Its last read has a wrong bit."""
+    """A run has more steps and operations than fit into a page. Its last read has a wrong bit."""
     repeated = "TCK=1\nPRINT=GPIO_IN\nTCK=0,TMS=0\nTDI=1\nTDI=0\n"
     script = (f"[ZEVA_ICE_GPIO]\nSTART\nGPIO_OE=0x1F\nREPT=30000\n{repeated}ENDR\n"
               "PRINT=GPIO_IN # expect NRST=1\nEND\n")

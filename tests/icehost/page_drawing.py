@@ -113,7 +113,7 @@ class Picture:
         return in_sight(self.calls, self.width)
 
     def ruler(self):
-        """Draws marks. Their distance is 1, 2 or 5 times a power of ten and at least 90 pixels."""
+        """Draws marks at least 90 pixels apart. Their distance is 1, 2 or 5 * 10^n steps."""
         powers = (digit * 10 ** power for power in range(7) for digit in (1, 2, 5))
         apart = next(steps for steps in powers if steps * self.scale >= 90)
         end = min(len(self.steps), math.ceil(self.start + self.room / self.scale) + 1)
@@ -123,8 +123,8 @@ class Picture:
             self.text(x + 4, RULER / 2 - 2, f"{time} us", "left", "dim")
 
     def blocks(self, y, blocks):
-        """Draws the first block of each pixel, with the longest text that fits into its visible
-        part before the free space at its end."""
+        """Draws the first block of each pixel, with the longest text that fits into the visible
+        part of the block. The free space at the end of the block has no text."""
         taken = None
         for begin, end, colour, texts, *free in blocks:
             x = self.x(begin)

@@ -72,7 +72,7 @@ TEST(Serve, IsToldInLines) {
 {"scan":"DR","bits":32,"in":"0x80000000","out":"0x1ce51001","updated":true,"step":15,"end_step":84}
 {"idle":2,"step":85,"end_step":90}
 )"},
-      // The fifth TCK edge with TMS high resets, even with writes between. Later edges do not.
+      // The fifth TCK edge with TMS high resets the TAP, even if other writes come in between.
       {Walk("1111") + "2" + Walk("1") + Walk("1000"), "10 TAP reset (TMS)\n14 idle 2 cycles\n",
        R"({"reset":"TMS","step":10,"end_step":11}
 {"idle":2,"step":14,"end_step":19}

@@ -1,5 +1,5 @@
 #!/usr/bin/python3 -B
-"""icehost with closed descriptors, full disks, system limits, signals and spawned commands."""
+"""Tests icehost with closed descriptors, full disks, limits, signals and spawned commands."""
 import glob
 import json
 import os
@@ -95,7 +95,7 @@ def check_commands():
 
 
 def check_lacks():
-    """If the system lacks something, icehost reports that, and not a fault of the script."""
+    """If the system lacks something, icehost reports this, not a fault of the script."""
     write("id.svf", SVF)
     for files in range(4, 12):
         for arguments in (f"run -q {SCRIPT}", f"check {SCRIPT}", "import id.svf", "detect"):
@@ -141,7 +141,7 @@ def check_size_limit():
 
 
 def check_old_files():
-    """A run that cannot begin neither changes nor creates a file."""
+    """If a run cannot begin, it does not change or create any file."""
     write("old", "before\n")
     for cannot in ("--plugin /dev/null", "--probe remote-bitbang:unix:/nowhere", "--svg /nowhere/x",
                    "/nowhere"):
@@ -150,7 +150,7 @@ def check_old_files():
 
 
 def check_shared_files():
-    """An output cannot be the file of another output or of a script, and then no file changes."""
+    """If an output is also a script or another output, icehost fails and changes no file."""
     write("script.ini", read(SCRIPT))
     os.link("script.ini", "hard_link")
     os.symlink("new", "dangling")
@@ -216,7 +216,7 @@ def check_signals():
     expect(read("rounds"), bool(re.fullmatch(said, read("rounds"))), True)
     expect("rounds kept", read("r.json").count('"round"'), 2)
     expect_whole("r.json")
-    # Nobody reads the messages that the signal makes icehost print.
+    # icehost prints messages after the signal, but nobody reads them.
     write("loud.gpio", "[ZEVA_ICE_GPIO]\nSTART\nGPIO_OE=1\nREPT=999\nPRINT=GPIO_IN\nENDR\n"
           "REPT=999999\nTCK=1\nENDR\nEND\n")
     loud = start("icehost", "run", "--repeat", "0", "--json", "l.json", "loud.gpio",
@@ -308,7 +308,7 @@ def check_spawned_and_signals():
 
 
 def check_taken_port():
-    """A run connects only to the server of its spawned command, not to another or to itself."""
+    """A run connects only to the server of its spawned command, never to itself or others."""
     server = Serve(endpoint="unix:sim")
     process = start_spawning(f"run {SCRIPT}", "touch started")
     expect("taken", (process.communicate(timeout=20)[1], os.path.exists("started")),

@@ -67,7 +67,7 @@ TEST(Svf, SaysWhatTheTapDoes) {
     std::string told;
     std::string statements;
   } kWalks[] = {
-      // After the reset the DR is the IDCODE, 0x..01. TDO and MASK have only the bits read.
+      // After the reset the DR is the IDCODE, 0x..01. TDO and MASK contain only the bits read.
       {"0100 r0r0r0r1 10", "", "SDR 4 TDI (0) TDO (1) MASK (F);\n"},
       {"0100 0hi0r1 10001", "",
        "SDR 4 TDI (2) TDO (1) MASK (9);\nRUNTEST IDLE 2 TCK ENDSTATE IDLE;\n"},

@@ -92,7 +92,7 @@ class Shell:
         return result
 
     def run(self, command, expected):
-        """Returns the status, or None without one, and the output, or None if it is as expected."""
+        """Returns the status (None if the command hangs) and the output (None if as expected)."""
         os.write(self.commands, command.encode() + b"\0")
         ended = re.compile(rf"{self.sentinel} (\d+)\n")
         end = self.wait_for(lambda: ended.search(self.output))
@@ -210,7 +210,7 @@ def run_document(document):
 
 
 def anchors_of(text):
-    """Yields the anchors of the headings, with the names that they get on web pages."""
+    """Yields the name of the anchor that each heading gets on a web page."""
     seen = {}
     for heading in re.findall(r"^#+ (.*)$", FENCE.sub("", text), re.MULTILINE):
         name = re.sub(r"[^\w\- ]", "", re.sub(r"\]\([^)]*\)", "]", heading).lower())

@@ -1,5 +1,5 @@
 #!/usr/bin/python3 -B
-"""icehost serve with odd, broken or hostile clients and upstream servers."""
+"""Tests icehost serve with odd, broken or hostile clients and upstream servers."""
 import fcntl
 import os
 import re

@@ -109,8 +109,8 @@ Server Xvc(const std::string& info, const std::string& after = "") {
   };
 }
 
-// Answers getinfo: correctly and the next commands with `answers`, then closes. An answer "+" is
-// sent as a separate packet without waiting for a command.
+// Answers getinfo: correctly and the next commands with `answers`, then closes. Sends the
+// answer "+" as a separate packet without waiting for a command.
 Server XvcAnswers(const std::vector<std::string>& answers) {
   return [answers](tcp::socket& client) {
     ReadFrom(client);
@@ -141,8 +141,8 @@ Server OpenocdScan(std::vector<std::string> answers, const std::string& ir_lengt
   return Openocd(answers);
 }
 
-// Returns the status of a run on the server and its first message, without the place and with the
-// name of the server replaced by "SERVER".
+// Returns the status and the first message of a run on the server. Removes the place from the
+// message, and replaces the name of the server with "SERVER".
 Outcome RunAgainst(const Server& server, const std::string& probe, const std::string& rest,
                    const std::string& timeout) {
   const LocalServer local(server);
@@ -383,7 +383,7 @@ TEST(Servers, HaveFewAnswersUnderWay) {
   EXPECT_LE(most, 2048U);
 }
 
-// If the limit of open files is too low, icehost reports only this reason.
+// If the limit on open files is too low, icehost reports only this reason.
 TEST(Servers, AreOutOfReachWithoutFiles) {
   if (ICESCRIPT_SANITIZED) GTEST_SKIP() << "a sanitizer opens files of its own";
   const LocalServer silent(kSilent);

@@ -22,7 +22,7 @@ grep -q 'tap/device found: 0x2badc001' "$scratch/openocd.log" || fail "the IDCOD
 stop TERM "$server"
 stop TERM "$direct"
 
-# OpenOCD looks for up to 20 TAPs, so it reads the IDCODE, and then ones up to 672 bits.
+# OpenOCD looks for up to 20 TAPs, so it reads 672 bits: the IDCODE, and then only ones.
 ones=$(printf 'f%.0s' {1..160})
 for name in direct proxy; do
   cut -d' ' -f2- "$scratch/$name.trace" | grep -v '^client\|^ended' >"$scratch/told.txt"

@@ -74,7 +74,7 @@ pins=remote-bitbang:127.0.0.1:$port
 detect 0 --probe "$probe"
 idcodes() { grep -o 'IDCODE 0x[0-9a-f]*' "$scratch/out.txt"; }
 declared=$(idcodes)
-# played FILE OPTION...: writes the values that a run reads, and the IR scans of the chain.
+# played FILE OPTION...: writes the values that a run reads, and the chain's IR scans, to FILE.
 played() {
   local file=$scratch/$1 before
   shift

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# icehost with other programs: OpenOCD as client and as probe, openFPGALoader as client, sigrok-cli
-# and GTKWave's converters on the waveform, and an XML parser on the picture.
+# Tests icehost with other programs: OpenOCD as client and as probe, openFPGALoader as client,
+# sigrok-cli and GTKWave's converters on the waveform, and an XML parser on the picture.
 source "$(dirname "${BASH_SOURCE[0]}")/../lib.sh"
 
 serve --idcode 0x2BADC001
@@ -98,7 +98,7 @@ same_in_gtkwave "$scratch/run.vcd"
 
 stop TERM "$server"
 
-# With both protocols, a script makes the same calls, and the same scans at the server.
+# With both protocols, a script makes the same calls, and the server sees the same scans.
 for protocol in remote-bitbang xvc; do
   serve --protocol "$protocol" --trace="$scratch/served.txt" --vcd "$scratch/$protocol.vcd"
   for script in examples/{read_idcode,scratch_register,two_wire}.ini \

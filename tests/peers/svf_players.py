@@ -16,7 +16,7 @@ PARTS = {
        for here in STABLE for there in STABLE},
     **{f"scans to {there}": f"ENDIR {there}; ENDDR {there}; SIR 5 TDI (0d); SIR 5 TDI (02);"
                             "SDR 6 TDI (2c); SDR 3 TDI (4); SIR 5 TDI (1f);"
-       for there in STABLE[1:]},  # a scan to RESET ends OpenOCD
+       for there in STABLE[1:]},  # OpenOCD exits after a scan that ends in RESET
     "paths": "STATE DRSELECT IRSELECT IRCAPTURE IREXIT1 IRPAUSE IREXIT2 IRUPDATE IDLE;"
              "STATE DRSELECT DRCAPTURE DRSHIFT DRSHIFT DRSHIFT DREXIT1 DRPAUSE DRPAUSE;"
              "state drexit2 drshift drexit1 drupdate drselect drcapture drexit1 drpause;"
@@ -55,7 +55,7 @@ def played(vcd):
 
 
 def write_svf(text):
-    """Writes one statement per line, because OpenOCD reads only the first of a line."""
+    """Writes one statement per line, because OpenOCD reads only the first statement of a line."""
     write("all.svf", text.replace(";", ";\n"))
 
 

@@ -33,8 +33,8 @@ class FakeHost {
   bool pieces = false;
 
   // Load the plug-in, so that reads are numbered from 0. Then run a file with this text, or the
-  // file at `path`, which may be null. Return the transcript, which ends with any text on standard
-  // output as "stdout TEXT" and with the result as "= N", or with "thrown N" for a thrown int.
+  // file at `path`, which may be null. Return the transcript. It ends with "stdout TEXT" if there
+  // is text on standard output, and then with the result as "= N", or a thrown int as "thrown N".
   std::string RunText(const std::string& script);
   std::string RunFile(const char* path);
 

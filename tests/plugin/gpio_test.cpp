@@ -29,7 +29,7 @@ TEST(GpioScript, TurnsLinesIntoOperations) {
     const char* lines;
     const char* operations;
   } kCases[] = {
-      // These lines set every pin. A line starts with the pin state of the previous line.
+      // These lines set every pin. Each line keeps the other pins as the previous line left them.
       {"NRST=1\nTRST=1\nTCK=1\nTMS=1\nTDI=1\nTDO=1\nEND",
        "gpio 01 3f 01\ngpio 03 3f 01\ngpio 07 3f 01\ngpio 0f 3f 01\ngpio 1f 3f 01\ngpio 3f 3f 01\n"
        "gpio 3f 3f 10\n"},
@@ -152,7 +152,7 @@ TEST(GpioScript, IsToldByItsHead) {
 TEST(GpioScript, ReportsReads) {
   FakeHost host;
   host.pin_reads = {0x1a, 0, 0xDEADBEEF};
-  // The third run of the block stores a value. The fourth stores nothing and reports it again.
+  // The fourth read reports the value of the third again, because the host stores no new value.
   EXPECT_EQ(host.RunText(kHead + "REPT=4\nPRINT=GPIO_IN\nENDR\nPRINT=GPIO_IN\nEND"),
             kBanner +
                 "gpio 00 3f 08\n"

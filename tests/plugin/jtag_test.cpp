@@ -104,7 +104,7 @@ TEST(JtagScript, ConvertsItsNumbers) {
       {"IR=9223372036854775806,1\nDR=W,-9223372036854775807,1", "-2: 1:01\n"},
       {"IR=24,7ffffffffffffffe,8000000000000000,-8000000000000001\nDR=W,-9999999999999999999",
        "24:feff00 0:\n"},
-      // White space may precede a number. ASCII neighbours of digits and letters end the number.
+      // White space may precede a number. The ASCII neighbours of digits and letters end it.
       {"IR=48,\v\r1,1/,1:,1@,1G,1`\nDR=W,40,1g,0X0x1f,0aX1,0x,\t 1",
        "48:010101010101 40:011f0a0001\n"},
       {"IR=3,1,2,3,4\nDR=W,3,1,2,3,4", "3:01 3:01\n"},
@@ -181,7 +181,7 @@ TEST(JtagScript, BoundsTheLongestScan) {
   EXPECT_NE(transcript.find("insert 288:" + listed + " 288:" + listed + "\n"), std::string::npos);
   EXPECT_NE(transcript.find("DR 288 bits in  value 0x" + dump + "\\n"), std::string::npos);
   EXPECT_NE(transcript.find("DR 288 bits out value 0x" + capture5 + "\\n"), std::string::npos);
-  // With two wires, bytes 0 to 31 move up by one, and bytes 33 to 35 stay. The array ends the dump.
+  // With two wires, bytes 0 to 31 move up, bytes 33 to 35 stay, and the dump ends with the array.
   const std::string moved = listed.substr(0, 64) + listed.substr(66);
   const std::string moved_dump = dump.substr(0, 6) + dump.substr(8);
   EXPECT_NE(transcript.find("insert 296:00" + moved + " 296:01" + moved + "\n"), std::string::npos);
