@@ -32,7 +32,7 @@ class Words {
     if (is) Skip();
     return is;
   }
-  // These return the next word as a number or as a state, without skipping it.
+  // Number and State convert the next word without skipping it.
   std::optional<double> Number() const {
     return AtEnd() ? std::nullopt : SvfNumber(statement_.words[at_]);
   }
