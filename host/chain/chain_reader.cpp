@@ -92,7 +92,7 @@ class ChainReader {
  private:
   enum class From { kReset, kHere };
 
-  // Each step returns whether the next step is possible.
+  // Each of these functions returns whether the next one can run.
   bool ReadIdcodes();
   bool ReadIrs();
   bool CountBypasses();

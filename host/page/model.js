@@ -124,7 +124,7 @@ function rowAtStep(step) {
 }
 
 // Returns the line whose rows are shown for a line: the first line with rows among the line itself,
-// the later lines of its section, and the earlier lines (nearest first). If none, returns 0.
+// the later lines of its section, and the earlier lines, nearest first. Returns 0 if there is none.
 function lineInCharge(source, line) {
   const of = lineRows[source];
   const text = data.sources[source].lines;

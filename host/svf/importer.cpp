@@ -81,7 +81,7 @@ const char* TakeStay(Words& words, SvfRunTest& run) {
   return words.Take("SEC") ? nullptr : kRunTestForm;
 }
 
-// Reads statements, remembers settings for later statements, and passes the effects to a form.
+// Reads statements, remembers settings for later statements, and passes their effects to `form`.
 class Importer {
  public:
   Importer(SvfForm& form, std::size_t most, Problems& problems)

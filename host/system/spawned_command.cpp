@@ -166,7 +166,7 @@ bool Guard::IsGroupGone() {
   throw IoError(fmt::format("cannot start the --spawn command: {}", std::strerror(errno)));
 }
 
-// Returns -1 if it is not a regular file: a read could wait, or take data from another reader.
+// Returns -1 if `fd` is not a regular file: a read could wait, or take data from another reader.
 int OpenToRead(int fd) {
   struct stat status = {};
   if (fstat(fd, &status) != 0 || !S_ISREG(status.st_mode)) return -1;
