@@ -11,7 +11,7 @@ namespace {
 
 // The maximum number of bytes kept for a round. Most rounds need only a few kilobytes.
 constexpr std::size_t kMostKeptBytes = 64U << 20U;
-// The most rounds that the outputs receive after the first. More could fill a disk overnight.
+// The maximum number of rounds written after the first. More could fill a disk overnight.
 constexpr int kMostFailedRounds = 1000;
 // The approximate memory, in bytes, for keeping a step and for keeping any other event.
 constexpr std::size_t kStepBytes = 96;

@@ -46,7 +46,7 @@ class Runner {
  private:
   ExitStatus PlayRounds();
   void BeginRound();
-  // Plays a round. It ends at a script that fails or, with --keep-going, does not run to its end.
+  // Plays a round until a script fails or, with --keep-going, until one does not run to its end.
   ExitStatus PlayEach();
   ExitStatus PlayOne(Script& script);
   void EndScript(ExitStatus status);

@@ -19,7 +19,7 @@ namespace icehost {
 namespace {
 
 constexpr const char* kOutOfMemory = "out of memory";
-// The time that the port gets after a signal, which leaves enough time to complete the files.
+// How long the port may continue after a signal. This leaves enough time to complete the files.
 constexpr std::chrono::milliseconds kLastBytes{400};
 
 std::unique_ptr<PinPort> OpenServed(const ProbeOptions& probe) {

@@ -7,7 +7,7 @@
 namespace icehost {
 namespace {
 
-// No manufacturer has this code, so a marker that follows the IDCODEs cannot look like an IDCODE.
+// This code is reserved. ChainReader's marker contains it, so it differs from every valid IDCODE.
 constexpr unsigned kCodeOfNobody = 0x7F;
 
 // Returns why a value is not a valid IDCODE, or an empty text if it may be valid.

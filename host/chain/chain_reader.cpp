@@ -12,18 +12,18 @@ namespace icehost {
 namespace {
 
 // The reader shifts in this marker first and then searches the output for it. No TAP can produce
-// it, because its first bits are an IDCODE with a reserved manufacturer code.
+// it, because it begins like an IDCODE with a reserved manufacturer code.
 constexpr std::uint64_t kMarker = 0x9C3A'51E7'2B64'D0FF;
 constexpr std::size_t kMarkerBits = 64;
-// The number of TAPs to try first. Most chains are short, and a simulator may need 1 ms per bit.
+// The first read allows for only this many TAPs, because a simulator may need 1 ms per bit.
 constexpr int kFewTaps = 4;
-// The maximum length of the IRs, in bits: in total, or for each TAP if that allows more.
+// All IRs together have at most kLongestIr bits, or kLongestIrEach per TAP if that is more.
 constexpr std::size_t kLongestIr = 256;
 constexpr std::size_t kLongestIrEach = 64;
 // The maximum number of combinations of IR lengths that a report shows.
 constexpr std::size_t kWaysShown = 4;
 
-// Returns repeated markers. Their level keeps changing, so a constant TDO cannot be an echo of TDI.
+// Repeats the marker to fill `bits` bits. A constant TDO cannot be an echo of this pattern.
 Bits Markers(std::size_t bits) {
   Bits markers = BitsOfNumber(kMarker, kMarkerBits);
   while (markers.size() < bits) markers.push_back(markers[markers.size() - kMarkerBits]);
@@ -92,7 +92,7 @@ class ChainReader {
  private:
   enum class From { kReset, kHere };
 
-  // Each step returns whether the next step is possible.
+  // Each of these functions returns whether the next one can run.
   bool ReadIdcodes();
   bool ReadIrs();
   bool CountBypasses();
@@ -178,7 +178,7 @@ void ChainReader::ExplainEndless(const Bits& out) {
         "the chain is broken: after the bits of the TAPs that answer, TDO is all {} (TDI is not "
         "connected, or the chain is interrupted)",
         out.back() ? "ones" : "zeros"));
-    // The tail may begin inside the last IDCODE.
+    // An IDCODE that begins before the tail may extend into it.
     TakeTaps(out, out.size() - tail, out.size());
   } else {
     Fail(

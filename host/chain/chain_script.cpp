@@ -23,7 +23,7 @@ CDI=5
 # An IR of all ones selects BYPASS (IEEE 1149.1), in which each TAP delays the pattern by one bit.
 )";
 
-// The pattern to shift through BYPASS. It contains both levels, and differs when reversed.
+// The pattern to shift through BYPASS. It contains both levels and is not a palindrome.
 constexpr std::uint64_t kPattern = 0x5AC3'0F71;
 constexpr int kPatternBits = 32;
 
@@ -81,8 +81,8 @@ std::size_t Script::IrBits() const {
   return static_cast<std::size_t>(bits);
 }
 
-// Every TAP delays the pattern by one bit, even if the scan addresses only one TAP. The probe
-// chooses the bits for the other TAPs, so the first bits out are unknown.
+// Every TAP delays the pattern by one bit, even if the scan addresses only one TAP. In such a scan,
+// the mask excludes the first bits out, because they depend on bits that the probe adds.
 std::string Script::BypassSection() const {
   const std::size_t taps = chain_.taps.size();
   const Bits pattern = BitsOfNumber(kPattern, kPatternBits);

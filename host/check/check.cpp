@@ -25,7 +25,7 @@ void ReportCutLines(const ScriptText& script, Problems& problems) {
   }
 }
 
-// A script without text counts as a GPIO script, because the plug-in's GPIO reader refuses it.
+// A script without text counts as a GPIO script, because the plug-in reports that END is missing.
 bool IsGpioScript(const ScriptText& script) {
   return !script.HasText() || icescript::IsSectionTag((*script.WithText(script.begin())).text);
 }
@@ -40,7 +40,7 @@ std::string Letters(std::string_view text) {
   return letters;
 }
 
-// Explains why a line that resembles the tag is not the tag. Returns an empty text if unknown.
+// Explains why a line that resembles the tag is not the tag. Returns "" if it finds no reason.
 std::string WhyNotTag(std::string_view text, const std::string& tag) {
   if (const auto slip = SlipIn(text); !slip.empty()) return std::string(slip);
   if (text.front() != '[' || text.find(']') == std::string_view::npos) {

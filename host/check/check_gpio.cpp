@@ -39,8 +39,8 @@ class GpioPins {
     }
   }
 
-  // Ends the block that began at line `rept`. Levels set late in a block may reach their pins when
-  // the block repeats and enables these pins.
+  // Ends the block that began at line `rept`. A level set in the block may reach its pin in the
+  // next pass, if any line of the block enables the pin.
   void CloseBlock(int rept) {
     int enabled = 0;
     for (unsigned pin = 0; pin < kPinKeys; ++pin) {
@@ -80,8 +80,8 @@ class GpioPins {
     idle_.erase(std::remove_if(idle_.begin(), idle_.end(), reaches), idle_.end());
   }
 
-  // GPIO_OUT sets all pins, although its author may mean only some of them. The levels that it
-  // raises count as idle only if it changes no enabled pin.
+  // GPIO_OUT sets all pins, even if the script's author means only some. So the pins that it raises
+  // count as idle only if the line changes no enabled pin.
   void SetIdle(GpioLine& line, int named, int changed) {
     int known = 0;
     for (const Idle& idle : idle_) known |= idle.pins;
@@ -133,7 +133,7 @@ class GpioLines {
 
   void TakeStart(const ScriptLine& line) { AddOperation(line); }
   void Take(const ScriptLine& line);
-  // Ends the script. If `cut`, the plug-in reads no further, so missing lines are not a fault.
+  // Ends the script. After a line that is too long (`cut`), does not report missing lines.
   void Finish(bool cut);
 
   bool Ended() const { return (state_.flags & GPIO_FLAG_END) != 0; }
@@ -265,7 +265,7 @@ void GpioLines::Finish(bool cut) {
     block_problems_.Error(block.rept,
                           "syntax error: rept & endr not match. (this REPT has no ENDR)");
   }
-  // If a REPT or ENDR was refused, its partner has no match, which is not a second fault.
+  // If a REPT or ENDR was refused, its partner has no match, but that is not a second fault.
   if (!refused_block_) problems_.Add(std::move(block_problems_));
   if (!cut) pins_.Finish();
 }

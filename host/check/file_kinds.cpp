@@ -19,7 +19,7 @@ struct FileKind {
   const char* name;
   const char* advice;
   FileUse use;
-  Words comments;  // the texts that begin a comment, which ends at a line feed
+  Words comments;  // the texts that begin a comment; a comment ends at a line feed
   // Returns whether a text is of this kind. Blanks and comments before it have been removed.
   bool (*is)(std::string_view text);
 };
@@ -28,7 +28,7 @@ ScriptLine FirstLine(std::string_view text) {
   return {1, text.substr(0, text.find('\n'))};
 }
 
-// Returns whether a text begins with one of the words and a character of `after`, ignoring case.
+// Returns whether a text begins with one of the words (in any case) and a character of `after`.
 bool BeginsWith(std::string_view text, const Words& upper_words, std::string_view after) {
   return std::any_of(upper_words.begin(), upper_words.end(), [=](std::string_view word) {
     return icescript::EqualsUpper(text.substr(0, word.size()), word) && text.size() > word.size() &&

@@ -95,7 +95,7 @@ void WarnOfKey(const ScriptLine& line, const IniKeys& keys, std::string_view nam
   }
 }
 
-// Warns if a section header is the tag of a GPIO script, which counts only on the first line.
+// Warns if a section header is the tag of a GPIO script, which must precede all other text.
 void WarnOfLateTag(const ScriptLine& header, std::string_view name, Problems& problems) {
   if (!icescript::IsSectionTag(fmt::format("[{}]", name))) return;
   problems.Warn(header.Start(),

@@ -24,7 +24,7 @@ std::string_view TrimSpaces(std::string_view field) {
   return icescript::TrimRight(icescript::TrimLeft(field, ' '), ' ');
 }
 
-// A value, split into fields in the same way as by the parser. `line` must outlive the object.
+// A value, split into fields as the parser splits it. `line` must outlive the object.
 struct Fields {
   explicit Fields(const ScriptLine& at) : line(at), value(ValueOf(at)) {
     if (value.find(',') == std::string_view::npos) return;
@@ -81,7 +81,7 @@ std::string BytesMeant(std::string_view text) {
   return DidYouMean(bytes);
 }
 
-// Checks the length in field `length_at`, which is read as `bits`. Returns whether it is positive.
+// Checks the length in field `length_at`, which the plug-in reads as `bits`. Returns `bits` > 0.
 bool CheckLength(const Fields& fields, std::size_t length_at, int bits, Problems& problems) {
   const std::string_view text = TrimSpaces(fields.text[length_at]);
   if (bits < 0 && text == fmt::to_string(bits)) {
@@ -154,7 +154,7 @@ void ExplainRefusal(const Fields& fields, std::size_t length_at, const char* for
 
 // ---- Expectations
 
-// Reads exactly the bytes that `bits` bits need. Reports any other value and returns nothing.
+// Reads exactly the bytes that `bits` bits need. On any error, reports it and returns nothing.
 std::optional<std::string> ReadBytes(const ScriptLine& line, int bits, Problems& problems) {
   const std::size_t held = BytesOf(bits);
   std::string bytes;
@@ -203,7 +203,7 @@ std::optional<std::string> ReadValue(const ScriptLine& line, int bits, Problems&
   return std::nullopt;
 }
 
-// Clears the bits of the mask that are beyond the end of the register.
+// Reads a mask and clears its bits beyond the end of the register. Reports a mask of 0.
 std::optional<std::string> ReadMask(const ScriptLine& line, int bits, Problems& problems) {
   std::optional<std::string> mask = ReadBytes(line, bits, problems);
   if (!mask.has_value()) return std::nullopt;

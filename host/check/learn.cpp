@@ -23,7 +23,7 @@ namespace {
 using Of = Expectation::Of;
 using Texts = std::vector<std::string_view>;
 
-// A number without "0x" in a comment counts only if it has at least this many digits.
+// A number in a comment is a register value only with "0x" or at least this many digits.
 constexpr std::size_t kFewestBareDigits = 4;
 
 Texts SplitAtCommas(std::string_view text) {
@@ -216,7 +216,7 @@ class Learner {
                ir.end());
     const std::string learned =
         fmt::format("\n{}TDO={}", indentation, ListOf(value, FormOf(all), fields));
-    // Inserts the text before a carriage return, which then ends the new line.
+    // If the DR line ends with a carriage return, the new line ends with one, too.
     Edit(line.raw.substr(line.raw.size() - (returns ? 1 : 0), 0), (returns ? "\r" : "") + learned);
   }
 

@@ -80,7 +80,7 @@ std::optional<std::string_view> AfterExpect(std::string_view text) {
   return text.substr(at + FirstWord(text.substr(at)).size());
 }
 
-// Returns whether a text begins with levels. A number before other text ("3 reads") is a count.
+// Returns whether a text begins with levels. In "3 reads", the number is a count, not levels.
 bool BeginsWithLevels(std::string_view text) {
   text = text.substr(std::min(text.find_first_not_of(" \t:="), text.size()));
   return ReadLevels(text).has_value() || NamedLevels(text.substr(0, text.find_first_of(" \t,;.")));

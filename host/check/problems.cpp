@@ -11,7 +11,7 @@
 namespace icehost {
 namespace {
 
-// The maximum number of bytes of a line that are shown before the column, and in total.
+// The maximum number of bytes shown of a line: before the column of the problem, and in total.
 constexpr std::size_t kShownBefore = 60;
 constexpr std::size_t kShown = 100;
 constexpr std::size_t kMoreLinesShown = 3;

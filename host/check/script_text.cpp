@@ -32,7 +32,7 @@ bool IsIniLine(const ScriptLine& line) {
   return line.IsHeader() || line.text.find('=') != std::string_view::npos;
 }
 
-// A binary file contains a NUL, does not begin with a header or tag, and has mostly wrong lines.
+// A binary file contains a NUL, does not begin with a header or tag, and has mostly invalid lines.
 bool IsBinary(std::string_view content) {
   if (content.find('\0') == std::string_view::npos) return false;
   std::size_t lines = 0;

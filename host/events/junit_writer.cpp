@@ -84,7 +84,7 @@ void AddSections(const Plan& plan, std::vector<Case>& cases) {
   }
 }
 
-// Adds a case for each line of a GPIO script that expects something.
+// Adds a case for each line with an expectation in a GPIO script.
 void AddLines(const Plan& plan, Suite& suite) {
   if (!plan.jtag.empty()) return;
   for (const Expectation& expected : plan.expectations) {

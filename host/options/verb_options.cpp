@@ -129,7 +129,7 @@ OutputRequests RequestsOf(const CLI::App& verb) {
     const CLI::Option* const option = verb.get_option_no_throw(kind.option);
     if (option == nullptr || option->empty()) continue;
     std::optional<std::string> path = option->as<std::string>();
-    if (kind.file_may_lack && path == "true") path.reset();  // "true" means that no file was given
+    if (kind.file_may_lack && path == "true") path.reset();  // CLI11's value if no file is given
     requests.push_back({&kind, std::move(path)});
   }
   return requests;

@@ -126,7 +126,7 @@ function renderRegister(register) {
   return element;
 }
 
-// Adds the registers of a row, first those with wrong bits. Scrolls to the lowest wrong bit.
+// Adds the registers of a row, those with wrong bits first. Scrolls to the lowest wrong bit.
 function showRegisters(detail, row) {
   const registers = registersOf(row);
   const rank = ({wrong}) => wrong === 0n ? 1 : 0;

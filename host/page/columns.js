@@ -1,4 +1,4 @@
-// Fits the widths of columns, in characters, to the contents of the columns.
+// Adapts the widths of columns, in characters, to their contents.
 const COLUMNS = ["No.", "Line", "Operation", "Sent", "Received", "Expected", "Result"];
 
 function longest(texts) {

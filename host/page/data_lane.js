@@ -120,7 +120,7 @@ class DataLane {
   }
 }
 
-// Returns {begin, end, name, shift} for each scan that shifts bits, beginning at step `shift`.
+// Returns {begin, end, name, shift} for each scan that shifts bits. Shifting begins at `shift`.
 function passes(taps) {
   const found = [];
   for (const {begin, end, tap} of taps) {
@@ -146,8 +146,8 @@ function scanBoxes(taps) {
   return boxes;
 }
 
-// Returns {begin, end, row} for each step that was read. If several rows read the same step, `row`
-// is the first one that is not as expected, or else the last one.
+// Returns {begin, end, row} for each step at which the pins were read. If several rows read them
+// at one step, `row` is the first that is not as expected, or else the last.
 function pinReads() {
   const reads = [];
   for (const row of rows) {

@@ -29,7 +29,7 @@ function summaryTexts() {
   return texts;
 }
 
-// Adds a link to the first failed row. A click on the link calls `onFault` with this row.
+// Shows the summary with a link to the first failed row. A click calls `onFault` with this row.
 function showSummary(onFault) {
   const summary = document.getElementById("summary");
   summary.append(summaryTexts().join(", "));

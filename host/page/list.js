@@ -1,6 +1,6 @@
 // A list of lines of equal height. The document contains only the visible lines of a long list.
 class List {
-  static SHORT = 1500;  // longest list with all its lines in the document, for the browser's search
+  static SHORT = 1500;  // the browser's own search finds all lines of lists up to this length
   static MARGIN = 30;   // extra lines above and below the visible lines
 
   // `render` returns the element for an item. An item that can be selected has a `key`. Items with
@@ -13,7 +13,7 @@ class List {
     this.inner = element.appendChild(document.createElement("div"));
     this.inner.setAttribute("role", "rowgroup");
     this.items = [];
-    this.shown = new Map();  // from index to element
+    this.shown = new Map();  // maps an index to its element
     this.picked = null;
     this.decorate = null;  // optional; called with each element and its index before it is shown
     element.addEventListener("scroll", () => this.show());
@@ -108,7 +108,7 @@ class List {
     this.show();
   }
 
-  // Returns the item that a key selects next, or null if the key selects no item.
+  // Returns the item that a keyboard key selects next, or null if it selects none.
   neighbour(key) {
     const page = Math.max(1, Math.floor(this.room() / this.height) - 1);
     const ways = {ArrowDown: 1, ArrowUp: -1, PageDown: page, PageUp: -page,

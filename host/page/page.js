@@ -6,7 +6,7 @@ let wrapping = null;
 let pickedLine = null;  // {source, line}
 let pickedRow = null;
 
-// Selects a row and a line everywhere. The line may differ from the line of the row.
+// Selects a row and a line in all parts of the page. The line may differ from the row's own line.
 function pick(row, line, from) {
   pickedRow = row;
   pickedLine = line;

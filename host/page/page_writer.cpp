@@ -18,7 +18,7 @@ constexpr long kMostMessageLines = 400000;
 constexpr long kMostLines = 100000;
 constexpr std::size_t kMostSourceBytes = 32U << 20U;
 constexpr long kMostMarks = 10000;
-// The number of failed rows and errors that are added after these limits are reached.
+// After a limit above is reached, up to this many failed rows and errors are still added.
 constexpr int kMostLateFaults = 1000;
 
 constexpr int kUnknownTap = kTapStates;

@@ -2,7 +2,7 @@
 class Paper {
   static COLUMNS = 118;    // characters
   static LEAST = 8;        // minimum width of a column, in characters
-  static MOST_KEPT = 3000; // rows that no page break divides; more rows would be slow
+  static MOST_KEPT = 3000; // maximum number of rows protected from page breaks; more would be slow
   static WIDTH = 700;      // width of a band, in pixels
   static LEAST_SCALE = 3;  // pixels per step
   static COLOURS = {bg: "#fff", fg: "#000", dim: "#555", edge: "#777", bad: "#000",

@@ -31,8 +31,8 @@ function extraBits(sent, received) {
   return 8 * Math.max(0, sent.bytes - received.bytes);
 }
 
-// Of the `total` bits of the result, the first `bits` are known. `extra` is the value of bits that
-// were sent before them, or null. `mask` has a one for each bit that is compared.
+// The register has `total` bits, but only the lowest `bits` are known. `extra` is the value of the
+// bits sent before them, or null. `mask` has a one for each bit that is compared.
 function makeRegister(name, {sent, expected, received}, wrong) {
   const extra = extraBits(sent, received);
   const total = name === "pins" ? data.pins.length

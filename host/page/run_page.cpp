@@ -136,9 +136,9 @@ class RunPage : public Output, public EventListener, public StepRecorder {
   };
   std::ostream& stream_;
   PageWriter writer_;
-  std::string round_;            // ends the names of scripts in a repeated run
+  std::string round_;            // appended to script names in a repeated run
   long operation_ = 0;           // the number of the next operation
-  std::optional<PageRow> scan_;  // a scan that was inserted, but not executed yet
+  std::optional<PageRow> scan_;  // an inserted scan that has not been executed yet
   std::vector<Error> errors_;    // the errors of the current call
 };
 
@@ -147,8 +147,8 @@ void RunPage::OnScript(const ScriptBegin& script) {
   operation_ = 0;
 }
 
-// A scan is queried, inserted and executed, but only its execute call gets a row. If the script
-// ends before this call, OnScriptEnd adds the row of the insert call.
+// A scan takes three calls: interface query, insert and execute. Only execute gets a row. If the
+// script ends before it, OnScriptEnd adds the row of the insert call.
 void RunPage::OnCall(const CallEvent& call) {
   if (AsksForInterface(call)) return;
   scan_.reset();

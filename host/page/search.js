@@ -43,7 +43,7 @@ class Search {
     this.one = null;  // the same pattern without the flag g, for test()
     this.matches = [];  // indexes of items, counted across all lists
     this.current = -1;  // an index into `matches`
-    this.texts = new Map();  // from a list to its items and their texts
+    this.texts = new Map();  // maps a list to its items and their texts
     for (const list of lists) {
       list.decorate = (element, index) => this.decorate(list, element, index);
     }

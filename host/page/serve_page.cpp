@@ -13,7 +13,7 @@
 namespace icehost {
 namespace {
 
-// The most bits that the page shows of a scan. A client that checks a chain may shift thousands.
+// The maximum number of bits shown of a scan. A client that checks a chain may shift thousands.
 constexpr std::size_t kMostBits = 1024;
 
 const char* Column(const TapScan& scan) {

@@ -56,7 +56,7 @@ class WaveView {
   }
 
   // Makes a row visible, and moves the cursor to its beginning. For a row without steps, shows the
-  // step that the row read. Null selects no row.
+  // step at which it read the pins. Null selects no row.
   showRow(row) {
     this.row = row;
     if (row === null) return this.redraw();
@@ -73,7 +73,7 @@ class WaveView {
     this.show(inSight ? this.from : place + length / 2 - room / this.scale / 2, this.scale);
   }
 
-  // Makes a row fill most of the width. For a row without steps, shows the step that the row read.
+  // Makes a row fill most of the width, or the step at which it read the pins if it has no steps.
   zoomToRow(row) {
     if (row === null || row.end === 0 || row.begin > steps.length) return;
     const begin = Math.min(row.begin, row.end - 1);

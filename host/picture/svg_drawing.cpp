@@ -17,7 +17,7 @@ constexpr std::size_t kMostBands = 25;
 constexpr int kNamesWidth = 56;
 constexpr int kRightMargin = 28;  // room for the value that is read in the last step
 constexpr int kTextMargin = 3;
-constexpr int kReach = 6;  // from the middle of a mark to any label
+constexpr int kReach = 6;  // distance from the middle of a mark to any label
 constexpr int kTop = 8;
 constexpr int kBandGap = 16;
 constexpr int kRulerHeight = 16;
@@ -26,7 +26,7 @@ constexpr int kShapeHeight = 14;  // height of a segment, and distance between t
 constexpr int kNoteHeight = 16;
 constexpr int kNameX = 6;
 constexpr int kSlant = 2;      // width of the pointed end of a segment
-constexpr int kBaseline = 11;  // from the top of a row to the baseline of its text
+constexpr int kBaseline = 11;  // distance from the top of a row to the baseline of its text
 constexpr int kMarkRadius = 3;
 
 constexpr char kPage[] = R"(class="page" fill="#ffffff")";
@@ -46,8 +46,8 @@ constexpr char kDarkStyle[] = R"(<style>
 </style>
 )";
 
-// In a scan, a TAP state takes at least two steps, which have room for three characters. In a GPIO
-// script, a step needs room for its line number and, in a short script, for the value it reads.
+// Two steps of a scan, the minimum for a TAP state, have room for three characters. A step of a
+// GPIO script has room for its line number and, if there are few steps, for the value it reads.
 struct StepSize {
   int width;
   std::size_t in_band;
@@ -278,7 +278,7 @@ void Drawing::DrawLane(const Lane& lane, int y) {
     texts += fmt::format("<text x=\"{}\" y=\"{}\">{}</text>\n", (X(piece.begin) + X(piece.end)) / 2,
                          y + kBaseline - 1, XmlText(*label));
   }
-  // The texts ignore the pointer, so that the titles of the shapes below appear as tooltips.
+  // The texts ignore the pointer, so that the titles of the shapes under them appear as tooltips.
   Print("</g>\n<g {} text-anchor=\"middle\" pointer-events=\"none\">\n{}</g>\n", kInk, texts);
 }
 
@@ -297,7 +297,7 @@ void Drawing::DrawPin(int pin, int y) {
     return (run_.steps[step].wires >> pin & 1) != 0 ? y : y + kShapeHeight;
   };
   if (steps_.begin == steps_.end) return;
-  std::size_t last = std::max<std::size_t>(steps_.begin, 1) - 1;  // of the previous band
+  std::size_t last = std::max<std::size_t>(steps_.begin, 1) - 1;  // last step before this band
   Print("<path d=\"M{} {}", X(steps_.begin), level_y(last));
   for (std::size_t step = steps_.begin; step < steps_.end; last = step++) {
     if (level_y(step) != level_y(last)) Print("H{}V{}", X(step), level_y(step));

@@ -18,7 +18,7 @@
 namespace icehost {
 namespace {
 
-// In the order of TapState. DR and IR states share names, but "Sel" appears twice before IR states.
+// Indexed by TapState. DR and IR scans share names, but an IR scan begins with two "Sel".
 constexpr const char* kShortTapNames[kTapStates] = {
     "TLR", "RTI", "Sel", "Cap", "Sh",  "Ex1", "Pau", "Ex2",
     "Upd", "Sel", "Cap", "Sh",  "Ex1", "Pau", "Ex2", "Upd",
@@ -114,7 +114,7 @@ class SvgWriter : public Output, public StepRecorder, public EventListener {
 
   std::ostream& stream_;
   SvgRun run_;
-  std::string round_;   // ends the names of scripts in a repeated run
+  std::string round_;   // appended to script names in a repeated run
   std::string script_;  // the path of the current script
   bool script_begins_ = false;
 };
@@ -135,7 +135,7 @@ void SvgWriter::OnScript(const ScriptBegin& script) {
 }
 
 void SvgWriter::OnCall(const CallEvent& call) {
-  // A call that begins at this limit may have no steps, but read the last step that is kept.
+  // A call without steps that begins at this limit may have read the pins in the last step kept.
   if (call.steps.begin > kMostSvgSteps) return;
   if (call.steps.begin < call.steps.end) KeepOperation(OperationOf(call, script_));
   if (std::optional<SvgRead> read = ReadOf(call, script_)) KeepRead(std::move(*read));
@@ -155,7 +155,7 @@ void SvgWriter::KeepOperation(SvgSegment operation) {
   run_.operations.push_back(std::move(operation));
 }
 
-// Keeps only one read of each step, so that a loop of reads needs no extra memory. This is the
+// Keeps only one read for each step, so that a loop of reads needs no extra memory. This is the
 // first read that is not as expected or, if all are as expected, the last read.
 void SvgWriter::KeepRead(SvgRead read) {
   std::vector<SvgRead>& reads = run_.reads;

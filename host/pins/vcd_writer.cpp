@@ -25,7 +25,7 @@ std::string LowerCase(std::string text) {
   return text;
 }
 
-// Writes each step at once, so that the file is always complete. A step counts as 1 us. GTKWave
+// Writes each step immediately, so that the file is always complete. A step counts as 1 us. GTKWave
 // shows the string variables for the TAP state and the operation. sigrok skips them with a warning.
 class VcdWriter : public Output, public StepRecorder {
  public:

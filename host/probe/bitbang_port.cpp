@@ -15,7 +15,7 @@ namespace icehost {
 namespace {
 
 constexpr std::size_t kSendAt = 4096;
-// With more unread answers, both sides could fill their buffers and wait for each other forever.
+// With more unread answers than this, both sides could block on full buffers forever.
 constexpr std::size_t kAnswersUnderWay = 2048;
 // How long the destructor waits for the remaining answers after a signal.
 constexpr std::chrono::milliseconds kLastAnswers{100};

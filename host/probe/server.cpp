@@ -23,7 +23,7 @@ constexpr std::size_t kReadAtOnce = 4096;
 constexpr std::chrono::seconds kLookAtPort{1};
 // The longest time that a new client waits while the current client sends without a pause.
 constexpr std::chrono::seconds kNewcomerWaits{1};
-// How long the server continues to play received bytes after a signal.
+// How long the server continues to process received bytes after a signal.
 constexpr std::chrono::milliseconds kLastWork{200};
 
 // Makes TCP notice within two minutes that a client's machine is gone. The calls fail for a UNIX
@@ -91,7 +91,7 @@ struct Server::Client {
 
   StreamProtocol::socket socket;
   std::array<char, kReadAtOnce> bytes{};
-  std::size_t received = 0;  // the number of bytes that were not played yet
+  std::size_t received = 0;  // the number of bytes that have not been processed yet
   std::string answers;
   bool gone = false;
   Clock::time_point last_heard = Clock::now();
@@ -122,7 +122,7 @@ bool Server::OwesAPart() const {
   return client_ != nullptr && !client_->gone && client_->HasLeft();
 }
 
-// Waits for an event. Does not check the port after a signal, which may have ended its server, too.
+// Waits for an event. Skips the port check after a signal, which may also end the port's server.
 void Server::Wait() {
   asio::io_context& loop = EventLoop();
   loop.restart();

@@ -22,7 +22,7 @@ Target::Target(const TargetOptions& options)
 
 void Target::RaiseTck(bool tms, bool tdi) {
   if (state_ == TapState::kCaptureDr) Capture(CapturedDr());
-  // By IEEE 1149.1, a captured IR ends in 01.
+  // In IEEE 1149.1, a captured IR ends in 01.
   if (state_ == TapState::kCaptureIr) Capture(BitsOfNumber(0x01, options_.ir_length));
   if (IsShifting()) {
     shift_[first_] = tdi;

@@ -16,7 +16,7 @@ namespace {
 
 // The limit is larger than any valid answer to getinfo.
 constexpr std::size_t kLongestInfo = 64;
-// The command for a shift has a 4-byte bit count, so its two vectors never need more bytes.
+// A shift command has a 4-byte bit count, so its two vectors never need more bytes than this.
 constexpr std::uint32_t kMostInfo = 1U << 30U;
 // Limits the buffers if the server allows longer shifts. No scan is this long.
 constexpr std::size_t kMostBitsAtOnce = 1U << 16U;

@@ -27,7 +27,7 @@ Bits BitsFrom(std::string_view bytes, std::size_t count) {
 struct XvcSession::Command {
   std::string_view name;
   std::size_t head;  // the size of the name and of the number after it
-  // Returns the size of the whole command, or 0 if the command is incomplete or wrong.
+  // Executes the command. Returns its size, or 0 if the command is incomplete or wrong.
   std::size_t (XvcSession::*play)(std::string_view bytes, std::string& answers);
 };
 

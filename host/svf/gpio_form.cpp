@@ -89,7 +89,7 @@ void GpioForm::WriteLine(const std::string& more) {
   Write(fmt::format("# line {}: {}{}\n", At().line, Keyword(), more));
 }
 
-// Writes the lines of `times` TCK cycles. `again` is `first` without the levels of TMS and TDI.
+// Writes the lines for `times` TCK cycles. `again` is `first` without the levels of TMS and TDI.
 void GpioForm::Repeat(const std::string& first, const std::string& again, long times) {
   const bool is_long = times > kMostPasses;
   if (is_long) {
@@ -117,7 +117,7 @@ void GpioForm::Clock(bool tms, bool tdi, Expected tdo, long times) {
   if (!trst_low_) tap_ = NextTapState(tap_, tms);
 }
 
-// SVF does not define the bits that are shifted along a path of STATE. The script shifts zeros.
+// SVF does not define which bits a STATE statement shifts on its path. The script shifts zeros.
 void GpioForm::Clock(bool tms) {
   const bool shifts = tap_ == TapState::kShiftDr || tap_ == TapState::kShiftIr;
   Clock(tms, tdi_ && !shifts, std::nullopt, 1);
@@ -198,7 +198,7 @@ void GpioForm::Shift(const SvfShift& shift) {
 }
 
 // Returns the number of TCK cycles for a wait. If the wait is impossible, reports why and returns
-// nothing. FREQUENCY is a maximum, so a faster probe needs more cycles.
+// nothing. The file's cycles are no faster than FREQUENCY, so a faster probe needs more of them.
 std::optional<long> GpioForm::CyclesOf(const SvfRunTest& run) {
   const auto hz = tck_hz_.has_value() ? tck_hz_ : file_hz_;
   hz_used_ = true;

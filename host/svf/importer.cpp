@@ -32,7 +32,7 @@ class Words {
     if (is) Skip();
     return is;
   }
-  // These return the next word as a number or as a state, without skipping it.
+  // Number and State convert the next word without skipping it.
   std::optional<double> Number() const {
     return AtEnd() ? std::nullopt : SvfNumber(statement_.words[at_]);
   }
@@ -81,7 +81,7 @@ const char* TakeStay(Words& words, SvfRunTest& run) {
   return words.Take("SEC") ? nullptr : kRunTestForm;
 }
 
-// Reads statements, remembers settings for later statements, and passes the effects to a form.
+// Reads statements, remembers settings for later statements, and passes their effects to `form`.
 class Importer {
  public:
   Importer(SvfForm& form, std::size_t most, Problems& problems)

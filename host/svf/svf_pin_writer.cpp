@@ -139,7 +139,7 @@ void SvfPinWriter::Advance() {
 
 void SvfPinWriter::OnTapEdge(const PinStep& before, TapState to) {
   const bool shifts = IsShift(before.tap);
-  // A level that the probe itself drives does not come from the target.
+  // A level on TDO that the probe itself drives does not come from the target.
   shifts_ = shifts && !before.drives_tdo;
   if (shifts && before.drives_tdo && shifted_ < read_.size()) read_[shifted_] = false;
   if (shifts) ++shifted_;
@@ -229,7 +229,7 @@ void SvfPinWriter::WriteScan(const char* end) {
   ScanStatement(held.scan);
 }
 
-// Writes the place of an operation, unless the last such comment was for the same operation.
+// Writes a comment with the place of an operation, unless the last one was for this operation.
 void SvfPinWriter::Locate(const Operation& operation, int last_line) {
   if (std::exchange(located_, operation.number) != operation.number) {
     CommentOnPlace(*operation.path, operation.source, last_line);

@@ -81,7 +81,7 @@ void SvfWriter::CommentOnUnmet(const CallEvent& call) {
   }
 }
 
-// Writes the bits for the other TAPs, which a player shifts before and after those of each scan.
+// Writes the bits for the other TAPs, which a player shifts before and after the bits of a scan.
 void SvfWriter::FrameStatements(bool framed) {
   const auto write = [&](const char* name, std::size_t bits, bool fill) {
     if (!framed) bits = 0;

@@ -61,7 +61,7 @@ struct Launch {
 }
 
 // The guard is forked from a process with threads, so it may call only functions that are safe in a
-// signal handler. All its signals are blocked. SIGTERM asks the guard to end the command.
+// signal handler. It blocks all signals, but waits for SIGTERM, which asks it to end the command.
 class Guard {
  public:
   explicit Guard(const Launch& launch) : launch_(launch) {}
@@ -166,7 +166,7 @@ bool Guard::IsGroupGone() {
   throw IoError(fmt::format("cannot start the --spawn command: {}", std::strerror(errno)));
 }
 
-// Returns -1 if a read could wait, or could take data from another reader.
+// Returns -1 if `fd` is not a regular file: a read could wait, or take data from another reader.
 int OpenToRead(int fd) {
   struct stat status = {};
   if (fstat(fd, &status) != 0 || !S_ISREG(status.st_mode)) return -1;

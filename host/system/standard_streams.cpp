@@ -50,7 +50,7 @@ std::ostream& StandardError() {
 void OccupyStandardDescriptors() {
   for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
     if (fcntl(fd, F_GETFD) != -1 || errno != EBADF) continue;
-    // open returns this descriptor, the lowest free one. Its wrong direction makes every use fail.
+    // open returns the lowest free descriptor, `fd`. The wrong access mode makes every use fail.
     [[maybe_unused]] const int opened = open("/dev/null", fd == 0 ? O_WRONLY : O_RDONLY);
   }
 }

@@ -28,7 +28,7 @@ void AddTo(std::vector<Interface*>& listeners, Output& output) {
   if (auto* const one = dynamic_cast<Interface*>(&output)) listeners.push_back(one);
 }
 
-// Returns the time `ago` seconds ago.
+// Returns the time `ago` seconds ago as text.
 std::string TimeText(double ago) {
   const auto time = std::chrono::system_clock::now() -
                     std::chrono::milliseconds(static_cast<std::int64_t>(ago * 1000));

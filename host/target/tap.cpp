@@ -32,7 +32,7 @@ constexpr unsigned BitOf(TapState state) {
   return 1U << static_cast<unsigned>(state);
 }
 
-// Returns the states that the TAP can reach from `states` with one TCK edge. Each bit is a state.
+// Returns the states that the TAP can reach from `states` with one TCK edge, one bit per state.
 unsigned StatesAfter(unsigned states) {
   unsigned after = 0;
   for (int i = 0; i < kTapStates; ++i) {
