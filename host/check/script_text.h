@@ -72,7 +72,7 @@ class ScriptText {
   bool HasText() const { return WithText(begin()) != end(); }
   // Returns a line by its number. It may be the line that is too long.
   ScriptLine Line(int number) const;
-  // Returns the place at which a line becomes too long for the plug-in; nothing if there is none.
+  // Returns the place at which a line becomes too long for the plug-in; nothing if no line does.
   std::optional<Place> CutAt() const;
 
  private:
