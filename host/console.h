@@ -13,7 +13,7 @@
 namespace icehost {
 
 // Prints the plug-in's messages on standard output, and icehost's own messages and the progress of
-// a long run on standard error. Every message first erases the line of progress. While the console
+// a long run on standard error. Every message first erases the progress line. While the console
 // waits for a reader, the Rescue may end the run.
 class Console {
  public:
@@ -27,8 +27,8 @@ class Console {
   Console(const Console&) = delete;
   Console& operator=(const Console&) = delete;
 
-  // Shows a message of the plug-in, on a terminal as PrintableLines returns it. Throws IoError if
-  // standard output cannot be written.
+  // Shows a message of the plug-in. On a terminal, shows the result of PrintableLines. Throws
+  // IoError if standard output cannot be written.
   void Show(const char* message);
   // Flushes the messages. Throws as Show does.
   void Flush();
@@ -58,7 +58,7 @@ class Console {
  private:
   using Clock = std::chrono::steady_clock;
   struct Held {
-    bool message;
+    bool message;  // from the plug-in; otherwise one of icehost's own
     std::string text;
   };
 

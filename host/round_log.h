@@ -64,8 +64,8 @@ class RoundLog : public EventListener, public StepRecorder {
   std::vector<StepRecorder*> recorders_;
   long round_ = 0;
   int failed_rounds_ = 0;  // rounds after the first that were passed on
-  bool open_ = true;
-  bool cut_ = false;  // the current round has too many details to keep
+  bool open_ = true;       // events are passed on at once
+  bool cut_ = false;       // the current round has too many details to keep
   std::deque<Kept> kept_;
   std::size_t kept_bytes_ = 0;
   std::size_t steps_ = 0;          // the number recorded, in all rounds

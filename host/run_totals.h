@@ -37,7 +37,7 @@ class RunTotals {
   // Returns whether fewer rounds have begun than the user asked for.
   bool WantsRound() const { return command_.repeat == 0 || round_ < command_.repeat; }
   long Round() const { return round_; }
-  // Returns the number of operations of all rounds if none fails; 0 for an endless run.
+  // Returns the number of operations in all rounds if nothing fails; 0 for an endless run.
   long ExpectedOperations() const;
   // Returns the beginning of a progress line: "round 3 of 10, 0 failed, ".
   std::string RoundText() const;
