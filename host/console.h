@@ -36,14 +36,14 @@ class Console {
   void Say(const std::string& line);
   // Drops the kept texts. If `holds` is true, Show and Say then keep texts instead of showing them.
   void Hold(bool holds);
-  // Shows the kept texts, and makes Show and Say show later ones. Throws as Show does.
+  // Shows the kept texts, and makes Show and Say show later texts. Throws as Show does.
   void Release();
   void SayUnlessQuiet(const std::string& line) {
     if (!quiet_) Say(line);
   }
   // Sets the number of operations of a run without failures; 0, the initial value, means unknown.
   void Expect(long operations) { expected_ = operations; }
-  // Sets the text before the progress, such as RunTotals::RoundText.
+  // Sets the text that is shown before the progress, such as RunTotals::RoundText.
   void ShowRounds(const std::string& rounds) { rounds_ = rounds; }
   // Counts an operation, and draws the progress when it is due.
   void CountOperation();

@@ -25,10 +25,10 @@ class RoundLog : public EventListener, public StepRecorder {
 
   // Begins a round; the first one is 1.
   void BeginRound(long round);
-  // Passes on the events of the current round, which has failed: the events so far and all later
+  // Passes on the current round, which has failed: its events so far, and from now on its later
   // events. If the round was too long to keep, a warning replaces its calls and steps so far. In
-  // the 1000th of these rounds, a warning says that later rounds are not passed on. `now` is the
-  // time of the warnings.
+  // the 1000th round passed on this way, a warning says that later rounds are not passed on. `now`
+  // is the time of the warnings.
   void PassOn(RunTime now);
 
   void OnScript(const ScriptBegin& script) override;

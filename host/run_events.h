@@ -41,9 +41,8 @@ class RunEvents : public StepRecorder {
   // Reports why the run ends. Does not use standard output, so a Rescue may call this function.
   void Abandon(const std::string& why);
 
-  // Begins a call of the plug-in. `begins_operation` is false if the call only prepares an
-  // operation. Throws IoError if standard output can no longer be written, so that the rest of the
-  // script does not run unseen.
+  // Begins a host call. `begins_operation` is false if the call only prepares an operation. Throws
+  // IoError if standard output can no longer be written, so that the script does not run on unseen.
   void BeginCall(const char* function, const CallSource& source, bool begins_operation);
   // Ends the current call, and sets its times.
   void EndCall(CallEvent call);

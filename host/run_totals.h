@@ -1,4 +1,4 @@
-// The totals of a run, and its result in the forms in which icehost reports it.
+// The totals of a run, and its result as a text, as the head of a page and as an event.
 #ifndef ICESCRIPT_HOST_RUN_TOTALS_H_
 #define ICESCRIPT_HOST_RUN_TOTALS_H_
 
@@ -61,7 +61,7 @@ class RunTotals {
   std::size_t ended_ = 0;   // the number of scripts that ended in the current round
   long round_ = 0;          // the current round
   long played_rounds_ = 0;  // the number of rounds played to their ends
-  long failed_rounds_ = 0;  // how many of these failed
+  long failed_rounds_ = 0;  // the number of these that failed
   ValueCounts values_;      // of all scripts that ended or were left out, in all rounds
   std::string summary_;     // the results of the expectations
 };

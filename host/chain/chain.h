@@ -33,7 +33,7 @@ struct Chain {
 
 constexpr int kIdcodeBits = 32;
 
-// The number of a manufacturer in an IDCODE: a code in a bank of JEP106, each counted from 1.
+// The manufacturer in an IDCODE: a bank of JEP106 (the first is 1) and a code in this bank.
 struct Manufacturer {
   unsigned bank;  // 1 to 16
   unsigned code;  // 1 to 126; 0 and 127 are not manufacturers

@@ -44,7 +44,7 @@ class ScriptText {
     Iterator(std::string_view content, std::size_t at, int number);
 
     ScriptLine operator*() const { return {number_, raw_}; }
-    // Throws Interrupted, so that a signal can end each iteration over a long script.
+    // Throws Interrupted, so that a signal can end a loop over a long script.
     Iterator& operator++();
     bool operator!=(const Iterator& other) const { return at_ != other.at_; }
     // Returns the offset of the line in the content.

@@ -195,7 +195,7 @@ class EventListener {
   // The plug-in has printed a message, which may be a part of a line.
   virtual void OnMessage(const char* /*text*/) {}
   // A notice that explains a failed call comes before the OnCall of this call. A notice about the
-  // run may come outside scripts.
+  // run may come while no script runs.
   virtual void OnNotice(const Notice& /*notice*/) {}
   virtual void OnScriptEnd(const ScriptEnd& /*end*/) {}
   // Called once, as the last event, however the run ends. Output::End may come before it.

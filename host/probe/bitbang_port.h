@@ -19,7 +19,7 @@ namespace icehost {
 class BitbangPort : public PinPort {
  public:
   enum class Manner {
-    // Write throws Unsupported unless all pins except TDO are enabled. When TRST falls, it also
+    // Write throws Unsupported unless all pins except TDO are enabled. When TRST falls, Write also
     // resets the TAP by TMS, because some servers ignore the reset bytes.
     kProbe,
     // Any pins may be enabled. Write sends nothing for TCK, TMS and TDI while none of them is

@@ -47,7 +47,7 @@ class Target {
   void HoldRegisters(bool hold);
 
   int IrLength() const { return options_.ir_length; }
-  // Returns the level of TDO; nothing outside Shift-IR and Shift-DR, where TDO is not driven.
+  // Returns the level of TDO; nothing if the TAP does not drive it (outside Shift-IR and Shift-DR).
   std::optional<bool> Tdo() const { return tdo_; }
 
  private:
