@@ -13,7 +13,7 @@
 namespace icehost {
 
 // Prints the plug-in's messages on standard output, and icehost's own messages and the progress of
-// a long run on standard error. Every message first erases the line of progress. While the console
+// a long run on standard error. Every message first erases the progress line. While the console
 // waits for a reader, the Rescue may end the run.
 class Console {
  public:
@@ -27,8 +27,8 @@ class Console {
   Console(const Console&) = delete;
   Console& operator=(const Console&) = delete;
 
-  // Shows a message of the plug-in, on a terminal as PrintableLines returns it. Throws IoError if
-  // standard output cannot be written.
+  // Shows a message of the plug-in. On a terminal, shows the result of PrintableLines. Throws
+  // IoError if standard output cannot be written.
   void Show(const char* message);
   // Flushes the messages. Throws as Show does.
   void Flush();
@@ -36,14 +36,14 @@ class Console {
   void Say(const std::string& line);
   // Drops the kept texts. If `holds` is true, Show and Say then keep texts instead of showing them.
   void Hold(bool holds);
-  // Shows the kept texts, and makes Show and Say show later ones. Throws as Show does.
+  // Shows the kept texts, and makes Show and Say show later texts. Throws as Show does.
   void Release();
   void SayUnlessQuiet(const std::string& line) {
     if (!quiet_) Say(line);
   }
   // Sets the number of operations of a run without failures; 0, the initial value, means unknown.
   void Expect(long operations) { expected_ = operations; }
-  // Sets the text before the progress, such as RunTotals::RoundText.
+  // Sets the text that is shown before the progress, such as RunTotals::RoundText.
   void ShowRounds(const std::string& rounds) { rounds_ = rounds; }
   // Counts an operation, and draws the progress when it is due.
   void CountOperation();
@@ -58,7 +58,7 @@ class Console {
  private:
   using Clock = std::chrono::steady_clock;
   struct Held {
-    bool message;
+    bool message;  // from the plug-in; otherwise one of icehost's own
     std::string text;
   };
 

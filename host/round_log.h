@@ -25,10 +25,10 @@ class RoundLog : public EventListener, public StepRecorder {
 
   // Begins a round; the first one is 1.
   void BeginRound(long round);
-  // Passes on the events of the current round, which has failed: the events so far and all later
+  // Passes on the current round, which has failed: its events so far, and from now on its later
   // events. If the round was too long to keep, a warning replaces its calls and steps so far. In
-  // the 1000th of these rounds, a warning says that later rounds are not passed on. `now` is the
-  // time of the warnings.
+  // the 1000th round passed on this way, a warning says that later rounds are not passed on. `now`
+  // is the time of the warnings.
   void PassOn(RunTime now);
 
   void OnScript(const ScriptBegin& script) override;
@@ -64,8 +64,8 @@ class RoundLog : public EventListener, public StepRecorder {
   std::vector<StepRecorder*> recorders_;
   long round_ = 0;
   int failed_rounds_ = 0;  // rounds after the first that were passed on
-  bool open_ = true;
-  bool cut_ = false;  // the current round has too many details to keep
+  bool open_ = true;       // events are passed on at once
+  bool cut_ = false;       // the current round has too many details to keep
   std::deque<Kept> kept_;
   std::size_t kept_bytes_ = 0;
   std::size_t steps_ = 0;          // the number recorded, in all rounds

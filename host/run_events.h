@@ -14,9 +14,9 @@
 
 namespace icehost {
 
-// Passes all events of a run to the outputs, and then to the console. Adds the current script, and
-// the current call if there is one, to each error. In a repeated run, passes on only the first
-// round and the rounds that fail. The first error of a round passes on the whole round.
+// Passes all events of a run to the outputs, and then to the console. Each error event contains the
+// current script, and the current call if there is one. In a repeated run, only the first round and
+// the rounds that fail are passed on. A later round is passed on as a whole at its first error.
 class RunEvents : public StepRecorder {
  public:
   // The arguments must outlive this object.
@@ -38,16 +38,15 @@ class RunEvents : public StepRecorder {
   // Returns the time since the run began.
   RunTime Now() const;
   bool InScript() const { return in_script_; }
-  // Reports why the run ends, but not on standard output, so that a Rescue may call it at any time.
+  // Reports why the run ends. Does not use standard output, so a Rescue may call this function.
   void Abandon(const std::string& why);
 
-  // Begins a call of the plug-in. `begins_operation` is false if the call only prepares an
-  // operation. Throws IoError if standard output can no longer be written, so that the rest of the
-  // script does not run unseen.
+  // Begins a host call. `begins_operation` is false if the call only prepares an operation. Throws
+  // IoError if standard output can no longer be written, so that the script does not run on unseen.
   void BeginCall(const char* function, const CallSource& source, bool begins_operation);
   // Ends the current call, and sets its times.
   void EndCall(CallEvent call);
-  // Must be called when the probe has answered the current call.
+  // Must be called when the probe has answered the current call. Later errors do not name the call.
   void LeaveCall();
   // Passes on a message of the plug-in. Throws IoError as BeginCall does.
   void Message(const char* text);
@@ -90,7 +89,7 @@ class RunEvents : public StepRecorder {
   bool times_calls_;  // the probe is across a network
   RoundLog log_;
   long round_ = 0;  // 0 if the run is not repeated
-  // The outputs, or in a repeated run log_, which passes events on to them.
+  // The outputs; in a repeated run, only log_, which passes the events on to the outputs.
   std::vector<EventListener*> listeners_;
   std::vector<StepRecorder*> recorders_;
   std::string name_;

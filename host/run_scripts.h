@@ -26,8 +26,8 @@ struct Script {
 };
 
 // Reads and checks all scripts, and prints their problems on standard error as `check` does. Also
-// prints each `refusal` that it sets; if there is one, no script may be played. Throws IoError,
-// OutOfResources and Interrupted.
+// prints each `refusal` that it sets. If any script has a `refusal`, no script may be played.
+// Throws IoError, OutOfResources and Interrupted.
 std::vector<Script> LoadScripts(const RunCommand& command);
 
 // Returns the first event of the run. The scripts must outlive the event. If `scripts` is empty,

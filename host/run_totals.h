@@ -1,4 +1,4 @@
-// The totals of a run, and its result in the forms in which icehost reports it.
+// The totals of a run, and its result as a text, as the head of a page and as an event.
 #ifndef ICESCRIPT_HOST_RUN_TOTALS_H_
 #define ICESCRIPT_HOST_RUN_TOTALS_H_
 
@@ -37,7 +37,7 @@ class RunTotals {
   // Returns whether fewer rounds have begun than the user asked for.
   bool WantsRound() const { return command_.repeat == 0 || round_ < command_.repeat; }
   long Round() const { return round_; }
-  // Returns the number of operations of all rounds if none fails; 0 for an endless run.
+  // Returns the number of operations in all rounds if nothing fails; 0 for an endless run.
   long ExpectedOperations() const;
   // Returns the beginning of a progress line: "round 3 of 10, 0 failed, ".
   std::string RoundText() const;
@@ -61,7 +61,7 @@ class RunTotals {
   std::size_t ended_ = 0;   // the number of scripts that ended in the current round
   long round_ = 0;          // the current round
   long played_rounds_ = 0;  // the number of rounds played to their ends
-  long failed_rounds_ = 0;  // how many of these failed
+  long failed_rounds_ = 0;  // the number of these that failed
   ValueCounts values_;      // of all scripts that ended or were left out, in all rounds
   std::string summary_;     // the results of the expectations
 };

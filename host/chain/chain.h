@@ -1,4 +1,4 @@
-// The chain of TAPs on a probe, a report about the chain, and scripts to begin with.
+// The chain of TAPs on a probe, a report about the chain, and scripts to start from.
 #ifndef ICESCRIPT_HOST_CHAIN_CHAIN_H_
 #define ICESCRIPT_HOST_CHAIN_CHAIN_H_
 
@@ -18,7 +18,7 @@ struct ChainTap {
   std::optional<int> ir_bits;           // nothing if unknown
   // For a chain that was declared before it was read, as in OpenOCD:
   bool answered = true;      // false if neither an IDCODE nor BYPASS was read
-  std::string manufacturer;  // its name in OpenOCD; may be empty
+  std::string manufacturer;  // the manufacturer's name in OpenOCD; may be empty
   std::string expected;      // the IDCODEs that were declared; may be empty
 };
 
@@ -33,7 +33,7 @@ struct Chain {
 
 constexpr int kIdcodeBits = 32;
 
-// The number of a manufacturer in an IDCODE: a code in a bank of JEP106, each counted from 1.
+// The manufacturer in an IDCODE: a bank of JEP106 (the first is 1) and a code in this bank.
 struct Manufacturer {
   unsigned bank;  // 1 to 16
   unsigned code;  // 1 to 126; 0 and 127 are not manufacturers
@@ -52,8 +52,8 @@ std::string CountedTaps(std::size_t taps);
 // Returns the place of the TAP with the index `tap` in a chain that was read. Throws Unsupported if
 // the chain is not sound or has no such TAP, or if an IR length is unknown.
 ChainPlace PlaceIn(const Chain& chain, std::size_t tap);
-// Returns `place` if the TAPs and captured IRs of the chain that was read match it, and otherwise
-// throws Unsupported. If `place` has no IR lengths, returns a place with the chain as one TAP.
+// Throws Unsupported if `chain` is not sound, or if its TAPs or captured IRs do not match `place`.
+// Otherwise returns `place`, or if that has no IR lengths, a place for the whole chain as one TAP.
 ChainPlace ConfirmPlace(const Chain& chain, const ChainPlace& place);
 
 // Returns a Printable report of the TAPs and notes, without the faults. `where` names the probe.

@@ -12,9 +12,9 @@ namespace icehost {
 // The use that icehost has for a kind of file. kNone: icehost does not read such files.
 enum class FileUse { kScript, kSvf, kNone };
 
-// Returns an error at the first word of a file of a known kind that is not for the use `wanted`.
-// The error names the kind and the program to use. Returns nothing for any other file. Looks only
-// at the beginning of the file, so it may mistake a script for another kind, but never an SVF file.
+// If a file is of a known kind, but not for the use `wanted`, returns an error at its first word.
+// The error names the kind and the program to use. Otherwise returns nothing. Looks only at the
+// beginning of the file, so it may misjudge a script, but not an SVF file.
 std::optional<Problem> FindWrongKind(std::string_view content, FileUse wanted);
 
 }  // namespace icehost

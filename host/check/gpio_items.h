@@ -29,7 +29,7 @@ enum ItemKey : unsigned {
 // Returns the names of pins (GPIO_PIN_ bits) as text, such as "NRST or TRST".
 std::string PinNames(int pins);
 
-// An item of a line: the text between two commas.
+// An item of a line: the text between two commas, to which the views refer.
 struct NamedItem {
   explicit NamedItem(std::string_view field);
 
@@ -47,7 +47,7 @@ struct NamedItem {
 // repeat recent lines, so their items are not needed.
 class GpioLine {
  public:
-  // Makes `line` the current line.
+  // Makes `line` the current line. Its text must outlive this object.
   void Take(const ScriptLine& line);
   const ScriptLine& Source() const { return source_; }
 

@@ -13,14 +13,14 @@ using Words = std::vector<std::string_view>;
 // Returns "A, B and C", with `last` in place of "and".
 std::string Listed(const Words& words, std::string_view last);
 
-// Returns the candidate from which `word`, in upper or lower case, differs by at most one or two
-// slips. A slip is a missing, added or wrong letter, or two letters in the wrong order. Characters
-// that look alike, such as 0 and O, are equal. Returns a text such as "NRST or TRST" if several
-// candidates are equally similar, and an empty text if none is similar.
+// Returns the candidate that is most similar to `word`. They may differ by one slip, or by two if
+// the candidate is long. A slip is a missing, added or wrong letter, or two swapped letters. Upper
+// and lower case are equal, and so are characters that look alike, such as 0 and O. Returns a text
+// such as "NRST or TRST" for equally similar candidates, and an empty text if none is similar.
 std::string Nearest(std::string_view word, const Words& candidates);
 
-// Returns "KEY=VALUE" if `text` is one of the keys and a value with blanks, a colon or nothing
-// between them, and otherwise an empty text.
+// If `text` consists of one of the keys, then blanks, a colon or nothing, and then a value, returns
+// "KEY=VALUE". Otherwise returns an empty text.
 std::string WithEquals(std::string_view text, const Words& keys);
 
 // Returns the offset of a comment of another language (";" or "//"), or npos.
@@ -37,7 +37,7 @@ std::string InParentheses(std::string_view remark);
 
 std::string DidYouMean(std::string_view what);
 
-// Returns whether a text consists of one or more digits in the base 10 or 16, and nothing else.
+// Returns whether a text consists of one or more digits of the base 10 or 16.
 bool IsDigits(std::string_view text, int base);
 
 // Returns a message if the number `text` is too large for the plug-in, which keeps only its low 32

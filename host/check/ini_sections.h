@@ -20,7 +20,7 @@ const IniKeys& KeysOf(std::string_view section);
 // Indexes into KeysOf.
 enum ControlKey : std::size_t { kReset, kCdi };
 enum ScanKey : std::size_t { kIr, kDr, kDrTdo, kMask, kIrTdo, kIrMask };
-constexpr std::size_t kKeysRead = 2;
+constexpr std::size_t kKeysRead = 2;  // the number of keys of a section that the plug-in reads
 constexpr std::size_t kMostKeys = 6;
 
 struct IniSection {

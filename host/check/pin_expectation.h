@@ -15,7 +15,7 @@ namespace icehost {
 std::string_view TrimWhitespace(std::string_view text);
 // Returns the comment of a line, from its "#" to the end; empty if the line has none.
 std::string_view CommentOf(const ScriptLine& line);
-// Returns the part of a comment from the word "expect" to the next "#" or the end; may be empty.
+// Splits a comment at "#". Returns the first part that begins with the word "expect", or nothing.
 std::string_view FindExpect(std::string_view comment);
 // Returns the text after the word "expect".
 std::string_view LevelsIn(std::string_view expect);

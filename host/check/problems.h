@@ -30,7 +30,7 @@ struct Problem {
   bool always = false;  // even --quiet does not hide this warning
   // For grouped problems:
   long more = 0;                  // the number of places after the first
-  std::vector<int> more_lines{};  // their lowest lines without repetition, one more than is shown
+  std::vector<int> more_lines{};  // the lowest of their lines, each once; one more than Write shows
 };
 
 // Selects the problems that an object of class Problems keeps.
@@ -73,8 +73,8 @@ class Problems {
   const std::vector<Problem>& Found() const { return found_; }
 
   // Writes each problem as "name:line:column: error: text", its line of `content` (the whole text),
-  // a caret below the column, and the number of other places of the problem. At the end, reports
-  // the severities of which not all problems were kept. Throws Interrupted, as WriteJson does.
+  // a caret below the column, and the number of other places of the problem. At the end, names each
+  // severity for which problems were not kept. Throws Interrupted, as WriteJson does.
   void Write(std::ostream& stream, std::string_view name, std::string_view content,
              ReportStyle style) const;
   // Writes each problem as a JSON object on one line, in ASCII, as docs/json.md describes.

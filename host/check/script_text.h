@@ -44,7 +44,7 @@ class ScriptText {
     Iterator(std::string_view content, std::size_t at, int number);
 
     ScriptLine operator*() const { return {number_, raw_}; }
-    // Throws Interrupted, so that a signal can end each iteration over a long script.
+    // Throws Interrupted, so that a signal can end a loop over a long script.
     Iterator& operator++();
     bool operator!=(const Iterator& other) const { return at_ != other.at_; }
     // Returns the offset of the line in the content.
@@ -72,7 +72,7 @@ class ScriptText {
   bool HasText() const { return WithText(begin()) != end(); }
   // Returns a line by its number. It may be the line that is too long.
   ScriptLine Line(int number) const;
-  // Returns the place at which a line becomes too long for the plug-in; nothing if there is none.
+  // Returns the place at which a line becomes too long for the plug-in; nothing if no line does.
   std::optional<Place> CutAt() const;
 
  private:

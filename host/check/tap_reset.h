@@ -7,7 +7,7 @@
 
 namespace icehost {
 
-// Returns whether the comment is in a JTAG script, before its first line with text. Warns of the
+// Returns whether a JTAG script has the comment before its first line with text. Warns of the
 // comment on any other line, and of similar comments.
 bool FindTapReset(const ScriptText& script, Problems& problems);
 

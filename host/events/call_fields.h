@@ -32,11 +32,11 @@ CallFields FieldsOf(const HostCall& call);
 // Returns the name of the function, such as "link_reset".
 const char* FunctionOf(const HostCall& call);
 
-// Returns the name of a code, mode or reset; null if the field has no name.
+// Returns the name of a code, mode or reset. Returns null for other kinds and unknown numbers.
 const char* NameOf(const Field& field);
 // Appends the value of a field to `text` in readable form, with the names of codes, pins and flags.
 void AppendText(const Field& field, std::string& text);
-// Returns "IR " or "DR " for the name of an output of this register, else "".
+// Returns "IR " or "DR " if `output` is "ir_out" or "dr_out", else "".
 const char* RegisterOf(std::string_view output);
 // Returns whether the call asks for the wire mode, as the plug-in does before every scan.
 bool AsksForInterface(const CallEvent& call);

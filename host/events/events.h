@@ -25,8 +25,8 @@ struct CallSource {
   // For a JTAG script:
   int operation = -1;  // from 0
   const std::string* section = nullptr;
-  // For a scan: whether its section reads, and the masks of the bits that the section compares
-  // (bytes, least significant first; null if it compares none).
+  // For a scan: whether its section reads, and the masks of the bits that the section compares. A
+  // mask consists of bytes, least significant first, and is null if no bits are compared.
   bool reads = false;
   const std::string* ir_mask = nullptr;
   const std::string* dr_mask = nullptr;
@@ -53,9 +53,9 @@ struct StepRange {
 
 // One register of a scan. Bytes are least significant first, and fit into the interface's arrays.
 struct ScanRegister {
-  int bits = 0;                    // as the plug-in passes it, with the extra byte of two wires
-  std::string in;                  // with the extra byte
-  std::optional<std::string> out;  // without the extra byte; nothing if not captured or reported
+  int bits = 0;                    // the length that the plug-in passes; two wires add a byte
+  std::string in;                  // includes this byte
+  std::optional<std::string> out;  // without this byte; nothing if the probe has not reported it
 };
 
 struct Scan {
@@ -134,8 +134,8 @@ struct ScriptBegin {
   RunTime at{0};
 };
 
-// The numbers of expected values that were met, not met, and not read. A value in a REPT block is
-// not met if it was wrong once.
+// The numbers of expected values that were met, not met, and not read. A value in a REPT block
+// counts as not met if it was wrong at least once.
 struct ValueCounts {
   long met = 0;
   long unmet = 0;
@@ -146,7 +146,7 @@ ValueCounts operator+(const ValueCounts& one, const ValueCounts& other);
 struct ScriptEnd {
   bool ran;  // the script ran without a fault
   ValueCounts values;
-  std::vector<const Expectation*> unread;  // the first 1000, in the plan of the script
+  std::vector<const Expectation*> unread;  // the first 1000; they point into the script's plan
   RunTime at{0};
 };
 
@@ -195,7 +195,7 @@ class EventListener {
   // The plug-in has printed a message, which may be a part of a line.
   virtual void OnMessage(const char* /*text*/) {}
   // A notice that explains a failed call comes before the OnCall of this call. A notice about the
-  // run may come outside scripts.
+  // run may come while no script runs.
   virtual void OnNotice(const Notice& /*notice*/) {}
   virtual void OnScriptEnd(const ScriptEnd& /*end*/) {}
   // Called once, as the last event, however the run ends. Output::End may come before it.

@@ -29,7 +29,7 @@ class Follower {
     long compared = 0;
     long unmet = 0;
     Capture captured;         // the first wrong value; the last value if none was wrong
-    std::vector<long> wrong;  // how often each bit was wrong; omitted bits at the end never were
+    std::vector<long> wrong;  // how often each bit was wrong; zeros at the end may be missing
   };
 
   explicit Follower(Mode mode) : mode_(mode) {}
@@ -45,7 +45,7 @@ class Follower {
   // Compares the values that the scan read with the expected values, and appends the comparisons.
   // Returns whether the call succeeds.
   bool CompareScan(const Scan& scan, std::vector<Comparison>& comparisons);
-  // Compares pins (GPIO_PIN_ bits) in the same way. `reported` are the pins that the probe reports.
+  // Compares pins (GPIO_PIN_ bits) in the same way. The probe reports only the pins in `reported`.
   bool ComparePins(int levels, int reported, std::vector<Comparison>& comparisons);
 
   // The following functions describe the script so far. In Mode::kLearn, Values counts nothing, and
@@ -67,7 +67,7 @@ class Follower {
   bool Exceeded() const { return exceeded_; }
   // Returns a readable line for each expectation; `script` is the script's name.
   std::vector<std::string> Summary(const std::string& script) const;
-  // Returns a tally for each expectation of the plan.
+  // Return a tally for each expectation of the plan, and the values that Mode::kLearn stores.
   const std::vector<Tally>& Tallies() const { return tallies_; }
   const Captures& Read() const { return captures_; }
 

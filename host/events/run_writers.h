@@ -1,4 +1,4 @@
-// The outputs of a run that are text. Each writes to `stream`, which must outlive the output.
+// The text outputs of a run. Each output writes to `stream`, which must outlive the output.
 #ifndef ICESCRIPT_HOST_EVENTS_RUN_WRITERS_H_
 #define ICESCRIPT_HOST_EVENTS_RUN_WRITERS_H_
 
@@ -9,11 +9,11 @@
 
 namespace icehost {
 
-// Writes a readable line for each host call.
+// Returns an output that writes a readable line for each host call.
 std::unique_ptr<Output> MakeTrace(std::ostream& stream);
-// Writes everything that happens as JSON lines, for programs.
+// Returns an output that writes all events as JSON lines, for programs.
 std::unique_ptr<Output> MakeJson(std::ostream& stream);
-// Writes the results of the scripts and their parts as JUnit XML for CI servers when the run ends.
+// Returns an output that writes the results of scripts and their parts as JUnit XML at the end.
 std::unique_ptr<Output> MakeJUnit(std::ostream& stream);
 
 }  // namespace icehost

@@ -26,7 +26,7 @@ enum ExitStatus : int {
 
 // In these structures, an empty text means "not given". The file "-" is standard input or output.
 
-// In bytes. Real scripts are smaller, and even a small machine has this much memory.
+// The limit in bytes. Real scripts are smaller, and even a small machine has this much memory.
 constexpr std::size_t kDefaultSizeLimit = 64U << 20U;
 
 struct RunCommand {
@@ -64,7 +64,7 @@ struct ImportCommand {
   std::optional<double> tck_hz;  // of the probe, for a GPIO script
   std::string output = "-";
   std::size_t size_limit = kDefaultSizeLimit;  // of the file and of the script, in bytes
-  bool all = false;                            // reports every problem, without groups
+  bool all = false;                            // reports each problem separately, not in groups
   bool quiet = false;
 };
 

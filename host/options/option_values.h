@@ -1,5 +1,4 @@
-// Reads the values of options. All functions throw std::invalid_argument, whose text explains what
-// is wrong.
+// Reads the values of options. The functions throw std::invalid_argument, which says what is wrong.
 #ifndef ICESCRIPT_HOST_OPTIONS_OPTION_VALUES_H_
 #define ICESCRIPT_HOST_OPTIONS_OPTION_VALUES_H_
 
@@ -21,7 +20,7 @@ int ParseWireMode(const std::string& text);
 std::chrono::milliseconds ParseSeconds(const std::string& text);
 // Reads a number of TCK cycles per second, more than 0.
 double ParseHertz(const std::string& text);
-// Reads a number of rounds; 0 means rounds without end.
+// Reads a number of rounds; 0 means endless rounds.
 long ParseRounds(const std::string& text);
 // Reads a number of mebibytes, and returns it in bytes.
 std::size_t ParseMebibytes(const std::string& text);
@@ -29,7 +28,8 @@ std::size_t ParseMebibytes(const std::string& text);
 std::uint32_t ParseIdcode(const std::string& text);
 // Reads a hexadecimal number of up to 32 bits.
 std::uint64_t ParseInstruction(const std::string& text);
-// Adds a register to `target`: "IR:BITS[=HEX]" with a hexadecimal instruction and reset value.
+// Reads "IR:BITS[=HEX]", and adds this register to `target`. IR and HEX, the instruction and the
+// reset value, are hexadecimal.
 void ParseRegister(const std::string& text, TargetOptions& target);
 
 // Reads "L,L,...", the IR lengths of a chain in bits, each from 2 to 256.

@@ -7,8 +7,8 @@
 
 namespace icehost {
 
-// Each adds a verb with its options to `app`, and returns the verb. When `app` parses the command
-// line, it fills in the second argument, which must exist until then.
+// Each function adds a verb with its options to `app`, and returns the verb. When `app` parses the
+// command line, it fills in the second argument, which must exist until then.
 CLI::App& AddVerb(CLI::App& app, RunCommand& run);
 CLI::App& AddVerb(CLI::App& app, CheckCommand& check);
 CLI::App& AddVerb(CLI::App& app, DetectCommand& detect);

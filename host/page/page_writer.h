@@ -18,24 +18,24 @@ namespace icehost {
 struct PageRow {
   enum class Verdict { kDone, kMet, kNotMet, kFailed };
 
-  long number;  // from 0, in its source
+  long number;  // counted from 0 in each source (see AddSource)
   int line;     // from 1; 0 if the operation has no line
   StepRange steps;
   std::string name;
   std::string sent;
   std::string received;
   std::string expected;
-  std::string wrong;  // bits that are 1 mark the received bits that are not as expected
+  std::string wrong;  // hexadecimal masks of the bits of `received` that are not as expected
   Verdict verdict;
 };
 
 // Writes recorded steps as one HTML page with a listing of the source, a table of operations and
-// the waveform. Of a long run, it keeps only the part that a browser shows quickly: the first
-// steps, rows and lines, and later rows that failed. The page says what is missing. Texts may
-// contain any bytes, which the page never reads as markup.
+// the waveform. The page of a long run contains only the part that a browser shows quickly: the
+// first steps, rows and lines, and later rows that failed. The page reports missing parts. Texts
+// may contain any bytes; the page never interprets them as markup.
 class PageWriter : public StepRecorder {
  public:
-  // Begins a source, whose rows follow. The lines of `content` end with a line feed.
+  // Begins a source (a script of a run), whose rows follow. Its lines end with a line feed.
   void AddSource(std::string_view name, std::string_view content,
                  const std::vector<SourceMark>& marks);
   void AddRow(const PageRow& row);
@@ -53,8 +53,8 @@ class PageWriter : public StepRecorder {
   void Append(std::string_view entry);
   std::string Totals() const;
 
-  std::string sources_;  // elements of an array, which page/model.js describes
-  std::string log_;      // elements of another array, which page/model.js describes, too
+  std::string sources_;  // elements of the JSON array data.sources (see page/model.js)
+  std::string log_;      // elements of the JSON array data.log (see page/model.js)
   std::vector<std::uint16_t> steps_;
   long total_steps_ = 0;
   long rows_ = 0;

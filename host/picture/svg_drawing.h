@@ -23,7 +23,7 @@ struct SvgSegment {
   StepRange steps;  // not empty; may extend beyond the steps that are kept
   std::string title;
   std::vector<std::string> labels;  // DrawSvg draws the first that fits
-  // The lines of a GPIO script that the segment shows, which DrawSvg adds to the texts; else 0.
+  // The GPIO script lines in the segment, which DrawSvg adds to the texts; 0 if there are none.
   int lowest_line = 0;
   int highest_line = 0;
 };
@@ -34,7 +34,7 @@ struct SvgRead {
   bool met;  // everything read here was as expected
   std::string title;
   std::vector<std::string> labels;  // DrawSvg draws the first that fits
-  long times;                       // the number of the reads
+  long times;                       // the number of reads in this step
 };
 
 // The contents of a picture, in the order of the steps.
@@ -48,7 +48,7 @@ struct SvgRun {
 };
 
 // Writes a whole SVG 1.1 document, which is always well-formed. Colours and fonts are attributes,
-// which every viewer knows. A style sheet adds the colours of a dark scheme.
+// which every viewer supports. A style sheet adds the colours of a dark scheme.
 void DrawSvg(const SvgRun& run, std::ostream& stream);
 
 // Returns an output that draws the picture when the run ends. `stream` must outlive it.

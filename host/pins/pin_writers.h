@@ -15,8 +15,8 @@ namespace icehost {
 struct ServedClient {
   std::size_t number = 0;  // from 1, in the order of the connections
   std::string peer;        // the client's endpoint; empty if it has none
-  std::size_t bytes = 0;   // how many the client has sent
-  std::size_t scans = 0;   // how many ended while the client was connected
+  std::size_t bytes = 0;   // the number that the client has sent
+  std::size_t scans = 0;   // the number that ended while the client was connected
 };
 
 // Receives the events of serve. Steps are writes to the pins, counted from 0.

@@ -14,7 +14,7 @@
 
 namespace icehost {
 
-// The most bits that are kept of a scan. This limits the memory for a scan that does not end.
+// The most bits of a scan that are kept. This limits the memory for a scan that does not end.
 constexpr std::size_t kMostScanBits = 1U << 20U;
 
 // One pass through a column of the TAP's states, from Capture to Update, with or without Pause.
@@ -26,7 +26,7 @@ struct TapScan {
   StepRange steps;           // from the edge into Capture to the edge into Update, if they exist
   std::size_t left_out = 0;  // the number of bits that are not kept
   bool reset = false;        // a TAP reset has ended the scan early
-  bool continued = false;    // the scan continues one that TapDecoder::End has ended
+  bool continued = false;    // continues a scan that TapDecoder::End has ended
 };
 
 class TapListener {
@@ -46,7 +46,7 @@ class TapListener {
   virtual void OnTapEdge(const PinStep& /*before*/, TapState /*to*/) {}
 };
 
-// Decodes the actions of a TAP from the steps of its pins. Reports them in the order of their ends.
+// Decodes the actions of a TAP from the steps of its pins. Reports each action when it ends.
 class TapDecoder : public StepRecorder {
  public:
   // The listeners must outlive the decoder.

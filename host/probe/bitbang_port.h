@@ -14,12 +14,12 @@ namespace icehost {
 // 01, 10 and 11, where 1 asserts the reset; 'Q' quits. The port buffers writes and requests.
 //
 // The protocol has no output enables, cannot drive TDO, and can read no other pin. Its answers have
-// no numbers, so a surplus answer would shift all later answers. It therefore causes an IoError. A
-// server that has a client can only close the connection of a second client.
+// no numbers, so a surplus answer would be taken for the answer to a later request. It therefore
+// causes an IoError. A server that has a client can only close the connection of a second client.
 class BitbangPort : public PinPort {
  public:
   enum class Manner {
-    // Write throws Unsupported unless all pins except TDO are enabled. When TRST falls, it also
+    // Write throws Unsupported unless all pins except TDO are enabled. When TRST falls, Write also
     // resets the TAP by TMS, because some servers ignore the reset bytes.
     kProbe,
     // Any pins may be enabled. Write sends nothing for TCK, TMS and TDI while none of them is
@@ -36,7 +36,7 @@ class BitbangPort : public PinPort {
   int Read() override;
   void SampleTdo() override;
   Bits CollectTdo() override;
-  // Asks for one more sample, whose answer shows that the server has processed everything before.
+  // Asks for one more sample. Its answer shows that the server has processed all earlier bytes.
   void Flush() override;
   int ReportedPins() const override { return GPIO_PIN_TDO; }
   void CheckAlive() override;
@@ -52,7 +52,7 @@ class BitbangPort : public PinPort {
   Socket socket_;
   Manner manner_;
   std::string unsent_;
-  std::size_t unanswered_ = 0;  // samples requested, sent or not
+  std::size_t unanswered_ = 0;  // samples without an answer; their requests may be in unsent_
   Bits samples_;
   int levels_ = GPIO_PIN_ALL;
   char pin_byte_ = '\0';    // the last byte for TCK, TMS and TDI, or NUL

@@ -11,7 +11,7 @@
 namespace icehost {
 
 // The server side of the remote_bitbang protocol: plays the bytes that BitbangPort describes. Skips
-// other bytes, such as those for blinking. A pin is not enabled until a byte has set its level.
+// other bytes, such as those for an LED. A pin is not enabled until a byte has set its level.
 class BitbangSession : public Session {
  public:
   // `port` must outlive the session.

@@ -1,4 +1,4 @@
-// A probe on an adapter that OpenOCD drives, through OpenOCD's Tcl RPC.
+// A probe that uses an adapter of OpenOCD through OpenOCD's Tcl RPC.
 #ifndef ICESCRIPT_HOST_PROBE_OPENOCD_H_
 #define ICESCRIPT_HOST_PROBE_OPENOCD_H_
 
@@ -33,7 +33,7 @@ class OpenocdRpc {
   std::string ReceiveAnswer(const std::string& command);
 
   Socket socket_;
-  std::string received_;  // received after the last answer
+  std::string received_;  // the bytes received after the last answer
   int commands_ = 0;
 };
 
@@ -81,9 +81,9 @@ std::vector<OpenocdTap> ParseScanChain(const std::string& answer);
 // Throws IoError if `tap` is not one of OpenOCD's `taps`.
 void RefuseUnknownTap(const std::vector<std::string>& taps, const std::string& tap);
 
-// Returns the words of a text that are separated by whitespace.
+// Splits a text at whitespace, and returns its words.
 std::vector<std::string> WordsOf(const std::string& text);
-// Returns the unsigned 32-bit number in `word`; nothing if `word` contains more, even a sign.
+// Returns the unsigned 32-bit number in `word`; nothing if `word` is anything else.
 std::optional<std::uint32_t> NumberIn(const std::string& word, int base);
 
 }  // namespace icehost

@@ -32,7 +32,7 @@ class PinPort {
   virtual int ReportedPins() const { return GPIO_PIN_ALL; }
   // Returns the length of the target's IR in bits, if the port knows it.
   virtual std::optional<int> IrLength() const { return std::nullopt; }
-  // Throws IoError if the pins are lost. Does not wait. For use only while no answer is expected.
+  // Throws IoError if the connection is lost. Does not wait. For use while no answer is expected.
   virtual void CheckAlive() {}
 };
 

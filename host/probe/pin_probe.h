@@ -95,7 +95,7 @@ class PinProbe : public Probe {
   TapWalker walker_;
   ChainPlace place_;
   ChainScan chain_;                // of the last scan
-  bool others_in_bypass_ = false;  // an IR scan since the last reset has put the other TAPs there
+  bool others_in_bypass_ = false;  // an IR scan has put the others in BYPASS since the last reset
 };
 
 }  // namespace icehost

@@ -11,8 +11,8 @@
 
 namespace icehost {
 
-// The index of the byte from which Execute stores the captured DR. Over two wires, the DR begins
-// one byte later. The bytes before this index contain the captured IR.
+// The index of the first byte of the captured DR in the bytes that Execute stores. Over two wires,
+// the DR begins one byte later. The bytes before this index contain the captured IR.
 constexpr int kDrCaptureByte = 2;
 
 // A debug probe. The LinkHandle that icehost passes to the plug-in points to it. Config, Reset,

@@ -17,7 +17,7 @@ namespace icehost {
 // second. TCP keep-alive detects clients that vanish.
 class Server {
  public:
-  // Receives the clients' actions in order, but not while the port works. It may throw to end Run.
+  // Receives the clients' actions in order, never during a call of the port. May throw to end Run.
   class Observer {
    public:
     virtual ~Observer() = default;
@@ -39,11 +39,11 @@ class Server {
          Observer& observer);
 
   // Serves until a signal arrives, and then plays the bytes that clients have sent. Throws
-  // Interrupted if they take more than a fraction of a second, or than AllowAfterSignal allows.
-  // Throws IoError if no more clients can be accepted, or if the port is lost, even while unused.
+  // Interrupted if this takes longer than a fraction of a second, or than AllowAfterSignal allows.
+  // Throws IoError if clients can no longer be accepted, or if the port is lost, even while idle.
   void Run();
-  // For use after Run has thrown. Returns whether the client has left, but some of its bytes may
-  // not have been played.
+  // Returns whether the last client has left, but some of its bytes may not have been played. For
+  // use after Run has thrown.
   bool OwesAPart() const;
 
  private:

@@ -17,14 +17,14 @@
 
 namespace icehost {
 
-// This instruction selects one more 32-bit register of the target, unless the IDCODE or a register
-// in the options uses the instruction.
+// The instruction that selects an additional 32-bit register of the target. The target has no such
+// register if the IDCODE or a register in the options uses this instruction.
 constexpr std::uint64_t kScratchInstruction = 0x02;
 
 struct TargetOptions {
   int ir_length = 5;  // in bits; instructions without a register select BYPASS
   std::uint64_t idcode_instruction = 0x01;
-  std::uint32_t idcode = 0x1CE51001;  // no manufacturer has the code in this IDCODE
+  std::uint32_t idcode = 0x1CE51001;  // its manufacturer code is not assigned
   // The reset values of the data registers that scripts may write and read, by instruction. A
   // register with the instruction of the IDCODE replaces the IDCODE.
   std::map<std::uint64_t, Bits> registers;
@@ -47,7 +47,7 @@ class Target {
   void HoldRegisters(bool hold);
 
   int IrLength() const { return options_.ir_length; }
-  // Returns the level of TDO; nothing outside Shift-IR and Shift-DR, where TDO is not driven.
+  // Returns the level of TDO; nothing if the TAP does not drive it (outside Shift-IR and Shift-DR).
   std::optional<bool> Tdo() const { return tdo_; }
 
  private:
@@ -55,7 +55,7 @@ class Target {
   Bits CapturedDr() const;
   void UpdateDr();
   void Capture(Bits bits);
-  // Returns the shift register, from the bit next to TDO on.
+  // Returns the bits of the shift register. The first is the nearest to TDO.
   Bits Shifted() const;
 
   TargetOptions options_;

@@ -11,8 +11,8 @@ namespace icehost {
 //
 // | Command                     | Answer                                                     |
 // |-----------------------------|------------------------------------------------------------|
-// | getinfo:                    | xvcServer_v1.0:N\n, where N is the most bytes that TMS and |
-// |                             | TDI of a shift may have together                           |
+// | getinfo:                    | xvcServer_v1.0:N\n, where N is the largest number of bytes |
+// |                             | in a shift, TMS and TDI together                           |
 // | settck: and a period in ns  | the period that was set, a number                          |
 // | shift: and a number of bits,| TDO, which the server samples before each rising edge of   |
 // | bytes of TMS, bytes of TDI  | TCK                                                        |

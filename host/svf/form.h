@@ -1,4 +1,4 @@
-// The kinds of script that an SVF file can become.
+// The kinds of script that icehost can make from an SVF file.
 #ifndef ICESCRIPT_HOST_SVF_FORM_H_
 #define ICESCRIPT_HOST_SVF_FORM_H_
 
@@ -30,7 +30,7 @@ enum class SvfTrst { kOn, kOff, kZ, kAbsent };
 
 // Writes a script for the statements of a file, and reports the statements that the script cannot
 // express. The statements are valid SVF, except that the paths of STATE may be wrong. The script
-// contains no text of the file.
+// contains no text from the file.
 class SvfForm {
  public:
   // If `script` is null, writes nothing. The arguments must outlive the form.
@@ -39,7 +39,7 @@ class SvfForm {
 
   // Writes the beginning of the script; `name` is the name of the file.
   virtual void Begin(const std::string& name) = 0;
-  // Sets the statement whose effects follow. Its text must exist as long as the form.
+  // Sets the statement that the next calls express. Its text must exist as long as the form.
   void BeginStatement(const SvfStatement& statement) { statement_ = statement; }
   // Scans the IR or the DR; `shift` includes headers and trailers, and has at least one bit.
   virtual void Scan(bool ir, const SvfShift& shift) = 0;
@@ -62,7 +62,7 @@ class SvfForm {
     size_ += text.size();
     if (script_ != nullptr) *script_ << text;
   }
-  // Return the place of the keyword, and of the word with this index after the keyword.
+  // Return the place of the keyword, and of a word. Word 0 follows the keyword.
   Place At() const { return statement_.keyword.place; }
   Place AtWord(std::size_t word) const { return statement_.words[word].place; }
   // Returns the keyword in upper case.
@@ -77,11 +77,11 @@ class SvfForm {
   SvfStatement statement_{};
 };
 
-// Returns a form that writes a section for each IR scan and the DR scan after it. The name of the
-// section contains the line of the scan in the file.
+// Returns a form that writes one section for each IR scan and the DR scan after it. The name of the
+// section contains the number of the scan's line in the file.
 std::unique_ptr<SvfForm> MakeJtagForm(Problems& problems, std::ostream* script);
-// Returns a form that writes a GPIO script with each TCK edge. `tck_hz` is the highest TCK rate of
-// the probe; without it, FREQUENCY applies.
+// Returns a form that writes a GPIO script with a line for each TCK edge. `tck_hz` is the highest
+// TCK rate of the probe; without it, FREQUENCY applies.
 std::unique_ptr<SvfForm> MakeGpioForm(Problems& problems, std::ostream* script,
                                       std::optional<double> tck_hz);
 

@@ -14,7 +14,7 @@
 
 namespace icehost {
 
-// The most words that are kept of a statement. This limits the memory for an endless statement.
+// The most words of a statement that are kept. This limits the memory for an endless statement.
 constexpr std::size_t kMostWords = 1024;
 
 struct SvfToken {
@@ -40,11 +40,11 @@ class SvfCursor {
   bool AtEnd() const { return rest_.empty(); }
   std::string_view Rest() const { return rest_; }
   Place At() const { return place_; }
-  void Step();
+  void Step();  // skips one byte
   // Skips a comment, which begins with "!" or "//" and ends before a line feed or carriage return.
   // Returns false if no comment begins here.
   bool SkipComment();
-  void SkipBlanks();  // and comments
+  void SkipBlanks();  // also skips comments
 
  private:
   std::string_view rest_;
@@ -71,13 +71,13 @@ class SvfReader {
   SvfCursor cursor_;
 };
 
-// Returns whether a token is the word `upper` in any case; `upper` itself is in upper case.
+// Returns whether a token is the word `upper`, ignoring case. `upper` must be in upper case.
 bool IsSvfWord(const SvfToken& token, std::string_view upper);
 // Returns the text of a token in quotes, for a message.
 std::string Quoted(const SvfToken& token);
 // Returns the number that a token contains; nothing if it is negative or not a number.
 std::optional<double> SvfNumber(const SvfToken& token);
-// Returns the state that a token names, in upper or lower case; nothing if there is none.
+// Returns the state that a token names, in upper or lower case; nothing if it names no state.
 std::optional<TapState> SvfState(const SvfToken& token);
 // Returns the name of a state in SVF, such as "DRSHIFT".
 const char* SvfStateName(TapState state);

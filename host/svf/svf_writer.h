@@ -20,7 +20,7 @@ struct SvfScan {
   Bits tdi;          // the first bit first, as in all members
   Bits tdo;          // the captured bits
   Bits mask;         // as long as `tdo`, or empty; bits that are 1 are compared
-  bool own = false;  // a scan of one TAP, with headers and trailers for the others of its chain
+  bool own = false;  // a scan of one TAP; headers and trailers cover the others
 };
 
 // The base of both writers below. Writes ASCII in lines of up to 256 characters, the limit of SVF.
@@ -38,9 +38,9 @@ class SvfWriter : public Output, public EventListener {
   static constexpr const char* kNoNrst =
       "SVF has no statement for NRST: a player does not reset the target";
 
-  // Returns the mask of `bits` bits for a scan of a JTAG script: the script's mask if it expects a
-  // value; otherwise ones for all bits of a DR that the script reads, or for the first two bits of
-  // an IR, which IEEE 1149.1 defines. Empty if nothing is compared.
+  // Returns the mask of `bits` bits for a scan of a JTAG script: the script's mask if the script
+  // expects a value. Otherwise the mask selects the first two bits of an IR, which IEEE 1149.1
+  // defines, or the whole DR if the script reads it. The mask is empty if nothing is compared.
   static Bits MaskOf(const CallSource& source, bool ir, std::size_t bits);
 
   void Comment(const std::string& text);
@@ -65,8 +65,8 @@ class SvfWriter : public Output, public EventListener {
   std::vector<std::string> losses_;  // warnings for the next TakeLosses
 };
 
-// Returns an output that writes the actions of the TAP. Its scans of a GPIO script compare the bits
-// that the script has read on TDO while the target drove TDO.
+// Returns an output that writes the actions of the TAP. For a GPIO script, the scans compare the
+// bits of TDO that the script has read while the target drove TDO.
 std::unique_ptr<Output> MakeSvfPinWriter(std::ostream& stream);
 
 // Returns an output that writes the scans of JTAG scripts on a probe that shows no pins. They are

@@ -6,13 +6,13 @@
 
 namespace icehost {
 
-// Writes to a descriptor, for one or more threads. Waits for a slow reader until a signal arrives.
+// Writes to a descriptor. Threads may share it. Waits for a slow reader until a signal arrives.
 class DescriptorWriter {
  public:
   // `fd` must stay open while the object is in use.
   explicit DescriptorWriter(int fd);
 
-  // Returns whether these and all earlier bytes were written. Writes nothing after a failure.
+  // Writes `bytes` unless an earlier write failed. Returns whether all bytes so far were written.
   bool Write(std::string_view bytes);
   // Returns the errno of the first failed write, or 0. It is EINTR if a signal ended a wait.
   int Error() const { return error_; }

@@ -28,8 +28,8 @@ void ThrowIfInterrupted();
 // Ends the program after a signal if the main thread does not check for signals, because it is in
 // the plug-in or waits for a reader of its output. Half a second after the signal, as soon as the
 // state is kAway, another thread calls `complete` and ends the process with status 130. The main
-// thread can then no longer enter kWorking. Without a Rescue, the process ends without this call.
-// Only the Rescue created last has an effect.
+// thread can then no longer enter kWorking. If there is no Rescue, the other thread only ends the
+// process. Only the Rescue created last has an effect.
 class Rescue {
  public:
   enum class State { kAway, kWorking };
@@ -63,9 +63,9 @@ class Rescue {
   std::mutex working_;  // locked by the main thread while it works
 };
 
-// Returns the loop for every wait of the main thread. A signal stops the loop: to miss no signal,
-// callers restart it, call IsInterrupted and run it, in this order. The loop is never destroyed,
-// because its destructor would wait for an abandoned look-up of a host name.
+// Returns the loop for every wait of the main thread. A signal stops the loop. To miss no signal,
+// callers must restart the loop, call IsInterrupted and run the loop, in this order. The loop is
+// never destroyed, because its destructor would wait for an abandoned look-up of a host name.
 asio::io_context& EventLoop();
 // Waits until an operation on the loop ends. Returns false if the deadline, or the end of the time
 // allowed after a signal, comes first.

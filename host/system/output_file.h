@@ -37,9 +37,9 @@ class OutputFile {
   bool IsStandardOutput() const { return path_ == "-"; }
   // Returns the descriptor, to which another process may write.
   int Descriptor() const { return fd_; }
-  // Throws IoError.
+  // Returns the result of fstat. Throws IoError.
   struct stat Status() const;
-  // Marks the file, if begun, as incomplete, because memory ran out for a part of its content.
+  // Marks the file as incomplete if it was begun. For use when memory runs out for its content.
   void MarkIncomplete() { incomplete_ = begun_; }
   // If a write has failed or the file is marked as incomplete, throws Interrupted after a signal,
   // and otherwise IoError. Throws IoError only once.
@@ -47,7 +47,7 @@ class OutputFile {
   // Writes the buffered text and closes the file. Throws IoError if the file is incomplete, unless
   // ThrowIfCut has thrown it before.
   void Close();
-  // Closes a file that cannot be completed, and keeps only the part that Rest names.
+  // Closes a file that cannot be completed, and keeps only the part that its Rest names.
   void Abandon();
   // Begins the file, writes `text` and closes the file. Throws IoError, or Interrupted if a signal
   // arrives during a wait for the reader.

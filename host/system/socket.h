@@ -45,13 +45,13 @@ class Socket {
   bool HasEnded();
   // Adds `advice` to the error message if the connection is lost before anything was received.
   void AdviseOnLoss(std::string advice) { advice_ = std::move(advice); }
-  // Throw an IoError, which says that `who`, the other side, has closed the connection, or that the
-  // other side has sent surplus bytes.
+  // Throw an IoError. The first says that the other side, called `who`, has closed the connection.
+  // The second says that the other side has sent surplus bytes.
   [[noreturn]] void FailClosed(const std::string& who) const;
   [[noreturn]] void FailOutOfStep() const;
   // Sends as many of `bytes` as the system accepts without waiting. Then receives and drops
-  // `answers` bytes for up to `patience`, even after a signal, because a server that writes to a
-  // closed connection may miss the bytes or crash. Must be the last call.
+  // `answers` bytes, and waits up to `patience` for them, even after a signal. Otherwise the server
+  // would write to a closed connection, and could miss `bytes` or crash. Must be the last call.
   void TakeLeave(std::string_view bytes, std::size_t answers, std::chrono::milliseconds patience);
   // Returns the name of the endpoint for messages.
   const std::string& Name() const { return name_; }
@@ -80,7 +80,7 @@ class Socket {
 };
 
 // Sends as many of `bytes` as the system accepts without waiting, and removes them from `bytes`. It
-// is not an error if the system accepts none at the moment.
+// is not an error if the system accepts no bytes at the moment.
 asio::error_code SendAtOnce(StreamProtocol::socket& socket, std::string_view& bytes);
 
 // A listening socket on the event loop.
@@ -102,8 +102,8 @@ class Listener {
   std::optional<SocketFile> file_;  // must be removed before the socket is closed
 };
 
-// Returns the other end of a TCP connection in the form of Endpoint::Name, and an empty text for a
-// UNIX socket, whose other end has no name, or a lost connection.
+// Returns the other end of a TCP connection in the form of Endpoint::Name. Returns an empty text if
+// the connection is lost, or if it uses a UNIX socket, whose other end has no name.
 std::string PeerName(const StreamProtocol::socket& socket);
 
 }  // namespace icehost

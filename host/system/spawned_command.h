@@ -12,8 +12,8 @@
 namespace icehost {
 
 // A command that runs beside icehost, such as the server of a probe. A separate process, the guard,
-// starts the command, and ends it when icehost ends, even by SIGKILL. The command has its own
-// process group, so Ctrl-C reaches only icehost.
+// starts the command, and ends it when icehost ends or is killed. The command has its own process
+// group, so Ctrl-C reaches only icehost.
 class SpawnedCommand {
  public:
   explicit SpawnedCommand(std::string command) : command_(std::move(command)) {}

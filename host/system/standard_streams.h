@@ -23,7 +23,7 @@ bool CompleteStandardStreams();
 // and TERM must not be "dumb", as it is in an editor.
 bool WantsColour(int fd);
 
-// Prints a line on standard error, as Printable returns it, but without line feeds at its end.
+// Makes `line` Printable, and prints it on standard error with exactly one line feed at its end.
 void ComplainLine(std::string line);
 // Prints `what` in the same way, after "icehost: ".
 void Complain(const std::string& what);

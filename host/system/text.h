@@ -12,7 +12,7 @@ namespace icehost {
 // change the direction of the text). A question mark replaces each byte that is not UTF-8. Every
 // replacement is one column wide.
 std::string Printable(std::string_view text);
-// Returns the text in the same form, but with its line feeds.
+// Returns the text in the same form, but keeps its line feeds.
 std::string PrintableLines(std::string_view text);
 
 // Returns the text as a JSON string in quotes, which cannot control a terminal. U+FFFD replaces

@@ -30,7 +30,7 @@ struct OutputKind {
   };
 
   const char* option;
-  bool file_may_lack;  // the option may lack a file; the output then goes to standard error
+  bool file_may_lack;  // the user may omit the file; the output then goes to standard error
   bool needs_pins;
   OutputFile::Rest rest;
   Verb run, serve;
@@ -49,8 +49,8 @@ using OutputRequests = std::vector<OutputRequest>;
 // Returns whether at least one output goes to standard error.
 bool UseStandardError(const OutputRequests& requests);
 
-// Returns the entries at the head of a page: the probe, `counts` of the work done, the time when it
-// began (`seconds` ago), and the version of icehost.
+// Returns the entries at the head of a page: the probe, `counts` (a text about the work done), the
+// start time (`seconds` ago), and the version of icehost.
 std::vector<std::pair<std::string, std::string>> HeadEntries(const ProbeOptions& probe,
                                                              const std::string& counts,
                                                              double seconds);
@@ -98,7 +98,7 @@ class Outputs {
     OutputFile* file;  // null: standard error
   };
 
-  // Calls `act`. If the file of `writer` is incomplete then, adds a message to `failures`.
+  // Calls `act`. If the file of `writer` is incomplete afterwards, adds a message to `failures`.
   template <class Act>
   static void Guard(const Writer& writer, std::vector<std::string>& failures, const Act& act);
 

@@ -20,8 +20,8 @@ namespace icehost {
 
 struct ProbeOptions;
 
-// A row of the table. Each function that opens a probe, or reads its chain, connects to the probe
-// if it is across a network, and throws IoError.
+// A row of the table. The functions that open a probe or read its chain connect to the probe if it
+// is across a network. They may throw IoError.
 struct ProbeKind {
   using OpenPins = std::unique_ptr<PinPort> (*)(const ProbeOptions& options);
 

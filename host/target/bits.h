@@ -25,7 +25,7 @@ Bits Slice(const Bits& bits, std::size_t first, std::size_t end);
 Bits BitsOfBytes(const std::uint8_t* bytes, int first, int end);
 // Returns the first `count` bits of `bytes`; bits beyond the bytes are 0.
 Bits BitsOfBytes(const std::string& bytes, std::size_t count);
-// Stores at most `limit` bits in `bytes`, which must be zero.
+// Stores the first `limit` bits, or all if there are fewer, in `bytes`, which must contain zeros.
 void StoreBits(const Bits& bits, int limit, std::uint8_t* bytes);
 
 // Returns the bits as bytes; unused bits of the last byte are 0.
@@ -36,7 +36,7 @@ std::string ByteText(const std::uint8_t* bytes, std::size_t count);
 std::string ByteText(std::string_view bytes);
 // Returns bits in the form of ByteText; the last bit is the most significant.
 std::string BitText(const Bits& bits);
-// Return bytes as a script lists them, such as "0x01,0x02", or "0x00" if there are no bits.
+// Return bytes as a script lists them, such as "0x01,0x02". Empty Bits become "0x00".
 std::string ByteList(const Bits& bits);
 std::string ByteList(std::string_view bytes);
 

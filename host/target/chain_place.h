@@ -13,10 +13,10 @@ constexpr int kMostTaps = 64;
 
 enum class TapColumn { kIr, kDr };
 
-// The place in its chain of the TAP that scripts address. The other TAPs stay in BYPASS. TAP 0 is
-// the nearest to TDO, so its bits are shifted first, in and out.
+// The TAP that scripts address, and its place in the chain. The other TAPs stay in BYPASS. TAP 0 is
+// the nearest to TDO, so its bits are shifted in first and shifted out first.
 struct ChainPlace {
-  std::vector<int> ir_lengths;  // of all TAPs, in bits; if empty, the TAP counts as alone
+  std::vector<int> ir_lengths;  // of all TAPs, in bits; if empty, the TAP is treated as alone
   std::size_t tap = 0;          // the index of the TAP, from 0
 
   // Return the number of bits that a scan shifts before and after those of this TAP.

@@ -49,7 +49,7 @@ class TapTracker {
 
   // Makes the state unknown, as it is at the beginning.
   void Forget();
-  // Returns the state; nothing until TRST was low, or TMS high for five rising TCK edges in a row.
+  // Returns the state; nothing before the first reset (TRST low, or five TCK edges with TMS high).
   std::optional<TapState> State() const { return state_; }
   // Returns the number of rising edges of TCK so far.
   long TckCycles() const { return tck_cycles_; }
