@@ -70,7 +70,7 @@ void AddTargetOptions(CLI::App& verb, TargetOptions& target) {
   AddParsed(
       verb, "--register", "IR:BITS[=HEX]",
       "Add a register of BITS bits, with a hexadecimal instruction and reset value; repeatable;\n"
-      "the register 2:32 exists by default, unless the instruction 2 selects the IDCODE",
+      "the register 2:32 exists by default, unless instruction 2 selects the IDCODE",
       [&target](const std::string& text) { ParseRegister(text, target); })
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
       ->trigger_on_parse()
@@ -256,7 +256,7 @@ void CompleteServe(const CLI::App& verb, ServeCommand& serve) {
 CLI::App& AddVerb(CLI::App& app, RunCommand& run) {
   constexpr char kChainGroup[] = "Chain of TAPs (not for OpenOCD)";
   constexpr char kOutputGroup[] =
-      "Outputs (FILE may be - for standard output, which then omits the plug-in's messages)";
+      "Outputs (FILE may be - for standard output; the plug-in's messages are then omitted)";
   CLI::App& verb =
       NewVerb(app, "run", "Run scripts in order and stop at the first that fails", run.quiet);
   AddScripts(verb, run.scripts, run.size_limit);
@@ -318,10 +318,10 @@ CLI::App& AddVerb(CLI::App& app, ImportCommand& import) {
   CLI::App& verb =
       NewVerb(app, "import", "Convert a Serial Vector Format (SVF) file to a script", import.quiet);
   verb.add_option("FILE", import.file, "SVF file; - is standard input")->type_name("")->required();
-  AddParsed(
-      verb, "--script", "KIND",
-      "jtag (the default) or gpio (for any file, but needs a probe that drives individual pins)",
-      [&import](const std::string& text) { import.script = ParseScriptKind(text); });
+  AddParsed(verb, "--script", "KIND",
+            "The kind of script: jtag (the default), or gpio, which can represent any file\n"
+            "but needs a probe that drives individual pins",
+            [&import](const std::string& text) { import.script = ParseScriptKind(text); });
   AddParsed(verb, "--tck-hz", "N",
             "The highest TCK rate of the probe in Hz, for the waits of a GPIO script\n"
             "(default: the FREQUENCY in the file)",

@@ -75,7 +75,7 @@ function showNotes() {
     if (left > 0) note("warning", `${source.name}: ${left} more problems are not shown`);
   }
   if (rows.length < data.total_rows || data.cut_messages) {
-    const late = data.late_faults > 0 ? " and later failures" : "";
+    const late = data.late_faults > 0 ? ", and later failures" : "";
     note("warning",
       `The page shows the first ${rows.length} of ${data.total_rows} operations${late}`);
   }

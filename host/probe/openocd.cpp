@@ -70,7 +70,7 @@ std::string OpenocdRpc::Ask(const std::string& command) {
     const std::string code = answer.substr(number.size(), end - number.size());
     std::string result = answer.substr(std::min(end + 1, answer.size()));
     if (code == "0") return result;
-    if (IsOwnError(code)) result = fmt::format("error {}, see its log", code);
+    if (IsOwnError(code)) result = fmt::format("error {}; see OpenOCD's log", code);
     if (code == "1" || IsOwnError(code)) {
       throw Unsupported(fmt::format("OpenOCD: {:.80}: {}", command, result));
     }

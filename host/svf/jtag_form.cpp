@@ -244,8 +244,8 @@ void JtagForm::End() {
   if (!scanned_) EndWithoutScan();
   if (bare_.has_value()) {
     problems_.Warn(*bare_,
-                   "no SIR precedes this scan, so its register depends on what ran before: icehost "
-                   "resets the TAP first, but a debug server might not");
+                   "no SIR precedes this scan, so its register depends on what ran before the "
+                   "script; icehost resets the TAP first, but a debug server might not");
   }
   if (wait_.has_value()) {
     problems_.Note(

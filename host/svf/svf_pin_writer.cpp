@@ -23,7 +23,7 @@ constexpr const char* kEmptyScan =
 constexpr const char* kCutScan = "a scan was cut short: it is not in the file";
 constexpr const char* kLongScan = "a scan has more than 1048576 bits: it is not in the file";
 static_assert(kMostScanBits == 1048576);
-constexpr const char* kPause = "a scan went through a Pause state, but a player does not";
+constexpr const char* kPause = "a scan went through a Pause state, but a player's scan does not";
 constexpr const char* kNoIdle =
     "scans followed each other without Run-Test/Idle between them, but a player enters this state";
 

@@ -58,7 +58,8 @@ TEST(Svf, SaysWhatTheTapDoes) {
   const auto loss = [](const char* what) {
     return std::string("icehost: warning: --svf: ") + what + "\n";
   };
-  const std::string paused = loss("a scan went through a Pause state, but a player does not");
+  const std::string paused =
+      loss("a scan went through a Pause state, but a player's scan does not");
   const std::string no_idle = loss(
       "scans followed each other without Run-Test/Idle between them, but a player enters this "
       "state");

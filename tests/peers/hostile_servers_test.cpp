@@ -177,10 +177,9 @@ TEST(Servers, EndARunAsTheyShould) {
   const std::string closed = "SERVER: the server closed the connection";
   const std::string is_busy = " (is another client connected?)";
   const std::string gone = "SERVER: OpenOCD closed the connection";
-  const std::string no_ir = "no TAP answered correctly: the captured IR does not end in 01 (";
+  const std::string no_ir = "the captured IR does not end in 01 (";
   const std::string zeros = no_ir + "all zeros: TDO is shorted, or the target is held in reset)";
-  const std::string other =
-      no_ir + "the IR has another length, or the TAP is one of several in a chain)";
+  const std::string other = no_ir + "the IR has another length, or the chain has other TAPs)";
   const std::string no_info = "SERVER: expected xvcServer_v1.0:N with N from 2 to 1073741824, got ";
   const std::string info = "xvcServer_v1.0:64\n", ones(7, '\xff');  // answer to a scan
   const std::string no_answer = "SERVER: expected the answer to command ";
@@ -319,7 +318,7 @@ TEST(Servers, EndARunAsTheyShould) {
       {OpenocdScan({"3 1 busy", "4 0"}), openocd, idcode, 1,
        "OpenOCD: irscan a 1; drscan a 8 0 8 0 8 0 8 0: busy"},
       {OpenocdScan({"3 -4 ", "4 0"}), openocd, reset, 1,
-       "OpenOCD: adapter assert srst: error -4, see its log (its configuration needs a "
+       "OpenOCD: adapter assert srst: error -4; see OpenOCD's log (its configuration needs a "
        "reset_config with srst)"},
       {OpenocdScan({"3 - "}), openocd, reset, 3,
        no_answer + "3 \"adapter assert srst\", got \"3 - \""},
