@@ -138,7 +138,7 @@ ExitStatus Runner::PlayAll(std::vector<Script> scripts) {
     status = kInterrupted;
     BreakOff(error.what());
   } catch (const IoError& error) {
-    // If standard output fails while an interrupt is being reported, the interrupt still counts.
+    // If standard output fails after an interrupt, the exit status still reports the interrupt.
     status = IsInterrupted() ? kInterrupted : kNotOpened;
     BreakOff(error.what());
   } catch (const std::bad_alloc&) {

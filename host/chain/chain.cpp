@@ -7,7 +7,7 @@
 namespace icehost {
 namespace {
 
-// This code is reserved. ChainReader's marker contains it, so it differs from every valid IDCODE.
+// A reserved code. ChainReader's marker contains it, so the marker is never a valid IDCODE.
 constexpr unsigned kCodeOfNobody = 0x7F;
 
 // Returns why a value is not a valid IDCODE, or an empty text if it may be valid.

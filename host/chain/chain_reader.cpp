@@ -17,7 +17,7 @@ constexpr std::uint64_t kMarker = 0x9C3A'51E7'2B64'D0FF;
 constexpr std::size_t kMarkerBits = 64;
 // The first read allows for only this many TAPs, because a simulator may need 1 ms per bit.
 constexpr int kFewTaps = 4;
-// All IRs together have at most kLongestIr bits, or kLongestIrEach per TAP if that is more.
+// The limit for all IRs together: kLongestIr bits, or kLongestIrEach per TAP if that is more.
 constexpr std::size_t kLongestIr = 256;
 constexpr std::size_t kLongestIrEach = 64;
 // The maximum number of combinations of IR lengths that a report shows.
@@ -30,7 +30,6 @@ Bits Markers(std::size_t bits) {
   return markers;
 }
 
-// Returns the marker followed by this many ones.
 Bits MarkedBits(std::size_t ones) {
   Bits bits = BitsOfNumber(kMarker, kMarkerBits);
   bits.insert(bits.end(), ones, true);
@@ -52,8 +51,8 @@ std::size_t TailOf(const Bits& bits) {
   return static_cast<std::size_t>(other - bits.rbegin());
 }
 
-// Returns up to `most` combinations of IR lengths that fit the `captured` bits of `taps` TAPs, the
-// TAP nearest to TDO first. In IEEE 1149.1, each captured IR begins with 1 and 0.
+// Returns up to `most` combinations of IR lengths that fit the `captured` bits of `taps` TAPs. In
+// each, the TAP nearest to TDO is first. In IEEE 1149.1, each captured IR begins with 1 and 0.
 std::vector<std::vector<int>> IrLengths(const Bits& captured, std::size_t taps, std::size_t most) {
   std::vector<int> beginnings;
   for (std::size_t i = 0; i + 1 < captured.size(); ++i) {

@@ -31,7 +31,6 @@ std::string Field(const Bits& bits) {
   return fmt::format("{},{}", bits.size(), ByteList(bits));
 }
 
-// Returns `bits` with `before` zeros before them and `after` zeros after them.
 Bits Between(std::size_t before, Bits bits, std::size_t after) {
   bits.insert(bits.begin(), before, false);
   bits.insert(bits.end(), after, false);
@@ -82,7 +81,7 @@ std::size_t Script::IrBits() const {
 }
 
 // Every TAP delays the pattern by one bit, even if the scan addresses only one TAP. In such a scan,
-// the mask excludes the first bits out, because they depend on bits that the probe adds.
+// the mask excludes the first bits shifted out, because they depend on bits that the probe adds.
 std::string Script::BypassSection() const {
   const std::size_t taps = chain_.taps.size();
   const Bits pattern = BitsOfNumber(kPattern, kPatternBits);
@@ -143,7 +142,6 @@ std::string Script::Text() const {
   return text;
 }
 
-// A script cannot avoid resetting the target, because START pulls every pin low.
 constexpr char kGpioHead[] =
     R"(# Written by icehost detect. This script resets the TAPs and reads their answers.
 # START drives every pin low, so NRST resets the target.

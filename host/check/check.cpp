@@ -25,7 +25,7 @@ void ReportCutLines(const ScriptText& script, Problems& problems) {
   }
 }
 
-// A script without text counts as a GPIO script, because the plug-in reports that END is missing.
+// A script without text counts as a GPIO script, because the plug-in reports a missing END for it.
 bool IsGpioScript(const ScriptText& script) {
   return !script.HasText() || icescript::IsSectionTag((*script.WithText(script.begin())).text);
 }

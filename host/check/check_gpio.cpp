@@ -133,7 +133,7 @@ class GpioLines {
 
   void TakeStart(const ScriptLine& line) { AddOperation(line); }
   void Take(const ScriptLine& line);
-  // Ends the script. After a line that is too long (`cut`), does not report missing lines.
+  // Ends the script. If a line is too long (`cut`), reports no open blocks and no idle levels.
   void Finish(bool cut);
 
   bool Ended() const { return (state_.flags & GPIO_FLAG_END) != 0; }

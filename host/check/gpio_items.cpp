@@ -25,7 +25,7 @@ constexpr const char* kEmptyValue =
 
 // ---- Values that are legal but rarely intended
 
-// Returns whether the whole text is a number in this base. A text in base 16 begins with "0x".
+// Returns whether the whole text is a number in this base. For base 16, skips a "0x" prefix.
 bool IsNumber(std::string_view text, int base) {
   text = text.substr(0, text.find_last_not_of(" \t") + 1);
   if (base == 16) {

@@ -33,7 +33,6 @@ std::string KeyMeant(std::string_view name, const IniKeys& keys) {
   return DidYouMean(Nearest(name, keys));
 }
 
-// Returns the letters, digits and underscores of a text.
 std::string Core(std::string_view text) {
   std::string core;
   std::copy_if(text.begin(), text.end(), std::back_inserter(core),

@@ -43,7 +43,6 @@ struct Fields {
   std::vector<std::string_view> text;  // empty if the value contains no comma
 };
 
-// Returns the text without a "0x" at its beginning.
 std::string_view HexDigits(std::string_view text) {
   const bool prefixed = text.size() > 1 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X');
   return text.substr(prefixed ? 2 : 0);
@@ -81,7 +80,8 @@ std::string BytesMeant(std::string_view text) {
   return DidYouMean(bytes);
 }
 
-// Checks the length in field `length_at`, which the plug-in reads as `bits`. Returns `bits` > 0.
+// Checks the length in field `length_at`, which the plug-in reads as `bits`. Returns whether any
+// bits are shifted.
 bool CheckLength(const Fields& fields, std::size_t length_at, int bits, Problems& problems) {
   const std::string_view text = TrimSpaces(fields.text[length_at]);
   if (bits < 0 && text == fmt::to_string(bits)) {

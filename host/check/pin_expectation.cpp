@@ -24,7 +24,6 @@ struct Levels {
   int mask = 0;
 };
 
-// Returns the letters at the beginning of a text.
 std::string_view FirstWord(std::string_view text) {
   const auto* const end = std::find_if(text.begin(), text.end(),
                                        [](unsigned char ch) { return std::isalpha(ch) == 0; });

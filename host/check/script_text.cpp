@@ -27,7 +27,7 @@ std::string_view TextOf(std::string_view raw) {
   return icescript::TrimBlanks(icescript::TrimRight(cut, ' '));
 }
 
-// Returns whether the reader of JTAG scripts accepts the line.
+// Returns whether the plug-in accepts the line in a JTAG script.
 bool IsIniLine(const ScriptLine& line) {
   return line.IsHeader() || line.text.find('=') != std::string_view::npos;
 }

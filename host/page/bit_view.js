@@ -108,7 +108,7 @@ function registerSummary(register) {
   return `${total} ${total === 1 ? "bit" : "bits"}${known}${before}`;
 }
 
-// Returns the description of a register in the details of a row.
+// Returns an element that describes a register, for the details of a row.
 function renderRegister(register) {
   const element = make("dd", "register");
   const summary = element.appendChild(make("p", "", registerSummary(register)));

@@ -63,7 +63,7 @@ class DataLane {
     this.wave.context.fillRect(Math.floor(x), y + 4, 1, Wave.HIGH - 6);
   }
 
-  // Draws a full dot if the levels are as expected, or a ring if there was no expectation.
+  // Draws a filled dot if the levels are as expected, or a ring if there was no expectation.
   drawDot(x, y, full) {
     const {context, colour} = this.wave;
     context.beginPath();

@@ -6,7 +6,7 @@ class Messages {
     this.list = list;
     this.onChange = onChange;
     this.all = false;
-    this.others = new Set();  // indexes of the rows that were opened or closed contrary to `all`
+    this.others = new Set();  // indexes of the rows whose state differs from `all`
     button.hidden = !rows.some((row) => row.messages > 0);
     button.onclick = () => this.toggleAll();
     list.element.addEventListener("click", (event) => {

@@ -123,8 +123,8 @@ function rowAtStep(step) {
   return row !== undefined && row.begin <= step ? row : null;
 }
 
-// Returns the line whose rows are shown for a line: the first line with rows among the line itself,
-// the later lines of its section, and the earlier lines, nearest first. Returns 0 if there is none.
+// Returns the line whose rows are shown for `line`, or 0. Looks for rows at `line`, then in the
+// later lines of its section, and then backwards in the earlier lines of the section.
 function lineInCharge(source, line) {
   const of = lineRows[source];
   const text = data.sources[source].lines;

@@ -32,7 +32,7 @@ std::string PageText(std::string_view text) {
   return json;
 }
 
-// Encodes each number as two bytes, low byte first (RFC 4648).
+// Encodes each number as two bytes, low byte first, in Base64 (RFC 4648).
 std::string Base64(const std::vector<std::uint16_t>& numbers) {
   constexpr char kDigits[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
   std::string text;

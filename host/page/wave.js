@@ -158,8 +158,9 @@ class Wave extends WaveView {
     this.drawBlocks(this.taps, y, style);
   }
 
-  // Returns {any, all} for each column of pixels: the pins that are high in any step of the column,
-  // and in all its steps. A pin that changes at the beginning of a column has both levels.
+  // Returns {any, all} for each column of pixels. `any` has the pins that are high in at least one
+  // step of the column, and `all` has the pins that are high in every step. A pin that changes at
+  // the beginning of a column counts as having both levels.
   columns() {
     const count = Math.min(this.room(), Math.ceil(this.x(steps.length)) - Wave.LABELS);
     const columns = [];

@@ -73,7 +73,8 @@ class WaveView {
     this.show(inSight ? this.from : place + length / 2 - room / this.scale / 2, this.scale);
   }
 
-  // Makes a row fill most of the width, or the step at which it read the pins if it has no steps.
+  // Zooms until a row fills most of the width. For a row without steps, uses the step at which it
+  // read the pins.
   zoomToRow(row) {
     if (row === null || row.end === 0 || row.begin > steps.length) return;
     const begin = Math.min(row.begin, row.end - 1);

@@ -46,7 +46,7 @@ constexpr char kDarkStyle[] = R"(<style>
 </style>
 )";
 
-// Two steps of a scan, the minimum for a TAP state, have room for three characters. A step of a
+// A TAP state in a scan has at least two steps, which have room for three characters. A step of a
 // GPIO script has room for its line number and, if there are few steps, for the value it reads.
 struct StepSize {
   int width;

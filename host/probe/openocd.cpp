@@ -57,8 +57,8 @@ Bits ParseDrscanAnswer(const std::string& answer, std::size_t length) {
 
 }  // namespace
 
-// The answer begins with the command's number, which reveals surplus answers, and a code. If the
-// code is not 0, the command has failed, and the rest of the answer is the reason.
+// The answer begins with the command's number and a code. The number reveals surplus answers. A
+// code other than 0 means that the command has failed. Then the rest of the answer is the reason.
 std::string OpenocdRpc::Ask(const std::string& command) {
   ThrowIfEarly({});
   const std::string number = fmt::format("{} ", ++commands_);

@@ -84,7 +84,7 @@ int PinProbe::Reset(int kind) {
 }
 
 int PinProbe::Insert(int ir_bits, const std::uint8_t* ir, int dr_bits, const std::uint8_t* dr) {
-  // The check before the run misses such a scan if an earlier script has selected two wires.
+  // The check before the run misses long registers if an earlier script has selected two wires.
   if (wire_mode_ == CDI_ANSWER_2WIRE && std::max(ir_bits, dr_bits) - 8 > kMostTwoWireBits) {
     throw Unsupported(
         "a register can have at most 256 bits over two wires: the plug-in lost the 33rd byte");

@@ -17,7 +17,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// The server sends the answers to this many bytes before it reads more, to limit its buffers.
+// The server reads at most this many bytes before it sends their answers, to limit its buffers.
 constexpr std::size_t kReadAtOnce = 4096;
 // The interval between checks of a port that nobody uses.
 constexpr std::chrono::seconds kLookAtPort{1};
@@ -49,8 +49,8 @@ bool EndOperation() {
 
 }  // namespace
 
-// The port waits on the same event loop, so the handlers below may run while the port works. They
-// only record what arrived, and Server::Work does the rest.
+// The port waits on the server's event loop, so the handlers below may run while the port works.
+// They only record what arrived, and Server::Work does the rest.
 
 struct Server::Arrival {
   std::optional<StreamProtocol::socket> socket;
@@ -122,7 +122,7 @@ bool Server::OwesAPart() const {
   return client_ != nullptr && !client_->gone && client_->HasLeft();
 }
 
-// Waits for an event. Skips the port check after a signal, which may also end the port's server.
+// Waits for an event. After a signal, does not check the port, whose server may have ended, too.
 void Server::Wait() {
   asio::io_context& loop = EventLoop();
   loop.restart();
@@ -139,8 +139,8 @@ void Server::Accept() {
       });
 }
 
-// Does one thing, or returns false if there is nothing to do. Decides about a new client only when
-// no event of the current client is left, because the current client may just be leaving.
+// Does one thing, or returns false if there is nothing to do. Decides about a new client only after
+// all events of the current client, because one of them may be that the current client has left.
 bool Server::Work() {
   if (client_ != nullptr && client_->received > 0) {
     Answer();

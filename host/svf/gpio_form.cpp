@@ -198,7 +198,7 @@ void GpioForm::Shift(const SvfShift& shift) {
 }
 
 // Returns the number of TCK cycles for a wait. If the wait is impossible, reports why and returns
-// nothing. The file's cycles are no faster than FREQUENCY, so a faster probe needs more of them.
+// nothing. FREQUENCY limits the rate of the file's cycles, so a faster probe needs more cycles.
 std::optional<long> GpioForm::CyclesOf(const SvfRunTest& run) {
   const auto hz = tck_hz_.has_value() ? tck_hz_ : file_hz_;
   hz_used_ = true;

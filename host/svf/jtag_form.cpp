@@ -218,7 +218,7 @@ void JtagForm::Frequency(std::optional<double> hz) {
 void JtagForm::Idle(double cycles, double seconds) {
   pause_.reset();
   idle_cycles_ += cycles;
-  // If FREQUENCY limits the TCK rate, the cycles need a minimum time, too.
+  // If FREQUENCY limits the TCK rate, the cycles take a minimum time, too.
   idle_seconds_ += std::max(seconds, hz_.has_value() ? cycles / *hz_ : 0);
   const bool is_long = idle_cycles_ > kMostIdleCycles || idle_seconds_ > kMostIdleSeconds;
   if (is_long && !wait_.has_value()) wait_ = At();

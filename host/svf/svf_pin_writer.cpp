@@ -246,7 +246,7 @@ void SvfPinWriter::OnTapReset(bool by_trst, StepRange /*steps*/) {
   const bool updated = std::exchange(updated_, false);
   if (by_trst) return;  // OnResetPins writes "TRST ON"
   // The script does not go through Run-Test/Idle, and OpenOCD 0.12 cannot play a scan that ends in
-  // RESET. So the last scan ends in Pause, which has no effect.
+  // RESET. So the last scan ends in Pause, which has no effect of its own.
   const bool held = held_.has_value();
   if (held) WriteScan(held_->scan.ir ? "IRPAUSE" : "DRPAUSE");
   BeginStatement();

@@ -18,7 +18,7 @@ namespace {
 
 constexpr int kBufferSize = 1 << 16;
 
-// Returns a duplicate that remains the user's standard output while descriptor 1 is redirected.
+// Duplicates descriptor 1. The copy remains the user's standard output while 1 is redirected.
 int OpenStandardOutput() {
   const int fd = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
   if (fd < 0) throw IoError(fmt::format("standard output: {}", std::strerror(errno)));

@@ -166,7 +166,8 @@ bool Guard::IsGroupGone() {
   throw IoError(fmt::format("cannot start the --spawn command: {}", std::strerror(errno)));
 }
 
-// Returns -1 if `fd` is not a regular file: a read could wait, or take data from another reader.
+// Returns -1 if `fd` is not a regular file, because reading it could wait or take data from another
+// reader.
 int OpenToRead(int fd) {
   struct stat status = {};
   if (fstat(fd, &status) != 0 || !S_ISREG(status.st_mode)) return -1;
@@ -244,7 +245,7 @@ bool SpawnedCommand::HasEndedWithin(milliseconds patience) {
 
 bool SpawnedCommand::End(bool failed) {
   if (guard_ == 0 && !ended_) return true;
-  // After a signal, icehost must not end before the guard, so that no process is left.
+  // After a signal, icehost must not end before the guard, so that no process is left running.
   const Rescue after_a_signal(Rescue::State::kWorking, [] {});
   if (!HasEndedWithin(failed ? kEndsAfterLoss : milliseconds(0))) {
     kill(guard_, SIGTERM);
