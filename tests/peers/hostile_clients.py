@@ -80,7 +80,7 @@ def check_passing_on():
     expect("answers", ask(first, b"Bbx0tR\n0447Q"), "1")
     expect("after Q", first.recv(1), b"")
     second = serve.client()
-    # The first client left the pins at the levels of 7, so the first byte changes nothing.
+    # The last write of the first client was also 7, so this 7 changes nothing.
     expect("answers", ask(second, b"7rsRutR06R"), "111")
     second.close()
     status, said = serve.end()
@@ -334,7 +334,7 @@ def check_door():
         os.remove("door")
         other = Serve(endpoint="unix:door")
         expect("ends", serve.end(), (0, ""))
-        expect("the socket of another", refused(), in_use)
+        expect("the socket of another server", refused(), in_use)
         expect("ends", other.end(), (0, ""))
         expect("its own socket", os.path.exists("door"), False)
     write("door", "a file\n")

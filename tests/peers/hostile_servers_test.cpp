@@ -92,8 +92,8 @@ Server Once(const std::string& answer) {
   };
 }
 
-// Answers the command getinfo: with `info`, and other commands like a server of the simulated
-// target, followed by `after`. Closes the connection if a shift has more bytes than `info` allows.
+// Answers `getinfo:` with `info`. Answers other commands as a server of the simulated target does,
+// and adds `after`. Closes the connection if a shift has more bytes than `info` allows.
 Server Xvc(const std::string& info, const std::string& after = "") {
   return [=](tcp::socket& client) {
     const std::size_t most = std::strtoul(&info[info.find(':') + 1], nullptr, 10);
@@ -109,8 +109,8 @@ Server Xvc(const std::string& info, const std::string& after = "") {
   };
 }
 
-// Answers getinfo: correctly and the next commands with `answers`, then closes. Sends the
-// answer "+" as a separate packet without waiting for a command.
+// Answers `getinfo:` correctly and the next commands with `answers`. Then closes the connection.
+// Sends the answer "+" as a separate packet without waiting for a command.
 Server XvcAnswers(const std::vector<std::string>& answers) {
   return [answers](tcp::socket& client) {
     ReadFrom(client);
@@ -159,7 +159,7 @@ Outcome RunAgainst(const Server& server, const std::string& probe, const std::st
   return outcome;
 }
 
-// A run exits with 0 only if the server answers every question correctly.
+// A run exits with status 0 only if the server answers every question correctly.
 TEST(Servers, EndARunAsTheyShould) {
   const std::string bitbang = "remote-bitbang", xvc = "xvc", openocd = "openocd";
   const std::string idcode = "tests/scripts/idcode.ini", reset = "tests/scripts/reset_only.ini";
