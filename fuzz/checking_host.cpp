@@ -151,7 +151,7 @@ int CheckingHost::Insert(int ir_bits, const unsigned char* ir, int dr_bits,
   Begin(Scan::kQueried);
   ir_ = CheckRegister(ir_bits, ir);
   dr_ = CheckRegister(dr_bits, dr);
-  if (two_wire_) Check(ir[0] == 0 && dr[0] <= 1, "the extra bytes are 0 and the read flag");
+  if (two_wire_) Check(ir[0] == 0 && dr[0] <= 1, "the extra byte is 0 or the read flag");
   scan_ = Scan::kInserted;
   const int result = NextResult();
   return End(result, result != 0);
@@ -177,7 +177,7 @@ int CheckingHost::Gpio(int out_value, std::uint32_t* data, int oe_mask, int flag
   Check(gpio_flags_ != 0 || (flags == GPIO_FLAG_START && out_value == 0 && oe_mask == GPIO_PIN_ALL),
         "START comes first, with all pins enabled and low");
   Check(gpio_flags_ == 0 || (flags & GPIO_FLAG_START) == 0, "START comes once");
-  Check(flags != 0 && flags < 2 * GPIO_FLAG_END, "each operation has flags of the header");
+  Check(flags != 0 && flags < 2 * GPIO_FLAG_END, "each operation has flags from the header");
   Check(*data == gpio_data_[data], "the data word is 0 or the value stored last");
   gpio_flags_ = flags;
   const int result = NextResult();

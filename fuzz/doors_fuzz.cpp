@@ -191,7 +191,8 @@ void ServeBitbang(std::string_view bytes) {
 }
 
 void ServeXvc(std::string_view bytes) {
-  Check(Serve<icehost::XvcSession>(bytes).size() <= 3 * bytes.size(), "answers have a limit");
+  Check(Serve<icehost::XvcSession>(bytes).size() <= 3 * bytes.size(),
+        "the size of the answers is limited");
 }
 
 void BeBitbangClient(std::string_view bytes) {
@@ -395,8 +396,9 @@ void ImportSvf(std::string_view bytes) {
     std::ostringstream text;
     icehost::ImportSvf(import, bytes, &text, [](std::size_t) {});
     const icehost::ScriptText script("imported", text.str());
-    Check(icehost::CheckScript(script).problems.Found().empty(), "check finds no problem");
-    Check(IsWhole(script) && script.Content().size() < 2 * kMost, "its size is limited");
+    Check(icehost::CheckScript(script).problems.Found().empty(), "check finds nothing wrong");
+    Check(IsWhole(script) && script.Content().size() < 2 * kMost,
+          "an imported script is not too long");
     PlayImported(script.Content());
   }
 }
