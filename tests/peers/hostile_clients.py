@@ -309,10 +309,10 @@ def check_door():
     """serve replaces a socket only if its server has ended, and removes only its own socket."""
     in_use = "icehost: unix:door: cannot listen: Address already in use\n"
     for name, kind, backlog, clients in [
-        ("between bind and listen", socket.SOCK_STREAM, None, 0),
+        ("does not listen yet", socket.SOCK_STREAM, None, 0),
         ("listens", socket.SOCK_STREAM, 5, 0),
         ("has a full queue", socket.SOCK_STREAM, 0, 1),
-        ("takes datagrams", socket.SOCK_DGRAM, None, 0),
+        ("accepts datagrams", socket.SOCK_DGRAM, None, 0),
     ]:
         with socket.socket(socket.AF_UNIX, kind) as owner, socket.socket(socket.AF_UNIX) as client:
             owner.bind("door")
@@ -328,7 +328,7 @@ def check_door():
                     admitted += 1
             except BlockingIOError:
                 pass
-            expect(f"clients of one that {name}", admitted, clients)
+            expect(f"clients of a server that {name}", admitted, clients)
         # The owner has ended now.
         serve = Serve(endpoint="unix:door")
         os.remove("door")

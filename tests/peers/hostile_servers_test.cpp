@@ -345,7 +345,7 @@ TEST(Servers, EndARunAsTheyShould) {
   }
 }
 
-// The queue of waiting connections is full, so the server does not answer the connect.
+// The queue of waiting connections is full, so the server does not accept the connection.
 TEST(Servers, NeedNotAccept) {
   asio::io_context io;
   tcp::acceptor acceptor(io, tcp::v4());
@@ -360,8 +360,8 @@ TEST(Servers, NeedNotAccept) {
   EXPECT_EQ(outcome.output, "icehost: " + name + ": cannot connect: Connection timed out\n");
 }
 
-// A server may read everything before it answers. If the buffers are too small for the answers,
-// each side then waits for the other forever.
+// icehost must not request more answers at a time than the buffers can contain. Otherwise each side
+// may wait for the other forever.
 TEST(Servers, HaveFewAnswersUnderWay) {
   std::size_t most = 0;
   const LocalServer late([&](tcp::socket& client) {
@@ -394,7 +394,7 @@ TEST(Servers, AreOutOfReachWithoutFiles) {
           RunShell("exec 2>&1; ulimit -n " + std::to_string(files) +
                    "; exec icehost run -q --timeout 0.1 --probe " + probe + " examples/reset.ini");
       const bool no_files = outcome.output.find("Too many open files") != std::string::npos;
-      // On a busy machine even the connect may take too long.
+      // On a busy machine even connecting may take too long.
       const bool waited = outcome.output.find("no answer") != std::string::npos ||
                           outcome.output.find("timed out") != std::string::npos;
       const bool served = probe == "sim" ? outcome.output.empty() : waited;
