@@ -26,7 +26,7 @@ check() {
   dynamic=$(readelf -W --dynamic "$file")
   # A name with a version is a variable that the program copies from a library, not an export.
   expect "$file" "exports" "$2" "$(names '$7 != "UND" && $8 !~ /@/')"
-  expect "$file" "binding" "BIND_NOW" "$(grep -o 'BIND_NOW' <<<"$dynamic" | head -n 1)"
+  expect "$file" "binding of imports" "BIND_NOW" "$(grep -o 'BIND_NOW' <<<"$dynamic" | head -n 1)"
   expect "$file" "text relocations" "" "$(grep -o 'TEXTREL' <<<"$dynamic" || true)"
   expect "$file" "flags of the data that is read-only after relocation" "R" "$(flags GNU_RELRO)"
   expect "$file" "flags of the stack" "RW" "$(flags GNU_STACK)"
@@ -36,8 +36,9 @@ check() {
     "$(grep -o '__stack_chk_fail' <<<"$symbols" | uniq)"
   expect "$file" "checked library calls" "some" \
     "$(! grep -qE '__[a-z]+_chk@' <<<"$symbols" || echo some)"
-  expect "$file" "first instruction" "endbr64" "$(objdump -d --no-show-raw-insn "$file" |
-    awk -v name="<${2%% *}>:" '$2 == name { getline; print $2; exit }')"
+  expect "$file" "first instruction of an export" "endbr64" \
+    "$(objdump -d --no-show-raw-insn "$file" |
+      awk -v name="<${2%% *}>:" '$2 == name { getline; print $2; exit }')"
 }
 
 check "$1" "ImplementScr"
