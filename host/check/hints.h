@@ -34,7 +34,6 @@ std::string_view SlipIn(std::string_view text);
 
 // Return " (REMARK)" and "did you mean WHAT?", or an empty text if the argument is empty.
 std::string InParentheses(std::string_view remark);
-
 std::string DidYouMean(std::string_view what);
 
 // Returns whether a text consists of one or more digits of the base 10 or 16.
