@@ -10,7 +10,7 @@ namespace icehost {
 
 using Words = std::vector<std::string_view>;
 
-// Returns "A, B and C", with `last` in place of "and".
+// Returns a list such as "A, B and C". `last` is the word before its last item, such as "and".
 std::string Listed(const Words& words, std::string_view last);
 
 // Returns the candidate that is most similar to `word`. They may differ by one slip, or by two if
