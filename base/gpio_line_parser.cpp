@@ -10,8 +10,8 @@
 namespace icescript {
 namespace {
 
-// Returns a word of up to eight characters, in upper case, as a number for a switch, or 0 for a
-// longer word. Lines contain no NUL, so different words give different numbers.
+// Packs a word of up to eight characters, in upper case, into a number for a switch. Returns 0 for
+// a longer word. Lines contain no NUL, so different words give different numbers.
 constexpr std::uint64_t Word(std::string_view text) {
   std::uint64_t word = 0;
   if (text.size() > sizeof word) return word;

@@ -139,8 +139,8 @@ class CIniFile {
   std::vector<gpio_element> gpio_elements;
   std::vector<key> keys;
   std::vector<CString> key_names;  // key_names[i] names keys[i]
-  // key_tails[i] is the end of key_names[i] as a number, so that a lookup can compare several names
-  // at a time. After a failed allocation, key_tails may have one entry more than key_names.
+  // The last four bytes of each name as a number, so that a lookup can compare several names at a
+  // time. After a failed allocation, key_tails may have one entry more than key_names.
   std::vector<wchar_t> key_tails;
 
  public:

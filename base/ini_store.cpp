@@ -11,7 +11,7 @@ namespace icescript {
 namespace {
 
 // Returns the position of `name` in `names`, or -1. Only the part of a stored name before its first
-// NUL counts. These parts are unique, so the search begins with the newest name.
+// NUL counts. At most one name matches, so the search may begin with the newest name.
 int FindName(const std::vector<CString>& names, std::string_view name) {
   // Compares the last byte first, because names in long scripts usually end with a number. If the
   // candidate is shorter, compares its NUL instead of branching on its length.

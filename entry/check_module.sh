@@ -18,7 +18,7 @@ names() { awk '$1 ~ /^[0-9]+:$/ && $8 != "" && '"$1"' { print $8 }' <<<"$symbols
 flags() { awk -v type="$1" '$1 == type { $1=$2=$3=$4=$5=$6=$NF=""; gsub(" ", ""); print }' \
   <<<"$segments"; }
 
-# check FILE EXPORTS: does the checks that apply to both files.
+# check FILE EXPORTS: runs the checks that apply to both files.
 check() {
   local file=$1
   symbols=$(readelf -W --dyn-syms "$file")
@@ -26,24 +26,25 @@ check() {
   dynamic=$(readelf -W --dynamic "$file")
   # A name with a version is a variable that the program copies from a library, not an export.
   expect "$file" "exports" "$2" "$(names '$7 != "UND" && $8 !~ /@/')"
-  expect "$file" "bound when loaded" "BIND_NOW" "$(grep -o 'BIND_NOW' <<<"$dynamic" | head -n 1)"
+  expect "$file" "binding of imports" "BIND_NOW" "$(grep -o 'BIND_NOW' <<<"$dynamic" | head -n 1)"
   expect "$file" "text relocations" "" "$(grep -o 'TEXTREL' <<<"$dynamic" || true)"
-  expect "$file" "read-only after relocation" "R" "$(flags GNU_RELRO)"
-  expect "$file" "stack" "RW" "$(flags GNU_STACK)"
-  expect "$file" "segments to be written and run" "" "$(flags LOAD | grep 'W.*E' || true)"
-  expect "$file" "loaded anywhere" "DYN" "$(readelf -h "$file" | awk '/Type:/ {print $2}')"
+  expect "$file" "flags of the data that is read-only after relocation" "R" "$(flags GNU_RELRO)"
+  expect "$file" "flags of the stack" "RW" "$(flags GNU_STACK)"
+  expect "$file" "segments both writable and executable" "" "$(flags LOAD | grep 'W.*E' || true)"
+  expect "$file" "type of the file" "DYN" "$(readelf -h "$file" | awk '/Type:/ {print $2}')"
   expect "$file" "stack protection" "__stack_chk_fail" \
     "$(grep -o '__stack_chk_fail' <<<"$symbols" | uniq)"
   expect "$file" "checked library calls" "some" \
     "$(! grep -qE '__[a-z]+_chk@' <<<"$symbols" || echo some)"
-  expect "$file" "marked places to jump to" "endbr64" "$(objdump -d --no-show-raw-insn "$file" |
-    awk -v name="<${2%% *}>:" '$2 == name { getline; print $2; exit }')"
+  expect "$file" "first instruction of an export" "endbr64" \
+    "$(objdump -d --no-show-raw-insn "$file" |
+      awk -v name="<${2%% *}>:" '$2 == name { getline; print $2; exit }')"
 }
 
 check "$1" "ImplementScr"
 expect "$1" "imports from the host" "$HOST_FUNCTIONS" \
   "$(names '$7 == "UND" && $5 == "GLOBAL" && $8 !~ /@/')"
-expect "$1" "libraries but the runtimes" "" "$(sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p' <<<"$dynamic" |
+expect "$1" "libraries except runtimes" "" "$(sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p' <<<"$dynamic" |
   grep -vE '^lib(stdc\+\+|gcc_s|m|c)\.so' | xargs)"
 check "$2" "$HOST_FUNCTIONS"
 exit $status

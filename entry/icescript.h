@@ -16,15 +16,15 @@
  *  4. Bits. Scan data is an array of bytes, least significant byte first. Byte 0 contains bits 0 to
  *     7, and bit 0 is shifted first. n bits take (n + 7) / 8 bytes.
  *  5. Results. The comment on each link_ function says which results mean failure. The functions
- *     differ in this on purpose. A failed call ends the script and is never retried. The plug-in
- *     prints a message if a call of a GPIO script fails. It prints none if a call of a JTAG script
- *     fails, so the host must report the reason.
+ *     deliberately differ in these results. A failed call ends the script and is never retried. The
+ *     plug-in prints a message if a call of a GPIO script fails. It prints none if a call of a JTAG
+ *     script fails, so the host must report the reason.
  *  6. Exceptions. The plug-in neither throws exceptions of its own nor swallows any. An exception
  *     from a host function, the callback or the standard library (out of memory) passes through
  *     ImplementScr to the host after everything that the call allocated has been freed. This needs
  *     a single unwinder in the process, normally the shared libgcc_s. If the host has a private
- *     static one (g++ -static-libgcc -static-libstdc++ with an export list), any exception that
- *     reaches the plug-in aborts the process. With -rdynamic the plug-in uses the host's unwinder.
+ *     static one (g++ -static-libgcc -static-libstdc++ with an export list), exceptions that reach
+ *     the plug-in abort the process. With -rdynamic instead, the plug-in uses the host's unwinder.
  *  7. Messages. A message is NUL-terminated text for the user, at most 1023 bytes long. It is in
  *     English, except for quoted parts of the script and the script's path. A message may lack a
  *     line break, be only a part of a line, or be empty. Print it unchanged and add nothing.
@@ -128,12 +128,12 @@ int link_reset(LinkHandle handle, int kind);
  * script and are at most 288. They may be zero or negative. The host must not scan a register whose
  * length, without the extra byte described below, is 0 or less.
  *
- * After the answer CDI_ANSWER_2WIRE each register has an extra byte at its least significant end,
- * and its length includes this byte (a length of -1 becomes 7). The byte is 0x00 in the IR. In the
- * DR it is the read flag, 0x01 for a read and 0x00 for a write. This mode is for registers of up to
- * 32 bytes, 264 bits with the extra byte. In a longer register, the 33rd byte of the script is
- * lost, and each later byte is one place too low. The length can then be up to 296 bits, but the
- * arrays end after 36 bytes: do not read beyond them.
+ * If the last query answered CDI_ANSWER_2WIRE, each register has an extra byte at its least
+ * significant end, and its length includes this byte (a length of -1 becomes 7). The byte is 0x00
+ * in the IR. In the DR it is the read flag, 0x01 for a read and 0x00 for a write. This mode is for
+ * registers of up to 32 bytes, 264 bits with the extra byte. In a longer register, the 33rd byte of
+ * the script is lost, and each later byte is one place too low. The length can then be up to 296
+ * bits, but the arrays end after 36 bytes: do not read beyond them.
  */
 int link_jtag_insert(LinkHandle handle, int ir_bits, unsigned char* ir, int dr_bits,
                      unsigned char* dr);
@@ -142,10 +142,10 @@ int link_jtag_insert(LinkHandle handle, int ir_bits, unsigned char* ir, int dr_b
  * Runs the last inserted scan and stores the captured bits. A nonzero result means failure.
  *
  * capture points to JTAG_CAPTURE_BYTES bytes, which are zero when the call begins. The plug-in
- * reads the captured DR bits from byte 2 on, or from byte 3 on after the answer CDI_ANSWER_2WIRE,
- * and reads no other byte. It does not mask them, so the host must leave the bits above the last DR
- * bit zero. The plug-in prints the captured bits after a read, and also after a write if the answer
- * was CDI_ANSWER_JTAG5. (This version has room for the longest DR: 36 bytes from byte 3 on.)
+ * reads the captured DR bits from byte 2 on (from byte 3 on after the answer CDI_ANSWER_2WIRE) and
+ * reads no other byte. It does not mask them, so the host must leave the bits above the last DR bit
+ * zero. The plug-in prints the captured bits after a read, and also after a write if the answer was
+ * CDI_ANSWER_JTAG5. (This version has room for the longest DR: 36 bytes from byte 3 on.)
  */
 int link_jtag_execute(LinkHandle handle, unsigned char* capture);
 

@@ -73,16 +73,16 @@ void CheckingHost::Run(char* path) {
 void CheckingHost::CheckResult(int result, bool printed) const {
   Check(result == 0 || result == -1, "the result is 0 or -1");
   Check(!thrown_, "an exception is not swallowed");
-  Check(!failed_ || result == -1, "a failed call is told");
-  Check(failed_ || calls_ == 0 || result == 0, "-1 means a failed call, or that nothing has run");
-  Check(failed_ || scan_ == Scan::kNone, "a scan is run whole");
+  Check(!failed_ || result == -1, "the result after a failed call is -1");
+  Check(failed_ || calls_ == 0 || result == 0, "-1 means that a call failed or nothing ran");
+  Check(failed_ || scan_ == Scan::kNone, "no scan is left unfinished");
   Check(result != 0 || gpio_flags_ == 0 || (gpio_flags_ & GPIO_FLAG_END) != 0,
         "a GPIO script runs to its END");
   if (!printed) return;
   Check((result == 0) == (last_message_ == "Execute ORVEX ICE Script End.\n"),
-        "the end banner goes with the result 0");
+        "the last message is the end banner if and only if the result is 0");
   Check(messages_after_failure_ == (failed_ && gpio_flags_ != 0 ? 1 : 0),
-        "a failure is told by a message in a GPIO script only");
+        "one message follows a failed call in a GPIO script, none in a JTAG script");
 }
 
 std::uint8_t CheckingHost::NextByte() {
@@ -107,10 +107,10 @@ void CheckingHost::Throw() {
 }
 
 void CheckingHost::Begin(Scan scan) const {
-  Check(!failed_, "no call follows a failed one");
+  Check(!failed_, "no call follows a failed call");
   Check(!thrown_, "no call follows an exception");
   Check((gpio_flags_ & GPIO_FLAG_END) == 0, "no call follows END");
-  Check(scan_ == scan, "a scan is query, insert, execute");
+  Check(scan_ == scan, "the calls of a scan are query, insert and execute");
 }
 
 int CheckingHost::End(int result, bool failed) {
@@ -151,7 +151,7 @@ int CheckingHost::Insert(int ir_bits, const unsigned char* ir, int dr_bits,
   Begin(Scan::kQueried);
   ir_ = CheckRegister(ir_bits, ir);
   dr_ = CheckRegister(dr_bits, dr);
-  if (two_wire_) Check(ir[0] == 0 && dr[0] <= 1, "two wires: the extra byte is 0, and the flag");
+  if (two_wire_) Check(ir[0] == 0 && dr[0] <= 1, "the extra byte is 0 or the read flag");
   scan_ = Scan::kInserted;
   const int result = NextResult();
   return End(result, result != 0);
@@ -175,10 +175,10 @@ int CheckingHost::Gpio(int out_value, std::uint32_t* data, int oe_mask, int flag
   Begin(Scan::kNone);
   Check(out_value >= 0 && oe_mask >= 0, "the words of a pin operation are not negative");
   Check(gpio_flags_ != 0 || (flags == GPIO_FLAG_START && out_value == 0 && oe_mask == GPIO_PIN_ALL),
-        "START comes first, all pins enabled and low");
+        "START comes first, with all pins enabled and low");
   Check(gpio_flags_ == 0 || (flags & GPIO_FLAG_START) == 0, "START comes once");
-  Check(flags != 0 && flags < 2 * GPIO_FLAG_END, "the flags are those of the header, one or more");
-  Check(*data == gpio_data_[data], "the data word is 0 at first, then what the host stored");
+  Check(flags != 0 && flags < 2 * GPIO_FLAG_END, "each operation has flags from the header");
+  Check(*data == gpio_data_[data], "the data word is 0 or the value stored last");
   gpio_flags_ = flags;
   const int result = NextResult();
   if ((flags & GPIO_FLAG_READ_IN) != 0) {

@@ -119,14 +119,14 @@ std::size_t XvcAnswers(std::string_view question, std::string_view answers) {
   const std::string bits(question.substr(name, icehost::kXvcNumberBytes));
   const std::size_t bytes =
       (icehost::NumberOfBits(icehost::BitsOfBytes(bits, 8 * bits.size())) + 7) / 8;
-  Check(question.size() == name + bits.size() + 2 * bytes, "a shift has its TMS and TDI");
+  Check(question.size() == name + bits.size() + 2 * bytes, "a shift contains its TMS and TDI bits");
   return std::min(bytes + (answers.substr(0, 1) == "\xff" ? 1 : 0), answers.size());
 }
 
 class StepCounter : public icehost::StepRecorder {
  public:
   void Record(const PinStep& step) override {
-    Check((step.wires & ~GPIO_PIN_ALL) == 0, "wires are pins");
+    Check((step.wires & ~GPIO_PIN_ALL) == 0, "a step has no wires other than the pins");
     ++steps;
   }
   std::size_t steps = 0;
@@ -170,7 +170,7 @@ std::string ServeRecorded(std::string_view bytes) {
   Check(counter.steps == recording.Steps(), "every step is recorded by the end of the bytes");
   to_trace.End();
   to_json.End();
-  Check(text.str().back() == '\n', "lines are whole");
+  Check(text.str().back() == '\n', "the last line is complete");
   return answers;
 }
 
@@ -191,7 +191,8 @@ void ServeBitbang(std::string_view bytes) {
 }
 
 void ServeXvc(std::string_view bytes) {
-  Check(Serve<icehost::XvcSession>(bytes).size() <= 3 * bytes.size(), "answers have a bound");
+  Check(Serve<icehost::XvcSession>(bytes).size() <= 3 * bytes.size(),
+        "the size of the answers is limited");
 }
 
 void BeBitbangClient(std::string_view bytes) {
@@ -223,16 +224,16 @@ void BeXvcClient(std::string_view bytes) {
   probe.Flush();
 }
 
-// A chain with the answers of the input. Each of them is a byte with the number of bits, and then
-// the bits. If the number is 255, zeros extend the answer to 4096 bits. The bits shifted in from
-// TDI come out after the answer. Each answer is used for two readings.
+// A chain that takes its answers from the input. An answer is a byte with the number of bits, and
+// then the bits. If the number is 255, zeros extend the answer to 4096 bits. The bits shifted in
+// from TDI come out after the answer. Each answer is used for two readings.
 class AnsweringPort : public icehost::PinPort {
  public:
   explicit AnsweringPort(std::string_view bytes) : bytes_(bytes) { BeginAnswer(); }
 
   void Write(int levels, int enables) override {
     constexpr int kNoReset = GPIO_PIN_NRST | GPIO_PIN_TRST;
-    Check((levels & enables & kNoReset) == kNoReset, "nothing is reset but by TMS");
+    Check((levels & enables & kNoReset) == kNoReset, "only TMS resets the chain");
     tdi_ = (levels & GPIO_PIN_TDI) != 0;
   }
   int Read() override { return 0; }
@@ -270,9 +271,9 @@ class AnsweringPort : public icehost::PinPort {
 
 // Checks the report of a chain and, if the chain has no faults, checks its scripts.
 void TellChain(const icehost::Chain& chain, std::optional<std::size_t> only) {
-  Check(!chain.taps.empty() || !chain.faults.empty(), "no TAP is a fault");
-  Check(chain.taps.size() <= icehost::kMostTaps || only.has_value(), "a chain has an end");
-  Check(!icehost::ReportOf(chain, "a probe").empty(), "a chain is told");
+  Check(!chain.taps.empty() || !chain.faults.empty(), "a chain without TAPs has a fault");
+  Check(chain.taps.size() <= icehost::kMostTaps || only.has_value(), "the TAP count is limited");
+  Check(!icehost::ReportOf(chain, "a probe").empty(), "every chain has a report");
   if (!chain.faults.empty()) return;
   std::vector<std::string> scripts = {icehost::GpioScriptOf(chain)};
   try {
@@ -282,7 +283,7 @@ void TellChain(const icehost::Chain& chain, std::optional<std::size_t> only) {
   }
   for (const std::string& script : scripts) {
     const auto problems = icehost::CheckScript({"script", script}).problems;
-    Check(problems.Errors() == 0 && problems.Warnings() == 0, "a script of detect's is right");
+    Check(problems.Errors() == 0 && problems.Warnings() == 0, "detect writes valid scripts");
   }
 }
 
@@ -336,13 +337,13 @@ void CheckScript(std::string_view bytes) {
   const icehost::ScriptText learned("learned", Learn(script, checked.plan, read).script);
   if (problems.HasErrors() || !IsWhole(learned)) return;
   const icehost::CheckResult again = icehost::CheckScript(learned);
-  Check(!again.problems.HasErrors(), "what is learned is right");
+  Check(!again.problems.HasErrors(), "a learned script has no errors");
   Check(again.plan.pins.size() == checked.plan.pins.size() &&
             again.plan.jtag.size() == checked.plan.jtag.size(),
-        "what is learned changes no operation");
+        "learning changes no operation");
   for (const icehost::Expectation& learnt : again.plan.expectations) {
     const auto capture = read.find({learnt.operation, learnt.of});
-    Check(capture == read.end() || IsMet(learnt, capture->second), "what is learned is met");
+    Check(capture == read.end() || IsMet(learnt, capture->second), "learned expectations are met");
   }
 }
 
@@ -357,7 +358,7 @@ class ImportProbe : public icehost::PinProbe {
     tap_.Update(out_value);
     Check((flags & GPIO_FLAG_READ_IN) == 0 || state == icehost::TapState::kShiftDr ||
               state == icehost::TapState::kShiftIr,
-          "a bit is read while it is shifted");
+          "bits are read only in a Shift state");
     if (++lines_ > kMostLines) return -1;
     return PinProbe::Gpio(out_value, data, oe_mask, flags);
   }
@@ -375,7 +376,7 @@ void PlayImported(const std::string& script) {
   const icehost::MemoryFile file(script);
   std::string path = file.Path();
   Check(ImplementScr(&probe, path.data(), nullptr) == 0 || probe.IsSpent(),
-        "what is imported plays");
+        "an imported script runs");
 }
 
 void ImportSvf(std::string_view bytes) {
@@ -384,19 +385,20 @@ void ImportSvf(std::string_view bytes) {
     const icehost::SvfImport import{"expect\nme", gpio, std::nullopt, kMost};
     std::size_t read = 0;
     const auto count = [&read](std::size_t now) {
-      Check(read < now, "each statement has bytes");
+      Check(read < now, "each statement has at least one byte");
       read = now;
     };
     const icehost::Problems problems = icehost::ImportSvf(import, bytes, nullptr, count);
-    Check(read <= bytes.size(), "no more bytes are read than there are");
+    Check(read <= bytes.size(), "no bytes are read beyond the end");
     std::ostringstream report;
     problems.Write(report, "svf", bytes, {});
     if (problems.HasErrors()) continue;
     std::ostringstream text;
     icehost::ImportSvf(import, bytes, &text, [](std::size_t) {});
     const icehost::ScriptText script("imported", text.str());
-    Check(icehost::CheckScript(script).problems.Found().empty(), "nothing is wrong with a script");
-    Check(IsWhole(script) && script.Content().size() < 2 * kMost, "it is not too long");
+    Check(icehost::CheckScript(script).problems.Found().empty(), "check finds nothing wrong");
+    Check(IsWhole(script) && script.Content().size() < 2 * kMost,
+          "an imported script is not too long");
     PlayImported(script.Content());
   }
 }

@@ -58,7 +58,7 @@ int GpioScr::AppendElements(CIniFile& ini) {
   return 0;
 }
 
-// Returns 0 if no REPT is open. Otherwise prints one error for all open REPT and returns -1.
+// Returns 0 if no REPT is open. Otherwise prints one error, however many are open, and returns -1.
 int GpioScr::RefuseOpenRepeat() {
   if (RepeatNodePop() == nullptr) return 0;
   error = "syntax error: rept & endr not match.";

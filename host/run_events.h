@@ -14,9 +14,9 @@
 
 namespace icehost {
 
-// Passes all events of a run to the outputs, and then to the console. Each error event contains the
-// current script, and the current call if there is one. In a repeated run, only the first round and
-// the rounds that fail are passed on. A later round is passed on as a whole at its first error.
+// Passes all events of a run to the outputs, and then to the console. Each Notice names the script,
+// and the call that it concerns, if there is one. In a repeated run, only the first round and the
+// rounds that fail are passed on. A later round is passed on as a whole at its first error.
 class RunEvents : public StepRecorder {
  public:
   // The arguments must outlive this object.

@@ -28,8 +28,8 @@ class RunTotals {
   std::size_t BeginScript();
   // Ends the current script, and counts the values that `follower` compared.
   void EndScript(const Follower& follower);
-  // Adds the results of the last script's expectations to Text. In a repeated run, does nothing if
-  // the status is kInterrupted.
+  // Adds the results of the last script's expectations to the result of Text. In a repeated run,
+  // does nothing if the status is kInterrupted.
   void Summarize(const Follower& follower, ExitStatus status);
   // Ends the round. Does not count it as played if the status is kInterrupted.
   void EndRound(ExitStatus status);
@@ -61,7 +61,7 @@ class RunTotals {
   std::size_t ended_ = 0;   // the number of scripts that ended in the current round
   long round_ = 0;          // the current round
   long played_rounds_ = 0;  // the number of rounds played to their ends
-  long failed_rounds_ = 0;  // the number of these that failed
+  long failed_rounds_ = 0;  // the number of played rounds that failed
   ValueCounts values_;      // of all scripts that ended or were left out, in all rounds
   std::string summary_;     // the results of the expectations
 };

@@ -1,4 +1,4 @@
-// The verbs. Each verb reports the reason for a failure before it returns.
+// The verbs. Each verb reports the reason for a failure before it returns, or throws BadUsage.
 #ifndef ICESCRIPT_HOST_VERBS_H_
 #define ICESCRIPT_HOST_VERBS_H_
 

@@ -77,7 +77,7 @@ int JtagScr::ParseScr(char* path) {
       CString ir = ini.GetValue(i, "IR");
       CString dr = ir != "" ? ini.GetValue(i, "DR") : CString();
       if (dr == "") {
-        // If the value exists but is empty, no lookup has failed here. The message is then that of
+        // If the value exists but is empty, no lookup has failed here. The message is then from
         // an earlier lookup, or empty.
         printCallback(ini.error_msg);
         return -1;

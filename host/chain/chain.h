@@ -53,7 +53,7 @@ std::string CountedTaps(std::size_t taps);
 // the chain is not sound or has no such TAP, or if an IR length is unknown.
 ChainPlace PlaceIn(const Chain& chain, std::size_t tap);
 // Throws Unsupported if `chain` is not sound, or if its TAPs or captured IRs do not match `place`.
-// Otherwise returns `place`, or if that has no IR lengths, a place for the whole chain as one TAP.
+// Otherwise returns `place` or, if it has no IR lengths, a place that treats all TAPs as one TAP.
 ChainPlace ConfirmPlace(const Chain& chain, const ChainPlace& place);
 
 // Returns a Printable report of the TAPs and notes, without the faults. `where` names the probe.

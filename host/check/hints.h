@@ -10,7 +10,7 @@ namespace icehost {
 
 using Words = std::vector<std::string_view>;
 
-// Returns "A, B and C", with `last` in place of "and".
+// Returns a list such as "A, B and C". `last` is the word before its last item, such as "and".
 std::string Listed(const Words& words, std::string_view last);
 
 // Returns the candidate that is most similar to `word`. They may differ by one slip, or by two if
@@ -34,7 +34,6 @@ std::string_view SlipIn(std::string_view text);
 
 // Return " (REMARK)" and "did you mean WHAT?", or an empty text if the argument is empty.
 std::string InParentheses(std::string_view remark);
-
 std::string DidYouMean(std::string_view what);
 
 // Returns whether a text consists of one or more digits of the base 10 or 16.

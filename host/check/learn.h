@@ -16,8 +16,8 @@ struct Learned {
 
 // Returns a script that expects the values that a run has read. Replaces the value of each
 // expectation that was not met, but keeps its mask. Adds an expectation to each operation that
-// reads but has none. A new value has the form of the old value, or of the bytes in the section.
-// Leaves out pins that changed between runs of a line. Changes nothing else.
+// reads but has none. Writes a new value in the style of the value that it replaces or, if there is
+// none, of its section. Leaves out pins that changed between runs of a line. Changes nothing else.
 Learned Learn(const ScriptText& script, const Plan& plan, const Captures& captures);
 
 }  // namespace icehost

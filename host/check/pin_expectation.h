@@ -15,9 +15,9 @@ namespace icehost {
 std::string_view TrimWhitespace(std::string_view text);
 // Returns the comment of a line, from its "#" to the end; empty if the line has none.
 std::string_view CommentOf(const ScriptLine& line);
-// Splits a comment at "#". Returns the first part that begins with the word "expect", or nothing.
+// Splits a comment at "#". Returns the first part that begins with the word "expect", or "".
 std::string_view FindExpect(std::string_view comment);
-// Returns the text after the word "expect".
+// Returns the text after "expect" in a result of FindExpect, which must not be empty.
 std::string_view LevelsIn(std::string_view expect);
 
 // The level of one pin in "NAME=LEVEL, ...".

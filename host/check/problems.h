@@ -30,7 +30,7 @@ struct Problem {
   bool always = false;  // even --quiet does not hide this warning
   // For grouped problems:
   long more = 0;                  // the number of places after the first
-  std::vector<int> more_lines{};  // the lowest of their lines, each once; one more than Write shows
+  std::vector<int> more_lines{};  // the lowest of their lines, each once; up to one more than shown
 };
 
 // Selects the problems that an object of class Problems keeps.
@@ -62,7 +62,7 @@ class Problems {
   void Note(Place place, std::string text) { Take({place, Severity::kNote, std::move(text)}); }
   void Add(Problems more);
 
-  // The following functions also count problems that are not kept.
+  // The next three functions also count problems that are not kept.
   bool HasErrors() const { return Errors() > 0; }
   long Errors() const { return CountOf(Severity::kError).found; }
   long Warnings() const { return CountOf(Severity::kWarning).found; }

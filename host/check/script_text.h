@@ -70,7 +70,7 @@ class ScriptText {
   // Returns the first line at or after `from` that has text.
   Iterator WithText(Iterator from) const;
   bool HasText() const { return WithText(begin()) != end(); }
-  // Returns a line by its number. It may be the line that is too long.
+  // Returns the line `number`: a line that the plug-in reads, or the first line that is too long.
   ScriptLine Line(int number) const;
   // Returns the place at which a line becomes too long for the plug-in; nothing if no line does.
   std::optional<Place> CutAt() const;

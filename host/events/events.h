@@ -52,10 +52,11 @@ struct StepRange {
 };
 
 // One register of a scan. Bytes are least significant first, and fit into the interface's arrays.
+// Over two wires, the plug-in adds a byte, which `bits` and `in` include, but `out` does not.
 struct ScanRegister {
-  int bits = 0;                    // the length that the plug-in passes; two wires add a byte
-  std::string in;                  // includes this byte
-  std::optional<std::string> out;  // without this byte; nothing if the probe has not reported it
+  int bits = 0;
+  std::string in;
+  std::optional<std::string> out;  // nothing if the probe has not reported it
 };
 
 struct Scan {
@@ -144,7 +145,7 @@ struct ValueCounts {
 ValueCounts operator+(const ValueCounts& one, const ValueCounts& other);
 
 struct ScriptEnd {
-  bool ran;  // the script ran without a fault
+  bool ran;  // false if the script failed (a wrong value is a failure) or was interrupted
   ValueCounts values;
   std::vector<const Expectation*> unread;  // the first 1000; they point into the script's plan
   RunTime at{0};

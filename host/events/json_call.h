@@ -10,7 +10,7 @@
 
 namespace icehost {
 
-// Appends a call to `line`. `script` is the index of its script.
+// Appends a call as a JSON object, and a line feed, to `line`. `script` is the index of its script.
 void AppendCall(const CallEvent& call, std::size_t script, std::string& line);
 
 void AppendNumber(long number, std::string& line);

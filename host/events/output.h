@@ -7,7 +7,6 @@
 
 namespace icehost {
 
-// The head of a page.
 struct PageHead {
   std::string title;
   std::string result;

@@ -26,7 +26,7 @@ enum ExitStatus : int {
 
 // In these structures, an empty text means "not given". The file "-" is standard input or output.
 
-// The limit in bytes. Real scripts are smaller, and even a small machine has this much memory.
+// In bytes. Real scripts are smaller than this, and even a small machine has this much memory.
 constexpr std::size_t kDefaultSizeLimit = 64U << 20U;
 
 struct RunCommand {
@@ -61,7 +61,7 @@ enum class ScriptKind { kJtag, kGpio };
 struct ImportCommand {
   std::string file;
   ScriptKind script = ScriptKind::kJtag;
-  std::optional<double> tck_hz;  // of the probe, for a GPIO script
+  std::optional<double> tck_hz;  // the highest TCK rate of the probe, for a GPIO script
   std::string output = "-";
   std::size_t size_limit = kDefaultSizeLimit;  // of the file and of the script, in bytes
   bool all = false;                            // reports each problem separately, not in groups

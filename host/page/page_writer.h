@@ -35,7 +35,7 @@ struct PageRow {
 // may contain any bytes; the page never interprets them as markup.
 class PageWriter : public StepRecorder {
  public:
-  // Begins a source (a script of a run), whose rows follow. Its lines end with a line feed.
+  // Begins a source (a script of a run), whose rows follow. Splits `content` at line feeds.
   void AddSource(std::string_view name, std::string_view content,
                  const std::vector<SourceMark>& marks);
   void AddRow(const PageRow& row);

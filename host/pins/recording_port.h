@@ -15,7 +15,7 @@ namespace icehost {
 
 // The state of the pins from one write to the next.
 struct PinStep {
-  int wires;                    // the levels on the wires, TDO too (GPIO_PIN_ bits)
+  int wires;                    // the levels on the wires, including TDO (GPIO_PIN_ bits)
   std::optional<TapState> tap;  // nothing until the TAP is first reset
   bool drives_tdo;              // the probe drives TDO, and so reads its own level
 };

@@ -13,9 +13,9 @@ namespace icehost {
 // TCK (4), TMS (2) and TDI (1); 'R' asks for TDO; 'r', 's', 't' and 'u' set TRST and NRST to 00,
 // 01, 10 and 11, where 1 asserts the reset; 'Q' quits. The port buffers writes and requests.
 //
-// The protocol has no output enables, cannot drive TDO, and can read no other pin. Its answers have
-// no numbers, so a surplus answer would be taken for the answer to a later request. It therefore
-// causes an IoError. A server that has a client can only close the connection of a second client.
+// The protocol has no output enables, and can read only TDO. Write throws Unsupported if it would
+// drive TDO high. A surplus answer causes an IoError, because it would be taken for the answer to a
+// later request. A server that has a client closes any second connection.
 class BitbangPort : public PinPort {
  public:
   enum class Manner {

@@ -28,7 +28,7 @@ class PinPort {
   // collected all samples.
   virtual void Flush() {}
   // Returns the pins (GPIO_PIN_ bits) whose levels Read takes from the wires. For the other pins,
-  // Read returns what the probe drives.
+  // Read returns the levels that the probe drives.
   virtual int ReportedPins() const { return GPIO_PIN_ALL; }
   // Returns the length of the target's IR in bits, if the port knows it.
   virtual std::optional<int> IrLength() const { return std::nullopt; }

@@ -33,7 +33,7 @@ class Probe {
   virtual bool ResetTapBeforeScan() { return false; }
 
   // Returns the pins (GPIO_PIN_ bits) whose levels Gpio reads from the wires. For the other pins,
-  // Gpio returns what the probe drives.
+  // Gpio returns the levels that the probe drives.
   virtual int ReportedPins() const { return GPIO_PIN_ALL; }
   // Returns whether Execute stores the captured IR.
   virtual bool CapturesIr() const { return true; }

@@ -84,7 +84,7 @@ class SimPort : public PinPort {
 
   std::vector<Target> taps_;  // the first is the nearest to TDO
   std::size_t tap_;           // the index of the target
-  int wires_ = GPIO_PIN_ALL;  // levels without the target's TDO; at first, nothing is enabled
+  int wires_ = GPIO_PIN_ALL;  // the levels on the wires, without the target's TDO
   int enables_ = 0;
   Bits samples_;
 };

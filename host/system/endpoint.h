@@ -17,7 +17,7 @@ struct Endpoint {
   std::string Name() const;
 };
 
-// Parses a text in the form of Name. Throws std::invalid_argument, which says what is expected.
+// Parses a text as Name returns it. Throws std::invalid_argument, which says what is expected.
 Endpoint ParseEndpoint(std::string_view text);
 
 }  // namespace icehost

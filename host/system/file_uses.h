@@ -14,7 +14,7 @@ namespace icehost {
 // of their paths, so links make no difference.
 class FileUses {
  public:
-  // Registers the command's inputs: `scripts` ("-" is standard input), and `plugin` unless empty.
+  // Registers the command's inputs: `scripts` ("-" is standard input) and `plugin` (may be empty).
   explicit FileUses(const std::vector<std::string>& scripts = {}, const std::string& plugin = "");
 
   // Registers the file that `option` writes. The file must not be begun yet. Throws BadUsage if it

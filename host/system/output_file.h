@@ -15,9 +15,9 @@
 namespace icehost {
 
 // A file that icehost writes, or standard output ("-"). Writes to an existing file in place, so
-// that other programs can follow it and the file keeps its links, owner and mode. A file that is
-// never begun keeps its content, or is removed if it did not exist. After Begin, the file contains
-// everything that was flushed. Nothing is ever removed from standard output.
+// that other programs can follow it and the file keeps its links, owner and mode. If Begin is never
+// called, an existing file keeps its content, and a new file is removed. After Begin, the file
+// contains everything that was flushed. Nothing is ever removed from standard output.
 class OutputFile {
  public:
   // The part of an incomplete file that is kept: all whole lines, or nothing.
@@ -70,14 +70,14 @@ class OutputFile {
 
   // Returns the errno that explains why the file is incomplete, or 0.
   int Error() const;
-  // Removes the file if it did not exist and was not begun.
+  // Removes the file if the constructor created it and it was not begun.
   void RemoveUnbegun();
   void CutUnfinished() const;
   void Fail(int error);
 
   std::string path_;
   Rest rest_;
-  std::string created_;  // the path of the file, if it did not exist
+  std::string created_;  // the path of the file if the constructor created it
   bool begun_ = false;
   bool incomplete_ = false;
   bool reported_ = false;

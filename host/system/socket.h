@@ -27,7 +27,8 @@ class Socket {
   // How long to wait for surplus answers after the last expected answer.
   static constexpr Timeout kStragglers{10};
 
-  // Connects. Calls `again`, which may throw, after each failed attempt; if it is null, tries once.
+  // Connects. After each failed attempt, calls `again`, which throws to give up, and tries again.
+  // If `again` is null, tries only once.
   static Socket Connect(const Endpoint& endpoint, Timeout timeout,
                         const std::function<void()>& again = nullptr);
   // Returns whether a server accepts connections at `endpoint`. Makes a connection to find out.

@@ -22,12 +22,12 @@ class SpawnedCommand {
   SpawnedCommand(const SpawnedCommand&) = delete;
   SpawnedCommand& operator=(const SpawnedCommand&) = delete;
 
-  // Makes Start begin `log` and write the command's output to it. Without this call, only the end
-  // of the output is kept, in memory.
+  // Makes Start begin `log`, which must exist until then, and send the command's output to it.
+  // Without this call, only the end of the output is kept, in memory.
   void LogTo(OutputFile& log) { log_ = &log; }
   // Starts the command with /bin/sh and an empty standard input. Throws IoError.
   void Start();
-  // Returns whether the command has ended by itself, so that its group has no process left.
+  // Returns whether the command has ended by itself and left no process in its group.
   bool HasEnded();
   // Ends the process group with SIGTERM, and two seconds later with SIGKILL, and waits for its end.
   // If `failed`, shows the end of the output. If processes may remain, reports this and returns

@@ -39,7 +39,6 @@ struct OutputKind {
 
 const std::vector<OutputKind>& OutputKinds();
 
-// An output that the user asked for.
 struct OutputRequest {
   const OutputKind* kind;
   std::optional<std::string> path;  // "-": standard output; nothing: standard error

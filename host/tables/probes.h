@@ -20,8 +20,8 @@ namespace icehost {
 
 struct ProbeOptions;
 
-// A row of the table. The functions that open a probe or read its chain connect to the probe if it
-// is across a network. They may throw IoError.
+// A row of the table. For a probe across a network, the functions that open it or read its chain
+// start the command of --spawn, if any, and connect. They may throw IoError and Interrupted.
 struct ProbeKind {
   using OpenPins = std::unique_ptr<PinPort> (*)(const ProbeOptions& options);
 

@@ -19,7 +19,7 @@ struct ChainPlace {
   std::vector<int> ir_lengths;  // of all TAPs, in bits; if empty, the TAP is treated as alone
   std::size_t tap = 0;          // the index of the TAP, from 0
 
-  // Return the number of bits that a scan shifts before and after those of this TAP.
+  // Return the number of bits that a scan shifts before and after this TAP's bits.
   std::size_t Before(TapColumn column) const;
   std::size_t After(TapColumn column) const;
   // Returns the bits to shift through the whole chain so that this TAP receives `own`. The other

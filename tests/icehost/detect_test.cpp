@@ -27,7 +27,7 @@ struct TapKind {
   int ir_bits;
   std::optional<std::uint32_t> idcode;
   std::uint64_t captured_ir = 1;
-  std::size_t bypass_bits = 1;  // a broken TAP has another number
+  std::size_t bypass_bits = 1;  // a broken TAP has a different number
 };
 
 // A TAP of IEEE 1149.1 with BYPASS and, if it has an IDCODE, with instruction 1 for the IDCODE. It
@@ -163,7 +163,7 @@ std::string Told(const Chain& chain) {
 const ChainPort::Fault kStuckLow = [](bool, int) { return false; };
 const ChainPort::Fault kStuckHigh = [](bool, int) { return true; };
 const ChainPort::Fault kInverted = [](bool tdo, int) { return !tdo; };
-// After this many samples TDO is high.
+// TDO is high from sample number `samples` on.
 ChainPort::Fault LostAfter(int samples) {
   return [=](bool tdo, int sample) { return tdo || sample >= samples; };
 }
@@ -174,7 +174,7 @@ bool Floats(bool /*tdo*/, int sample) {
   return (static_cast<unsigned>(sample) * 2654435761U >> 13 & 1) != 0;
 }
 
-// Samples in one reading of the IDCODEs or the IRs of up to four TAPs. Each is read twice.
+// Samples in one reading of up to four TAPs. The IDCODEs are read twice, then the IRs twice.
 constexpr int kOfIdcodes = 4 * 32 + 64;
 constexpr int kOfIrs = 256 + 64;
 

@@ -26,7 +26,7 @@ def kinds_of(value):
 
 
 def check_lines(what, lines):
-    """Each line matches one kind, but none after a key is added or the first key is removed."""
+    """Each line matches exactly one kind, and none if a key is added or the first is removed."""
     for line in lines:
         if line in seen:
             continue
@@ -38,7 +38,7 @@ def check_lines(what, lines):
         if len(kinds) != 1:
             failures.append(f"{what}: {kinds}: {line}")
         if kinds_of({**value, "unknown": 1}) or kinds_of(dict(list(value.items())[1:])):
-            failures.append(f"{what}: the schema takes anything for {line}")
+            failures.append(f"{what}: the schema accepts anything for {line}")
 
 
 def run(*arguments, script=""):

@@ -79,13 +79,13 @@ def check_head_and_failure():
     why = ("[READ_IDCODE] expected 0x1ce51001, captured 0x39ca2003 (mask 0x0fffffff)"
            ": bits 1, 12-13, 16-19, 21 and 2 more are wrong")
     expect("at its line", texts(".mark"), [why])
-    expect("behind its row", texts(".note.error")[0], f"line 12: {why}")
+    expect("after its row", texts(".note.error")[0], f"line 12: {why}")
     show("--keep-going", "-", script="[ZEVA_ICE_GPIO]\nSTART\nREPT=3\n"
          "PRINT=GPIO_IN # expect TCK=0\nTCK=1\nENDR\nEND\n")
     expect("some of its times", texts(".line")[1:5],
            ["2okSTART", "3REPT=3", "4NOT MET \u00d72PRINT=GPIO_IN # expect TCK=0",
             "5ok \u00d73TCK=1"])
-    expect("told once", [text.split(": ")[1] for text in texts(".mark.error")], ["TCK is 1 \u00d72"])
+    expect("shown once", [text.split(": ")[1] for text in texts(".mark.error")], ["TCK is 1 \u00d72"])
     show("-", script="[CONTROL]\nCDI=5\n")
     expect("without pins", (texts("#notes li"), js("return document.querySelector('#wave').hidden")),
            (["No waveform: the probe gives no access to pins, or no pin was driven"], True))
@@ -104,7 +104,7 @@ def check_problems():
     """Problems that check finds follow their lines. A page of a faulty script needs --force."""
     os.unlink(PAGE)
     expect("with errors", run("tests/scripts/bad.ini"), 1)
-    expect("a page of nothing", os.path.exists(PAGE), False)
+    expect("a page without a run", os.path.exists(PAGE), False)
     show("--force", "tests/scripts/bad.ini", "examples/reset.ini")
     expect("the rest", texts("#entries dd")[-1], "examples/reset.ini")
     # The page shows the problem of an empty script after the end of the script.
@@ -266,8 +266,8 @@ def check_moves():
 
 
 def check_outline():
-    """Compares the elements of a page, without values that differ between runs. The page is cut,
-    one line has more errors than are shown, and one error is after the end of the script."""
+    """Compares the elements of a cut page, except for values that differ between runs. One line has
+    more errors than are shown, and one error is after the end of the script."""
     arguments, script = PAGES["failing"]
     run(*arguments, script=script)
     page = re.sub(r'("total_\w+":)(\d+)', lambda total: f"{total[1]}{int(total[2]) + 2}", read(PAGE))

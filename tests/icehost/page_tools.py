@@ -138,7 +138,7 @@ MANY = ("[ZEVA_ICE_GPIO]\nSTART\nGPIO_OE=0x1F # (Begin.*)\nREPT=600\nTCK=1\n"
 
 
 def check_search():
-    """Enter shows the next match, and the first after the last. Most are not yet in the page."""
+    """After the last match, Enter shows the first. Most matches are not yet in the page."""
     run("--keep-going", "examples/read_idcode.ini", "-", script=MANY)
     open_page()
     reads = [f"GPIO_DATA_{number} = 0x000000" for number in range(601)]

@@ -33,8 +33,8 @@ struct Played {
   bool open;
 };
 
-// Plays the bytes as a whole, and split at each byte. A write is LEVELS/ENABLES: NRST is 1, TRST 2,
-// TCK 4, TMS 8, TDI 10. TDO is never driven. Other pins are driven only after they have been set.
+// Plays the bytes as a whole, and split at each byte. A write is LEVELS/ENABLES, as GPIO_PIN_ bits
+// in hexadecimal. TDO is never driven. Other pins are driven only after they have been set.
 template <class Session>
 void ExpectPlayed(const std::vector<Played>& sessions) {
   for (const Played& test : sessions) {

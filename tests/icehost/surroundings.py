@@ -330,7 +330,7 @@ def check_ignored_signals():
         time.sleep(0.3)
         process.send_signal(number)
     time.sleep(0.3)
-    expect("ends by an ignored signal", process.poll(), None)
+    expect("ended by an ignored signal", process.poll(), None)
     process.terminate()
     expect("ends", process.wait(20), 130)
 
@@ -346,7 +346,7 @@ def check_half_a_script():
 
 
 def check_terminal():
-    """On a terminal icehost shows and erases progress, and quotes no control characters."""
+    """On a terminal icehost shows and erases progress, and replaces control characters."""
     terminal = ["timeout", "-k", "1", "30", "script", "/dev/null", "-qec"]
     write("nested.gpio", "[ZEVA_ICE_GPIO]\nSTART\nGPIO_OE=0x1F\n" + "REPT=2000000000\n" * 3 +
           "TCK=1\n" + "ENDR\n" * 3 + "END\n")

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs a build, moves the installed files to its folder `installed`, where other tests use them,
-# and compares the list of files. usage: install.sh BUILD_FOLDER SOURCE_FOLDER
+# Installs a build, moves the files to its folder `installed`, where other tests use them, and
+# compares the list of files with a golden file. usage: install.sh BUILD_FOLDER SOURCE_FOLDER
 set -euo pipefail
 cd "$1"
 rm -rf installing installed

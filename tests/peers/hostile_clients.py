@@ -80,7 +80,7 @@ def check_passing_on():
     expect("answers", ask(first, b"Bbx0tR\n0447Q"), "1")
     expect("after Q", first.recv(1), b"")
     second = serve.client()
-    # The first client left the pins at the levels of 7, so the first byte changes nothing.
+    # The last write of the first client was also 7, so this 7 changes nothing.
     expect("answers", ask(second, b"7rsRutR06R"), "111")
     second.close()
     status, said = serve.end()
@@ -309,10 +309,10 @@ def check_door():
     """serve replaces a socket only if its server has ended, and removes only its own socket."""
     in_use = "icehost: unix:door: cannot listen: Address already in use\n"
     for name, kind, backlog, clients in [
-        ("between bind and listen", socket.SOCK_STREAM, None, 0),
+        ("does not listen yet", socket.SOCK_STREAM, None, 0),
         ("listens", socket.SOCK_STREAM, 5, 0),
         ("has a full queue", socket.SOCK_STREAM, 0, 1),
-        ("takes datagrams", socket.SOCK_DGRAM, None, 0),
+        ("accepts datagrams", socket.SOCK_DGRAM, None, 0),
     ]:
         with socket.socket(socket.AF_UNIX, kind) as owner, socket.socket(socket.AF_UNIX) as client:
             owner.bind("door")
@@ -328,13 +328,13 @@ def check_door():
                     admitted += 1
             except BlockingIOError:
                 pass
-            expect(f"clients of one that {name}", admitted, clients)
+            expect(f"clients of a server that {name}", admitted, clients)
         # The owner has ended now.
         serve = Serve(endpoint="unix:door")
         os.remove("door")
         other = Serve(endpoint="unix:door")
         expect("ends", serve.end(), (0, ""))
-        expect("the socket of another", refused(), in_use)
+        expect("the socket of another server", refused(), in_use)
         expect("ends", other.end(), (0, ""))
         expect("its own socket", os.path.exists("door"), False)
     write("door", "a file\n")

@@ -92,8 +92,8 @@ Server Once(const std::string& answer) {
   };
 }
 
-// Answers the command getinfo: with `info`, and other commands like a server of the simulated
-// target, followed by `after`. Closes the connection if a shift has more bytes than `info` allows.
+// Answers `getinfo:` with `info`. Answers other commands as a server of the simulated target does,
+// and adds `after`. Closes the connection if a shift has more bytes than `info` allows.
 Server Xvc(const std::string& info, const std::string& after = "") {
   return [=](tcp::socket& client) {
     const std::size_t most = std::strtoul(&info[info.find(':') + 1], nullptr, 10);
@@ -109,8 +109,8 @@ Server Xvc(const std::string& info, const std::string& after = "") {
   };
 }
 
-// Answers getinfo: correctly and the next commands with `answers`, then closes. Sends the
-// answer "+" as a separate packet without waiting for a command.
+// Answers `getinfo:` correctly and the next commands with `answers`. Then closes the connection.
+// Sends the answer "+" as a separate packet without waiting for a command.
 Server XvcAnswers(const std::vector<std::string>& answers) {
   return [answers](tcp::socket& client) {
     ReadFrom(client);
@@ -159,7 +159,7 @@ Outcome RunAgainst(const Server& server, const std::string& probe, const std::st
   return outcome;
 }
 
-// A run exits with 0 only if the server answers every question correctly.
+// A run exits with status 0 only if the server answers every question correctly.
 TEST(Servers, EndARunAsTheyShould) {
   const std::string bitbang = "remote-bitbang", xvc = "xvc", openocd = "openocd";
   const std::string idcode = "tests/scripts/idcode.ini", reset = "tests/scripts/reset_only.ini";
@@ -344,7 +344,7 @@ TEST(Servers, EndARunAsTheyShould) {
   }
 }
 
-// The queue of waiting connections is full, so the server does not answer the connect.
+// The queue of waiting connections is full, so the server does not accept the connection.
 TEST(Servers, NeedNotAccept) {
   asio::io_context io;
   tcp::acceptor acceptor(io, tcp::v4());
@@ -359,8 +359,8 @@ TEST(Servers, NeedNotAccept) {
   EXPECT_EQ(outcome.output, "icehost: " + name + ": cannot connect: Connection timed out\n");
 }
 
-// A server may read everything before it answers. If the buffers are too small for the answers,
-// each side then waits for the other forever.
+// icehost must not request more answers at a time than the buffers can contain. Otherwise each side
+// may wait for the other forever.
 TEST(Servers, HaveFewAnswersUnderWay) {
   std::size_t most = 0;
   const LocalServer late([&](tcp::socket& client) {
@@ -393,7 +393,7 @@ TEST(Servers, AreOutOfReachWithoutFiles) {
           RunShell("exec 2>&1; ulimit -n " + std::to_string(files) +
                    "; exec icehost run -q --timeout 0.1 --probe " + probe + " examples/reset.ini");
       const bool no_files = outcome.output.find("Too many open files") != std::string::npos;
-      // On a busy machine even the connect may take too long.
+      // On a busy machine even connecting may take too long.
       const bool waited = outcome.output.find("no answer") != std::string::npos ||
                           outcome.output.find("timed out") != std::string::npos;
       const bool served = probe == "sim" ? outcome.output.empty() : waited;

@@ -30,10 +30,10 @@ for script in examples/read_idcode.ini examples/scratch_register.ini examples/tw
   written "$scratch/played.svf" "$script"
   target
   play "$scratch/played.svf" || fail "OpenOCD on $script"
-  grep -q 'svf file programmed successfully' "$scratch/openocd.log" || fail "no success of $script"
+  grep -q 'svf file programmed successfully' "$scratch/openocd.log" || fail "no success message for $script"
 done
 
-# The player fails on a target with other values than the script read, unless they are masked.
+# The player fails if the target's values differ from those of the run and are not masked.
 written "$scratch/ini.svf" examples/read_idcode.ini
 written "$scratch/gpio.svf" examples/read_idcode.gpio
 target --idcode 2ce51001
@@ -53,7 +53,7 @@ for script in examples/read_idcode.ini examples/scratch_register.ini; do
     fail "$script on OpenOCD"
 done
 written "$scratch/calls.svf" --probe "$probe" examples/reset.ini
-grep -q 'warning: --svf: SVF has no statement for NRST' "$scratch/run.log" || fail "no warning of NRST"
+grep -q 'warning: --svf: SVF has no statement for NRST' "$scratch/run.log" || fail "no warning about NRST"
 grep -qx '! NRST low, NRST high' "$scratch/calls.svf" || fail "no comment on NRST"
 
 # verdict SCRIPT OPTION...: prints the status of a run.

@@ -21,14 +21,14 @@ class FakeHost {
   // The results for each kind of call. The key is the first word, or "query" for
   // LINK_CONFIG_GET_CDI. The n-th call gets the n-th result, or 0 if there is none.
   std::map<std::string, std::vector<int>> results;
-  // The call whose result is `answer`: its number among all calls, from 0, or negative for none.
+  // The number of the call whose result is `answer`, counted from 0. Negative means no call.
   int answered_call = -1;
   int answer = 0;
   // The values that pin reads store, in order. Later reads store nothing.
   std::vector<std::uint32_t> pin_reads;
   // Bytes that each execute copies to the start of the capture buffer.
   std::vector<std::uint8_t> capture;
-  // The message at which the callback throws an int: its number from 0, or negative for none.
+  // The number of the message at which the callback throws an int, counted from 0, or negative.
   int throw_after = -1;
   bool pieces = false;
 

@@ -212,7 +212,7 @@ TEST(JtagScript, ReportsWhatItDoesNotUnderstand) {
       {"[CONTROL]\nX=1", syntax("CONTROL")},
       {"[A%s]\nIR=8\nDR=W,0\n[CONTROL]\nCDI=5", five_wire + syntax("A%s")},
       {"[A]\nIR=8,1\nDR=R", syntax("A")},
-      // For a section without IR or DR, the message is that of the last lookup that failed.
+      // For a section without IR or DR, the message is from the last lookup that failed.
       {"[CONTROL]\nCDI=5\n[A]\nIR=8,1\n[B]\nIR=8,1\nDR=W,0", missing + five_wire + ok},
       {"[CONTROL]\nCDI=5\n[A]\nIR=", missing + five_wire + ok},
       {"[CONTROL]\nRESET=1\n[A]\nIR=", reset + ok},

@@ -114,7 +114,7 @@ TEST(EveryExample, StopsAtTheCallThatFails) {
   for (const std::string& script : Examples()) {
     const std::string whole = FakeHost().RunText(script);
     const Texts calls = Calls(whole);
-    std::size_t done = 0;  // where the call that gets the result ends in `whole`
+    std::size_t done = 0;  // the end of calls[i] in `whole`
     for (std::size_t i = 0; i < calls.size(); ++i) {
       done = whole.find("\n" + calls[i] + "\n", done) + calls[i].size() + 1;
       for (const int result : {INT_MIN, -1, 0, 1, 2, INT_MAX}) {
