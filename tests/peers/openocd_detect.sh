@@ -97,5 +97,14 @@ played measured.txt --probe "$pins" --tap 2
 for file in openocd measured; do
   diff "$scratch/$file.txt" "$scratch/pins.txt" || fail "$file.txt differs from pins.txt"
 done
+# With --strict, the chain must have the TAPs and IR lengths of --chain.
+for place in '4,5,6 --tap 2' '4,5,5 --tap 2' '5,5,5 --tap 2' '10,5 --tap 2'; do
+  "$icehost" run -q --strict --probe "$pins" --chain $place examples/read_idcode.ini || true
+done 2>"$scratch/err.txt"
+refused='examples/read_idcode.ini:11: link_jtag_execute failed: the chain does not match --chain: it has 3 TAPs with 15 IR bits in total
+icehost: examples/read_idcode.ini failed'
+holds err.txt "$refused
+$refused
+$refused"
 kill "$server"
 wait "$server" || true
