@@ -390,7 +390,7 @@ TEST(Detect, NamesManufacturersAsOpenocdDoes) {
     std::snprintf(text, sizeof text, "%08x", idcode);
     names[text] = name.substr(0, name.find(' '));
   }
-  ASSERT_FALSE(names.empty());
+  EXPECT_EQ(names.size(), 44U);
   auto chain = chains.begin();
   const LocalServer server([&](asio::ip::tcp::socket& client) {
     ChainPort port(*chain++);
