@@ -143,7 +143,7 @@ class GpioLines {
   struct Block {
     Place rept;
     int times;
-    long operations = 0;  // the number so far in one pass through the block
+    long operations = 0;  // so far, in one pass through the block
   };
 
   void Refuse(GpioLine& line, std::string_view item);
