@@ -44,7 +44,7 @@ class Serving : private Server::Observer {
   std::string Fault(const std::string& why) const;
   PinPort& Begin();
   std::size_t Steps() const { return recording_.has_value() ? recording_->Steps() : 0; }
-  // Reports to the listeners that serving ended and why (`error`). Sets `error` if memory runs out.
+  // Reports the end to the listeners, with the reason in `error`. Sets `error` if memory runs out.
   PageHead End(std::string& error);
   PageHead Head(const std::string& error) const;
   void EndClient();

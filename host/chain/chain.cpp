@@ -7,7 +7,7 @@
 namespace icehost {
 namespace {
 
-// A reserved code. ChainReader's marker contains it, so the marker is never a valid IDCODE.
+// A reserved manufacturer code. ChainReader's marker contains it, to differ from any IDCODE.
 constexpr unsigned kCodeOfNobody = 0x7F;
 
 // Returns why a value is not a valid IDCODE, or an empty text if it may be valid.

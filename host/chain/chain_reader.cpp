@@ -23,7 +23,7 @@ constexpr std::size_t kLongestIrEach = 64;
 // The maximum number of combinations of IR lengths that a report shows.
 constexpr std::size_t kWaysShown = 4;
 
-// Repeats the marker to fill `bits` bits. A constant TDO cannot be an echo of this pattern.
+// Repeats the marker to fill `bits` bits. A stuck TDO cannot look like an echo of it.
 Bits Markers(std::size_t bits) {
   Bits markers = BitsOfNumber(kMarker, kMarkerBits);
   while (markers.size() < bits) markers.push_back(markers[markers.size() - kMarkerBits]);
@@ -52,7 +52,7 @@ std::size_t TailOf(const Bits& bits) {
 }
 
 // Returns up to `most` combinations of IR lengths that fit the `captured` bits of `taps` TAPs. In
-// each, the TAP nearest to TDO is first. In IEEE 1149.1, each captured IR begins with 1 and 0.
+// each, the TAP nearest to TDO is first. IEEE 1149.1 requires each IR to shift out 1 and then 0.
 std::vector<std::vector<int>> IrLengths(const Bits& captured, std::size_t taps, std::size_t most) {
   std::vector<int> beginnings;
   for (std::size_t i = 0; i + 1 < captured.size(); ++i) {

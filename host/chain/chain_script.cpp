@@ -90,7 +90,7 @@ std::string Script::BypassSection() const {
                              {Between(taps, pattern, 0), mask});
 }
 
-// The other TAPs stay in BYPASS, so users only have to fill in the instruction.
+// Every TAP stays in BYPASS until users fill in the IDCODE instruction of TAP `i`.
 std::string Script::IdcodeSection(std::size_t i) const {
   std::size_t before = 0;
   std::size_t after = 0;

@@ -80,8 +80,8 @@ class GpioPins {
     idle_.erase(std::remove_if(idle_.begin(), idle_.end(), reaches), idle_.end());
   }
 
-  // GPIO_OUT sets all pins, even if the script's author means only some. So the pins that it raises
-  // count as idle only if the line changes no enabled pin.
+  // GPIO_OUT sets all pins, even if the script's author means only some. So the disabled pins that
+  // it sets high are recorded only if the line changes no enabled pin.
   void SetIdle(GpioLine& line, int named, int changed) {
     int known = 0;
     for (const Idle& idle : idle_) known |= idle.pins;
@@ -120,7 +120,7 @@ class GpioPins {
   int levels_ = 0;
   int enables_ = GPIO_PIN_ALL;       // the pins that are enabled now
   bool tdo_reported_ = false;        // whether TDO was reported since it was last enabled
-  std::array<int, 6> enabled_at_{};  // the last line that enables each pin
+  std::array<int, 6> enabled_at_{};  // the last line that enabled each pin
   std::vector<Idle> idle_;
 };
 
@@ -143,7 +143,7 @@ class GpioLines {
   struct Block {
     Place rept;
     int times;
-    long operations = 0;  // the number so far in one pass through the block
+    long operations = 0;  // so far, in one pass through the block
   };
 
   void Refuse(GpioLine& line, std::string_view item);

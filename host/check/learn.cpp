@@ -23,7 +23,7 @@ namespace {
 using Of = Expectation::Of;
 using Texts = std::vector<std::string_view>;
 
-// A number in a comment is a register value only with "0x" or at least this many digits.
+// A number in a comment counts as a register value if it has "0x" or at least this many digits.
 constexpr std::size_t kFewestBareDigits = 4;
 
 Texts SplitAtCommas(std::string_view text) {

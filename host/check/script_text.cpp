@@ -21,7 +21,7 @@ bool IsTooLong(std::string_view raw) {
   return raw.size() >= icescript::INI_LINE_BUFFER;
 }
 
-// Cuts and trims a line as the plug-in does.
+// Returns the text that the plug-in reads from a line, without its comment and outer blanks.
 std::string_view TextOf(std::string_view raw) {
   const std::string_view cut = raw.substr(0, std::min(raw.find('#'), raw.find('\0')));
   return icescript::TrimBlanks(icescript::TrimRight(cut, ' '));

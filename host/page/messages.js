@@ -1,4 +1,4 @@
-// Hides the messages of operations, which only repeat the rows, until the reader asks for them.
+// Hides the messages of operations until the reader asks for them. They only repeat the rows.
 class Messages {
   // `onChange` must update the list.
   constructor(button, list, onChange) {

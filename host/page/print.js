@@ -30,7 +30,7 @@ class Paper {
     }).join("  ").trimEnd());
   }
 
-  // Joins unstyled items of one line, because browsers lay out text much faster than elements.
+  // Adds unstyled one-line items as plain text, which browsers lay out much faster than elements.
   addText(name, head, items) {
     const table = document.createElement("table");
     if (head !== "") table.createTHead().insertRow().append(make("th", "", head));

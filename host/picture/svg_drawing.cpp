@@ -282,7 +282,7 @@ void Drawing::DrawLane(const Lane& lane, int y) {
   Print("</g>\n<g {} text-anchor=\"middle\" pointer-events=\"none\">\n{}</g>\n", kInk, texts);
 }
 
-// Draws a segment with pointed ends. If it continues in another band, the end there is straight.
+// Draws a segment. Its ends are pointed, but an end that continues in another band is straight.
 void Drawing::DrawShape(const SvgSegment& segment, StepRange piece, int y) {
   const int left = X(piece.begin);
   const int right = X(piece.end);

@@ -17,7 +17,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// The server reads at most this many bytes before it sends their answers, to limit its buffers.
+// The server reads at most this many bytes before it answers them, to limit its buffers.
 constexpr std::size_t kReadAtOnce = 4096;
 // The interval between checks of a port that nobody uses.
 constexpr std::chrono::seconds kLookAtPort{1};
@@ -139,8 +139,8 @@ void Server::Accept() {
       });
 }
 
-// Does one thing, or returns false if there is nothing to do. Decides about a new client only after
-// all events of the current client, because one of them may be that the current client has left.
+// Handles one event, or returns false if there is none. Handles a new client only after all events
+// of the current client, because one of these may report that the current client has left.
 bool Server::Work() {
   if (client_ != nullptr && client_->received > 0) {
     Answer();

@@ -22,7 +22,7 @@ Target::Target(const TargetOptions& options)
 
 void Target::RaiseTck(bool tms, bool tdi) {
   if (state_ == TapState::kCaptureDr) Capture(CapturedDr());
-  // In IEEE 1149.1, a captured IR ends in 01.
+  // In IEEE 1149.1, the lowest bits of a captured IR are 01.
   if (state_ == TapState::kCaptureIr) Capture(BitsOfNumber(0x01, options_.ir_length));
   if (IsShifting()) {
     shift_[first_] = tdi;

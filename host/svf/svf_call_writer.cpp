@@ -39,7 +39,7 @@ void SvfCallWriter::OnCall(const CallEvent& call) {
   }
 }
 
-// A scan is written even if the values that it read made it fail.
+// Writes a scan even if its call failed because of the captured values.
 void SvfCallWriter::OnScan(const CallEvent& call, const Scan& scan) {
   const Bits ir = SentBits(scan.ir);
   const Bits dr = SentBits(scan.dr);

@@ -229,7 +229,7 @@ void SvfPinWriter::WriteScan(const char* end) {
   ScanStatement(held.scan);
 }
 
-// Writes a comment with the place of an operation, unless the last one was for this operation.
+// Writes a comment with the place of an operation, unless this place was the last one written.
 void SvfPinWriter::Locate(const Operation& operation, int last_line) {
   if (std::exchange(located_, operation.number) != operation.number) {
     CommentOnPlace(*operation.path, operation.source, last_line);

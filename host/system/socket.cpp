@@ -172,7 +172,7 @@ bool Socket::HasEnded() {
 }
 
 // Without this option, a server that uses Nagle's algorithm waits up to 40 ms between its answers.
-// Sent bytes also carry acknowledgements, so only waits need the option. The system soon resets it.
+// Sent bytes also carry acknowledgements, so only a wait needs it. The system soon resets it.
 void Socket::AcknowledgeNow() {
   if (std::exchange(acknowledged_, true)) return;
   const int on = 1;

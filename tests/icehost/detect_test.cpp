@@ -301,7 +301,7 @@ TEST(Detect, WritesNoJtagScriptOfALongChain) {
   }
 }
 
-// Tests combinations of messages and of the table that OpenOCD 0.12 prints.
+// Tests combinations of the messages and the table that OpenOCD 0.12 prints.
 TEST(Detect, TakesOpenocdsWord) {
   const std::string head =
       "   TapName             Enabled  IdCode     Expected   IrLen IrCap IrMask\n"
@@ -375,7 +375,7 @@ TEST(Detect, NamesManufacturers) {
   }
 }
 
-// Compares the names with those in OpenOCD's own table.
+// Compares the names of manufacturers with the names that OpenOCD prints.
 TEST(Detect, NamesManufacturersAsOpenocdDoes) {
   std::map<std::string, std::string> names;  // by IDCODE
   std::vector<Taps> chains;

@@ -26,7 +26,7 @@ def kinds_of(value):
 
 
 def check_lines(what, lines):
-    """Each line matches exactly one kind, and none if a key is added or the first is removed."""
+    """A line matches exactly one kind. With an extra key or without the first, it matches none."""
     for line in lines:
         if line in seen:
             continue
@@ -103,7 +103,7 @@ def check_times():
 
 
 def check_manual():
-    """Checks the lines of check and serve. The manual shows the lines of a run without times."""
+    """Checks the lines of check and serve. The lines of a run have no times in the manual."""
     lines = re.findall(r"^\{.*", read("docs/json.md").split("## A check")[1], re.MULTILINE)
     check_lines("the manual", lines)
 

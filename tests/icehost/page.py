@@ -154,7 +154,7 @@ def check_picking():
     click_wave(canvas, (begin + end) // 2)
     expect("from the waveform", ("[READ_BACK]" in picked()[1], picked()[0]), (True, "11"))
     expect("address", browser.current_url.split("#")[1], "line-11")
-    # Another click on a line of a block selects the next run of that line.
+    # Each click on a line of a block selects the next operation of that line.
     for times in range(2):
         click(".text", "TCK=1                       # the target captures the register, "
               "from then on it shifts")

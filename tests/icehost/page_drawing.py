@@ -113,7 +113,7 @@ class Picture:
         return in_sight(self.calls, self.width)
 
     def ruler(self):
-        """Draws marks at least 90 pixels apart. Their distance is 1, 2 or 5 * 10^n steps."""
+        """Draws marks at least 90 pixels apart. The distance is 1, 2 or 5 times a power of ten."""
         powers = (digit * 10 ** power for power in range(7) for digit in (1, 2, 5))
         apart = next(steps for steps in powers if steps * self.scale >= 90)
         end = min(len(self.steps), math.ceil(self.start + self.room / self.scale) + 1)

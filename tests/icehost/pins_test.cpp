@@ -33,7 +33,7 @@ struct Played {
   bool open;
 };
 
-// Plays the bytes as a whole, and split at each byte. A write is LEVELS/ENABLES, as GPIO_PIN_ bits
+// Plays the bytes as a whole, and split at each byte. `writes` lists LEVELS/ENABLES of each write,
 // in hexadecimal. TDO is never driven. Other pins are driven only after they have been set.
 template <class Session>
 void ExpectPlayed(const std::vector<Played>& sessions) {

@@ -95,7 +95,7 @@ def check_commands():
 
 
 def check_lacks():
-    """If the system lacks something, icehost reports this, not a fault of the script."""
+    """Without enough descriptors or /proc, icehost reports this, not a fault of the script."""
     write("id.svf", SVF)
     for files in range(4, 12):
         for arguments in (f"run -q {SCRIPT}", f"check {SCRIPT}", "import id.svf", "detect"):

@@ -22,8 +22,8 @@ std::string Lines(const std::string& text, const std::string& first = "") {
 }
 
 // Returns a GPIO script with TCK cycles from Test-Logic-Reset on. 0 and 1 are cycles with this TMS,
-// and i is a 0 with TDI high. r reads the pins while TCK is low in the next cycle, and h reads them
-// while TCK is high after a cycle. {LINE} is any other line. Blanks are ignored.
+// and i is a 0 with TDI high. r reads the pins in the next cycle, before TCK rises. h reads them
+// after the previous cycle, while TCK is high. {LINE} is any other line. Blanks are ignored.
 std::string Walk(const std::string& edges) {
   std::string script = "[ZEVA_ICE_GPIO]\nSTART\nGPIO_OE=0x1f\nNRST=1\nTRST=1\n";
   bool read_low = false;
@@ -68,7 +68,7 @@ TEST(Svf, SaysWhatTheTapDoes) {
     std::string told;
     std::string statements;
   } kWalks[] = {
-      // After the reset the DR is the IDCODE, 0x..01. TDO and MASK contain only the bits read.
+      // After the reset, DR contains the IDCODE, 0x..01. TDO and MASK contain only the bits read.
       {"0100 r0r0r0r1 10", "", "SDR 4 TDI (0) TDO (1) MASK (F);\n"},
       {"0100 0hi0r1 10001", "",
        "SDR 4 TDI (2) TDO (1) MASK (9);\nRUNTEST IDLE 2 TCK ENDSTATE IDLE;\n"},

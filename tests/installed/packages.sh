@@ -31,7 +31,7 @@ export DEBIAN_FRONTEND=noninteractive
 found=$(ours)
 [ -z "$found" ] || { say "already installed: $found"; exit 1; }
 trap 'rm -rf "$scratch"; apt-get purge -y icescript icescript-dev >/dev/null 2>&1 || true' EXIT
-# The command of README.md, with -y.
+# The command in README.md, with -y added.
 cd build/package
 quietly apt-get install ./icescript_*_amd64.deb -y
 quietly apt-get install ./icescript-dev_*_amd64.deb -y

@@ -39,8 +39,8 @@ Server Answering(Answer answer) {
 
 const Server kSilent = Answering([](const std::string&) { return ""; });
 
-// Sends `before`, then serves the simulated target, and sends `after` together with the last
-// sample. Ignores the bytes in `ignored`.
+// Sends `before`, then serves the simulated target. If the bytes of a read end in a sample, adds
+// `after` to their answers. Ignores the bytes in `ignored`.
 Server Target(const std::string& before, const std::string& after,
               const std::string& ignored = "") {
   return [=](tcp::socket& client) {

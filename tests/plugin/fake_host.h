@@ -28,7 +28,7 @@ class FakeHost {
   std::vector<std::uint32_t> pin_reads;
   // Bytes that each execute copies to the start of the capture buffer.
   std::vector<std::uint8_t> capture;
-  // The number of the message at which the callback throws an int, counted from 0, or negative.
+  // The index of the message at which the callback throws an int. Negative means never.
   int throw_after = -1;
   bool pieces = false;
 

@@ -47,7 +47,7 @@ TEST(HostileScript, IsRunOrRefused) {
       {kGpio + Times(200, "REPT=9\n") + "END", "\"syntax error: rept & endr not match.\"\n= -1\n"},
       {kGpio + std::string("TCK=1\0junk\nEND", 14), "gpio 04 3f 10\n\"" + kEnd + "= 0\n"},
       {kGpio + "\x80\xFF\nEND", "\"Syntax error in line3 : \x80\xFF\"\n= -1\n"},
-      {kGpio + "TCK=1\rEND\r", no_end},  // this is one line, whose number ends at "\r"
+      {kGpio + "TCK=1\rEND\r", no_end},  // this is one line, and its value ends at "\r"
       // Sections without values are ignored.
       {Sections(100000, "\n"), "Script.\\n" + kEnd + "= 0\n"},
       // Lookups are linear, so ten times as many names would take a hundred times as long.
