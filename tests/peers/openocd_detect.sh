@@ -87,6 +87,10 @@ played() {
 played openocd.txt --probe "$probe:b.tap"
 detect 3 --probe "$probe:x.tap"
 holds err.txt 'icehost: OpenOCD has no TAP "x.tap": expected a.tap, b.tap, c.tap'
+detect 1 -q --script --probe "$probe"
+holds err.txt 'icehost: cannot write a script, because OpenOCD has several TAPs: name one in --probe (a.tap, b.tap, c.tap)'
+detect 0 -q --script --probe "$probe:b.tap"
+grep -qx 'IR=5,0x1f' "$scratch/out.txt" || fail "no script for the TAP"
 stop_openocd
 detect 0 --probe "$pins"
 [ "$declared" = "$(idcodes)" ] || fail "OpenOCD and the pins have different IDCODEs"
