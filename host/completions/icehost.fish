@@ -57,7 +57,7 @@ __icehost_option 'run check import' -l size-limit -x -d 'Maximum size of a file 
 __icehost_option 'run detect serve' -l probe -x -a '(__icehost_probes)' -d 'The probe to use'
 __icehost_option 'run detect serve' -l timeout -x -d 'Seconds to wait for answers (5)'
 __icehost_option 'run detect serve' -l spawn -r -F -d "Start the probe's server with a command"
-__icehost_option 'run detect serve' -l spawn-log -r -F -d 'Write the output of that command'
+__icehost_option 'run detect serve' -l spawn-log -r -F -d 'Write the output of the --spawn command'
 __icehost_option 'run detect serve' -l chain -x -d 'IR lengths of all TAPs'
 __icehost_option 'run detect serve' -l tap -x -d 'The number of the TAP to address, from 1'
 __icehost_option 'run detect serve' -l ir-length -x -d 'Length of the simulated IR, 2 to 32 (5)'
@@ -82,7 +82,7 @@ __icehost_option run -l svf -r -F -d 'Write the operations in the Serial Vector 
 __icehost_option run -l junit -r -F -d 'Write the results as JUnit XML'
 __icehost_option run -l learn -r -F -d 'Write a copy of the script that expects the values read'
 
-__icehost_option detect -l script -x -a 'jtag gpio' -d 'Write the beginning of a script'
+__icehost_option detect -l script -x -a 'jtag gpio' -d 'Write a script for the chain'
 __icehost_option import -l script -x -a 'jtag gpio' -d 'The kind of script to write'
 __icehost_option import -l tck-hz -x -d 'The highest TCK rate of the probe in Hz'
 __icehost_option import -l all -d 'Report every problem, instead of grouping identical ones'

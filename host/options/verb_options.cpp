@@ -263,8 +263,8 @@ CLI::App& AddVerb(CLI::App& app, RunCommand& run) {
   AddProbe(verb, run.probe, ProbeHelp(), kChainGroup);
   verb.add_flag(
       "--strict", run.strict,
-      "Treat warnings as failures; also fail if a captured IR does not end in 01, or if\n"
-      "the chain does not match --chain or the IR lengths in the script (except with OpenOCD)");
+      "Treat warnings as failures; except with OpenOCD, also fail if a captured IR does not end\n"
+      "in 01, or if the chain does not match --chain or the IR lengths in the script");
   verb.add_flag(
       "--force", run.force,
       "Also run scripts with errors, as the plug-in reads them; they still count as failed");
@@ -306,8 +306,8 @@ CLI::App& AddVerb(CLI::App& app, DetectCommand& detect) {
   CLI::App& verb = NewVerb(app, "detect", "List the TAPs on a probe", detect.quiet);
   AddProbe(verb, detect.probe, ProbeHelp());
   AddParsed(verb, "--script", "[KIND]",
-            "Write the beginning of a script, jtag (the default) or gpio, to standard\n"
-            "output; the report then goes to standard error",
+            "Write a script for the chain, jtag (the default) or gpio, to standard output;\n"
+            "the report then goes to standard error",
             [&detect](const std::string& text) { detect.script = ParseScriptKind(text); })
       ->expected(0, 1);
   verb.final_callback([&verb, &detect] { CompleteDetect(verb, detect); });

@@ -217,7 +217,7 @@ void Drawing::Draw() {
   Print(
       "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"{0}\" height=\"{1}\" "
       "viewBox=\"0 0 {0} {1}\" role=\"img\" font-family=\"monospace\" font-size=\"10\">\n"
-      "<title>Pins of the probe, one step is 1 us</title>\n{2}"
+      "<title>Pins of the probe (one step is 1 us)</title>\n{2}"
       "<rect {3} width=\"{0}\" height=\"{1}\"/>\n",
       width, height, kDarkStyle, kPage);
   int top = kTop;

@@ -16,7 +16,7 @@ constexpr int kIrCaptureBits = 8 * kDrCaptureByte;
 std::string WhyNoIr(const Bits& captured) {
   if (captured.size() < 2 || (captured[0] && !captured[1])) return "";
   const auto ones = std::count(captured.begin(), captured.end(), true);
-  const char* why = "the IR has another length, or the chain has other TAPs";
+  const char* why = "the IR length is wrong, or the chain has other TAPs";
   if (ones == 0) why = "all zeros: TDO is shorted, or the target is held in reset";
   if (ones == static_cast<std::ptrdiff_t>(captured.size())) {
     why = "all ones: the target is not powered or not connected";

@@ -25,8 +25,8 @@ constexpr double kMostIdleCycles = 16;
 constexpr double kMostIdleSeconds = 1e-5;
 
 constexpr const char* kWait =
-    "a JTAG script cannot wait, and icehost leaves out only waits of up to 16 TCK cycles and 10 us "
-    "between two scans";
+    "a JTAG script cannot wait, and the waits between these scans are too long to leave out (more "
+    "than 16 TCK cycles or 10 us)";
 
 constexpr const char* kEndState = "in a JTAG script, every scan begins and ends in Run-Test/Idle";
 

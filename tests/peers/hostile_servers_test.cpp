@@ -179,7 +179,7 @@ TEST(Servers, EndARunAsTheyShould) {
   const std::string gone = "SERVER: OpenOCD closed the connection";
   const std::string no_ir = "the captured IR does not end in 01 (";
   const std::string zeros = no_ir + "all zeros: TDO is shorted, or the target is held in reset)";
-  const std::string other = no_ir + "the IR has another length, or the chain has other TAPs)";
+  const std::string other = no_ir + "the IR length is wrong, or the chain has other TAPs)";
   const std::string no_info = "SERVER: expected xvcServer_v1.0:N with N from 2 to 1073741824, got ";
   const std::string info = "xvcServer_v1.0:64\n", ones(7, '\xff');  // answer to a scan
   const std::string no_answer = "SERVER: expected the answer to command ";
