@@ -16,7 +16,7 @@ namespace icehost {
 // Returns the value on a line KEY=VALUE.
 std::string_view ValueOf(const ScriptLine& line);
 
-// Report traps in a RESET line, and in a CDI line, which selects the interface.
+// Warn if the plug-in does not read the value of a RESET or CDI line as its author meant it.
 void CheckReset(const ScriptLine& reset, Problems& problems);
 void CheckCdi(const ScriptLine& cdi, Problems& problems);
 

@@ -16,7 +16,7 @@ struct SvfImport {
   std::string name;  // the name of the file, for a comment
   bool gpio = false;
   std::optional<double> tck_hz;  // the highest TCK rate of the probe, for a GPIO script
-  std::size_t most = 0;          // the most bytes of the script; a scan may have 4 * `most` bits
+  std::size_t most = 0;          // the most bytes of the script; a scan has at most 4 * `most` bits
   Keeping keeping = kKeepReasons;
 };
 
