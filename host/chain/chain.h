@@ -44,7 +44,7 @@ std::string ManufacturerName(Manufacturer manufacturer);
 
 // Adds a fault for each IDCODE that is not valid.
 void JudgeIdcodes(Chain& chain);
-// Returns "TAP 2 (NAME)" for `i` = 1, or "TAP 2" if the TAP has no name. Applies Printable.
+// Returns "TAP 2 (NAME)" for `i` = 1, or "TAP 2" if the TAP has no name. Makes NAME Printable.
 std::string TapTitle(const Chain& chain, std::size_t i);
 // Returns "1 TAP", "2 TAPs" and so on.
 std::string CountedTaps(std::size_t taps);

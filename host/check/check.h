@@ -12,7 +12,7 @@ struct CheckResult {
   Plan plan;
 };
 
-// Finds the problems of a script and the operations that run. Throws Interrupted.
+// Finds the problems in a script and the operations that run. Throws Interrupted.
 CheckResult CheckScript(const ScriptText& script);
 
 // Add the problems (unsorted) and the plan of a GPIO or JTAG script to `result`.

@@ -13,8 +13,8 @@ namespace icehost {
 enum class FileUse { kScript, kSvf, kNone };
 
 // If the file is of a known kind that has another use than `wanted`, returns an error that names
-// the kind and the program to use. Otherwise returns nothing. Looks only at the beginning of the
-// file, so it may mistake a script for another kind of file, but never an SVF file.
+// the kind and the program to use, at the file's first word. Otherwise returns nothing. Looks only
+// at the beginning, so it may mistake a script for another kind of file, but never an SVF file.
 std::optional<Problem> FindWrongKind(std::string_view content, FileUse wanted);
 
 }  // namespace icehost

@@ -39,8 +39,8 @@ class Server {
          Observer& observer);
 
   // Serves until a signal arrives, and then plays the bytes that clients have sent. Throws
-  // Interrupted if this takes longer than 200 ms, or than AllowAfterSignal allows. Throws IoError if
-  // clients can no longer be accepted, or if the port is lost, even while idle.
+  // Interrupted if this takes longer than 200 ms, or than AllowAfterSignal allows. Throws IoError
+  // if clients can no longer be accepted, or if the port is lost, even while idle.
   void Run();
   // Returns whether the last client has left, but some of its bytes may not have been played. For
   // use after Run has thrown.
