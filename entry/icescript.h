@@ -144,9 +144,9 @@ int link_jtag_insert(LinkHandle handle, int ir_bits, unsigned char* ir, int dr_b
  *
  * capture points to JTAG_CAPTURE_BYTES or more bytes, which are zero when the call begins. The
  * plug-in reads the captured DR bits from byte 2 on (from byte 3 on after the answer
- * CDI_ANSWER_2WIRE) and reads no other byte. It does not mask them, so the host must leave the bits
- * above the last DR bit zero. The plug-in prints the captured bits after a read, and also after a
- * write if the answer was CDI_ANSWER_JTAG5. This version has 39 bytes: room for the longest DR.
+ * CDI_ANSWER_2WIRE) and no other byte. It does not mask them, so the host must leave the bits above
+ * the last DR bit zero. The plug-in prints the captured bits after a read, and also after a write
+ * if the answer was CDI_ANSWER_JTAG5. In this version, capture has 39 bytes or more: any DR fits.
  */
 int link_jtag_execute(LinkHandle handle, unsigned char* capture);
 

@@ -46,7 +46,7 @@ struct ReportStyle {
   bool colour = false;
 };
 
-// Collects and shows the problems of a script or another text.
+// Collects and shows the problems in a script or another text.
 class Problems {
  public:
   // Keeps every problem.

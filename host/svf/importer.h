@@ -21,7 +21,7 @@ struct SvfImport {
 };
 
 // Reads `text`, a file in the Serial Vector Format (SVF), and writes a script with the same effect
-// to `script` unless that is null. The script passes `check`. Returns the problems of the file and
+// to `script` unless that is null. The script passes `check`. Returns the problems in the file and
 // the parts that the script leaves out, sorted by place. Stops early if the script exceeds
 // SvfImport::most or Problems::IsFull is true. If there are errors, the text written is useless.
 // After each statement, calls `on_progress` with the number of bytes read. Throws Interrupted.
