@@ -55,8 +55,8 @@ class CString {
   // Returns the last n bytes. Throws std::out_of_range unless 0 <= n <= length.
   CString Right(int n) const;
 
-  void TrimLeft(char ch = ' ');
-  void TrimRight(char ch = ' ');
+  void TrimLeft(char ch = ' ');   // drops every leading `ch`
+  void TrimRight(char ch = ' ');  // drops every trailing `ch` but keeps the first byte
 
   // Returns a copy with 'a' to 'z' in upper case. This object does not change.
   std::string MakeUpper() const;

@@ -39,9 +39,9 @@ constexpr int GPIO_FIELD_REPEAT_COUNT = 4;
 // A CIniFile reads one file once, on one thread. It contains the INI store (sections and their
 // values, both in order of first assignment) and the table of GPIO lines.
 //
-// A function that fails returns -1, false or an empty text. GetValue, GetGpioValue and the readers
-// then also write a message, cut at 1023 bytes, to error_msg. Nothing clears error_msg. Functions
-// throw only if memory runs out.
+// A function that fails returns a negative number, false or an empty text. GetValue, GetGpioValue
+// and the readers then also write a message, cut at 1023 bytes, to error_msg. Nothing clears
+// error_msg. Functions throw only if memory runs out.
 class CIniFile {
  public:
   // One line of a GPIO script: the pin state after the line, and its operation.
@@ -59,7 +59,7 @@ class CIniFile {
   virtual ~CIniFile() = default;
 
   void SetPath(CString file_path) { path = std::move(file_path); }
-  // Deliberately does nothing, so a second reading adds to the first.
+  // Deliberately does nothing: the store and the table keep their contents.
   void Reset() {}
 
   // ---- The INI store. A "key" is a section. Names are case-sensitive and not trimmed, and

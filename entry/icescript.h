@@ -113,8 +113,9 @@ enum {
 int link_config(LinkHandle handle, int code, int value);
 
 /*
- * Pulses the target's NRST. kind is LINK_RESET_TARGET. The wire mode does not change. The host
- * chooses the pulse's length and its effect on TRST and the TAP. A negative result means failure.
+ * Pulses the target's NRST, and returns when the target is ready for a scan. kind is
+ * LINK_RESET_TARGET. The host keeps the wire mode, and chooses the pulse's length and its effect on
+ * TRST and the TAP. A negative result means failure.
  */
 int link_reset(LinkHandle handle, int kind);
 
@@ -141,11 +142,11 @@ int link_jtag_insert(LinkHandle handle, int ir_bits, unsigned char* ir, int dr_b
 /*
  * Runs the last inserted scan and stores the captured bits. A nonzero result means failure.
  *
- * capture points to JTAG_CAPTURE_BYTES bytes, which are zero when the call begins. The plug-in
- * reads the captured DR bits from byte 2 on (from byte 3 on after the answer CDI_ANSWER_2WIRE) and
- * reads no other byte. It does not mask them, so the host must leave the bits above the last DR bit
- * zero. The plug-in prints the captured bits after a read, and also after a write if the answer was
- * CDI_ANSWER_JTAG5. (This version has room for the longest DR: 36 bytes from byte 3 on.)
+ * capture points to JTAG_CAPTURE_BYTES or more bytes, which are zero when the call begins. The
+ * plug-in reads the captured DR bits from byte 2 on (from byte 3 on after the answer
+ * CDI_ANSWER_2WIRE) and no other byte. It does not mask them, so the host must leave the bits above
+ * the last DR bit zero. The plug-in prints the captured bits after a read, and also after a write
+ * if the answer was CDI_ANSWER_JTAG5. In this version, capture has 39 bytes or more: any DR fits.
  */
 int link_jtag_execute(LinkHandle handle, unsigned char* capture);
 

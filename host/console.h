@@ -34,7 +34,7 @@ class Console {
   void Flush();
   // Shows one of icehost's own messages on standard error.
   void Say(const std::string& line);
-  // Drops the kept texts. If `holds` is true, Show and Say then keep texts instead of showing them.
+  // Drops the kept texts. From now on, Show and Say keep texts if `holds` is true, else show them.
   void Hold(bool holds);
   // Shows the kept texts, and makes Show and Say show later texts. Throws as Show does.
   void Release();

@@ -42,7 +42,7 @@ class RunEvents : public StepRecorder {
   void Abandon(const std::string& why);
 
   // Begins a host call. `begins_operation` is false if the call only prepares an operation. Throws
-  // IoError if standard output can no longer be written, so that the script does not run on unseen.
+  // IoError if standard output can no longer be written, because nobody would see the script run.
   void BeginCall(const char* function, const CallSource& source, bool begins_operation);
   // Ends the current call, and sets its times.
   void EndCall(CallEvent call);
@@ -73,7 +73,7 @@ class RunEvents : public StepRecorder {
 
   // Returns whether a reason for a failure has been reported since the script began.
   bool Explained() const { return explained_; }
-  const std::string& LastMessage() const { return last_message_; }
+  const std::string& LastMessage() const { return last_message_; }  // of the plug-in
 
  private:
   void PassOnRound();

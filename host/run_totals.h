@@ -28,8 +28,8 @@ class RunTotals {
   std::size_t BeginScript();
   // Ends the current script, and counts the values that `follower` compared.
   void EndScript(const Follower& follower);
-  // Adds the results of the last script's expectations to the result of Text. In a repeated run,
-  // does nothing if the status is kInterrupted.
+  // Makes Text include the expectations of the script that ended last, with their results. In a
+  // repeated run, does nothing if the status is kInterrupted.
   void Summarize(const Follower& follower, ExitStatus status);
   // Ends the round. Does not count it as played if the status is kInterrupted.
   void EndRound(ExitStatus status);
@@ -41,15 +41,14 @@ class RunTotals {
   long ExpectedOperations() const;
   // Returns the beginning of a progress line: "round 3 of 10, 0 failed, ".
   std::string RoundText() const;
-  // Returns the text that is printed at the end.
+  // Returns the text to print at the end of the run; empty if the options ask for none.
   std::string Text() const;
   PageHead Head(ExitStatus status) const;
   // Returns the last event of a run that ends at the time `at`.
   RunEnd EndOf(ExitStatus status, RunTime at);
 
  private:
-  // Counts the values of the scripts that did not begin in this round.
-  void CountUnplayed();
+  void CountUnplayed();  // counts the values of the scripts that did not begin in this round
   std::string RoundCounts() const;
   std::string Counts() const;
 

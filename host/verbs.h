@@ -25,8 +25,8 @@ ExitStatus Execute(const RunCommand& command);
 // Checks the scripts and writes their problems to standard output, in colour on a terminal unless
 // NO_COLOR is set. Writes nothing for a script without problems. Throws Interrupted.
 ExitStatus Execute(const CheckCommand& command);
-// Reports the TAPs on the probe and the faults of the chain, or writes the beginning of a script
-// for a sound chain. Throws Interrupted.
+// Reports the TAPs on the probe and the faults of the chain, or writes a first script for a sound
+// chain. Throws Interrupted.
 ExitStatus Execute(const DetectCommand& command);
 // Writes a script for a Serial Vector Format (SVF) file. If the file has errors, reports them on
 // standard error and writes nothing. Throws Interrupted.

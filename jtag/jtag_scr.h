@@ -44,16 +44,16 @@ class JtagScr {
   // Appends the operations of the script to the list. Returns 0, or -1 if anything is wrong.
   int ParseScr(char* path);
 
-  // These return a new record, which the caller owns, or null if a value of the section is wrong.
-  JtagOperatorData* ParsingControl(CIniFile& ini, int sectionIndex);
-  JtagOperatorData* ParseJtagOperatorData(CString ir, CString dr);
-  JtagOperatorData* ParseJtagOperatorData(int cdi);
-  JtagOperatorData* ParseJtagOperatorData(bool reset);
+  // These return a new node, which the caller owns, or null if a value of the section is wrong.
+  JtagOperatorData* ParsingControl(CIniFile& ini, int sectionIndex);  // for [CONTROL]
+  JtagOperatorData* ParseJtagOperatorData(CString ir, CString dr);    // the values of IR and DR
+  JtagOperatorData* ParseJtagOperatorData(int cdi);                   // the number of wires: 2 or 5
+  JtagOperatorData* ParseJtagOperatorData(bool reset);                // ignores its argument
 
   // Does the same as CIniFile::SplitString.
   CString* SplitString(CString text, char separator, int& count);
 
-  // Returns the first record, which this object owns, or null.
+  // Returns the first node, which this object owns, or null.
   JtagOperatorData* GetFirstJtagOperatorData() { return firstOperator; }
   JtagOperatorData* GetNextJtagOperatorData(JtagOperatorData* p) const {
     return p != nullptr ? p->next : nullptr;

@@ -44,7 +44,7 @@ std::string ManufacturerName(Manufacturer manufacturer);
 
 // Adds a fault for each IDCODE that is not valid.
 void JudgeIdcodes(Chain& chain);
-// Returns "TAP 2 (NAME)" for `i` = 1, or "TAP 2" if the TAP has no name. The text is Printable.
+// Returns "TAP 2 (NAME)" for `i` = 1, or "TAP 2" if the TAP has no name. Makes NAME Printable.
 std::string TapTitle(const Chain& chain, std::size_t i);
 // Returns "1 TAP", "2 TAPs" and so on.
 std::string CountedTaps(std::size_t taps);
@@ -56,7 +56,7 @@ ChainPlace PlaceIn(const Chain& chain, std::size_t tap);
 // Otherwise returns `place` or, if it has no IR lengths, a place that treats all TAPs as one TAP.
 ChainPlace ConfirmPlace(const Chain& chain, const ChainPlace& place);
 
-// Returns a Printable report of the TAPs and notes, without the faults. `where` names the probe.
+// Returns a report of the TAPs and notes, safe to show on a terminal. `where` names the probe.
 std::string ReportOf(const Chain& chain, const std::string& where);
 
 // Returns a JTAG script that passes on a sound chain. It shifts through BYPASS, whose instruction

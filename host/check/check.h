@@ -12,10 +12,10 @@ struct CheckResult {
   Plan plan;
 };
 
-// Finds the problems of a script and the operations that run. Throws Interrupted.
+// Finds the problems in a script and the operations that run. Throws Interrupted.
 CheckResult CheckScript(const ScriptText& script);
 
-// Add the unsorted problems and the plan of a GPIO script, and of a JTAG script, to `result`.
+// Add the problems (unsorted) and the plan of a GPIO or JTAG script to `result`.
 void CheckGpio(const ScriptText& script, CheckResult& result);
 void CheckJtag(const ScriptText& script, CheckResult& result);
 

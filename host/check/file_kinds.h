@@ -12,9 +12,9 @@ namespace icehost {
 // The use that icehost has for a kind of file. kNone: icehost does not read such files.
 enum class FileUse { kScript, kSvf, kNone };
 
-// If a file is of a known kind, but not for the use `wanted`, returns an error at its first word.
-// The error names the kind and the program to use. Otherwise returns nothing. Looks only at the
-// beginning of the file, so it may misjudge a script, but not an SVF file.
+// If the file is of a known kind that has another use than `wanted`, returns an error that names
+// the kind and the program to use, at the file's first word. Otherwise returns nothing. Looks only
+// at the beginning, so it may mistake a script for another kind of file, but never an SVF file.
 std::optional<Problem> FindWrongKind(std::string_view content, FileUse wanted);
 
 }  // namespace icehost

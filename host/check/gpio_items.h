@@ -1,4 +1,4 @@
-// The items of a line of a GPIO script: traps in them, and why the plug-in refuses an item.
+// The items of a line of a GPIO script: warnings about them, and why the plug-in refuses an item.
 #ifndef ICESCRIPT_HOST_CHECK_GPIO_ITEMS_H_
 #define ICESCRIPT_HOST_CHECK_GPIO_ITEMS_H_
 
@@ -58,12 +58,12 @@ class GpioLine {
   // Returns the reason why the plug-in's parser refused the item `field`, a part of the line's
   // text. The reason says what is allowed, and what the author probably meant.
   std::string WhyRefused(std::string_view field);
-  // Reports traps in the line, for which the plug-in's parser returned `flags` (GPIO_FLAG_ bits).
-  // Returns the pins that the line sets by name (GPIO_PIN_ bits).
+  // Warns about items that probably do not do what the author meant. `flags` are the GPIO_FLAG_
+  // bits of the parsed line. Returns the pins that the line sets by name (GPIO_PIN_ bits).
   int Check(int flags, Problems& problems);
 
  private:
-  // A recent line without a trap.
+  // A recent line without a warning.
   struct Clean {
     std::string_view text;
     int flags = 0;

@@ -31,7 +31,7 @@ struct IniSection {
   bool cut = false;  // the line at ScriptText::CutAt() is in this section
 };
 
-// Reads the lines as the plug-in does, and skips the lines that it refuses. Reports problems of
+// Reads the lines as the plug-in does, and skips the lines that it refuses. Reports problems in
 // single lines and headers. Returns the sections with values, in the order of their first values.
 std::vector<IniSection> FindSections(const ScriptText& script, Problems& problems);
 

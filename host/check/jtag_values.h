@@ -16,11 +16,11 @@ namespace icehost {
 // Returns the value on a line KEY=VALUE.
 std::string_view ValueOf(const ScriptLine& line);
 
-// Report traps in a RESET line, and in a CDI line, which selects the interface.
+// Warn if the plug-in does not read the value of a RESET or CDI line as its author meant it.
 void CheckReset(const ScriptLine& reset, Problems& problems);
 void CheckCdi(const ScriptLine& cdi, Problems& problems);
 
-// Reports problems of the values on the lines `ir` and `dr`. Neither value may be blank. Returns
+// Reports problems in the values on the lines `ir` and `dr`. Neither value may be blank. Returns
 // the plug-in's record of the scan, or null if the plug-in refuses the scan.
 std::unique_ptr<icescript::JtagOperatorData> CheckScan(const IniSection& section,
                                                        const ScriptLine& ir, const ScriptLine& dr,

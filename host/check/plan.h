@@ -58,7 +58,7 @@ struct Plan {
 long SaturatedSum(long one, long other);
 long SaturatedProduct(long one, long other);
 
-// The value that an operation has read, in one of its runs or in all.
+// The value that an operation has read, either in one run or in all its runs together.
 struct Capture {
   std::string value;   // the first value read; bytes, least significant first
   std::string steady;  // as long as `value`; a bit is 1 if it was reported and never changed

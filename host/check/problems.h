@@ -30,7 +30,7 @@ struct Problem {
   bool always = false;  // even --quiet does not hide this warning
   // For grouped problems:
   long more = 0;                  // the number of places after the first
-  std::vector<int> more_lines{};  // the lowest of their lines, each once; up to one more than shown
+  std::vector<int> more_lines{};  // their lowest lines, each once; at most one more than is shown
 };
 
 // Selects the problems that an object of class Problems keeps.
@@ -46,7 +46,7 @@ struct ReportStyle {
   bool colour = false;
 };
 
-// Collects and shows the problems of a script or another text.
+// Collects and shows the problems in a script or another text.
 class Problems {
  public:
   // Keeps every problem.

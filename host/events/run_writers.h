@@ -13,7 +13,7 @@ namespace icehost {
 std::unique_ptr<Output> MakeTrace(std::ostream& stream);
 // Returns an output that writes all events as JSON lines, for programs.
 std::unique_ptr<Output> MakeJson(std::ostream& stream);
-// Returns an output that writes the results of scripts and their parts as JUnit XML at the end.
+// Returns an output that writes the results of scripts, sections and lines as JUnit XML at the end.
 std::unique_ptr<Output> MakeJUnit(std::ostream& stream);
 
 }  // namespace icehost

@@ -26,7 +26,7 @@ enum ExitStatus : int {
 
 // In these structures, an empty text means "not given". The file "-" is standard input or output.
 
-// In bytes. Real scripts are smaller than this, and even a small machine has this much memory.
+// The unit is bytes. Real scripts are smaller, and even a small machine has this much memory.
 constexpr std::size_t kDefaultSizeLimit = 64U << 20U;
 
 struct RunCommand {
@@ -40,7 +40,7 @@ struct RunCommand {
   bool keep_going = false;  // continues after values that are not as expected
   long repeat = 1;          // the number of rounds; 0: rounds repeat until a signal arrives
   OutputRequests outputs;
-  std::string learn;
+  std::string learn;  // the file for the learned script
   bool summary = false;
   std::size_t size_limit = kDefaultSizeLimit;  // of a script, in bytes
   bool quiet = false;
@@ -50,7 +50,7 @@ struct RunCommand {
 
 struct CheckCommand {
   std::vector<std::string> scripts;
-  std::string json;
+  std::string json;     // the file for the problems as JSON lines
   bool strict = false;  // warnings count as failures
   std::size_t size_limit = kDefaultSizeLimit;
   bool quiet = false;
@@ -80,7 +80,7 @@ struct ServeCommand {
 
 struct DetectCommand {
   ProbeOptions probe;
-  std::optional<ScriptKind> script;
+  std::optional<ScriptKind> script;  // the kind of script to write; nothing: a report
   bool quiet = false;
 };
 

@@ -23,7 +23,7 @@ struct SvgSegment {
   StepRange steps;  // not empty; may extend beyond the steps that are kept
   std::string title;
   std::vector<std::string> labels;  // DrawSvg draws the first that fits
-  // The GPIO script lines in the segment, which DrawSvg adds to the texts; 0 if there are none.
+  // The lines of a GPIO script in the segment, which DrawSvg adds to the texts; 0 if it has none.
   int lowest_line = 0;
   int highest_line = 0;
 };

@@ -29,8 +29,8 @@ class StepRecorder {
 };
 
 // Wraps another port, and passes every step of its pins to recorders. Samples TDO after every
-// write. The recorders receive the steps in order when the port has answered, and at the latest
-// during a Read, CollectTdo or Flush.
+// write. The recorders receive the steps in order when the port has answered, at the latest during
+// a Read, CollectTdo or Flush.
 class RecordingPort : public PinPort {
  public:
   // `port` and the recorders must outlive this object.

@@ -15,7 +15,7 @@ namespace icehost {
 //
 // The protocol has no output enables, and can read only TDO. Write throws Unsupported if it would
 // drive TDO high. A surplus answer causes an IoError, because it would be taken for the answer to a
-// later request. A server that has a client closes any second connection.
+// later request.
 class BitbangPort : public PinPort {
  public:
   enum class Manner {

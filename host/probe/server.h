@@ -13,7 +13,7 @@ namespace icehost {
 
 // A server whose clients, one at a time, move the pins of a port. A new client replaces a client
 // that has left or was silent for the idle limit. Otherwise the server closes the new connection.
-// Before it decides, it plays the bytes that have arrived from the first client, for up to a
+// Before it decides, it plays the bytes that have arrived from the current client, for up to a
 // second. TCP keep-alive detects clients that vanish.
 class Server {
  public:
@@ -39,8 +39,8 @@ class Server {
          Observer& observer);
 
   // Serves until a signal arrives, and then plays the bytes that clients have sent. Throws
-  // Interrupted if this takes longer than a fraction of a second, or than AllowAfterSignal allows.
-  // Throws IoError if clients can no longer be accepted, or if the port is lost, even while idle.
+  // Interrupted if this takes longer than 200 ms, or than AllowAfterSignal allows. Throws IoError
+  // if clients can no longer be accepted, or if the port is lost, even while idle.
   void Run();
   // Returns whether the last client has left, but some of its bytes may not have been played. For
   // use after Run has thrown.

@@ -12,7 +12,7 @@ class Session {
  public:
   virtual ~Session() = default;
 
-  // Begins a new client: drops the bytes of the previous client that were not played.
+  // Prepares for a new client: drops the bytes of the previous client that were not played.
   virtual void Begin() {}
   // Plays `bytes` and appends the answers to `answers`. Returns false if the client has quit or has
   // sent something invalid, and ignores the bytes after that. Collects all samples of the port.

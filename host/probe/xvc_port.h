@@ -19,7 +19,7 @@ namespace icehost {
 // write that raises TCK becomes a cycle with the TMS and TDI of this write. SampleTdo asks for TDO
 // in the next cycle. Cycles are buffered until they fill a shift, or until CollectTdo or Flush. The
 // protocol has no reset pins and cannot read the pins, so Write throws Unsupported if NRST or TRST
-// is low, and Read always does. Surplus bytes and answers of the wrong length cause an IoError.
+// is low, and Read always throws it. Surplus bytes and answers of a wrong length cause an IoError.
 class XvcPort : public PinPort {
  public:
   // Asks the server for its version and for the largest size of a shift. Throws IoError.

@@ -12,7 +12,7 @@
 namespace icehost {
 
 // The server side of the XVC protocol: plays the commands in xvc.h. Plays a shift when it has
-// arrived completely, and leaves TCK low. Never enables NRST and TRST. Ignores the period of TCK.
+// arrived completely, and leaves TCK low. Never enables NRST or TRST. Ignores the period of TCK.
 class XvcSession : public Session {
  public:
   // `port` must outlive the session.

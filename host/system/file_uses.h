@@ -17,7 +17,7 @@ class FileUses {
   // Registers the command's inputs: `scripts` ("-" is standard input) and `plugin` (may be empty).
   explicit FileUses(const std::vector<std::string>& scripts = {}, const std::string& plugin = "");
 
-  // Registers the file that `option` writes. The file must not be begun yet. Throws BadUsage if it
+  // Registers a file that `option` writes, before the file is begun. Throws BadUsage if the file
   // has another use, unless it is a terminal or a device such as /dev/null.
   void AddOutput(const OutputFile& file, const std::string& option);
 

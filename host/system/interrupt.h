@@ -26,10 +26,10 @@ bool IsInterrupted();
 void ThrowIfInterrupted();
 
 // Ends the program after a signal if the main thread does not check for signals, because it is in
-// the plug-in or waits for a reader of its output. Half a second after the signal, as soon as the
-// state is kAway, another thread calls `complete` and ends the process with status 130. The main
-// thread can then no longer enter kWorking. If there is no Rescue, the other thread only ends the
-// process. Only the Rescue created last has an effect.
+// the plug-in or waits for a reader of its output. Every half second after the signal, another
+// thread looks at the state. If it is kAway, the thread calls `complete` and ends the process with
+// status 130. The main thread can then no longer enter kWorking. Without a Rescue, the thread only
+// ends the process. Only the Rescue created last has an effect.
 class Rescue {
  public:
   enum class State { kAway, kWorking };

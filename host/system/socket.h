@@ -89,8 +89,8 @@ class Listener {
  public:
   using Acceptor = asio::basic_socket_acceptor<StreamProtocol>;
 
-  // Listens on `endpoint`. For a UNIX socket, passes `timeout` to a SocketFile. Throws IoError and
-  // Interrupted.
+  // Listens on `endpoint`. For a UNIX socket, waits up to `timeout` for the lock of its folder (see
+  // SocketFile). Throws IoError and Interrupted.
   Listener(const Endpoint& endpoint, std::chrono::milliseconds timeout);
 
   // Returns the endpoint for clients, with the real port instead of port 0.
