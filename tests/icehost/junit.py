@@ -37,6 +37,10 @@ def cases_of(path, status):
         expect(f"{path}: counts of {suite.name}",
                (suite.tests, suite.failures, suite.errors, suite.skipped),
                (len(found), *map(kinds.count, ("Failure", "Error", "Skipped"))))
+        # The times are rounded to 1 us.
+        times = [case.time for case in suite if case.name != "(script)"]
+        expect(f"{path}: times of {suite.name}",
+               all(0 <= one for one in times) and sum(times) <= suite.time + 1e-6 * len(times), True)
         cases += [(suite.name, *case) for case in found]
         faults += [kind for kind in kinds if kind != "Skipped"]
     expect(f"{path}: total", xml.tests, len(cases))
@@ -128,6 +132,7 @@ def check_texts():
     lines = "".join(f"[{i:0200}]\nIR=5,1\nDR=R,8\n" for i in range(9999))
     run("script", 0, *((("script", f"{i:0200}") for i in range(9999))), script=lines)
     expect("a limit", " more bytes)</system-out>" in read("j.xml"), True)
+    expect("time", sum(case.time for suite in JUnitXml.fromfile("j.xml") for case in suite) > 0, True)
 
 
 def check_signal():
