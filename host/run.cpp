@@ -275,8 +275,9 @@ ExitStatus Runner::LearnFrom(const Script& script) {
 }
 
 std::string Runner::WhyFailed(const Script& script) const {
-  const bool quiet = command_.quiet && !events_.Explained();
-  if (!ran_) return quiet ? "failed: " + events_.LastMessage() : "failed";
+  const std::string why =
+      command_.quiet && !events_.Explained() ? events_.LastMessage() : std::string();
+  if (!ran_) return why.empty() ? "failed" : "failed: " + why;
   // The plug-in may return 0 for a JTAG script with errors.
   if (script.has_errors) return "has errors";
   if (follower_.Unmet() > 0) {

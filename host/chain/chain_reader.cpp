@@ -154,7 +154,7 @@ void ChainReader::TakeTaps(const Bits& out, std::size_t begin_below, std::size_t
     ChainTap tap;
     const std::size_t bits = out[at] ? kIdcodeBits : 1;
     if (at + bits > end) {
-      Fail(fmt::format("the last {} bits of the chain are not a complete IDCODE", end - at));
+      Fail(fmt::format("the last IDCODE of the chain has only {} of 32 bits", end - at));
       return;
     }
     if (out[at]) tap.idcode = static_cast<std::uint32_t>(NumberOfBits(Slice(out, at, at + bits)));

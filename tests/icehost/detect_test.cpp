@@ -217,6 +217,10 @@ TEST(Detect, ReadsChains) {
        "bit 1",
        FlippedAt(2 * (kOfIdcodes + kOfIrs) + 1)},
       {{}, "; !no TAP: TDO repeats TDI without delay"},
+      {{{5, kOne}, {4, kNone}},
+       "1ce51001/9; 9 bits; !the last IDCODE of the chain has only 1 of 32 bits; !1 TAP answered "
+       "after the reset, but in BYPASS the chain has 2 bits",
+       [](bool tdo, int at) { return tdo || at == 32 || at == kOfIdcodes + 32; }},
       {{{5, kOne}, {4, kArm}},
        "1ce51001/? 4ba00477/?; !the chain is broken: after the bits of the TAPs that answer, TDO "
        "is all zeros",
@@ -432,6 +436,12 @@ TEST(Detect, WritesScriptsThatPass) {
     return RunShell(
         command.replace(command.find('%'), 1, "--probe remote-bitbang:" + server.Name()));
   };
+  EXPECT_EQ(
+      run_on({{8, kOne, 0x55}, {8, kOne, 0x55}},
+             "icehost run -q --tap 1 % examples/read_idcode.ini 2>&1")
+          .output,
+      "examples/read_idcode.ini:11: link_jtag_execute failed: the IR lengths of the chain are "
+      "not certain: set them with --chain\nicehost: examples/read_idcode.ini failed\n");
   for (const std::string kind : {"jtag", "gpio"}) {
     const TempFile script("");
     const Outcome made =

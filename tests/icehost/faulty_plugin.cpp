@@ -19,6 +19,11 @@ int ImplementScr(LinkHandle handle, char* /*path*/, PrintCallback callback) {
     std::uint32_t data = 0;
     return link_gpio_operator(handle, 0, &data, 0, GPIO_FLAG_READ_IN) < 0 ? -1 : 0;
   }
+  if (fault == "config") return link_config(handle, 7, 0);
+  if (fault == "insert") {
+    std::uint8_t bits[JTAG_IR_MAX_BYTES] = {};
+    return link_jtag_insert(handle, 5, bits, 8, bits);
+  }
   if (fault == "quick_exit") std::quick_exit(0);
   return 0;
 }

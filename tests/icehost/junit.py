@@ -102,6 +102,9 @@ def check_faults():
             os.environ["FAULT"], arguments = arguments[6:].split(" ", 1)
         run(arguments, status, *rows, (RESET, whole, "Error", why))
         os.environ.pop("FAULT", None)
+    os.environ["FAULT"] = "config"
+    run(f"--plugin {PLUGIN} {RESET}", 1, (*rows[0][:2], "Failure", "link_config returned -1"), *rows[1:])
+    del os.environ["FAULT"]
     done = [(RESET, row[0]) for row in tested]
     full = "/dev/full: cannot write: No space left"
     for option in ("--vcd", "--html", "--json", "--learn"):
