@@ -177,6 +177,7 @@ bool Floats(bool /*tdo*/, int sample) {
 // Samples in one reading of up to four TAPs. The IDCODEs are read twice, then the IRs twice.
 constexpr int kOfIdcodes = 4 * 32 + 64;
 constexpr int kOfIrs = 256 + 64;
+constexpr int kOfBypass = 2 * (kOfIdcodes + kOfIrs);  // the first sample in BYPASS
 
 TEST(Detect, ReadsChains) {
   const struct {
@@ -215,8 +216,11 @@ TEST(Detect, ReadsChains) {
       {{{5, kOne}},
        "1ce51001/5; 5 bits; !the signals are not stable: two readings of BYPASS first differ in "
        "bit 1",
-       FlippedAt(2 * (kOfIdcodes + kOfIrs) + 1)},
+       FlippedAt(kOfBypass + 1)},
       {{}, "; !no TAP: TDO repeats TDI without delay"},
+      {{{5, kOne}},
+       "1ce51001/5; 5 bits; !a TAP in BYPASS answered with 1, not 0",
+       [](bool tdo, int at) { return tdo || at == kOfBypass || at == kOfBypass + 128; }},
       {{{5, kOne}, {4, kNone}},
        "1ce51001/9; 9 bits; !the last IDCODE of the chain has only 1 of 32 bits; !1 TAP answered "
        "after the reset, but in BYPASS the chain has 2 bits",
@@ -253,7 +257,7 @@ TEST(Detect, ReadsChains) {
        "1ce51001/5; 5 bits; !1 TAP answered after the reset, but in BYPASS the chain has more than "
        "64 "
        "bits",
-       LostAfter(2 * (kOfIdcodes + kOfIrs))},
+       LostAfter(kOfBypass)},
   };
   for (const auto& [taps, told, fault, tdi] : kChains) {
     ChainPort port(taps, fault, tdi);

@@ -345,7 +345,8 @@ def check_served():
     """A client of serve scans through Pause-DR, pulses TRST, and leaves during another scan."""
     scan = RESET + b"04" + TO_SHIFT_DR + b"05" * 3 + BACK[2:]
     server = Serve("--html", PAGE)
-    server.play(scan + b"2626" + b"tr" + b"0404" + TO_SHIFT_DR + b"1515RQ")
+    server.play(scan + b"2626" + b"tr" + b"0404" + b"26260404" + b"05" + b"tr" + b"04" +
+                TO_SHIFT_DR + b"1515RQ")
     expect("status", server.end()[0], 0)
     open_page()
     expect("table", [row[:5] for row in table()], [
@@ -355,9 +356,13 @@ def check_served():
         ["3", "", "TAP reset", "by TRST", ""],
         ["4", "", "reset pins", "TRST=1 NRST=1", ""],
         ["5", "", "idle", "1 cycle", ""],
-        ["6", "", "DR scan, cut short when the client left", "DR 2: 0x03", "DR 0x01"]])
+        ["6", "", "IR scan, cut short by a reset", "IR 1: 0x01", "IR 0x01"],
+        ["7", "", "reset pins", "TRST=0 NRST=1", ""],
+        ["8", "", "TAP reset", "by TRST", ""],
+        ["9", "", "reset pins", "TRST=1 NRST=1", ""],
+        ["10", "", "DR scan, cut short when the client left", "DR 2: 0x03", "DR 0x01"]])
     expect("clients", [re.sub(r" from.*| at \d+ us|, .*", "", text) for text in texts(".note")],
-           ["client 1 connected", f"client 1 left (bytes: {len(scan) + 22}"])
+           ["client 1 connected", f"client 1 left (bytes: {len(scan) + 36}"])
     click("#row-list .row > :nth-child(4)", "DR 4: 0x07")
     begin, end = view()
     expect("in sight", begin <= 16 < end, True)

@@ -87,6 +87,12 @@ played() {
 played openocd.txt --probe "$probe:b.tap"
 detect 3 --probe "$probe:x.tap"
 holds err.txt 'icehost: OpenOCD has no TAP "x.tap": expected a.tap, b.tap, c.tap'
+sed 's/^MASK=.*/IR_TDO=1/' examples/read_idcode.ini >"$scratch/ir.ini"
+"$icehost" run -q --learn - --probe "$probe:b.tap" "$scratch/ir.ini" 2>"$scratch/err.txt" || true
+holds err.txt "icehost: nothing was learned from $scratch/ir.ini: this probe does not report every expected value"
+"$icehost" run -q --json "$scratch/out.txt" --probe "$probe:b.tap" "$scratch/ir.ini" 2>"$scratch/err.txt" || true
+grep -q '"expected":"0x01","mask":"0x1f","captured":null,"met":false' "$scratch/out.txt" || fail 'no null'
+said -F '[READ_IDCODE] expected 0x01, captured nothing (this probe does not report the value)'
 detect 1 -q --script --probe "$probe"
 holds err.txt 'icehost: cannot write a script, because OpenOCD has several TAPs: name one in --probe (a.tap, b.tap, c.tap)'
 detect 0 -q --script --probe "$probe:b.tap"
