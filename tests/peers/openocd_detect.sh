@@ -101,6 +101,8 @@ stop_openocd
 detect 0 --probe "$pins"
 [ "$declared" = "$(idcodes)" ] || fail "OpenOCD and the pins have different IDCODEs"
 grep -q '^3 TAPs' "$scratch/out.txt" || fail "no chain of three"
+detect 0 -q --script --probe "$pins"
+grep -q '^# bits 9 to 14 with' "$scratch/out.txt" || fail 'wrong bits for the instruction of TAP 3'
 played pins.txt --probe "$pins" --chain 4,5,6 --tap 2
 played measured.txt --probe "$pins" --tap 2
 [ "$(wc -l <"$scratch/pins.txt")" = 8 ] || fail "expected 4 answers and 4 IR scans"
