@@ -42,6 +42,8 @@ def cases_of(path, status):
         expect(f"{path}: times of {suite.name}",
                all(0 <= one for one in times) and sum(times) <= suite.time + 1e-6 * len(times), True)
         cases += [(suite.name, *case) for case in found]
+        types = {(one.__class__.__name__, one.type) for case in suite for one in case.result}
+        expect("types", types - {("Failure", "value"), ("Error", "run"), ("Skipped", None)}, set())
         faults += [kind for kind in kinds if kind != "Skipped"]
     expect(f"{path}: total", xml.tests, len(cases))
     expect(f"{path}: red for status {status}", bool(faults), status != 0)
