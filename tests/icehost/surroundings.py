@@ -377,6 +377,11 @@ def check_terminal():
               if unicodedata.category(chr(code)) in ("Cc", "Cf", "Zl", "Zp")}
     shown = output("icehost", "check", "".join(sorted(hidden)))
     expect("hidden", sorted(map(ascii, hidden.intersection(shown) - {"\t", "\n"})), [])
+    near = {chr(ord(one) + by) for one in hidden for by in (-1, 1)} - hidden - {"\0"}
+    near = {one for one in near if unicodedata.category(one) != "Cn"}  # unassigned
+    near |= set("\u07ff\u0800\u0fff\uffff\U00010000\U0010ffff")
+    shown = output("icehost", "check", "".join(sorted(near)))
+    expect("shown", sorted(map(ascii, near.difference(shown))), [])
     shell("icehost run --force bold.ini")
     expect("a file", "\x1b[7m\x9b syntax error" in read("out"), True)
 
