@@ -74,12 +74,13 @@ pins=remote-bitbang:127.0.0.1:$port
 detect 0 --probe "$probe"
 idcodes() { grep -o 'IDCODE 0x[0-9a-f]*' "$scratch/out.txt"; }
 declared=$(idcodes)
+printf '[A]\nIR=5,2\nDR=W,0\n[B]\nIR=0,0\nDR=R,32\n[C]\nIR=0,0\nDR=W,0\n' >"$scratch/parts.ini"
 # played FILE OPTION...: writes the values that a run reads, and the chain's IR scans, to FILE.
 played() {
   local file=$scratch/$1 before
   shift
   before=$(wc -l <"$scratch/chain.txt")
-  "$icehost" run -q --json - "$@" examples/scratch_register.ini examples/read_idcode.ini |
+  "$icehost" run -q --json - "$@" examples/{scratch_register,read_idcode}.ini "$scratch/parts.ini" |
     jq -r 'select(.dr_out).dr_out' >"$file"
   sleep 0.2
   tail -n +$((before + 1)) "$scratch/chain.txt" | grep -o 'IR 15 bits.*' >>"$file"
@@ -105,7 +106,7 @@ detect 0 -q --script --probe "$pins"
 grep -q '^# bits 9 to 14 with' "$scratch/out.txt" || fail 'wrong bits for the instruction of TAP 3'
 played pins.txt --probe "$pins" --chain 4,5,6 --tap 2
 played measured.txt --probe "$pins" --tap 2
-[ "$(wc -l <"$scratch/pins.txt")" = 8 ] || fail "expected 4 answers and 4 IR scans"
+[ "$(wc -l <"$scratch/pins.txt")" = 12 ] || fail "expected 7 answers and 5 IR scans"
 for file in openocd measured; do
   diff "$scratch/$file.txt" "$scratch/pins.txt" || fail "$file.txt differs from pins.txt"
 done
