@@ -275,9 +275,10 @@ ExitStatus Runner::LearnFrom(const Script& script) {
 }
 
 std::string Runner::WhyFailed(const Script& script) const {
-  const std::string why =
-      command_.quiet && !events_.Explained() ? events_.LastMessage() : std::string();
-  if (!ran_) return why.empty() ? "failed" : "failed: " + why;
+  if (!ran_) {
+    const bool shown = !command_.quiet || events_.Explained() || events_.LastMessage().empty();
+    return shown ? "failed" : "failed: " + events_.LastMessage();
+  }
   // The plug-in may return 0 for a JTAG script with errors.
   if (script.has_errors) return "has errors";
   if (follower_.Unmet() > 0) {

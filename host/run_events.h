@@ -73,7 +73,7 @@ class RunEvents : public StepRecorder {
 
   // Returns whether a reason for a failure has been reported since the script began.
   bool Explained() const { return explained_; }
-  const std::string& LastMessage() const { return last_message_; }  // of the plug-in
+  const std::string& LastMessage() const { return last_message_; }  // from the plug-in
 
  private:
   void PassOnRound();
@@ -95,7 +95,7 @@ class RunEvents : public StepRecorder {
   std::string name_;
   bool in_script_ = false;
   bool parsing_ = false;            // the plug-in has not made a call yet
-  const char* function_ = nullptr;  // of the current call; null if there is none
+  const char* function_ = nullptr;  // the current call, or null
   CallSource source_;
   RunTime call_at_{0};
   RunTime answered_at_{0};

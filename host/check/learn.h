@@ -11,7 +11,7 @@ namespace icehost {
 
 struct Learned {
   std::string script;
-  Problems stale;  // warnings about comments that contain a value that is no longer expected
+  Problems stale;  // warnings about comments that still contain a replaced value
 };
 
 // Returns a script that expects the values that a run has read. Replaces the value of each

@@ -20,10 +20,10 @@ struct PinOperation {
 };
 
 struct JtagOperation {
-  int line;  // of the key DR, CDI or RESET
+  int line;  // the line of the key DR, CDI or RESET
   std::string section;
   bool reads = false;
-  int ir_line = 0;  // of the key IR; 0 if the operation is not a scan
+  int ir_line = 0;  // the line of the key IR, or 0 if the operation is not a scan
 };
 
 // A value that the script expects an operation to read.
