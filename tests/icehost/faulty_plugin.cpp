@@ -19,6 +19,7 @@ int ImplementScr(LinkHandle handle, char* /*path*/, PrintCallback callback) {
     std::uint32_t data = 0;
     return link_gpio_operator(handle, 0, &data, 0, GPIO_FLAG_READ_IN) < 0 ? -1 : 0;
   }
+  if (fault == "query") return link_config(handle, LINK_CONFIG_GET_CDI, 0) < 0 ? -1 : 0;
   if (fault == "config") return link_config(handle, 7, 0);
   if (fault == "insert") {
     std::uint8_t bits[JTAG_IR_MAX_BYTES] = {};
