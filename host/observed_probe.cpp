@@ -90,7 +90,11 @@ int ObservedProbe::Config(int code, int value) {
   source_ = follower_.NextOperation();
   Begin("link_config", !query);
   const int result = Guard([&] { return probe_->Config(code, value); });
-  if (query) wire_mode_ = result;
+  if (query) {
+    wire_mode_ = result;
+  } else {
+    follower_.Perform();
+  }
   End(ConfigCall{code, value}, result);
   return result;
 }
@@ -101,6 +105,7 @@ int ObservedProbe::Reset(int kind) {
   source_ = follower_.NextOperation();
   Begin("link_reset", true);
   const int result = Guard([&] { return probe_->Reset(kind); });
+  follower_.Perform();
   End(ResetCall{kind}, result);
   return result;
 }
@@ -137,6 +142,7 @@ int ObservedProbe::Execute(std::uint8_t* capture) {
     if (!doubt.empty()) events_.Doubt(doubt);
     return executed;
   });
+  follower_.Perform();
   std::vector<Comparison> comparisons;
   if (result == 0) {
     KeepCaptured(capture);

@@ -88,7 +88,7 @@ std::string WrongText(const std::vector<std::size_t>& bits, const std::string& v
 
 void Follower::Begin(const Plan& plan) {
   plan_ = &plan;
-  next_ = 0;
+  next_ = current_ = performed_ = 0;
   block_begins_.clear();
   tallies_.assign(plan.expectations.size(), {});
   captures_.clear();
@@ -111,6 +111,11 @@ CallSource Follower::NextOperation() {
           operation.reads, mask(Expectation::Of::kIr), mask(Expectation::Of::kDr)};
 }
 
+void Follower::Perform() {
+  exceeded_ |= current_ < performed_ || current_ >= plan_->jtag.size();
+  if (current_ == performed_) ++performed_;
+}
+
 CallSource Follower::NextPinOperation(const std::uint32_t& data) {
   current_ = NextPin(data);
   next_ = current_ + 1;
@@ -118,6 +123,7 @@ CallSource Follower::NextPinOperation(const std::uint32_t& data) {
     exceeded_ = true;
     return {};
   }
+  if (current_ == performed_) ++performed_;
   CallSource source;
   source.line = static_cast<int>(plan_->pins[current_].line);
   return source;
@@ -239,7 +245,7 @@ std::vector<const Expectation*> Follower::FirstUnread() const {
 
 std::size_t Follower::Unreached() const {
   const std::size_t operations = std::max(plan_->pins.size(), plan_->jtag.size());
-  return operations - std::min(next_, operations);
+  return operations - std::min(performed_, operations);
 }
 
 std::vector<std::string> Follower::Summary(const std::string& script) const {

@@ -39,6 +39,8 @@ class Follower {
 
   // Begins the next operation of a JTAG script. Returns its place in the script.
   CallSource NextOperation();
+  // Notes that the plug-in has made the call that performs the current operation of a JTAG script.
+  void Perform();
   // Begins a pin operation in the same way. `data` is its data word, which identifies its line.
   CallSource NextPinOperation(const std::uint32_t& data);
 
@@ -61,9 +63,9 @@ class Follower {
   ValueCounts Values() const;
   // Returns the first 1000 expected values that were never read.
   std::vector<const Expectation*> FirstUnread() const;
-  // Returns the number of operations at the end of the plan that did not begin.
+  // Returns the number of operations from the first that was not performed to the end of the plan.
   std::size_t Unreached() const;
-  // Returns whether more operations began than the plan has.
+  // Returns whether the plug-in made more calls than the plan has operations.
   bool Exceeded() const { return exceeded_; }
   // Returns a readable line for each expectation; `script` is the script's name.
   std::vector<std::string> Summary(const std::string& script) const;
@@ -83,8 +85,9 @@ class Follower {
 
   Mode mode_;
   const Plan* plan_ = nullptr;
-  std::size_t next_ = 0;     // the operation after the current one
-  std::size_t current_ = 0;  // the current operation
+  std::size_t next_ = 0;       // the operation after the current one
+  std::size_t current_ = 0;    // the current operation
+  std::size_t performed_ = 0;  // the operations performed without a gap, from the first
   // The first operation of each block that was entered, by the address of its data word.
   std::unordered_map<const std::uint32_t*, std::size_t> block_begins_;
   std::vector<Tally> tallies_;

@@ -238,7 +238,8 @@ void JUnitWriter::OnNotice(const Notice& notice) {
   }
   Case* const one = suite_ != nullptr ? CaseOf(notice.source) : nullptr;
   if (one != nullptr) return AddFault(*one, notice.place.column == 0, notice.text, text);
-  if (errors_.size() < kMostDescribed) errors_.push_back(text);
+  if (errors_.size() == kMostDescribed) errors_.pop_back();  // the last error is the reason
+  errors_.push_back(text);
 }
 
 void JUnitWriter::AddFault(Case& one, bool error, const std::string& message,

@@ -53,7 +53,7 @@ double Decimal(const std::string& text, double most, const char* expected) {
 // Converts hexadecimal digits, with or without 0x, to a register of `length` bits.
 Bits HexBits(std::string digits, int length) {
   TakePrefix(digits, "0x");
-  if (digits.find_first_not_of("0123456789abcdefABCDEF") != std::string::npos) {
+  if (digits.empty() || digits.find_first_not_of("0123456789abcdefABCDEF") != std::string::npos) {
     throw std::invalid_argument(fmt::format("\"{}\" is not a hexadecimal number", digits));
   }
   Bits bits;
@@ -63,7 +63,7 @@ Bits HexBits(std::string digits, int length) {
   }
   const auto length_bits = static_cast<std::ptrdiff_t>(length);
   bits.resize(std::max(bits.size(), static_cast<std::size_t>(length)));
-  if (digits.empty() || std::count(bits.begin() + length_bits, bits.end(), true) > 0) {
+  if (std::count(bits.begin() + length_bits, bits.end(), true) > 0) {
     throw std::invalid_argument(fmt::format("0x{} does not fit in {} bits", digits, length));
   }
   bits.resize(static_cast<std::size_t>(length));

@@ -281,9 +281,9 @@ CLI::App& AddVerb(CLI::App& app, RunCommand& run) {
       ->group(kOutputGroup);
   verb.add_flag("--summary", run.summary, "Print a summary at the end");
   run.plugin = DefaultPluginPath();
-  verb.add_option("--plugin", run.plugin,
-                  "The plug-in to load (default: the one built or installed with icehost)")
-      ->type_name("FILE");
+  NamesFile(
+      verb.add_option("--plugin", run.plugin,
+                      "The plug-in to load (default: the one built or installed with icehost)"));
   AddParsed(verb, "--wire", "MODE", "The wire mode at the start: jtag5, 2wire or cjtag2",
             [&run](const std::string& text) { run.wire_mode = ParseWireMode(text); })
       ->group(kTargetGroup);

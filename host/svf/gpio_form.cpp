@@ -18,8 +18,8 @@ namespace {
 constexpr long kMostPasses = 1000000000;  // the limit for one REPT block
 constexpr double kMostCycles = 1e18;      // the limit for two nested blocks
 constexpr std::size_t kBlockSize = std::string_view("REPT=2\nENDR\n").size();
-// The relative error that rounding may cause when a time is converted to TCK cycles.
-constexpr double kRounding = 1e-12;
+// The relative error that rounding may cause when a time or a rate is converted to TCK cycles.
+constexpr double kRounding = 1e-15;
 // The approximate number of bits between the comments that count the bits of a long scan.
 constexpr std::size_t kBitsPerMark = 64;
 
@@ -39,6 +39,11 @@ ENDR
 
 // The level that TDO must have, or nothing if TDO is not compared.
 using Expected = std::optional<bool>;
+
+// Rounds a product up to a number of TCK cycles, but ignores an excess that is only rounding.
+double RoundedUp(double product) {
+  return std::ceil(product * (1 - kRounding));
+}
 
 class GpioForm : public SvfForm {
  public:
@@ -202,15 +207,16 @@ void GpioForm::Shift(const SvfShift& shift) {
 std::optional<long> GpioForm::CyclesOf(const SvfRunTest& run) {
   const auto hz = tck_hz_.has_value() ? tck_hz_ : file_hz_;
   hz_used_ = true;
-  double cycles = run.cycles;
-  if (hz.has_value() && file_hz_.has_value()) cycles *= std::max(*hz / *file_hz_, 1.0);
-  cycles = std::ceil(cycles * (1 - kRounding));
+  double cycles = std::ceil(run.cycles);
+  if (hz.has_value() && file_hz_.has_value() && *hz > *file_hz_) {
+    cycles = RoundedUp(run.cycles * (*hz / *file_hz_));
+  }
   if (run.seconds > 0) {
     if (!hz.has_value()) {
       Refuse("a wait in seconds needs a TCK rate: put FREQUENCY before it, or use --tck-hz N");
       return std::nullopt;
     }
-    cycles = std::max(cycles, std::ceil(run.seconds * *hz * (1 - kRounding)));
+    cycles = std::max(cycles, RoundedUp(run.seconds * *hz));
   }
   if (cycles > kMostCycles) {
     Refuse(fmt::format("a script can wait for at most {} TCK cycles", kMostCycles));

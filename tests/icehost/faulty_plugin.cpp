@@ -11,6 +11,7 @@ int ImplementScr(LinkHandle handle, char* /*path*/, PrintCallback callback) {
   const char* const variable = std::getenv("FAULT");
   const std::string_view fault = variable != nullptr ? variable : "";
   if (fault == "throw") throw std::runtime_error("out of sorts");
+  if (fault == "odd") throw 1;
   if (fault == "exit") {
     callback("A message.\n");
     std::exit(0);
@@ -20,6 +21,7 @@ int ImplementScr(LinkHandle handle, char* /*path*/, PrintCallback callback) {
     return link_gpio_operator(handle, 0, &data, 0, GPIO_FLAG_READ_IN) < 0 ? -1 : 0;
   }
   if (fault == "query") return link_config(handle, LINK_CONFIG_GET_CDI, 0) < 0 ? -1 : 0;
+  if (fault == "reset") return link_reset(handle, 9);
   if (fault == "config") return link_config(handle, 7, 0);
   if (fault == "insert") {
     std::uint8_t bits[JTAG_IR_MAX_BYTES] = {};

@@ -47,7 +47,8 @@ TEST(Icehost, RunsAsGolden) {
 TEST(Icehost, AnswersAsInSessions) {
   const std::string surroundings =
       "exec 2>&1; MODULE=" ICESCRIPT_MODULE " FAULTY_PLUGIN=" ICESCRIPT_FAULTY_PLUGIN "; ";
-  for (const std::string name : {"command_line", "expectations", "faults", "lines", "outputs", "svf"}) {
+  for (const std::string name :
+       {"command_line", "expectations", "faults", "lines", "outputs", "peers", "svf"}) {
     const std::string path = kGolden + name + ".session";
     std::ifstream session(path);
     ASSERT_TRUE(session.is_open()) << path;
