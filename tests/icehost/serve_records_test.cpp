@@ -166,6 +166,25 @@ TEST(Serve, IsToldInLines) {
 {"reset":"TRST","step":44,"end_step":45}
 {"pins":{"TRST":1,"NRST":1},"step":45,"end_step":46}
 )"},
+      // Clients continue the scan of the client before them, in different TAP states.
+      {kReset + Walk("10") + "|" + Walk("101") + "|" + Walk("10") + "|" + Walk("1100") + "|" +
+           Walk("10101") + "|" + Walk("10"),
+       R"(9 TAP reset (TMS)
+15 DR 0 bits (cut short when the client left)
+17 DR 0 bits (continued) (cut short when the client left)
+23 DR 0 bits (continued)
+31 IR 0 bits (cut short when the client left)
+35 IR 2 bits 0x00 -> 0x01 (continued) (cut short when the client left)
+45 IR 0 bits (continued)
+)",
+       R"({"reset":"TMS","step":9,"end_step":10}
+{"scan":"DR","bits":0,"updated":false,"step":15,"end_step":16}
+{"scan":"DR","bits":0,"updated":false,"continued":true,"step":17,"end_step":22}
+{"scan":"DR","bits":0,"updated":true,"continued":true,"step":23,"end_step":24}
+{"scan":"IR","bits":0,"updated":false,"step":31,"end_step":34}
+{"scan":"IR","bits":2,"in":"0x00","out":"0x01","updated":false,"continued":true,"step":35,"end_step":44}
+{"scan":"IR","bits":0,"updated":true,"continued":true,"step":45,"end_step":46}
+)"},
   };
   for (const auto& client : kClients) {
     EXPECT_EQ(Recorded(icehost::MakeServeTrace, client.bytes), client.trace) << client.bytes;

@@ -54,7 +54,27 @@ for script in examples/read_idcode.ini examples/scratch_register.ini; do
 done
 written "$scratch/calls.svf" --probe "$probe" examples/reset.ini
 grep -q 'warning: --svf: SVF has no statement for NRST' "$scratch/run.log" || fail "no warning about NRST"
-grep -qx '! NRST low, NRST high' "$scratch/calls.svf" || fail "no comment on NRST"
+
+# Each statement and comment for the calls of a script, some of whose values are wrong or not read.
+printf '[A]\nIR=5,1\nDR=R,8\nTDO=2\nIR_TDO=1\n[B]\nIR=5,2\nDR=W,0\n[CONTROL]\nRESET=1\n' >"$scratch/all.ini"
+printf '[C]\nIR=0,0\nDR=W,8,3\n' >>"$scratch/all.ini"
+"$icehost" run -q --keep-going --svf "$scratch/calls.svf" --probe "$probe" "$scratch/all.ini" \
+  >"$scratch/run.log" 2>&1 && fail "a wrong value with OpenOCD"
+sed "s|$scratch/||; 1,3d" "$scratch/calls.svf" | diff - <(cat <<'END'
+! all.ini:3 [A]
+SIR 5 TDI (01);
+SDR 8 TDI (00) TDO (01) MASK (FF);
+! line 5 expects ir_out 0x01, mask 0x1f
+! line 4 expects dr_out 0x02, mask 0xff
+! all.ini:8 [B]
+SIR 5 TDI (02);
+! all.ini:10 [CONTROL]
+! NRST low, NRST high
+! all.ini:13 [C]
+SDR 8 TDI (03);
+! The script failed.
+END
+) || fail "the SVF of calls"
 
 # verdict SCRIPT OPTION...: prints the status of a run.
 verdict() {
