@@ -177,7 +177,7 @@ SvfToken SvfReader::NextToken(Problems& problems) {
   if (text.empty()) return {Kind::kEnd, {}, place};
   if (text[0] == '(') return Value(problems);
   cursor_.Step();
-  if (text[0] == ';') return {Kind::kSemicolon, text.substr(0, 1), place};
+  if (text[0] == ';') return {Kind::kSemicolon, {}, place};
   // A ")" without a "(" is a word.
   while (text[0] != ')' && !EndsWord(cursor_.Rest())) cursor_.Step();
   return {Kind::kWord, text.substr(0, text.size() - cursor_.Rest().size()), place};

@@ -337,12 +337,14 @@ def check_ignored_signals():
 
 def check_half_a_script():
     """After a signal the file of an incomplete script is empty."""
-    write("long.svf", "SDR 64 TDI (5555555555555555);\n" * 20000)
-    process = start("icehost", "import", "--script", "gpio", "long.svf", "-o", "half.gpio")
-    while process.poll() is None and not (os.path.exists("half.gpio") and read("half.gpio")):
-        time.sleep(0.01)
-    process.send_signal(signal.SIGINT)
-    expect("half a script", (process.wait(20), read("half.gpio")), (130, ""))
+    for form, scans in ("gpio", 20000), ("jtag", 150000):
+        write("long.svf", "SDR 64 TDI (5555555555555555);\n" * scans)
+        process = start("icehost", "import", "--script", form, "long.svf", "-o", f"half.{form}")
+        while process.poll() is None and not (os.path.exists(f"half.{form}") and
+                                              os.path.getsize(f"half.{form}")):
+            time.sleep(0.01)
+        process.send_signal(signal.SIGINT)
+        expect(f"half a {form} script", (process.wait(20), read(f"half.{form}")), (130, ""))
 
 
 def check_terminal():
