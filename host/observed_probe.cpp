@@ -50,7 +50,7 @@ ObservedProbe::ObservedProbe(const ProbeOptions& options, int wire_mode, bool re
 }
 
 void ObservedProbe::Begin(const char* function, bool begins_operation) {
-  begin_step_ = probe_->Steps();
+  begin_step_ = Steps();
   events_.BeginCall(function, source_, begins_operation);
   if (begins_operation && recording_ != nullptr) BeginRecording();
 }
@@ -75,7 +75,7 @@ int ObservedProbe::Guard(Ask ask) {
 }
 
 void ObservedProbe::End(const HostCall& call, int result, std::vector<Comparison> comparisons) {
-  events_.EndCall({call, result, std::move(comparisons), source_, {begin_step_, probe_->Steps()}});
+  events_.EndCall({call, result, std::move(comparisons), source_, {begin_step_, Steps()}});
 }
 
 bool ObservedProbe::ResetTapBeforeScan() {
@@ -173,7 +173,9 @@ void ObservedProbe::ReadPlace() {
   pins_->ResetTapBeforeScan();
   pins_->SetPlace(place_ =
                       measures_place_ ? PlaceIn(chain, place_.tap) : ConfirmPlace(chain, place_));
-  if (recording_ != nullptr) BeginRecording();
+  if (recording_ == nullptr) return;
+  BeginRecording();
+  begin_step_ = Steps();
 }
 
 void ObservedProbe::KeepCaptured(const std::uint8_t* capture) {

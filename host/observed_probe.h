@@ -49,6 +49,8 @@ class ObservedProbe : public Probe {
   void End(const HostCall& call, int result, std::vector<Comparison> comparisons = {});
   void KeepCaptured(const std::uint8_t* capture);
   void BeginRecording();
+  // Returns the number of recorded steps so far.
+  std::size_t Steps() const { return recording_ != nullptr ? recording_->Steps() : 0; }
   void FindPlace();
   void ReadPlace();
 

@@ -117,7 +117,7 @@ void JudgeTap(const ChainTap& tap, const std::vector<std::string>& expected,
 }  // namespace
 
 Chain OpenocdChain(const std::string& said, const std::string& table) {
-  const Examination examination = Examine(said);
+  Examination examination = Examine(said);
   Chain chain;
   chain.faults = examination.complaints;
   for (const OpenocdTap& row : ParseScanChain(table)) {
@@ -126,7 +126,11 @@ Chain OpenocdChain(const std::string& said, const std::string& table) {
       continue;
     }
     chain.taps.push_back(TapOf(row, examination));
+    examination.answers.erase(row.name);
     JudgeTap(chain.taps.back(), row.expected, TapTitle(chain, chain.taps.size() - 1), chain.faults);
+  }
+  for (const auto& [name, answer] : examination.answers) {
+    chain.faults.push_back(name + ": OpenOCD found this TAP, but does not list it");
   }
   JudgeIdcodes(chain);
   if (chain.taps.empty() && chain.faults.empty()) chain.faults.emplace_back("OpenOCD has no TAP");

@@ -192,9 +192,11 @@ std::vector<OpenocdTap> ParseScanChain(const std::string& answer) {
     if (columns.size() == 1 && columns[0].rfind("0x", 0) == 0 && !taps.empty()) {
       taps.back().expected.push_back(columns[0]);
     }
-    if (columns.size() < 8 || !NumberIn(columns[0], 10).has_value()) continue;
-    const auto ir_bits = NumberIn(columns[5], 10);
-    if (!ir_bits.has_value() || *ir_bits > INT_MAX) continue;
+    if (columns.empty() || !NumberIn(columns[0], 10).has_value()) continue;
+    const auto ir_bits = columns.size() < 8 ? std::nullopt : NumberIn(columns[5], 10);
+    if (!ir_bits.has_value() || *ir_bits > INT_MAX) {
+      throw IoError(fmt::format("OpenOCD's list of TAPs is not valid: \"{:.80}\"", row));
+    }
     taps.push_back({columns[1], columns[2] == "Y", {columns[4]}, static_cast<int>(*ir_bits)});
   }
   return taps;

@@ -75,7 +75,8 @@ struct OpenocdTap {
   int ir_bits;
 };
 
-// Returns the rows of the table, the TAP nearest to TDO first. Skips other lines.
+// Returns the rows of the table, the TAP nearest to TDO first. Skips lines that do not begin with a
+// number. Throws IoError if another line is not a row.
 std::vector<OpenocdTap> ParseScanChain(const std::string& answer);
 
 // Throws IoError if `tap` is not one of OpenOCD's `taps`.

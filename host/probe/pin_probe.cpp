@@ -28,7 +28,6 @@ std::string WhyNoIr(const Bits& captured) {
 
 void TapWalker::Write(int levels, int enables) {
   port_.Write(levels, enables);
-  ++steps_;
   levels_ = levels;
   enables_ = enables;
   tap_.Update(WireLevels(levels, enables));

@@ -2,7 +2,6 @@
 #ifndef ICESCRIPT_HOST_PROBE_PIN_PROBE_H_
 #define ICESCRIPT_HOST_PROBE_PIN_PROBE_H_
 
-#include <cstddef>
 #include <optional>
 #include <string>
 #include <utility>
@@ -39,7 +38,6 @@ class TapWalker {
   // to Run-Test/Idle, and leaves TCK low. CollectTdo of the port then returns TDO for each bit.
   void Scan(TapState shift, const Bits& in);
 
-  std::size_t Steps() const { return steps_; }
   long TckCycles() const { return tap_.TckCycles(); }
 
  private:
@@ -49,7 +47,6 @@ class TapWalker {
   PinPort& port_;
   int levels_ = GPIO_PIN_ALL;
   int enables_ = 0;
-  std::size_t steps_ = 0;  // the number of calls of Write
   TapTracker tap_;
 };
 
@@ -78,7 +75,6 @@ class PinProbe : public Probe {
   bool ResetTapBeforeScan() override;
   const ChainScan* WholeChain() const override;
   int ReportedPins() const override { return port_.ReportedPins(); }
-  std::size_t Steps() const override { return walker_.Steps(); }
   std::optional<long> TckCycles() const override { return walker_.TckCycles(); }
 
  private:

@@ -1,7 +1,6 @@
 #ifndef ICESCRIPT_HOST_PROBE_PROBE_H_
 #define ICESCRIPT_HOST_PROBE_PROBE_H_
 
-#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -42,8 +41,6 @@ class Probe {
   // Returns the bits of the last scan in the whole chain. Returns null if the TAP is alone, or if
   // the probe hides the other TAPs.
   virtual const ChainScan* WholeChain() const { return nullptr; }
-  // Returns the number of writes to the pins so far; 0 if the probe shows no pins.
-  virtual std::size_t Steps() const { return 0; }
   // Returns the number of TCK cycles so far; nothing if the probe does not know it.
   virtual std::optional<long> TckCycles() const { return std::nullopt; }
 };

@@ -56,7 +56,6 @@ class XvcProbe : public PinProbe {
   explicit XvcProbe(Socket socket) : XvcProbe(std::make_unique<XvcPort>(std::move(socket))) {}
 
   int Gpio(int out_value, std::uint32_t& data, int oe_mask, int flags) override;
-  std::size_t Steps() const override { return 0; }
 
  private:
   explicit XvcProbe(std::unique_ptr<XvcPort> port)

@@ -351,10 +351,22 @@ TEST(Detect, TakesOpenocdsWord) {
       {found, head + " 0 a.tap Y 0 0x00000000 1 1 3",
        "a.tap1ce51001/1; !TAP 1 (a.tap): an IR must have at least 2 bits"},
       {"", "", "; !OpenOCD has no TAP"},
-      {"", head + " 0 a.tap Y 0 0 9999999999 1 3\n", "; !OpenOCD has no TAP"},
+      {found, head + " 0 b.tap Y 0 0x00000000 5 1 3\n 1 a.tap N 0 0x00000000 5 1 3",
+       "b.tap-/5; a.tap is declared but disabled, so it is not in the chain; !TAP 1 (b.tap): "
+       "OpenOCD "
+       "read nothing; !a.tap: OpenOCD found this TAP, but does not list it"},
   };
   for (const auto& answer : kAnswers) {
     EXPECT_EQ(Told(icehost::OpenocdChain(answer.said, answer.table)), answer.told) << answer.said;
+  }
+  for (const std::string row : {" 0 a.tap Y 0 0 9999999999 1 3", "0 a.tap Y 0 0 x 1 3", "0 a 5"}) {
+    std::string refused;
+    try {
+      icehost::OpenocdChain("", head + row + "\n");
+    } catch (const icehost::IoError& error) {
+      refused = error.what();
+    }
+    EXPECT_EQ(refused, "OpenOCD's list of TAPs is not valid: \"" + row + "\"");
   }
 }
 

@@ -13,7 +13,7 @@ int ImplementScr(LinkHandle handle, char* /*path*/, PrintCallback callback) {
   if (fault == "throw") throw std::runtime_error("out of sorts");
   if (fault == "odd") throw 1;
   if (fault == "exit") {
-    callback("A message.\n");
+    callback("A message.");
     std::exit(0);
   }
   if (fault == "read pins") {
