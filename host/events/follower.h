@@ -87,7 +87,7 @@ class Follower {
   const Plan* plan_ = nullptr;
   std::size_t next_ = 0;       // the operation after the current one
   std::size_t current_ = 0;    // the current operation
-  std::size_t performed_ = 0;  // the operations performed without a gap, from the first
+  std::size_t performed_ = 0;  // how many operations were performed, up to the first gap
   // The first operation of each block that was entered, by the address of its data word.
   std::unordered_map<const std::uint32_t*, std::size_t> block_begins_;
   std::vector<Tally> tallies_;

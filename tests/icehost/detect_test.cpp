@@ -353,8 +353,7 @@ TEST(Detect, TakesOpenocdsWord) {
       {"", "", "; !OpenOCD has no TAP"},
       {found, head + " 0 b.tap Y 0 0x00000000 5 1 3\n 1 a.tap N 0 0x00000000 5 1 3",
        "b.tap-/5; a.tap is declared but disabled, so it is not in the chain; !TAP 1 (b.tap): "
-       "OpenOCD "
-       "read nothing; !a.tap: OpenOCD found this TAP, but does not list it"},
+       "OpenOCD read nothing; !a.tap: OpenOCD found this TAP, but does not list it"},
   };
   for (const auto& answer : kAnswers) {
     EXPECT_EQ(Told(icehost::OpenocdChain(answer.said, answer.table)), answer.told) << answer.said;
