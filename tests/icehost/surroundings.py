@@ -339,9 +339,9 @@ def check_half_a_script():
     """After a signal the file of an incomplete script is empty."""
     for form, scans in ("gpio", 20000), ("jtag", 150000):
         write("long.svf", "SDR 64 TDI (5555555555555555);\n" * scans)
+        write(f"half.{form}", "")
         process = start("icehost", "import", "--script", form, "long.svf", "-o", f"half.{form}")
-        while process.poll() is None and not (os.path.exists(f"half.{form}") and
-                                              os.path.getsize(f"half.{form}")):
+        while process.poll() is None and os.path.getsize(f"half.{form}") == 0:
             time.sleep(0.01)
         process.send_signal(signal.SIGINT)
         expect(f"half a {form} script", (process.wait(20), read(f"half.{form}")), (130, ""))
