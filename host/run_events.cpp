@@ -38,7 +38,6 @@ void RunEvents::BeginRound(long round) {
 }
 
 void RunEvents::PassOnRound() {
-  if (round_ == 0) return;
   log_.PassOn(Now());
   console_.Release();
 }
@@ -78,7 +77,7 @@ void RunEvents::EndScript(ScriptEnd end) {
 }
 
 void RunEvents::Abandon(const std::string& why) {
-  if (round_ != 0) log_.PassOn(Now());
+  log_.PassOn(Now());
   Tell({0, 0}, why, Severity::kError);
   console_.Close();
   Complain(WithRound(why));

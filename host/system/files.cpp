@@ -76,8 +76,7 @@ std::string ReadInput(const std::string& path, std::size_t limit) try {
   struct stat status = {};
   if (stat(path.c_str(), &status) != 0) Fail(path);
   if (S_ISDIR(status.st_mode)) throw IoError(path + ": is a directory");
-  // Without O_NONBLOCK, open would wait for a writer of a FIFO, and no signal would end the wait.
-  const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+  const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
   if (fd < 0) Fail(path);
   const std::unique_ptr<const int, void (*)(const int*)> closer(
       &fd, [](const int* file) { close(*file); });

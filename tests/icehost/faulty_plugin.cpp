@@ -23,9 +23,13 @@ int ImplementScr(LinkHandle handle, char* /*path*/, PrintCallback callback) {
   if (fault == "query") return link_config(handle, LINK_CONFIG_GET_CDI, 0) < 0 ? -1 : 0;
   if (fault == "reset") return link_reset(handle, 9);
   if (fault == "config") return link_config(handle, 7, 0);
-  if (fault == "insert") {
+  if (fault == "insert" || fault == "repeat") {
     std::uint8_t bits[JTAG_IR_MAX_BYTES] = {};
-    return link_jtag_insert(handle, 5, bits, 8, bits);
+    const int inserted = link_jtag_insert(handle, 5, bits, 8, bits);
+    if (fault == "insert") return inserted;
+    std::uint8_t capture[JTAG_CAPTURE_BYTES] = {};
+    link_jtag_execute(handle, capture);
+    return link_jtag_execute(handle, capture);
   }
   if (fault == "quick_exit") std::quick_exit(0);
   return 0;
