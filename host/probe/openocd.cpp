@@ -108,28 +108,25 @@ OpenocdProbe::OpenocdProbe(Socket socket, std::string tap)
     : rpc_(std::move(socket)), tap_(std::move(tap)) {
   try {
     ChooseTap();
-    ir_length_ = DeclaredIrLength();
   } catch (const Unsupported& error) {
     throw IoError(error.what());  // no script can run without a TAP
   }
 }
 
 void OpenocdProbe::ChooseTap() {
-  const std::vector<std::string> taps = WordsOf(rpc_.Ask("jtag names"));
-  if (taps.empty()) throw IoError("OpenOCD has no TAP");
-  if (tap_.empty() && taps.size() == 1) tap_ = taps.front();
-  if (tap_.empty()) {
-    throw IoError(
-        fmt::format("OpenOCD has several TAPs: name one in --probe ({})", fmt::join(taps, ", ")));
-  }
-  RefuseUnknownTap(taps, tap_);
-}
-
-int OpenocdProbe::DeclaredIrLength() {
+  std::vector<std::string> names;
   for (const OpenocdTap& tap : ParseScanChain(rpc_.Ask(kAskScanChain))) {
-    if (tap.name == tap_) return tap.ir_bits;
+    if (!tap.enabled) continue;  // a disabled TAP is not in the chain
+    if (tap_.empty() || tap.name == tap_) ir_length_ = tap.ir_bits;
+    names.push_back(tap.name);
   }
-  throw IoError("OpenOCD does not report the IR length of " + tap_);
+  if (names.empty()) throw IoError("OpenOCD has no TAP");
+  if (tap_.empty() && names.size() > 1) {
+    throw IoError(
+        fmt::format("OpenOCD has several TAPs: name one in --probe ({})", fmt::join(names, ", ")));
+  }
+  if (tap_.empty()) tap_ = names.front();
+  RefuseUnknownTap(names, tap_);
 }
 
 int OpenocdProbe::Config(int code, int value) {

@@ -42,7 +42,8 @@ class OpenocdRpc {
 // interface and commands that OpenOCD refuses, and IoError as OpenocdRpc::Ask does.
 class OpenocdProbe : public Probe {
  public:
-  // `tap` may be empty if OpenOCD has only one TAP. Throws IoError if OpenOCD has no such TAP.
+  // `tap` may be empty if OpenOCD has only one enabled TAP. Throws IoError if no enabled TAP has this
+  // name.
   OpenocdProbe(Socket socket, std::string tap);
 
   int Config(int code, int value) override;
@@ -55,7 +56,6 @@ class OpenocdProbe : public Probe {
 
  private:
   void ChooseTap();
-  int DeclaredIrLength();
 
   OpenocdRpc rpc_;
   std::string tap_;

@@ -37,9 +37,10 @@ $arm
 b.tap is declared but disabled, so it is not in the chain"
 detect 0 -q --script --probe "$probe:a.tap"
 holds err.txt ''
-"$icehost" run -q --strict --probe "$probe:a.tap" "$scratch/out.txt" || fail "the script does not pass"
+"$icehost" run -q --strict --probe "$probe" "$scratch/out.txt" || fail "the script does not pass"
 detect 3 --probe "$probe:b.tap"
 holds err.txt 'icehost: OpenOCD has no TAP "b.tap": expected a.tap'
+"$icehost" run -q --probe "$probe:b.tap" "$scratch/out.txt" && fail 'a script ran on a disabled TAP'
 # If the target is gone, detect must not report the IDCODEs that OpenOCD read when it started.
 stop TERM "$server"
 detect 3 --probe "$probe"
