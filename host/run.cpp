@@ -364,10 +364,16 @@ void Runner::OnExit() {
 
 ExitStatus Runner::EndWithPlugin() noexcept try {
   const Rescue::Scope working(rescue_, Rescue::State::kWorking);
-  Script& script = *std::exchange(in_plugin_, nullptr);
-  events_.Flush();
-  events_.Say(fmt::format("{}: the plug-in ended the process", script.path));
-  EndScript(kScriptFailed);
+  const Script& script = *std::exchange(in_plugin_, nullptr);
+  const std::string why = fmt::format("{}: the plug-in ended the process", script.path);
+  try {
+    events_.Flush();
+    events_.Say(why);
+    EndScript(kScriptFailed);
+  } catch (const IoError& error) {  // standard output is lost
+    events_.Abandon(why);
+    BreakOff(error.what());
+  }
   totals_.EndRound(kScriptFailed);
   return EndSpawned(command_.probe, Complete(kScriptFailed));
 } catch (const std::exception& error) {
