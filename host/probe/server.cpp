@@ -119,7 +119,7 @@ void Server::Run() {
 }
 
 bool Server::OwesAPart() const {
-  return client_ != nullptr && !client_->gone && client_->HasLeft();
+  return client_ != nullptr && !client_->gone && (plays_ || client_->HasLeft());
 }
 
 // Waits for an event. After a signal, does not check the port, whose server may have ended, too.
@@ -182,7 +182,9 @@ void Server::Answer() {
   const std::size_t received = std::exchange(client_->received, 0);
   client_->answers.clear();
   observer_.OnBytes(received);
+  plays_ = true;
   const bool open = session_.Feed({client_->bytes.data(), received}, client_->answers);
+  plays_ = false;
   client_->last_heard = Clock::now();
   observer_.OnDone();
   if (const std::string fault = session_.Fault(); !fault.empty()) observer_.OnFault(fault);

@@ -42,8 +42,8 @@ class Server {
   // Interrupted if this takes longer than 200 ms, or than AllowAfterSignal allows. Throws IoError
   // if clients can no longer be accepted, or if the port is lost, even while idle.
   void Run();
-  // Returns whether the last client has left, but some of its bytes may not have been played. For
-  // use after Run has thrown.
+  // Returns whether some bytes that clients have sent may not have been played. For use after Run has
+  // thrown.
   bool OwesAPart() const;
 
  private:
@@ -65,6 +65,7 @@ class Server {
   // Shared with pending operations, which may end later than the server.
   std::shared_ptr<Arrival> arrival_;
   std::shared_ptr<Client> client_;
+  bool plays_ = false;  // the session is playing bytes of the client
 };
 
 }  // namespace icehost
