@@ -26,6 +26,7 @@ static_assert(kMostScanBits == 1048576);
 constexpr const char* kPause = "a scan went through a Pause state, but a player's scan does not";
 constexpr const char* kNoIdle =
     "scans followed each other without Run-Test/Idle between them, but a player enters this state";
+constexpr const char* kResetFollows = "a reset follows without Run-Test/Idle";
 
 bool IsShift(std::optional<TapState> state) {
   return state == TapState::kShiftDr || state == TapState::kShiftIr;
@@ -175,7 +176,8 @@ void SvfPinWriter::OnNewState(TapState from, TapState to) {
 }
 
 void SvfPinWriter::OnScan(const TapScan& scan) {
-  if (!scan.updated || scan.in.empty() || scan.left_out > 0) return LoseScan(scan);
+  const bool whole = scan.updated && !scan.continued;
+  if (!whole || scan.in.empty() || scan.left_out > 0) return LoseScan(scan);
   const bool lines = begin_.source.section == nullptr && begin_.path == current_.path;
   const int last_line = lines ? current_.source.line : 0;
   held_ = {ScanOf(scan), begin_, last_line, paused_};
@@ -186,7 +188,7 @@ void SvfPinWriter::LoseScan(const TapScan& scan) {
   BeginStatement();
   const std::string what =
       fmt::format("scan of {} {} bits: ", scan.in.size() + scan.left_out, Column(scan.ir));
-  if (!scan.updated) {
+  if (!scan.updated || scan.continued) {
     Lose(kCutScan, what + "cut short, left out");
   } else if (scan.in.empty()) {
     Lose(kEmptyScan, what + "left out");
@@ -250,9 +252,7 @@ void SvfPinWriter::OnTapReset(bool by_trst, StepRange /*steps*/) {
   const bool held = held_.has_value();
   if (held) WriteScan(held_->scan.ir ? "IRPAUSE" : "DRPAUSE");
   BeginStatement();
-  if (updated && !held) {
-    Lose(kNoIdle, "a reset follows without Run-Test/Idle");
-  }
+  if (updated && !held) Lose(kNoIdle, kResetFollows);
   Statement("STATE RESET");
 }
 
@@ -264,6 +264,7 @@ void SvfPinWriter::OnIdle(long cycles, StepRange /*steps*/) {
 void SvfPinWriter::OnResetPins(int levels, StepRange /*steps*/) {
   BeginStatement();
   const int changed = std::exchange(reset_levels_, levels) ^ levels;
+  if ((changed & ~levels & GPIO_PIN_TRST) != 0 && updated_) Lose(kNoIdle, kResetFollows);
   if ((changed & GPIO_PIN_NRST) != 0) {
     Lose(kNoNrst, (levels & GPIO_PIN_NRST) != 0 ? "NRST high" : "NRST low");
   }
@@ -319,6 +320,7 @@ void SvfPinWriter::Write(const Note& note) {
 }
 
 void SvfPinWriter::OnScriptEnd(const ScriptEnd& end) {
+  Advance();
   if (end.ran) return;
   WriteScan(kIdle);
   Comment("The script failed.");
@@ -326,7 +328,6 @@ void SvfPinWriter::OnScriptEnd(const ScriptEnd& end) {
 
 void SvfPinWriter::End(const PageHead& /*head*/) {
   decoder_.End();
-  Advance();
   WriteScan(kIdle);
 }
 
