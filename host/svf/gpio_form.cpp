@@ -119,7 +119,7 @@ void GpioForm::Clock(bool tms, bool tdi, Expected tdo, long times) {
   if (tdo.has_value()) high += fmt::format("PRINT=GPIO_IN # expect TDO={:d}\n", *tdo);
   high += "TCK=1\n";
   Repeat(low + high, "TCK=0" + high, times);
-  if (!trst_low_) tap_ = NextTapState(tap_, tms);
+  tap_ = NextTapState(tap_, tms);
 }
 
 // SVF does not define which bits a STATE statement shifts on its path. The script shifts zeros.
@@ -208,9 +208,7 @@ std::optional<long> GpioForm::CyclesOf(const SvfRunTest& run) {
   const auto hz = tck_hz_.has_value() ? tck_hz_ : file_hz_;
   hz_used_ = true;
   double cycles = std::ceil(run.cycles);
-  if (hz.has_value() && file_hz_.has_value() && *hz > *file_hz_) {
-    cycles = RoundedUp(run.cycles * (*hz / *file_hz_));
-  }
+  if (file_hz_.has_value() && *hz > *file_hz_) cycles = RoundedUp(run.cycles / *file_hz_ * *hz);
   if (run.seconds > 0) {
     if (!hz.has_value()) {
       Refuse("a wait in seconds needs a TCK rate: put FREQUENCY before it, or use --tck-hz N");
@@ -235,7 +233,7 @@ void GpioForm::RunTest(const SvfRunTest& run) {
   const auto hz = tck_hz_.has_value() ? tck_hz_ : file_hz_;
   const bool timed = run.seconds > 0 || file_hz_.has_value();
   WriteLine(timed ? fmt::format(", long enough for TCK of up to {} Hz", *hz) : "");
-  if (trst_low_) NoteReset(run.state);
+  if (trst_low_) NoteReset(run.state == TapState::kTestLogicReset ? run.end : run.state);
   MoveTo(run.state);
   const bool tms = tap_ == TapState::kTestLogicReset;
   if (*cycles > 0) Clock(tms, tdi_, std::nullopt, *cycles);

@@ -155,7 +155,6 @@ void JtagForm::WriteIr() {
   Comment("no DR scan: only the instruction is loaded");
   Section(new_ir_->line, new_ir_->shift, {});
   new_ir_.reset();
-  has_ir_ = true;
 }
 
 void JtagForm::EndState(bool ir, TapState state) {
@@ -226,7 +225,6 @@ void JtagForm::Idle(double cycles, double seconds) {
 
 void JtagForm::Reset() {
   WriteIr();
-  has_ir_ = false;
   if (scanned_ && !reset_.has_value()) reset_ = At();
   if (!scanned_ && !std::exchange(resets_, true)) Comment("reset TAP");
   LeaveOut(scanned_ ? "no scan follows" : "icehost resets the TAP before the first scan");

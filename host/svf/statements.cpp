@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cmath>
 
 #include "base/text.h"
 
@@ -103,7 +102,7 @@ std::optional<std::size_t> LengthOf(const SvfStatement& statement, std::size_t m
   const char* const text_end = word.text.data() + word.text.size();
   std::size_t length = 0;
   const auto [end, error] = std::from_chars(word.text.data(), text_end, length);
-  if (word.kind != Kind::kWord || error == std::errc::invalid_argument || end != text_end) {
+  if (word.kind != Kind::kWord || end != text_end) {
     problems.Error(word.place, fmt::format("{} is not a length in bits", Quoted(word)));
     return std::nullopt;
   }
@@ -231,9 +230,7 @@ std::optional<double> SvfNumber(const SvfToken& token) {
   if (token.kind != Kind::kWord || text[0] < '.' || text[0] > '9') return std::nullopt;
   double number = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (error != std::errc() || end != text.data() + text.size() || !std::isfinite(number)) {
-    return std::nullopt;
-  }
+  if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
   return number;
 }
 
