@@ -64,8 +64,8 @@ void RoundLog::BeginRound(long round) {
 }
 
 // Removes each event from the list before passing it on, so that a Rescue can pass on the rest.
-void RoundLog::PassOn(RunTime now) {
-  if (!open_ && failed_rounds_ == kMostFailedRounds) return;
+std::vector<std::string> RoundLog::PassOn(RunTime now) {
+  if (!open_ && failed_rounds_ == kMostFailedRounds) return {};
   const bool last = !open_ && ++failed_rounds_ == kMostFailedRounds;
   open_ = true;
   kept_steps_ = 0;
@@ -74,15 +74,21 @@ void RoundLog::PassOn(RunTime now) {
     kept_.pop_front();
     next.pass();
   }
+  std::vector<std::string> warnings;
   if (std::exchange(cut_, false)) {
-    Warn("is too long to keep in memory: the outputs omit its calls and steps up to this point",
-         now);
+    warnings.push_back(
+        fmt::format("round {} is too long to keep in memory: the outputs omit its calls and steps "
+                    "up to this point",
+                    round_));
   }
-  if (last) Warn("failed; later rounds are not recorded, because too many rounds failed", now);
-}
-
-void RoundLog::Warn(const char* what, RunTime now) {
-  OnNotice({Severity::kWarning, fmt::format("round {} {}", round_, what), "", {}, {}, now});
+  if (last) {
+    warnings.push_back(fmt::format(
+        "round {} failed; later rounds are not recorded, because too many rounds failed", round_));
+  }
+  for (const std::string& warning : warnings) {
+    OnNotice({Severity::kWarning, warning, "", {}, {}, now});
+  }
+  return warnings;
 }
 
 template <class Pass>

@@ -28,8 +28,8 @@ class RoundLog : public EventListener, public StepRecorder {
   // Passes on the current round, which has failed: its events so far, and from now on its later
   // events. If the round was too long to keep, a warning replaces its calls and steps so far. In
   // the 1000th round passed on this way, a warning says that later rounds are not passed on. `now`
-  // is the time of the warnings.
-  void PassOn(RunTime now);
+  // is the time of the warnings. Returns them, for the user.
+  std::vector<std::string> PassOn(RunTime now);
 
   void OnScript(const ScriptBegin& script) override;
   void OnResetRequest() override;
@@ -57,7 +57,6 @@ class RoundLog : public EventListener, public StepRecorder {
   template <class Pass>
   void Detail(std::size_t bytes, const Pass& pass);
   void DropDetails();
-  void Warn(const char* what, RunTime now);
   StepRange Renumbered(const StepRange& steps) const;
 
   std::vector<EventListener*> listeners_;

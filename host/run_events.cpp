@@ -38,8 +38,9 @@ void RunEvents::BeginRound(long round) {
 }
 
 void RunEvents::PassOnRound() {
-  log_.PassOn(Now());
+  const std::vector<std::string> warnings = log_.PassOn(Now());
   console_.Release();
+  for (const std::string& warning : warnings) console_.Say("icehost: " + warning);
 }
 
 RunTime RunEvents::Now() const {
@@ -77,9 +78,10 @@ void RunEvents::EndScript(ScriptEnd end) {
 }
 
 void RunEvents::Abandon(const std::string& why) {
-  log_.PassOn(Now());
+  const std::vector<std::string> warnings = log_.PassOn(Now());
   Tell({0, 0}, why, Severity::kError);
   console_.Close();
+  for (const std::string& warning : warnings) Complain(warning);
   Complain(WithRound(why));
 }
 
