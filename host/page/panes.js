@@ -39,7 +39,8 @@ function lineHash(source, line) {
 
 // Returns the text of an error without the place at its beginning.
 function errorText(entry) {
-  const place = `${data.sources[entry.source]?.name}:${entry.line}:`;
+  const name = data.sources[entry.source]?.name.replace(/, round \d+$/, "");
+  const place = `${name}:${entry.line}:`;
   if (!entry.text.startsWith(place)) return entry.text;
   return entry.text.slice(place.length).replace(/^\d+:/, "").trim();
 }

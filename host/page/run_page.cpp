@@ -164,8 +164,10 @@ void RunPage::OnMessage(const char* text) {
   writer_.AddMessage(text);
 }
 
+// The page counts an entry with a line as a failure of this line.
 void RunPage::OnNotice(const Notice& notice) {
-  errors_.push_back({PlacedText(notice), notice.place.line});
+  const bool failure = notice.severity == Severity::kError;
+  errors_.push_back({PlacedText(notice), failure ? notice.place.line : 0});
 }
 
 void RunPage::OnScriptEnd(const ScriptEnd& /*end*/) {
