@@ -94,7 +94,8 @@ class ChainReader {
   // Each of these functions returns whether the next one can run.
   bool ReadIdcodes();
   bool ReadIrs();
-  bool CountBypasses();
+
+  void CountBypasses();
 
   std::optional<Bits> ReadTwice(From from, TapState shift, const Bits& in, const char* what);
   void TakeTaps(const Bits& out, std::size_t begin_below, std::size_t end);
@@ -227,19 +228,19 @@ void ChainReader::TakeIr(const Bits& captured) {
   }
 }
 
-bool ChainReader::CountBypasses() {
+void ChainReader::CountBypasses() {
   const Bits in = MarkedBits(kMostTaps);
   const auto out = ReadTwice(From::kHere, TapState::kShiftDr, in, "BYPASS");
-  if (!out.has_value()) return false;
+  if (!out.has_value()) return;
   const std::size_t taps = chain_.taps.size();
   const auto length = LengthBetween(in, *out);
   if (length != taps) {
     const std::string bits = length.has_value() ? fmt::to_string(*length) : "more than 64";
-    return Fail(fmt::format("{} answered after the reset, but in BYPASS the chain has {} bits",
-                            CountedTaps(taps), bits));
+    Fail(fmt::format("{} answered after the reset, but in BYPASS the chain has {} bits",
+                     CountedTaps(taps), bits));
+  } else if (Slice(*out, 0, taps) != Bits(taps)) {
+    Fail("a TAP in BYPASS answered with 1, not 0");
   }
-  if (Slice(*out, 0, taps) != Bits(taps)) return Fail("a TAP in BYPASS answered with 1, not 0");
-  return true;
 }
 
 }  // namespace

@@ -8,7 +8,6 @@
 #include <memory>
 #include <optional>
 #include <ostream>
-#include <set>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -76,11 +75,8 @@ struct Counts {
 
 // Adds a case for each section of a JTAG script.
 void AddSections(const Plan& plan, std::vector<Case>& cases) {
-  std::set<std::string_view> names;
   for (const JtagOperation& operation : plan.jtag) {
-    const bool is_new = names.insert(operation.section).second;
-    const std::string more = is_new ? "" : fmt::format(" (line {})", operation.line);
-    cases.push_back({operation.section + more, operation.line});
+    cases.push_back({operation.section, operation.line});
   }
 }
 

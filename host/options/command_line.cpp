@@ -48,7 +48,7 @@ void AppendOptions(const CLI::App& app, Texts& options) {
 // Returns a text such as " (did you mean check?)", or an empty text if no known word is similar.
 std::string Hint(const std::string& word, const Texts& known) {
   // All options of one letter are similar to each other, so a hint would not help.
-  if (word.size() > 1 && word[0] == '-' && word[1] != '-') return "";
+  if (word[0] == '-' && word[1] != '-') return "";
   return InParentheses(DidYouMean(Nearest(word, Words(known.begin(), known.end()))));
 }
 

@@ -24,13 +24,13 @@ bool TakePrefix(std::string& text, const std::string& prefix) {
 
 // Parses the whole text as a number from 0 to `most`, in base 10 or 16.
 std::uint64_t Number(const std::string& text, int base, std::uint64_t most) {
-  const bool starts_well = !text.empty() && std::isxdigit(static_cast<unsigned char>(text[0])) != 0;
+  const bool starts_well = std::isxdigit(static_cast<unsigned char>(text[0])) != 0;
   std::size_t end = 0;
   std::uint64_t value = 0;
   try {
     if (starts_well) value = std::stoull(text, &end, base);
   } catch (const std::exception&) {
-    end = 0;  // the text has no valid digit, or too many digits
+    // The text has no valid digit, or too many digits, and `end` is still 0.
   }
   if (end == 0 || end != text.size() || value > most) {
     throw std::invalid_argument(
@@ -123,7 +123,7 @@ std::uint64_t ParseInstruction(const std::string& text) {
 void ParseRegister(const std::string& text, TargetOptions& target) {
   const std::size_t colon = text.find(':');
   const std::size_t equals = std::min(text.find('='), text.size());
-  if (colon == std::string::npos || colon > equals) {
+  if (colon > equals) {
     throw std::invalid_argument("expected IR:BITS or IR:BITS=HEX");
   }
   const std::uint64_t instruction = ParseInstruction(text.substr(0, colon));

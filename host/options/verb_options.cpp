@@ -1,5 +1,7 @@
 #include "host/options/verb_options.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <functional>
 #include <memory>
@@ -173,13 +175,16 @@ void CompletePlace(const CLI::App& verb, ProbeOptions& probe) {
   };
   if (lengths.empty() && !chosen) return;
   if (probe.kind->only_tap != nullptr) {
-    refuse("--tap", std::string(probe.kind->title) + " knows the chain: name the TAP in --probe");
+    refuse(chosen ? "--tap" : "--chain",
+           std::string(probe.kind->title) + " knows the chain: name the TAP in --probe");
   }
   probe.measures_place = lengths.empty();
   if (probe.measures_place) return;
   if (lengths.size() > 1 && !chosen) refuse("--chain", "with several TAPs, --tap is required");
   if (probe.place.tap >= lengths.size()) {
-    refuse("--tap", "the chain has only " + std::to_string(lengths.size()) + " TAPs");
+    refuse("--tap", lengths.size() == 1
+                        ? "the chain has only 1 TAP"
+                        : fmt::format("the chain has only {} TAPs", lengths.size()));
   }
   if (!probe.kind->has_target) return;
   const int length = lengths[probe.place.tap];
