@@ -61,7 +61,7 @@ TEST(Serve, IsToldInLines) {
     std::string trace;
     std::string json;
   } kClients[] = {
-      {Walk("1111") + "R" + Walk("0100"), "", ""},  // the TAP state is unknown
+      {Walk("1111") + "R" + Walk("011110100"), "", ""},  // the TAP state is unknown
       {kReset + Scan(kIr, "01000"), "9 TAP reset (TMS)\n17 IR 5 bits 0x02 -> 0x01\n",
        R"({"reset":"TMS","step":9,"end_step":10}
 {"scan":"IR","bits":5,"in":"0x02","out":"0x01","updated":true,"step":17,"end_step":32}
@@ -168,22 +168,22 @@ TEST(Serve, IsToldInLines) {
 )"},
       // Clients continue the scan of the client before them, in different TAP states.
       {kReset + Walk("10") + "|" + Walk("101") + "|" + Walk("10") + "|" + Walk("1100") + "|" +
-           Walk("10101") + "|" + Walk("10"),
+           Walk("101") + "|" + Walk("10"),
        R"(9 TAP reset (TMS)
 15 DR 0 bits (cut short when the client left)
 17 DR 0 bits (continued) (cut short when the client left)
 23 DR 0 bits (continued)
 31 IR 0 bits (cut short when the client left)
-35 IR 2 bits 0x00 -> 0x01 (continued) (cut short when the client left)
-45 IR 0 bits (continued)
+35 IR 1 bits 0x00 -> 0x01 (continued) (cut short when the client left)
+41 IR 0 bits (continued)
 )",
        R"({"reset":"TMS","step":9,"end_step":10}
 {"scan":"DR","bits":0,"updated":false,"step":15,"end_step":16}
 {"scan":"DR","bits":0,"updated":false,"continued":true,"step":17,"end_step":22}
 {"scan":"DR","bits":0,"updated":true,"continued":true,"step":23,"end_step":24}
 {"scan":"IR","bits":0,"updated":false,"step":31,"end_step":34}
-{"scan":"IR","bits":2,"in":"0x00","out":"0x01","updated":false,"continued":true,"step":35,"end_step":44}
-{"scan":"IR","bits":0,"updated":true,"continued":true,"step":45,"end_step":46}
+{"scan":"IR","bits":1,"in":"0x00","out":"0x01","updated":false,"continued":true,"step":35,"end_step":40}
+{"scan":"IR","bits":0,"updated":true,"continued":true,"step":41,"end_step":42}
 )"},
   };
   for (const auto& client : kClients) {
