@@ -42,8 +42,8 @@ class OpenocdRpc {
 // interface and commands that OpenOCD refuses, and IoError as OpenocdRpc::Ask does.
 class OpenocdProbe : public Probe {
  public:
-  // `tap` may be empty if OpenOCD has only one enabled TAP. Throws IoError if no enabled TAP has this
-  // name.
+  // `tap` may be empty if OpenOCD has only one enabled TAP. Throws IoError if OpenOCD has no such
+  // TAP, or the TAP is disabled.
   OpenocdProbe(Socket socket, std::string tap);
 
   int Config(int code, int value) override;

@@ -42,8 +42,8 @@ class Server {
   // Interrupted if this takes longer than 200 ms, or than AllowAfterSignal allows. Throws IoError
   // if clients can no longer be accepted, or if the port is lost, even while idle.
   void Run();
-  // Returns whether some bytes that clients have sent may not have been played. For use after Run has
-  // thrown.
+  // Returns whether some bytes that clients have sent may not have been played. For use after Run
+  // has thrown.
   bool OwesAPart() const;
 
  private:
