@@ -207,8 +207,7 @@ void WarnOfPinExpectation(const ScriptLine& line, Problems& problems) {
 }
 
 bool MentionsExpectation(std::string_view content) {
-  return content.find("xpect") != std::string_view::npos ||
-         content.find("XPECT") != std::string_view::npos;
+  return AfterExpect(content).has_value();
 }
 
 }  // namespace icehost
