@@ -1,10 +1,13 @@
 #include "host/system/interrupt.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
+#include <future>
 #include <mutex>
 #include <thread>
 #include <utility>
@@ -26,6 +29,7 @@ std::atomic<Clock::time_point> work_ends{};  // must be set before `interrupted`
 // These objects are never destroyed, because threads may use them while the process ends.
 std::mutex& rescue_lock = *new std::mutex;
 std::function<bool()>& rescue = *new std::function<bool()>;
+std::promise<void>& signal_arrived = *new std::promise<void>;
 
 bool IsRescued() {
   const std::lock_guard<std::mutex> lock(rescue_lock);
@@ -38,6 +42,7 @@ void SetRescue(std::function<bool()> wanted) {
 }
 
 void EndWithoutMain() {
+  signal_arrived.get_future().wait();
   std::this_thread::sleep_until(work_ends.load());
   do {
     std::this_thread::sleep_for(kGrace);
@@ -53,7 +58,7 @@ void OnSignal(int signal) {
     work_ends = first + allowed.load();
     interrupted = true;
     EventLoop().stop();
-    std::thread(EndWithoutMain).detach();
+    signal_arrived.set_value();
   } else if (Clock::now() - first > kGrace) {
     std::_Exit(kSignalOffset + signal);
   }
@@ -81,9 +86,11 @@ void CatchInterrupts() try {
     if (!IsIgnored(signal)) sigaddset(&signals, signal);
   }
   pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+  // Both threads start here, because a thread that cannot start after a signal could not report it.
   std::thread(AwaitSignals, signals).detach();
+  std::thread(EndWithoutMain).detach();
 } catch (const std::system_error& error) {
-  throw IoError(error.what());
+  throw IoError(fmt::format("cannot start a thread: {}", error.what()));
 }
 
 void AllowAfterSignal(std::chrono::milliseconds time) {

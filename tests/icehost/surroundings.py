@@ -109,25 +109,37 @@ def check_lacks():
             expect(f"no {lack}", (status, lack in read("err")), (3, True))
 
 
+def said_under(limit, command):
+    """Returns the status and the messages of a command that may use `limit` KiB of memory."""
+    return shell(f"ulimit -S -v {limit}; {command}"), read("err")
+
+
 def check_memory():
     """If memory runs out, icehost names each incomplete output."""
     write("walk.gpio", "[ZEVA_ICE_GPIO]\nSTART\nGPIO_OE=0x1F\nREPT=9999\nTCK=1\n"
           "TCK=0,PRINT=GPIO_IN\nENDR\nEND\n")
-    ends = {"j.json": '{"totals":', "p.svg": "</svg>", "p.html": "</html>"}
-    for limit in range(12000, 40000, 400):
-        write("learned", "before\n")
-        status = shell(f"rm -f {' '.join(ends)}; ulimit -v {limit}; icehost run -q --learn learned "
-                       "--json j.json --svg p.svg --html p.html walk.gpio")
-        said = read("err")
-        cut = [file for file, end in ends.items()
-               if os.path.exists(file) and not last_line(file).startswith(end)]
-        expect(f"{limit} KiB, cut", (cut, status == 0), ([f for f in cut if f in said], not said))
-        expect(f"{limit} KiB, said", "bad_alloc" in said, False)
-        expect(f"{limit} KiB, learned", last_line("learned") in ("before", "END"), True)
-        if status == 0:
-            break
-    else:
-        expect("enough memory", limit, 0)
+    ends = {"j.json": ('{"totals":', '{"end":true}'), "p.svg": "</svg>", "p.html": "</html>"}
+    least = next(limit for limit in range(12000, 90000, 50)
+                 if "error" not in said_under(limit, "icehost detect -q")[1]
+                 and "thread" not in read("err"))
+    for command in (
+            "icehost run -q --learn learned --json j.json --svg p.svg --html p.html walk.gpio",
+            "icehost serve -q unix:sim --json j.json --html p.html & "
+            "until [ -S sim ] || ! kill -0 $!; do sleep 0.01; done 2>/dev/null; (ulimit -S -v unlimited; "
+            "icehost run -q --probe remote-bitbang:unix:sim walk.gpio; kill $!) 2>/dev/null; wait $!"):
+        status, extra = 3, 0
+        while status != 0 and extra < 40000:
+            write("learned", "before\n")
+            shell(f"rm -f {' '.join(ends)} sim")
+            status, said = said_under(least + extra, command)
+            outputs = [file for file, end in ends.items() if os.path.exists(file)
+                       and ("out of memory" in said or not last_line(file).startswith(end))]
+            what = f"{least + extra} KiB: {command}"
+            expect(what, (outputs, status), ([file for file in outputs if file in said], 3 * bool(said)))
+            expect(f"{what}: said", "bad_alloc" in said, False)
+            expect(f"{what}: learned", last_line("learned") in ("before", "END"), True)
+            extra += max(20, extra // 10)
+        expect(f"enough memory: {command}", status, 0)
 
 
 def check_size_limit():
