@@ -42,7 +42,7 @@ std::string NumberMeant(const NamedItem& item) {
   if (const auto slip = SlipIn(item.value); !slip.empty()) return std::string(slip);
   if (item.IsPin()) return fmt::format("{} must be 0 or 1", item.key);
   std::string_view digits = item.value;
-  if (digits.substr(0, 2) == "0X" || digits.substr(0, 2) == "0x") digits.remove_prefix(2);
+  if (digits.substr(0, 2) == "0X") digits.remove_prefix(2);
   return IsDigits(digits, 16) ? DidYouMean(fmt::format("0x{}", digits)) : "";
 }
 
@@ -66,7 +66,7 @@ void CheckValue(const ScriptLine& line, const NamedItem& item, Problems& problem
 
 // Reports an item that replaces earlier items of the line. `set` has a bit for each key set so far.
 void CheckAgain(const ScriptLine& line, const NamedItem& item, unsigned set, Problems& problems) {
-  if (item.which > kOe || set == 0) return;
+  if (item.which > kOe) return;
   if ((set >> item.which & 1U) != 0) {
     problems.Warn(
         line.Of(item.key),
@@ -188,12 +188,12 @@ std::string GpioLine::WhyRefused(std::string_view field) {
 
 int GpioLine::Check(int flags, Problems& problems) {
   for (const Clean& line : clean_) {
-    if (line.flags == flags && line.text == source_.text) return line.named;
+    if (line.text == source_.text) return line.named;
   }
   const std::size_t before = problems.Found().size();
   const int named = CheckItems(flags, problems);
   if (problems.Found().size() == before) {
-    clean_[next_clean_++ % clean_.size()] = {source_.text, flags, named};
+    clean_[next_clean_++ % clean_.size()] = {source_.text, named};
   }
   return named;
 }

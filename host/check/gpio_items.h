@@ -66,7 +66,6 @@ class GpioLine {
   // A recent line without a warning.
   struct Clean {
     std::string_view text;
-    int flags = 0;
     int named = 0;
   };
 

@@ -69,8 +69,7 @@ std::size_t BytesOf(int bits) {
 std::string BytesMeant(std::string_view text) {
   if (const auto slip = SlipIn(text); !slip.empty()) return std::string(slip);
   std::string_view digits = HexDigits(text);
-  if (digits.size() < 3 || (digits.size() + 1) / 2 > JTAG_DR_MAX_BYTES || !IsDigits(digits, 16))
-    return {};
+  if ((digits.size() + 1) / 2 > JTAG_DR_MAX_BYTES || !IsDigits(digits, 16)) return {};
   std::string bytes;
   while (!digits.empty()) {
     const std::size_t rest = digits.size() - std::min<std::size_t>(digits.size(), 2);

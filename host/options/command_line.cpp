@@ -128,11 +128,12 @@ std::variant<Command, ExitStatus> ParseCommandLine(int argc, char** argv) {
   app.require_subcommand(1);
   app.footer(kFooter);
   app.get_formatter()->label("SUBCOMMAND", "VERB");
-  bool quiet = false;
-  app.add_flag("-q,--quiet", quiet, "Print errors only");
-
   Command commands[] = {RunCommand{}, CheckCommand{}, DetectCommand{}, ImportCommand{},
                         ServeCommand{}};
+  const auto set_quiet = [&commands] {
+    for (Command& command : commands) std::visit([](auto& one) { one.quiet = true; }, command);
+  };
+  app.add_flag_callback("-q,--quiet", set_quiet, "Print errors only");
   std::map<const CLI::App*, Command*> command_of;
   for (Command& command : commands) {
     std::visit([&](auto& one) { command_of[&AddVerb(app, one)] = &command; }, command);
@@ -147,7 +148,6 @@ std::variant<Command, ExitStatus> ParseCommandLine(int argc, char** argv) {
     return status == 0 ? kAllWell : kBadUsage;
   }
   Command& command = *command_of.at(app.get_subcommands().front());
-  std::visit([quiet](auto& one) { one.quiet |= quiet; }, command);
   if (auto* const run = std::get_if<RunCommand>(&command)) run->arguments = {argv + 1, argv + argc};
   return command;
 }

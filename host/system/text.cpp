@@ -32,9 +32,10 @@ bool IsPrintable(char32_t code) {
 // Returns the size of the UTF-8 character that begins with this byte, or 0 if no character does.
 std::size_t SizeOf(unsigned char first) {
   if (first < 0x80) return 1;
-  if (first >= 0xC2 && first < 0xE0) return 2;  // 0xC0 and 0xC1 begin only overlong forms
-  if (first >= 0xE0 && first < 0xF0) return 3;
-  return first >= 0xF0 && first < 0xF5 ? 4 : 0;
+  if (first < 0xC2) return 0;  // 0xC0 and 0xC1 begin only overlong forms
+  if (first < 0xE0) return 2;
+  if (first < 0xF0) return 3;
+  return first < 0xF5 ? 4 : 0;
 }
 
 // Decodes the first `size` bytes as one character. Returns false if they are not valid UTF-8.

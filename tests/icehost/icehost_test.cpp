@@ -81,6 +81,7 @@ TEST(Icehost, PrintsNoControls) {
        "???"
        "?(?"},                                                // stray and missing bytes
       {"\xc0\x9b\xe0\x82\x9b\xf0\x80\x82\x9b", "?????????"},  // overlong forms
+      {"\x81\x80\x80\x80\xc1\x80\x80\x80\xf9\x80\x80\x80", "????????????"},  // no first bytes
       {"\xc1\xbf\xe0\x9f\xbf\xf0\x8f\xbf\xbf", "?????????"},  // the highest overlong forms
       {"\xed\xa0\x80\xf4\x90\x80\x80\xff", "????????"},       // not in Unicode
       {"\xef\xbf\xbf\xf4\x8f\xbf\xbf", "\xef\xbf\xbf\xf4\x8f\xbf\xbf"},  // U+FFFF, U+10FFFF

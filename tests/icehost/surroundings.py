@@ -364,7 +364,7 @@ def check_terminal():
     terminal = ["timeout", "-k", "1", "30", "script", "/dev/null", "-qec"]
     write("nested.gpio", "[ZEVA_ICE_GPIO]\nSTART\nGPIO_OE=0x1F\n" + "REPT=2000000000\n" * 3 +
           "TCK=1\n" + "ENDR\n" * 3 + "END\n")
-    endless = "timeout -s INT 1.7 icehost run nested.gpio"
+    endless = "timeout -s INT 1.7 icehost run --junit /dev/null nested.gpio"
     shown = output(*terminal, endless)
     drawn = re.findall("operations, .*?, 0 %, .*? h left", shown)
     expect(f"progress in {shown!r}", len(drawn) >= 2, True)
