@@ -85,40 +85,52 @@ bool BeginsWithLevels(std::string_view text) {
   return ReadLevels(text).has_value() || NamedLevels(text.substr(0, text.find_first_of(" \t,;.")));
 }
 
-// Reports a comment that may have been meant as an expectation.
-void ReportNearWord(const ScriptLine& line, std::string_view comment, Problems& problems) {
+// Splits a comment at "#". Returns the first part that passes the test, or an empty text.
+template <class Test>
+std::string_view FindNote(std::string_view comment, Test test) {
   icescript::FieldCursor notes(comment, '#');
   while (notes.HasNext()) {
     const std::string_view note = TrimWhitespace(notes.Next());
-    const std::string_view word = FirstWord(note);
-    const auto after = AfterExpect(note);
-    const bool near = !Nearest(word, {kWord}).empty() && BeginsWithLevels(note.substr(word.size()));
-    const std::string remark = "this comment is not an expectation: " + DidYouMean("# expect ...");
-    if (near || (after.has_value() && BeginsWithLevels(*after))) {
-      return problems.Error(line.Of(note), remark);
-    }
-    if (after.has_value()) return problems.WarnAlways(line.Of(note), remark);
-  }
-}
-
-// Returns the first part of a comment that seems to expect levels, or an empty text.
-std::string_view FindMeant(std::string_view comment) {
-  icescript::FieldCursor notes(comment, '#');
-  while (notes.HasNext()) {
-    const std::string_view note = TrimWhitespace(notes.Next());
-    const auto after = AfterExpect(note);
-    if (after.has_value() && BeginsWithLevels(*after)) return note;
+    if (test(note)) return note;
   }
   return {};
 }
 
-// Returns whether another expectation, which has no effect, follows `expect`.
+bool IsExpect(std::string_view note) {
+  return FirstWord(note) == kWord;
+}
+
+// Returns whether a part of a comment seems to expect levels. Without a read, a number after a
+// misspelt word is not enough: "except 5" is probably a remark.
+bool SeemsToExpect(std::string_view note, bool reads) {
+  const auto after = AfterExpect(note);
+  if (after.has_value() && BeginsWithLevels(*after)) return true;
+  if (!reads && note.find('=') == std::string_view::npos) return false;
+  const std::string_view word = FirstWord(note);
+  return !Nearest(word, {kWord}).empty() && BeginsWithLevels(note.substr(word.size()));
+}
+
+std::string_view FindMeant(std::string_view comment, bool reads) {
+  return FindNote(comment, [=](std::string_view note) { return SeemsToExpect(note, reads); });
+}
+
+// Reports a comment on a read that may have been meant as an expectation.
+void ReportNearWord(const ScriptLine& line, std::string_view comment, Problems& problems) {
+  const std::string remark = "this comment is not an expectation: " + DidYouMean("# expect ...");
+  if (const std::string_view meant = FindMeant(comment, true); !meant.empty()) {
+    return problems.Error(line.Of(meant), remark);
+  }
+  const std::string_view near =
+      FindNote(comment, [](std::string_view note) { return AfterExpect(note).has_value(); });
+  if (!near.empty()) problems.WarnAlways(line.Of(near), remark);
+}
+
+// Returns whether a comment has an expectation besides `expect`. It would have no effect.
 bool HasAnother(std::string_view comment, std::string_view expect) {
-  const auto end = static_cast<std::size_t>(expect.data() + expect.size() - comment.data());
-  const std::size_t mark = comment.find('#', end);
-  if (mark == std::string_view::npos) return false;
-  const std::string_view rest = comment.substr(mark);
-  return !FindExpect(rest).empty() || !FindMeant(rest).empty();
+  const auto is_another = [expect](std::string_view note) {
+    return note.data() != expect.data() && (IsExpect(note) || SeemsToExpect(note, true));
+  };
+  return !FindNote(comment, is_another).empty();
 }
 
 }  // namespace
@@ -135,12 +147,7 @@ std::string_view CommentOf(const ScriptLine& line) {
 }
 
 std::string_view FindExpect(std::string_view comment) {
-  icescript::FieldCursor notes(comment, '#');
-  while (notes.HasNext()) {
-    const std::string_view note = TrimWhitespace(notes.Next());
-    if (FirstWord(note) == kWord) return note;
-  }
-  return {};
+  return FindNote(comment, IsExpect);
 }
 
 std::string_view LevelsIn(std::string_view expect) {
@@ -184,7 +191,7 @@ std::optional<Expectation> ReadPinExpectation(const ScriptLine& line, Problems& 
 void ReportVainExpectation(const ScriptLine& line, Problems& problems) {
   const std::string_view comment = CommentOf(line);
   constexpr const char* kNoRead = "this line reads no pins, so nothing is compared";
-  if (const std::string_view meant = FindMeant(comment); !meant.empty()) {
+  if (const std::string_view meant = FindMeant(comment, false); !meant.empty()) {
     problems.Error(line.Of(meant), kNoRead);
   } else if (const std::string_view expect = FindExpect(comment);
              expect.find('=') != std::string_view::npos) {  // may be a sentence, so only warn
@@ -194,7 +201,7 @@ void ReportVainExpectation(const ScriptLine& line, Problems& problems) {
 
 void WarnOfPinExpectation(const ScriptLine& line, Problems& problems) {
   const std::string_view comment = CommentOf(line);
-  std::string_view meant = FindMeant(comment);
+  std::string_view meant = FindMeant(comment, false);
   if (const std::string_view expect = FindExpect(comment); meant.empty() && !expect.empty()) {
     const std::string_view text = LevelsIn(expect);
     // A number followed by other text may begin a sentence.
