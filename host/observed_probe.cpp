@@ -115,15 +115,13 @@ int ObservedProbe::Insert(int ir_bits, const std::uint8_t* ir, int dr_bits,
   const Rescue::Scope working(rescue_, Rescue::State::kWorking);
   ++counts_.operations;
   ++counts_.reads;
-  const int extra = wire_mode_ == CDI_ANSWER_2WIRE ? 8 : 0;  // bits not shifted through the TAP
-  counts_.bits += std::max(ir_bits - extra, 0) + std::max(dr_bits - extra, 0);
   scan_ = {{ir_bits, RegisterBytes(ir, ir_bits), {}},
            {dr_bits, RegisterBytes(dr, dr_bits), {}},
            wire_mode_};
   Begin("link_jtag_insert", false);
   const bool lacks_reset = std::exchange(lacks_reset_, false);
   const int result = Guard([&] {
-    if (lacks_reset && ir_bits <= extra) {
+    if (lacks_reset && ir_bits <= UnshiftedBits()) {
       throw Unsupported("this scan relies on # reset TAP, but this probe cannot reset the TAP");
     }
     return probe_->Insert(ir_bits, ir, dr_bits, dr);
@@ -138,6 +136,9 @@ int ObservedProbe::Execute(std::uint8_t* capture) {
   int result = Guard([&] {
     FindPlace();
     const int executed = probe_->Execute(capture);
+    for (const int bits : {scan_.ir.bits, scan_.dr.bits}) {
+      counts_.bits += std::max(bits - UnshiftedBits(), 0);
+    }
     const std::string doubt = probe_->Doubt();
     if (!doubt.empty()) events_.Doubt(doubt);
     return executed;
@@ -163,7 +164,7 @@ void ObservedProbe::FindPlace() {
 
 // Reading the chain resets the TAPs, so an instruction that a GPIO script loaded would be lost.
 void ObservedProbe::ReadPlace() {
-  if (scan_.ir.bits <= 0 && played_pins_) {
+  if (scan_.ir.bits <= UnshiftedBits() && played_pins_) {
     throw Unsupported(
         "this scan must load an instruction, because icehost first reads the chain, which resets "
         "the TAP");
@@ -179,14 +180,14 @@ void ObservedProbe::ReadPlace() {
 }
 
 void ObservedProbe::KeepCaptured(const std::uint8_t* capture) {
-  const int extra = wire_mode_ == CDI_ANSWER_2WIRE ? 1 : 0;
-  const int ir_bits = scan_.ir.bits - 8 * extra;
+  const int ir_bits = scan_.ir.bits - UnshiftedBits();
   // Over two wires, a scan may be longer than the array, so its length is limited here.
-  const int dr_bits = std::min(scan_.dr.bits, 8 * static_cast<int>(JTAG_DR_MAX_BYTES)) - 8 * extra;
+  const int dr_bits =
+      std::min(scan_.dr.bits, 8 * static_cast<int>(JTAG_DR_MAX_BYTES)) - UnshiftedBits();
   if (probe_->CapturesIr() && ir_bits <= 8 * kDrCaptureByte) {
     scan_.ir.out = RegisterBytes(capture, ir_bits);
   }
-  scan_.dr.out = RegisterBytes(capture + kDrCaptureByte + extra, dr_bits);
+  scan_.dr.out = RegisterBytes(capture + kDrCaptureByte + UnshiftedBits() / 8, dr_bits);
 }
 
 int ObservedProbe::Gpio(int out_value, std::uint32_t& data, int oe_mask, int flags) {

@@ -49,6 +49,8 @@ class ObservedProbe : public Probe {
   void End(const HostCall& call, int result, std::vector<Comparison> comparisons = {});
   void KeepCaptured(const std::uint8_t* capture);
   void BeginRecording();
+  // Returns the number of bits in each register of a scan that are not shifted through the TAP.
+  int UnshiftedBits() const { return wire_mode_ == CDI_ANSWER_2WIRE ? 8 : 0; }
   // Returns the number of recorded steps so far.
   std::size_t Steps() const { return recording_ != nullptr ? recording_->Steps() : 0; }
   void FindPlace();
