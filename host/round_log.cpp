@@ -65,9 +65,14 @@ void RoundLog::BeginRound(long round) {
 
 // Removes each event from the list before passing it on, so that a Rescue can pass on the rest.
 std::vector<std::string> RoundLog::PassOn(RunTime now) {
+  if (listeners_.empty() && recorders_.empty()) return {};
   if (!open_ && failed_rounds_ == kMostFailedRounds) return {};
   const bool last = !open_ && ++failed_rounds_ == kMostFailedRounds;
   open_ = true;
+  if (cut_) {
+    dropped_steps_ += kept_steps_;
+    resumed_at_ = steps_;
+  }
   kept_steps_ = 0;
   while (!kept_.empty()) {
     const Kept next = std::move(kept_.front());
@@ -110,8 +115,6 @@ void RoundLog::DropDetails() {
   const auto frames = [](const Kept& one) { return one.detail; };
   kept_.erase(std::remove_if(kept_.begin(), kept_.end(), frames), kept_.end());
   kept_.shrink_to_fit();
-  dropped_steps_ += std::exchange(kept_steps_, 0);
-  resumed_at_ = steps_;
 }
 
 StepRange RoundLog::Renumbered(const StepRange& steps) const {
@@ -166,9 +169,6 @@ void RoundLog::Record(const PinStep& step) {
   Detail(kStepBytes, [this, step] {
     for (StepRecorder* const recorder : recorders_) recorder->Record(step);
   });
-  if (open_ || !cut_) return;
-  dropped_steps_ += std::exchange(kept_steps_, 0);
-  resumed_at_ = steps_;
 }
 
 }  // namespace icehost

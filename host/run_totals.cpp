@@ -51,7 +51,6 @@ void RunTotals::Summarize(const Follower& follower, ExitStatus status) {
 }
 
 void RunTotals::EndRound(ExitStatus status) {
-  CountUnplayed();
   if (status == kInterrupted) return;
   ++played_rounds_;
   if (status != kAllWell) ++failed_rounds_;
