@@ -91,7 +91,7 @@ std::string Import::OtherForm() const {
   if (import.gpio) return "";
   import.gpio = true;
   for (const char* const rate : {"", " --tck-hz N"}) {
-    if (*rate != '\0') import.tck_hz = 1;
+    if (*rate != '\0') import.tck_hz = 1e6;
     if (ImportSvf(import, svf_, nullptr, [](std::size_t) {}).HasErrors()) continue;
     return fmt::format("; icehost import --script gpio{} can convert it", rate);
   }

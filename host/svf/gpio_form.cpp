@@ -229,7 +229,10 @@ std::optional<long> GpioForm::CyclesOf(const SvfRunTest& run) {
 
 void GpioForm::RunTest(const SvfRunTest& run) {
   const auto cycles = CyclesOf(run);
-  if (!cycles.has_value()) return;
+  if (!cycles.has_value()) {
+    if (!trst_low_) tap_ = run.end;
+    return;
+  }
   const auto hz = tck_hz_.has_value() ? tck_hz_ : file_hz_;
   const bool timed = run.seconds > 0 || file_hz_.has_value();
   WriteLine(timed ? fmt::format(", long enough for TCK of up to {} Hz", *hz) : "");

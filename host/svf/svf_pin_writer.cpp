@@ -53,6 +53,7 @@ class SvfPinWriter : public SvfWriter, public StepRecorder, private TapListener 
   void Record(const PinStep& step) override;
   void End(const PageHead& head) override;
 
+  void OnRound(long round) override;
   void OnScript(const ScriptBegin& script) override { paths_.push_back(script.path); }
   void OnCall(const CallEvent& call) override;
   void OnScriptEnd(const ScriptEnd& end) override;
@@ -297,7 +298,6 @@ void SvfPinWriter::OnPinCall(const CallEvent& call, const GpioCall& pins) {
 
 void SvfPinWriter::AddNote(const CallEvent& call, const char* warning, std::string text) {
   notes_.push_back({call.steps.begin, call.source, &paths_.back(), warning, std::move(text)});
-  Advance();
 }
 
 // Notes that the script reads the bit that is on TDO now. A bit is on TDO between two falling edges
@@ -317,6 +317,11 @@ void SvfPinWriter::Write(const Note& note) {
   CommentOnPlace(*note.path, note.source, 0);
   Lose(note.warning, note.text);
   located_ = 0;
+}
+
+void SvfPinWriter::OnRound(long round) {
+  WriteScan(kIdle);
+  SvfWriter::OnRound(round);
 }
 
 void SvfPinWriter::OnScriptEnd(const ScriptEnd& end) {
