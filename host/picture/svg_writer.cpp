@@ -74,10 +74,9 @@ std::string Unmet(const std::vector<Comparison>& comparisons) {
   std::string text;
   for (const Comparison& comparison : comparisons) {
     if (comparison.fault.empty()) continue;
-    text +=
-        fmt::format("{}{}expected {}, captured {} (mask {})", text.empty() ? "" : "; ",
-                    RegisterOf(comparison.of), comparison.expected,
-                    comparison.captured.empty() ? "unknown" : comparison.captured, comparison.mask);
+    text += fmt::format("{}{}expected {}, captured {} (mask {})", text.empty() ? "" : "; ",
+                        RegisterOf(comparison.of), comparison.expected, comparison.captured,
+                        comparison.mask);
   }
   return text;
 }

@@ -165,7 +165,7 @@ void Socket::TakeLeave(std::string_view bytes, std::size_t answers,
 bool Socket::HasEnded() {
   char byte = 0;
   const ssize_t got = recv(socket_.native_handle(), &byte, 1, MSG_PEEK | MSG_DONTWAIT);
-  if (got < 0 && errno != EAGAIN && errno != EINTR) {
+  if (got < 0 && errno != EAGAIN) {
     Lose(asio::error_code(errno, asio::error::get_system_category()));
   }
   return got == 0;
@@ -227,7 +227,7 @@ asio::error_code SendAtOnce(StreamProtocol::socket& socket, std::string_view& by
       send(socket.native_handle(), bytes.data(), bytes.size(), MSG_DONTWAIT | MSG_NOSIGNAL);
   if (sent >= 0) {
     bytes.remove_prefix(static_cast<std::size_t>(sent));
-  } else if (errno != EAGAIN && errno != EINTR) {
+  } else if (errno != EAGAIN) {
     return asio::error_code(errno, asio::error::get_system_category());
   }
   return {};
