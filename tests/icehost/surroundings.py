@@ -4,6 +4,7 @@ import glob
 import json
 import os
 import re
+import resource
 import signal
 import subprocess
 import sys
@@ -107,6 +108,11 @@ def check_lacks():
             status = shell(f"unshare -rm sh -c 'mount -t tmpfs none /proc; "
                            f"icehost run {options} {SCRIPT}'")
             expect(f"no {lack}", (status, lack in read("err")), (3, True))
+    serve = Serve()
+    resource.prlimit(serve.process.pid, resource.RLIMIT_NOFILE, (3, 3))
+    with serve.client():
+        expect("a client without a descriptor", serve.end(None),
+               (3, "icehost: ADDRESS: cannot accept a client: Too many open files\n"))
 
 
 def said_under(limit, command):
@@ -252,10 +258,11 @@ def check_signals():
     ends_by(signal.SIGINT, "run", "--learn", "fifo", SCRIPT)
     # Nobody reads from this pipe.
     with open(os.open("fifo", os.O_RDWR), "rb"):
+        write("fifo", "x")  # now a write of the whole buffer blocks
+        ends_by(signal.SIGINT, "run", "--json", "-", ENDLESS, out="fifo")
         ends_by(signal.SIGINT, "run", "--svg=f.svg", "--html=f.html", "reads.gpio", out="fifo")
         expect_whole("f.svg", "f.html")
         expect("result", '"result":"interrupted"' in read("f.html"), True)
-        ends_by(signal.SIGINT, "run", "--json", "-", ENDLESS, out="fifo")
         scripts = glob.glob("tests/scripts/*.ini") + glob.glob("examples/*.ini")
         ends_by(signal.SIGINT, "check", "many.ini", *scripts, out="fifo")
         # The pipe is full now.
@@ -317,6 +324,14 @@ def check_spawned_and_signals():
     expect("output that is kept", 0 < max(kept, default=0) < 1000, True)
     process.terminate()
     expect("waits for the command", (process.wait(20), spawned()), (0, []))
+    process = start_spawning(f"run -q {ENDLESS}", "trap 'sleep 2; exit' TERM; "
+                             "icehost serve unix:sim & wait; wait")
+    for number, seconds in ((signal.SIGINT, 0.5), (signal.SIGTERM, 1)):
+        time.sleep(seconds)
+        process.send_signal(number)
+    expect("a second signal", process.wait(20), 128 + signal.SIGTERM)
+    time.sleep(1.5)
+    expect("left after a second signal", spawned(), [])
 
 
 def check_taken_port():
@@ -367,7 +382,7 @@ def check_terminal():
     endless = "timeout -s INT 1.7 icehost run --junit /dev/null nested.gpio"
     shown = output(*terminal, endless)
     drawn = re.findall("operations, .*?, 0 %, .*? h left", shown)
-    expect(f"progress in {shown!r}", len(drawn) >= 2, True)
+    expect(f"progress in {shown!r}", 2 <= len(drawn) <= 5, True)
     expect("progress is left", shown.count("\r\x1b[K"), shown.count("operations, ") + 1)
     for rounds in (300000, 10 ** 7, 10 ** 9):
         shown = output(*terminal, f"timeout -s INT 1.6 icehost run --repeat {rounds} {SCRIPT}")
@@ -375,6 +390,7 @@ def check_terminal():
                            r"(\d+ \w+) left", shown)
         expect(f"rounds in {shown!r}", drawn != [], True)
         for done, rate, percent, left in drawn:
+            expect("rate", 0.99 < int(done) / int(rate) < 1.9, True)
             expect("percent", int(percent), int(done) * 100 // (2 * rounds))
             seconds = (2 * rounds - int(done)) / int(rate)
             units = {"s": seconds, "min": seconds / 60, "h": seconds / 3600}
@@ -382,6 +398,10 @@ def check_terminal():
             # Both the rate and the count are rounded.
             expect(f"{seconds} s are {left}",
                    abs(units[unit] - int(count)) < 0.6 + units[unit] / int(rate), True)
+    write("prints.gpio", "[ZEVA_ICE_GPIO]\nSTART\nGPIO_OE=0x1F\nREPT=9999\nREPT=99999\nTCK=1\n"
+          "ENDR\nPRINT=GPIO_IN\nENDR\nEND\n")
+    shown = output(*terminal, "timeout -s INT 1.6 icehost run prints.gpio")
+    expect("messages on their own lines", re.findall("left[^\r]", shown), [])
     shell(endless)
     expect("progress in a file", read("err"), "icehost: interrupted\n")
     write("bold.ini", "[\x1b[7m\x9b]\nIR=5\nDR=W,0\n")
