@@ -4,7 +4,6 @@ import glob
 import json
 import os
 import re
-import resource
 import signal
 import subprocess
 import sys
@@ -108,11 +107,6 @@ def check_lacks():
             status = shell(f"unshare -rm sh -c 'mount -t tmpfs none /proc; "
                            f"icehost run {options} {SCRIPT}'")
             expect(f"no {lack}", (status, lack in read("err")), (3, True))
-    serve = Serve()
-    resource.prlimit(serve.process.pid, resource.RLIMIT_NOFILE, (3, 3))
-    with serve.client():
-        expect("a client without a descriptor", serve.end(None),
-               (3, "icehost: ADDRESS: cannot accept a client: Too many open files\n"))
 
 
 def said_under(limit, command):
