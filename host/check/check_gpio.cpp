@@ -256,7 +256,7 @@ void GpioLines::CloseBlock(const ScriptLine& endr) {
         "this block contains no pin operation: the plug-in skips it, so it adds no delay");
   }
   CountOperations(SaturatedProduct(block.operations, block.times));
-  pins_.CloseBlock(block.rept.line);
+  if (block.times > 1) pins_.CloseBlock(block.rept.line);
 }
 
 void GpioLines::Finish(bool cut) {
@@ -284,7 +284,6 @@ bool CheckStart(const ScriptLine& line, Problems& problems) {
 
 // Reports expectations on lines up to START, on lines after END, and on lines with only a comment.
 void ReportLoneExpectations(const ScriptText& script, int start, int last, Problems& problems) {
-  if (!MentionsExpectation(script.Content())) return;
   for (const ScriptLine line : script) {
     const bool outside = line.number <= start || line.number > last;
     if (outside || line.Blank()) ReportVainExpectation(line, problems);

@@ -151,9 +151,7 @@ void CheckJtag(const ScriptText& script, CheckResult& result) {
     operations.Take(section);
   }
   result.plan.resets_tap = FindTapReset(script, result.problems);
-  if (MentionsExpectation(script.Content())) {
-    for (const ScriptLine line : script) WarnOfPinExpectation(line, result.problems);
-  }
+  for (const ScriptLine line : script) WarnOfPinExpectation(line, result.problems);
   if (const auto cut = script.CutAt()) result.problems.Error(*cut, kCutScript);
 }
 

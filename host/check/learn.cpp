@@ -245,7 +245,7 @@ class Learner {
     } else {
       Edit(levels, named ? WithLevels(levels, value, counted) : WithWord(levels, value, counted));
     }
-    const int wrong = (known.value[0] ^ value) & known.mask[0];
+    const int wrong = (known.value[0] ^ value) & counted;
     ForEachWord(comment, [&](std::string_view word) {
       if (word.data() >= levels.data() && word.data() < levels.data() + levels.size()) return;
       const std::optional<PinLevel> item = ReadPinLevel(word);

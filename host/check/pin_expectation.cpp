@@ -213,8 +213,4 @@ void WarnOfPinExpectation(const ScriptLine& line, Problems& problems) {
   problems.WarnAlways(line.Of(meant), "# expect has no effect in a JTAG script: use TDO and MASK");
 }
 
-bool MentionsExpectation(std::string_view content) {
-  return AfterExpect(content).has_value();
-}
-
 }  // namespace icehost

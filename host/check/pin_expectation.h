@@ -32,9 +32,6 @@ std::optional<PinLevel> ReadPinLevel(std::string_view item);
 // if the line has no expectation, or if the expectation is wrong.
 std::optional<Expectation> ReadPinExpectation(const ScriptLine& line, Problems& problems);
 
-// Returns whether any comment of a script may contain an expectation.
-bool MentionsExpectation(std::string_view content);
-
 // Reports an expectation on a line that reads nothing.
 void ReportVainExpectation(const ScriptLine& line, Problems& problems);
 
