@@ -88,6 +88,8 @@ class Importer {
       : form_(form), most_(most), problems_(problems) {}
 
   void Take(const SvfStatement& statement);
+  // Reports a script that is too large at the last statement.
+  void CheckSize();
   // Returns whether reading should stop.
   bool IsFull() const { return form_.Size() > most_ || problems_.IsFull(); }
 
@@ -128,6 +130,7 @@ class Importer {
   SvfForm& form_;
   std::size_t most_;
   Problems& problems_;
+  SvfToken last_;  // the keyword of the last statement
   Column ir_;
   Column dr_;
   // The states of the last RUNTEST, which also apply to a later RUNTEST without states.
@@ -158,11 +161,16 @@ void Importer::Take(const SvfStatement& statement) {
   if (statement.is_long) {
     return Refuse(keyword, fmt::format("the statement has more than {} words", kMostWords));
   }
+  last_ = keyword;
   form_.BeginStatement(statement);
   (this->*handler)(statement);
+  CheckSize();
+}
+
+void Importer::CheckSize() {
   if (form_.Size() <= most_) return;
-  Refuse(keyword, fmt::format("the script would be larger than {} MiB (--size-limit allows more)",
-                              most_ >> 20U));
+  Refuse(last_, fmt::format("the script would be larger than {} MiB (--size-limit allows more)",
+                            most_ >> 20U));
 }
 
 std::optional<SvfShift> Importer::TakeRegister(SvfRegister& remembered,
@@ -264,7 +272,9 @@ Problems ImportSvf(const SvfImport& import, std::string_view text, std::ostream*
     on_progress(reader.BytesRead());
   }
   if (empty && !problems.HasErrors()) problems.Error({1, 1}, "the file contains no statement");
+  const bool full = importer.IsFull();
   form->End();
+  if (!full) importer.CheckSize();
   problems.Sort();
   return problems;
 }

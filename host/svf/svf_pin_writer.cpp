@@ -293,7 +293,7 @@ void SvfPinWriter::OnPinCall(const CallEvent& call, const GpioCall& pins) {
       std::exchange(released_, released) != released && released != 0) {
     AddNote(call, kReleased, NamesOf(released) + " released");
   }
-  if (pins.data.has_value() && (pins.oe_mask & GPIO_PIN_TDO) == 0) NoteTdoRead();
+  if (pins.data.has_value() && !decoder_.Last().drives_tdo) NoteTdoRead();
 }
 
 void SvfPinWriter::AddNote(const CallEvent& call, const char* warning, std::string text) {
