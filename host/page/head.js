@@ -77,7 +77,7 @@ function showNotes() {
   if (rows.length < data.total_rows || data.cut_messages) {
     const late = data.late_faults > 0 ? ", and later failures" : "";
     note("warning",
-      `The page shows the first ${rows.length} of ${data.total_rows} operations${late}`);
+      `The page shows the first ${data.first_rows} of ${data.total_rows} operations${late}`);
   }
   if (data.cut_faults) note("warning", "Some later failures are not shown");
   if (steps.length < data.total_steps) {

@@ -103,8 +103,11 @@ void PageWriter::AddSource(std::string_view name, std::string_view content,
 void PageWriter::AddRow(const PageRow& row) {
   ++total_rows_;
   const bool fault = row.verdict >= PageRow::Verdict::kNotMet;
-  if (!HasRoom() && !(fault && HasRoomForFault())) return;
-  ++rows_;
+  if (HasRoom()) {
+    ++first_rows_;
+  } else if (!fault || !HasRoomForFault()) {
+    return;
+  }
   Append(fmt::format("[{},{},{},{},{},{},{},{},{},{}]", row.number, row.line, row.steps.begin,
                      row.steps.end, PageText(row.name), PageText(row.sent), PageText(row.received),
                      PageText(row.expected), PageText(row.wrong), static_cast<int>(row.verdict)));
@@ -142,7 +145,8 @@ void PageWriter::Write(std::ostream& stream, const PageHead& head) const {
 }
 
 bool PageWriter::HasRoom() const {
-  return rows_ < kMostRows && log_.size() < kMostLogBytes && message_lines_ < kMostMessageLines;
+  return first_rows_ < kMostRows && log_.size() < kMostLogBytes &&
+         message_lines_ < kMostMessageLines;
 }
 
 bool PageWriter::HasRoomForFault() {
@@ -161,8 +165,8 @@ void PageWriter::Append(std::string_view entry) {
 
 std::string PageWriter::Totals() const {
   return fmt::format(
-      R"("total_rows":{},"total_steps":{},"late_faults":{},"cut_messages":{},"cut_faults":{})",
-      total_rows_, total_steps_, late_faults_, cut_messages_, cut_faults_);
+      R"("total_rows":{},"first_rows":{},"total_steps":{},"late_faults":{},"cut_messages":{},"cut_faults":{})",
+      total_rows_, first_rows_, total_steps_, late_faults_, cut_messages_, cut_faults_);
 }
 
 }  // namespace icehost

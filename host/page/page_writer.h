@@ -57,7 +57,7 @@ class PageWriter : public StepRecorder {
   std::string log_;      // elements of the JSON array data.log (see page/model.js)
   std::vector<std::uint16_t> steps_;
   long total_steps_ = 0;
-  long rows_ = 0;
+  long first_rows_ = 0;  // all rows until the page has no more room
   long total_rows_ = 0;
   long message_lines_ = 0;
   bool cut_messages_ = false;

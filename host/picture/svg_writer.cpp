@@ -1,6 +1,7 @@
 // Collects the contents of the picture during a run.
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <memory>
 #include <optional>
 #include <ostream>
@@ -136,7 +137,8 @@ void SvgWriter::OnScript(const ScriptBegin& script) {
 void SvgWriter::OnCall(const CallEvent& call) {
   // A call without steps that begins at this limit may have read the pins in the last step kept.
   if (call.steps.begin > kMostSvgSteps) return;
-  if (call.steps.begin < call.steps.end) KeepOperation(OperationOf(call, script_));
+  if (call.steps.begin < std::min(call.steps.end, kMostSvgSteps))
+    KeepOperation(OperationOf(call, script_));
   if (std::optional<SvgRead> read = ReadOf(call, script_)) KeepRead(std::move(*read));
 }
 

@@ -322,7 +322,7 @@ def check_long():
     open_page()
     expect("opens in 10 s", time.monotonic() - begun < 10, True)
     expect("notes", [note for note in texts("#notes li") if note.startswith("The ")],
-           ["The page shows the first 100001 of 150004 operations, and later failures",
+           ["The page shows the first 100000 of 150004 operations, and later failures",
             "The waveform shows the first 100000 of 120002 steps"])
     expect("the end", table()[-1][2:], ["read", "", "0x20 TDO", "0x01/0x01", "NOT MET"])
     expect("elements", len(texts(".item")) < 500, True)

@@ -40,7 +40,7 @@ PICTURES = [
     # If a picture shows only the first steps, it says so.
     ("-", gpio(loop(999))),
     ("-", gpio(loop(1000))),
-    ("examples/reset.ini -", gpio(loop(1787))),
+    ("examples/reset.ini -", gpio(loop(1785))),
     ("examples/reset.ini -", gpio(loop(5000))),
     # A scan shows its values in each band if they fit, else its name. Long names are left out.
     ("--ir-length 2 -", scan("A", 2) + scan("A<&>B\x01", 4)),
