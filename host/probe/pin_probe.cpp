@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <utility>
 
 #include "host/system/errors.h"
 #include "host/target/wires.h"
@@ -45,7 +46,17 @@ void TapWalker::ClockTck(bool tms, bool tdi, bool sample) {
 void TapWalker::TakeTap() {
   Write(kResetPins, kDrivenPins);
   while (!tap_.State().has_value()) ClockTck(true, false, false);
+  // Where NRST also resets the TAP, it is in Test-Logic-Reset now. From both states, this cycle
+  // leads to Run-Test/Idle.
+  const bool unsure = std::exchange(pulsed_nrst_, false);
+  if (unsure && tap_.State() == TapState::kRunTestIdle) ClockTck(false, false, false);
   MoveTo(TapState::kRunTestIdle);
+}
+
+void TapWalker::PulseNrst() {
+  Write(kResetPins & ~GPIO_PIN_NRST, kDrivenPins);
+  Write(kResetPins, kDrivenPins);
+  pulsed_nrst_ = true;
 }
 
 void TapWalker::ResetTap() {
@@ -77,8 +88,7 @@ int PinProbe::Config(int code, int value) {
 int PinProbe::Reset(int kind) {
   if (kind != LINK_RESET_TARGET) return -1;
   others_in_bypass_ = false;  // NRST may also reset the TAPs
-  walker_.Write(kResetPins & ~GPIO_PIN_NRST, kDrivenPins);
-  walker_.Write(kResetPins, kDrivenPins);
+  walker_.PulseNrst();
   return 0;
 }
 

@@ -32,6 +32,8 @@ class TapWalker {
   void TakeTap();
   // Makes the next TakeTap reset the TAP.
   void ForgetTap() { tap_.Forget(); }
+  // Sets NRST low, and then high. TRST stays high, and TCK low.
+  void PulseNrst();
   // Moves the TAP to Test-Logic-Reset from any state, by TMS alone. TRST and NRST stay high.
   void ResetTap();
   // Moves the TAP from a known state to `shift` (Shift-DR or Shift-IR), shifts `in`, moves the TAP
@@ -48,6 +50,7 @@ class TapWalker {
   int levels_ = GPIO_PIN_ALL;
   int enables_ = 0;
   TapTracker tap_;
+  bool pulsed_nrst_ = false;  // since the last TakeTap
 };
 
 class PinProbe : public Probe {

@@ -132,7 +132,7 @@ std::unique_ptr<Probe> OpenOpenocd(const ProbeOptions& options) {
 Chain ReadOpenocd(const ProbeOptions& options) {
   OpenocdRpc rpc(Connect(options));
   Chain chain = ReadOpenocdChain(rpc);
-  if (!options.tap.empty()) RefuseUnknownTap(TapsOf(chain), options.tap);
+  if (!options.tap.empty() && chain.faults.empty()) RefuseUnknownTap(TapsOf(chain), options.tap);
   return chain;
 }
 
