@@ -114,7 +114,6 @@ int ObservedProbe::Insert(int ir_bits, const std::uint8_t* ir, int dr_bits,
                           const std::uint8_t* dr) {
   const Rescue::Scope working(rescue_, Rescue::State::kWorking);
   ++counts_.operations;
-  ++counts_.reads;
   scan_ = {{ir_bits, RegisterBytes(ir, ir_bits), {}},
            {dr_bits, RegisterBytes(dr, dr_bits), {}},
            wire_mode_};
@@ -136,6 +135,7 @@ int ObservedProbe::Execute(std::uint8_t* capture) {
   int result = Guard([&] {
     FindPlace();
     const int executed = probe_->Execute(capture);
+    ++counts_.reads;
     for (const int bits : {scan_.ir.bits, scan_.dr.bits}) {
       counts_.bits += std::max(bits - UnshiftedBits(), 0);
     }
@@ -194,7 +194,6 @@ int ObservedProbe::Gpio(int out_value, std::uint32_t& data, int oe_mask, int fla
   const Rescue::Scope working(rescue_, Rescue::State::kWorking);
   ++counts_.operations;
   const bool read = (flags & GPIO_FLAG_READ_IN) != 0;
-  if (read) ++counts_.reads;
   source_ = follower_.NextPinOperation(data);
   Begin("link_gpio_operator", true);
   played_pins_ = true;
@@ -202,6 +201,7 @@ int ObservedProbe::Gpio(int out_value, std::uint32_t& data, int oe_mask, int fla
   GpioCall call = {out_value, oe_mask, flags, {}};
   std::vector<Comparison> comparisons;
   if (read && result >= 0) {
+    ++counts_.reads;
     call.data = static_cast<int>(data);
     if (!follower_.ComparePins(*call.data, probe_->ReportedPins(), comparisons)) result = -1;
   }

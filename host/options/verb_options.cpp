@@ -148,7 +148,17 @@ void RefuseUnfitSpawn(const ProbeOptions& probe) {
   }
 }
 
+void RefuseTargetOptions(const CLI::App& verb) {
+  for (const CLI::Option* const option : verb.get_options()) {
+    if (option->get_group() == kTargetGroup && option->count() > 0) {
+      throw CLI::ValidationError(option->get_name(), "applies only to the simulated probe");
+    }
+  }
+}
+
 void RefuseUnfitProbe(const CLI::App& verb, const ProbeOptions& probe) {
+  RefuseUnfitSpawn(probe);
+  if (!probe.kind->has_target) return RefuseTargetOptions(verb);
   const TargetOptions& target = probe.target;
   Refuse("--register", [&target] {
     for (const auto& entry : target.registers) {
@@ -157,13 +167,6 @@ void RefuseUnfitProbe(const CLI::App& verb, const ProbeOptions& probe) {
   });
   Refuse("--idcode-instruction",
          [&target] { RefuseUnfitInstruction(target.idcode_instruction, target.ir_length); });
-  RefuseUnfitSpawn(probe);
-  if (probe.kind->has_target) return;
-  for (const CLI::Option* const option : verb.get_options()) {
-    if (option->get_group() == kTargetGroup && option->count() > 0) {
-      throw CLI::ValidationError(option->get_name(), "applies only to the simulated probe");
-    }
-  }
 }
 
 // Checks --chain and --tap against each other and the probe, and applies them to `probe`.

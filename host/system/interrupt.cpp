@@ -140,7 +140,9 @@ bool AwaitOperation(Clock::time_point deadline) {
     loop.restart();
     const auto end = interrupted ? std::min(deadline, work_ends.load()) : deadline;
     if (loop.run_one_until(end) > 0) return true;
-    if (Clock::now() >= end) return false;  // otherwise a signal has stopped the loop
+    // The operation may have ended while the process was stopped. Before `end`, a signal has
+    // stopped the loop.
+    if (Clock::now() >= end) return loop.poll_one() > 0;
   }
 }
 

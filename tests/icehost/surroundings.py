@@ -102,6 +102,14 @@ def check_lacks():
             status = shell(f"ulimit -n {files}; icehost {arguments}")
             lack = "Too many open files" in read("err")
             expect(f"{files} files: {arguments}", status, 3 * lack)
+    for arguments, reasons in (
+            (f"run -q --json - {SCRIPT}", ["standard output", "cannot keep a script in memory",
+                                           "cannot keep a script in memory: /proc/self/fd/N"]),
+            ("detect --probe xvc:unix:/nowhere --spawn :", ["epoll", "cannot start the --spawn command"])):
+        said = [re.sub(r"fd/\d+", "fd/N", read("err")) for files in range(4, 8)
+                if shell(f"ulimit -n {files}; icehost {arguments}") == 3]
+        expect(f"reasons of {arguments}", list(dict.fromkeys(said)),
+               [f"icehost: {reason}: Too many open files\n" for reason in reasons])
     if shell("unshare -rm mount -t tmpfs none /proc") == 0:
         for options, lack in (("", "/proc/self/exe: "), (f"--plugin {PLUGIN}", "/proc/self/fd/")):
             status = shell(f"unshare -rm sh -c 'mount -t tmpfs none /proc; "
@@ -341,6 +349,13 @@ def check_taken_port():
         icehost serve tcp:9824' {SCRIPT}""")
     if shell("unshare -rn true") == 0:
         expect("connected to itself", (shell("unshare -rn sh self.sh"), read("err")), (0, ""))
+    # Of a host's two addresses, only one has a server.
+    write("two.sh", f"""ip link set lo up; printf '127.0.0.1 two\\n127.0.0.2 two\\n' >hosts
+        mount --bind hosts /etc/hosts
+        for at in 1 2; do icehost run -q --timeout 1 --probe remote-bitbang:two:9824 \\
+            --spawn "exec icehost serve -q tcp:127.0.0.$at:9824" {SCRIPT}; done""")
+    if shell("unshare -rmn true") == 0:
+        expect("two addresses", (shell("unshare -rmn sh two.sh"), read("err")), (0, ""))
 
 
 def check_ignored_signals():
@@ -378,12 +393,13 @@ def check_terminal():
     drawn = re.findall("operations, .*?, 0 %, .*? h left", shown)
     expect(f"progress in {shown!r}", 2 <= len(drawn) <= 5, True)
     expect("progress is left", shown.count("\r\x1b[K"), shown.count("operations, ") + 1)
-    for rounds in (300000, 10 ** 7, 10 ** 9):
+    for rounds in (300000, 3 * 10 ** 7, 10 ** 9):
         shown = output(*terminal, f"timeout -s INT 1.6 icehost run --repeat {rounds} {SCRIPT}")
-        drawn = re.findall(rf"round \d+ of {rounds}, 0 failed, (\d+) operations, (\d+)/s, (\d+) %, "
+        drawn = re.findall(rf"round (\d+) of {rounds}, 0 failed, (\d+) operations, (\d+)/s, (\d+) %, "
                            r"(\d+ \w+) left", shown)
         expect(f"rounds in {shown!r}", drawn != [], True)
-        for done, rate, percent, left in drawn:
+        for current, done, rate, percent, left in drawn:
+            expect("round", int(current), (int(done) + 1) // 2)
             expect("rate", 0.99 < int(done) / int(rate) < 1.9, True)
             expect("percent", int(percent), int(done) * 100 // (2 * rounds))
             seconds = (2 * rounds - int(done)) / int(rate)
@@ -392,6 +408,9 @@ def check_terminal():
             # Both the rate and the count are rounded.
             expect(f"{seconds} s are {left}",
                    abs(units[unit] - int(count)) < 0.6 + units[unit] / int(rate), True)
+    shown = output(*terminal, f"timeout -s INT 1.3 icehost run --repeat 0 {SCRIPT}")
+    drawn = re.findall(r"round \d+, 0 failed, \d+ operations, \d+/s(.*)", shown)
+    expect(f"endless rounds in {shown!r}", (drawn != [], " of " in shown), (True, False))
     write("prints.gpio", "[ZEVA_ICE_GPIO]\nSTART\nGPIO_OE=0x1F\nREPT=9999\nREPT=99999\nTCK=1\n"
           "ENDR\nPRINT=GPIO_IN\nENDR\nEND\n")
     shown = output(*terminal, "timeout -s INT 1.6 icehost run prints.gpio")
