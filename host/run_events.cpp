@@ -57,6 +57,7 @@ void RunEvents::BeginScript(ScriptBegin script) {
   source_ = {};
   explained_ = false;
   doubted_ = false;
+  last_message_.clear();
 }
 
 void RunEvents::RequestReset() {

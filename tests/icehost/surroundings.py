@@ -405,6 +405,9 @@ def check_terminal():
             seconds = (2 * rounds - int(done)) / int(rate)
             units = {"s": seconds, "min": seconds / 60, "h": seconds / 3600}
             count, unit = left.split()
+            if not any(0.9 < seconds / bound < 1.1 for bound in (100, 6000)):
+                expect(f"unit for {seconds} s", unit,
+                       "s" if seconds < 100 else "min" if seconds < 6000 else "h")
             # Both the rate and the count are rounded.
             expect(f"{seconds} s are {left}",
                    abs(units[unit] - int(count)) < 0.6 + units[unit] / int(rate), True)
