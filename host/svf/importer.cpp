@@ -130,7 +130,7 @@ class Importer {
   SvfForm& form_;
   std::size_t most_;
   Problems& problems_;
-  SvfToken last_;  // the keyword of the last statement
+  SvfToken last_ = {};  // the keyword of the last statement
   Column ir_;
   Column dr_;
   // The states of the last RUNTEST, which also apply to a later RUNTEST without states.
