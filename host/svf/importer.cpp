@@ -88,8 +88,6 @@ class Importer {
       : form_(form), most_(most), problems_(problems) {}
 
   void Take(const SvfStatement& statement);
-  // Reports a script that is too large at the last statement.
-  void CheckSize();
   // Returns whether reading should stop.
   bool IsFull() const { return form_.Size() > most_ || problems_.IsFull(); }
 
@@ -130,7 +128,6 @@ class Importer {
   SvfForm& form_;
   std::size_t most_;
   Problems& problems_;
-  SvfToken last_ = {};  // the keyword of the last statement
   Column ir_;
   Column dr_;
   // The states of the last RUNTEST, which also apply to a later RUNTEST without states.
@@ -161,16 +158,8 @@ void Importer::Take(const SvfStatement& statement) {
   if (statement.is_long) {
     return Refuse(keyword, fmt::format("the statement has more than {} words", kMostWords));
   }
-  last_ = keyword;
   form_.BeginStatement(statement);
   (this->*handler)(statement);
-  CheckSize();
-}
-
-void Importer::CheckSize() {
-  if (form_.Size() <= most_) return;
-  Refuse(last_, fmt::format("the script would be larger than {} MiB (--size-limit allows more)",
-                            most_ >> 20U));
 }
 
 std::optional<SvfShift> Importer::TakeRegister(SvfRegister& remembered,
@@ -263,18 +252,23 @@ Problems ImportSvf(const SvfImport& import, std::string_view text, std::ostream*
   Importer importer(*form, import.most, problems);
   form->Begin(import.name);
   SvfReader reader(text);
+  Place last{1, 1};
   bool empty = true;
   for (auto statement = reader.Next(problems); statement.has_value() && !importer.IsFull();
        statement = reader.Next(problems)) {
     ThrowIfInterrupted();
     empty = false;
+    last = statement->keyword.place;
     importer.Take(*statement);
     on_progress(reader.BytesRead());
   }
-  if (empty && !problems.HasErrors()) problems.Error({1, 1}, "the file contains no statement");
-  const bool full = importer.IsFull();
+  if (empty && !problems.HasErrors()) problems.Error(last, "the file contains no statement");
   form->End();
-  if (!full) importer.CheckSize();
+  if (form->Size() > import.most) {
+    const std::string why = fmt::format(
+        "the script would be larger than {} MiB (--size-limit allows more)", import.most >> 20U);
+    problems.Error(last, why);
+  }
   problems.Sort();
   return problems;
 }
