@@ -5,6 +5,7 @@ usage: documents.py ICEHOST SOURCE_FOLDER [DOCUMENT...]. The commands use the fi
 ICEHOST (`cmake --install build/dev --prefix PREFIX`; ctest uses build/dev/installed).
 CONTRIBUTING.md describes how blocks are marked.
 """
+import codecs
 import glob
 import os
 import random
@@ -36,15 +37,15 @@ def fail(place, *lines):
     failures.append("\n  ".join([f"{place}: {lines[0]}", *lines[1:]]))
 
 
-def free_port():
-    """Returns a free port below those that the system assigns."""
-    while is_listening(port := random.randrange(20000, 32000)):
-        pass
-    return str(port)
+def free_ports():
+    """Returns a free port for each port of the documents, below those that the system assigns.
 
-
-def is_listening(port):
-    return f":{int(port):04X} 00000000:0000 0A" in read("/proc/net/tcp")
+    Two tests that run at once choose from different ranges."""
+    first = 20000 + os.getpid() % 120 * 100
+    listening = read("/proc/net/tcp")
+    free = [port for port in range(first, first + 100)
+            if f":{port:04X} 00000000:0000 0A" not in listening]
+    return dict(zip(PORTS, map(str, random.sample(free, len(PORTS)))))
 
 
 def write_program(path, line):
@@ -58,10 +59,10 @@ class Shell:
     LOOP = ('while IFS= read -r -d "" -u 9 command; do eval "$command"; '
             'printf "%s %d\\n" "$SENTINEL" $?; done 9<&"$COMMANDS"')
 
-    def __init__(self, folder, openocd_port):
-        self.openocd_port = openocd_port
+    def __init__(self, folder):
         self.sentinel = f"@{random.randrange(1 << 64):x}@"
         self.output = ""
+        self.decoder = codecs.getincrementaldecoder("utf-8")("replace")
         reading, self.commands = os.pipe()
         environment = dict(
             os.environ, CMAKE_PREFIX_PATH=PREFIX, PKG_CONFIG_PATH=f"{PREFIX}/lib/pkgconfig",
@@ -88,7 +89,7 @@ class Shell:
             if select.select([self.process.stdout], [], [], 0.1)[0]:
                 if not (printed := os.read(self.process.stdout.fileno(), 1 << 16)):
                     return None
-                self.output += printed.decode(errors="replace")
+                self.output += self.decoder.decode(printed)
         return result
 
     def run(self, command, expected):
@@ -96,9 +97,6 @@ class Shell:
         os.write(self.commands, command.encode() + b"\0")
         ended = re.compile(rf"{self.sentinel} (\d+)\n")
         end = self.wait_for(lambda: ended.search(self.output))
-        # OpenOCD does not print that it is ready, so its port is polled.
-        if end and command.startswith("openocd ") and command.endswith("&"):
-            end = self.wait_for(lambda: is_listening(self.openocd_port)) and end
         if not end:
             return None, self.output
         self.output = self.output[:end.start()] + self.output[end.end():]
@@ -182,7 +180,7 @@ def run_block(shell, place, marks, lines, here):
 def run_document(document):
     text = read(document)
     check_links(document, text)
-    free = {port: free_port() for port in PORTS}
+    free = free_ports()
 
     def here(line):
         line = line.replace(MANUALS, PREFIX + MANUALS.removeprefix("/usr"))
@@ -196,7 +194,7 @@ def run_document(document):
         # OpenOCD opens only the port that the documents use.
         write_program(os.path.join(folder, ".programs", "openocd"), "exec /usr/bin/openocd -c "
                       f"'gdb_port disabled; telnet_port disabled; tcl_port {free['6666']}' \"$@\"")
-        with Shell(folder, free["6666"]) as shell:
+        with Shell(folder) as shell:
             for place, language, marks, lines in blocks_of(document, text):
                 body = "".join(line + "\n" for line in lines)
                 if language == "console":
