@@ -8,10 +8,17 @@
 #include <thread>
 #include <utility>
 
+inline std::string ReadFrom(asio::ip::tcp::socket& client) {
+  std::string bytes(4096, '\0');
+  bytes.resize(client.read_some(asio::buffer(bytes)));
+  return bytes;
+}
+
 // A server on a port of this machine. It serves one client after another until it is destroyed.
 class LocalServer {
  public:
-  // Serves one client. It may throw an asio::system_error, for example when the client has left.
+  // Serves one client, up to the end of what the server sends. It may throw an asio::system_error,
+  // for example when the client has left.
   using Session = std::function<void(asio::ip::tcp::socket& client)>;
 
   explicit LocalServer(Session session)
@@ -36,6 +43,9 @@ class LocalServer {
       if (ending_) return;
       try {
         session_(client);
+        // Closing with unread bytes would reset the connection, so the client must close first.
+        client.shutdown(asio::ip::tcp::socket::shutdown_send);
+        for (;;) ReadFrom(client);
       } catch (const asio::system_error&) {
         // The client has left.
       }
@@ -48,11 +58,5 @@ class LocalServer {
   std::atomic<bool> ending_{false};
   std::thread thread_;
 };
-
-inline std::string ReadFrom(asio::ip::tcp::socket& client) {
-  std::string bytes(4096, '\0');
-  bytes.resize(client.read_some(asio::buffer(bytes)));
-  return bytes;
-}
 
 #endif  // ICESCRIPT_TESTS_ICEHOST_LOCAL_SERVER_H_
