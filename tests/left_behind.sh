@@ -24,7 +24,11 @@ if [ "$1" = check ]; then
     failed=1
   fi
 fi
-processes | xargs -r kill -KILL
-rm -rf "${folder:?}"
+# A process can write files until it has ended.
+for _ in {1..50}; do
+  processes | xargs -r kill -KILL
+  [ -z "$(processes)" ] && rm -rf "${folder:?}" && break
+  sleep 0.1
+done
 [ "$1" = check ] || mkdir -m 700 "$folder" || failed=1
 exit "$failed"
