@@ -107,7 +107,7 @@ bool SeemsToExpect(std::string_view note, bool reads) {
   if (after.has_value() && BeginsWithLevels(*after)) return true;
   if (!reads && note.find('=') == std::string_view::npos) return false;
   const std::string_view word = FirstWord(note);
-  return BeginsWithLevels(note.substr(word.size())) && !Nearest(word, {kWord}).empty();
+  return !Nearest(word, {kWord}).empty() && BeginsWithLevels(note.substr(word.size()));
 }
 
 std::string_view FindMeant(std::string_view comment, bool reads) {

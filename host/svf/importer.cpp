@@ -263,7 +263,8 @@ Problems ImportSvf(const SvfImport& import, std::string_view text, std::ostream*
     on_progress(reader.BytesRead());
   }
   if (empty && !problems.HasErrors()) problems.Error(last, "the file contains no statement");
-  form->End();
+  // A script that is too large is cut, so nothing can be said about how it ends.
+  if (form->Size() <= import.most) form->End();
   if (form->Size() > import.most) {
     const std::string why = fmt::format(
         "the script would be larger than {} MiB (--size-limit allows more)", import.most >> 20U);
